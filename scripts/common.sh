@@ -1,0 +1,37 @@
+# Shared by the scripts: where things are, and how Windows programs run. Sourced, not run.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+root=$PWD
+bin=$root/build/mingw/bin
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# A private Wine prefix inside the build folder, without a display.
+wine_start() {
+    export WINEPREFIX=$root/build/wine
+    export WINEDEBUG=-all
+    export WINEDLLOVERRIDES="mscoree,mshtml="
+    export WINEARCH=win64
+    unset DISPLAY
+    mkdir -p "$WINEPREFIX"
+    wineserver=$(command -v wineserver || ls /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver 2>/dev/null | head -n 1)
+    if [ ! -e "$WINEPREFIX/system.reg" ]; then
+        echo "Making a Wine prefix (once, about ten seconds)"
+        wine wineboot --init >/dev/null 2>&1
+        "$wineserver" -w
+    fi
+    # Persistent, so that not every program pays for a start of its own.
+    "$wineserver" -p
+}
+
+wine_stop() {
+    "$wineserver" -k >/dev/null 2>&1 || true
+    "$wineserver" -w >/dev/null 2>&1 || true
+}
+
+# run PROGRAM ARGS: a program of the build, without the notes that Wine's launcher prints.
+run() {
+    wine "$bin/$1" "${@:2}"
+}

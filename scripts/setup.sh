@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building and testing need: only those that are missing.
+source "$(dirname "$0")/common.sh"
+
+packages=(
+    cmake ninja-build g++
+    g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
+    libcli11-dev nlohmann-json3-dev googletest # command lines, JSON, test framework
+    clang-format cppcheck                      # scripts/check.sh
+)
+if [ "${1:-}" = --fuzz ]; then
+    packages+=(clang libclang-rt-dev)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+        missing+=("$package")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "Installing ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi

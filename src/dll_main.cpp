@@ -1,0 +1,16 @@
+// Load and unload of the library.
+#include <windows.h>
+
+#include "frame/library_state.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    switch (reason) {
+        case DLL_PROCESS_ATTACH:
+            return frame::LibraryAttach() ? TRUE : FALSE;
+        case DLL_PROCESS_DETACH:
+            frame::LibraryDetach();
+            return TRUE;
+        default:
+            return TRUE;
+    }
+}

@@ -1,0 +1,151 @@
+#include "events/events.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "events/event_ring.h"
+#include "frame/handle_table.h"
+#include "frame/library_state.h"
+#include "frame/owned.h"
+#include "properties/driver_replies.h"
+#include "transport/requests.h"
+
+namespace events {
+namespace {
+
+using properties::EventDeliveryRequest;
+
+constexpr DWORD kMutexWaitMs = 30000;
+constexpr uint32_t kMostFetched = frame::kRingCapacity;  // events of one driver request
+
+// Registrations for an adapter: one count in the shared data section, one in the event area. Both
+// are kept, with plain arithmetic: intended.
+class Registrations {
+  public:
+    explicit Registrations(uint32_t adapterIndex)
+        : section_(frame::SharedRegistrations()[adapterIndex]),
+          area_(frame::Events()->registrations[adapterIndex]) {}
+
+    bool None() const { return section_ == 0 && area_ == 0; }
+    void Add() {
+        ++section_;
+        ++area_;
+    }
+    void Remove() {
+        section_ -= section_ != 0 ? 1 : 0;
+        area_ -= area_ != 0 ? 1 : 0;
+    }
+
+  private:
+    uint32_t& section_;
+    uint32_t& area_;
+};
+
+HX_STATUS SwitchDelivery(uint32_t handle, uint32_t mask) {
+    return transport::Tell(handle, transport::command::EventDelivery,
+                           EventDeliveryRequest{mask, 0});
+}
+
+// The record of a handle whose driver delivers events, or why there is none. That the handle is
+// open is not looked at: intended.
+HX_STATUS FindRecord(uint32_t handle, const HXMGT_API_HANDLE*& record) {
+    record = frame::AnyRecord(handle);
+    if (record == nullptr) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    return record->dwDriverVersion >= frame::kExtendedRequestsVersion ? HXMGT_SUCCESS
+                                                                      : HXMGT_NOT_SUPPORTED;
+}
+
+// A process that died in the middle leaves its mutex behind as abandoned: it is ours then.
+bool WaitFor(HANDLE mutex) {
+    const DWORD result = WaitForSingleObject(mutex, kMutexWaitMs);
+    return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+}
+
+}  // namespace
+
+HX_STATUS EnableAen(uint32_t handle) {
+    const HXMGT_API_HANDLE* record = nullptr;
+    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    Registrations registrations(record->dwAdapterIndex);
+    if (registrations.None()) {
+        SwitchDelivery(handle, 0);
+        if (const HX_STATUS status = SwitchDelivery(handle, properties::kAllEvents);
+            status != HXMGT_SUCCESS) {
+            return status;
+        }
+    }
+    if (frame::EventSlot* const slot = frame::OwnEventSlot()) {
+        EnableRing(*slot, handle, record->dwAdapterIndex);
+    }
+    registrations.Add();
+    return HXMGT_SUCCESS;
+}
+
+HX_STATUS DisableAen(uint32_t handle) {
+    const HXMGT_API_HANDLE* record = nullptr;
+    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (frame::EventSlot* const slot = frame::OwnEventSlot()) {
+        DisableRing(*slot, handle);
+    }
+    Registrations registrations(record->dwAdapterIndex);
+    registrations.Remove();
+    return registrations.None() ? SwitchDelivery(handle, 0) : HXMGT_SUCCESS;
+}
+
+HX_STATUS GetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_t* count) {
+    if (count != nullptr) {
+        *count = 0;
+    }
+    const HXMGT_API_HANDLE* record = nullptr;
+    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (count == nullptr || (buffer == nullptr && bufferBytes != 0)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    frame::EventSlot* const slot = frame::OwnEventSlot();
+    const HANDLE mutex = frame::EventMutex(handle);
+    if (slot == nullptr || !WaitFor(mutex)) {
+        return HXMGT_DEVICE_BUSY;
+    }
+    const frame::MutexHold hold(mutex);
+    Delivery delivery({reinterpret_cast<HX_EVENT*>(buffer), bufferBytes / sizeof(HX_EVENT)});
+    DeliverQueued(*slot, handle, delivery);
+    *count = delivery.Delivered();
+
+    frame::EventRecord fetched[kMostFetched];
+    uint32_t returned = 0;
+    const transport::Command fetch = transport::command::FetchEvents;
+    if (const HX_STATUS status =
+            transport::SendExtended(handle, fetch.code, fetch.subCode, nullptr, 0, fetched,
+                                    std::min<uint32_t>(bufferBytes, sizeof fetched), &returned);
+        status != HXMGT_SUCCESS) {
+        return status;
+    }
+    const std::span<const frame::EventRecord> events(fetched,
+                                                     returned / sizeof(frame::EventRecord));
+    const uint32_t room = delivery.Room();
+    for (const frame::EventRecord& event : events.first(std::min<size_t>(room, events.size()))) {
+        delivery.Deliver(event);
+    }
+    *count = delivery.Delivered();
+    FanOut(*frame::Events(), *slot, record->dwAdapterIndex, events, room);
+    return HXMGT_SUCCESS;
+}
+
+HX_STATUS ForceEvent(uint32_t handle) {
+    if (frame::OpenRecord(handle) == nullptr) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    uint8_t state = 0;
+    return transport::Exchange(handle, transport::command::ForceEvent, state, state);
+}
+
+}  // namespace events

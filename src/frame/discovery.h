@@ -1,0 +1,29 @@
+// Which SCSI ports carry an adapter of the family, and what kind of driver serves it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace frame {
+
+inline constexpr char kScsiPortPath[] = "\\\\.\\scsi%d:";
+
+// Room for a driver name or a driver parameter string with its terminator.
+inline constexpr size_t kDiscoveryTextSize = 256;
+
+// The calling thread's text buffer: driver names and driver parameter strings share it.
+std::span<char> DiscoveryText();
+
+// Driver service name that the registry gives the port, in DiscoveryText; empty when it has none.
+const char* DriverNameOfPort(uint32_t port);
+
+// The same if the port's driver answers as one of the family, else null. Asks the port each time.
+const char* FamilyDriverName(uint32_t port);
+
+uint32_t CountAdapters();
+
+// 0 or 1, or kDriverTypeUnknown.
+inline constexpr uint8_t kDriverTypeUnknown = 2;
+uint8_t GetDriverType(uint32_t handle);
+
+}  // namespace frame

@@ -1,0 +1,69 @@
+// Layout of the two shared mappings: what every process that loads the library reads and writes.
+// Free of platform headers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace frame {
+
+inline constexpr uint32_t kHandleRecords = 65;  // device handles 0 to 64
+inline constexpr uint32_t kProcessSlots = 8;
+inline constexpr uint32_t kRingCapacity = 32;
+inline constexpr uint32_t kFlashLocks = 256;
+
+#pragma pack(push, 1)
+
+// One event as the driver gave it: code and data.
+struct EventRecord {
+    uint32_t code;
+    uint32_t data[3];
+};
+static_assert(sizeof(EventRecord) == 16);
+
+// The event queues of one process.
+struct EventSlot {
+    uint32_t inUse;
+    EventRecord queue[kHandleRecords][kRingCapacity];
+    uint32_t writeIndex[kHandleRecords];
+    uint32_t capacity[kHandleRecords];  // kRingCapacity while enabled, else 0
+    uint32_t readIndex[kHandleRecords];
+    uint32_t adapterIndex[kHandleRecords];
+};
+static_assert(sizeof(EventSlot) == 34324);
+static_assert(offsetof(EventSlot, queue) == 4);
+static_assert(offsetof(EventSlot, writeIndex) == 33284);
+static_assert(offsetof(EventSlot, capacity) == 33544);
+static_assert(offsetof(EventSlot, readIndex) == 33804);
+static_assert(offsetof(EventSlot, adapterIndex) == 34064);
+
+// "Global\HXMGT_GetAENMapFile"
+struct EventArea {
+    EventSlot slots[kProcessSlots];
+    uint32_t registrations[kHandleRecords];  // by adapter index
+};
+static_assert(sizeof(EventArea) == 274852);
+static_assert(offsetof(EventArea, registrations) == 274592);
+
+// One flash update lock, bound to a physical adapter by its serial.
+struct FlashLock {
+    uint32_t owner;  // process id, 0 = free
+    uint32_t startTick;
+    char serial[32];
+    uint64_t watchdog;  // thread handle in the owner's process
+    uint8_t reserved[256];
+};
+static_assert(sizeof(FlashLock) == 304);
+static_assert(offsetof(FlashLock, serial) == 8);
+static_assert(offsetof(FlashLock, watchdog) == 40);
+
+// "Global\HXMGT_FlashUpdateLocksMapFile"
+struct FlashLockArea {
+    FlashLock locks[kFlashLocks];
+    uint8_t reserved[256];
+};
+static_assert(sizeof(FlashLockArea) == 78080);
+
+#pragma pack(pop)
+
+}  // namespace frame
