@@ -1,0 +1,94 @@
+// vxemu.sys: the emulated adapters as SCSI ports of the system.
+#include <cstring>
+
+#include "device_map.h"
+#include "devices.h"
+#include "kernel.h"
+#include "requests.h"
+#include "stored_profile.h"
+
+namespace driver {
+
+void* Allocate(size_t bytes) {
+    void* block = ExAllocatePoolWithTag(NonPagedPoolNx, bytes, kPoolTag);
+    if (block != nullptr) {
+        std::memset(block, 0, bytes);
+    }
+    return block;
+}
+
+void Release(void* block) {
+    ExFreePoolWithTag(block, kPoolTag);
+}
+
+namespace {
+
+void* AllocateForModel(void*, size_t bytes) {
+    return Allocate(bytes);
+}
+void ReleaseForModel(void*, void* block) {
+    Release(block);
+}
+
+uint64_t Milliseconds(void*) {
+    LARGE_INTEGER frequency;
+    const LARGE_INTEGER counter = KeQueryPerformanceCounter(&frequency);
+    const auto ticks = static_cast<uint64_t>(counter.QuadPart);
+    const auto perSecond = static_cast<uint64_t>(frequency.QuadPart);
+    return ticks / perSecond * 1000 + ticks % perSecond * 1000 / perSecond;
+}
+
+constexpr vxemu::Host kHost = {nullptr, AllocateForModel, ReleaseForModel, Milliseconds};
+
+// Takes down whatever has been set up. Where the system stops a driver whose devices are still
+// open, their users meet a refusal first and a missing device then.
+void TearDown(DRIVER_OBJECT* object, Shared* shared) {
+    ExAcquireFastMutex(&shared->lock);
+    shared->stopping = true;
+    ExReleaseFastMutex(&shared->lock);
+    shared->delayed.Finish();
+    RemoveDeviceMap(*shared);
+    RemoveDevices(object);
+    vxemu::Model::Destroy(shared->model);
+    Release(shared);
+}
+
+void NTAPI Unload(DRIVER_OBJECT* object) {
+    if (object->DeviceObject != nullptr) {
+        TearDown(object, ExtensionOf(object->DeviceObject).shared);
+    }
+}
+
+NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
+    auto* shared = static_cast<Shared*>(Allocate(sizeof(Shared)));
+    if (shared == nullptr) {
+        return STATUS_INSUFFICIENT_RESOURCES;
+    }
+    ExInitializeFastMutex(&shared->lock);
+    shared->delayed.Initialize();
+    vxemu::Profile* profile = nullptr;
+    NTSTATUS status = LoadProfile(registryPath, &profile);
+    if (NT_SUCCESS(status)) {
+        shared->model = vxemu::Model::Create(kHost, *profile);
+        Release(profile);
+        status = shared->model == nullptr ? STATUS_INSUFFICIENT_RESOURCES
+                                          : CreateDevices(object, shared);
+    }
+    if (!NT_SUCCESS(status)) {
+        TearDown(object, shared);
+        return status;
+    }
+    WriteDeviceMap(*shared);
+    return STATUS_SUCCESS;
+}
+
+}  // namespace
+}  // namespace driver
+
+extern "C" NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
+    object->MajorFunction[IRP_MJ_CREATE] = driver::OpenOrClose;
+    object->MajorFunction[IRP_MJ_CLOSE] = driver::OpenOrClose;
+    object->MajorFunction[IRP_MJ_DEVICE_CONTROL] = driver::DeviceControl;
+    object->DriverUnload = driver::Unload;
+    return driver::Start(object, registryPath);
+}

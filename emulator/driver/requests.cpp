@@ -1,0 +1,81 @@
+#include "requests.h"
+
+#include "devices.h"
+#include "transport/ext_ioctl.h"
+
+namespace driver {
+namespace {
+
+using vxemu::Completion;
+
+NTSTATUS StatusOf(Completion completion) {
+    switch (completion) {
+        case Completion::Done:
+            return STATUS_SUCCESS;
+        case Completion::Busy:
+            return STATUS_DEVICE_BUSY;
+        case Completion::Invalid:
+            return STATUS_INVALID_DEVICE_REQUEST;
+        case Completion::ShortBuffer:
+            return STATUS_INVALID_PARAMETER;
+        case Completion::NoDevice:
+            return STATUS_NO_SUCH_DEVICE;
+    }
+    return STATUS_INVALID_DEVICE_REQUEST;
+}
+
+NTSTATUS Complete(IRP* irp, NTSTATUS status, uint32_t returned) {
+    irp->IoStatus.Status = status;
+    irp->IoStatus.Information = returned;
+    IoCompleteRequest(irp, IO_NO_INCREMENT);
+    return status;
+}
+
+}  // namespace
+
+NTSTATUS NTAPI OpenOrClose(DEVICE_OBJECT* device, IRP* irp) {
+    const DeviceExtension& extension = ExtensionOf(device);
+    const bool opens = IoGetCurrentIrpStackLocation(irp)->MajorFunction == IRP_MJ_CREATE;
+    Shared& shared = *extension.shared;
+    ExAcquireFastMutex(&shared.lock);
+    const bool refused = opens && shared.stopping;
+    if (!refused) {
+        shared.model->CountHandle(extension.port, opens ? 1 : -1);
+    }
+    ExReleaseFastMutex(&shared.lock);
+    return Complete(irp, refused ? STATUS_DELETE_PENDING : STATUS_SUCCESS, 0);
+}
+
+NTSTATUS NTAPI DeviceControl(DEVICE_OBJECT* device, IRP* irp) {
+    const DeviceExtension& extension = ExtensionOf(device);
+    Shared& shared = *extension.shared;
+    const auto& parameters = IoGetCurrentIrpStackLocation(irp)->Parameters.DeviceIoControl;
+    const bool control = extension.port == kControlDevice;
+    if (!control && parameters.IoControlCode != transport::kIoctlScsiMiniport) {
+        return Complete(irp, STATUS_INVALID_DEVICE_REQUEST, 0);
+    }
+    auto* buffer = static_cast<uint8_t*>(irp->AssociatedIrp.SystemBuffer);
+    uint32_t returned = 0;
+    uint32_t delay = 0;
+    NTSTATUS status = STATUS_DELETE_PENDING;
+    ExAcquireFastMutex(&shared.lock);
+    if (!shared.stopping) {
+        status = StatusOf(
+            control ? shared.model->Control(parameters.IoControlCode, buffer,
+                                            parameters.InputBufferLength,
+                                            parameters.OutputBufferLength, &returned)
+                    : shared.model->Request(extension.port, buffer, parameters.InputBufferLength,
+                                            parameters.OutputBufferLength, &returned, &delay));
+    }
+    ExReleaseFastMutex(&shared.lock);
+    if (delay != 0) {
+        irp->IoStatus.Status = status;
+        irp->IoStatus.Information = returned;
+        if (shared.delayed.Start(irp, delay)) {
+            return STATUS_PENDING;
+        }
+    }
+    return Complete(irp, status, returned);
+}
+
+}  // namespace driver

@@ -1,0 +1,114 @@
+// The control requests of the emulated adapters, sent to the device "\\.\vxemu" (or straight to
+// Model::Control). Every request begins with its record, every reply is one record; both travel
+// in one buffer. Shared by the driver, the control tool and the tests.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "model/faults.h"
+#include "model/profile.h"
+#include "properties/driver_replies.h"
+
+namespace vxemu {
+
+inline constexpr char kControlDeviceName[] = "vxemu";
+inline constexpr uint32_t kControlVersion = 1;  // raised with every change of a record
+
+// A control code as the operating system builds it: unknown device type, read access for what
+// only asks and read and write access for what changes something, buffered.
+constexpr uint32_t ControlCode(uint32_t function, bool changes) {
+    return (0x22u << 16) | ((changes ? 3u : 1u) << 14) | ((0x800u + function) << 2);
+}
+
+namespace control {
+inline constexpr uint32_t kStatus = ControlCode(0, false);       // - / StatusReply
+inline constexpr uint32_t kFaultList = ControlCode(1, false);    // - / FaultListReply
+inline constexpr uint32_t kReadProfile = ControlCode(2, false);  // - / Profile as it stands
+inline constexpr uint32_t kFaultAdd = ControlCode(16, true);     // FaultRule / CountReply: id
+inline constexpr uint32_t kFaultClear = ControlCode(17, true);   // FaultClear / CountReply
+inline constexpr uint32_t kPortReset = ControlCode(18, true);    // PortSelector / -
+inline constexpr uint32_t kRaiseEvent = ControlCode(19, true);   // EventRequest / CountReply
+inline constexpr uint32_t kSetLink = ControlCode(20, true);      // LinkRequest / -
+inline constexpr uint32_t kSetField = ControlCode(21, true);     // FieldRequest / CountReply
+}  // namespace control
+
+#pragma pack(push, 1)
+
+struct PortStatus {
+    uint32_t scsiPort;
+    uint32_t adapter;
+    PortState state;
+    uint8_t delivery;  // 1 while events are delivered
+    uint8_t reserved;
+    uint32_t eventsQueued;
+    uint32_t eventsDropped;
+    uint32_t openHandles;
+    uint64_t requests;
+    uint64_t faults;
+    char driverName[32];
+    char serial[32];
+    uint8_t portName[8];
+    uint16_t deviceId;
+    uint8_t reserved2[6];
+};
+static_assert(sizeof(PortStatus) == 120);
+static_assert(offsetof(PortStatus, requests) % 8 == 0);
+
+struct StatusReply {
+    uint32_t version;  // kControlVersion
+    uint32_t adapterCount;
+    uint32_t portCount;
+    uint32_t faultCount;
+    uint64_t uptime;  // milliseconds
+    char profileName[32];
+    PortStatus ports[kMaxPorts];
+};
+static_assert(sizeof(StatusReply) == 56 + kMaxPorts * 120);
+
+struct FaultListReply {
+    uint32_t version;
+    uint32_t count;
+    FaultEntry entries[kMaxFaults];
+};
+static_assert(sizeof(FaultListReply) == 8 + kMaxFaults * 44);
+
+// A number: the new rule's id, or how many things were changed, queued or removed.
+struct CountReply {
+    uint32_t count;
+};
+
+struct FaultClear {
+    uint32_t id;  // 0 = all
+};
+
+struct PortSelector {
+    uint32_t scsiPort;
+};
+
+struct EventRequest {
+    uint32_t scsiPort;
+    properties::DriverEvent event;
+};
+static_assert(sizeof(EventRequest) == 20);
+
+struct LinkRequest {
+    uint32_t scsiPort;
+    uint32_t up;  // 0 or 1
+};
+static_assert(sizeof(LinkRequest) == 8);
+
+inline constexpr uint32_t kFieldValueLength = 80;
+
+// Sets a settable field (profile_fields.h) of the port, or of the port's adapter.
+struct FieldRequest {
+    uint32_t scsiPort;
+    char name[32];
+    uint32_t length;  // of value; the field's own size
+    uint8_t value[kFieldValueLength];
+};
+static_assert(sizeof(FieldRequest) == 120);
+
+#pragma pack(pop)
+
+}  // namespace vxemu

@@ -1,0 +1,70 @@
+// One request at a port: the data that came, and the reply being made. Both lie in the same place
+// of the caller's buffer, so a handler reads what it needs before it replies.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "model/port.h"
+#include "transport/ext_ioctl.h"
+
+namespace vxemu {
+
+class Exchange {
+  public:
+    Exchange(Port& port, uint8_t* data, uint32_t inputLength, uint32_t room)
+        : port_(port), data_(data), inputLength_(inputLength), room_(room) {}
+
+    Port& GetPort() const { return port_; }
+    uint32_t InputLength() const { return inputLength_; }
+
+    // Room for the reply, as asked for and as the buffer has it.
+    uint32_t Room() const { return room_; }
+
+    // Length of the whole reply, whether or not it fits.
+    uint32_t ReplyLength() const { return replyLength_; }
+
+    // Takes a record from the start of the request data; false when the data is shorter.
+    template <typename Record>
+    bool Read(Record& record) const {
+        if (inputLength_ < sizeof record) {
+            return false;
+        }
+        std::memcpy(&record, data_, sizeof record);
+        return true;
+    }
+
+    // The reply is this record; of one that does not fit, the beginning is kept.
+    template <typename Record>
+    void Reply(const Record& record) {
+        StartReply(sizeof record);
+        Put(0, &record, sizeof record);
+    }
+
+    // A reply of length bytes, all zero, to be filled with Put.
+    void StartReply(uint32_t length) {
+        replyLength_ = length;
+        std::memset(data_, 0, length < room_ ? length : room_);
+    }
+
+    void Put(uint32_t offset, const void* bytes, uint32_t length) {
+        if (offset < room_) {
+            std::memcpy(data_ + offset, bytes, length < room_ - offset ? length : room_ - offset);
+        }
+    }
+
+    bool Fits() const { return replyLength_ <= room_; }
+
+    uint16_t ResyncFlag() const { return resyncFlag_; }
+    void SetResyncFlag(uint16_t flag) { resyncFlag_ = flag; }
+
+  private:
+    Port& port_;
+    uint8_t* data_;
+    uint32_t inputLength_;
+    uint32_t room_;
+    uint32_t replyLength_ = 0;
+    uint16_t resyncFlag_ = 0;
+};
+
+}  // namespace vxemu

@@ -1,0 +1,58 @@
+// What the emulated ports answer: one row per request. A capability is added with its row and its
+// handler.
+#pragma once
+
+#include <cstdint>
+
+#include "model/exchange.h"
+#include "model/profile.h"
+#include "transport/ext_ioctl.h"
+
+namespace vxemu {
+
+using ExtendedHandler = transport::DriverStatus (*)(Exchange& exchange);
+
+struct ExtendedRow {
+    transport::Command command;
+    bool legacyToo;  // answered by a legacy driver as well
+    bool bare;       // answered without signature and version of the EXT_IOCTL
+    ExtendedHandler handle;
+};
+
+// A plain request has no status: false makes the transfer fail.
+using PlainHandler = bool (*)(Exchange& exchange);
+
+struct PlainRow {
+    uint32_t code;
+    DriverGeneration generation;
+    PlainHandler handle;
+};
+
+// What the tables say about a request: a row, or why there is none.
+struct ExtendedLookup {
+    const ExtendedRow* row;
+    transport::DriverStatus status;
+};
+ExtendedLookup FindExtended(DriverGeneration generation, uint32_t code, uint16_t subCode);
+
+// Null when the driver does not know the request.
+const PlainRow* FindPlain(DriverGeneration generation, uint32_t code);
+
+// Whether requests with this code come in the plain form.
+bool IsPlainCode(uint32_t code);
+
+transport::DriverStatus NodeProperties(Exchange& exchange);
+transport::DriverStatus PortProperties(Exchange& exchange);
+transport::DriverStatus PortPropertiesV2(Exchange& exchange);
+transport::DriverStatus DriverProperties(Exchange& exchange);
+transport::DriverStatus FirmwareProperties(Exchange& exchange);
+transport::DriverStatus ChipProperties(Exchange& exchange);
+transport::DriverStatus PortDisableInfo(Exchange& exchange);
+transport::DriverStatus EventDelivery(Exchange& exchange);
+transport::DriverStatus FetchEvents(Exchange& exchange);
+transport::DriverStatus ForceEvent(Exchange& exchange);
+
+bool LegacyQuery(Exchange& exchange);
+bool LegacyPortAndNode(Exchange& exchange);
+
+}  // namespace vxemu

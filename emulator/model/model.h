@@ -1,0 +1,74 @@
+// The emulated adapters: answers the requests of the driver interface for every port of a
+// profile, and the control requests of control.h. Plain C++ for three hosts (the kernel driver, a
+// test process on Windows, a native test): no platform call, no exception, no floating point, no
+// global mutable state, and memory from the host alone. The same profile and the same requests
+// give the same bytes.
+//
+// The host serialises the calls per model.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "model/faults.h"
+#include "model/port.h"
+#include "model/profile.h"
+
+namespace vxemu {
+
+// What a model needs from whoever runs it.
+struct Host {
+    void* context;
+    void* (*allocate)(void* context, size_t bytes);  // zeroed, or null
+    void (*release)(void* context, void* block);
+    uint64_t (*milliseconds)(void* context);  // a clock that never goes back
+};
+
+// How a request ends. Each stands for one way of completing it to the operating system.
+enum class Completion : uint32_t {
+    Done,
+    Busy,         // error 170
+    Invalid,      // not a request of this device: error 1
+    ShortBuffer,  // lengths that do not fit the buffer: error 87
+    NoDevice,     // no such port
+};
+
+class Model {
+  public:
+    // The profile is validated; null when it is not valid or memory is missing.
+    static Model* Create(const Host& host, const Profile& profile);
+    static void Destroy(Model* model);
+
+    uint32_t PortCount() const { return profile_->portCount; }
+    uint32_t ScsiPortNumber(uint32_t port) const;
+    const char* DriverName(uint32_t port) const;
+
+    // One IOCTL_SCSI_MINIPORT on a buffer of max(inputLength, outputLength) bytes that holds the
+    // input and receives the output. *returned is the number of bytes to hand back, 0 unless Done.
+    // *delay is the number of milliseconds to wait before completing (a fault asks for it).
+    Completion Request(uint32_t port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
+                       uint32_t* returned, uint32_t* delay = nullptr);
+
+    // One request of the control device, on the same kind of buffer.
+    Completion Control(uint32_t code, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
+                       uint32_t* returned);
+
+    // The host tells of handles opened (+1) and closed (-1), for the status report.
+    void CountHandle(uint32_t port, int32_t change);
+
+  private:
+    friend class ControlRequest;
+
+    Completion AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLength,
+                              uint32_t outputLength, FaultAction fault, uint32_t* returned);
+    Completion AnswerPlain(Port& port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
+                           FaultAction fault, uint32_t* returned);
+
+    Host host_;
+    Profile* profile_;
+    Port* ports_;  // one per port of the profile
+    FaultList faults_;
+    uint64_t startTime_;
+};
+
+}  // namespace vxemu

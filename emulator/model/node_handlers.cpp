@@ -1,0 +1,106 @@
+// Requests about the adapter: node, driver, firmware and chip.
+#include <cstring>
+
+#include "model/bytes.h"
+#include "model/handlers.h"
+#include "model/node_flags.h"
+#include "model/pci_header.h"
+#include "properties/chip_families.h"
+#include "properties/driver_replies.h"
+
+namespace vxemu {
+namespace {
+
+using transport::DriverStatus;
+
+// Every port has its own driver instance, which speaks for that port alone.
+constexpr uint16_t kPortsPerInstance = 1;
+
+uint16_t GenerationOf(uint16_t deviceId) {
+    const bool oldest = properties::ChipOf(deviceId).Has(properties::ChipTrait::NoCtNoRnid);
+    return oldest ? 2 : 1;
+}
+
+}  // namespace
+
+DriverStatus NodeProperties(Exchange& exchange) {
+    Port& port = exchange.GetPort();
+    const AdapterProfile& adapter = *port.adapter;
+    if (exchange.ResyncFlag() != 0) {
+        ++port.resyncs;
+    }
+    properties::NodeReply reply = {};
+    std::memcpy(reply.nodeName, port.profile->nodeName, sizeof reply.nodeName);
+    if ((adapter.nodeFlags & kNodeFlagTextSerial) != 0) {
+        char* text = reply.manufacturerAndSerial;
+        const size_t length = std::strlen(adapter.manufacturer);
+        std::memcpy(text, adapter.manufacturer, length);
+        text[length] = properties::kSerialSeparator;
+        CopyText(text + length + 1, sizeof reply.manufacturerAndSerial - length - 1,
+                 adapter.serial);
+    }
+    CopyOpenText(reply.model, adapter.model);
+    CopyOpenText(reply.modelDescription, adapter.description);
+    std::memcpy(reply.serialBytes, adapter.serialBytes, sizeof reply.serialBytes);
+    CopyText(reply.driverVersion, adapter.driverVersion);
+    CopyText(reply.firmwareVersion, adapter.firmwareVersion);
+    CopyText(reply.optionRomVersion, adapter.optionRomVersion);
+    reply.numberOfPorts = kPortsPerInstance;
+    reply.adapterGeneration = GenerationOf(adapter.deviceId);
+    reply.vendorSpecificId = adapter.vendorSpecificId;
+    reply.firmwareAttributes = adapter.firmwareAttributes;
+    reply.flags = adapter.nodeFlags;
+    exchange.Reply(reply);
+    return DriverStatus::Success;
+}
+
+DriverStatus DriverProperties(Exchange& exchange) {
+    const AdapterProfile& adapter = *exchange.GetPort().adapter;
+    properties::DriverReply reply = {};
+    CopyText(reply.version, adapter.driverVersion);
+    reply.driverModel = 1;
+    reply.maxScatterGather = 1024;
+    reply.maxTransferLength = 16u * 1024 * 1024;
+    reply.maxQueueDepth = 2048;
+    reply.interruptMode = 2;  // MSI-X
+    reply.numberOfPorts = kPortsPerInstance;
+    std::memcpy(reply.buildText, adapter.driverBuild, sizeof reply.buildText);
+    reply.buildNumber = adapter.driverBuildNumber;
+    exchange.Reply(reply);
+    return DriverStatus::Success;
+}
+
+DriverStatus FirmwareProperties(Exchange& exchange) {
+    const AdapterProfile& adapter = *exchange.GetPort().adapter;
+    properties::FirmwareReply reply = {};
+    CopyText(reply.version, adapter.firmwareVersion);
+    reply.attributes = adapter.firmwareAttributes;
+    reply.activationAttributes = adapter.activationAttributes;
+    exchange.Reply(reply);
+    return DriverStatus::Success;
+}
+
+DriverStatus ChipProperties(Exchange& exchange) {
+    const AdapterProfile& adapter = *exchange.GetPort().adapter;
+    const PortProfile& profile = *exchange.GetPort().profile;
+    properties::ChipReply reply = {};
+    reply.vendorId = properties::kVendorId;
+    reply.deviceId = adapter.deviceId;
+    reply.subsystemVendorId = adapter.subsystemVendorId;
+    reply.subsystemDeviceId = adapter.subsystemDeviceId;
+    reply.revision = adapter.revision;
+    reply.classWord = kFibreChannelClass;
+    reply.baseAddresses[0] = 0xF0000004u + 0x10000u * profile.pciFunction;  // 64-bit memory
+    reply.pciCommand = kPciCommand;
+    reply.pciStatus = kPciStatus;
+    reply.linkCapabilities = 0x0083;  // 8 GT/s, 8 lanes
+    reply.linkStatus = 0x0083;
+    reply.busLocation = static_cast<uint32_t>(adapter.pciBus) * 256 + adapter.pciDevice;
+    reply.functionBits = static_cast<uint8_t>(profile.pciFunction << 5);
+    reply.flashRegionFlag = profile.flashRegionFlag;
+    reply.flashRegionCode = profile.flashRegionCode;
+    exchange.Reply(reply);
+    return DriverStatus::Success;
+}
+
+}  // namespace vxemu

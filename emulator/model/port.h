@@ -1,0 +1,31 @@
+// One emulated port: what it is (its part of the profile) and what has happened to it.
+#pragma once
+
+#include <cstdint>
+
+#include "model/event_queue.h"
+#include "model/profile.h"
+
+namespace vxemu {
+
+// A block of these comes zeroed from the host; zero is the state before the first request.
+struct Port {
+    AdapterProfile* adapter;  // both inside the model's own profile
+    PortProfile* profile;
+    PortState initialState;  // what a reset returns to
+    EventQueue events;
+    uint64_t requests;
+    uint64_t faults;
+    uint32_t resyncs;
+    uint32_t openHandles;
+
+    bool LinkUp() const { return profile->state == PortState::Online; }
+};
+
+// Changes the link and queues the event that goes with the change; nothing when it is already so.
+void SetLink(Port& port, bool up);
+
+// Back to the state after the start: link as the profile has it, no events, delivery off.
+void ResetPort(Port& port);
+
+}  // namespace vxemu

@@ -1,0 +1,182 @@
+// What the emulated adapters are: one flat, versioned record. It travels as it is (a registry
+// value, a file made from JSON), so whoever receives one validates it before use.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vxemu {
+
+inline constexpr uint32_t kProfileMagic = 0x50584556;  // "VEXP"
+inline constexpr uint32_t kProfileVersion = 1;         // raised with every change of the layout
+inline constexpr uint32_t kMaxAdapters = 64;
+inline constexpr uint32_t kMaxPorts = 64;
+inline constexpr uint32_t kMaxScsiPort = 63;
+inline constexpr uint32_t kMaxPciFunction = 7;
+
+// The two kinds of driver that the adapters of the family are found with.
+enum class DriverGeneration : uint8_t {
+    Extended = 0,  // answers extended requests
+    Legacy = 1,    // answers plain requests, and extended ones as far as opening a port needs them
+};
+
+// PortReply state.
+enum class PortState : uint16_t {
+    Online = 0,
+    Offline = 1,
+    LinkDown = 2,
+};
+
+// PortReply topology.
+enum class Topology : uint16_t {
+    Unknown = 0,
+    PointToPoint = 1,
+    PrivateLoop = 2,
+    PublicLoop = 3,
+    Fabric = 4,
+};
+
+#pragma pack(push, 1)
+
+struct AdapterProfile {
+    uint16_t deviceId;
+    uint16_t subsystemVendorId;
+    uint16_t subsystemDeviceId;  // board ID
+    uint16_t revision;
+    DriverGeneration generation;
+    uint8_t pciBus;
+    uint8_t pciDevice;
+    uint8_t serialBytes[3];  // b0, b1, b2 of the numeric serial
+    char serial[32];         // begins with kEmulatedSerialPrefix
+    char manufacturer[80];
+    char model[17];
+    char description[17];  // contains kEmulatedMark
+    char driverName[32];   // service name
+    char driverVersion[32];
+    char driverBuild[17];
+    char firmwareVersion[32];  // major.minor.patch
+    char optionRomVersion[5];
+    uint32_t driverBuildNumber;
+    uint32_t firmwareAttributes;
+    uint32_t activationAttributes;
+    uint32_t vendorSpecificId;
+    uint32_t nodeFlags;
+    uint8_t reserved[62];
+};
+static_assert(sizeof(AdapterProfile) == 360);
+
+struct PortProfile {
+    uint8_t adapter;   // index into Profile::adapters
+    uint8_t scsiPort;  // N of "\\.\scsiN:"
+    uint8_t pciFunction;
+    uint8_t portId[3];  // domain, area, port; zero while the link is down
+    uint8_t nodeName[8];
+    uint8_t portName[8];
+    uint16_t role;  // 1 = initiator
+    PortState state;
+    Topology topology;
+    uint16_t discoveredDevices;
+    uint16_t discoveredTargets;
+    uint16_t staleDevices;  // listed by a legacy driver, but no longer there
+    uint8_t supportedFc4;
+    uint8_t activeFc4;
+    uint8_t supportedSpeeds;
+    uint8_t currentSpeed;  // while the link is up
+    uint16_t speedFlags;
+    uint16_t maxFrameSize;
+    uint16_t bbCredits;
+    uint16_t npivMaximum;
+    uint16_t npivInUse;
+    // What only the second version of the port properties reports.
+    uint16_t maxTargets;
+    uint16_t maxLunsPerTarget;
+    uint16_t executionThrottle;
+    uint16_t loginTimeout;
+    uint16_t linkDownTimeout;
+    uint16_t portDownRetry;
+    uint8_t transceiverType[2];
+    uint32_t featureMask;
+    uint8_t fecActive;
+    uint8_t protocolFlags;
+    uint8_t trunkState;
+    uint8_t diagnosticState;
+    uint8_t portDisabled;
+    uint8_t knowsSubCode10;  // 0: the driver rejects the second version of the port properties
+    uint8_t flashRegionFlag;
+    uint8_t flashRegionCode;
+    uint8_t reserved[38];
+};
+static_assert(sizeof(PortProfile) == 112);
+
+// Later contents (targets, flash, ...) follow the ports, under a higher version.
+struct Profile {
+    uint32_t magic;
+    uint32_t version;
+    uint32_t size;  // of the whole record
+    uint32_t adapterCount;
+    uint32_t portCount;
+    char name[32];
+    uint8_t reserved[12];
+    AdapterProfile adapters[kMaxAdapters];
+    PortProfile ports[kMaxPorts];
+};
+static_assert(offsetof(Profile, adapters) == 64);
+static_assert(sizeof(Profile) == 64 + kMaxAdapters * 360 + kMaxPorts * 112);
+
+#pragma pack(pop)
+
+inline constexpr char kEmulatedSerialPrefix[] = "EMU";
+inline constexpr char kEmulatedMark[] = "Emulated";
+
+enum class ProfileError : uint32_t {
+    None,
+    Size,
+    Magic,
+    Version,
+    AdapterCount,
+    PortCount,
+    Name,
+    Field,         // a field's value is out of range, or its text is not terminated
+    Serial,        // does not begin with kEmulatedSerialPrefix
+    Description,   // does not contain kEmulatedMark
+    AdapterIndex,  // a port of an adapter that does not exist
+    AdapterHasNoPort,
+    DuplicateScsiPort,
+    DuplicatePortName,
+    NoPortName,
+};
+
+// Where a profile is wrong: which adapter or port, and the name of the value (or null).
+enum class FaultScope : uint32_t { Profile, Adapter, Port };
+struct ProfileFault {
+    ProfileError error = ProfileError::None;
+    FaultScope scope = FaultScope::Profile;
+    uint32_t index = 0;
+    const char* field = nullptr;
+};
+
+// Checks a record of bytes that came from outside.
+ProfileFault ValidateProfile(const void* bytes, size_t size);
+
+const char* ProfileErrorText(ProfileError error);
+
+// An empty profile of that name: header only. A name that is too long is cut.
+void InitializeProfile(Profile& profile, const char* name);
+
+// An adapter, or a port, with the values that its chip and driver commonly have. The caller sets
+// what tells it from others: serial, names, SCSI port.
+AdapterProfile DefaultAdapter(uint16_t deviceId, DriverGeneration generation);
+PortProfile DefaultPort(const AdapterProfile& adapter);
+
+struct BuiltInProfile {
+    const char* name;
+    const char* description;
+    void (*fill)(Profile& profile);
+};
+inline constexpr uint32_t kBuiltInProfiles = 2;
+extern const BuiltInProfile kBuiltInProfileTable[kBuiltInProfiles];  // the first one is the default
+
+// Fills profile with the built-in one of that name; false when there is none.
+bool FillBuiltInProfile(const char* name, Profile& profile);
+
+}  // namespace vxemu

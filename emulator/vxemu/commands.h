@@ -1,0 +1,34 @@
+// The commands of vxemu, by file.
+#pragma once
+
+#include "common/invocation.h"
+
+namespace vxemu {
+
+// service_commands.cpp
+tools::ExitCode RunInstall(tools::Invocation& invocation);
+tools::ExitCode RunUninstall(tools::Invocation& invocation);
+tools::ExitCode RunStart(tools::Invocation& invocation);
+tools::ExitCode RunStop(tools::Invocation& invocation);
+
+// status_command.cpp
+tools::ExitCode RunStatus(tools::Invocation& invocation);
+
+// profile_commands.cpp
+tools::ExitCode RunProfileList(tools::Invocation& invocation);
+tools::ExitCode RunProfileShow(tools::Invocation& invocation);
+tools::ExitCode RunProfileValidate(tools::Invocation& invocation);
+
+// fault_commands.cpp
+tools::ExitCode RunFaultAdd(tools::Invocation& invocation);
+tools::ExitCode RunFaultList(tools::Invocation& invocation);
+tools::ExitCode RunFaultClear(tools::Invocation& invocation);
+
+// port_commands.cpp
+tools::ExitCode RunReset(tools::Invocation& invocation);
+tools::ExitCode RunEvent(tools::Invocation& invocation);
+tools::ExitCode RunLink(tools::Invocation& invocation);
+tools::ExitCode RunAdapterSet(tools::Invocation& invocation);
+tools::ExitCode RunPortSet(tools::Invocation& invocation);
+
+}  // namespace vxemu

@@ -1,0 +1,146 @@
+#include "fault_text.h"
+
+#include <optional>
+
+#include "common/text.h"
+#include "transport/ext_ioctl.h"
+
+namespace vxemu {
+namespace {
+
+using transport::DriverStatus;
+
+struct KindRow {
+    FaultKind kind;
+    const char* name;
+    const char* value;  // what its number means; null: it takes none
+    uint32_t least;
+    uint32_t most;
+};
+constexpr KindRow kKinds[] = {
+    {FaultKind::Busy, "busy", nullptr, 0, 0},
+    {FaultKind::Hang, "hang", "MS", 1, kMaxHangMilliseconds},
+    {FaultKind::Status, "status", "S", 0, 0xFFFFFFFF},
+    {FaultKind::Detail, "detail", "D", 0, 0xFFFFFFFF},
+    {FaultKind::Short, "short", "N", 1, 0xFFFFFFFF},
+    {FaultKind::Long, "long", "N", 1, 0xFFFFFFFF},
+    {FaultKind::LieLength, "lie-length", nullptr, 0, 0},
+    {FaultKind::Corrupt, "corrupt", nullptr, 0, 0},
+};
+
+constexpr uint32_t kHighestScsiStatus = 0xFF;
+
+// Takes "11:" or "15:" off the front of a detail.
+std::optional<uint32_t> TakeDetailStatus(std::string_view& value) {
+    const size_t colon = value.find(':');
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto status = tools::ParseNumber(value.substr(0, colon));
+    value.remove_prefix(colon + 1);
+    return status ? static_cast<uint32_t>(*status) : 0;
+}
+
+}  // namespace
+
+bool ParseFaultAction(std::string_view kind, std::string_view value, FaultRule* rule,
+                      std::string* error) {
+    for (const KindRow& row : kKinds) {
+        if (kind != row.name) {
+            continue;
+        }
+        rule->kind = row.kind;
+        rule->value = 0;
+        rule->status = 0;
+        if (row.value == nullptr) {
+            *error = std::string(kind) + " takes no value";
+            return value.empty();
+        }
+        std::optional<uint32_t> status;
+        if (row.kind == FaultKind::Detail) {
+            status = TakeDetailStatus(value);
+        }
+        const auto number = tools::ParseNumber(value);
+        if (!number || *number < row.least || *number > row.most) {
+            *error = std::string(kind) + " needs a number from " + std::to_string(row.least) +
+                     " to " + std::to_string(row.most);
+            return false;
+        }
+        rule->value = static_cast<uint32_t>(*number);
+        if (row.kind == FaultKind::Detail) {
+            const DriverStatus usual = rule->value <= kHighestScsiStatus
+                                           ? DriverStatus::ScsiStatus
+                                           : DriverStatus::MailboxFailed;
+            rule->status = status.value_or(static_cast<uint32_t>(usual));
+            *error = "a detail goes with driver status 11 or 15";
+        }
+        return FaultRuleValid(*rule);
+    }
+    *error = "\"" + std::string(kind) + "\" is not one of " + FaultKindList();
+    return false;
+}
+
+std::string FormatFaultAction(const FaultRule& rule) {
+    for (const KindRow& row : kKinds) {
+        if (row.kind != rule.kind) {
+            continue;
+        }
+        std::string text = row.name;
+        if (row.kind == FaultKind::Detail) {
+            text += " " + std::to_string(rule.status) + ":" + tools::Hex(rule.value, 1);
+        } else if (row.value != nullptr) {
+            text += " " + std::to_string(rule.value);
+        }
+        return text;
+    }
+    return "none";
+}
+
+bool ParseFaultCode(std::string_view text, FaultRule* rule) {
+    if (const auto number = tools::ParseNumber(text)) {
+        rule->code = static_cast<uint32_t>(*number);
+        return *number <= 0xFFFFFFFF;
+    }
+    for (const transport::ExtendedCommandRow& row : transport::kExtendedCommands) {
+        if (tools::EqualIgnoringCase(text, row.name)) {
+            rule->code = row.code;
+            rule->subCode = row.kind == transport::SubCode::Fixed ? row.subCode : kAnySubCode;
+            return true;
+        }
+    }
+    for (const transport::PlainCommandRow& row : transport::kPlainCommands) {
+        if (tools::EqualIgnoringCase(text, row.name)) {
+            rule->code = row.code;
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string FormatFaultCode(const FaultRule& rule) {
+    for (const transport::ExtendedCommandRow& row : transport::kExtendedCommands) {
+        if (row.code == rule.code && row.subCode == rule.subCode &&
+            row.kind == transport::SubCode::Fixed) {
+            return row.name;
+        }
+    }
+    for (const transport::PlainCommandRow& row : transport::kPlainCommands) {
+        if (row.code == rule.code) {
+            return row.name;
+        }
+    }
+    return rule.code == kAnyCode ? "any" : tools::Hex(rule.code, 8);
+}
+
+std::string FaultKindList() {
+    std::string list;
+    for (const KindRow& row : kKinds) {
+        list += (list.empty() ? "" : "|") + std::string(row.name);
+        if (row.value != nullptr) {
+            list += std::string(" ") + row.value;
+        }
+    }
+    return list;
+}
+
+}  // namespace vxemu

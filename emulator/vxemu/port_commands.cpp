@@ -1,0 +1,172 @@
+// reset, event, link, adapter set, port set.
+#include <cstring>
+
+#include "commands.h"
+#include "common/text.h"
+#include "field_text.h"
+#include "model/bytes.h"
+#include "model/event_codes.h"
+#include "running_driver.h"
+
+namespace vxemu {
+namespace {
+
+using tools::ExitCode;
+using tools::Invocation;
+using tools::ListLayout;
+using tools::Record;
+using tools::Value;
+
+struct EventRow {
+    const char* name;
+    uint32_t code;
+};
+constexpr EventRow kEvents[] = {
+    {"lip", event_code::kLip},
+    {"link-up", event_code::kLinkUp},
+    {"link-down", event_code::kLinkDown},
+    {"lip-reset", event_code::kLipReset},
+    {"rscn", event_code::kRscn},
+    {"port-update", event_code::kPortUpdate},
+    {"test", event_code::kTest},
+};
+
+uint32_t RequireEventCode(Invocation& invocation, const std::string& kind) {
+    std::string names;
+    for (const EventRow& row : kEvents) {
+        if (kind == row.name) {
+            return row.code;
+        }
+        names += row.name + std::string(", ");
+    }
+    const auto code = tools::ParseNumber(kind);
+    if (!code || *code > 0xFFFFFFFF) {
+        invocation.Fail(ExitCode::Usage, "\"" + kind + "\" is not a kind of event",
+                        "give " + names + "or an event code such as 0x8016");
+    }
+    return static_cast<uint32_t>(*code);
+}
+
+Record PortResult(uint32_t scsiPort) {
+    Record result;
+    result.Add("port", "Port", Value::Text(PortName(scsiPort)));
+    return result;
+}
+
+struct Assignment {
+    FieldRequest request;
+    const Field* field;
+};
+
+// One NAME=VALUE of the command line.
+Assignment RequireAssignment(Invocation& invocation, FieldScope scope, uint32_t scsiPort,
+                             const std::string& text) {
+    const size_t equals = text.find('=');
+    const std::string name = text.substr(0, equals);
+    const Field* field = FindField(scope, name.c_str(), name.size() + 1);
+    if (equals == std::string::npos || field == nullptr || !field->settable) {
+        std::string names;
+        for (const Field& known : ProfileFields()) {
+            if (known.scope == scope && known.settable) {
+                names += (names.empty() ? "" : ", ") + std::string(known.name);
+            }
+        }
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not NAME=VALUE of a known name",
+                        "names are " + names);
+    }
+    Assignment assignment = {{scsiPort, {}, field->size, {}}, field};
+    static_assert(sizeof assignment.request.value >= sizeof(AdapterProfile::manufacturer));
+    CopyText(assignment.request.name, name.c_str());
+    std::string wanted;
+    if (!ParseField(*field, text.substr(equals + 1), assignment.request.value, &wanted)) {
+        invocation.Fail(ExitCode::Usage, name + " must be " + wanted);
+    }
+    return assignment;
+}
+
+ExitCode Set(Invocation& invocation, FieldScope scope) {
+    const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
+    std::vector<Assignment> assignments;
+    for (const std::string& text : invocation.Given().All("ASSIGNMENT")) {
+        assignments.push_back(RequireAssignment(invocation, scope, port, text));
+    }
+    RunningDriver driver(invocation, true);
+    Record result = PortResult(port);
+    for (const Assignment& assignment : assignments) {
+        if (!invocation.DryRun()) {
+            driver.SendForCount(control::kSetField, assignment.request, PortName(port));
+            invocation.Changed();
+        }
+        result.Add(assignment.field->name, assignment.field->name,
+                   Value::Text(FormatField(*assignment.field, assignment.request.value)));
+    }
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+ExitCode RunReset(Invocation& invocation) {
+    const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
+    RunningDriver driver(invocation, true);
+    if (!invocation.DryRun()) {
+        driver.Send(control::kPortReset, PortSelector{port}, PortName(port));
+        invocation.Changed();
+    }
+    invocation.Result() = PortResult(port);
+    return ExitCode::Done;
+}
+
+ExitCode RunEvent(Invocation& invocation) {
+    const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
+    EventRequest request = {
+        port, {RequireEventCode(invocation, invocation.Given().Text("KIND")), {0, 0, 0}}};
+    size_t words = 0;
+    for (const std::string& text : invocation.Given().All("data")) {
+        const auto word = tools::ParseNumber(text);
+        if (!word || *word > 0xFFFFFFFF || words == 3) {
+            invocation.Fail(ExitCode::Usage, "--data: at most three 32-bit numbers");
+        }
+        request.event.data[words++] = static_cast<uint32_t>(*word);
+    }
+    RunningDriver driver(invocation, true);
+    bool queued = false;
+    if (!invocation.DryRun()) {
+        queued = driver.SendForCount(control::kRaiseEvent, request, PortName(port)) != 0;
+        if (queued) {
+            invocation.Changed();
+        } else {
+            invocation.Warn("nobody has event delivery of " + PortName(port) + " switched on",
+                            "the event is gone: watch first, then raise it");
+        }
+    }
+    Record result = PortResult(port);
+    result.Add("code", "Event code", Value::Text(tools::Hex(request.event.code, 4)));
+    result.Add("queued", "Queued", Value::Flag(queued));
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+ExitCode RunLink(Invocation& invocation) {
+    const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
+    const std::string state = invocation.Given().Text("STATE");
+    RunningDriver driver(invocation, true);
+    if (!invocation.DryRun()) {
+        driver.Send(control::kSetLink, LinkRequest{port, state == "up" ? 1u : 0u}, PortName(port));
+        invocation.Changed();
+    }
+    Record result = PortResult(port);
+    result.Add("link", "Link", Value::Text(state));
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+ExitCode RunAdapterSet(Invocation& invocation) {
+    return Set(invocation, FieldScope::Adapter);
+}
+
+ExitCode RunPortSet(Invocation& invocation) {
+    return Set(invocation, FieldScope::Port);
+}
+
+}  // namespace vxemu

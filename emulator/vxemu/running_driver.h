@@ -1,0 +1,51 @@
+// What several commands need of the running driver and of the command line. All of it ends the
+// command with a message when something is wrong.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "common/invocation.h"
+#include "control_device.h"
+#include "model/profile.h"
+
+namespace vxemu {
+
+class RunningDriver {
+  public:
+    RunningDriver(tools::Invocation& invocation, bool change);
+
+    std::unique_ptr<StatusReply> Status();
+    std::unique_ptr<FaultListReply> Faults();
+    std::unique_ptr<Profile> RunningProfile();
+
+    // Sends a change; what names it in a message.
+    template <typename Record>
+    void Send(uint32_t code, const Record& record, const std::string& what) {
+        Check(device_.Send(code, record), what);
+    }
+    template <typename Record>
+    uint32_t SendForCount(uint32_t code, const Record& record, const std::string& what) {
+        CountReply reply = {};
+        Check(device_.Send(code, record, &reply), what);
+        return reply.count;
+    }
+
+  private:
+    void Check(uint32_t error, const std::string& what);
+
+    tools::Invocation& invocation_;
+    ControlDevice device_;
+};
+
+// A port as "scsi:N" or a bare number.
+uint32_t RequirePort(tools::Invocation& invocation, const std::string& text);
+std::string PortName(uint32_t scsiPort);
+
+// A built-in profile by its name, or a JSON file. *profile is filled, and valid.
+void RequireProfile(tools::Invocation& invocation, const std::string& nameOrFile, Profile* profile);
+
+// A valid profile from a JSON file.
+void RequireProfileFile(tools::Invocation& invocation, const std::string& path, Profile* profile);
+
+}  // namespace vxemu

@@ -1,0 +1,198 @@
+#include "service.h"
+
+#include <windows.h>
+
+#include <vector>
+
+namespace vxemu {
+namespace {
+
+constexpr wchar_t kServiceName[] = L"vxemu";
+constexpr wchar_t kDisplayName[] = L"Emulated Fibre Channel adapters";
+constexpr wchar_t kDriverFile[] = L"vxemu.sys";
+constexpr wchar_t kParametersKey[] = L"SYSTEM\\CurrentControlSet\\Services\\vxemu\\Parameters";
+constexpr wchar_t kProfileValue[] = L"Profile";
+constexpr wchar_t kKernelPrefix[] = L"\\??\\";
+constexpr DWORD kPollMilliseconds = 50;
+
+SC_HANDLE Handle(void* handle) {
+    return static_cast<SC_HANDLE>(handle);
+}
+
+// The driver file beside this program, as a Win32 path.
+std::wstring DriverFile() {
+    std::vector<wchar_t> path(32768);
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    const std::wstring program(path.data(), length);
+    return program.substr(0, program.find_last_of(L'\\') + 1) + kDriverFile;
+}
+
+std::wstring ImagePath() {
+    return kKernelPrefix + DriverFile();
+}
+
+ServiceState StateOf(DWORD state) {
+    switch (state) {
+        case SERVICE_START_PENDING:
+            return ServiceState::Starting;
+        case SERVICE_RUNNING:
+            return ServiceState::Running;
+        case SERVICE_STOP_PENDING:
+            return ServiceState::Stopping;
+        default:
+            return ServiceState::Stopped;
+    }
+}
+
+}  // namespace
+
+const char* NameOf(ServiceState state) {
+    constexpr const char* kNames[] = {"not-installed", "stopped", "starting", "running",
+                                      "stopping"};
+    return kNames[static_cast<int>(state)];
+}
+
+std::string DriverService::DriverPath() {
+    const std::wstring path = DriverFile();
+    std::string text(path.size() * 3 + 1, '\0');
+    const int length =
+        WideCharToMultiByte(CP_UTF8, 0, path.c_str(), static_cast<int>(path.size()), text.data(),
+                            static_cast<int>(text.size()), nullptr, nullptr);
+    text.resize(static_cast<size_t>(length));
+    return text;
+}
+
+DriverService::~DriverService() {
+    CloseService();
+    if (manager_ != nullptr) {
+        CloseServiceHandle(Handle(manager_));
+    }
+}
+
+void DriverService::CloseService() {
+    if (service_ != nullptr) {
+        CloseServiceHandle(Handle(service_));
+        service_ = nullptr;
+    }
+}
+
+uint32_t DriverService::Connect(bool change) {
+    change_ = change;
+    const DWORD access = SC_MANAGER_CONNECT | (change ? SC_MANAGER_CREATE_SERVICE : 0u);
+    manager_ = OpenSCManagerW(nullptr, nullptr, access);
+    return manager_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+}
+
+uint32_t DriverService::Open() {
+    if (service_ != nullptr) {
+        return ERROR_SUCCESS;
+    }
+    const DWORD access = change_ ? SERVICE_ALL_ACCESS : SERVICE_QUERY_STATUS;
+    service_ = OpenServiceW(Handle(manager_), kServiceName, access);
+    return service_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+}
+
+uint32_t DriverService::State(ServiceState* state) {
+    *state = ServiceState::NotInstalled;
+    const uint32_t error = Open();
+    if (error != ERROR_SUCCESS) {
+        return error == ERROR_SERVICE_DOES_NOT_EXIST ? ERROR_SUCCESS : error;
+    }
+    SERVICE_STATUS status;
+    if (!QueryServiceStatus(Handle(service_), &status)) {
+        return GetLastError();
+    }
+    *state = StateOf(status.dwCurrentState);
+    return ERROR_SUCCESS;
+}
+
+uint32_t DriverService::Install(bool* changed) {
+    *changed = false;
+    if (GetFileAttributesW(DriverFile().c_str()) == INVALID_FILE_ATTRIBUTES) {
+        return GetLastError();
+    }
+    const std::wstring path = ImagePath();
+    const uint32_t error = Open();
+    if (error == ERROR_SERVICE_DOES_NOT_EXIST) {
+        service_ = CreateServiceW(Handle(manager_), kServiceName, kDisplayName, SERVICE_ALL_ACCESS,
+                                  SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
+                                  path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
+        *changed = service_ != nullptr;
+        return service_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+    }
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    std::vector<uint8_t> buffer(8192);
+    auto* config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer.data());
+    DWORD needed = 0;
+    if (QueryServiceConfigW(Handle(service_), config, static_cast<DWORD>(buffer.size()), &needed) &&
+        lstrcmpiW(config->lpBinaryPathName, path.c_str()) == 0) {
+        return ERROR_SUCCESS;
+    }
+    if (!ChangeServiceConfigW(Handle(service_), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE,
+                              SERVICE_NO_CHANGE, path.c_str(), nullptr, nullptr, nullptr, nullptr,
+                              nullptr, nullptr)) {
+        return GetLastError();
+    }
+    *changed = true;
+    return ERROR_SUCCESS;
+}
+
+uint32_t DriverService::Uninstall() {
+    const uint32_t error = Open();
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    const DWORD result = DeleteService(Handle(service_)) ? ERROR_SUCCESS : GetLastError();
+    CloseService();
+    return result;
+}
+
+uint32_t DriverService::StoreProfile(const Profile& profile) {
+    HKEY key = nullptr;
+    LSTATUS error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, kParametersKey, 0, nullptr, 0,
+                                    KEY_SET_VALUE, nullptr, &key, nullptr);
+    if (error != ERROR_SUCCESS) {
+        return static_cast<uint32_t>(error);
+    }
+    error = RegSetValueExW(key, kProfileValue, 0, REG_BINARY,
+                           reinterpret_cast<const BYTE*>(&profile), sizeof profile);
+    RegCloseKey(key);
+    return static_cast<uint32_t>(error);
+}
+
+uint32_t DriverService::Start() {
+    const uint32_t error = Open();
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    return StartServiceW(Handle(service_), 0, nullptr) ? ERROR_SUCCESS : GetLastError();
+}
+
+uint32_t DriverService::Stop() {
+    const uint32_t error = Open();
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    SERVICE_STATUS status;
+    return ControlService(Handle(service_), SERVICE_CONTROL_STOP, &status) ? ERROR_SUCCESS
+                                                                           : GetLastError();
+}
+
+uint32_t DriverService::WaitFor(ServiceState wanted, std::chrono::milliseconds atMost,
+                                ServiceState* state) {
+    const auto end = std::chrono::steady_clock::now() + atMost;
+    for (;;) {
+        const uint32_t error = State(state);
+        if (error != ERROR_SUCCESS || *state == wanted) {
+            return error;
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            return ERROR_TIMEOUT;
+        }
+        ::Sleep(kPollMilliseconds);
+    }
+}
+
+}  // namespace vxemu

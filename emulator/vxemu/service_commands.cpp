@@ -1,0 +1,170 @@
+// install, uninstall, start, stop.
+#include <windows.h>
+
+#include <cstring>
+#include <memory>
+
+#include "commands.h"
+#include "port_rows.h"
+#include "running_driver.h"
+#include "service.h"
+
+namespace vxemu {
+namespace {
+
+using tools::ExitCode;
+using tools::Invocation;
+using tools::Value;
+
+constexpr std::chrono::seconds kPatience{10};
+constexpr const char* kDefaultProfile = "lab";
+constexpr uint32_t kInvalidSignature = 577;
+constexpr const char* kService = "the driver service";
+
+void Check(Invocation& invocation, uint32_t error, const std::string& what) {
+    if (error != ERROR_SUCCESS) {
+        invocation.Fail(error, what);
+    }
+}
+
+ServiceState Connect(Invocation& invocation, DriverService& service) {
+    Check(invocation, service.Connect(true), kService);
+    ServiceState state;
+    Check(invocation, service.State(&state), kService);
+    return state;
+}
+
+ExitCode Report(Invocation& invocation, ServiceState state) {
+    invocation.Result().Add("service", "Service", Value::Text(NameOf(state)));
+    return ExitCode::Done;
+}
+
+void Install(Invocation& invocation, DriverService& service) {
+    bool changed = false;
+    const uint32_t error = service.Install(&changed);
+    if (error == ERROR_FILE_NOT_FOUND) {
+        invocation.Fail(ExitCode::NotFound, DriverService::DriverPath() + " is not there",
+                        "the driver file has to stand beside this program");
+    }
+    Check(invocation, error, kService);
+    if (changed) {
+        invocation.Changed();
+    }
+}
+
+// A driver that does not start says why with few codes; these are worth a sentence.
+void FailStart(Invocation& invocation, uint32_t error) {
+    switch (error) {
+        case kInvalidSignature:
+        case ERROR_DRIVER_BLOCKED:
+            invocation.Fail(ExitCode::Refused, "the system refuses the driver's signature",
+                            "on a test machine: sign vxemu.sys, `bcdedit /set testsigning on` "
+                            "and restart");
+        case ERROR_ALREADY_EXISTS:
+            invocation.Fail(ExitCode::Refused,
+                            "a SCSI port number of the profile belongs to a real adapter",
+                            "choose other numbers with a profile of your own");
+        default:
+            invocation.Fail(error, "the driver did not start");
+    }
+}
+
+void StopAndWait(Invocation& invocation, DriverService& service) {
+    const uint32_t error = service.Stop();
+    if (error != ERROR_SUCCESS && error != ERROR_SERVICE_CANNOT_ACCEPT_CTRL) {
+        Check(invocation, error, "the driver did not stop");
+    }
+    ServiceState state;
+    const uint32_t waited = service.WaitFor(ServiceState::Stopped, kPatience, &state);
+    if (waited == ERROR_TIMEOUT) {
+        invocation.Fail(ExitCode::Busy, "the driver stops once nobody uses it any more",
+                        "a program still has an emulated port open");
+    }
+    Check(invocation, waited, kService);
+    invocation.Changed();
+}
+
+// Whether the running adapters are those of the profile, as far as it names them: what has been
+// changed since the start does not count.
+bool RunsProfile(Invocation& invocation, const Profile& profile) {
+    const auto running = RunningDriver(invocation, false).Status();
+    bool same = std::strcmp(running->profileName, profile.name) == 0 &&
+                running->portCount == profile.portCount;
+    for (uint32_t index = 0; same && index < profile.portCount; ++index) {
+        const PortProfile& port = profile.ports[index];
+        same =
+            running->ports[index].scsiPort == port.scsiPort &&
+            std::memcmp(running->ports[index].portName, port.portName, sizeof port.portName) == 0;
+    }
+    return same;
+}
+
+}  // namespace
+
+ExitCode RunInstall(Invocation& invocation) {
+    DriverService service;
+    const ServiceState state = Connect(invocation, service);
+    if (!invocation.DryRun()) {
+        Install(invocation, service);
+    }
+    return Report(invocation, state == ServiceState::NotInstalled ? ServiceState::Stopped : state);
+}
+
+ExitCode RunUninstall(Invocation& invocation) {
+    DriverService service;
+    const ServiceState state = Connect(invocation, service);
+    if (state != ServiceState::NotInstalled && !invocation.DryRun()) {
+        if (state != ServiceState::Stopped) {
+            StopAndWait(invocation, service);
+        }
+        Check(invocation, service.Uninstall(), kService);
+        invocation.Changed();
+    }
+    return Report(invocation, ServiceState::NotInstalled);
+}
+
+ExitCode RunStart(Invocation& invocation) {
+    const auto profile = std::make_unique<Profile>();
+    RequireProfile(invocation, invocation.Given().Text("profile", kDefaultProfile), profile.get());
+    DriverService service;
+    const ServiceState before = Connect(invocation, service);
+    invocation.Result().Add("profile", "Profile", Value::Text(profile->name));
+    if (before == ServiceState::Running) {
+        if (!RunsProfile(invocation, *profile)) {
+            invocation.Fail(ExitCode::Busy, "other emulated adapters are running",
+                            "stop them first: `vxemu stop`");
+        }
+        invocation.Note("already running");
+    } else if (invocation.DryRun()) {
+        return Report(invocation, before);
+    } else {
+        Install(invocation, service);
+        Check(invocation, service.StoreProfile(*profile), "the profile could not be stored");
+        const uint32_t error = service.Start();
+        if (error != ERROR_SUCCESS) {
+            FailStart(invocation, error);
+        }
+        ServiceState state;
+        Check(invocation, service.WaitFor(ServiceState::Running, kPatience, &state), kService);
+        invocation.Changed();
+    }
+    Report(invocation, ServiceState::Running);
+    AddPortList(*RunningDriver(invocation, false).Status(), invocation.Result());
+    return ExitCode::Done;
+}
+
+ExitCode RunStop(Invocation& invocation) {
+    DriverService service;
+    const ServiceState state = Connect(invocation, service);
+    if (state == ServiceState::NotInstalled || state == ServiceState::Stopped) {
+        invocation.Note("the emulated adapters do not run");
+        return Report(invocation, state);
+    }
+    if (invocation.DryRun()) {
+        return Report(invocation, state);
+    }
+    StopAndWait(invocation, service);
+    return Report(invocation, ServiceState::Stopped);
+}
+
+}  // namespace vxemu
