@@ -1,0 +1,203 @@
+#include "invocation.h"
+
+#include <utility>
+
+#include "confirm.h"
+#include "console.h"
+#include "json_document.h"
+#include "status_codes.h"
+
+namespace tools {
+namespace {
+
+bool WantsColor(const CommandLine& line, std::FILE* stream) {
+    return !line.options.Has("no-color") && !console::HasEnvironment("NO_COLOR") &&
+           console::IsConsole(stream) && console::EnableColor(stream);
+}
+
+}  // namespace
+
+std::string MessageText(const Tool& tool, const Message& message, Redactor& redactor, bool color) {
+    constexpr const char* kColors[] = {"", "\x1b[33m", "\x1b[31m"};
+    const int severity = static_cast<int>(message.severity);
+    std::string text = std::string(tool.name) + ": ";
+    if (message.severity != Severity::Info) {
+        const std::string name = NameOf(message.severity);
+        text += (color ? kColors[severity] + name + "\x1b[0m" : name) + ": ";
+    }
+    if (!message.object.empty()) {
+        text += redactor.Clean(message.object) + ": ";
+    }
+    text += redactor.Clean(message.text);
+    if (message.status) {
+        text += " (" + StatusText(*message.status) + " " + StatusName(*message.status) + ")";
+    }
+    text += "\n";
+    if (!message.hint.empty()) {
+        text += std::string(tool.name) + ":   " + redactor.Clean(message.hint) + "\n";
+    }
+    return text;
+}
+
+Invocation::Invocation(const Tool& tool, const CommandLine& line, Output& output, StopControl& stop,
+                       AbandonHooks& hooks)
+    : tool_(tool),
+      line_(line),
+      output_(output),
+      stop_(stop),
+      hooks_(hooks),
+      redactor_(line.options.Has("redact")),
+      color_(output.IsStdout() && WantsColor(line, stdout)),
+      colorErrors_(WantsColor(line, stderr)) {}
+
+void Invocation::Add(Message message) {
+    const std::lock_guard guard(lock_);
+    if (TellsNow()) {
+        Tell(message);
+    }
+    messages_.push_back(std::move(message));
+}
+
+void Invocation::Tell(const Message& message) {
+    if (message.severity == Severity::Info && Quiet()) {
+        return;
+    }
+    console::Write(stderr, MessageText(tool_, message, redactor_, colorErrors_));
+}
+
+void Invocation::Note(const std::string& text, const std::string& hint) {
+    Add({Severity::Info, text, hint, {}, {}});
+}
+
+void Invocation::Warn(const std::string& text, const std::string& hint) {
+    Add({Severity::Warning, text, hint, {}, {}});
+}
+
+void Invocation::Detail(const std::string& text, const std::string& object) {
+    if (Verbose()) {
+        Add({Severity::Info, text, {}, object, {}});
+    }
+}
+
+ExitCode Invocation::Report(uint32_t status, const std::string& text, const std::string& object) {
+    Add({Severity::Error, text + ": " + tool_.statusText(status), HintOf(status), object, status});
+    return ExitCodeOf(status);
+}
+
+void Invocation::Fail(uint32_t status, const std::string& text, const std::string& object) const {
+    throw CommandError{
+        ExitCodeOf(status),
+        {Severity::Error, text + ": " + tool_.statusText(status), HintOf(status), object, status}};
+}
+
+void Invocation::Fail(ExitCode exit, const std::string& text, const std::string& hint) const {
+    throw CommandError{exit, {Severity::Error, text, hint, {}, {}}};
+}
+
+void Invocation::Progress(const std::string& text) {
+    if (TellsNow() && !Quiet()) {
+        console::Write(stderr, redactor_.Clean(text) + "\n");
+    }
+}
+
+void Invocation::Changed() {
+    const std::lock_guard guard(lock_);
+    changed_ = true;
+}
+
+void Invocation::AddPending(Pending pending) {
+    {
+        const std::lock_guard guard(lock_);
+        pending_.push_back(pending);
+    }
+    if (TellsNow()) {
+        Tell({Severity::Info, pending.text, {}, pending.object, {}});
+    }
+}
+
+void Invocation::Confirm(const Question& question) {
+    const Answers given{Given().Has("yes"), Given().Has("confirm"), Given().Text("confirm"),
+                        !IsJson(line_.mode) && console::IsConsole(stdin)};
+    const auto ask = [](const std::string& prompt, std::string* answer) {
+        return console::Write(stderr, prompt) && console::ReadLine(answer);
+    };
+    Question shown = question;
+    for (std::string& text : shown.lines) {
+        text = redactor_.Clean(text);
+    }
+    RequireConsent(OwnCommand().risk, shown, given, ask);
+}
+
+void Invocation::BeginStream(std::string key, std::string label, Record prototype,
+                             std::string emptyText) {
+    const bool streamed = line_.mode != OutputMode::Json;
+    std::string header;
+    if (line_.mode == OutputMode::Csv) {
+        header = CsvHeader(prototype);
+    } else if (!IsJson(line_.mode)) {
+        header = StreamHeader(prototype, Style());
+    }
+    result_.AddList(std::move(key), std::move(label), ListLayout::Table, std::move(prototype),
+                    std::move(emptyText), {});
+    result_.MainList()->streamed = streamed;
+    output_.Write(header);
+}
+
+void Invocation::Stream(Record row) {
+    std::string text;
+    switch (line_.mode) {
+        case OutputMode::Json:
+            result_.MainList()->records.push_back(std::move(row));
+            break;
+        case OutputMode::JsonLines:
+            text = RowLine(OwnCommand().schema, row, redactor_);
+            break;
+        case OutputMode::Csv:
+            text = CsvLine(row, redactor_);
+            break;
+        default:
+            text = StreamLine(row, Style());
+            break;
+    }
+    {
+        const std::lock_guard guard(lock_);
+        ++rowsSent_;
+    }
+    if (!output_.Write(text)) {
+        CheckStop();
+        Fail(ExitCode::Failed, "the result cannot be written: its reader is gone or the disk full");
+    }
+}
+
+void Invocation::CheckStop() {
+    if (const StopReason reason = stop_.Reason(); reason != StopReason::None) {
+        throw Stopped{reason};
+    }
+}
+
+void Invocation::Sleep(std::chrono::milliseconds time) {
+    stop_.WaitFor(time);
+    CheckStop();
+}
+
+std::vector<Message> Invocation::Messages() {
+    const std::lock_guard guard(lock_);
+    return messages_;
+}
+
+std::vector<Pending> Invocation::PendingActions() {
+    const std::lock_guard guard(lock_);
+    return pending_;
+}
+
+bool Invocation::HasChanged() {
+    const std::lock_guard guard(lock_);
+    return changed_;
+}
+
+size_t Invocation::RowsSent() {
+    const std::lock_guard guard(lock_);
+    return rowsSent_;
+}
+
+}  // namespace tools

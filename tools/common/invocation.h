@@ -1,0 +1,108 @@
+// One run of a command: its options, and what it has to report. A command's function fills the
+// result, adds messages and returns (or throws) its exit code; the frame prints.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "command_line.h"
+#include "message.h"
+#include "output.h"
+#include "record.h"
+#include "redaction.h"
+#include "render.h"
+#include "stop.h"
+
+namespace tools {
+
+// What a command asks before it goes on. Every line tells the user something to weigh.
+struct Question {
+    std::vector<std::string> lines;
+    std::string serial;  // of the adapter concerned; must not be empty for risk 3
+};
+
+class Invocation {
+  public:
+    Invocation(const Tool& tool, const CommandLine& line, Output& output, StopControl& stop,
+               AbandonHooks& hooks);
+
+    const Tool& OwnTool() const { return tool_; }
+    const Command& OwnCommand() const { return *line_.command; }
+    const Options& Given() const { return line_.options; }
+    OutputMode Mode() const { return line_.mode; }
+    bool DryRun() const { return Given().Has("dry-run"); }
+    bool Quiet() const { return Given().Has("quiet"); }
+    bool Verbose() const { return Given().Has("verbose"); }
+
+    Record& Result() { return result_; }
+
+    // Messages: to stderr as they come in the modes for people, else into the envelope.
+    void Add(Message message);
+    void Note(const std::string& text, const std::string& hint = {});
+    void Warn(const std::string& text, const std::string& hint = {});
+    void Detail(const std::string& text, const std::string& object);  // with --verbose alone
+    // A status as a message of its own ("text: status text"); returns the exit code it leads to.
+    ExitCode Report(uint32_t status, const std::string& text, const std::string& object);
+    [[noreturn]] void Fail(uint32_t status, const std::string& text,
+                           const std::string& object = {}) const;
+    [[noreturn]] void Fail(ExitCode exit, const std::string& text,
+                           const std::string& hint = {}) const;
+
+    // A line that is out of date a moment later: stderr, unless quiet or JSON.
+    void Progress(const std::string& text);
+
+    void Changed();
+    void AddPending(Pending pending);
+
+    // Asks what the command's risk demands, from --yes and --confirm or from the user. Returns only
+    // when the answer is yes; a dry run must not ask.
+    void Confirm(const Question& question);
+
+    // Lists whose rows appear while the command runs. All rows have the prototype's fields.
+    void BeginStream(std::string key, std::string label, Record prototype, std::string emptyText);
+    void Stream(Record row);
+
+    // Between steps: throws Stopped when the user or the time limit ends the command.
+    void CheckStop();
+    // Sleeps; then as CheckStop.
+    void Sleep(std::chrono::milliseconds time);
+    AbandonHooks& Hooks() { return hooks_; }
+
+    Redactor& Names() { return redactor_; }
+
+    // For the frame: what has been said so far. Safe while the command still runs.
+    std::vector<Message> Messages();
+    std::vector<Pending> PendingActions();
+    bool HasChanged();
+    size_t RowsSent();
+    RenderStyle Style() { return {color_, &redactor_}; }
+
+  private:
+    void Tell(const Message& message);
+    bool TellsNow() const { return !IsJson(line_.mode); }
+
+    const Tool& tool_;
+    const CommandLine& line_;
+    Output& output_;
+    StopControl& stop_;
+    AbandonHooks& hooks_;
+    Redactor redactor_;
+    bool color_ = false;
+    bool colorErrors_ = false;
+    Record result_;
+
+    std::mutex lock_;  // guards what follows: the frame reads it when it gives the command up
+    std::vector<Message> messages_;
+    std::vector<Pending> pending_;
+    bool changed_ = false;
+    size_t rowsSent_ = 0;
+};
+
+// The message as people read it on stderr, lines ended.
+std::string MessageText(const Tool& tool, const Message& message, Redactor& redactor, bool color);
+
+}  // namespace tools

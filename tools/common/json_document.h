@@ -1,0 +1,40 @@
+// The JSON forms: the envelope that ends every command, and the row lines of jsonl.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "message.h"
+#include "record.h"
+
+namespace tools {
+
+class Redactor;
+
+// Everything the envelope says.
+struct Envelope {
+    std::string schema;   // "vxmgr.port.list"
+    std::string tool;     // version of the tool
+    std::string library;  // version of the library; empty when the tool uses none
+    std::vector<std::string> argv;
+    const Record* result = nullptr;  // null when the command did not get to a result
+    std::vector<Message> messages;
+    bool changed = false;
+    std::vector<Pending> pending;
+    ExitCode exit = ExitCode::Done;
+};
+
+inline constexpr int kSchemaMajor = 1;
+inline constexpr int kSchemaMinor = 0;
+
+// One document, indented, with a line end.
+std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor);
+
+// One line for jsonl. rows tells how many row lines came before; the result is null when it was a
+// list that went out as rows.
+std::string EnvelopeLine(const Envelope& envelope, size_t rows, Redactor& redactor);
+
+// {"schema": ..., "row": {...}}, one line.
+std::string RowLine(const std::string& schema, const Record& row, Redactor& redactor);
+
+}  // namespace tools

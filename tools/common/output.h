@@ -1,0 +1,39 @@
+// Where results go: stdout or a file. A gate, so that a command that was given up can print nothing
+// more once its last words are out.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <mutex>
+#include <string>
+
+namespace tools {
+
+class Output {
+  public:
+    Output() = default;
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    // Sends the result to a file; "" and "-" mean stdout. Returns a Windows error code, or 0.
+    uint32_t Open(const std::string& path);
+
+    bool IsStdout() const { return file_ == nullptr; }
+
+    // False when the bytes did not go out (a closed pipe, a full disk), or after Close.
+    bool Write(const std::string& text);
+
+    // Lets this last text through and nothing after it. False when any write failed.
+    bool Close(const std::string& last);
+
+  private:
+    bool WriteLocked(const std::string& text);
+
+    std::mutex lock_;
+    std::FILE* file_ = nullptr;
+    bool closed_ = false;
+    bool failed_ = false;
+};
+
+}  // namespace tools

@@ -1,0 +1,104 @@
+#include "redaction.h"
+
+#include "text.h"
+
+namespace tools {
+namespace {
+
+constexpr size_t kLongestWwn = 23;
+constexpr size_t kPlainWwn = 16;
+constexpr size_t kShortestSecret = 4;  // anything shorter would tear words apart
+constexpr std::string_view kSerialPrefix = "serial:";
+
+bool IsWordCharacter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool IsWordStart(const std::string& text, size_t position) {
+    return position == 0 || !IsWordCharacter(text[position - 1]);
+}
+
+bool IsWordEnd(const std::string& text, size_t position) {
+    return position >= text.size() || !IsWordCharacter(text[position]);
+}
+
+// The length of a world wide name that stands at the position; 0 when there is none.
+size_t WwnLengthAt(const std::string& text, size_t position) {
+    for (const size_t length : {kLongestWwn, kPlainWwn}) {
+        if (position + length <= text.size() && IsWordEnd(text, position + length) &&
+            Wwn::Parse(std::string_view(text).substr(position, length))) {
+            return length;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::string Redactor::Mask(Secret secret, const std::string& text) {
+    if (!enabled_ || secret == Secret::None || text.empty()) {
+        return text;
+    }
+    const std::lock_guard guard(lock_);
+    return Pseudonym(secret, text);
+}
+
+std::string Redactor::Pseudonym(Secret secret, const std::string& text) {
+    const auto wwn = Wwn::Parse(text);
+    const bool isWwn = secret == Secret::Wwn || wwn.has_value();
+    const std::string key = wwn ? wwn->Digits() : Lowercase(text);
+    std::string& name = pseudonyms_[key];
+    if (name.empty()) {
+        name = isWwn ? "wwn-" + std::to_string(++wwns_) : "serial-" + std::to_string(++serials_);
+    }
+    return name;
+}
+
+std::string Redactor::Clean(std::string text) {
+    if (!enabled_) {
+        return text;
+    }
+    const std::lock_guard guard(lock_);
+    std::string result;
+    size_t position = 0;
+    while (position < text.size()) {
+        if (!IsWordStart(text, position)) {
+            result += text[position++];
+            continue;
+        }
+        if (const size_t length = WwnLengthAt(text, position); length != 0) {
+            result += Pseudonym(Secret::Wwn, text.substr(position, length));
+            position += length;
+            continue;
+        }
+        if (EqualIgnoringCase(std::string_view(text).substr(position, kSerialPrefix.size()),
+                              kSerialPrefix)) {
+            position += kSerialPrefix.size();
+            size_t end = position;
+            while (end < text.size() && text[end] != ' ' && text[end] != '"' && text[end] != ',') {
+                ++end;
+            }
+            result += kSerialPrefix;
+            if (end != position) {
+                result += Pseudonym(Secret::Serial, text.substr(position, end - position));
+            }
+            position = end;
+            continue;
+        }
+        size_t longest = 0;
+        std::string name;
+        for (const auto& [secret, pseudonym] : pseudonyms_) {
+            if (secret.size() >= kShortestSecret && secret.size() > longest &&
+                IsWordEnd(text, position + secret.size()) &&
+                EqualIgnoringCase(std::string_view(text).substr(position, secret.size()), secret)) {
+                longest = secret.size();
+                name = pseudonym;
+            }
+        }
+        result += longest != 0 ? name : text.substr(position, 1);
+        position += longest != 0 ? longest : 1;
+    }
+    return result;
+}
+
+}  // namespace tools

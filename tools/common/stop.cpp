@@ -1,0 +1,97 @@
+#include "stop.h"
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace tools {
+
+void StopControl::Request(StopReason reason) {
+    const std::lock_guard guard(lock_);
+    if (reason_ == StopReason::None) {
+        reason_ = reason;
+    } else if (reason == StopReason::Interrupted) {
+        hurry_ = true;
+    }
+    changed_.notify_all();
+}
+
+StopReason StopControl::Reason() {
+    const std::lock_guard guard(lock_);
+    return reason_;
+}
+
+bool StopControl::WaitFor(std::chrono::milliseconds time) {
+    std::unique_lock guard(lock_);
+    return changed_.wait_for(guard, time, [this] { return reason_ != StopReason::None; });
+}
+
+void StopControl::Finish() {
+    const std::lock_guard guard(lock_);
+    finished_ = true;
+    changed_.notify_all();
+}
+
+bool StopControl::WaitForEnd(const Clock::time_point* deadline, std::chrono::milliseconds grace) {
+    std::unique_lock guard(lock_);
+    const auto stopping = [this] { return finished_ || reason_ != StopReason::None; };
+    if (deadline == nullptr) {
+        changed_.wait(guard, stopping);
+    } else if (!changed_.wait_until(guard, *deadline, stopping)) {
+        reason_ = StopReason::TimedOut;
+        changed_.notify_all();
+    }
+    changed_.wait_for(guard, grace, [this] { return finished_ || hurry_; });
+    return finished_;
+}
+
+void StopControl::WaitForExit(std::chrono::milliseconds atMost) {
+    std::unique_lock guard(lock_);
+    changed_.wait_for(guard, atMost, [this] { return exiting_; });
+}
+
+void StopControl::AboutToExit() {
+    const std::lock_guard guard(lock_);
+    exiting_ = true;
+    changed_.notify_all();
+}
+
+AbandonHooks::Registration::Registration(AbandonHooks& hooks, Hook hook) : hooks_(hooks) {
+    const std::lock_guard guard(hooks_.lock_);
+    place_ = hooks_.hooks_.insert(hooks_.hooks_.begin(), std::move(hook));
+}
+
+AbandonHooks::Registration::~Registration() {
+    const std::lock_guard guard(hooks_.lock_);
+    hooks_.hooks_.erase(place_);
+}
+
+void AbandonHooks::Run(std::chrono::milliseconds atMost) {
+    struct Progress {
+        std::mutex lock;
+        std::condition_variable changed;
+        bool done = false;
+    };
+    auto progress = std::make_shared<Progress>();
+    std::vector<Hook> hooks;
+    {
+        const std::lock_guard guard(lock_);
+        hooks.assign(hooks_.begin(), hooks_.end());
+    }
+    if (hooks.empty()) {
+        return;
+    }
+    // Detached: a hook that hangs as well must not hold up the end of the process.
+    std::thread([progress, hooks] {
+        for (const Hook& hook : hooks) {
+            hook();
+        }
+        const std::lock_guard guard(progress->lock);
+        progress->done = true;
+        progress->changed.notify_all();
+    }).detach();
+    std::unique_lock guard(progress->lock);
+    progress->changed.wait_for(guard, atMost, [&] { return progress->done; });
+}
+
+}  // namespace tools

@@ -1,0 +1,85 @@
+// How a running command ends early: the user interrupts it, or its time is over. The command looks
+// at its stop request between steps; one that is stuck in a driver call is given up.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <mutex>
+
+#include "exit_codes.h"
+
+namespace tools {
+
+enum class StopReason : uint8_t { None, Interrupted, TimedOut };
+
+constexpr ExitCode ExitCodeOf(StopReason reason) {
+    return reason == StopReason::TimedOut ? ExitCode::TimedOut : ExitCode::Cancelled;
+}
+
+// Thrown by a command that stops on request; the frame ends it with the reason's exit code.
+struct Stopped {
+    StopReason reason;
+};
+
+class StopControl {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    // The first reason stays. A second interrupt asks to wait no longer for the command.
+    void Request(StopReason reason);
+    StopReason Reason();
+
+    // Sleeps; true at once when a stop is requested.
+    bool WaitFor(std::chrono::milliseconds time);
+
+    // Called by the worker when the command is over.
+    void Finish();
+
+    // Waits for the command: to its end, or until it was asked to stop (by the user, or here at the
+    // deadline) and let the grace pass. False when it has to be given up.
+    bool WaitForEnd(const Clock::time_point* deadline, std::chrono::milliseconds grace);
+
+    // Waits until the whole process is about to end; for the handler of a closing window.
+    void WaitForExit(std::chrono::milliseconds atMost);
+    void AboutToExit();
+
+  private:
+    std::mutex lock_;
+    std::condition_variable changed_;
+    StopReason reason_ = StopReason::None;
+    bool hurry_ = false;
+    bool finished_ = false;
+    bool exiting_ = false;
+};
+
+// What has to be put back when a command is given up while it hangs. Hooks run on another thread
+// than the command, which may be stuck in a call on the same adapter.
+class AbandonHooks {
+  public:
+    using Hook = std::function<void()>;
+
+    // A registration; the hook is dropped with it.
+    class Registration {
+      public:
+        Registration(AbandonHooks& hooks, Hook hook);
+        ~Registration();
+        Registration(const Registration&) = delete;
+        Registration& operator=(const Registration&) = delete;
+
+      private:
+        AbandonHooks& hooks_;
+        std::list<Hook>::iterator place_;
+    };
+
+    // Runs the hooks, the youngest first, and waits for them no longer than atMost.
+    void Run(std::chrono::milliseconds atMost);
+
+  private:
+    std::mutex lock_;
+    std::list<Hook> hooks_;
+};
+
+}  // namespace tools

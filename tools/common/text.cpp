@@ -1,0 +1,106 @@
+#include "text.h"
+
+#include <charconv>
+#include <cstdio>
+
+namespace tools {
+namespace {
+
+constexpr char Upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+constexpr char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+}  // namespace
+
+std::string Uppercase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = Upper(c);
+    }
+    return result;
+}
+
+std::string Lowercase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = Lower(c);
+    }
+    return result;
+}
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right) {
+    return Lowercase(left) == Lowercase(right);
+}
+
+std::vector<std::string> Split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (;;) {
+        const size_t end = text.find(separator, start);
+        parts.emplace_back(text.substr(start, end - start));
+        if (end == std::string_view::npos) {
+            return parts;
+        }
+        start = end + 1;
+    }
+}
+
+std::string Hex(uint64_t value, int digits) {
+    char buffer[24];
+    std::snprintf(buffer, sizeof buffer, "0x%0*llx", digits,
+                  static_cast<unsigned long long>(value));
+    return buffer;
+}
+
+std::optional<uint64_t> ParseNumber(std::string_view text) {
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        text.remove_prefix(2);
+        base = 16;
+    }
+    uint64_t value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value, base);
+    if (text.empty() || error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::string FieldText(const char* field, size_t size) {
+    std::string text;
+    for (size_t i = 0; i < size && field[i] != '\0'; ++i) {
+        const bool printable = field[i] >= ' ' && field[i] <= '~';
+        text += printable ? field[i] : '?';
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+size_t DisplayWidth(std::string_view text) {
+    size_t width = 0;
+    for (const char c : text) {
+        const bool continuation = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+        width += continuation ? 0 : 1;
+    }
+    return width;
+}
+
+std::string FormatUtc(std::chrono::system_clock::time_point time) {
+    using namespace std::chrono;
+    const auto day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss<milliseconds> clock(floor<milliseconds>(time - day));
+    char buffer[40];
+    std::snprintf(
+        buffer, sizeof buffer, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+    return buffer;
+}
+
+}  // namespace tools

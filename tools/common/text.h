@@ -1,0 +1,36 @@
+// Small text helpers of the tools. Free of platform headers; ASCII rules only, so that output never
+// depends on the locale.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tools {
+
+std::string Uppercase(std::string_view text);
+std::string Lowercase(std::string_view text);
+bool EqualIgnoringCase(std::string_view left, std::string_view right);
+std::vector<std::string> Split(std::string_view text, char separator);
+
+// "0x" and at least `digits` hexadecimal digits, lower case.
+std::string Hex(uint64_t value, int digits);
+
+// The whole text as an unsigned number, decimal or after "0x" hexadecimal.
+std::optional<uint64_t> ParseNumber(std::string_view text);
+
+// A text field of a driver or firmware: ends at its first zero or at its size, trailing blanks go,
+// and anything that a terminal or a JSON reader could stumble over becomes '?'.
+std::string FieldText(const char* field, size_t size);
+
+// The number of character cells that valid UTF-8 text takes (combining marks are not looked at).
+size_t DisplayWidth(std::string_view text);
+
+// "2026-01-31T23:59:59.123Z"
+std::string FormatUtc(std::chrono::system_clock::time_point time);
+
+}  // namespace tools

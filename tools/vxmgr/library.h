@@ -1,0 +1,39 @@
+// The management library as the commands use it: texts, and adapters that close themselves.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "hxmgtapi.h"
+
+namespace vxmgr {
+
+std::string LibraryVersion();                // "1.28.0.197"
+std::string StatusMessage(uint32_t status);  // the library's text for any status
+
+// From this driver version on, drivers answer the requests of the current generation.
+inline constexpr uint32_t kCurrentDriver = 70503;
+
+// An open port of an adapter.
+class Device {
+  public:
+    Device() = default;
+    Device(Device&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+    Device& operator=(Device&& other) noexcept;
+    ~Device() { Close(); }
+
+    // Opens the index-th port that the library finds. tracePath: the library's trace is appended to
+    // that file; empty for none.
+    HX_STATUS Open(uint32_t index, const std::string& tracePath);
+    void Close();
+
+    bool IsOpen() const { return handle_ != 0; }
+    uint32_t Handle() const { return handle_; }
+    const HXMGT_API_HANDLE& Info() const { return HXGetGlobalDevice()[handle_]; }
+
+  private:
+    uint32_t handle_ = 0;
+};
+
+}  // namespace vxmgr
