@@ -1,0 +1,77 @@
+// The library between scripted ports: an empty registry, no devices but those of the test, and
+// nothing left open behind it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "hxmgtapi.h"
+#include "support/fake_system.h"
+#include "support/guarded_buffer.h"
+#include "support/scratch_registry.h"
+#include "support/scripted_port.h"
+
+namespace support {
+
+class LibraryTest : public testing::Test {
+  protected:
+    ScriptedPort& AddPort(uint32_t scsiPort, std::string_view driverVersion = "9.04.02.20",
+                          uint16_t deviceId = 0x7740) {
+        ports_.push_back(std::make_unique<ScriptedPort>(driverVersion, deviceId));
+        system.AttachScsiPort(scsiPort, ports_.back().get());
+        return *ports_.back();
+    }
+
+    // Opens an adapter that must open.
+    uint32_t Open(uint32_t adapterIndex) {
+        uint32_t handle = 0;
+        EXPECT_EQ(0u, HXOpenDevice(adapterIndex, &handle));
+        return handle;
+    }
+
+    static HXMGT_API_HANDLE& Record(uint32_t handle) { return HXGetGlobalDevice()[handle]; }
+    static bool IsFree(uint32_t handle) { return Record(handle).hDevice == INVALID_HANDLE_VALUE; }
+
+    void TearDown() override {
+        for (uint32_t handle = 1; handle < HX_MAX_HANDLE_RECORDS; ++handle) {
+            if (!IsFree(handle)) {
+                HXCloseDevice(static_cast<int32_t>(handle));
+            }
+        }
+        EXPECT_EQ(0u, system.OpenHandles()) << "device handles left open";
+        EXPECT_EQ(0u, system.badCloses) << "device handles closed twice";
+    }
+
+    FakeSystem system;
+    ScratchRegistry registry;
+
+  private:
+    std::vector<std::unique_ptr<ScriptedPort>> ports_;
+};
+
+// One adapter at SCSI port 3, opened, its probes forgotten.
+class OneAdapterTest : public LibraryTest {
+  protected:
+    void SetUp() override { Start("9.04.02.20", 0x7740); }
+
+    void Start(std::string_view driverVersion, uint16_t deviceId) {
+        port = &AddPort(3, driverVersion, deviceId);
+        handle = Open(0);
+        port->Forget();
+        system.sleeps.clear();
+    }
+
+    // The same adapter under another driver.
+    void Reopen(std::string_view driverVersion, uint16_t deviceId = 0x7740) {
+        HXCloseDevice(static_cast<int32_t>(handle));
+        Start(driverVersion, deviceId);
+    }
+
+    ScriptedPort* port = nullptr;
+    uint32_t handle = 0;
+};
+
+}  // namespace support

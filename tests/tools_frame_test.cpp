@@ -1,0 +1,605 @@
+// The tools' frame: what command lines mean, what results look like, how commands end.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "hxstatus.h"
+#include "support/json_schema.h"
+#include "tools/common/command_line.h"
+#include "tools/common/completion.h"
+#include "tools/common/confirm.h"
+#include "tools/common/exit_codes.h"
+#include "tools/common/json_document.h"
+#include "tools/common/redaction.h"
+#include "tools/common/render.h"
+#include "tools/common/selector.h"
+#include "tools/common/status_codes.h"
+#include "tools/common/stop.h"
+#include "tools/common/text.h"
+
+namespace {
+
+using namespace tools;
+using std::chrono::milliseconds;
+
+std::string ReadFile(const std::string& name) {
+    std::ifstream stream(std::string(VXMGMT_SOURCE_FOLDER "/") + name, std::ios::binary);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+std::string Lines(const std::vector<std::string>& errors) {
+    std::string text;
+    for (const std::string& error : errors) {
+        text += error + "\n";
+    }
+    return text;
+}
+
+Wwn Name(const char* text) { return Wwn::Parse(text).value(); }
+
+// ------------------------------------------------------------------ codes
+
+TEST(ToolsCodes, ExitCodesAreDistinctAndInTheManual) {
+    const std::string manual = ReadFile("docs/vxmgr.md");
+    std::set<int> numbers;
+    std::set<std::string> names;
+    for (const ExitCodeRow& row : ExitCodes()) {
+        EXPECT_TRUE(numbers.insert(Number(row.code)).second) << row.name;
+        EXPECT_TRUE(names.insert(row.name).second) << row.name;
+        const std::string line =
+            "| " + std::to_string(Number(row.code)) + " | " + row.meaning + " |\n";
+        EXPECT_NE(manual.find(line), std::string::npos) << "not in the manual: " << line;
+        EXPECT_EQ(FindExitCode(Number(row.code)), &row);
+    }
+    EXPECT_EQ(FindExitCode(12), nullptr);
+    EXPECT_EQ(FindExitCode(-1), nullptr);
+}
+
+TEST(ToolsCodes, StatusLeadsToExitCode) {
+    const struct {
+        uint32_t status;
+        ExitCode exit;
+    } kRows[] = {
+        {0, ExitCode::Done},
+        {HXMGT_DEVICE_BUSY, ExitCode::Busy},
+        {170, ExitCode::Busy},
+        {HXMGT_NOT_SUPPORTED, ExitCode::NotSupported},
+        {HXMGT_INVALID_SUBCODE, ExitCode::NotSupported},
+        {HXMGT_INVALID_REQUEST, ExitCode::NotSupported},
+        {HXMGT_DEVICE_NOT_FOUND, ExitCode::NotFound},
+        {5, ExitCode::AccessDenied},
+        {HXMGT_TIMED_OUT, ExitCode::TimedOut},
+        {HXMGT_OPTION_ROM_CHECKSUM_ERROR, ExitCode::Refused},
+        {HXMGT_FLASH_UPDATE_NOT_ACTIVATED, ExitCode::NotProven},
+        {HXMGT_OPTION_ROM_WRITE_ERROR, ExitCode::Failed},
+        {0x2FFFFFFF, ExitCode::Failed},
+        {87, ExitCode::Failed},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_EQ(ExitCodeOf(row.status), row.exit) << Hex(row.status, 8);
+    }
+}
+
+TEST(ToolsCodes, EveryStatusHasItsNameBothWays) {
+#define VX_CHECK_WITH_TEXT(name, code, text) VX_CHECK(name, code)
+#define VX_CHECK(name, code)                                       \
+    {                                                              \
+        uint32_t status = 1;                                       \
+        EXPECT_EQ(StatusName(code), #name);                        \
+        EXPECT_TRUE(FindStatus("hxmgt_" #name, &status)) << #name; \
+        EXPECT_EQ(status, static_cast<uint32_t>(code));            \
+    }
+    HX_STATUS_TABLE(VX_CHECK_WITH_TEXT)
+    HX_STATUS_WITHOUT_TEXT(VX_CHECK)
+#undef VX_CHECK
+#undef VX_CHECK_WITH_TEXT
+    uint32_t status = 0;
+    EXPECT_FALSE(FindStatus("", &status));
+    EXPECT_FALSE(FindStatus("HXMGT_", &status));
+    EXPECT_EQ(StatusName(170), "WINDOWS_170");
+    EXPECT_EQ(StatusName(0x40000000), "WINDOWS_1073741824");
+    EXPECT_EQ(StatusName(0x60000000), "UNKNOWN");
+    EXPECT_EQ(KindOf(0x60000000), StatusKind::Library);
+    EXPECT_EQ(StatusText(HXMGT_DEVICE_BUSY), "0x20000067");
+}
+
+// ------------------------------------------------------------------ texts, names, selectors
+
+TEST(ToolsText, HostileFieldsAndNumbers) {
+    EXPECT_EQ(FieldText("ab\0cd", 5), "ab");
+    EXPECT_EQ(FieldText("four", 4), "four");
+    EXPECT_EQ(FieldText("  \x1b[31m\xff\n  ", 11), "  ?[31m??");
+    EXPECT_EQ(FieldText("   ", 3), "");
+    EXPECT_EQ(ParseNumber("4294967296"), 4294967296u);
+    EXPECT_EQ(ParseNumber("0xFFFFFFFFFFFFFFFF"), UINT64_MAX);
+    for (const char* bad : {"", "0x", "-1", "+1", " 1", "1 ", "1x", "18446744073709551616"}) {
+        EXPECT_FALSE(ParseNumber(bad).has_value()) << bad;
+    }
+    using std::chrono::system_clock;
+    EXPECT_EQ(FormatUtc(system_clock::time_point(milliseconds(951782400007))),
+              "2000-02-29T00:00:00.007Z");
+    EXPECT_EQ(FormatUtc(system_clock::time_point(milliseconds(-1))), "1969-12-31T23:59:59.999Z");
+    EXPECT_EQ(DisplayWidth("a\xc3\xa4\xe2\x82\xac"), 3u);
+}
+
+TEST(ToolsWwn, ReadsEveryNotationAndNothingElse) {
+    for (const char* text : {"21:00:00:0e:1E:00:00:01", "21-00-00-0e-1e-00-00-01",
+                             "2100000e1e000001", "2100000E1E000001"}) {
+        const auto wwn = Wwn::Parse(text);
+        ASSERT_TRUE(wwn.has_value()) << text;
+        EXPECT_EQ(wwn->Digits(), "2100000e1e000001");
+        EXPECT_EQ(wwn->Colons(), "21:00:00:0e:1e:00:00:01");
+    }
+    for (const char* text :
+         {"", "2100000e1e00000", "2100000e1e0000011", "21:00:00:0e:1e:00:00-01",
+          "21:00:00:0e:1e:00:00:0g", "2100000e1e00000g", "21.00.00.0e.1e.00.00.01",
+          "2:100:00:0e:1e:00:00:01", "21:00:00:0e:1e:00:00:01 ", ":::::::::::::::::::::::"}) {
+        EXPECT_FALSE(Wwn::Parse(text).has_value()) << text;
+    }
+}
+
+class ToolsSelector : public testing::Test {
+  protected:
+    // Two ports of one adapter; one whose serial is the other's beginning; one that failed.
+    const std::vector<Identity> ports_ = {
+        {0, {3}, "EMU7740A", {Name("2100000000000001")}},
+        {1, {4}, "EMU7740A", {Name("2100000000000002")}},
+        {2, {9}, "EMU7740", {Name("2100000000000003"), Name("2000000000000003")}},
+        {3, {12}, "", {}},
+    };
+
+    std::vector<size_t> Find(const char* text) const {
+        Selector selector;
+        std::string error;
+        EXPECT_TRUE(ParseSelector(text, &selector, &error)) << text << ": " << error;
+        return Select(selector, ports_);
+    }
+};
+
+TEST_F(ToolsSelector, FindsExactMatches) {
+    using Positions = std::vector<size_t>;
+    EXPECT_EQ(Find("all"), (Positions{0, 1, 2, 3}));
+    EXPECT_EQ(Find("2"), Positions{2});
+    EXPECT_EQ(Find("index:1"), Positions{1});
+    EXPECT_EQ(Find("INDEX:4"), Positions{});
+    EXPECT_EQ(Find("scsi:9"), Positions{2});
+    EXPECT_EQ(Find("scsi:2"), Positions{});
+    EXPECT_EQ(Find("serial:emu7740a"), (Positions{0, 1}));
+    EXPECT_EQ(Find("EMU7740"), Positions{2});
+    EXPECT_EQ(Find("EMU774"), Positions{});
+    EXPECT_EQ(Find("wwn:20-00-00-00-00-00-00-03"), Positions{2});
+    EXPECT_EQ(Find("21:00:00:00:00:00:00:02"), Positions{1});
+    EXPECT_EQ(Find("2100000000000001"), Positions{0});  // sixteen digits are no index
+    // The failed port's missing names must not match an all-zero one.
+    EXPECT_EQ(Find("0000000000000000"), Positions{});
+}
+
+TEST_F(ToolsSelector, TellsBareNumbersAndRefusesNonsense) {
+    Selector selector;
+    std::string error;
+    ASSERT_TRUE(ParseSelector("7", &selector, &error));
+    EXPECT_TRUE(selector.bareNumber);
+    ASSERT_TRUE(ParseSelector("index:7", &selector, &error));
+    EXPECT_FALSE(selector.bareNumber);
+    for (const char* text : {"", "index:", "index:x", "index:-1", "index:0x1", "scsi:",
+                             "scsi:4294967296", "99999999999", "serial:", "wwn:", "wwn:21:00"}) {
+        error.clear();
+        EXPECT_FALSE(ParseSelector(text, &selector, &error)) << text;
+        EXPECT_FALSE(error.empty()) << text;
+    }
+}
+
+// ------------------------------------------------------------------ rendering
+
+Record Row(const char* name, Value number) {
+    Record link;
+    link.Add("speed", "Speed", std::move(number), "SPEED");
+    Record row;
+    row.title = name;
+    row.Add("name", "Name", Value::Text(name), "NAME");
+    row.Add("secret", "", Value::Serial("S-1"));
+    row.AddGroup("link", "Link", std::move(link));
+    return row;
+}
+
+Record ListOf(std::vector<Record> rows, ListLayout layout = ListLayout::Table) {
+    Record result;
+    result.AddList("rows", "Rows", layout, Row("", {}), "No rows.", std::move(rows));
+    return result;
+}
+
+TEST(ToolsRender, CsvFollowsRfc4180) {
+    EXPECT_EQ(CsvCell("plain text"), "plain text");
+    EXPECT_EQ(CsvCell("a,b"), "\"a,b\"");
+    EXPECT_EQ(CsvCell("say \"x\""), "\"say \"\"x\"\"\"");
+    EXPECT_EQ(CsvCell("two\r\nlines"), "\"two\r\nlines\"");
+    EXPECT_EQ(CsvCell(" edge"), "\" edge\"");
+    EXPECT_EQ(CsvCell(""), "");
+
+    Redactor open(false);
+    const RenderStyle style{false, &open};
+    EXPECT_EQ(RenderCsv(ListOf({Row("a,b", Value::Number(8, "Gbit/s")), Row("c", {})}), style),
+              "name,secret,link_speed\r\n\"a,b\",S-1,8\r\nc,S-1,\r\n");
+    // A reader relies on the header even when there is nothing to list.
+    EXPECT_EQ(RenderCsv(ListOf({}), style), "name,secret,link_speed\r\n");
+}
+
+TEST(ToolsRender, TablesAlignWhatIsSeen) {
+    Redactor open(false);
+    const Record result =
+        ListOf({Row("x", Value::Number(8, "Gbit/s")), Row("\xc3\xa4\xc3\xb6\xc3\xbc-port", {})});
+    const std::string plain = RenderText(result, {false, &open});
+    // Numbers stand to the right with their heading.
+    EXPECT_EQ(plain,
+              "NAME         SPEED\n"
+              "x         8 Gbit/s\n"
+              "\xc3\xa4\xc3\xb6\xc3\xbc-port  -\n");
+    EXPECT_EQ(RenderTable(result, {false, &open}), plain);
+    EXPECT_EQ(RenderText(ListOf({}), {false, &open}), "No rows.\n");
+    EXPECT_EQ(RenderText(ListOf({Row("x", Value::Number(8))}, ListLayout::Sections),
+                         {false, &open}),
+              "x\n  Name     x\n\n  Link\n    Speed  8\n");
+    const std::string colored = RenderText(
+        ListOf({Row("x", Value::Text("bad").In(Tone::Bad))}), {true, &open});
+    EXPECT_NE(colored.find("\x1b[31mbad\x1b[0m"), std::string::npos) << colored;
+}
+
+// ------------------------------------------------------------------ redaction
+
+TEST(ToolsRedaction, SameNameSamePseudonymInEveryNotation) {
+    Redactor redactor(true);
+    const std::string first = redactor.Mask(Secret::Wwn, "2100000e1e000001");
+    EXPECT_EQ(redactor.Mask(Secret::Wwn, "21:00:00:0E:1E:00:00:01"), first);
+    EXPECT_NE(redactor.Mask(Secret::Wwn, "2100000e1e000002"), first);
+    const std::string serial = redactor.Mask(Secret::Serial, "EMU7740A");
+    EXPECT_EQ(redactor.Mask(Secret::Serial, "emu7740a"), serial);
+    EXPECT_EQ(redactor.Mask(Secret::None, "open"), "open");
+    EXPECT_EQ(redactor.Mask(Secret::Serial, ""), "");
+
+    EXPECT_EQ(redactor.Clean("port 21-00-00-0e-1e-00-00-01 of EMU7740A, xEMU7740A EMU7740AB"),
+              "port " + first + " of " + serial + ", xEMU7740A EMU7740AB");
+    EXPECT_EQ(redactor.Clean("SERIAL:emu7740a,serial:other"),
+              "serial:" + serial + ",serial:serial-2");
+    EXPECT_EQ(redactor.Clean("0123456789abcdef0"), "0123456789abcdef0");  // 17 digits: no name
+    Redactor off(false);
+    EXPECT_EQ(off.Clean("2100000e1e000001"), "2100000e1e000001");
+    EXPECT_EQ(off.Mask(Secret::Serial, "EMU7740A"), "EMU7740A");
+}
+
+TEST(ToolsRedaction, NothingSecretIsLeftInADocument) {
+    Record result;
+    result.Add("port_wwn", "", Value::Name(Name("2100000e1e000001")));
+    result.Add("serial", "", Value::Serial("EMU7740A"));
+    result.Add("device", "", Value::Text("disk of EMU7740A"));
+    Envelope envelope;
+    envelope.schema = "x";
+    envelope.tool = "1";
+    envelope.argv = {"-p", "wwn:21:00:00:0e:1e:00:00:01", "--confirm", "EMU7740A"};
+    envelope.result = &result;
+    envelope.messages = {{Severity::Error, "EMU7740A failed", "look at EMU7740A",
+                          "serial:EMU7740A", HXMGT_DEVICE_BUSY}};
+    envelope.pending = {{"EMU7740A", "reset", "reset 2100000e1e000001"}};
+    Redactor redactor(true);
+    const std::string document = Lowercase(EnvelopeDocument(envelope, redactor));
+    EXPECT_EQ(document.find("emu7740a"), std::string::npos) << document;
+    EXPECT_EQ(document.find("0e1e"), std::string::npos) << document;
+    EXPECT_EQ(document.find("0e:1e"), std::string::npos) << document;
+}
+
+// ------------------------------------------------------------------ documents and schemas
+
+TEST(ToolsDocument, EnvelopeFollowsItsSchema) {
+    support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
+    Record result;
+    result.Add("name", "", Value::Text("bad \xff byte"));
+    result.Add("tool", "", Value::Text("1"));
+    result.Add("library", "", Value());
+    Envelope envelope;
+    envelope.schema = "vxmgr.version";
+    envelope.tool = "1.0.0";
+    envelope.argv = {"version", "\"quoted\\"};
+    envelope.result = &result;
+    envelope.messages = {{Severity::Warning, "text", "", "", std::nullopt},
+                         {Severity::Error, "text", "hint", "index:1", HXMGT_DEVICE_BUSY}};
+    envelope.changed = true;
+    envelope.pending = {{"driver:x", "driver_restart", "later"}};
+    envelope.exit = ExitCode::Partial;
+    Redactor open(false);
+
+    const auto json = nlohmann::json::parse(EnvelopeDocument(envelope, open));
+    EXPECT_EQ(Lines(schemas.CheckEnvelope(json)), "");
+    EXPECT_EQ(json["messages"][1]["status"], "0x20000067");
+    EXPECT_EQ(json["messages"][1]["name"], "DEVICE_BUSY");
+    EXPECT_TRUE(json["messages"][0]["status"].is_null());
+    EXPECT_TRUE(json["library"].is_null());
+    EXPECT_EQ(json["exit"], 11);
+
+    envelope.result = nullptr;
+    const std::string line = EnvelopeLine(envelope, 7, open);
+    EXPECT_EQ(line.find('\n'), line.size() - 1);
+    const auto last = nlohmann::json::parse(line);
+    EXPECT_EQ(Lines(schemas.CheckEnvelope(last)), "");
+    EXPECT_EQ(last["rows"], 7);
+}
+
+TEST(ToolsDocument, NumbersThatDoublesLoseComeAsTextToo) {
+    Record result;
+    result.Add("exact", "", Value::Number(uint64_t{1} << 53));
+    result.Add("frames", "", Value::Number(UINT64_MAX));
+    Envelope envelope;
+    envelope.result = &result;
+    Redactor open(false);
+    const auto json = nlohmann::json::parse(EnvelopeDocument(envelope, open))["result"];
+    EXPECT_FALSE(json.contains("exact_s"));
+    EXPECT_EQ(json["frames"], UINT64_MAX);
+    EXPECT_EQ(json["frames_s"], "18446744073709551615");
+}
+
+TEST(ToolsDocument, JsonLinesDoNotRepeatTheRows) {
+    Record result = ListOf({Row("a", {})});
+    Envelope envelope;
+    envelope.result = &result;
+    Redactor open(false);
+    EXPECT_TRUE(nlohmann::json::parse(EnvelopeLine(envelope, 1, open))["result"].is_null());
+    EXPECT_EQ(RowLine("s", result.MainList()->records.front(), open),
+              "{\"schema\":\"s\",\"row\":{\"name\":\"a\",\"secret\":\"S-1\","
+              "\"link\":{\"speed\":null}}}\n");
+    Record plain;
+    plain.Add("name", "", Value::Text("x"));
+    envelope.result = &plain;
+    EXPECT_EQ(nlohmann::json::parse(EnvelopeLine(envelope, 0, open))["result"]["name"], "x");
+}
+
+// The validator guards the other tests: every keyword must be able to fail.
+TEST(ToolsDocument, SchemaValidatorSeesEveryFault) {
+    const struct {
+        const char* schema;
+        const char* good;
+        const char* bad;
+    } kRows[] = {
+        {R"({"type":"integer"})", "1", "1.5"},
+        {R"({"type":["string","null"]})", "null", "0"},
+        {R"({"enum":["a",null]})", "null", "\"b\""},
+        {R"({"const":1})", "1", "2"},
+        {R"({"required":["a"]})", R"({"a":null})", "{}"},
+        {R"({"properties":{"a":{"type":"string"}}})", R"({"b":1})", R"({"a":1})"},
+        {R"({"additionalProperties":false,"properties":{"a":true}})", R"({"a":1})", R"({"b":1})"},
+        {R"({"additionalProperties":{"type":"null"}})", R"({"a":null})", R"({"a":1})"},
+        {R"({"items":{"type":"boolean"}})", "[true]", "[true,1]"},
+        {R"({"$ref":"vxmgr.version.json"})", R"({"name":"a","tool":"b","library":null})", "{}"},
+    };
+    support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
+    using nlohmann::json;
+    for (const auto& row : kRows) {
+        const json schema = json::parse(row.schema);
+        EXPECT_EQ(Lines(schemas.CheckAgainst(json::parse(row.good), schema)), "") << row.schema;
+        EXPECT_FALSE(schemas.CheckAgainst(json::parse(row.bad), schema).empty()) << row.schema;
+    }
+    EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"minimum":0})")).empty());
+    EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"$ref":"none.json"})")).empty());
+    EXPECT_FALSE(schemas.CheckRow(json::parse(R"({"schema":"vxmgr.version","row":{}})")).empty());
+}
+
+// ------------------------------------------------------------------ command lines
+
+constexpr const char* kShells[] = {"one", "two"};
+constexpr Argument kWatchArguments[] = {
+    {"--kind", ArgumentKind::Text, "K", "", false, true, kShells},
+    {"--count", ArgumentKind::Number, "N", "", false, false, {}, 1, 10},
+};
+constexpr Argument kGetArguments[] = {{"NAME", ArgumentKind::Text, "", "", true}};
+constexpr Argument kExplainArguments[] = {{"CODE", ArgumentKind::Text, "", "", true, true}};
+constexpr Argument kExtraOptions[] = {{"-p,--port", ArgumentKind::Text, "SEL", ""}};
+
+const Command kCommands[] = {
+    {"event watch", Risk::Reads, "", "t.event.watch", kWatchArguments, nullptr},
+    {"param get", Risk::Reads, "", "t.param.get", kGetArguments, nullptr},
+    {"explain", Risk::Reads, "", "t.explain", kExplainArguments, nullptr},
+    {"version", Risk::Reads, "", "t.version", {}, nullptr},
+    {"inner", Risk::Reads, "", "t.inner", {}, nullptr, true},
+};
+const Tool kTool{"t", "1.0.0", "", kCommands, {}, kExtraOptions, nullptr, nullptr};
+
+CommandLine Parse(const std::string& words) {
+    return ParseCommandLine(kTool, words.empty() ? std::vector<std::string>() : Split(words, ' '));
+}
+
+TEST(ToolsCommandLine, GlobalOptionsStandAnywhere) {
+    for (const char* words : {"-p 3 --json event watch --count 0xA --kind one --kind two",
+                              "event -p 3 watch --kind one --json --count=10 --kind=two",
+                              "event watch --count 10 --kind one --kind two -p 3 -o json"}) {
+        const CommandLine line = Parse(words);
+        ASSERT_EQ(line.error, "") << words;
+        ASSERT_NE(line.command, nullptr) << words;
+        EXPECT_STREQ(line.command->path, "event watch");
+        EXPECT_EQ(line.mode, OutputMode::Json) << words;
+        EXPECT_EQ(line.options.Text("port"), "3");
+        EXPECT_EQ(line.options.Number("count"), 10u);
+        EXPECT_EQ(line.options.All("kind"), (std::vector<std::string>{"one", "two"}));
+        EXPECT_FALSE(line.options.Has("yes"));
+    }
+    const CommandLine spread = Parse("explain exit 5 -q");
+    EXPECT_EQ(spread.options.All("CODE"), (std::vector<std::string>{"exit", "5"}));
+    EXPECT_TRUE(spread.options.Has("quiet"));
+}
+
+TEST(ToolsCommandLine, ValuesAreTakenAsTheyAre) {
+    // Names of commands, leading slashes and brackets are values like any other.
+    for (const char* value : {"version", "event", "/x", "[a,b]", "a=b", "%PATH%"}) {
+        const CommandLine line = Parse(std::string("param get ") + value);
+        EXPECT_EQ(line.error, "") << value;
+        EXPECT_EQ(line.options.Text("NAME"), value);
+    }
+}
+
+TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
+    const struct {
+        const char* words;
+        const char* path;  // null: no command was named
+    } kRows[] = {
+        {"", nullptr},
+        {"event", nullptr},
+        {"evnt watch", nullptr},
+        {"event wtch", nullptr},
+        {"event watch --count 0", "event watch"},
+        {"event watch --count 11", "event watch"},
+        {"event watch --count", "event watch"},
+        {"event watch --count 1 --count 2", "event watch"},
+        {"event watch --kind three", "event watch"},
+        {"event watch extra", "event watch"},
+        {"event watch --bogus", "event watch"},
+        {"param get", "param get"},
+        {"param get a b", "param get"},
+        {"version --timeout 0", "version"},
+        {"version -o yaml", "version"},
+        {"version --json -o csv", "version"},
+    };
+    for (const auto& row : kRows) {
+        const CommandLine line = Parse(row.words);
+        EXPECT_NE(line.error, "") << row.words;
+        EXPECT_NE(line.hint, "") << row.words;
+        EXPECT_STREQ(line.command == nullptr ? nullptr : line.command->path, row.path) << row.words;
+    }
+    EXPECT_NE(Parse("event wtch").error.find("wtch"), std::string::npos);
+}
+
+TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
+    EXPECT_EQ(Parse("nonsense --json").mode, OutputMode::Json);
+    EXPECT_EQ(Parse("-o jsonl nonsense").mode, OutputMode::JsonLines);
+    EXPECT_EQ(Parse("-ojson nonsense").mode, OutputMode::Json);
+    EXPECT_EQ(Parse("nonsense --output=csv --out f.txt").out, "f.txt");
+    EXPECT_EQ(Parse("nonsense -o").mode, OutputMode::Text);
+    EXPECT_NE(Parse("event watch --help --json").help, "");
+    EXPECT_EQ(Parse("event watch --help --json").error, "");
+}
+
+TEST(ToolsCompletion, OffersEveryCommandAndOption) {
+    const auto next = NextWords(kTool);
+    EXPECT_TRUE(next.at("").contains("event"));
+    EXPECT_FALSE(next.at("").contains("inner"));
+    EXPECT_TRUE(next.at("event").contains("watch"));
+    for (const char* word : {"--kind", "--count", "--port", "-p", "--json", "-o", "--output"}) {
+        EXPECT_TRUE(next.at("event watch").contains(word)) << word;
+    }
+    EXPECT_NE(BashCompletion(kTool).find("[':event']='"), std::string::npos);
+    EXPECT_NE(PowerShellCompletion(kTool).find("'event watch' = @("), std::string::npos);
+}
+
+// ------------------------------------------------------------------ questions
+
+TEST(ToolsConfirm, EachRiskAsksItsQuestion) {
+    constexpr ExitCode kYes = ExitCode::Done;
+    const struct {
+        Risk risk;
+        Answers given;
+        const char* typed;  // null: end of input
+        ExitCode outcome;
+        bool asks;
+    } kRows[] = {
+        {Risk::Reads, {}, "", kYes, false},
+        {Risk::Reversible, {}, "", kYes, false},
+        {Risk::InterruptsIo, {true, false, "", false}, "", kYes, false},
+        {Risk::InterruptsIo, {false, false, "", true}, " Y ", kYes, true},
+        {Risk::InterruptsIo, {false, false, "", true}, "", ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", true}, nullptr, ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", true}, "yes please", ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", false}, "y", ExitCode::Usage, false},
+        {Risk::InterruptsIo, {true, true, "OTHER", true}, "y", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {true, true, "emu7740a0001", false}, "", kYes, false},
+        {Risk::Irrecoverable, {true, false, "", false}, "", ExitCode::Usage, false},
+        {Risk::Irrecoverable, {true, true, "", true}, "0001", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {true, true, "0001", true}, "0001", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {false, false, "", true}, "0001", kYes, true},
+        {Risk::Irrecoverable, {false, false, "", true}, "y", ExitCode::Cancelled, true},
+        {Risk::Irrecoverable, {false, false, "", true}, "A0001", ExitCode::Cancelled, true},
+    };
+    for (size_t i = 0; i < std::size(kRows); ++i) {
+        const auto& row = kRows[i];
+        bool asked = false;
+        const Ask ask = [&](const std::string& prompt, std::string* answer) {
+            asked = true;
+            EXPECT_EQ(prompt.find("what stops\n"), 0u);
+            *answer = row.typed == nullptr ? "" : row.typed;
+            return row.typed != nullptr;
+        };
+        ExitCode outcome = kYes;
+        try {
+            RequireConsent(row.risk, {{"what stops"}, "EMU7740A0001"}, row.given, ask);
+        } catch (const CommandError& error) {
+            outcome = error.exit;
+        }
+        EXPECT_EQ(outcome, row.outcome) << "row " << i;
+        EXPECT_EQ(asked, row.asks) << "row " << i;
+    }
+}
+
+TEST(ToolsConfirm, AnAdapterWithoutSerialCannotBeConfirmed) {
+    const Ask enter = [](const std::string&, std::string*) { return true; };
+    EXPECT_THROW(RequireConsent(Risk::Irrecoverable, {{}, ""}, {false, false, "", true}, enter),
+                 CommandError);
+}
+
+// ------------------------------------------------------------------ ends
+
+TEST(ToolsStop, DeadlineStopsTheCommandAndGraceLetsItFinish) {
+    StopControl stop;
+    std::thread worker([&] {
+        EXPECT_TRUE(stop.WaitFor(milliseconds(20000)));
+        stop.Finish();
+    });
+    const auto deadline = StopControl::Clock::now() + milliseconds(20);
+    EXPECT_TRUE(stop.WaitForEnd(&deadline, milliseconds(20000)));
+    worker.join();
+    EXPECT_EQ(stop.Reason(), StopReason::TimedOut);
+    EXPECT_EQ(ExitCodeOf(stop.Reason()), ExitCode::TimedOut);
+}
+
+TEST(ToolsStop, StuckCommandIsGivenUp) {
+    StopControl stop;
+    const auto deadline = StopControl::Clock::now();
+    EXPECT_FALSE(stop.WaitForEnd(&deadline, milliseconds(10)));
+
+    // A second interrupt does not wait for the grace; the first reason stays.
+    StopControl impatient;
+    impatient.Request(StopReason::Interrupted);
+    impatient.Request(StopReason::Interrupted);
+    const auto before = StopControl::Clock::now();
+    EXPECT_FALSE(impatient.WaitForEnd(nullptr, milliseconds(20000)));
+    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
+    impatient.Request(StopReason::TimedOut);
+    EXPECT_EQ(impatient.Reason(), StopReason::Interrupted);
+
+    StopControl done;
+    done.Finish();
+    EXPECT_TRUE(done.WaitForEnd(nullptr, milliseconds(0)));
+    EXPECT_EQ(done.Reason(), StopReason::None);
+}
+
+TEST(ToolsStop, HooksRunYoungestFirstAndMayHang) {
+    AbandonHooks hooks;
+    std::mutex lock;
+    std::string order;
+    const auto add = [&](char mark) {
+        const std::lock_guard guard(lock);
+        order += mark;
+    };
+    // Outlives the test: the hook that hangs runs on a thread of its own.
+    static std::mutex hang;
+    const std::lock_guard hanging(hang);
+    const AbandonHooks::Registration last(hooks, [] { const std::lock_guard wait(hang); });
+    const AbandonHooks::Registration second(hooks, [&] { add('2'); });
+    { const AbandonHooks::Registration gone(hooks, [&] { add('x'); }); }
+    const AbandonHooks::Registration first(hooks, [&] { add('1'); });
+    const auto before = StopControl::Clock::now();
+    hooks.Run(milliseconds(300));
+    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
+    const std::lock_guard guard(lock);
+    EXPECT_EQ(order, "12");
+}
+
+}  // namespace
