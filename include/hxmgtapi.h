@@ -400,4 +400,10 @@ HX_STATUS HXForceZetaAEN(int32_t handle);
 }
 #endif
 
+/* The rest of the interface, by subject. */
+#include "hxdumps.h"
+#include "hxflash.h"
+#include "hxpassthru.h"
+#include "hxpersist.h"
+
 #endif /* HXMGTAPI_H */

@@ -1,13 +1,17 @@
 // Load and unload of the library.
 #include <windows.h>
 
+#include "flash/update_lock.h"
 #include "frame/library_state.h"
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
     switch (reason) {
         case DLL_PROCESS_ATTACH:
             return frame::LibraryAttach() ? TRUE : FALSE;
         case DLL_PROCESS_DETACH:
+            if (processEnds == nullptr) {
+                flash::StopWatchdogsAtUnload();
+            }
             frame::LibraryDetach();
             return TRUE;
         default:

@@ -3,13 +3,18 @@
 
 #include <cstdarg>
 
+#include "dumps/dumps.h"
 #include "events/events.h"
+#include "flash/flash.h"
 #include "frame/discovery.h"
 #include "frame/driver_parameters.h"
 #include "frame/error_strings.h"
 #include "frame/handle_table.h"
 #include "frame/names.h"
 #include "frame/trace.h"
+#include "passthru/passthru.h"
+#include "persist/persist.h"
+#include "properties/port_database.h"
 #include "properties/properties.h"
 #include "transport/requests.h"
 
@@ -153,4 +158,383 @@ HX_STATUS HXGetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint3
 
 HX_STATUS HXForceZetaAEN(int32_t handle) {
     return events::ForceEvent(static_cast<uint32_t>(handle));
+}
+
+HX_STATUS HXSendScsiPassThruFC(uint32_t handle, const HX_SCSI_ADDRESS* target, const uint8_t* cdb,
+                               uint32_t cdbLength, const void* dataOut, uint32_t dataOutLength,
+                               void* dataIn, uint32_t dataInLength, uint8_t* sense,
+                               uint32_t senseLength) {
+    return passthru::SendScsi(handle, target, cdb, cdbLength, dataOut, dataOutLength, dataIn,
+                              dataInLength, sense, senseLength);
+}
+
+HX_STATUS HXSendScsiInquiryCmdFC(uint32_t handle, const HX_SCSI_ADDRESS* target, void* dataIn,
+                                 uint32_t dataInLength, uint8_t* sense, uint32_t senseLength) {
+    return passthru::Inquiry(handle, target, dataIn, dataInLength, sense, senseLength);
+}
+
+HX_STATUS HXSendScsiReadCapacityCmdFC(uint32_t handle, const HX_SCSI_ADDRESS* target, void* dataIn,
+                                      uint32_t dataInLength, uint8_t* sense, uint32_t senseLength) {
+    return passthru::ReadCapacity(handle, target, dataIn, dataInLength, sense, senseLength);
+}
+
+HX_STATUS HXSendScsiReportLunsCmdFC(uint32_t handle, const HX_SCSI_ADDRESS* target, void* dataIn,
+                                    uint32_t dataInLength, uint8_t* sense, uint32_t senseLength) {
+    return passthru::ReportLuns(handle, target, dataIn, dataInLength, sense, senseLength);
+}
+
+// Older callers link against these; they do nothing.
+HX_STATUS HXSendScsiPassThru() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXSendScsiInquiryCmd() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXSendScsiReadCapacityCmd() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXSendScsiReportLunsCmd() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXSendElsEcho() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXRunDportDiag() {
+    return HXMGT_NOT_SUPPORTED;
+}
+HX_STATUS HXForceFcMctpDump() {
+    return HXMGT_NOT_SUPPORTED;
+}
+
+HX_STATUS HXSendCTPassThru(uint32_t handle, const void* request, uint32_t requestSize,
+                           void* response, uint32_t responseSize) {
+    return passthru::SendCt(handle, request, requestSize, response, responseSize);
+}
+
+HX_STATUS HXSendElsPassThru(uint32_t handle, uint64_t, const HX_SCSI_ADDRESS* destination,
+                            const void* payload, int32_t payloadSize, void* response,
+                            const uint32_t* responseSize, uint8_t option) {
+    return passthru::SendEls(handle, destination, payload, payloadSize, response, responseSize,
+                             option);
+}
+
+HX_STATUS HXSendElsRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
+                        uint8_t* response, uint32_t responseSize) {
+    return passthru::SendRnid(handle, destination, format, response, responseSize);
+}
+
+HX_STATUS HXSendSCMMgmt(uint32_t handle, uint64_t, uint8_t* settings) {
+    return passthru::ManageScm(handle, settings);
+}
+
+HX_STATUS HXRunDiagLoopback(uint32_t handle, uint64_t, uint16_t options, void* sendData,
+                            uint16_t sendLength, void* receiveData, uint16_t receiveLength,
+                            uint16_t iterations, HX_LOOPBACK_RESULT* result) {
+    return passthru::RunLoopback(handle, options, sendData, sendLength, receiveData, receiveLength,
+                                 iterations, result);
+}
+
+HX_STATUS HXRunDiagLoopbackEx(uint32_t handle, uint64_t, uint16_t options, const void* sendData,
+                              uint32_t length, void* receiveData, uint32_t receiveLength,
+                              uint32_t iterations, HX_LOOPBACK_EX_RESULT* result) {
+    return passthru::RunLoopbackEx(handle, options, sendData, length, receiveData, receiveLength,
+                                   iterations, result);
+}
+
+HX_STATUS HXRunDportDiagEx(uint32_t handle, uint64_t, HX_DPORT_RESULT* result) {
+    return passthru::RunDportEx(handle, result);
+}
+
+HX_STATUS HXRunDportDiagEx2(uint32_t handle, uint64_t, HX_DPORT_RESULT_EX2* result) {
+    return passthru::RunDportEx2(handle, result);
+}
+
+HX_STATUS HXMailboxPassthru(uint32_t handle, uint64_t, const uint16_t* inRegisters, int16_t inCount,
+                            uint16_t* outRegisters, int16_t outCount) {
+    return passthru::SendMailbox(handle, inRegisters, inCount, outRegisters, outCount);
+}
+
+HX_STATUS HXForceFwDump(uint32_t handle) {
+    return dumps::ForceFirmwareDump(handle);
+}
+
+HX_STATUS HXGetFcDumpRaw(uint32_t handle, uint64_t, void* buffer) {
+    return dumps::GetRawFirmwareDump(handle, buffer);
+}
+
+HX_STATUS HXGetMpiDumpRaw(uint32_t handle, uint64_t, void* buffer) {
+    return dumps::GetRawMpiDump(handle, buffer);
+}
+
+HX_STATUS HXGetFcMctpDump(uint32_t handle, uint64_t, void* buffer, uint32_t* size) {
+    return dumps::GetMctpDump(handle, buffer, size);
+}
+
+HX_STATUS HXGetMiniDump(uint32_t handle, uint64_t, void* buffer, uint32_t* size) {
+    return dumps::GetMiniDump(handle, buffer, size);
+}
+
+HX_STATUS HXGetFcDump(uint32_t handle, uint16_t, const char* fileName) {
+    return dumps::WriteFirmwareDumpText(handle, fileName);
+}
+
+HX_STATUS HXGetPortDatabase(uint32_t handle, uint32_t type, void* buffer, uint32_t size) {
+    return properties::GetPortDatabase(handle, type, buffer, size);
+}
+
+HX_STATUS HXGetDiscPortProperty(uint32_t handle, uint32_t, uint32_t discoveredIndex, uint32_t,
+                                HX_DISCOVERED_PORT* record) {
+    return properties::GetDiscoveredPort(handle, discoveredIndex, record);
+}
+
+HX_STATUS HXGetDiscTargetProperty(uint32_t handle, uint32_t, uint32_t discoveredIndex, uint32_t,
+                                  HX_DISCOVERED_TARGET* record) {
+    return properties::GetDiscoveredTarget(handle, discoveredIndex, record);
+}
+
+HX_STATUS HXGetTargetData(uint32_t handle, uint16_t, HX_TARGET_DATA* block, uint16_t fromRegistry) {
+    return persist::GetTargetData(handle, block, fromRegistry != 0);
+}
+
+HX_STATUS HXSetTargetData(uint32_t handle, uint16_t, HX_TARGET_DATA* block, uint16_t toRegistry) {
+    return persist::SetTargetData(handle, block, toRegistry != 0);
+}
+
+HX_STATUS HXGetPersistentDeviceEntryList(HX_WWN_LIST* list) {
+    return persist::GetDeviceList(list);
+}
+
+HX_STATUS HXGetPersistentTargetEntryList(HX_WWN_LIST* list) {
+    return persist::GetTargetList(list);
+}
+
+HX_STATUS HXDeletePersistentDeviceEntry(const uint8_t* portName) {
+    return persist::DeleteDeviceEntry(portName);
+}
+
+HX_STATUS HXDeletePersistentTargetEntry(const uint8_t* targetName) {
+    return persist::DeleteTargetEntry(targetName);
+}
+
+HX_STATUS HXAddTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* device) {
+    return persist::AddTarget(handle, device);
+}
+
+HX_STATUS HXSwapTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
+                             const HX_DEVICE_RECORD* newDevice) {
+    return persist::SwapTargets(handle, oldDevice, newDevice);
+}
+
+HX_STATUS HXGetHbaTargetLunMask(uint32_t handle, uint64_t, const HX_BUS_TARGET_LUN* address,
+                                uint32_t fromRegistry, uint8_t* mask, uint32_t maskSize) {
+    return persist::GetLunMask(handle, address, fromRegistry != 0, mask, maskSize);
+}
+
+HX_STATUS HXGetHbaTargetLunMaskFC(uint32_t handle, uint64_t, const DESTINATIONADDRESS* address,
+                                  uint32_t fromRegistry, uint8_t* mask, uint32_t maskSize) {
+    return persist::GetLunMaskFc(handle, address, fromRegistry != 0, mask, maskSize);
+}
+
+HX_STATUS HXUpdateHbaTargetLunMask(uint32_t handle, uint64_t, const HX_BUS_TARGET_LUN* address,
+                                   int32_t toRegistry, const uint8_t* mask, uint32_t maskSize) {
+    return persist::UpdateLunMask(handle, address, toRegistry != 0, mask, maskSize);
+}
+
+HX_STATUS HXUpdateHbaTargetLunMaskFC(uint32_t handle, uint64_t, const DESTINATIONADDRESS* address,
+                                     int32_t toRegistry, const uint8_t* mask, uint32_t maskSize) {
+    return persist::UpdateLunMaskFc(handle, address, toRegistry != 0, mask, maskSize);
+}
+
+HX_STATUS HXGetLunData(uint32_t handle, uint16_t, HX_LUN_DATA* block, uint16_t fromRegistry) {
+    return persist::GetLunData(handle, block, fromRegistry != 0);
+}
+
+HX_STATUS HXSetLunData(uint32_t handle, uint16_t, HX_LUN_DATA* block, uint16_t toRegistry) {
+    return persist::SetLunData(handle, block, toRegistry != 0);
+}
+
+HX_STATUS IHXFoGetTargetData(uint32_t handle, uint64_t, uint64_t, HX_TARGET_DATA* block,
+                             uint16_t fromRegistry) {
+    return HXGetTargetData(handle, 0, block, fromRegistry);
+}
+
+HX_STATUS IHXFoSetTargetData(uint32_t handle, uint64_t, uint64_t, HX_TARGET_DATA* block,
+                             uint16_t toRegistry) {
+    return HXSetTargetData(handle, 0, block, toRegistry);
+}
+
+HX_STATUS IHXFoGetLunData(uint32_t handle, uint64_t, uint64_t, HX_LUN_DATA* block,
+                          uint16_t fromRegistry) {
+    return HXGetLunData(handle, 0, block, fromRegistry);
+}
+
+HX_STATUS IHXFoSetLunData(uint32_t handle, uint64_t, uint64_t, HX_LUN_DATA* block,
+                          uint16_t toRegistry) {
+    return HXSetLunData(handle, 0, block, toRegistry);
+}
+
+HX_STATUS IHXFoGetPersistentTargetEntryList(HX_WWN_LIST* list) {
+    return HXGetPersistentTargetEntryList(list);
+}
+
+HX_STATUS IHXFoGetPersistentDeviceEntryList(HX_WWN_LIST* list) {
+    return HXGetPersistentDeviceEntryList(list);
+}
+
+HX_STATUS IHXFoDeletePersistentTargetEntry(const uint8_t* targetName) {
+    return HXDeletePersistentTargetEntry(targetName);
+}
+
+HX_STATUS IHXFoDeletePersistentDeviceEntry(const uint8_t* portName) {
+    return HXDeletePersistentDeviceEntry(portName);
+}
+
+HX_STATUS HXStartFlashUpdate(uint32_t handle, uint64_t, uint32_t* lockKey) {
+    return flash::StartUpdate(handle, lockKey);
+}
+
+HX_STATUS HXEndFlashUpdate(uint32_t handle, uint64_t, uint32_t lockKey) {
+    return flash::EndUpdate(handle, lockKey);
+}
+
+HX_STATUS HXGetFlashUpdateCapabilities(uint32_t handle, uint64_t, uint64_t* capabilities) {
+    return flash::GetCapabilities(handle, capabilities);
+}
+
+HX_STATUS HXGetActiveRegions(uint32_t handle, uint64_t, uint8_t* regions) {
+    return flash::GetActiveRegions(handle, regions);
+}
+
+HX_STATUS HXGetAdapterLockdownState(uint32_t handle, uint64_t, uint8_t* state) {
+    return flash::GetLockdownState(handle, state);
+}
+
+HX_STATUS HXSendFlashUpdateFWAttributes(uint32_t handle, uint64_t, uint64_t firmwareAttributes,
+                                        uint32_t timeoutSeconds) {
+    return flash::NoteActivation(handle, firmwareAttributes, timeoutSeconds);
+}
+
+HX_STATUS HXOnlineActivateFlashUpdate(uint32_t handle) {
+    return flash::ActivateOnline(handle);
+}
+
+HX_STATUS HXReloadNvramAndInitFw(uint32_t handle) {
+    return flash::ReloadNvram(handle);
+}
+
+HX_STATUS HXGetOptionRomLayout(uint32_t handle, uint64_t, HX_FLASH_LAYOUT* layout) {
+    return flash::GetLayout(handle, layout);
+}
+
+HX_STATUS HXGetOptionRomLayoutEx(uint32_t handle, uint64_t, HX_FLASH_LAYOUT_EX* layout) {
+    return flash::GetLayoutEx(handle, layout);
+}
+
+HX_STATUS HXGetOptionRom(uint32_t handle, uint64_t, void* buffer, uint32_t bufferSize) {
+    return flash::GetOptionRom(handle, buffer, bufferSize);
+}
+
+HX_STATUS HXGetOptionRomEx(uint32_t handle, uint64_t, void* buffer, uint32_t bufferSize,
+                           uint32_t regionCode) {
+    return flash::GetRegion(handle, buffer, bufferSize, regionCode);
+}
+
+HX_STATUS HXGetOptionRomOffset(uint32_t handle, uint64_t, void* buffer, uint32_t length,
+                               uint32_t flashOffset) {
+    return flash::GetAtOffset(handle, buffer, length, flashOffset);
+}
+
+HX_STATUS HXUpdateOptionRomOffset(uint32_t handle, uint64_t, const void* data, uint32_t length,
+                                  uint32_t flashOffset) {
+    return flash::UpdateAtOffset(handle, data, length, flashOffset);
+}
+
+HX_STATUS HXUpdateOptionRom(uint32_t handle, uint64_t, void* image, uint32_t imageSize) {
+    return flash::UpdateOptionRom(handle, image, imageSize);
+}
+
+HX_STATUS HXUpdateOptionRomEx(uint32_t handle, uint64_t, void* image, uint32_t imageSize,
+                              uint32_t regionCode) {
+    return flash::UpdateRegion(handle, image, imageSize, regionCode);
+}
+
+HX_STATUS HXUpdateOptionRomEx2(uint32_t handle, uint64_t, void* image, uint32_t imageSize,
+                               uint32_t regionCode) {
+    return flash::UpdateRegionOfLayout(handle, image, imageSize, regionCode);
+}
+
+HX_STATUS HXUpdateOptionRomEx3(uint32_t, uint64_t, void*, uint32_t, uint32_t) {
+    return HXMGT_INVALID_REQUEST;
+}
+
+HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t, const void* image,
+                                    uint32_t imageSize, uint32_t regionCode) {
+    return flash::UpdateSecureRegion(handle, image, imageSize, regionCode);
+}
+
+HX_STATUS HXGetNVRam(uint32_t handle, uint64_t, uint32_t mode, void* buffer, uint32_t size) {
+    return flash::GetNvram(handle, mode, buffer, size);
+}
+
+HX_STATUS HXUpdateNVRam(uint32_t handle, uint64_t, uint32_t mode, void* buffer, uint32_t size) {
+    return flash::UpdateNvram(handle, mode, buffer, size);
+}
+
+HX_STATUS HXVerifyHbaNVRam(uint32_t handle, uint64_t) {
+    return flash::VerifyNvram(handle);
+}
+
+uint32_t HXGetVariableValue(uint32_t handle, const void* block, uint32_t variable) {
+    return flash::GetVariable(handle, block, variable);
+}
+
+uint32_t HXSetVariableValue(uint32_t handle, void* block, uint32_t variable, uint32_t value) {
+    return flash::SetVariable(handle, block, variable, value);
+}
+
+const char* HXGetVariableDescription(uint32_t, uint32_t variable) {
+    return flash::DescribeVariable(variable);
+}
+
+uint32_t HXIsVariableReadOnly(const void* block, uint32_t variable) {
+    return flash::IsReadOnlyVariable(block, variable) ? 1 : 0;
+}
+
+int32_t WriteNVRamFile(const void* block, const char* path) {
+    return flash::WriteNvramFile(block, path) ? 1 : 0;
+}
+
+int32_t ReadNVRamFile(const char* path, void* block, uint32_t mode, int32_t keepFlag) {
+    return flash::ReadNvramFile(path, block, mode, keepFlag != 0) ? 1 : 0;
+}
+
+HX_STATUS HXGetVpd(uint32_t handle, uint64_t, void* buffer, uint32_t* size) {
+    return flash::GetVpd(handle, buffer, size);
+}
+
+HX_STATUS HXUpdateVpd(uint32_t handle, uint64_t, void* buffer, uint32_t size) {
+    return flash::UpdateVpd(handle, buffer, size);
+}
+
+HX_STATUS HXReadSFPData(uint32_t handle, uint64_t, uint16_t device, void* buffer, uint16_t length,
+                        uint16_t offset, uint16_t options, uint16_t* deviceStatus) {
+    return flash::ReadTwoWire(handle, device, buffer, length, offset, options, deviceStatus);
+}
+
+HX_STATUS HXWriteSFPData(uint32_t handle, uint64_t, uint16_t device, const void* data,
+                         uint16_t length, uint16_t offset, uint16_t options,
+                         uint16_t* deviceStatus) {
+    return flash::WriteTwoWire(handle, device, data, length, offset, options, deviceStatus);
+}
+
+HX_STATUS HXLoadSFPFirmware(uint32_t handle, uint64_t, const void* image, uint32_t imageSize) {
+    return flash::LoadTransceiverFirmware(handle, image, imageSize);
+}
+
+HX_STATUS HXGetBFSInfo(uint32_t handle) {
+    return flash::GetBootFromSan(handle);
+}
+
+HX_STATUS HXOrvoMgt(uint32_t handle, uint32_t operation, void* request) {
+    return flash::ManageCompanion(handle, operation, request);
 }

@@ -1,0 +1,91 @@
+// PCI expansion ROM images: the chain they form in a flash, what an update carries over from the
+// adapter, and their checksum. Free of platform headers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace flash {
+
+#pragma pack(push, 1)
+
+inline constexpr uint16_t kRomSignature = 0xAA55;
+inline constexpr char kSubsystemMark[4] = {'S', 'V', 'I', 'D'};
+inline constexpr uint32_t kRomUnit = 512;  // image lengths count in this
+
+struct RomHeader {
+    uint16_t signature;  // kRomSignature
+    uint8_t length;      // of the checksum, in kRomUnit
+    uint8_t reserved3[21];
+    uint16_t dataOffset;  // of the RomData
+    uint8_t reserved26[2];
+    char subsystemMark[4];  // kSubsystemMark where the vendor ID follows
+    uint16_t subsystemVendor;
+};
+static_assert(sizeof(RomHeader) == 34);
+static_assert(offsetof(RomHeader, dataOffset) == 24);
+static_assert(offsetof(RomHeader, subsystemMark) == 28);
+
+inline constexpr char kRomDataMark[4] = {'P', 'C', 'I', 'R'};
+
+struct RomData {
+    char mark[4];
+    uint16_t vendorId;
+    uint16_t deviceId;
+    uint8_t reserved8[8];
+    uint16_t length;  // of the image, in kRomUnit
+    uint8_t revision;
+    uint8_t majorRevision;
+    uint8_t codeType;   // RomCode
+    uint8_t indicator;  // kLastImage
+};
+static_assert(sizeof(RomData) == 22);
+static_assert(offsetof(RomData, length) == 16);
+static_assert(offsetof(RomData, codeType) == 20);
+inline constexpr uint8_t kLastImage = 0x80;
+
+enum class RomCode : uint8_t { Bios = 0, Fcode = 1, Efi = 3 };
+
+#pragma pack(pop)
+
+// The NVRAM block inside a flash image stands behind these two characters.
+inline constexpr char kNvramMark[6] = {'M', 'E', 'K', 'P', 'U', ' '};
+inline constexpr size_t kNvramMarkLead = 2;
+
+// One image of a chain.
+struct RomImage {
+    size_t start;
+    size_t length;  // as the image tells it; the flash may end before
+    uint8_t majorRevision;
+    uint8_t revision;
+    uint8_t codeType;
+    bool last;
+};
+
+// The image at a position of a flash, or nothing when none begins there.
+std::optional<RomImage> ImageAt(std::span<const uint8_t> flash, size_t start);
+
+// The image behind another one of the same chain, or nothing when that was the last.
+std::optional<RomImage> NextImage(std::span<const uint8_t> flash, const RomImage& image);
+
+inline constexpr uint32_t kLongestChain = 11;  // images that a walk looks at
+
+// The first image of a code type among the first kLongestChain of the chain at the flash's start.
+std::optional<RomImage> FindImage(std::span<const uint8_t> flash, RomCode code);
+
+// Makes the checksum of an image that begins a span. False when its length byte tells 0 or more
+// than there is; nothing is changed then.
+bool UpdateChecksum(std::span<uint8_t> image);
+
+// Carries the adapter's subsystem vendor ID and NVRAM block over from its current flash into a
+// whole flash image. An image that was changed gets its checksum; false when it cannot have one.
+bool CarryOverIdentity(std::span<uint8_t> image, std::span<const uint8_t> current);
+
+// The same for boot code: for the first BIOS image of the chain, and for the image behind it when
+// that has a place for both. Chains without a BIOS image are left as they are.
+bool CarryOverBootIdentity(std::span<uint8_t> image, std::span<const uint8_t> current,
+                           size_t nvramBytes);
+
+}  // namespace flash

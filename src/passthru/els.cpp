@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <cstring>
+
+#include "frame/owned.h"
+#include "passthru/fabric_records.h"
+#include "passthru/fabric_support.h"
+#include "passthru/passthru.h"
+#include "properties/generation.h"
+#include "transport/requests.h"
+
+namespace passthru {
+namespace {
+
+constexpr int32_t kLongestPayload = 252;
+constexpr uint32_t kLsAcc = 2;  // as a little-endian word in front of an RNID response
+
+bool PutDestination(const HX_SCSI_ADDRESS& destination, ElsRequest& request) {
+    switch (destination.type) {
+        case HX_ADDRESS_PORT_NAME:
+            std::memcpy(request.portName, destination.address, sizeof request.portName);
+            request.addressFlags = kElsByPortName;
+            return true;
+        case HX_ADDRESS_PORT_ID:
+            std::memcpy(request.portId, destination.address, sizeof request.portId);
+            request.addressFlags = kElsByPortId;
+            return true;
+        default:
+            return false;
+    }
+}
+
+HX_STATUS CheckFabricCall(uint32_t handle) {
+    if (frame::OpenRecord(handle) == nullptr) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    return properties::TakesExtendedRequests(handle) ? HXMGT_SUCCESS : HXMGT_NOT_SUPPORTED;
+}
+
+// The name and identifier that the caller may have put into the response buffer.
+void PutRnidOptions(const uint8_t* response, uint32_t responseSize, RnidRequest& request) {
+    RnidOptions options{};
+    if (responseSize < sizeof options) {
+        return;
+    }
+    std::memcpy(&options, response, sizeof options);
+    std::memcpy(request.optionalName, options.name, sizeof request.optionalName);
+    std::reverse_copy(std::begin(options.portIdReversed), std::end(options.portIdReversed),
+                      request.optionalPortId);
+}
+
+}  // namespace
+
+HX_STATUS SendEls(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                  int32_t payloadSize, void* response, const uint32_t* responseSize,
+                  uint8_t option) {
+    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (payloadSize < 1 || payloadSize > kLongestPayload || destination == nullptr ||
+        payload == nullptr || responseSize == nullptr ||
+        (response == nullptr && *responseSize != 0)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    const uint32_t capacity = *responseSize;
+    const uint32_t sent = static_cast<uint32_t>(payloadSize);
+    if (capacity > UINT32_MAX - sizeof(ElsRequest)) {
+        return HXMGT_OUT_OF_MEMORY;
+    }
+    const frame::Bytes buffer = frame::ZeroedBytes(sizeof(ElsRequest) + std::max(sent, capacity));
+    if (buffer == nullptr) {
+        return HXMGT_OUT_OF_MEMORY;
+    }
+    ElsRequest& request = *reinterpret_cast<ElsRequest*>(buffer.get());
+    uint8_t* const data = buffer.get() + sizeof request;
+    if (!PutDestination(*destination, request)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    request.option = option;
+    std::memcpy(data, payload, sent);
+
+    const transport::Command command = transport::command::ElsPassThrough;
+    uint32_t returned = 0;
+    if (const HX_STATUS status =
+            transport::SendExtended(handle, command.code, command.subCode, buffer.get(),
+                                    static_cast<uint32_t>(sizeof request) + sent, buffer.get(),
+                                    static_cast<uint32_t>(sizeof request) + capacity, &returned);
+        status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (request.rejected == 1) {
+        return HXMGT_ELS_REJECTED;
+    }
+    // The caller learns the length from the payload; *responseSize stays: intended.
+    if (const uint32_t copied = std::min(capacity, returned); copied != 0) {
+        std::memcpy(response, data, copied);
+    }
+    return HXMGT_SUCCESS;
+}
+
+HX_STATUS SendRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
+                   uint8_t* response, uint32_t responseSize) {
+    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (IsOldestChip(*frame::OpenRecord(handle))) {
+        return HXMGT_NOT_SUPPORTED;
+    }
+    if (destination == nullptr || response == nullptr || responseSize < sizeof kLsAcc) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    RnidRequest request{};
+    if (destination->type == HX_ADDRESS_NODE_NAME || destination->type == HX_ADDRESS_PORT_NAME) {
+        request.destinationType = destination->type;
+        std::memcpy(request.name, destination->address, sizeof request.name);
+    } else if (destination->type == 0) {
+        request.destinationType = kRnidToAttachedPort;
+    }
+    request.format = format;
+    PutRnidOptions(response, responseSize, request);
+
+    const transport::Command command = transport::command::ElsRnid;
+    uint32_t returned = 0;
+    const HX_STATUS status =
+        transport::SendExtended(handle, command.code, command.subCode, &request, sizeof request,
+                                response, responseSize, &returned);
+    // Whatever the status: the reply moves behind its command code and loses its last four bytes.
+    std::memmove(response + sizeof kLsAcc, response, responseSize - sizeof kLsAcc);
+    std::memcpy(response, &kLsAcc, sizeof kLsAcc);
+    return status;
+}
+
+HX_STATUS ManageScm(uint32_t handle, uint8_t* settings) {
+    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    if (settings == nullptr) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    const transport::Command command = transport::command::ScmManagement;
+    ScmRequest request{};
+    request.flags = settings[0];
+    if ((request.flags & kScmRead) == 0) {
+        request.values[0] = settings[1];
+        return transport::Tell(handle, command, request);
+    }
+    ScmRequest reply{};
+    uint32_t returned = 0;
+    const HX_STATUS status =
+        transport::SendExtended(handle, command.code, command.subCode, &request, sizeof request,
+                                &reply, sizeof reply, &returned);
+    if (status == HXMGT_SUCCESS) {
+        std::memcpy(settings + 1, reply.values, std::min(returned, kScmValues));
+    }
+    return status;
+}
+
+}  // namespace passthru
