@@ -34,8 +34,7 @@ void AppendDigits(char* text, uint32_t number, uint32_t digits) {
     }
 }
 
-// Serial numbers are "EMU", the device ID, 'A' and a running number; the numeric ones begin with
-// 'E' as well ('A' + value / 100000).
+// Serial numbers are "EMU", the device ID, 'A' and a running number.
 void SetSerial(AdapterProfile& adapter, uint32_t number) {
     char text[] = "EMU0000A0000";
     AppendDigits(text + 3, adapter.deviceId, 4);
@@ -43,10 +42,7 @@ void SetSerial(AdapterProfile& adapter, uint32_t number) {
         text[11 - at] = static_cast<char>('0' + rest % 10);
     }
     CopyText(adapter.serial, text);
-    const uint32_t value = 400'000 + number;
-    adapter.serialBytes[0] = static_cast<uint8_t>(value >> 16);
-    adapter.serialBytes[1] = static_cast<uint8_t>(value);
-    adapter.serialBytes[2] = static_cast<uint8_t>(value >> 8);
+    SetNumericSerial(adapter, number);
 }
 
 void AddAdapter(Profile& profile, const AdapterRow& row) {
@@ -72,9 +68,62 @@ void AddAdapter(Profile& profile, const AdapterRow& row) {
         port.portId[0] = 0x01;
         port.portId[1] = static_cast<uint8_t>(number);
         port.portId[2] = function;
-        port.discoveredDevices = 4;
-        port.discoveredTargets = 3;
-        port.staleDevices = row.generation == DriverGeneration::Legacy ? 1 : 0;
+    }
+}
+
+struct LunRow {
+    uint16_t number;
+    uint64_t blocks;
+    uint32_t blockSize;
+};
+struct DeviceRow {
+    const char* symbolicName;
+    DeviceRole role;
+    bool present;
+    bool refusesReportLuns;
+    LunRow luns[4];  // ends with 0 blocks
+};
+
+// Two disk arrays, an old one, another host and a device that has gone.
+constexpr DeviceRow kDevices[] = {
+    {"Emulated array A",
+     DeviceRole::Target,
+     true,
+     false,
+     {{0, 2'097'152, 512}, {1, 4'194'304, 512}, {2, 262'144, 4096}, {3, 8'589'934'592, 512}}},
+    {"Emulated array B",
+     DeviceRole::Target,
+     true,
+     false,
+     {{0, 2'097'152, 512}, {1, 1'000'000, 512}, {256, 2'097'152, 512}}},
+    {"Emulated old array", DeviceRole::Target, true, true, {{0, 204'800, 512}, {3, 204'800, 512}}},
+    {"Emulated other host", DeviceRole::Initiator, true, false, {}},
+    {"Emulated lost array", DeviceRole::Target, false, false, {}},
+};
+
+constexpr uint8_t kDeviceNodeKind = 0x2A;
+constexpr uint8_t kDevicePortKind = 0x2B;
+
+void AddDevices(Profile& profile) {
+    for (const DeviceRow& row : kDevices) {
+        TargetProfile target = DefaultTarget(profile);
+        const uint32_t index = profile.targetCount;
+        MakeName(target.nodeName, kDeviceNodeKind, 0, index + 1);
+        MakeName(target.portName, kDevicePortKind, 0, index + 1);
+        target.role = row.role;
+        target.roleAndState = static_cast<uint32_t>(row.role);
+        target.present = row.present ? 1 : 0;
+        target.refusesReportLuns = row.refusesReportLuns ? 1 : 0;
+        CopyText(target.symbolicName, row.symbolicName);
+        profile.targets[profile.targetCount++] = target;
+        for (const LunRow& disk : row.luns) {
+            if (disk.blocks != 0) {
+                LunProfile lun = DefaultLun(static_cast<uint8_t>(index), disk.number);
+                lun.blocks = disk.blocks;
+                lun.blockSize = disk.blockSize;
+                profile.luns[profile.lunCount++] = lun;
+            }
+        }
     }
 }
 
@@ -88,6 +137,7 @@ void FillLab(Profile& profile) {
     for (const AdapterRow& row : kRows) {
         AddAdapter(profile, row);
     }
+    AddDevices(profile);
 }
 
 // Every SCSI port number but the last, with every chip of the family in turn.
@@ -113,6 +163,7 @@ void FillFull(Profile& profile) {
         };
         AddAdapter(profile, row);
     }
+    AddDevices(profile);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ class ControlRequest {
         reply.adapterCount = profile.adapterCount;
         reply.portCount = profile.portCount;
         reply.faultCount = model_.faults_.Count();
-        reply.uptime = model_.host_.milliseconds(model_.host_.context) - model_.startTime_;
+        reply.uptime = model_.host_.Now() - model_.startTime_;
         CopyText(reply.profileName, profile.name);
         for (uint32_t index = 0; index < profile.portCount; ++index) {
             Describe(model_.ports_[index], reply.ports[index]);
@@ -119,18 +119,70 @@ class ControlRequest {
         if (port == nullptr) {
             return refusal_;
         }
-        const Field* field = FindField(FieldScope::Port, request.name, sizeof request.name);
-        auto* record = reinterpret_cast<uint8_t*>(port->profile);
-        if (field == nullptr) {
-            field = FindField(FieldScope::Adapter, request.name, sizeof request.name);
-            record = reinterpret_cast<uint8_t*>(port->adapter);
+        return Apply(FieldScope::Port, request.change, port->profile) ||
+                       Apply(FieldScope::Adapter, request.change, port->adapter)
+                   ? ReplyCount(1)
+                   : Completion::ShortBuffer;
+    }
+
+    Completion AddTargetDevice() {
+        TargetProfile target;
+        return Take(target) ? ReplyChange(AddDevice(model_.fabric_, target))
+                            : Completion::ShortBuffer;
+    }
+
+    Completion RemoveTargetDevice() {
+        TargetSelector request = {};
+        TargetProfile* target = TakeForTarget(request, request);
+        if (target == nullptr) {
+            return refusal_;
         }
-        if (field == nullptr || !field->settable || request.length != field->size ||
-            request.length > sizeof request.value || !FieldValueValid(*field, request.value)) {
-            return Completion::ShortBuffer;
+        RemoveDevice(model_.fabric_, *target);
+        return ReplyChange(ProfileError::None);
+    }
+
+    Completion ChangeTargetField() {
+        TargetFieldRequest request = {};
+        TargetProfile* target = TakeForTarget(request, request.target);
+        if (target == nullptr) {
+            return refusal_;
         }
-        std::memcpy(record + field->offset, request.value, field->size);
-        return ReplyCount(1);
+        TargetProfile changed = *target;
+        return Apply(FieldScope::Target, request.change, &changed)
+                   ? ReplyChange(ReplaceDevice(model_.fabric_, *target, changed))
+                   : Completion::ShortBuffer;
+    }
+
+    Completion AddTargetLun() {
+        LunRequest request = {};
+        const TargetProfile* target = TakeForTarget(request, request.target);
+        if (target == nullptr) {
+            return refusal_;
+        }
+        request.lun.target = static_cast<uint8_t>(IndexOf(model_.fabric_, *target));
+        return ReplyChange(AddLun(model_.fabric_, request.lun));
+    }
+
+    Completion RemoveTargetLun() {
+        LunSelector request = {};
+        LunProfile* lun = TakeForLun(request, request);
+        if (lun == nullptr) {
+            return refusal_;
+        }
+        RemoveLun(model_.fabric_, *lun);
+        return ReplyChange(ProfileError::None);
+    }
+
+    Completion ChangeLunField() {
+        LunFieldRequest request = {};
+        LunProfile* lun = TakeForLun(request, request.lun);
+        if (lun == nullptr) {
+            return refusal_;
+        }
+        LunProfile changed = *lun;
+        return Apply(FieldScope::Lun, request.change, &changed)
+                   ? ReplyChange(ReplaceLun(model_.fabric_, *lun, changed))
+                   : Completion::ShortBuffer;
     }
 
   private:
@@ -175,8 +227,50 @@ class ControlRequest {
         return nullptr;
     }
 
-    Completion ReplyCount(uint32_t count) {
-        const CountReply reply = {count};
+    // Takes a record that names a target, which selector is part of.
+    template <typename Record>
+    TargetProfile* TakeForTarget(Record& record, const TargetSelector& selector) {
+        refusal_ = Completion::ShortBuffer;
+        if (!Take(record)) {
+            return nullptr;
+        }
+        for (uint32_t at = 0; at < model_.profile_->targetCount; ++at) {
+            TargetProfile& target = model_.profile_->targets[at];
+            if (std::memcmp(target.portName, selector.portName, sizeof target.portName) == 0) {
+                return &target;
+            }
+        }
+        refusal_ = Completion::NoDevice;
+        return nullptr;
+    }
+
+    template <typename Record>
+    LunProfile* TakeForLun(Record& record, const LunSelector& selector) {
+        const TargetProfile* target = TakeForTarget(record, selector.target);
+        if (target == nullptr) {
+            return nullptr;
+        }
+        refusal_ = Completion::NoDevice;
+        return FindLun(model_.fabric_, *target, selector.number);
+    }
+
+    // Gives a field of the record its new value; false when there is no such field, or it may not
+    // have the value.
+    static bool Apply(FieldScope scope, const FieldChange& change, void* record) {
+        const Field* field = FindField(scope, change.name, sizeof change.name);
+        if (field == nullptr || !field->settable || change.length != field->size ||
+            change.length > sizeof change.value || !FieldValueValid(*field, change.value)) {
+            return false;
+        }
+        std::memcpy(static_cast<uint8_t*>(record) + field->offset, change.value, field->size);
+        return true;
+    }
+
+    Completion ReplyCount(uint32_t count) { return Reply(CountReply{count}); }
+    Completion ReplyChange(ProfileError error) { return Reply(ChangeReply{error}); }
+
+    template <typename Record>
+    Completion Reply(const Record& reply) {
         if (outputLength_ >= sizeof reply) {
             std::memcpy(buffer_, &reply, sizeof reply);
             *returned_ = sizeof reply;
@@ -208,6 +302,12 @@ constexpr ControlRow kControlRows[] = {
     {control::kRaiseEvent, &ControlRequest::RaiseEvent},
     {control::kSetLink, &ControlRequest::ChangeLink},
     {control::kSetField, &ControlRequest::ChangeField},
+    {control::kTargetAdd, &ControlRequest::AddTargetDevice},
+    {control::kTargetRemove, &ControlRequest::RemoveTargetDevice},
+    {control::kTargetSet, &ControlRequest::ChangeTargetField},
+    {control::kLunAdd, &ControlRequest::AddTargetLun},
+    {control::kLunRemove, &ControlRequest::RemoveTargetLun},
+    {control::kLunSet, &ControlRequest::ChangeLunField},
 };
 
 }  // namespace

@@ -13,7 +13,7 @@
 namespace vxemu {
 
 inline constexpr char kControlDeviceName[] = "vxemu";
-inline constexpr uint32_t kControlVersion = 1;  // raised with every change of a record
+inline constexpr uint32_t kControlVersion = 2;  // raised with every change of a record
 
 // A control code as the operating system builds it: unknown device type, read access for what
 // only asks and read and write access for what changes something, buffered.
@@ -22,15 +22,21 @@ constexpr uint32_t ControlCode(uint32_t function, bool changes) {
 }
 
 namespace control {
-inline constexpr uint32_t kStatus = ControlCode(0, false);       // - / StatusReply
-inline constexpr uint32_t kFaultList = ControlCode(1, false);    // - / FaultListReply
-inline constexpr uint32_t kReadProfile = ControlCode(2, false);  // - / Profile as it stands
-inline constexpr uint32_t kFaultAdd = ControlCode(16, true);     // FaultRule / CountReply: id
-inline constexpr uint32_t kFaultClear = ControlCode(17, true);   // FaultClear / CountReply
-inline constexpr uint32_t kPortReset = ControlCode(18, true);    // PortSelector / -
-inline constexpr uint32_t kRaiseEvent = ControlCode(19, true);   // EventRequest / CountReply
-inline constexpr uint32_t kSetLink = ControlCode(20, true);      // LinkRequest / -
-inline constexpr uint32_t kSetField = ControlCode(21, true);     // FieldRequest / CountReply
+inline constexpr uint32_t kStatus = ControlCode(0, false);        // - / StatusReply
+inline constexpr uint32_t kFaultList = ControlCode(1, false);     // - / FaultListReply
+inline constexpr uint32_t kReadProfile = ControlCode(2, false);   // - / Profile as it stands
+inline constexpr uint32_t kFaultAdd = ControlCode(16, true);      // FaultRule / CountReply: id
+inline constexpr uint32_t kFaultClear = ControlCode(17, true);    // FaultClear / CountReply
+inline constexpr uint32_t kPortReset = ControlCode(18, true);     // PortSelector / -
+inline constexpr uint32_t kRaiseEvent = ControlCode(19, true);    // EventRequest / CountReply
+inline constexpr uint32_t kSetLink = ControlCode(20, true);       // LinkRequest / -
+inline constexpr uint32_t kSetField = ControlCode(21, true);      // FieldRequest / CountReply
+inline constexpr uint32_t kTargetAdd = ControlCode(22, true);     // TargetProfile / ChangeReply
+inline constexpr uint32_t kTargetRemove = ControlCode(23, true);  // TargetSelector / ChangeReply
+inline constexpr uint32_t kTargetSet = ControlCode(24, true);  // TargetFieldRequest / ChangeReply
+inline constexpr uint32_t kLunAdd = ControlCode(25, true);     // LunRequest / ChangeReply
+inline constexpr uint32_t kLunRemove = ControlCode(26, true);  // LunSelector / ChangeReply
+inline constexpr uint32_t kLunSet = ControlCode(27, true);     // LunFieldRequest / ChangeReply
 }  // namespace control
 
 #pragma pack(push, 1)
@@ -98,16 +104,55 @@ struct LinkRequest {
 };
 static_assert(sizeof(LinkRequest) == 8);
 
-inline constexpr uint32_t kFieldValueLength = 80;
+inline constexpr uint32_t kFieldValueLength = 96;
 
-// Sets a settable field (profile_fields.h) of the port, or of the port's adapter.
-struct FieldRequest {
-    uint32_t scsiPort;
+// The new value of a settable field (profile_fields.h).
+struct FieldChange {
     char name[32];
     uint32_t length;  // of value; the field's own size
     uint8_t value[kFieldValueLength];
 };
-static_assert(sizeof(FieldRequest) == 120);
+static_assert(sizeof(FieldChange) == 132);
+
+// A field of the port, or of the port's adapter.
+struct FieldRequest {
+    uint32_t scsiPort;
+    FieldChange change;
+};
+static_assert(sizeof(FieldRequest) == 136);
+
+struct TargetSelector {
+    uint8_t portName[8];
+};
+
+struct TargetFieldRequest {
+    TargetSelector target;
+    FieldChange change;
+};
+static_assert(sizeof(TargetFieldRequest) == 140);
+
+struct LunSelector {
+    TargetSelector target;
+    uint32_t number;
+};
+
+// The number stands in the LUN's own record.
+struct LunRequest {
+    TargetSelector target;
+    LunProfile lun;
+};
+static_assert(sizeof(LunRequest) == 104);
+
+struct LunFieldRequest {
+    LunSelector lun;
+    FieldChange change;
+};
+static_assert(sizeof(LunFieldRequest) == 144);
+
+// What is wrong with the profile that the change would lead to; nothing has changed then.
+struct ChangeReply {
+    ProfileError error;
+};
 
 #pragma pack(pop)
 

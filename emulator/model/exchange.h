@@ -53,7 +53,18 @@ class Exchange {
         }
     }
 
+    // The request's own bytes, which become the reply's: for requests that carry bulk data. Those
+    // of the request end at InputLength(), those of the reply at Room().
+    uint8_t* Bytes() const { return data_; }
+
+    // The reply is what stands in Bytes().
+    void KeepReply(uint32_t length) { replyLength_ = length; }
+
     bool Fits() const { return replyLength_ <= room_; }
+
+    // Goes with driver status 11 (mailbox completion code) and 15 (SCSI status).
+    uint32_t Detail() const { return detail_; }
+    void SetDetail(uint32_t detail) { detail_ = detail; }
 
     uint16_t ResyncFlag() const { return resyncFlag_; }
     void SetResyncFlag(uint16_t flag) { resyncFlag_ = flag; }
@@ -64,6 +75,7 @@ class Exchange {
     uint32_t inputLength_;
     uint32_t room_;
     uint32_t replyLength_ = 0;
+    uint32_t detail_ = 0;
     uint16_t resyncFlag_ = 0;
 };
 

@@ -2,8 +2,10 @@
 #include <cstring>
 
 #include "model/bytes.h"
+#include "model/fabric.h"
 #include "model/handlers.h"
 #include "model/pci_header.h"
+#include "persist/driver_records.h"
 #include "properties/chip_families.h"
 #include "properties/driver_replies.h"
 
@@ -48,39 +50,56 @@ void LinkValue(Exchange& exchange, const transport::SelectorRecord& selector) {
     exchange.Reply(reply);
 }
 
-// A device's names follow from the port's own and the device's place in the list. Loop
-// identifiers are odd while the device is there (bit 0 is the valid flag), even once it is gone.
-properties::LegacyTargetEntry ListedDevice(const PortProfile& profile, uint32_t place,
-                                           bool present) {
+properties::LegacyTargetEntry ListedDevice(const TargetProfile& device) {
     properties::LegacyTargetEntry entry = {};
-    entry.loopId = static_cast<uint16_t>(2 * place + (present ? 1 : 0));
-    entry.target = static_cast<uint8_t>(place);
-    entry.portId[0] = profile.portId[0];
-    entry.portId[1] = profile.portId[1];
-    entry.portId[2] = static_cast<uint8_t>(0x10 + place);
-    std::memcpy(entry.nodeName, profile.nodeName, sizeof entry.nodeName);
-    std::memcpy(entry.portName, profile.portName, sizeof entry.portName);
-    entry.nodeName[7] = static_cast<uint8_t>(place + 1);
-    entry.portName[7] = static_cast<uint8_t>(place + 1);
+    entry.loopId = LoopIdOf(device);
+    entry.bus = device.bus;
+    entry.target = static_cast<uint8_t>(device.target);
+    std::memcpy(entry.portId, device.portId, sizeof entry.portId);
+    std::memcpy(entry.nodeName, device.nodeName, sizeof entry.nodeName);
+    std::memcpy(entry.portName, device.portName, sizeof entry.portName);
     return entry;
+}
+
+// A device that is gone keeps its place in the list.
+bool IsListed(const Port& port, const TargetProfile& device) {
+    TargetProfile there = device;
+    there.present = 1;
+    return Sees(port, there);
 }
 
 void TargetList(Exchange& exchange, const transport::SelectorRecord& selector) {
     const Port& port = exchange.GetPort();
-    const PortProfile& profile = *port.profile;
-    const uint32_t present = port.LinkUp() ? profile.discoveredDevices : 0u;
-    const uint32_t stale = port.LinkUp() ? profile.staleDevices : 0u;
-    const auto count = static_cast<uint16_t>(present + stale);
-
+    const Profile& profile = *port.fabric->profile;
     using List = properties::LegacyTargetListReply;
     exchange.StartReply(sizeof(List));
     exchange.Put(offsetof(List, selector), &selector, sizeof selector);
-    exchange.Put(offsetof(List, count), &count, sizeof count);
-    for (uint32_t place = 0; place < count; ++place) {
-        const properties::LegacyTargetEntry entry = ListedDevice(profile, place, place < present);
-        exchange.Put(offsetof(List, entries) + place * static_cast<uint32_t>(sizeof entry), &entry,
-                     sizeof entry);
+    uint16_t count = 0;
+    for (uint32_t at = 0; at < profile.targetCount; ++at) {
+        if (IsListed(port, profile.targets[at])) {
+            const properties::LegacyTargetEntry entry = ListedDevice(profile.targets[at]);
+            exchange.Put(offsetof(List, entries) + count++ * static_cast<uint32_t>(sizeof entry),
+                         &entry, sizeof entry);
+        }
     }
+    exchange.Put(offsetof(List, count), &count, sizeof count);
+}
+
+// The masks of LUNs 0 to 255 of every target, in the form in which they are stored.
+void LunList(Exchange& exchange, const transport::SelectorRecord&) {
+    const Port& port = exchange.GetPort();
+    exchange.StartReply(sizeof(persist::LunDataV1));
+    persist::BlockHead head = {};
+    head.version = persist::kLunVersion1;
+    while (const TargetProfile* device = NthDevice(port, DeviceKind::Target, head.count)) {
+        persist::LunRecordV1 record = {};
+        std::memcpy(record.nodeName, device->nodeName, sizeof record.nodeName);
+        std::memcpy(record.portName, device->portName, sizeof record.portName);
+        std::memcpy(record.visible, MaskOf(port, *device).bytes, persist::kVersion1Luns / 8);
+        exchange.Put(persist::BlockLength<persist::LunRecordV1>(head.count++), &record,
+                     sizeof record);
+    }
+    exchange.Put(0, &head, sizeof head);
 }
 
 void ChipIdentity(Exchange& exchange, const transport::SelectorRecord& selector) {
@@ -99,14 +118,15 @@ void ChipIdentity(Exchange& exchange, const transport::SelectorRecord& selector)
 }
 
 struct SelectorRow {
-    LegacySelector selector;
+    uint32_t selector;
     void (*answer)(Exchange& exchange, const transport::SelectorRecord& selector);
 };
 constexpr SelectorRow kSelectors[] = {
-    {LegacySelector::AdapterInformation, AdapterInformation},
-    {LegacySelector::LinkValue, LinkValue},
-    {LegacySelector::TargetList, TargetList},
-    {LegacySelector::ChipIdentity, ChipIdentity},
+    {static_cast<uint32_t>(LegacySelector::AdapterInformation), AdapterInformation},
+    {static_cast<uint32_t>(LegacySelector::LinkValue), LinkValue},
+    {static_cast<uint32_t>(LegacySelector::TargetList), TargetList},
+    {static_cast<uint32_t>(persist::LunSelector::LunList), LunList},
+    {static_cast<uint32_t>(LegacySelector::ChipIdentity), ChipIdentity},
 };
 
 uint8_t PortType(Topology topology) {
@@ -131,7 +151,7 @@ bool LegacyQuery(Exchange& exchange) {
         return false;
     }
     for (const SelectorRow& row : kSelectors) {
-        if (selector.selector == static_cast<uint32_t>(row.selector)) {
+        if (selector.selector == row.selector) {
             row.answer(exchange, selector);
             return true;
         }

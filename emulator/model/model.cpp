@@ -66,7 +66,9 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     model->profile_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
     model->ports_ =
         static_cast<Port*>(host.allocate(host.context, profile.portCount * sizeof(Port)));
-    if (model->profile_ == nullptr || model->ports_ == nullptr) {
+    model->masks_ = static_cast<LunMask*>(
+        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(LunMask)));
+    if (model->profile_ == nullptr || model->ports_ == nullptr || model->masks_ == nullptr) {
         Destroy(model);
         return nullptr;
     }
@@ -76,8 +78,15 @@ Model* Model::Create(const Host& host, const Profile& profile) {
         port.profile = &model->profile_->ports[index];
         port.adapter = &model->profile_->adapters[port.profile->adapter];
         port.initialState = port.profile->state;
+        port.fabric = &model->fabric_;
+        port.masks = model->masks_ + index * kMaxTargets;
+        port.statisticsReset = host.Now();
     }
-    model->startTime_ = host.milliseconds(host.context);
+    model->fabric_.host = host;
+    model->fabric_.profile = model->profile_;
+    model->fabric_.ports = model->ports_;
+    StartMasks(model->fabric_);
+    model->startTime_ = host.Now();
     return model;
 }
 
@@ -86,11 +95,12 @@ void Model::Destroy(Model* model) {
         return;
     }
     const Host host = model->host_;
-    if (model->ports_ != nullptr) {
-        host.release(host.context, model->ports_);
-    }
-    if (model->profile_ != nullptr) {
-        host.release(host.context, model->profile_);
+    model->fabric_.store.Clear(host);
+    void* const blocks[] = {model->masks_, model->ports_, model->profile_};
+    for (void* block : blocks) {
+        if (block != nullptr) {
+            host.release(host.context, block);
+        }
     }
     host.release(host.context, model);
 }
@@ -204,7 +214,7 @@ Completion Model::AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLeng
         Corrupt(data, filled);
     }
     request.ext.status = static_cast<uint32_t>(status);
-    request.ext.detailStatus = 0;
+    request.ext.detailStatus = exchange.Detail();
     request.ext.responseLen = ReportedLength(exchange.ReplyLength(), fault);
     std::memcpy(buffer, &request, kEnvelope);
     *returned = kEnvelope + filled;

@@ -10,19 +10,13 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "model/fabric.h"
 #include "model/faults.h"
+#include "model/host.h"
 #include "model/port.h"
 #include "model/profile.h"
 
 namespace vxemu {
-
-// What a model needs from whoever runs it.
-struct Host {
-    void* context;
-    void* (*allocate)(void* context, size_t bytes);  // zeroed, or null
-    void (*release)(void* context, void* block);
-    uint64_t (*milliseconds)(void* context);  // a clock that never goes back
-};
 
 // How a request ends. Each stands for one way of completing it to the operating system.
 enum class Completion : uint32_t {
@@ -67,6 +61,8 @@ class Model {
     Host host_;
     Profile* profile_;
     Port* ports_;  // one per port of the profile
+    LunMask* masks_;
+    Fabric fabric_;
     FaultList faults_;
     uint64_t startTime_;
 };

@@ -8,16 +8,30 @@
 
 namespace vxemu {
 
+struct Fabric;
+
+inline constexpr uint32_t kLunMaskBytes = (kMaxLunNumber + 1) / 8;
+struct LunMask {
+    uint8_t bytes[kLunMaskBytes];
+};
+
 // A block of these comes zeroed from the host; zero is the state before the first request.
 struct Port {
     AdapterProfile* adapter;  // both inside the model's own profile
     PortProfile* profile;
+    Fabric* fabric;          // what the port is connected to
+    LunMask* masks;          // one per target of the profile, kMaxTargets of them
     PortState initialState;  // what a reset returns to
     EventQueue events;
     uint64_t requests;
     uint64_t faults;
     uint32_t resyncs;
     uint32_t openHandles;
+    uint32_t dumpsForced;
+    uint64_t statisticsReset;  // when, and how many requests there had been
+    uint64_t requestsBefore;
+    uint8_t dportRunning;  // a D-port test has begun and its results were not fetched
+    uint8_t scmSetting;
 
     bool LinkUp() const { return profile->state == PortState::Online; }
 };

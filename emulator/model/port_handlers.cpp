@@ -1,6 +1,7 @@
 // Requests about one port.
 #include <cstring>
 
+#include "model/fabric.h"
 #include "model/handlers.h"
 #include "properties/driver_replies.h"
 
@@ -26,8 +27,8 @@ properties::PortReplyBase PortBase(const Port& port) {
     base.npivInUse = profile.npivInUse;
     if (port.LinkUp()) {
         std::memcpy(base.portId, profile.portId, sizeof base.portId);
-        base.discoveredDevices = profile.discoveredDevices;
-        base.discoveredTargets = profile.discoveredTargets;
+        base.discoveredDevices = static_cast<uint16_t>(CountDevices(port, DeviceKind::Any));
+        base.discoveredTargets = static_cast<uint16_t>(CountDevices(port, DeviceKind::Target));
         base.activeFc4 = profile.activeFc4;
         base.currentSpeed = profile.currentSpeed;
     }

@@ -15,21 +15,16 @@ namespace {
 static_assert(sizeof(AdapterProfile::manufacturer) + sizeof(AdapterProfile::serial) <=
               sizeof(properties::NodeReply::manufacturerAndSerial));
 
-ProfileFault CheckFields(FieldScope scope, const void* record, uint32_t index) {
-    for (const Field& field : ProfileFields()) {
-        if (field.scope == scope &&
-            !FieldValueValid(field, static_cast<const uint8_t*>(record) + field.offset)) {
-            const bool port = scope == FieldScope::Port;
-            return {ProfileError::Field, port ? FaultScope::Port : FaultScope::Adapter, index,
-                    field.name};
-        }
-    }
-    return {};
+ProfileFault CheckFields(FieldScope scope, FaultScope place, const void* record, uint32_t index) {
+    const Field* bad = FindBadField(scope, record);
+    return bad == nullptr ? ProfileFault{}
+                          : ProfileFault{ProfileError::Field, place, index, bad->name};
 }
 
 ProfileFault CheckAdapter(const Profile& profile, uint32_t index) {
     const AdapterProfile& adapter = profile.adapters[index];
-    const ProfileFault fault = CheckFields(FieldScope::Adapter, &adapter, index);
+    const ProfileFault fault =
+        CheckFields(FieldScope::Adapter, FaultScope::Adapter, &adapter, index);
     if (fault.error != ProfileError::None) {
         return fault;
     }
@@ -49,7 +44,7 @@ ProfileFault CheckAdapter(const Profile& profile, uint32_t index) {
 
 ProfileFault CheckPort(const Profile& profile, uint32_t index) {
     const PortProfile& port = profile.ports[index];
-    const ProfileFault fault = CheckFields(FieldScope::Port, &port, index);
+    const ProfileFault fault = CheckFields(FieldScope::Port, FaultScope::Port, &port, index);
     if (fault.error != ProfileError::None) {
         return fault;
     }
@@ -108,7 +103,7 @@ ProfileFault ValidateProfile(const void* bytes, size_t size) {
             return fault;
         }
     }
-    return {};
+    return ValidateTargets(profile);
 }
 
 const char* ProfileErrorText(ProfileError error) {
@@ -143,6 +138,16 @@ const char* ProfileErrorText(ProfileError error) {
             return "the port name is used twice";
         case ProfileError::NoPortName:
             return "the port name must not be zero";
+        case ProfileError::TargetCount:
+            return "the number of targets must be at most 32";
+        case ProfileError::LunCount:
+            return "the number of LUNs must be at most 256";
+        case ProfileError::DuplicateTargetAddress:
+            return "another target has this address";
+        case ProfileError::TargetIndex:
+            return "the LUN's target does not exist or is an initiator";
+        case ProfileError::DuplicateLun:
+            return "the target has this LUN already";
     }
     return "unknown error";
 }
@@ -177,12 +182,28 @@ AdapterProfile DefaultAdapter(uint16_t deviceId, DriverGeneration generation) {
     CopyText(adapter.firmwareVersion, legacy ? "3.3.25" : "9.12.01");
     CopyText(adapter.optionRomVersion, legacy ? "1.54" : "3.61");
     adapter.driverBuildNumber = legacy ? 0 : 20;
+    adapter.dumpWords = 4096;
+    adapter.dumpTraceWords = 256;
+    adapter.dumpFceWords = 256;
+    adapter.dumpQueues = 2;
+    adapter.rawDumpBytes = 200'000;
+    adapter.mpiDumpBytes = 65'536;
+    adapter.mctpDumpBytes = 32'769;
+    adapter.miniDumpBytes[0] = 32'768;
+    adapter.miniDumpBytes[1] = 1'000;
     if (properties::ChipOf(deviceId).Has(properties::ChipTrait::Newer)) {
         adapter.nodeFlags = kNodeFlagTextSerial;
         adapter.firmwareAttributes = 0x0000C0DE;
         adapter.activationAttributes = 0x0000C0DE;
     }
     return adapter;
+}
+
+void SetNumericSerial(AdapterProfile& adapter, uint32_t number) {
+    const uint32_t value = 400'000 + number % 100'000;
+    adapter.serialBytes[0] = static_cast<uint8_t>(value >> 16);
+    adapter.serialBytes[1] = static_cast<uint8_t>(value);
+    adapter.serialBytes[2] = static_cast<uint8_t>(value >> 8);
 }
 
 PortProfile DefaultPort(const AdapterProfile& adapter) {

@@ -8,11 +8,15 @@
 namespace vxemu {
 
 inline constexpr uint32_t kProfileMagic = 0x50584556;  // "VEXP"
-inline constexpr uint32_t kProfileVersion = 1;         // raised with every change of the layout
+inline constexpr uint32_t kProfileVersion = 2;         // raised with every change of the layout
 inline constexpr uint32_t kMaxAdapters = 64;
 inline constexpr uint32_t kMaxPorts = 64;
 inline constexpr uint32_t kMaxScsiPort = 63;
 inline constexpr uint32_t kMaxPciFunction = 7;
+inline constexpr uint32_t kMaxTargets = 32;
+inline constexpr uint32_t kMaxLuns = 256;        // of all targets together
+inline constexpr uint32_t kMaxLunNumber = 2047;  // what a LUN mask covers
+inline constexpr uint8_t kSeenByAllPorts = 0xFF;
 
 // The two kinds of driver that the adapters of the family are found with.
 enum class DriverGeneration : uint8_t {
@@ -61,7 +65,17 @@ struct AdapterProfile {
     uint32_t activationAttributes;
     uint32_t vendorSpecificId;
     uint32_t nodeFlags;
-    uint8_t reserved[62];
+    // Sizes of the dumps; a kind with size 0 is never made.
+    uint32_t dumpWords;  // external memory, trace and FCE buffer of the dump that becomes text
+    uint32_t dumpTraceWords;
+    uint32_t dumpFceWords;
+    uint32_t dumpQueues;
+    uint32_t rawDumpBytes;
+    uint32_t mpiDumpBytes;
+    uint32_t mctpDumpBytes;
+    uint32_t miniDumpBytes[2];  // parts 1 and 2
+    uint8_t dumpPresent;        // 1: there is a dump without one being forced
+    uint8_t reserved[25];
 };
 static_assert(sizeof(AdapterProfile) == 360);
 
@@ -75,9 +89,6 @@ struct PortProfile {
     uint16_t role;  // 1 = initiator
     PortState state;
     Topology topology;
-    uint16_t discoveredDevices;
-    uint16_t discoveredTargets;
-    uint16_t staleDevices;  // listed by a legacy driver, but no longer there
     uint8_t supportedFc4;
     uint8_t activeFc4;
     uint8_t supportedSpeeds;
@@ -104,11 +115,55 @@ struct PortProfile {
     uint8_t knowsSubCode10;  // 0: the driver rejects the second version of the port properties
     uint8_t flashRegionFlag;
     uint8_t flashRegionCode;
-    uint8_t reserved[38];
+    uint8_t loopbackErrors;  // echoed bytes that a loopback test damages
+    uint8_t reserved[43];
 };
 static_assert(sizeof(PortProfile) == 112);
 
-// Later contents (targets, flash, ...) follow the ports, under a higher version.
+enum class DeviceRole : uint8_t {
+    Target = 1,
+    Initiator = 2,
+    Both = 3,
+};
+
+// A device on the fabric or loop. Initiators have no LUNs and are no discovered targets.
+struct TargetProfile {
+    uint8_t nodeName[8];
+    uint8_t portName[8];
+    uint8_t portId[3];  // domain, area, port
+    DeviceRole role;
+    uint8_t seenBy;   // SCSI port number of the one port that sees it, or kSeenByAllPorts
+    uint8_t present;  // 0: gone; a legacy driver still lists it
+    uint8_t refusesReportLuns;
+    uint8_t bindingFlags;
+    uint8_t bus;
+    uint8_t reserved25;
+    uint16_t target;
+    uint16_t loopId;  // bit 0 is not used: it says whether the device is there
+    uint16_t portFlags;
+    uint32_t roleAndState;
+    char symbolicName[96];
+    uint8_t reserved132[28];
+};
+static_assert(sizeof(TargetProfile) == 160);
+
+struct LunProfile {
+    uint8_t target;      // index into Profile::targets
+    uint8_t deviceType;  // SCSI peripheral device type, 0 = disk
+    uint16_t number;
+    uint32_t blockSize;
+    uint64_t blocks;
+    uint8_t masked;  // hidden from every port at the start
+    char vendor[9];
+    char product[17];
+    char revision[5];
+    char serial[25];
+    uint8_t reserved[23];
+};
+static_assert(sizeof(LunProfile) == 96);
+static_assert(offsetof(LunProfile, blocks) == 8);
+
+// Later contents (flash, ...) follow, under a higher version.
 struct Profile {
     uint32_t magic;
     uint32_t version;
@@ -116,12 +171,17 @@ struct Profile {
     uint32_t adapterCount;
     uint32_t portCount;
     char name[32];
-    uint8_t reserved[12];
+    uint32_t targetCount;
+    uint32_t lunCount;
+    uint8_t reserved[4];
     AdapterProfile adapters[kMaxAdapters];
     PortProfile ports[kMaxPorts];
+    TargetProfile targets[kMaxTargets];
+    LunProfile luns[kMaxLuns];
 };
 static_assert(offsetof(Profile, adapters) == 64);
-static_assert(sizeof(Profile) == 64 + kMaxAdapters * 360 + kMaxPorts * 112);
+static_assert(sizeof(Profile) ==
+              64 + kMaxAdapters * 360 + kMaxPorts * 112 + kMaxTargets * 160 + kMaxLuns * 96);
 
 #pragma pack(pop)
 
@@ -144,10 +204,15 @@ enum class ProfileError : uint32_t {
     DuplicateScsiPort,
     DuplicatePortName,
     NoPortName,
+    TargetCount,
+    LunCount,
+    DuplicateTargetAddress,  // bus and target, loop identifier or port identifier
+    TargetIndex,             // a LUN of a target that does not exist or is an initiator
+    DuplicateLun,
 };
 
 // Where a profile is wrong: which adapter or port, and the name of the value (or null).
-enum class FaultScope : uint32_t { Profile, Adapter, Port };
+enum class FaultScope : uint32_t { Profile, Adapter, Port, Target, Lun };
 struct ProfileFault {
     ProfileError error = ProfileError::None;
     FaultScope scope = FaultScope::Profile;
@@ -158,6 +223,9 @@ struct ProfileFault {
 // Checks a record of bytes that came from outside.
 ProfileFault ValidateProfile(const void* bytes, size_t size);
 
+// The targets and LUNs alone, as far as they depend on one another.
+ProfileFault ValidateTargets(const Profile& profile);
+
 const char* ProfileErrorText(ProfileError error);
 
 // An empty profile of that name: header only. A name that is too long is cut.
@@ -167,6 +235,22 @@ void InitializeProfile(Profile& profile, const char* name);
 // what tells it from others: serial, names, SCSI port.
 AdapterProfile DefaultAdapter(uint16_t deviceId, DriverGeneration generation);
 PortProfile DefaultPort(const AdapterProfile& adapter);
+
+// A target with addresses that the profile does not use yet, and a LUN of a target. The caller sets
+// the names.
+TargetProfile DefaultTarget(const Profile& profile);
+LunProfile DefaultLun(uint8_t target, uint16_t number);
+
+// The node name of a port or target that was given none: the port's with another first byte.
+template <typename Device>
+void DeriveNodeName(Device& device) {
+    for (size_t at = 0; at < sizeof device.nodeName; ++at) {
+        device.nodeName[at] = at == 0 ? 0x20 : device.portName[at];
+    }
+}
+
+// Sets the serial bytes to what reads as 'E' and the number's five digits ('A' + value / 100000).
+void SetNumericSerial(AdapterProfile& adapter, uint32_t number);
 
 struct BuiltInProfile {
     const char* name;

@@ -29,19 +29,42 @@ constexpr FieldChoice kTopologies[] = {
     {0, nullptr},
 };
 
+constexpr FieldChoice kRoles[] = {
+    {static_cast<uint32_t>(DeviceRole::Target), "target"},
+    {static_cast<uint32_t>(DeviceRole::Initiator), "initiator"},
+    {static_cast<uint32_t>(DeviceRole::Both), "both"},
+    {0, nullptr},
+};
+
+constexpr FieldChoice kBlockSizes[] = {
+    {512, "512"},
+    {4096, "4096"},
+    {0, nullptr},
+};
+
 constexpr uint32_t kAny8 = 0xFF;
 constexpr uint32_t kAny16 = 0xFFFF;
 constexpr uint32_t kAny32 = 0xFFFFFFFF;
 constexpr uint32_t kMaxBus = 0xFF;
 constexpr uint32_t kMaxPciDevice = 31;
+constexpr uint32_t kMaxDumpWords = 0x100000;
+constexpr uint32_t kMaxDumpQueues = 256;
+constexpr uint32_t kMaxDumpBytes = 0x1000000;
+constexpr uint32_t kMaxLoopId = 0xFFFD;  // 0xFFFF is none
+constexpr uint32_t kMaxDeviceType = 0x1F;
+// Offsets in bytes of every block then fit 64 bits.
+constexpr uint64_t kMaxBlocks = uint64_t{1} << 48;
 
 #define ADAPTER(member) \
     FieldScope::Adapter, offsetof(AdapterProfile, member), sizeof(AdapterProfile::member)
 #define PORT(member) FieldScope::Port, offsetof(PortProfile, member), sizeof(PortProfile::member)
+#define TARGET(member) \
+    FieldScope::Target, offsetof(TargetProfile, member), sizeof(TargetProfile::member)
+#define LUN(member) FieldScope::Lun, offsetof(LunProfile, member), sizeof(LunProfile::member)
 
 // Rows are written name, place, kind, maximum, choices, settable.
 constexpr Field Row(const char* name, FieldScope scope, size_t offset, size_t size, FieldKind kind,
-                    uint32_t maximum, const FieldChoice* choices, bool settable) {
+                    uint64_t maximum, const FieldChoice* choices, bool settable) {
     return {name,    scope,   kind,    static_cast<uint16_t>(offset), static_cast<uint16_t>(size),
             maximum, choices, settable};
 }
@@ -70,6 +93,16 @@ constexpr Field kFields[] = {
     Row("activation_attributes",  ADAPTER(activationAttributes), FieldKind::Code,   kAny32, nullptr, true),
     Row("vendor_specific_id",     ADAPTER(vendorSpecificId),     FieldKind::Code,   kAny32, nullptr, true),
     Row("node_flags",             ADAPTER(nodeFlags),            FieldKind::Code,   kAny32, nullptr, true),
+    Row("dump_words",             ADAPTER(dumpWords),            FieldKind::Number, kMaxDumpWords, nullptr, true),
+    Row("dump_trace_words",       ADAPTER(dumpTraceWords),       FieldKind::Number, kMaxDumpWords, nullptr, true),
+    Row("dump_fce_words",         ADAPTER(dumpFceWords),         FieldKind::Number, kMaxDumpWords, nullptr, true),
+    Row("dump_queues",            ADAPTER(dumpQueues),           FieldKind::Number, kMaxDumpQueues, nullptr, true),
+    Row("raw_dump_bytes",         ADAPTER(rawDumpBytes),         FieldKind::Number, kMaxDumpBytes, nullptr, true),
+    Row("mpi_dump_bytes",         ADAPTER(mpiDumpBytes),         FieldKind::Number, kMaxDumpBytes, nullptr, true),
+    Row("mctp_dump_bytes",        ADAPTER(mctpDumpBytes),        FieldKind::Number, kMaxDumpBytes, nullptr, true),
+    Row("mini_dump_1_bytes",      ADAPTER(miniDumpBytes[0]),     FieldKind::Number, kMaxDumpBytes, nullptr, true),
+    Row("mini_dump_2_bytes",      ADAPTER(miniDumpBytes[1]),     FieldKind::Number, kMaxDumpBytes, nullptr, true),
+    Row("dump_present",           ADAPTER(dumpPresent),          FieldKind::Flag,   1, nullptr, true),
 
     Row("scsi_port",              PORT(scsiPort),                FieldKind::Number, kMaxScsiPort, nullptr, false),
     Row("pci_function",           PORT(pciFunction),             FieldKind::Number, kMaxPciFunction, nullptr, false),
@@ -79,9 +112,6 @@ constexpr Field kFields[] = {
     Row("role",                   PORT(role),                    FieldKind::Number, kAny16, nullptr, true),
     Row("state",                  PORT(state),                   FieldKind::Choice, 0, kStates, true),
     Row("topology",               PORT(topology),                FieldKind::Choice, 0, kTopologies, true),
-    Row("discovered_devices",     PORT(discoveredDevices),       FieldKind::Number, kAny8,  nullptr, true),
-    Row("discovered_targets",     PORT(discoveredTargets),       FieldKind::Number, kAny8,  nullptr, true),
-    Row("stale_devices",          PORT(staleDevices),            FieldKind::Number, kAny8,  nullptr, true),
     Row("supported_fc4",          PORT(supportedFc4),            FieldKind::Code,   kAny8,  nullptr, true),
     Row("active_fc4",             PORT(activeFc4),               FieldKind::Code,   kAny8,  nullptr, true),
     Row("supported_speeds",       PORT(supportedSpeeds),         FieldKind::Number, kAny8,  nullptr, true),
@@ -107,11 +137,39 @@ constexpr Field kFields[] = {
     Row("knows_sub_code_10",      PORT(knowsSubCode10),          FieldKind::Flag,   1, nullptr, true),
     Row("flash_region_flag",      PORT(flashRegionFlag),         FieldKind::Number, kAny8,  nullptr, true),
     Row("flash_region_code",      PORT(flashRegionCode),         FieldKind::Number, kAny8,  nullptr, true),
+    Row("loopback_errors",        PORT(loopbackErrors),          FieldKind::Number, kAny8,  nullptr, true),
+
+    Row("node_name",              TARGET(nodeName),              FieldKind::Bytes,  0, nullptr, true),
+    Row("port_name",              TARGET(portName),              FieldKind::Bytes,  0, nullptr, false),
+    Row("port_id",                TARGET(portId),                FieldKind::Bytes,  0, nullptr, true),
+    Row("role",                   TARGET(role),                  FieldKind::Choice, 0, kRoles, true),
+    Row("seen_by",                TARGET(seenBy),                FieldKind::Number, kAny8,  nullptr, true),
+    Row("present",                TARGET(present),               FieldKind::Flag,   1, nullptr, true),
+    Row("refuses_report_luns",    TARGET(refusesReportLuns),     FieldKind::Flag,   1, nullptr, true),
+    Row("binding_flags",          TARGET(bindingFlags),          FieldKind::Code,   kAny8,  nullptr, true),
+    Row("bus",                    TARGET(bus),                   FieldKind::Number, kAny8,  nullptr, true),
+    Row("target",                 TARGET(target),                FieldKind::Number, kAny8,  nullptr, true),
+    Row("loop_id",                TARGET(loopId),                FieldKind::Number, kMaxLoopId, nullptr, true),
+    Row("port_flags",             TARGET(portFlags),             FieldKind::Code,   kAny16, nullptr, true),
+    Row("role_and_state",         TARGET(roleAndState),          FieldKind::Code,   kAny32, nullptr, true),
+    Row("symbolic_name",          TARGET(symbolicName),          FieldKind::Text,   0, nullptr, true),
+
+    Row("number",                 LUN(number),                   FieldKind::Number, kMaxLunNumber, nullptr, false),
+    Row("device_type",            LUN(deviceType),               FieldKind::Number, kMaxDeviceType, nullptr, true),
+    Row("block_size",             LUN(blockSize),                FieldKind::Choice, 0, kBlockSizes, true),
+    Row("blocks",                 LUN(blocks),                   FieldKind::Number, kMaxBlocks, nullptr, true),
+    Row("masked",                 LUN(masked),                   FieldKind::Flag,   1, nullptr, true),
+    Row("vendor",                 LUN(vendor),                   FieldKind::Text,   0, nullptr, true),
+    Row("product",                LUN(product),                  FieldKind::Text,   0, nullptr, true),
+    Row("revision",               LUN(revision),                 FieldKind::Text,   0, nullptr, true),
+    Row("serial",                 LUN(serial),                   FieldKind::Text,   0, nullptr, true),
 };
 // clang-format on
 
 #undef ADAPTER
 #undef PORT
+#undef TARGET
+#undef LUN
 
 }  // namespace
 
@@ -130,8 +188,18 @@ const Field* FindField(FieldScope scope, const char* name, size_t nameLength) {
     return nullptr;
 }
 
-uint32_t FieldNumber(const Field& field, const uint8_t* bytes) {
-    uint32_t number = 0;
+const Field* FindBadField(FieldScope scope, const void* record) {
+    for (const Field& field : kFields) {
+        if (field.scope == scope &&
+            !FieldValueValid(field, static_cast<const uint8_t*>(record) + field.offset)) {
+            return &field;
+        }
+    }
+    return nullptr;
+}
+
+uint64_t FieldNumber(const Field& field, const uint8_t* bytes) {
+    uint64_t number = 0;
     for (uint32_t at = field.size; at-- > 0;) {
         number = (number << 8) | bytes[at];
     }

@@ -9,7 +9,7 @@
 
 namespace vxemu {
 
-enum class FieldScope : uint8_t { Adapter, Port };
+enum class FieldScope : uint8_t { Adapter, Port, Target, Lun };
 
 enum class FieldKind : uint8_t {
     Text,    // zero-terminated within its size
@@ -29,9 +29,9 @@ struct Field {
     const char* name;
     FieldScope scope;
     FieldKind kind;
-    uint16_t offset;  // in AdapterProfile or PortProfile
+    uint16_t offset;  // in the record of its scope
     uint16_t size;
-    uint32_t maximum;            // Number and Code
+    uint64_t maximum;            // Number and Code
     const FieldChoice* choices;  // Choice; ends with a null name
     bool settable;               // while the adapters run
 };
@@ -51,7 +51,10 @@ const Field* FindField(FieldScope scope, const char* name, size_t nameLength);
 // Whether bytes (field.size of them) are a value that the field may have.
 bool FieldValueValid(const Field& field, const uint8_t* bytes);
 
-// The value of a field of up to four bytes.
-uint32_t FieldNumber(const Field& field, const uint8_t* bytes);
+// The first field of a record whose value it may not have; null when all are right.
+const Field* FindBadField(FieldScope scope, const void* record);
+
+// The value of a field of up to eight bytes.
+uint64_t FieldNumber(const Field& field, const uint8_t* bytes);
 
 }  // namespace vxemu

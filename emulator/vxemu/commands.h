@@ -31,4 +31,12 @@ tools::ExitCode RunLink(tools::Invocation& invocation);
 tools::ExitCode RunAdapterSet(tools::Invocation& invocation);
 tools::ExitCode RunPortSet(tools::Invocation& invocation);
 
+// target_commands.cpp
+tools::ExitCode RunTargetAdd(tools::Invocation& invocation);
+tools::ExitCode RunTargetRemove(tools::Invocation& invocation);
+tools::ExitCode RunTargetSet(tools::Invocation& invocation);
+tools::ExitCode RunLunAdd(tools::Invocation& invocation);
+tools::ExitCode RunLunRemove(tools::Invocation& invocation);
+tools::ExitCode RunLunSet(tools::Invocation& invocation);
+
 }  // namespace vxemu

@@ -29,9 +29,9 @@ class ControlDevice {
         return Transfer(code, &record, sizeof record, nullptr, 0);
     }
 
-    // A request that is answered with a number.
-    template <typename Record>
-    uint32_t Send(uint32_t code, const Record& record, CountReply* reply) {
+    // A request that is answered with a number, or with what is wrong.
+    template <typename Record, typename Reply>
+    uint32_t Send(uint32_t code, const Record& record, Reply* reply) {
         return Transfer(code, &record, sizeof record, reply, sizeof *reply);
     }
 

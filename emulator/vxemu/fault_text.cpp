@@ -38,7 +38,7 @@ std::optional<uint32_t> TakeDetailStatus(std::string_view& value) {
     }
     const auto status = tools::ParseNumber(value.substr(0, colon));
     value.remove_prefix(colon + 1);
-    return status ? static_cast<uint32_t>(*status) : 0;
+    return status && *status <= 0xFFFFFFFF ? static_cast<uint32_t>(*status) : 0;
 }
 
 }  // namespace
@@ -118,16 +118,24 @@ bool ParseFaultCode(std::string_view text, FaultRule* rule) {
 }
 
 std::string FormatFaultCode(const FaultRule& rule) {
+    const char* name = nullptr;
+    uint32_t matches = 0;
     for (const transport::ExtendedCommandRow& row : transport::kExtendedCommands) {
-        if (row.code == rule.code && row.subCode == rule.subCode &&
-            row.kind == transport::SubCode::Fixed) {
-            return row.name;
+        const bool subCode = rule.subCode == kAnySubCode ||
+                             (row.kind == transport::SubCode::Fixed && row.subCode == rule.subCode);
+        if (row.code == rule.code && subCode) {
+            name = row.name;
+            ++matches;
         }
     }
     for (const transport::PlainCommandRow& row : transport::kPlainCommands) {
         if (row.code == rule.code) {
-            return row.name;
+            name = row.name;
+            ++matches;
         }
+    }
+    if (matches == 1) {
+        return name;
     }
     return rule.code == kAnyCode ? "any" : tools::Hex(rule.code, 8);
 }

@@ -21,7 +21,7 @@ std::string FormatFaultAction(const FaultRule& rule);
 // with a sub-code of its own sets that as well.
 bool ParseFaultCode(std::string_view text, FaultRule* rule);
 
-// The name of the request, or its code.
+// The name of the request when only one is meant, or its code.
 std::string FormatFaultCode(const FaultRule& rule);
 
 // "a|b|c" of the kinds, for help.

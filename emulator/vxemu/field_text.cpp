@@ -82,7 +82,7 @@ std::optional<bool> ParseFlag(std::string_view text) {
 }  // namespace
 
 std::string FormatField(const Field& field, const uint8_t* bytes) {
-    const uint32_t number = field.size <= 4 ? FieldNumber(field, bytes) : 0;
+    const uint64_t number = field.size <= 8 ? FieldNumber(field, bytes) : 0;
     switch (field.kind) {
         case FieldKind::Text:
             return reinterpret_cast<const char*>(bytes);

@@ -53,6 +53,32 @@ constexpr Argument kSet[] = {
     {"ASSIGNMENT", ArgumentKind::Text, "", "NAME=VALUE, as in a profile file", true, true},
 };
 
+constexpr const char* kTargetHelp = "port name of a target: 2b:00:02:45:4d:00:01:00";
+constexpr const char* kAssignmentHelp = "NAME=VALUE, as in a profile file";
+constexpr Argument kTarget[] = {{"TARGET", ArgumentKind::Text, "", kTargetHelp, true}};
+constexpr Argument kTargetAdd[] = {
+    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
+    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, false, true},
+};
+constexpr Argument kTargetSet[] = {
+    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
+    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, true, true},
+};
+constexpr Argument kLun[] = {
+    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
+    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
+};
+constexpr Argument kLunAdd[] = {
+    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
+    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
+    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, false, true},
+};
+constexpr Argument kLunSet[] = {
+    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
+    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
+    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, true, true},
+};
+
 const Command kCommands[] = {
     {"install", Risk::Reversible, "register the driver service", "vxemu.install", {}, RunInstall},
     {"uninstall",
@@ -91,6 +117,16 @@ const Command kCommands[] = {
     {"adapter set", Risk::Reversible, "change values of the adapter that has this port",
      "vxemu.adapter.set", kSet, RunAdapterSet},
     {"port set", Risk::Reversible, "change values of a port", "vxemu.port.set", kSet, RunPortSet},
+    {"target add", Risk::Reversible, "connect a target", "vxemu.target.add", kTargetAdd,
+     RunTargetAdd},
+    {"target remove", Risk::Reversible, "take a target and its LUNs away", "vxemu.target.remove",
+     kTarget, RunTargetRemove},
+    {"target set", Risk::Reversible, "change values of a target", "vxemu.target.set", kTargetSet,
+     RunTargetSet},
+    {"lun add", Risk::Reversible, "give a target a LUN", "vxemu.lun.add", kLunAdd, RunLunAdd},
+    {"lun remove", Risk::Reversible, "take a LUN and what was written to it away",
+     "vxemu.lun.remove", kLun, RunLunRemove},
+    {"lun set", Risk::Reversible, "change values of a LUN", "vxemu.lun.set", kLunSet, RunLunSet},
     {"explain", Risk::Reads, "the meaning of a status or exit code", "vxemu.explain",
      tools::ExplainArguments(), tools::RunExplain},
     {"completion", Risk::Reads, "shell completion script", "vxemu.completion",
@@ -103,6 +139,8 @@ constexpr CommandGroup kGroups[] = {
     {"fault", "requests that go wrong"},
     {"adapter", "values of a running adapter"},
     {"port", "values of a running port"},
+    {"target", "what the running ports are connected to"},
+    {"lun", "disks of a target"},
 };
 
 // Texts of the library's statuses, which the drivers of the adapters lead to, and of Windows.

@@ -1,10 +1,7 @@
 // reset, event, link, adapter set, port set.
-#include <cstring>
-
+#include "assignments.h"
 #include "commands.h"
 #include "common/text.h"
-#include "field_text.h"
-#include "model/bytes.h"
 #include "model/event_codes.h"
 #include "running_driver.h"
 
@@ -13,7 +10,6 @@ namespace {
 
 using tools::ExitCode;
 using tools::Invocation;
-using tools::ListLayout;
 using tools::Record;
 using tools::Value;
 
@@ -53,52 +49,18 @@ Record PortResult(uint32_t scsiPort) {
     return result;
 }
 
-struct Assignment {
-    FieldRequest request;
-    const Field* field;
-};
-
-// One NAME=VALUE of the command line.
-Assignment RequireAssignment(Invocation& invocation, FieldScope scope, uint32_t scsiPort,
-                             const std::string& text) {
-    const size_t equals = text.find('=');
-    const std::string name = text.substr(0, equals);
-    const Field* field = FindField(scope, name.c_str(), name.size() + 1);
-    if (equals == std::string::npos || field == nullptr || !field->settable) {
-        std::string names;
-        for (const Field& known : ProfileFields()) {
-            if (known.scope == scope && known.settable) {
-                names += (names.empty() ? "" : ", ") + std::string(known.name);
-            }
-        }
-        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not NAME=VALUE of a known name",
-                        "names are " + names);
-    }
-    Assignment assignment = {{scsiPort, {}, field->size, {}}, field};
-    static_assert(sizeof assignment.request.value >= sizeof(AdapterProfile::manufacturer));
-    CopyText(assignment.request.name, name.c_str());
-    std::string wanted;
-    if (!ParseField(*field, text.substr(equals + 1), assignment.request.value, &wanted)) {
-        invocation.Fail(ExitCode::Usage, name + " must be " + wanted);
-    }
-    return assignment;
-}
-
 ExitCode Set(Invocation& invocation, FieldScope scope) {
     const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
-    std::vector<Assignment> assignments;
-    for (const std::string& text : invocation.Given().All("ASSIGNMENT")) {
-        assignments.push_back(RequireAssignment(invocation, scope, port, text));
-    }
+    const std::vector<Assignment> assignments = RequireAssignments(invocation, scope);
     RunningDriver driver(invocation, true);
     Record result = PortResult(port);
     for (const Assignment& assignment : assignments) {
         if (!invocation.DryRun()) {
-            driver.SendForCount(control::kSetField, assignment.request, PortName(port));
+            driver.SendForCount(control::kSetField, FieldRequest{port, assignment.change},
+                                PortName(port));
             invocation.Changed();
         }
-        result.Add(assignment.field->name, assignment.field->name,
-                   Value::Text(FormatField(*assignment.field, assignment.request.value)));
+        AddAssignment(assignment, result);
     }
     invocation.Result() = std::move(result);
     return ExitCode::Done;

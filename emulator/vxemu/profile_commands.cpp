@@ -63,6 +63,21 @@ void AddProfile(const Profile& profile, Record& result) {
     }
     result.AddList("adapters", "Adapters", ListLayout::Sections,
                    FieldsOf(FieldScope::Adapter, &profile.adapters[0]), "", std::move(adapters));
+    std::vector<Record> targets;
+    for (uint32_t index = 0; index < profile.targetCount; ++index) {
+        Record target = FieldsOf(FieldScope::Target, &profile.targets[index]);
+        std::vector<Record> luns;
+        for (uint32_t at = 0; at < profile.lunCount; ++at) {
+            if (profile.luns[at].target == index) {
+                luns.push_back(FieldsOf(FieldScope::Lun, &profile.luns[at]));
+            }
+        }
+        target.AddList("luns", "LUNs", ListLayout::Sections,
+                       FieldsOf(FieldScope::Lun, &profile.luns[0]), "", std::move(luns));
+        targets.push_back(std::move(target));
+    }
+    result.AddList("targets", "Targets", ListLayout::Sections,
+                   FieldsOf(FieldScope::Target, &profile.targets[0]), "", std::move(targets));
 }
 
 }  // namespace

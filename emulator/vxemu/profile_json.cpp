@@ -13,6 +13,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kAdapters = "adapters";
 constexpr const char* kPorts = "ports";
+constexpr const char* kTargets = "targets";
+constexpr const char* kLuns = "luns";
 constexpr const char* kName = "name";
 constexpr const char* kResult = "result";  // of the tool's own document
 
@@ -52,7 +54,8 @@ std::string ScalarText(const Field& field, const Json& value, const std::string&
     if (value.is_string()) {
         return value.get<std::string>();
     }
-    const bool number = field.kind == FieldKind::Number || field.kind == FieldKind::Code;
+    const bool number = field.kind == FieldKind::Number || field.kind == FieldKind::Code ||
+                        field.kind == FieldKind::Choice;
     if ((number && value.is_number_unsigned()) ||
         (field.kind == FieldKind::Flag && value.is_boolean())) {
         return value.dump();
@@ -105,6 +108,28 @@ const Json& RequireList(const Json& object, const char* name, const std::string&
     return list;
 }
 
+// As RequireList, but the list may be left out or empty.
+Json OptionalList(const Json& object, const char* name, const std::string& path, size_t most) {
+    if (!object.contains(name)) {
+        return Json::array();
+    }
+    const Json& list = object[name];
+    if (!list.is_array() || list.size() > most) {
+        Fail(path + "/" + name, "must be a list of at most " + std::to_string(most) + " objects");
+    }
+    return list;
+}
+
+// An adapter whose serial number is made from its bytes has to differ from others as well, so they
+// follow from the text: 'E' and five digits (FNV-1a).
+void DeriveSerialBytes(AdapterProfile& adapter) {
+    uint32_t hash = 2166136261u;
+    for (const char* at = adapter.serial; *at != 0; ++at) {
+        hash = (hash ^ static_cast<uint8_t>(*at)) * 16777619u;
+    }
+    SetNumericSerial(adapter, hash % 100'000);
+}
+
 void ReadPort(const Json& object, const std::string& path, const AdapterProfile& adapter,
               uint32_t adapterIndex, PortProfile& port) {
     RequireObject(object, path);
@@ -114,8 +139,7 @@ void ReadPort(const Json& object, const std::string& path, const AdapterProfile&
     port.adapter = static_cast<uint8_t>(adapterIndex);
     ReadRecord(FieldScope::Port, object, path, nullptr, &port);
     if (!object.contains("node_name")) {
-        std::memcpy(port.nodeName, port.portName, sizeof port.nodeName);
-        port.nodeName[0] = 0x20;
+        DeriveNodeName(port);
     }
 }
 
@@ -135,6 +159,9 @@ void ReadAdapter(const Json& object, const std::string& path, uint32_t index, Pr
     AdapterProfile& adapter = profile.adapters[index];
     adapter = DefaultAdapter(kind.deviceId, kind.generation);
     ReadRecord(FieldScope::Adapter, object, path, kPorts, &adapter);
+    if (!object.contains("serial_bytes")) {
+        DeriveSerialBytes(adapter);
+    }
 
     const Json& ports = RequireList(object, kPorts, path, kMaxPorts);
     for (size_t at = 0; at < ports.size(); ++at) {
@@ -146,22 +173,73 @@ void ReadAdapter(const Json& object, const std::string& path, uint32_t index, Pr
     }
 }
 
-// The path of what the validation found: ports are numbered within their adapter there.
+void ReadLun(const Json& object, const std::string& path, uint32_t target, Profile& profile) {
+    if (profile.lunCount == kMaxLuns) {
+        Fail(path, "more than " + std::to_string(kMaxLuns) + " LUNs");
+    }
+    RequireObject(object, path);
+    RequireMember(object, "number", path);
+    LunProfile lun = {};
+    ReadRecord(FieldScope::Lun, object, path, nullptr, &lun);
+    LunProfile& slot = profile.luns[profile.lunCount++];
+    slot = DefaultLun(static_cast<uint8_t>(target), lun.number);
+    ReadRecord(FieldScope::Lun, object, path, nullptr, &slot);
+}
+
+void ReadTarget(const Json& object, const std::string& path, Profile& profile) {
+    RequireObject(object, path);
+    RequireMember(object, "port_name", path);
+    TargetProfile target = DefaultTarget(profile);
+    ReadRecord(FieldScope::Target, object, path, kLuns, &target);
+    if (!object.contains("node_name")) {
+        DeriveNodeName(target);
+    }
+    const uint32_t index = profile.targetCount++;
+    profile.targets[index] = target;
+    const Json luns = OptionalList(object, kLuns, path, kMaxLuns);
+    for (size_t at = 0; at < luns.size(); ++at) {
+        ReadLun(luns[at], path + "/" + kLuns + "/" + std::to_string(at), index, profile);
+    }
+}
+
+std::string PathOfLun(const Profile& profile, uint32_t index) {
+    const uint32_t target = profile.luns[index].target;
+    uint32_t place = 0;
+    for (uint32_t at = 0; at < index; ++at) {
+        place += profile.luns[at].target == target ? 1 : 0;
+    }
+    return std::string("/") + kTargets + "/" + std::to_string(target) + "/" + kLuns + "/" +
+           std::to_string(place);
+}
+
+std::string PathOfPort(const Profile& profile, uint32_t index) {
+    const uint32_t adapter = profile.ports[index].adapter;
+    uint32_t place = 0;
+    for (uint32_t at = 0; at < index; ++at) {
+        place += profile.ports[at].adapter == adapter ? 1 : 0;
+    }
+    return std::string("/") + kAdapters + "/" + std::to_string(adapter) + "/" + kPorts + "/" +
+           std::to_string(place);
+}
+
+// The path of what the validation found: ports are numbered within their adapter there, and LUNs
+// within their target.
 std::string PathOf(const Profile& profile, const ProfileFault& fault) {
-    const bool port = fault.scope == FaultScope::Port;
-    if (fault.scope == FaultScope::Profile) {
-        return fault.field == nullptr ? "" : std::string("/") + fault.field;
+    const std::string index = std::to_string(fault.index);
+    const std::string member = fault.field == nullptr ? "" : std::string("/") + fault.field;
+    switch (fault.scope) {
+        case FaultScope::Adapter:
+            return std::string("/") + kAdapters + "/" + index + member;
+        case FaultScope::Port:
+            return PathOfPort(profile, fault.index) + member;
+        case FaultScope::Target:
+            return std::string("/") + kTargets + "/" + index + member;
+        case FaultScope::Lun:
+            return PathOfLun(profile, fault.index) + member;
+        case FaultScope::Profile:
+            break;
     }
-    const uint32_t adapter = port ? profile.ports[fault.index].adapter : fault.index;
-    std::string path = std::string("/") + kAdapters + "/" + std::to_string(adapter);
-    if (port) {
-        uint32_t place = 0;
-        for (uint32_t at = 0; at < fault.index; ++at) {
-            place += profile.ports[at].adapter == adapter ? 1 : 0;
-        }
-        path += std::string("/") + kPorts + "/" + std::to_string(place);
-    }
-    return fault.field == nullptr ? path : path + "/" + fault.field;
+    return member;
 }
 
 void ReadProfile(const Json& document, Profile& profile) {
@@ -174,7 +252,7 @@ void ReadProfile(const Json& document, Profile& profile) {
     }
     InitializeProfile(profile, name.get<std::string>().c_str());
     for (const auto& [key, value] : document.items()) {
-        if (key != kName && key != kAdapters) {
+        if (key != kName && key != kAdapters && key != kTargets) {
             Fail("/" + key, "no such value");
         }
     }
@@ -182,6 +260,10 @@ void ReadProfile(const Json& document, Profile& profile) {
     for (size_t at = 0; at < adapters.size(); ++at) {
         const std::string path = std::string("/") + kAdapters + "/" + std::to_string(at);
         ReadAdapter(adapters[at], path, profile.adapterCount++, profile);
+    }
+    const Json targets = OptionalList(document, kTargets, "", kMaxTargets);
+    for (size_t at = 0; at < targets.size(); ++at) {
+        ReadTarget(targets[at], std::string("/") + kTargets + "/" + std::to_string(at), profile);
     }
     const ProfileFault fault = ValidateProfile(&profile, sizeof profile);
     if (fault.error != ProfileError::None) {
@@ -207,6 +289,19 @@ std::string ProfileToJson(const Profile& profile) {
         adapters.push_back(std::move(adapter));
     }
     document[kAdapters] = std::move(adapters);
+    Json targets = Json::array();
+    for (uint32_t index = 0; index < profile.targetCount; ++index) {
+        Json target = RecordToJson(FieldScope::Target, &profile.targets[index]);
+        Json luns = Json::array();
+        for (uint32_t at = 0; at < profile.lunCount; ++at) {
+            if (profile.luns[at].target == index) {
+                luns.push_back(RecordToJson(FieldScope::Lun, &profile.luns[at]));
+            }
+        }
+        target[kLuns] = std::move(luns);
+        targets.push_back(std::move(target));
+    }
+    document[kTargets] = std::move(targets);
     return document.dump(2) + "\n";
 }
 

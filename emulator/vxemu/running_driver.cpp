@@ -38,10 +38,17 @@ RunningDriver::RunningDriver(tools::Invocation& invocation, bool change) : invoc
 void RunningDriver::Check(uint32_t error, const std::string& what) {
     // The driver's "no such device" arrives as either, depending on the system.
     if (error == ERROR_FILE_NOT_FOUND || error == kNoSuchDevice) {
-        invocation_.Fail(ExitCode::NotFound, what + ": no such port", "see `vxemu status`");
+        invocation_.Fail(ExitCode::NotFound, what + ": not there",
+                         "see `vxemu status` and `vxemu profile show`");
     }
     if (error != ERROR_SUCCESS) {
         invocation_.Fail(error, what);
+    }
+}
+
+void RunningDriver::CheckChange(ProfileError error, const std::string& what) {
+    if (error != ProfileError::None) {
+        invocation_.Fail(ExitCode::Refused, what + ": " + ProfileErrorText(error));
     }
 }
 

@@ -31,7 +31,16 @@ class RunningDriver {
         return reply.count;
     }
 
+    // Sends a change of the fabric, which the driver may refuse.
+    template <typename Record>
+    void SendChange(uint32_t code, const Record& record, const std::string& what) {
+        ChangeReply reply = {};
+        Check(device_.Send(code, record, &reply), what);
+        CheckChange(reply.error, what);
+    }
+
   private:
+    void CheckChange(ProfileError error, const std::string& what);
     void Check(uint32_t error, const std::string& what);
 
     tools::Invocation& invocation_;

@@ -128,16 +128,13 @@ ExitCode RunStart(Invocation& invocation) {
     RequireProfile(invocation, invocation.Given().Text("profile", kDefaultProfile), profile.get());
     DriverService service;
     const ServiceState before = Connect(invocation, service);
-    invocation.Result().Add("profile", "Profile", Value::Text(profile->name));
     if (before == ServiceState::Running) {
         if (!RunsProfile(invocation, *profile)) {
             invocation.Fail(ExitCode::Busy, "other emulated adapters are running",
                             "stop them first: `vxemu stop`");
         }
         invocation.Note("already running");
-    } else if (invocation.DryRun()) {
-        return Report(invocation, before);
-    } else {
+    } else if (!invocation.DryRun()) {
         Install(invocation, service);
         Check(invocation, service.StoreProfile(*profile), "the profile could not be stored");
         const uint32_t error = service.Start();
@@ -147,6 +144,10 @@ ExitCode RunStart(Invocation& invocation) {
         ServiceState state;
         Check(invocation, service.WaitFor(ServiceState::Running, kPatience, &state), kService);
         invocation.Changed();
+    }
+    invocation.Result().Add("profile", "Profile", Value::Text(profile->name));
+    if (invocation.DryRun()) {
+        return Report(invocation, before);
     }
     Report(invocation, ServiceState::Running);
     AddPortList(*RunningDriver(invocation, false).Status(), invocation.Result());

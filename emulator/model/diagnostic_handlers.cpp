@@ -1,0 +1,170 @@
+// Loopback, D-port and mailbox.
+#include <cstring>
+
+#include "model/handlers.h"
+#include "passthru/diagnostic_records.h"
+#include "properties/chip_families.h"
+
+namespace vxemu {
+namespace {
+
+using transport::DriverStatus;
+
+constexpr uint16_t kComplete = 0x4000;
+constexpr uint16_t kInvalidCommand = 0x4001;
+constexpr uint16_t kBadParameter = 0x4006;
+
+// Damages the first bytes of an echo, as many as the port is told to.
+uint16_t DamageEcho(const Port& port, uint8_t* echo, uint32_t length) {
+    const uint32_t wanted = port.profile->loopbackErrors;
+    const uint32_t count = wanted < length ? wanted : length;
+    for (uint32_t at = 0; at < count; ++at) {
+        echo[at] = static_cast<uint8_t>(~echo[at]);
+    }
+    return static_cast<uint16_t>(count);
+}
+
+// Ports take turns: who asks first starts the test, who asks next gets the results.
+bool StartsDport(Port& port) {
+    port.dportRunning = port.dportRunning == 0 ? 1 : 0;
+    return port.dportRunning != 0;
+}
+
+constexpr uint32_t kDportResults = 72;
+constexpr uint32_t kDportResultsEx = 1088;
+
+DriverStatus DportTest(Exchange& exchange, uint32_t length) {
+    Port& port = exchange.GetPort();
+    if (!properties::ChipOf(port.adapter->deviceId).Has(properties::ChipTrait::Newest)) {
+        return DriverStatus::UnsupportedSubCode;
+    }
+    const bool running = StartsDport(port);
+    exchange.StartReply(length);
+    // Test state, phase and number of tests, then a byte per lane and test.
+    const uint16_t head[3] = {static_cast<uint16_t>(running ? 1 : 2), 4, 1};
+    exchange.Put(0, head, sizeof head);
+    if (running) {
+        return DriverStatus::TestRunning;
+    }
+    constexpr uint32_t kLanes = 8;
+    for (uint32_t at = 0; at < kDportResults - kLanes; ++at) {
+        const auto value = static_cast<uint8_t>(at % 16);
+        exchange.Put(kLanes + at, &value, sizeof value);
+    }
+    return DriverStatus::Success;
+}
+
+using Registers = passthru::MailboxRequest;
+
+void DoNothing(const Port&, Registers&) {}
+
+// All input registers but the command come back.
+void EchoRegisters(const Port&, Registers& registers) {
+    for (uint32_t at = 1; at < passthru::kMailboxIn; ++at) {
+        registers.out[at] = registers.in[at];
+    }
+}
+
+void AboutFirmware(const Port& port, Registers& registers) {
+    uint16_t* out = registers.out + 1;
+    for (const char* at = port.adapter->firmwareVersion; *at != 0 && out < registers.out + 4;
+         ++at) {
+        if (*at >= '0' && *at <= '9') {
+            *out = static_cast<uint16_t>(*out * 10 + (*at - '0'));
+        } else {
+            ++out;
+        }
+    }
+}
+
+struct MailboxRow {
+    uint16_t command;
+    void (*run)(const Port& port, Registers& registers);
+};
+constexpr MailboxRow kMailboxCommands[] = {
+    {0x00, DoNothing},
+    {0x06, EchoRegisters},
+    {0x08, AboutFirmware},
+};
+
+}  // namespace
+
+DriverStatus Loopback(Exchange& exchange) {
+    passthru::LoopbackRequest request;
+    if (!exchange.Read(request) || exchange.Room() < sizeof request) {
+        return DriverStatus::InvalidParameter;
+    }
+    constexpr uint32_t kHead = sizeof request;
+    passthru::LoopbackReply reply = {};
+    uint32_t echoed = 0;
+    if (request.length > exchange.InputLength() - kHead ||
+        request.length > exchange.Room() - kHead || request.iterations == 0) {
+        reply.completion = kBadParameter;
+    } else {
+        reply.completion = kComplete;
+        echoed = request.length;
+        reply.counter14 = DamageEcho(exchange.GetPort(), exchange.Bytes() + kHead, echoed);
+        reply.counter20 = static_cast<uint16_t>(request.iterations);
+        reply.counter22 = static_cast<uint16_t>(request.iterations >> 16);
+    }
+    std::memcpy(exchange.Bytes(), &reply, sizeof reply);
+    exchange.KeepReply(kHead + echoed);
+    return DriverStatus::Success;
+}
+
+bool LegacyLoopback(Exchange& exchange) {
+    // Worked on where it lies: too large for a kernel stack.
+    auto& request = *reinterpret_cast<passthru::LegacyLoopback*>(exchange.Bytes());
+    if (exchange.InputLength() < sizeof request || exchange.Room() < sizeof request) {
+        return false;
+    }
+    uint16_t completion = kBadParameter;
+    uint32_t value = 0;
+    if (request.sendLength <= sizeof request.sendData && request.iterations != 0 &&
+        request.mailboxCommand == passthru::kLoopbackCommand &&
+        request.sendLength == request.sendLengthAgain) {
+        completion = kComplete;
+        const uint32_t echoed =
+            request.sendLength < request.receiveLength ? request.sendLength : request.receiveLength;
+        std::memcpy(request.receiveData, request.sendData, echoed);
+        DamageEcho(exchange.GetPort(), request.receiveData, echoed);
+        value = request.iterations;
+    }
+    std::memset(request.result, 0, sizeof request.result);
+    std::memcpy(request.result, &completion, sizeof completion);
+    request.value168 = value;
+    exchange.KeepReply(sizeof request);
+    return true;
+}
+
+DriverStatus DportDiagnostic(Exchange& exchange) {
+    return DportTest(exchange, kDportResults);
+}
+
+DriverStatus DportResults(Exchange& exchange) {
+    return DportTest(exchange, kDportResultsEx);
+}
+
+DriverStatus Mailbox(Exchange& exchange) {
+    Registers registers;
+    if (!exchange.Read(registers) || registers.inCount == 0 ||
+        registers.inCount > passthru::kMailboxIn || registers.outCount > passthru::kMailboxOut) {
+        return DriverStatus::InvalidParameter;
+    }
+    std::memset(registers.out, 0, sizeof registers.out);
+    registers.out[0] = kInvalidCommand;
+    for (const MailboxRow& row : kMailboxCommands) {
+        if (row.command == registers.in[0]) {
+            registers.out[0] = kComplete;
+            row.run(exchange.GetPort(), registers);
+        }
+    }
+    exchange.Reply(registers);
+    if (registers.out[0] != kComplete) {
+        exchange.SetDetail(registers.out[0]);
+        return DriverStatus::MailboxFailed;
+    }
+    return DriverStatus::Success;
+}
+
+}  // namespace vxemu

@@ -1,0 +1,157 @@
+// target add, remove, set; lun add, remove, set.
+#include <cstring>
+
+#include "assignments.h"
+#include "commands.h"
+#include "common/text.h"
+#include "field_text.h"
+#include "running_driver.h"
+
+namespace vxemu {
+namespace {
+
+using tools::ExitCode;
+using tools::Invocation;
+using tools::Record;
+using tools::Value;
+
+TargetSelector RequireTarget(Invocation& invocation) {
+    const Field* field = FindField(FieldScope::Target, "port_name", sizeof "port_name");
+    const std::string text = invocation.Given().Text("TARGET");
+    TargetSelector target = {};
+    std::string wanted;
+    if (!ParseField(*field, text, target.portName, &wanted)) {
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not a port name",
+                        "give 8 bytes in hexadecimal, as in 2b:00:02:45:4d:00:01:00");
+    }
+    return target;
+}
+
+LunSelector RequireLun(Invocation& invocation) {
+    const std::string text = invocation.Given().Text("LUN");
+    const auto number = tools::ParseNumber(text);
+    if (!number || *number > kMaxLunNumber) {
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not a LUN",
+                        "LUNs are 0 to " + std::to_string(kMaxLunNumber));
+    }
+    return {RequireTarget(invocation), static_cast<uint32_t>(*number)};
+}
+
+std::string NameOf(const TargetSelector& target) {
+    const Field* field = FindField(FieldScope::Target, "port_name", sizeof "port_name");
+    return FormatField(*field, target.portName);
+}
+
+std::string NameOf(const LunSelector& lun) {
+    return NameOf(lun.target) + " LUN " + std::to_string(lun.number);
+}
+
+Record ResultOf(const TargetSelector& target) {
+    Record result;
+    result.Add("target", "Target", Value::Text(NameOf(target)));
+    return result;
+}
+
+Record ResultOf(const LunSelector& lun) {
+    Record result = ResultOf(lun.target);
+    result.Add("lun", "LUN", Value::Number(lun.number));
+    return result;
+}
+
+// Sends a change unless this is a dry run.
+template <typename Request>
+void Change(Invocation& invocation, RunningDriver& driver, uint32_t code, const Request& request,
+            const std::string& what) {
+    if (!invocation.DryRun()) {
+        driver.SendChange(code, request, what);
+        invocation.Changed();
+    }
+}
+
+// Adds a record that is the usual one but for what the command line says.
+template <typename Profile>
+void Assign(const std::vector<Assignment>& assignments, Profile& record, Record& result) {
+    for (const Assignment& assignment : assignments) {
+        std::memcpy(reinterpret_cast<uint8_t*>(&record) + assignment.field->offset,
+                    assignment.change.value, assignment.field->size);
+        AddAssignment(assignment, result);
+    }
+}
+
+template <typename Selector, typename Request>
+ExitCode Set(Invocation& invocation, FieldScope scope, uint32_t code, const Selector& selector) {
+    const std::vector<Assignment> assignments = RequireAssignments(invocation, scope);
+    RunningDriver driver(invocation, true);
+    Record result = ResultOf(selector);
+    for (const Assignment& assignment : assignments) {
+        Change(invocation, driver, code, Request{selector, assignment.change}, NameOf(selector));
+        AddAssignment(assignment, result);
+    }
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+ExitCode RunTargetAdd(Invocation& invocation) {
+    const TargetSelector selector = RequireTarget(invocation);
+    const std::vector<Assignment> assignments = RequireAssignments(invocation, FieldScope::Target);
+    RunningDriver driver(invocation, true);
+    TargetProfile target = DefaultTarget(*driver.RunningProfile());
+    std::memcpy(target.portName, selector.portName, sizeof target.portName);
+    DeriveNodeName(target);
+    Record result = ResultOf(selector);
+    Assign(assignments, target, result);
+    Change(invocation, driver, control::kTargetAdd, target, NameOf(selector));
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+ExitCode RunTargetRemove(Invocation& invocation) {
+    const TargetSelector selector = RequireTarget(invocation);
+    RunningDriver driver(invocation, true);
+    Change(invocation, driver, control::kTargetRemove, selector, NameOf(selector));
+    invocation.Result() = ResultOf(selector);
+    return ExitCode::Done;
+}
+
+ExitCode RunTargetSet(Invocation& invocation) {
+    return Set<TargetSelector, TargetFieldRequest>(invocation, FieldScope::Target,
+                                                   control::kTargetSet, RequireTarget(invocation));
+}
+
+ExitCode RunLunAdd(Invocation& invocation) {
+    const LunSelector selector = RequireLun(invocation);
+    const std::vector<Assignment> assignments = RequireAssignments(invocation, FieldScope::Lun);
+    RunningDriver driver(invocation, true);
+    const auto profile = driver.RunningProfile();
+    // The driver sets the index of the target; here it goes into the serial number.
+    uint8_t index = 0;
+    while (index < profile->targetCount &&
+           std::memcmp(profile->targets[index].portName, selector.target.portName,
+                       sizeof selector.target.portName) != 0) {
+        ++index;
+    }
+    LunRequest request = {selector.target,
+                          DefaultLun(index, static_cast<uint16_t>(selector.number))};
+    Record result = ResultOf(selector);
+    Assign(assignments, request.lun, result);
+    Change(invocation, driver, control::kLunAdd, request, NameOf(selector));
+    invocation.Result() = std::move(result);
+    return ExitCode::Done;
+}
+
+ExitCode RunLunRemove(Invocation& invocation) {
+    const LunSelector selector = RequireLun(invocation);
+    RunningDriver driver(invocation, true);
+    Change(invocation, driver, control::kLunRemove, selector, NameOf(selector));
+    invocation.Result() = ResultOf(selector);
+    return ExitCode::Done;
+}
+
+ExitCode RunLunSet(Invocation& invocation) {
+    return Set<LunSelector, LunFieldRequest>(invocation, FieldScope::Lun, control::kLunSet,
+                                             RequireLun(invocation));
+}
+
+}  // namespace vxemu
