@@ -285,13 +285,4 @@ std::string NameOf(const Argument& argument) {
     return name.substr(std::min(name.find_first_not_of('-'), name.size()));
 }
 
-const Command* FindCommand(const Tool& tool, std::string_view path) {
-    for (const Command& command : tool.commands) {
-        if (path == command.path) {
-            return &command;
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace tools

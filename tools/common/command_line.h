@@ -48,6 +48,4 @@ CommandLine ParseCommandLine(const Tool& tool, const std::vector<std::string>& w
 // The option's long name without dashes, or the positional name.
 std::string NameOf(const Argument& argument);
 
-const Command* FindCommand(const Tool& tool, std::string_view path);
-
 }  // namespace tools

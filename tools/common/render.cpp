@@ -196,7 +196,8 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
                         "\n";
                 break;
             case FieldKind::Group:
-                text += "\n" + margin + Heading(field.label, style) + "\n" +
+                text += (text.empty() && indent == 0 ? "" : "\n") + margin +
+                        Heading(field.label, style) + "\n" +
                         Sections(field.records.front(), indent + 2, width, style);
                 break;
             case FieldKind::List:

@@ -1,7 +1,7 @@
 # The frame's sources, relative to the repository.
 
 # Free of platform calls: also built natively, for the tests.
-set(VXTOOLS_PURE_SOURCES
+set(VXTOOLS_PORTABLE_SOURCES
     tools/common/command_line.cpp
     tools/common/completion.cpp
     tools/common/confirm.cpp

@@ -53,7 +53,7 @@ constexpr MeaningRow kMeanings[] = {
     {HXMGT_DEVICE_NOT_FOUND, ExitCode::NotFound, "see `port list`"},
     {HXMGT_INVALID_SUBCODE, ExitCode::NotSupported, kDriverTooOld},
     {HXMGT_INCOMPATIBLE_VERSION, ExitCode::NotSupported,
-     "the driver refuses this library: one of the two is too old"},
+     "the driver does not answer the library: too old, or its adapter has failed"},
     {HXMGT_INVALID_REQUEST, ExitCode::NotSupported, kDriverTooOld},
     {HXMGT_REGISTRY_INVALID, ExitCode::Failed,
      "the driver's registry key could not be used: is the prompt elevated?"},

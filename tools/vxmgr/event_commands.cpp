@@ -162,8 +162,9 @@ class Watcher {
         }
         if (status != HXMGT_SUCCESS) {
             Failed(watch.Watched(), status,
-                   status == HXMGT_DEVICE_BUSY ? "no event slot: eight processes use them all"
-                                               : "events cannot be read");
+                   status == HXMGT_DEVICE_BUSY
+                       ? "no event slot is free (eight processes share them)"
+                       : "events cannot be read");
             watch.Disable();
         } else {
             watch.busyReads = 0;

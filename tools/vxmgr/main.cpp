@@ -1,7 +1,11 @@
 // vxmgr: the command-line manager of the adapters, over the management library's public interface.
 #include "commands.h"
 #include "common/builtin_commands.h"
+#include "diag_commands.h"
+#include "dump_commands.h"
+#include "fc_commands.h"
 #include "library.h"
+#include "scsi_commands.h"
 
 namespace vxmgr {
 namespace {
@@ -23,6 +27,10 @@ constexpr tools::CommandGroup kGroups[] = {
     {"port", "Fibre Channel ports"},
     {"event", "events that adapters report"},
     {"smartsan", "the SmartSAN switch of the driver"},
+    {"diag", "diagnostics"},
+    {"scsi", "SCSI commands to logical units of remote ports"},
+    {"fc", "requests to the fabric and to remote ports"},
+    {"dump", "firmware dumps"},
     {"driver", "drivers and their parameters"},
     {"driver param", "parameters that a driver reads at its start"},
 };
@@ -58,6 +66,51 @@ const Command kCommands[] = {
      "vxmgr.smartsan.set",
      {},
      SmartSanOff},
+    {"diag run", Risk::Reads, "run every check that does no harm", "vxmgr.diag.run",
+     DiagRunArguments(), DiagRun},
+    {"diag loopback", Risk::InterruptsIo, "have the firmware loop data and compare it",
+     "vxmgr.diag.loopback", DiagLoopbackArguments(), DiagLoopback},
+    {"diag dport",
+     Risk::InterruptsIo,
+     "run a D-port test and show its results",
+     "vxmgr.diag.dport",
+     {},
+     DiagDport},
+    {"diag mailbox", Risk::Irrecoverable, "send a raw firmware mailbox command",
+     "vxmgr.diag.mailbox", DiagMailboxArguments(), DiagMailbox},
+    {"scsi inquiry", Risk::Reads, "ask a logical unit what it is", "vxmgr.scsi.inquiry",
+     ScsiInquiryArguments(), ScsiInquiry},
+    {"scsi capacity", Risk::Reads, "ask a logical unit for its capacity", "vxmgr.scsi.capacity",
+     ScsiUnitArguments(), ScsiCapacity},
+    {"scsi luns", Risk::Reads, "list the logical units of a target", "vxmgr.scsi.luns",
+     ScsiTargetArguments(), ScsiLuns},
+    {"scsi raw", Risk::InterruptsIo, "send a SCSI command; asks unless it only reads",
+     "vxmgr.scsi.raw", ScsiRawArguments(), ScsiRaw},
+    {"fc names",
+     Risk::Reads,
+     "list what the fabric's name server knows",
+     "vxmgr.fc.names",
+     {},
+     FabricNames},
+    {"fc rnid", Risk::Reads, "ask a remote port, or the switch, what it is", "vxmgr.fc.rnid",
+     FabricNodeArguments(), FabricNode},
+    {"fc rls", Risk::Reads, "ask a remote port for its link errors", "vxmgr.fc.rls",
+     FabricLinkErrorsArguments(), FabricLinkErrors},
+    {"fc echo", Risk::Reads, "send data to a remote port and back", "vxmgr.fc.echo",
+     FabricEchoArguments(), FabricEcho},
+    {"fc ct", Risk::Reversible, "send a Common Transport request", "vxmgr.fc.ct",
+     FabricCtArguments(), FabricCt},
+    {"fc els", Risk::Reversible, "send an extended link service request", "vxmgr.fc.els",
+     FabricElsArguments(), FabricEls},
+    {"dump list", Risk::Reads, "which dumps there are", "vxmgr.dump.list", {}, DumpList},
+    {"dump save", Risk::Reads, "fetch a dump into a file", "vxmgr.dump.save", DumpSaveArguments(),
+     DumpSave},
+    {"dump take",
+     Risk::InterruptsIo,
+     "have the firmware make a dump now",
+     "vxmgr.dump.take",
+     {},
+     DumpTake},
     {"driver show", Risk::Reads, "show the drivers", "vxmgr.driver.show", {}, DriverShow},
     {"driver param get", Risk::Reads, "print a driver parameter", "vxmgr.driver.param.get",
      ParameterNameArguments(), DriverParameterGet},

@@ -84,15 +84,17 @@ Value PortIdValue(const Port& port) {
     if (!port.port) {
         return {};
     }
-    const uint8_t(&id)[3] = port.port->portId;
-    return HexValue(uint32_t{id[0]} << 16 | uint32_t{id[1]} << 8 | id[2], 6);
+    const uint8_t(&bytes)[3] = port.port->portId;
+    const uint32_t id = uint32_t{bytes[0]} << 16 | uint32_t{bytes[1]} << 8 | bytes[2];
+    return id == 0 ? Value() : HexValue(id, 6);  // 0: no identifier was assigned
 }
 
 Value TopologyValue(const Port& port) {
     constexpr uint8_t kPointToPoint = 1;
     constexpr uint8_t kLoop = 2;
-    // An older driver gives its own port type there, which says nothing about the topology.
-    if (!port.port || !port.IsCurrentGeneration()) {
+    // An older driver gives its own port type there, which says nothing about the topology, and a
+    // port without a link has none.
+    if (!port.port || !port.IsCurrentGeneration() || port.port->state != HX_PORT_STATE_ONLINE) {
         return {};
     }
     if (port.port->topology == kLoop) {

@@ -1,0 +1,32 @@
+// Codes of protocols and their words.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "common/text.h"
+
+namespace vxmgr {
+
+struct CodeText {
+    uint32_t code;
+    const char* text;
+};
+
+template <size_t rows>
+std::string TextOfCode(const CodeText (&table)[rows], uint32_t code, const std::string& otherwise) {
+    for (const CodeText& row : table) {
+        if (row.code == code) {
+            return row.text;
+        }
+    }
+    return otherwise;
+}
+
+// The text, or what the code is and its number: "reason 0x42".
+template <size_t rows>
+std::string TextOrNumber(const CodeText (&table)[rows], uint32_t code, const char* what) {
+    return TextOfCode(table, code, std::string(what) + " " + tools::Hex(code, 2));
+}
+
+}  // namespace vxmgr
