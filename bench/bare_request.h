@@ -34,6 +34,9 @@ class BareExtended : public BareRequest {
     BareExtended(Carrier carrier, transport::Command command, uint32_t inputLength,
                  uint32_t outputLength);
     void Send() override;
+    // The data to send and the data that came.
+    std::vector<uint8_t>& Input() { return input_; }
+    const std::vector<uint8_t>& Output() const { return output_; }
 
   private:
     Carrier carrier_;

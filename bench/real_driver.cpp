@@ -1,9 +1,11 @@
 #include <cstdio>
+#include <cstring>
 
 #include "bare_request.h"
 #include "benchmarks.h"
 #include "hxmgtapi.h"
 #include "measure.h"
+#include "operations.h"
 #include "properties/driver_replies.h"
 
 namespace bench {
@@ -15,6 +17,19 @@ namespace command = transport::command;
 template <typename Reply>
 BareExtended Ask(const Carrier& carrier, transport::Command command) {
     return BareExtended(carrier, command, 0, sizeof(Reply));
+}
+
+// The first target that the adapter discovered, by port name.
+HX_SCSI_ADDRESS FirstTarget(uint32_t handle) {
+    const uint8_t index[16] = {};
+    uint8_t reply[64] = {};
+    uint32_t count = 0;
+    SRBWithHeaderDeviceIoControl(handle, command::DiscoveredTarget.code,
+                                 command::DiscoveredTarget.subCode, index, sizeof index, reply,
+                                 sizeof reply, &count);
+    HX_SCSI_ADDRESS target = {HX_ADDRESS_PORT_NAME, {}, 0};
+    memcpy(target.address, reply + 8, sizeof target.address);
+    return target;
 }
 
 }  // namespace
@@ -83,6 +98,9 @@ void RunAgainstRealDriver(uint32_t samples) {
         results.push_back(Measure(comparison, samples));
     }
     HXDisableAen(handle);
+    for (const Result& result : MeasureOperations(handle, carrier, FirstTarget(handle), samples)) {
+        results.push_back(result);
+    }
     CloseHandle(mutex);
     CloseHandle(device);
     Print(("Driver of SCSI port " + std::to_string(record.dwScsiPort)).c_str(), results);

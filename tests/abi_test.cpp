@@ -17,8 +17,8 @@ namespace {
 
 using Names = std::set<std::string>;
 
-std::string FileText(const char* name) {
-    std::ifstream file(std::string(VXMGMT_SOURCE_FOLDER "/") + name);
+std::string FileText(const std::string& name) {
+    std::ifstream file(VXMGMT_SOURCE_FOLDER "/" + name);
     EXPECT_TRUE(file.good()) << name;
     std::stringstream text;
     text << file.rdbuf();
@@ -72,11 +72,23 @@ Names PrototypesOf(std::string header) {
     return found;
 }
 
-TEST(Abi, ExportsAreTheDefinitionAndTheHeader) {
+// hxmgtapi.h and whatever it brings along.
+std::string PublicHeaders() {
+    const std::string chief = FileText("include/hxmgtapi.h");
+    std::string all = chief;
+    const std::regex include(R"re(#include "(\w+\.h)")re");
+    for (std::sregex_iterator match(chief.begin(), chief.end(), include), end; match != end;
+         ++match) {
+        all += FileText("include/" + (*match)[1].str());
+    }
+    return all;
+}
+
+TEST(Abi, ExportsAreTheDefinitionAndTheHeaders) {
     const Names exports = ExportsOfLibrary();
     EXPECT_GE(exports.size(), 30u);
     EXPECT_EQ(NamesInDefinition(FileText("src/vxmgmt.def")), exports);
-    EXPECT_EQ(PrototypesOf(FileText("include/hxmgtapi.h")), exports);
+    EXPECT_EQ(PrototypesOf(PublicHeaders()), exports);
 }
 
 TEST(Abi, ImportsAreThePlatformAlone) {

@@ -43,6 +43,22 @@ SIZE(HX_FIRMWARE_PROPERTY, 40);
 AT(HX_FIRMWARE_PROPERTY, activationAttributes, 36);
 SIZE(HX_EVENT, 16);
 
+SIZE(HX_TARGET_ENTRY, 32);
+AT(HX_TARGET_ENTRY, nodeName, 16);
+SIZE(HX_TARGET_DATA, 8224);
+AT(HX_TARGET_DATA, entries, 32);
+SIZE(HX_LUN_RECORD, 2080);
+AT(HX_LUN_RECORD, luns, 32);
+SIZE(HX_LUN_DATA, 532512);
+AT(HX_LUN_DATA, records, 32);
+SIZE(HX_WWN_LIST, 2048);
+SIZE(HX_DEVICE_RECORD, 290);
+AT(HX_DEVICE_RECORD, roleAndState, 154);
+SIZE(HX_DISCOVERED_PORT, 60);
+SIZE(HX_DISCOVERED_TARGET, 64);
+AT(HX_DISCOVERED_TARGET, numberOfLuns, 28);
+_Static_assert(HX_PORT_DATABASE_SIZE(257) == 74538, "HX_PORT_DATABASE_SIZE");
+
 /* A C caller reaches the library under the names of the header. */
 uint32_t VersionSeenFromC(void) {
     return HXGetVersion(NULL, 0);

@@ -1,23 +1,18 @@
-// The tools' frame: what command lines mean, what results look like, how commands end.
+// The tools' frame: codes, selections and what results look like in every form.
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <thread>
 
 #include "hxstatus.h"
 #include "support/json_schema.h"
-#include "tools/common/command_line.h"
-#include "tools/common/completion.h"
-#include "tools/common/confirm.h"
 #include "tools/common/exit_codes.h"
 #include "tools/common/json_document.h"
 #include "tools/common/redaction.h"
 #include "tools/common/render.h"
 #include "tools/common/selector.h"
 #include "tools/common/status_codes.h"
-#include "tools/common/stop.h"
 #include "tools/common/text.h"
 
 namespace {
@@ -40,9 +35,9 @@ std::string Lines(const std::vector<std::string>& errors) {
     return text;
 }
 
-Wwn Name(const char* text) { return Wwn::Parse(text).value(); }
-
-// ------------------------------------------------------------------ codes
+Wwn Name(const char* text) {
+    return Wwn::Parse(text).value();
+}
 
 TEST(ToolsCodes, ExitCodesAreDistinctAndInTheManual) {
     const std::string manual = ReadFile("docs/vxmgr.md");
@@ -107,8 +102,6 @@ TEST(ToolsCodes, EveryStatusHasItsNameBothWays) {
     EXPECT_EQ(KindOf(0x60000000), StatusKind::Library);
     EXPECT_EQ(StatusText(HXMGT_DEVICE_BUSY), "0x20000067");
 }
-
-// ------------------------------------------------------------------ texts, names, selectors
 
 TEST(ToolsText, HostileFieldsAndNumbers) {
     EXPECT_EQ(FieldText("ab\0cd", 5), "ab");
@@ -194,8 +187,6 @@ TEST_F(ToolsSelector, TellsBareNumbersAndRefusesNonsense) {
     }
 }
 
-// ------------------------------------------------------------------ rendering
-
 Record Row(const char* name, Value number) {
     Record link;
     link.Add("speed", "Speed", std::move(number), "SPEED");
@@ -241,15 +232,13 @@ TEST(ToolsRender, TablesAlignWhatIsSeen) {
               "\xc3\xa4\xc3\xb6\xc3\xbc-port  -\n");
     EXPECT_EQ(RenderTable(result, {false, &open}), plain);
     EXPECT_EQ(RenderText(ListOf({}), {false, &open}), "No rows.\n");
-    EXPECT_EQ(RenderText(ListOf({Row("x", Value::Number(8))}, ListLayout::Sections),
-                         {false, &open}),
-              "x\n  Name     x\n\n  Link\n    Speed  8\n");
-    const std::string colored = RenderText(
-        ListOf({Row("x", Value::Text("bad").In(Tone::Bad))}), {true, &open});
+    EXPECT_EQ(
+        RenderText(ListOf({Row("x", Value::Number(8))}, ListLayout::Sections), {false, &open}),
+        "x\n  Name     x\n\n  Link\n    Speed  8\n");
+    const std::string colored =
+        RenderText(ListOf({Row("x", Value::Text("bad").In(Tone::Bad))}), {true, &open});
     EXPECT_NE(colored.find("\x1b[31mbad\x1b[0m"), std::string::npos) << colored;
 }
-
-// ------------------------------------------------------------------ redaction
 
 TEST(ToolsRedaction, SameNameSamePseudonymInEveryNotation) {
     Redactor redactor(true);
@@ -281,8 +270,8 @@ TEST(ToolsRedaction, NothingSecretIsLeftInADocument) {
     envelope.tool = "1";
     envelope.argv = {"-p", "wwn:21:00:00:0e:1e:00:00:01", "--confirm", "EMU7740A"};
     envelope.result = &result;
-    envelope.messages = {{Severity::Error, "EMU7740A failed", "look at EMU7740A",
-                          "serial:EMU7740A", HXMGT_DEVICE_BUSY}};
+    envelope.messages = {{Severity::Error, "EMU7740A failed", "look at EMU7740A", "serial:EMU7740A",
+                          HXMGT_DEVICE_BUSY}};
     envelope.pending = {{"EMU7740A", "reset", "reset 2100000e1e000001"}};
     Redactor redactor(true);
     const std::string document = Lowercase(EnvelopeDocument(envelope, redactor));
@@ -290,8 +279,6 @@ TEST(ToolsRedaction, NothingSecretIsLeftInADocument) {
     EXPECT_EQ(document.find("0e1e"), std::string::npos) << document;
     EXPECT_EQ(document.find("0e:1e"), std::string::npos) << document;
 }
-
-// ------------------------------------------------------------------ documents and schemas
 
 TEST(ToolsDocument, EnvelopeFollowsItsSchema) {
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
@@ -383,223 +370,6 @@ TEST(ToolsDocument, SchemaValidatorSeesEveryFault) {
     EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"minimum":0})")).empty());
     EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"$ref":"none.json"})")).empty());
     EXPECT_FALSE(schemas.CheckRow(json::parse(R"({"schema":"vxmgr.version","row":{}})")).empty());
-}
-
-// ------------------------------------------------------------------ command lines
-
-constexpr const char* kShells[] = {"one", "two"};
-constexpr Argument kWatchArguments[] = {
-    {"--kind", ArgumentKind::Text, "K", "", false, true, kShells},
-    {"--count", ArgumentKind::Number, "N", "", false, false, {}, 1, 10},
-};
-constexpr Argument kGetArguments[] = {{"NAME", ArgumentKind::Text, "", "", true}};
-constexpr Argument kExplainArguments[] = {{"CODE", ArgumentKind::Text, "", "", true, true}};
-constexpr Argument kExtraOptions[] = {{"-p,--port", ArgumentKind::Text, "SEL", ""}};
-
-const Command kCommands[] = {
-    {"event watch", Risk::Reads, "", "t.event.watch", kWatchArguments, nullptr},
-    {"param get", Risk::Reads, "", "t.param.get", kGetArguments, nullptr},
-    {"explain", Risk::Reads, "", "t.explain", kExplainArguments, nullptr},
-    {"version", Risk::Reads, "", "t.version", {}, nullptr},
-    {"inner", Risk::Reads, "", "t.inner", {}, nullptr, true},
-};
-const Tool kTool{"t", "1.0.0", "", kCommands, {}, kExtraOptions, nullptr, nullptr};
-
-CommandLine Parse(const std::string& words) {
-    return ParseCommandLine(kTool, words.empty() ? std::vector<std::string>() : Split(words, ' '));
-}
-
-TEST(ToolsCommandLine, GlobalOptionsStandAnywhere) {
-    for (const char* words : {"-p 3 --json event watch --count 0xA --kind one --kind two",
-                              "event -p 3 watch --kind one --json --count=10 --kind=two",
-                              "event watch --count 10 --kind one --kind two -p 3 -o json"}) {
-        const CommandLine line = Parse(words);
-        ASSERT_EQ(line.error, "") << words;
-        ASSERT_NE(line.command, nullptr) << words;
-        EXPECT_STREQ(line.command->path, "event watch");
-        EXPECT_EQ(line.mode, OutputMode::Json) << words;
-        EXPECT_EQ(line.options.Text("port"), "3");
-        EXPECT_EQ(line.options.Number("count"), 10u);
-        EXPECT_EQ(line.options.All("kind"), (std::vector<std::string>{"one", "two"}));
-        EXPECT_FALSE(line.options.Has("yes"));
-    }
-    const CommandLine spread = Parse("explain exit 5 -q");
-    EXPECT_EQ(spread.options.All("CODE"), (std::vector<std::string>{"exit", "5"}));
-    EXPECT_TRUE(spread.options.Has("quiet"));
-}
-
-TEST(ToolsCommandLine, ValuesAreTakenAsTheyAre) {
-    // Names of commands, leading slashes and brackets are values like any other.
-    for (const char* value : {"version", "event", "/x", "[a,b]", "a=b", "%PATH%"}) {
-        const CommandLine line = Parse(std::string("param get ") + value);
-        EXPECT_EQ(line.error, "") << value;
-        EXPECT_EQ(line.options.Text("NAME"), value);
-    }
-}
-
-TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
-    const struct {
-        const char* words;
-        const char* path;  // null: no command was named
-    } kRows[] = {
-        {"", nullptr},
-        {"event", nullptr},
-        {"evnt watch", nullptr},
-        {"event wtch", nullptr},
-        {"event watch --count 0", "event watch"},
-        {"event watch --count 11", "event watch"},
-        {"event watch --count", "event watch"},
-        {"event watch --count 1 --count 2", "event watch"},
-        {"event watch --kind three", "event watch"},
-        {"event watch extra", "event watch"},
-        {"event watch --bogus", "event watch"},
-        {"param get", "param get"},
-        {"param get a b", "param get"},
-        {"version --timeout 0", "version"},
-        {"version -o yaml", "version"},
-        {"version --json -o csv", "version"},
-    };
-    for (const auto& row : kRows) {
-        const CommandLine line = Parse(row.words);
-        EXPECT_NE(line.error, "") << row.words;
-        EXPECT_NE(line.hint, "") << row.words;
-        EXPECT_STREQ(line.command == nullptr ? nullptr : line.command->path, row.path) << row.words;
-    }
-    EXPECT_NE(Parse("event wtch").error.find("wtch"), std::string::npos);
-}
-
-TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
-    EXPECT_EQ(Parse("nonsense --json").mode, OutputMode::Json);
-    EXPECT_EQ(Parse("-o jsonl nonsense").mode, OutputMode::JsonLines);
-    EXPECT_EQ(Parse("-ojson nonsense").mode, OutputMode::Json);
-    EXPECT_EQ(Parse("nonsense --output=csv --out f.txt").out, "f.txt");
-    EXPECT_EQ(Parse("nonsense -o").mode, OutputMode::Text);
-    EXPECT_NE(Parse("event watch --help --json").help, "");
-    EXPECT_EQ(Parse("event watch --help --json").error, "");
-}
-
-TEST(ToolsCompletion, OffersEveryCommandAndOption) {
-    const auto next = NextWords(kTool);
-    EXPECT_TRUE(next.at("").contains("event"));
-    EXPECT_FALSE(next.at("").contains("inner"));
-    EXPECT_TRUE(next.at("event").contains("watch"));
-    for (const char* word : {"--kind", "--count", "--port", "-p", "--json", "-o", "--output"}) {
-        EXPECT_TRUE(next.at("event watch").contains(word)) << word;
-    }
-    EXPECT_NE(BashCompletion(kTool).find("[':event']='"), std::string::npos);
-    EXPECT_NE(PowerShellCompletion(kTool).find("'event watch' = @("), std::string::npos);
-}
-
-// ------------------------------------------------------------------ questions
-
-TEST(ToolsConfirm, EachRiskAsksItsQuestion) {
-    constexpr ExitCode kYes = ExitCode::Done;
-    const struct {
-        Risk risk;
-        Answers given;
-        const char* typed;  // null: end of input
-        ExitCode outcome;
-        bool asks;
-    } kRows[] = {
-        {Risk::Reads, {}, "", kYes, false},
-        {Risk::Reversible, {}, "", kYes, false},
-        {Risk::InterruptsIo, {true, false, "", false}, "", kYes, false},
-        {Risk::InterruptsIo, {false, false, "", true}, " Y ", kYes, true},
-        {Risk::InterruptsIo, {false, false, "", true}, "", ExitCode::Cancelled, true},
-        {Risk::InterruptsIo, {false, false, "", true}, nullptr, ExitCode::Cancelled, true},
-        {Risk::InterruptsIo, {false, false, "", true}, "yes please", ExitCode::Cancelled, true},
-        {Risk::InterruptsIo, {false, false, "", false}, "y", ExitCode::Usage, false},
-        {Risk::InterruptsIo, {true, true, "OTHER", true}, "y", ExitCode::Refused, false},
-        {Risk::Irrecoverable, {true, true, "emu7740a0001", false}, "", kYes, false},
-        {Risk::Irrecoverable, {true, false, "", false}, "", ExitCode::Usage, false},
-        {Risk::Irrecoverable, {true, true, "", true}, "0001", ExitCode::Refused, false},
-        {Risk::Irrecoverable, {true, true, "0001", true}, "0001", ExitCode::Refused, false},
-        {Risk::Irrecoverable, {false, false, "", true}, "0001", kYes, true},
-        {Risk::Irrecoverable, {false, false, "", true}, "y", ExitCode::Cancelled, true},
-        {Risk::Irrecoverable, {false, false, "", true}, "A0001", ExitCode::Cancelled, true},
-    };
-    for (size_t i = 0; i < std::size(kRows); ++i) {
-        const auto& row = kRows[i];
-        bool asked = false;
-        const Ask ask = [&](const std::string& prompt, std::string* answer) {
-            asked = true;
-            EXPECT_EQ(prompt.find("what stops\n"), 0u);
-            *answer = row.typed == nullptr ? "" : row.typed;
-            return row.typed != nullptr;
-        };
-        ExitCode outcome = kYes;
-        try {
-            RequireConsent(row.risk, {{"what stops"}, "EMU7740A0001"}, row.given, ask);
-        } catch (const CommandError& error) {
-            outcome = error.exit;
-        }
-        EXPECT_EQ(outcome, row.outcome) << "row " << i;
-        EXPECT_EQ(asked, row.asks) << "row " << i;
-    }
-}
-
-TEST(ToolsConfirm, AnAdapterWithoutSerialCannotBeConfirmed) {
-    const Ask enter = [](const std::string&, std::string*) { return true; };
-    EXPECT_THROW(RequireConsent(Risk::Irrecoverable, {{}, ""}, {false, false, "", true}, enter),
-                 CommandError);
-}
-
-// ------------------------------------------------------------------ ends
-
-TEST(ToolsStop, DeadlineStopsTheCommandAndGraceLetsItFinish) {
-    StopControl stop;
-    std::thread worker([&] {
-        EXPECT_TRUE(stop.WaitFor(milliseconds(20000)));
-        stop.Finish();
-    });
-    const auto deadline = StopControl::Clock::now() + milliseconds(20);
-    EXPECT_TRUE(stop.WaitForEnd(&deadline, milliseconds(20000)));
-    worker.join();
-    EXPECT_EQ(stop.Reason(), StopReason::TimedOut);
-    EXPECT_EQ(ExitCodeOf(stop.Reason()), ExitCode::TimedOut);
-}
-
-TEST(ToolsStop, StuckCommandIsGivenUp) {
-    StopControl stop;
-    const auto deadline = StopControl::Clock::now();
-    EXPECT_FALSE(stop.WaitForEnd(&deadline, milliseconds(10)));
-
-    // A second interrupt does not wait for the grace; the first reason stays.
-    StopControl impatient;
-    impatient.Request(StopReason::Interrupted);
-    impatient.Request(StopReason::Interrupted);
-    const auto before = StopControl::Clock::now();
-    EXPECT_FALSE(impatient.WaitForEnd(nullptr, milliseconds(20000)));
-    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
-    impatient.Request(StopReason::TimedOut);
-    EXPECT_EQ(impatient.Reason(), StopReason::Interrupted);
-
-    StopControl done;
-    done.Finish();
-    EXPECT_TRUE(done.WaitForEnd(nullptr, milliseconds(0)));
-    EXPECT_EQ(done.Reason(), StopReason::None);
-}
-
-TEST(ToolsStop, HooksRunYoungestFirstAndMayHang) {
-    AbandonHooks hooks;
-    std::mutex lock;
-    std::string order;
-    const auto add = [&](char mark) {
-        const std::lock_guard guard(lock);
-        order += mark;
-    };
-    // Outlives the test: the hook that hangs runs on a thread of its own.
-    static std::mutex hang;
-    const std::lock_guard hanging(hang);
-    const AbandonHooks::Registration last(hooks, [] { const std::lock_guard wait(hang); });
-    const AbandonHooks::Registration second(hooks, [&] { add('2'); });
-    { const AbandonHooks::Registration gone(hooks, [&] { add('x'); }); }
-    const AbandonHooks::Registration first(hooks, [&] { add('1'); });
-    const auto before = StopControl::Clock::now();
-    hooks.Run(milliseconds(300));
-    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
-    const std::lock_guard guard(lock);
-    EXPECT_EQ(order, "12");
 }
 
 }  // namespace

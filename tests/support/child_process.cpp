@@ -43,7 +43,8 @@ ChildProcess::ChildProcess(const char* role) {
 
     char program[MAX_PATH];
     GetModuleFileNameA(nullptr, program, sizeof program);
-    std::string command = "\"" + std::string(program) + "\" " + std::string(kRoleOption) + role;
+    std::string command = "\"";
+    command.append(program).append("\" ").append(kRoleOption).append(role);
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;

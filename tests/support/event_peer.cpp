@@ -46,8 +46,8 @@ std::string Fetched::Text() const {
     std::string text;
     for (const HX_EVENT& event : events) {
         const bool whole = event.data[1] == 0xB0B1B2B3 && event.data[2] == ~event.data[0];
-        text += (text.empty() ? "" : " ") + std::to_string(event.type) + ":" +
-                (whole ? std::to_string(event.data[0]) : "damaged");
+        text.append(text.empty() ? "" : " ").append(std::to_string(event.type)).append(":");
+        text.append(whole ? std::to_string(event.data[0]) : "damaged");
     }
     return text;
 }

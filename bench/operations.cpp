@@ -1,0 +1,103 @@
+#include "operations.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "dumps/dump_records.h"
+#include "passthru/scsi_records.h"
+
+namespace bench {
+
+namespace {
+
+namespace command = transport::command;
+
+constexpr uint32_t kInquiryBytes = 96;
+
+bool Answers(const char* what, HX_STATUS status) {
+    if (status != HXMGT_SUCCESS) {
+        printf("\n%s: not measured, 0x%08x (%s)\n", what, status, HXGetErrorString(status));
+    }
+    return status == HXMGT_SUCCESS;
+}
+
+void MeasureInquiry(uint32_t handle, const Carrier& carrier, const HX_SCSI_ADDRESS& target,
+                    uint32_t samples, std::vector<Result>& results) {
+    uint8_t data[kInquiryBytes];
+    const auto inquire = [&] {
+        return HXSendScsiInquiryCmdFC(handle, &target, data, sizeof data, nullptr, 0);
+    };
+    if (!Answers("INQUIRY", inquire())) {
+        return;
+    }
+    constexpr uint32_t size = sizeof(passthru::ScsiRequest) + kInquiryBytes;
+    BareExtended bare(carrier, command::ScsiPassThrough, size, size);
+    auto& request = *reinterpret_cast<passthru::ScsiRequest*>(bare.Input().data());
+    memcpy(request.address, target.address, sizeof request.address);
+    request.addressType = target.type;  // the driver has the same numbers for names
+    request.lun = target.lun;
+    request.direction = static_cast<uint8_t>(passthru::ScsiDirection::In);
+    request.cdbLength = 6;
+    request.cdb[0] = 0x12;
+    request.cdb[4] = kInquiryBytes;
+    results.push_back(Measure(
+        {"HXSendScsiInquiryCmdFC, 96 bytes (1 request)", [&] { inquire(); }, [&] { bare.Send(); }},
+        samples));
+}
+
+void MeasureDump(uint32_t handle, const Carrier& carrier, uint32_t samples,
+                 std::vector<Result>& results) {
+    std::vector<uint8_t> buffer(sizeof(dumps::RawHeader));
+    const auto fetch = [&] {
+        const auto capacity = static_cast<uint32_t>(buffer.size() - sizeof(dumps::RawHeader));
+        memcpy(buffer.data(), &capacity, sizeof capacity);
+        return HXGetFcDumpRaw(handle, 0, buffer.data());
+    };
+    HX_STATUS status = fetch();
+    if (status == HXMGT_NO_FIRMWARE_DUMP) {
+        HXForceFwDump(handle);
+        status = fetch();
+    }
+    if (status == HXMGT_BUFFER_TOO_SMALL) {
+        uint32_t needed;
+        memcpy(&needed, buffer.data(), sizeof needed);
+        buffer.resize(sizeof(dumps::RawHeader) + needed);
+        status = fetch();
+    }
+    if (!Answers("Firmware dump", status)) {
+        return;
+    }
+    const auto size = static_cast<uint32_t>(buffer.size() - sizeof(dumps::RawHeader));
+    const uint32_t pieces = (size + dumps::kPieceBytes - 1) / dumps::kPieceBytes;
+    BareExtended query(carrier, command::RawFirmwareDump, sizeof(dumps::RawQuery),
+                       sizeof(dumps::RawQuery));
+    BareExtended piece(carrier, command::RawFirmwareDump, sizeof(dumps::RawPiece),
+                       sizeof(dumps::RawPiece));
+    std::vector<uint8_t> whole(size);
+    const auto fetchBare = [&] {
+        query.Send();
+        auto& request = *reinterpret_cast<dumps::RawHeader*>(piece.Input().data());
+        request.length = dumps::kPieceBytes;
+        for (request.offset = 0; request.offset < size; request.offset += dumps::kPieceBytes) {
+            piece.Send();
+            memcpy(whole.data() + request.offset, piece.Output().data() + sizeof request,
+                   std::min(dumps::kPieceBytes, size - request.offset));
+        }
+    };
+    const std::string name = "HXGetFcDumpRaw, " + std::to_string(size >> 10) + " KiB (" +
+                             std::to_string(1 + pieces) + " requests)";
+    results.push_back(Measure({name, [&] { fetch(); }, fetchBare}, samples));
+}
+
+}  // namespace
+
+std::vector<Result> MeasureOperations(uint32_t handle, const Carrier& carrier,
+                                      const HX_SCSI_ADDRESS& target, uint32_t samples) {
+    std::vector<Result> results;
+    MeasureInquiry(handle, carrier, target, samples, results);
+    MeasureDump(handle, carrier, std::max(1u, samples / 10), results);
+    return results;
+}
+
+}  // namespace bench

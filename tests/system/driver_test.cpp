@@ -1,0 +1,113 @@
+// The driver itself against user mode: hostile requests, and open handles when it is stopped.
+#include <cstring>
+#include <vector>
+
+#include "emulated_driver.h"
+#include "properties/driver_replies.h"
+#include "transport/ext_ioctl.h"
+
+namespace system_test {
+namespace {
+
+using transport::ExtRequest;
+
+class SystemDriver : public EmulatedDriver {
+  protected:
+    static HANDLE OpenPort() {
+        return CreateFileA("\\\\.\\scsi3:", GENERIC_READ | GENERIC_WRITE,
+                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    }
+
+    static bool Send(HANDLE port, void* input, DWORD inputSize, void* output, DWORD outputSize) {
+        DWORD returned = 0;
+        const BOOL sent = DeviceIoControl(port, transport::kIoctlScsiMiniport, input, inputSize,
+                                          output, outputSize, &returned, nullptr);
+        EXPECT_LE(returned, outputSize);
+        return sent != FALSE;
+    }
+
+    static ExtRequest Envelope(transport::Command command, uint32_t room) {
+        ExtRequest envelope{};
+        envelope.srb.headerLength = transport::kHeaderLength;
+        std::memcpy(envelope.srb.signature, transport::kSignature, sizeof transport::kSignature);
+        envelope.srb.controlCode = command.code;
+        envelope.srb.length = transport::kExtIoctlLength + room;
+        std::memcpy(envelope.ext.signature, transport::kSignature, sizeof transport::kSignature);
+        envelope.ext.levelAndVersion = transport::kInterfaceLevelAndVersion;
+        envelope.ext.subCode = command.subCode;
+        envelope.ext.responseLen = room;
+        return envelope;
+    }
+
+    // A well-formed request is answered.
+    static void ExpectHealthy(HANDLE port) {
+        std::vector<uint8_t> buffer(sizeof(ExtRequest) + sizeof(properties::ChipReply));
+        const ExtRequest envelope =
+            Envelope(transport::command::ChipProperties, sizeof(properties::ChipReply));
+        std::memcpy(buffer.data(), &envelope, sizeof envelope);
+        ASSERT_TRUE(Send(port, buffer.data(), sizeof envelope, buffer.data(),
+                         static_cast<DWORD>(buffer.size())));
+        properties::ChipReply chip;
+        std::memcpy(&chip, buffer.data() + sizeof envelope, sizeof chip);
+        EXPECT_EQ(0x7740, chip.deviceId);
+    }
+};
+
+TEST_F(SystemDriver, HostileRequestsAreAnswered) {
+    const HANDLE port = OpenPort();
+    ASSERT_NE(INVALID_HANDLE_VALUE, port);
+    ExpectHealthy(port);
+
+    std::vector<uint8_t> bytes(70000, 0xFF);
+    for (const DWORD input : {0u, 1u, 27u, 28u, 29u, 115u, 116u, 117u, 70000u}) {
+        for (const DWORD output : {0u, 1u, 28u, 115u, 116u, 70000u}) {
+            std::vector<uint8_t> in = bytes;
+            EXPECT_FALSE(Send(port, in.data(), input, in.data(), output)) << input << " " << output;
+            ExtRequest wrongSignature = Envelope(transport::command::ChipProperties, 80);
+            wrongSignature.srb.signature[0] = 'X';
+            std::memcpy(in.data(), &wrongSignature, sizeof wrongSignature);
+            EXPECT_FALSE(Send(port, in.data(), input, in.data(), output)) << input << " " << output;
+        }
+    }
+    for (const uint32_t room : {0u, 1u, 79u, 80u, 0xFFFFFFFFu}) {
+        for (const transport::ExtendedCommandRow& row : transport::kExtendedCommands) {
+            std::vector<uint8_t> in(4096);
+            const ExtRequest envelope = Envelope({row.code, row.subCode}, room);
+            std::memcpy(in.data(), &envelope, sizeof envelope);
+            Send(port, in.data(), sizeof envelope, in.data(), static_cast<DWORD>(in.size()));
+            Send(port, in.data(), sizeof envelope, nullptr, 0);
+        }
+    }
+    ExtRequest unknown = Envelope({0xF000FFFF, 0}, 0);
+    ASSERT_TRUE(Send(port, &unknown, sizeof unknown, &unknown, sizeof unknown));
+    EXPECT_EQ(static_cast<uint32_t>(transport::DriverStatus::InvalidRequest), unknown.ext.status);
+
+    ExpectHealthy(port);
+    CloseHandle(port);
+}
+
+TEST_F(SystemDriver, StopsWithAnOpenHandleAndStartsAgain) {
+    const HANDLE port = OpenPort();
+    ASSERT_NE(INVALID_HANDLE_VALUE, port);
+    ExpectHealthy(port);
+    Vxemu("stop");  // may say that the driver waits for its last handle
+    ExtRequest late = Envelope(transport::command::ChipProperties, 0);
+    Send(port, &late, sizeof late, &late, sizeof late);
+    CloseHandle(port);
+    StartDriver();
+    const HANDLE again = OpenPort();
+    ASSERT_NE(INVALID_HANDLE_VALUE, again);
+    ExpectHealthy(again);
+    CloseHandle(again);
+}
+
+TEST_F(SystemDriver, SixtyThreePorts) {
+    StopDriver();
+    StartDriver("full");
+    EXPECT_EQ(63u, Document("port list")["result"]["ports"].size());
+    StopDriver();
+    StartDriver();
+}
+
+}  // namespace
+}  // namespace system_test

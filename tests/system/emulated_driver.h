@@ -1,0 +1,79 @@
+// The installed emulated driver, running for the length of a suite of system tests.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "support/json_schema.h"
+#include "support/program.h"
+
+namespace system_test {
+
+using nlohmann::json;
+
+class EmulatedDriver : public testing::Test {
+  public:
+    static void SetUpTestSuite() { StartDriver(); }
+    static void TearDownTestSuite() { StopDriver(); }
+
+  protected:
+    static void StartDriver(const std::string& profile = "lab") {
+        const support::Ended started = Vxemu("start --profile " + profile);
+        ASSERT_EQ(0u, started.exit) << started.err;
+    }
+    static void StopDriver() { EXPECT_EQ(0u, Vxemu("stop").exit); }
+
+    void TearDown() override { EXPECT_EQ(0u, Vxemu("fault clear").exit); }
+
+    static support::Ended Vxemu(const std::string& arguments) {
+        return support::Run("vxemu.exe", arguments);
+    }
+    static support::Ended Vxmgr(const std::string& arguments) {
+        return support::Run("vxmgr.exe", arguments);
+    }
+
+    // The one document of a command, held against its schema and exit code.
+    json Document(const std::string& arguments) {
+        const support::Ended ended = Vxmgr("--json " + arguments);
+        const json document = json::parse(ended.out, nullptr, false);
+        EXPECT_TRUE(document.is_object()) << arguments << "\n" << ended.out << ended.err;
+        if (!document.is_object()) {
+            return json::object();
+        }
+        support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
+        for (const std::string& error : schemas.CheckEnvelope(document)) {
+            ADD_FAILURE() << arguments << ": " << error;
+        }
+        EXPECT_EQ(document.value("exit", -1), static_cast<int>(ended.exit)) << arguments;
+        return document;
+    }
+
+    // What the driver says of a port, e.g. PortStatus("scsi:3")["event_delivery"].
+    static json PortStatus(const std::string& port) {
+        const json document = json::parse(Vxemu("status --json").out, nullptr, false);
+        if (document.is_object() && document["result"].is_object()) {
+            for (const json& row : document["result"]["ports"]) {
+                if (row["port"] == port) {
+                    return row;
+                }
+            }
+        }
+        ADD_FAILURE() << "the driver does not know " << port;
+        return json::object();
+    }
+
+    // Waits until the driver says so of the port; false after some seconds.
+    static bool PortReaches(const std::string& port, const std::string& key, const json& value) {
+        for (int i = 0; i < 50; ++i) {
+            if (PortStatus(port).value(key, json()) == value) {
+                return true;
+            }
+            Sleep(100);
+        }
+        return false;
+    }
+};
+
+}  // namespace system_test

@@ -1,0 +1,231 @@
+// The tools' frame: what command lines mean, what is asked before a change, how commands end.
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <thread>
+
+#include "tools/common/command_line.h"
+#include "tools/common/completion.h"
+#include "tools/common/confirm.h"
+#include "tools/common/stop.h"
+#include "tools/common/text.h"
+
+namespace {
+
+using namespace tools;
+using std::chrono::milliseconds;
+
+constexpr const char* kShells[] = {"one", "two"};
+constexpr Argument kWatchArguments[] = {
+    {"--kind", ArgumentKind::Text, "K", "", false, true, kShells},
+    {"--count", ArgumentKind::Number, "N", "", false, false, {}, 1, 10},
+};
+constexpr Argument kGetArguments[] = {{"NAME", ArgumentKind::Text, "", "", true}};
+constexpr Argument kExplainArguments[] = {{"CODE", ArgumentKind::Text, "", "", true, true}};
+constexpr Argument kExtraOptions[] = {{"-p,--port", ArgumentKind::Text, "SEL", ""}};
+
+const Command kCommands[] = {
+    {"event watch", Risk::Reads, "", "t.event.watch", kWatchArguments, nullptr},
+    {"param get", Risk::Reads, "", "t.param.get", kGetArguments, nullptr},
+    {"explain", Risk::Reads, "", "t.explain", kExplainArguments, nullptr},
+    {"version", Risk::Reads, "", "t.version", {}, nullptr},
+    {"inner", Risk::Reads, "", "t.inner", {}, nullptr, true},
+};
+const Tool kTool{"t", "1.0.0", "", kCommands, {}, kExtraOptions, nullptr, nullptr};
+
+CommandLine Parse(const std::string& words) {
+    return ParseCommandLine(kTool, words.empty() ? std::vector<std::string>() : Split(words, ' '));
+}
+
+TEST(ToolsCommandLine, GlobalOptionsStandAnywhere) {
+    for (const char* words : {"-p 3 --json event watch --count 0xA --kind one --kind two",
+                              "event -p 3 watch --kind one --json --count=10 --kind=two",
+                              "event watch --count 10 --kind one --kind two -p 3 -o json"}) {
+        const CommandLine line = Parse(words);
+        ASSERT_EQ(line.error, "") << words;
+        ASSERT_NE(line.command, nullptr) << words;
+        EXPECT_STREQ(line.command->path, "event watch");
+        EXPECT_EQ(line.mode, OutputMode::Json) << words;
+        EXPECT_EQ(line.options.Text("port"), "3");
+        EXPECT_EQ(line.options.Number("count"), 10u);
+        EXPECT_EQ(line.options.All("kind"), (std::vector<std::string>{"one", "two"}));
+        EXPECT_FALSE(line.options.Has("yes"));
+    }
+    const CommandLine spread = Parse("explain exit 5 -q");
+    EXPECT_EQ(spread.options.All("CODE"), (std::vector<std::string>{"exit", "5"}));
+    EXPECT_TRUE(spread.options.Has("quiet"));
+}
+
+TEST(ToolsCommandLine, ValuesAreTakenAsTheyAre) {
+    // Names of commands, leading slashes and brackets are values like any other.
+    for (const char* value : {"version", "event", "/x", "[a,b]", "a=b", "%PATH%"}) {
+        const CommandLine line = Parse(std::string("param get ") + value);
+        EXPECT_EQ(line.error, "") << value;
+        EXPECT_EQ(line.options.Text("NAME"), value);
+    }
+}
+
+TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
+    const struct {
+        const char* words;
+        const char* path;  // null: no command was named
+    } kRows[] = {
+        {"", nullptr},
+        {"event", nullptr},
+        {"evnt watch", nullptr},
+        {"event wtch", nullptr},
+        {"event watch --count 0", "event watch"},
+        {"event watch --count 11", "event watch"},
+        {"event watch --count", "event watch"},
+        {"event watch --count 1 --count 2", "event watch"},
+        {"event watch --kind three", "event watch"},
+        {"event watch extra", "event watch"},
+        {"event watch --bogus", "event watch"},
+        {"param get", "param get"},
+        {"param get a b", "param get"},
+        {"version --timeout 0", "version"},
+        {"version -o yaml", "version"},
+        {"version --json -o csv", "version"},
+    };
+    for (const auto& row : kRows) {
+        const CommandLine line = Parse(row.words);
+        EXPECT_NE(line.error, "") << row.words;
+        EXPECT_NE(line.hint, "") << row.words;
+        EXPECT_STREQ(line.command == nullptr ? nullptr : line.command->path, row.path) << row.words;
+    }
+    EXPECT_NE(Parse("event wtch").error.find("wtch"), std::string::npos);
+}
+
+TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
+    EXPECT_EQ(Parse("nonsense --json").mode, OutputMode::Json);
+    EXPECT_EQ(Parse("-o jsonl nonsense").mode, OutputMode::JsonLines);
+    EXPECT_EQ(Parse("-ojson nonsense").mode, OutputMode::Json);
+    EXPECT_EQ(Parse("nonsense --output=csv --out f.txt").out, "f.txt");
+    EXPECT_EQ(Parse("nonsense -o").mode, OutputMode::Text);
+    EXPECT_NE(Parse("event watch --help --json").help, "");
+    EXPECT_EQ(Parse("event watch --help --json").error, "");
+}
+
+TEST(ToolsCompletion, OffersEveryCommandAndOption) {
+    const auto next = NextWords(kTool);
+    EXPECT_TRUE(next.at("").contains("event"));
+    EXPECT_FALSE(next.at("").contains("inner"));
+    EXPECT_TRUE(next.at("event").contains("watch"));
+    for (const char* word : {"--kind", "--count", "--port", "-p", "--json", "-o", "--output"}) {
+        EXPECT_TRUE(next.at("event watch").contains(word)) << word;
+    }
+    EXPECT_NE(BashCompletion(kTool).find("[':event']='"), std::string::npos);
+    EXPECT_NE(PowerShellCompletion(kTool).find("'event watch' = @("), std::string::npos);
+}
+
+TEST(ToolsConfirm, EachRiskAsksItsQuestion) {
+    constexpr ExitCode kYes = ExitCode::Done;
+    const struct {
+        Risk risk;
+        Answers given;
+        const char* typed;  // null: end of input
+        ExitCode outcome;
+        bool asks;
+    } kRows[] = {
+        {Risk::Reads, {}, "", kYes, false},
+        {Risk::Reversible, {}, "", kYes, false},
+        {Risk::InterruptsIo, {true, false, "", false}, "", kYes, false},
+        {Risk::InterruptsIo, {false, false, "", true}, " Y ", kYes, true},
+        {Risk::InterruptsIo, {false, false, "", true}, "", ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", true}, nullptr, ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", true}, "yes please", ExitCode::Cancelled, true},
+        {Risk::InterruptsIo, {false, false, "", false}, "y", ExitCode::Usage, false},
+        {Risk::InterruptsIo, {true, true, "OTHER", true}, "y", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {true, true, "emu7740a0001", false}, "", kYes, false},
+        {Risk::Irrecoverable, {true, false, "", false}, "", ExitCode::Usage, false},
+        {Risk::Irrecoverable, {true, true, "", true}, "0001", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {true, true, "0001", true}, "0001", ExitCode::Refused, false},
+        {Risk::Irrecoverable, {false, false, "", true}, "0001", kYes, true},
+        {Risk::Irrecoverable, {false, false, "", true}, "y", ExitCode::Cancelled, true},
+        {Risk::Irrecoverable, {false, false, "", true}, "A0001", ExitCode::Cancelled, true},
+    };
+    for (size_t i = 0; i < std::size(kRows); ++i) {
+        const auto& row = kRows[i];
+        bool asked = false;
+        const Ask ask = [&](const std::string& prompt, std::string* answer) {
+            asked = true;
+            EXPECT_EQ(prompt.find("what stops\n"), 0u);
+            *answer = row.typed == nullptr ? "" : row.typed;
+            return row.typed != nullptr;
+        };
+        ExitCode outcome = kYes;
+        try {
+            RequireConsent(row.risk, {{"what stops"}, "EMU7740A0001"}, row.given, ask);
+        } catch (const CommandError& error) {
+            outcome = error.exit;
+        }
+        EXPECT_EQ(outcome, row.outcome) << "row " << i;
+        EXPECT_EQ(asked, row.asks) << "row " << i;
+    }
+}
+
+TEST(ToolsConfirm, AnAdapterWithoutSerialCannotBeConfirmed) {
+    const Ask enter = [](const std::string&, std::string*) { return true; };
+    EXPECT_THROW(RequireConsent(Risk::Irrecoverable, {{}, ""}, {false, false, "", true}, enter),
+                 CommandError);
+}
+
+TEST(ToolsStop, DeadlineStopsTheCommandAndGraceLetsItFinish) {
+    StopControl stop;
+    std::thread worker([&] {
+        EXPECT_TRUE(stop.WaitFor(milliseconds(20000)));
+        stop.Finish();
+    });
+    const auto deadline = StopControl::Clock::now() + milliseconds(20);
+    EXPECT_TRUE(stop.WaitForEnd(&deadline, milliseconds(20000)));
+    worker.join();
+    EXPECT_EQ(stop.Reason(), StopReason::TimedOut);
+    EXPECT_EQ(ExitCodeOf(stop.Reason()), ExitCode::TimedOut);
+}
+
+TEST(ToolsStop, StuckCommandIsGivenUp) {
+    StopControl stop;
+    const auto deadline = StopControl::Clock::now();
+    EXPECT_FALSE(stop.WaitForEnd(&deadline, milliseconds(10)));
+
+    // A second interrupt does not wait for the grace; the first reason stays.
+    StopControl impatient;
+    impatient.Request(StopReason::Interrupted);
+    impatient.Request(StopReason::Interrupted);
+    const auto before = StopControl::Clock::now();
+    EXPECT_FALSE(impatient.WaitForEnd(nullptr, milliseconds(20000)));
+    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
+    impatient.Request(StopReason::TimedOut);
+    EXPECT_EQ(impatient.Reason(), StopReason::Interrupted);
+
+    StopControl done;
+    done.Finish();
+    EXPECT_TRUE(done.WaitForEnd(nullptr, milliseconds(0)));
+    EXPECT_EQ(done.Reason(), StopReason::None);
+}
+
+TEST(ToolsStop, HooksRunYoungestFirstAndMayHang) {
+    AbandonHooks hooks;
+    std::mutex lock;
+    std::string order;
+    const auto add = [&](char mark) {
+        const std::lock_guard guard(lock);
+        order += mark;
+    };
+    // Outlives the test: the hook that hangs runs on a thread of its own.
+    static std::mutex hang;
+    const std::lock_guard hanging(hang);
+    const AbandonHooks::Registration last(hooks, [] { const std::lock_guard wait(hang); });
+    const AbandonHooks::Registration second(hooks, [&] { add('2'); });
+    {
+        const AbandonHooks::Registration gone(hooks, [&] { add('x'); });
+    }
+    const AbandonHooks::Registration first(hooks, [&] { add('1'); });
+    const auto before = StopControl::Clock::now();
+    hooks.Run(milliseconds(300));
+    EXPECT_LT(StopControl::Clock::now() - before, milliseconds(10000));
+    const std::lock_guard guard(lock);
+    EXPECT_EQ(order, "12");
+}
+
+}  // namespace
