@@ -22,8 +22,10 @@ wine_start() {
         wine wineboot --init >/dev/null 2>&1
         "$wineserver" -w
     fi
-    # Persistent, so that not every program pays for a start of its own.
+    # Persistent, so that not every program pays for a start of its own. The services that the
+    # first program starts must not inherit a pipe that somebody waits for.
     "$wineserver" -p
+    wine cmd /c exit >/dev/null 2>&1 </dev/null
 }
 
 wine_stop() {

@@ -6,6 +6,7 @@ packages=(
     cmake ninja-build g++
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev googletest # command lines, JSON, test framework
+    procps                                     # pkill, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
 if [ "${1:-}" = --fuzz ]; then
