@@ -129,7 +129,7 @@ std::vector<std::string> MaskedWords(std::vector<std::string> words, Redactor& r
             const bool bare = value.find(':') == std::string::npos && value != "all" &&
                               value.find_first_not_of("0123456789") != std::string::npos;
             if (bare || option == "--confirm") {
-                word = word.substr(0, start) + redactor.Mask(Secret::Serial, value);
+                word.replace(start, std::string::npos, redactor.Mask(Secret::Serial, value));
             }
         }
     }
