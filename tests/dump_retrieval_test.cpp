@@ -32,7 +32,7 @@ const Kind kKinds[] = {
 
 class DumpRetrievalTest : public OneAdapterTest {
   protected:
-    // A driver that keeps dumps; part 2 of a mini dump is dump2.
+    // A driver that keeps dumps; the second part of a mini dump is dump2.
     void Keep(const Kind& kind, Bytes dump, Bytes dump2 = {}) {
         dumps[0] = std::move(dump);
         dumps[1] = std::move(dump2);

@@ -73,7 +73,7 @@ struct AdapterProfile {
     uint32_t rawDumpBytes;
     uint32_t mpiDumpBytes;
     uint32_t mctpDumpBytes;
-    uint32_t miniDumpBytes[2];  // parts 1 and 2
+    uint32_t miniDumpBytes[2];  // its first and its second part
     uint8_t dumpPresent;        // 1: there is a dump without one being forced
     uint8_t reserved[25];
 };
