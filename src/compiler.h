@@ -19,7 +19,10 @@
 #define VX_SHARED_BETWEEN_PROCESSES
 #endif
 
-#if defined(__GNUC__)
+#if defined(__clang__)
+#define VX_PRINTF_FORMAT(formatIndex, firstArgument) \
+    __attribute__((format(printf, formatIndex, firstArgument)))
+#elif defined(__GNUC__)
 #define VX_PRINTF_FORMAT(formatIndex, firstArgument) \
     __attribute__((format(gnu_printf, formatIndex, firstArgument)))
 #else
