@@ -113,7 +113,7 @@ HX_STATUS HXForceFcMctpDump(void);
  * --------------------------------------------------------------------------------------------- */
 
 /*
- * Sends a Common Transport request (FC-GS) of at least 8 bytes and receives its response.
+ * Sends a Common Transport request (FC-GS) and receives its response, both of at least 8 bytes.
  * HXMGT_MS_NO_RESPONSE: the first 8 bytes of the response are not those of the request.
  * HXMGT_NOT_SUPPORTED on the oldest chip family. A driver below 7.05.03 may give a Windows error.
  */
@@ -129,6 +129,15 @@ HX_STATUS HXSendCTPassThru(uint32_t handle, const void* request, uint32_t reques
 HX_STATUS HXSendElsPassThru(uint32_t handle, uint64_t reserved, const HX_SCSI_ADDRESS* destination,
                             const void* payload, int32_t payloadSize, void* response,
                             const uint32_t* responseSize, uint8_t option);
+
+/*
+ * As HXSendElsPassThru, but *responseSize becomes the number of bytes of the answer, and with
+ * HXMGT_ELS_REJECTED the response holds the LS_RJT payload (none, when the driver hands on none).
+ */
+HX_STATUS HXSendElsPassThruEx(uint32_t handle, uint64_t reserved,
+                              const HX_SCSI_ADDRESS* destination, const void* payload,
+                              int32_t payloadSize, void* response, uint32_t* responseSize,
+                              uint8_t option);
 
 /*
  * Sends RNID (FC-LS) to a node or port name, or (type 0) to the attached port, and receives the

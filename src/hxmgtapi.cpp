@@ -218,6 +218,13 @@ HX_STATUS HXSendElsPassThru(uint32_t handle, uint64_t, const HX_SCSI_ADDRESS* de
                              option);
 }
 
+HX_STATUS HXSendElsPassThruEx(uint32_t handle, uint64_t, const HX_SCSI_ADDRESS* destination,
+                              const void* payload, int32_t payloadSize, void* response,
+                              uint32_t* responseSize, uint8_t option) {
+    return passthru::SendElsEx(handle, destination, payload, payloadSize, response, responseSize,
+                               option);
+}
+
 HX_STATUS HXSendElsRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
                         uint8_t* response, uint32_t responseSize) {
     return passthru::SendRnid(handle, destination, format, response, responseSize);

@@ -280,6 +280,40 @@ TEST_F(ElsTest, Answers) {
     EXPECT_EQ(0u, HXSendElsPassThru(handle, 0, &destination, payload.data(), 4, nullptr, &none, 0));
 }
 
+TEST_F(ElsTest, TheLongerFormTellsTheLengthAndHandsOnARejectsReason) {
+    const HX_SCSI_ADDRESS destination = {HX_ADDRESS_PORT_ID, {1, 2, 3}, 0};
+    const Bytes request = Counting(4);
+    GuardedBuffer response(20);
+    uint32_t length = 0;
+    const auto send = [&](uint32_t room) {
+        response.Fill(0xEE);
+        length = room;
+        return HXSendElsPassThruEx(handle, 0, &destination, request.data(), 4, response.Data(),
+                                   &length, 0);
+    };
+    port->Next({.data = ReplyWith(12)});
+    EXPECT_EQ(HXMGT_SUCCESS, send(20));
+    EXPECT_EQ(12u, length);
+    EXPECT_EQ(Counting(12, 101), Bytes(response.Data(), response.Data() + 12));
+    EXPECT_TRUE(response.Holds(0xEE, 12, 20));
+    port->Next({.data = ReplyWith(8, 1)});
+    EXPECT_EQ(HXMGT_ELS_REJECTED, send(20));
+    EXPECT_EQ(8u, length);
+    EXPECT_EQ(Counting(8, 101), Bytes(response.Data(), response.Data() + 8));
+    // A driver that hands on no reason must not have the request taken for one.
+    port->Next({.data = ReplyWith(0, 1)});
+    EXPECT_EQ(HXMGT_ELS_REJECTED, send(20));
+    EXPECT_EQ(0u, length);
+    EXPECT_TRUE(response.Holds(0xEE));
+    port->Next({.data = ReplyWith(40, 1), .responseLength = 0xFFFFFFFF});
+    EXPECT_EQ(HXMGT_ELS_REJECTED, send(8));
+    EXPECT_EQ(8u, length);
+    port->Next({.status = 30});
+    EXPECT_EQ(HXMGT_TIMED_OUT, send(20));
+    EXPECT_EQ(20u, length);
+    EXPECT_TRUE(response.Holds(0xEE));
+}
+
 class RnidTest : public OneAdapterTest {
   protected:
     HX_STATUS Send(uint16_t type, GuardedBuffer& response) {

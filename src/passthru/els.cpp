@@ -48,11 +48,25 @@ void PutRnidOptions(const uint8_t* response, uint32_t responseSize, RnidRequest&
                       request.optionalPortId);
 }
 
-}  // namespace
+// One request in the buffer that also takes its answer.
+struct ElsExchange {
+    frame::Bytes buffer;
+    uint32_t capacity = 0;  // of the answer
+    uint32_t returned = 0;  // bytes of the reply, its header included
 
-HX_STATUS SendEls(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
-                  int32_t payloadSize, void* response, const uint32_t* responseSize,
-                  uint8_t option) {
+    uint8_t* Data() const { return buffer.get() + sizeof(ElsRequest); }
+    uint32_t AnswerLength() const {
+        constexpr uint32_t kHead = sizeof(ElsRequest);
+        return returned > kHead ? std::min(capacity, returned - kHead) : 0;
+    }
+    HX_STATUS Run(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                  int32_t payloadSize, const void* response, const uint32_t* responseSize,
+                  uint8_t option);
+};
+
+HX_STATUS ElsExchange::Run(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                           int32_t payloadSize, const void* response, const uint32_t* responseSize,
+                           uint8_t option) {
     if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
         return status;
     }
@@ -61,40 +75,61 @@ HX_STATUS SendEls(uint32_t handle, const HX_SCSI_ADDRESS* destination, const voi
         (response == nullptr && *responseSize != 0)) {
         return HXMGT_INVALID_PARAMETER;
     }
-    const uint32_t capacity = *responseSize;
+    capacity = *responseSize;
     const uint32_t sent = static_cast<uint32_t>(payloadSize);
     if (capacity > UINT32_MAX - sizeof(ElsRequest)) {
         return HXMGT_OUT_OF_MEMORY;
     }
-    const frame::Bytes buffer = frame::ZeroedBytes(sizeof(ElsRequest) + std::max(sent, capacity));
+    buffer = frame::ZeroedBytes(sizeof(ElsRequest) + std::max(sent, capacity));
     if (buffer == nullptr) {
         return HXMGT_OUT_OF_MEMORY;
     }
     ElsRequest& request = *reinterpret_cast<ElsRequest*>(buffer.get());
-    uint8_t* const data = buffer.get() + sizeof request;
     if (!PutDestination(*destination, request)) {
         return HXMGT_INVALID_PARAMETER;
     }
     request.option = option;
-    std::memcpy(data, payload, sent);
+    std::memcpy(Data(), payload, sent);
 
     const transport::Command command = transport::command::ElsPassThrough;
-    uint32_t returned = 0;
-    if (const HX_STATUS status =
-            transport::SendExtended(handle, command.code, command.subCode, buffer.get(),
-                                    static_cast<uint32_t>(sizeof request) + sent, buffer.get(),
-                                    static_cast<uint32_t>(sizeof request) + capacity, &returned);
-        status != HXMGT_SUCCESS) {
+    const HX_STATUS status =
+        transport::SendExtended(handle, command.code, command.subCode, buffer.get(),
+                                static_cast<uint32_t>(sizeof request) + sent, buffer.get(),
+                                static_cast<uint32_t>(sizeof request) + capacity, &returned);
+    return status == HXMGT_SUCCESS && request.rejected == 1 ? HXMGT_ELS_REJECTED : status;
+}
+
+}  // namespace
+
+HX_STATUS SendEls(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                  int32_t payloadSize, void* response, const uint32_t* responseSize,
+                  uint8_t option) {
+    ElsExchange els;
+    const HX_STATUS status =
+        els.Run(handle, destination, payload, payloadSize, response, responseSize, option);
+    if (status != HXMGT_SUCCESS) {
         return status;
     }
-    if (request.rejected == 1) {
-        return HXMGT_ELS_REJECTED;
-    }
     // The caller learns the length from the payload; *responseSize stays: intended.
-    if (const uint32_t copied = std::min(capacity, returned); copied != 0) {
-        std::memcpy(response, data, copied);
+    if (const uint32_t copied = std::min(els.capacity, els.returned); copied != 0) {
+        std::memcpy(response, els.Data(), copied);
     }
     return HXMGT_SUCCESS;
+}
+
+HX_STATUS SendElsEx(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                    int32_t payloadSize, void* response, uint32_t* responseSize, uint8_t option) {
+    ElsExchange els;
+    const HX_STATUS status =
+        els.Run(handle, destination, payload, payloadSize, response, responseSize, option);
+    if (status != HXMGT_SUCCESS && status != HXMGT_ELS_REJECTED) {
+        return status;
+    }
+    *responseSize = els.AnswerLength();
+    if (*responseSize != 0) {
+        std::memcpy(response, els.Data(), *responseSize);
+    }
+    return status;
 }
 
 HX_STATUS SendRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,

@@ -22,6 +22,8 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
 HX_STATUS SendEls(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
                   int32_t payloadSize, void* response, const uint32_t* responseSize,
                   uint8_t option);
+HX_STATUS SendElsEx(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
+                    int32_t payloadSize, void* response, uint32_t* responseSize, uint8_t option);
 HX_STATUS SendRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
                    uint8_t* response, uint32_t responseSize);
 HX_STATUS ManageScm(uint32_t handle, uint8_t* settings);

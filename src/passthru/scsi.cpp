@@ -9,6 +9,7 @@
 #include "passthru/scsi_records.h"
 #include "properties/generation.h"
 #include "properties/legacy_targets.h"
+#include "properties/target_address.h"
 #include "transport/driver_status.h"
 #include "transport/requests.h"
 
@@ -36,27 +37,12 @@ struct ScsiCall {
     bool TakesSense() const { return sense != nullptr; }
 };
 
-struct AddressRow {
-    uint16_t type;  // HX_ADDRESS_...
-    DriverAddress driverType;
-    uint8_t bytes;  // of the address that travel
-};
-
-constexpr AddressRow kAddressRows[] = {
-    {HX_ADDRESS_NODE_NAME, DriverAddress::NodeName, 8},
-    {HX_ADDRESS_PORT_NAME, DriverAddress::PortName, 8},
-    {HX_ADDRESS_PORT_ID, DriverAddress::PortId, 3},
-    {HX_ADDRESS_BUS_TARGET, DriverAddress::BusAndTarget, 4},
-};
-
 // Any other type goes out as no address at LUN 0, for the driver to decide: intended.
 void PutAddress(const HX_SCSI_ADDRESS& target, ScsiRequest& request) {
-    for (const AddressRow& row : kAddressRows) {
-        if (row.type == target.type) {
-            std::memcpy(request.address, target.address, row.bytes);
-            request.addressType = static_cast<uint16_t>(row.driverType);
-            request.lun = target.lun;
-        }
+    if (const properties::AddressKind* const kind = properties::KindOf(target)) {
+        std::memcpy(request.address, target.address, kind->bytes);
+        request.addressType = static_cast<uint16_t>(kind->driverType);
+        request.lun = target.lun;
     }
 }
 
@@ -105,33 +91,15 @@ HX_STATUS SendExtended(uint32_t handle, const ScsiCall& call) {
     return status;
 }
 
-bool Names(const HX_SCSI_ADDRESS& address, const LegacyTargetEntry& entry) {
-    switch (address.type) {
-        case HX_ADDRESS_NODE_NAME:
-            return std::memcmp(address.address, entry.nodeName, sizeof entry.nodeName) == 0;
-        case HX_ADDRESS_PORT_NAME:
-            return std::memcmp(address.address, entry.portName, sizeof entry.portName) == 0;
-        case HX_ADDRESS_PORT_ID:
-            return std::memcmp(address.address, entry.portId, sizeof entry.portId) == 0;
-        case HX_ADDRESS_BUS_TARGET: {
-            uint16_t busAndTarget[2];
-            std::memcpy(busAndTarget, address.address, sizeof busAndTarget);
-            return busAndTarget[0] == entry.bus && busAndTarget[1] == entry.target;
-        }
-        default:
-            return false;
-    }
-}
-
 // Loop ID of the target in the driver's list.
 HX_STATUS FindLoopId(uint32_t handle, const HX_SCSI_ADDRESS& target, uint16_t& loopId) {
     properties::LegacyTargets targets;
     if (const HX_STATUS status = targets.Fetch(handle); status != HXMGT_SUCCESS) {
         return status;
     }
-    const auto found =
-        std::find_if(targets.Entries().begin(), targets.Entries().end(),
-                     [&](const LegacyTargetEntry& entry) { return Names(target, entry); });
+    const auto found = std::find_if(
+        targets.Entries().begin(), targets.Entries().end(),
+        [&](const LegacyTargetEntry& entry) { return properties::Names(target, entry); });
     if (found == targets.Entries().end() || found->loopId == kNoLoopId) {
         return HXMGT_INVALID_PARAMETER;
     }

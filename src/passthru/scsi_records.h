@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "properties/target_address.h"
+
 namespace passthru {
 
 #pragma pack(push, 1)
@@ -25,14 +27,7 @@ static_assert(offsetof(ScsiRequest, direction) == 16);
 static_assert(offsetof(ScsiRequest, cdb) == 18);
 static_assert(offsetof(ScsiRequest, sense) == 96);
 
-// Address types as the driver numbers them.
-enum class DriverAddress : uint16_t {
-    None = 0,
-    NodeName = 1,
-    PortName = 2,
-    PortId = 3,
-    BusAndTarget = 5,
-};
+using properties::DriverAddress;
 
 enum class ScsiDirection : uint8_t { None = 0, In = 1, Out = 2 };
 

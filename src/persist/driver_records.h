@@ -81,7 +81,7 @@ static_assert(sizeof(BusAddressBlock) == 16);
 // TargetLunMaskFc; in front of the mask also SetTargetLunMaskFc.
 struct FcAddressBlock {
     uint8_t address[8];   // name; port identifier; or 16-bit bus and target
-    uint16_t driverType;  // properties::DriverAddressType
+    uint16_t driverType;  // properties::DriverAddress
     uint8_t reserved10[6];
 };
 static_assert(sizeof(FcAddressBlock) == 16);

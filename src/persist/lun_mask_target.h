@@ -57,7 +57,7 @@ inline MaskTarget ByAddress(const DESTINATIONADDRESS& address) {
 }
 
 inline bool Names(const MaskTarget& target, const HX_TARGET_ENTRY& entry) {
-    return !IsFree(entry) && target.kind != nullptr && target.kind->names(target.address, entry);
+    return !IsFree(entry) && properties::Names(target.address, entry);
 }
 
 // Masks in the driver and in the store. mask has maskSize bytes, and 256 for ReadMaskFromStore.

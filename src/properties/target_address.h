@@ -10,19 +10,36 @@
 namespace properties {
 
 // Address types as the driver numbers them.
-enum class DriverAddressType : uint16_t {
+enum class DriverAddress : uint16_t {
+    None = 0,
     NodeName = 1,
     PortName = 2,
     PortId = 3,
-    BusAndTarget = 5
+    BusAndTarget = 5,
 };
 
 struct AddressKind {
     uint16_t type;  // HX_ADDRESS_...
-    DriverAddressType driverType;
+    DriverAddress driverType;
     uint8_t bytes;  // of the address that travel
-    bool (*names)(const HX_SCSI_ADDRESS& address, const HX_TARGET_ENTRY& entry);
 };
+
+inline constexpr AddressKind kAddressKinds[] = {
+    {HX_ADDRESS_NODE_NAME, DriverAddress::NodeName, 8},
+    {HX_ADDRESS_PORT_NAME, DriverAddress::PortName, 8},
+    {HX_ADDRESS_PORT_ID, DriverAddress::PortId, 3},
+    {HX_ADDRESS_BUS_TARGET, DriverAddress::BusAndTarget, 4},
+};
+
+// Null for any other type: it names nothing.
+inline const AddressKind* KindOf(const HX_SCSI_ADDRESS& address) {
+    for (const AddressKind& kind : kAddressKinds) {
+        if (kind.type == address.type) {
+            return &kind;
+        }
+    }
+    return nullptr;
+}
 
 struct BusAndTarget {
     uint16_t bus;
@@ -35,34 +52,26 @@ inline BusAndTarget BusAndTargetOf(const HX_SCSI_ADDRESS& address) {
     return value;
 }
 
-inline constexpr AddressKind kAddressKinds[] = {
-    {HX_ADDRESS_NODE_NAME, DriverAddressType::NodeName, 8,
-     [](const HX_SCSI_ADDRESS& address, const HX_TARGET_ENTRY& entry) {
-         return std::memcmp(address.address, entry.nodeName, sizeof entry.nodeName) == 0;
-     }},
-    {HX_ADDRESS_PORT_NAME, DriverAddressType::PortName, 8,
-     [](const HX_SCSI_ADDRESS& address, const HX_TARGET_ENTRY& entry) {
-         return std::memcmp(address.address, entry.portName, sizeof entry.portName) == 0;
-     }},
-    {HX_ADDRESS_PORT_ID, DriverAddressType::PortId, 3,
-     [](const HX_SCSI_ADDRESS& address, const HX_TARGET_ENTRY& entry) {
-         return std::memcmp(address.address, entry.portId, sizeof entry.portId) == 0;
-     }},
-    {HX_ADDRESS_BUS_TARGET, DriverAddressType::BusAndTarget, 4,
-     [](const HX_SCSI_ADDRESS& address, const HX_TARGET_ENTRY& entry) {
-         const BusAndTarget wanted = BusAndTargetOf(address);
-         return wanted.bus == entry.bus && wanted.target == entry.target;
-     }},
-};
-
-// Null for any other type: it names nothing.
-inline const AddressKind* KindOf(const HX_SCSI_ADDRESS& address) {
-    for (const AddressKind& kind : kAddressKinds) {
-        if (kind.type == address.type) {
-            return &kind;
+// Whether the address is that of a target in a list of the driver's or of the store's.
+template <typename Entry>
+bool Names(const HX_SCSI_ADDRESS& address, const Entry& entry) {
+    const auto same = [&](const auto& field) {
+        return std::memcmp(address.address, field, sizeof field) == 0;
+    };
+    switch (address.type) {
+        case HX_ADDRESS_NODE_NAME:
+            return same(entry.nodeName);
+        case HX_ADDRESS_PORT_NAME:
+            return same(entry.portName);
+        case HX_ADDRESS_PORT_ID:
+            return same(entry.portId);
+        case HX_ADDRESS_BUS_TARGET: {
+            const BusAndTarget wanted = BusAndTargetOf(address);
+            return wanted.bus == entry.bus && wanted.target == entry.target;
         }
+        default:
+            return false;
     }
-    return nullptr;
 }
 
 }  // namespace properties

@@ -29,6 +29,7 @@ class GuardedBuffer {
     uint8_t* Data() { return data_; }
     size_t Size() const { return size_; }
     uint8_t operator[](size_t index) const { return data_[index]; }
+    void Fill(uint8_t value) { memset(data_, value, size_); }
     // Whether bytes [from, to) all still have the value.
     bool Holds(uint8_t value, size_t from, size_t to) const {
         for (size_t i = from; i < to; ++i) {

@@ -305,15 +305,14 @@ ExitCode FabricEls(tools::Invocation& invocation) {
     }
     std::vector<uint8_t> answer;
     const HX_STATUS status = SendLinkService(session.Handle(), address, request, &answer);
-    if (status != HXMGT_SUCCESS) {
-        return LinkServiceFailed(invocation, session, status, ElsName(request[0]), answer);
+    if (status == HXMGT_SUCCESS || !answer.empty()) {
+        invocation.Changed();
+        result.Add("response", "Response",
+                   answer.empty() ? Value() : Value::Text(ElsName(answer[0])));
+        AddResponse(invocation, answer);
     }
-    invocation.Changed();
-    result.Add("response", "Response", Value::Text(ElsName(answer[0])));
-    AddResponse(invocation, answer);
-    if (ElsRejectText(answer)) {
-        return LinkServiceFailed(invocation, session, HXMGT_ELS_REJECTED, ElsName(request[0]),
-                                 answer);
+    if (status != HXMGT_SUCCESS || ElsRejectText(answer)) {
+        return LinkServiceFailed(invocation, session, status, ElsName(request[0]), answer);
     }
     return ExitCode::Done;
 }

@@ -62,9 +62,12 @@ uint32_t PortIdOf(tools::Invocation& invocation, const PortSession& session,
 HX_STATUS SendLinkService(uint32_t handle, const HX_SCSI_ADDRESS& address, Bytes request,
                           std::vector<uint8_t>* answer) {
     answer->assign(kLongestEls + kElsWord, 0);
-    const auto room = static_cast<uint32_t>(answer->size());
-    return HXSendElsPassThru(handle, 0, &address, request.data(),
-                             static_cast<int32_t>(request.size()), answer->data(), &room, 0);
+    auto length = static_cast<uint32_t>(answer->size());
+    const HX_STATUS status =
+        HXSendElsPassThruEx(handle, 0, &address, request.data(),
+                            static_cast<int32_t>(request.size()), answer->data(), &length, 0);
+    answer->resize(status == HXMGT_SUCCESS || status == HXMGT_ELS_REJECTED ? length : 0);
+    return status;
 }
 
 }  // namespace vxmgr

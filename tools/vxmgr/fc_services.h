@@ -20,7 +20,7 @@ std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
 uint32_t PortIdOf(tools::Invocation& invocation, const PortSession& session,
                   const HX_SCSI_ADDRESS& address);
 
-// A link service request to a port, and the answer in a buffer of the longest length.
+// A link service request to a port, and its answer or LS_RJT, if there is one.
 HX_STATUS SendLinkService(uint32_t handle, const HX_SCSI_ADDRESS& address, Bytes request,
                           std::vector<uint8_t>* answer);
 
