@@ -20,17 +20,6 @@ Bytes BytesOf(const Record& record, const Bytes& behind = {}) {
 
 class EmulatorBinding : public ModelFixture {
   protected:
-    std::vector<properties::PortDatabaseEntry> Database(uint32_t port = kNewest) {
-        const Bytes data =
-            Ask(port, command::PortDatabase, sizeof(properties::PortDatabaseReply), {7, 0, 0, 0})
-                .data;
-        std::vector<properties::PortDatabaseEntry> entries((data.size() - 8) / 172);
-        std::memcpy(entries.data(), data.data() + 8, entries.size() * 172);
-        EXPECT_EQ(data[0], 7);
-        EXPECT_EQ(data[4], entries.size());
-        return entries;
-    }
-
     DriverStatus Add(const properties::PortDatabaseEntry& entry) {
         return Ask(kNewest, command::AddTargetCommit, 0, BytesOf(entry)).Status();
     }
@@ -162,6 +151,7 @@ TEST_F(EmulatorBinding, TargetsAreAddedAndSwapped) {
     EXPECT_EQ(Ask(kNewest, command::SwapTargets, 0, BytesOf(swap)).Status(), DriverStatus::Success);
     EXPECT_EQ(+Database()[0].target, 1);
     EXPECT_EQ(+Database()[1].target, 0);
+    EXPECT_EQ(+Database(1)[0].target, 0) << "a binding is the port's own";
     // An unknown one takes the old one's place; then the old one is not known any more.
     swap.newDevice.portName[5] ^= 0x10;
     swap.newDevice.portId[2] = 0x33;

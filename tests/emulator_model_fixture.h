@@ -14,6 +14,7 @@
 #include "model/control.h"
 #include "model/model.h"
 #include "properties/driver_replies.h"
+#include "properties/port_database_records.h"
 #include "transport/ext_ioctl.h"
 
 namespace emulator_test {
@@ -222,6 +223,17 @@ class ModelFixture : public testing::Test {
                   Completion::Done);
         EXPECT_EQ(returned, sizeof *reply);
         return *reply;
+    }
+
+    std::vector<properties::PortDatabaseEntry> Database(uint32_t port = kNewest) {
+        const std::vector<uint8_t> data =
+            Ask(port, command::PortDatabase, sizeof(properties::PortDatabaseReply), {7, 0, 0, 0})
+                .data;
+        std::vector<properties::PortDatabaseEntry> entries((data.size() - 8) / 172);
+        std::memcpy(entries.data(), data.data() + 8, entries.size() * 172);
+        EXPECT_EQ(data[0], 7);
+        EXPECT_EQ(data[4], entries.size());
+        return entries;
     }
 
     TestHost host_;

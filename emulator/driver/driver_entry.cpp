@@ -5,6 +5,7 @@
 #include "devices.h"
 #include "kernel.h"
 #include "requests.h"
+#include "stored_config.h"
 #include "stored_profile.h"
 
 namespace driver {
@@ -71,8 +72,11 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
     if (NT_SUCCESS(status)) {
         shared->model = vxemu::Model::Create(kHost, *profile);
         Release(profile);
-        status = shared->model == nullptr ? STATUS_INSUFFICIENT_RESOURCES
-                                          : CreateDevices(object, shared);
+        status = STATUS_INSUFFICIENT_RESOURCES;
+        if (shared->model != nullptr) {
+            ApplyStores(*shared->model);
+            status = CreateDevices(object, shared);
+        }
     }
     if (!NT_SUCCESS(status)) {
         TearDown(object, shared);

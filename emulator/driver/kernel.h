@@ -34,6 +34,12 @@ class ObjectName {
         AppendNumber(number);
         Append(suffix);
     }
+    // Plain ASCII behind the prefix.
+    ObjectName(const wchar_t* prefix, const char* text, const char* suffix = "") {
+        Append(prefix);
+        Append(text);
+        Append(suffix);
+    }
     ObjectName(const ObjectName&) = delete;
     ObjectName& operator=(const ObjectName&) = delete;
 
@@ -45,9 +51,10 @@ class ObjectName {
     }
 
   private:
-    void Append(const wchar_t* text) {
+    template <typename Character>
+    void Append(const Character* text) {
         for (; *text != 0 && length_ < kCapacity; ++text) {
-            text_[length_++] = *text;
+            text_[length_++] = static_cast<wchar_t>(*text);
         }
     }
     void AppendNumber(uint32_t number) {

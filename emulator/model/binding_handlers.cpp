@@ -1,5 +1,4 @@
-// LUN masks and target bindings, both driver generations. Bus, target and binding flags are the
-// fabric's: what one port binds, the others see as well.
+// LUN masks and target bindings, both driver generations.
 #include <cstring>
 
 #include "model/bytes.h"
@@ -34,7 +33,7 @@ DriverStatus ReadMask(Exchange& exchange) {
     if (device == nullptr || !IsTarget(*device)) {
         return DriverStatus::DeviceNotFound;
     }
-    const LunMask mask = MaskOf(exchange.GetPort(), *device);
+    const LunMask mask = AttachmentOf(exchange.GetPort(), *device).mask;
     const uint32_t length = exchange.Room() < sizeof mask ? exchange.Room() : sizeof mask;
     exchange.StartReply(length);
     exchange.Put(0, &mask, length);
@@ -52,7 +51,7 @@ DriverStatus WriteMask(Exchange& exchange) {
     if (device == nullptr || !IsTarget(*device)) {
         return DriverStatus::DeviceNotFound;
     }
-    LunMask& mask = MaskOf(exchange.GetPort(), *device);
+    LunMask& mask = AttachmentOf(exchange.GetPort(), *device).mask;
     const uint32_t given = exchange.InputLength() - static_cast<uint32_t>(sizeof block);
     std::memcpy(mask.bytes, exchange.Bytes() + sizeof block,
                 given < sizeof mask.bytes ? given : sizeof mask.bytes);
@@ -103,21 +102,34 @@ DriverStatus StatusOf(ProfileError error) {
     }
 }
 
-// A device that is known already takes the new address and flags and keeps its LUNs.
+Attachment AttachmentOf(const TargetProfile& wanted) {
+    Attachment at = {};
+    at.bus = wanted.bus;
+    at.bindingFlags = wanted.bindingFlags;
+    at.target = wanted.target;
+    at.loopId = wanted.loopId;
+    return at;
+}
+
+// A device that is known already takes the new address and flags at this port and keeps its LUNs;
+// where it stands in the fabric does not change.
 DriverStatus Add(const Port& port, const TargetProfile& wanted) {
     Fabric& fabric = *port.fabric;
-    TargetProfile* known = FindKnown(fabric, wanted);
-    if (known == nullptr) {
-        return StatusOf(AddDevice(fabric, wanted));
+    TargetProfile* device = FindKnown(fabric, wanted);
+    const bool isNew = device == nullptr;
+    if (isNew) {
+        if (const ProfileError error = AddDevice(fabric, wanted); error != ProfileError::None) {
+            return StatusOf(error);
+        }
+        device = FindKnown(fabric, wanted);
     }
-    TargetProfile changed = *known;
-    std::memcpy(changed.portId, wanted.portId, sizeof changed.portId);
-    changed.bindingFlags = wanted.bindingFlags;
-    changed.bus = wanted.bus;
-    changed.target = wanted.target;
-    changed.loopId = wanted.loopId;
-    changed.portFlags = wanted.portFlags;
-    return StatusOf(ReplaceDevice(fabric, *known, changed));
+    if (Attach(port, *device, AttachmentOf(wanted))) {
+        return DriverStatus::Success;
+    }
+    if (isNew) {
+        RemoveDevice(fabric, *device);
+    }
+    return DriverStatus::InvalidParameter;
 }
 
 // The new device gets the place (bus, target, loop identifier) of the old one, and a new device
@@ -126,7 +138,7 @@ DriverStatus Swap(const Port& port, const TargetProfile& oldDevice,
                   const TargetProfile& newDevice) {
     Fabric& fabric = *port.fabric;
     TargetProfile* before = FindKnown(fabric, oldDevice);
-    TargetProfile* after = FindKnown(fabric, newDevice);
+    const TargetProfile* after = FindKnown(fabric, newDevice);
     if (before == nullptr) {
         return DriverStatus::DeviceNotFound;
     }
@@ -135,16 +147,18 @@ DriverStatus Swap(const Port& port, const TargetProfile& oldDevice,
         std::memcpy(replaced.nodeName, newDevice.nodeName, sizeof replaced.nodeName);
         std::memcpy(replaced.portName, newDevice.portName, sizeof replaced.portName);
         std::memcpy(replaced.portId, newDevice.portId, sizeof replaced.portId);
-        replaced.bindingFlags = newDevice.bindingFlags;
+        AttachmentOf(port, *before).bindingFlags = newDevice.bindingFlags;
         return StatusOf(ReplaceDevice(fabric, *before, replaced));
     }
-    const TargetProfile place = *before;
-    before->bus = after->bus;
-    before->target = after->target;
-    before->loopId = after->loopId;
-    after->bus = place.bus;
-    after->target = place.target;
-    after->loopId = place.loopId;
+    Attachment& first = AttachmentOf(port, *before);
+    Attachment& second = AttachmentOf(port, *after);
+    const Attachment place = first;
+    first.bus = second.bus;
+    first.target = second.target;
+    first.loopId = second.loopId;
+    second.bus = place.bus;
+    second.target = place.target;
+    second.loopId = place.loopId;
     return DriverStatus::Success;
 }
 
@@ -156,7 +170,7 @@ TargetProfile* NamedTarget(const Port& port, const persist::TargetAndMaskRequest
 
 void SetMask(const Port& port, const TargetProfile& device,
              const persist::TargetAndMaskRequest& request) {
-    std::memcpy(MaskOf(port, device).bytes, request.visible, persist::kVersion1Luns / 8);
+    std::memcpy(AttachmentOf(port, device).mask.bytes, request.visible, persist::kVersion1Luns / 8);
 }
 
 }  // namespace
@@ -200,7 +214,7 @@ bool LegacySetTarget(Exchange& exchange) {
     if (device == nullptr) {
         return false;
     }
-    device->bindingFlags = request.entry.bindingFlags;
+    AttachmentOf(exchange.GetPort(), *device).bindingFlags = request.entry.bindingFlags;
     SetMask(exchange.GetPort(), *device, request);
     return true;
 }

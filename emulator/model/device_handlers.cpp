@@ -11,24 +11,25 @@ namespace {
 
 using transport::DriverStatus;
 
-HX_DISCOVERED_DEVICE DiscoveredDevice(const TargetProfile& device) {
+HX_DISCOVERED_DEVICE DiscoveredDevice(const Port& port, const TargetProfile& device) {
     HX_DISCOVERED_DEVICE record = {};
     std::memcpy(record.nodeName, device.nodeName, sizeof record.nodeName);
     std::memcpy(record.portName, device.portName, sizeof record.portName);
     std::memcpy(record.portId, device.portId, sizeof record.portId);
-    record.bindingFlags = device.bindingFlags;
-    record.bus = device.bus;
-    record.target = device.target;
+    const Attachment& attachment = AttachmentOf(port, device);
+    record.bindingFlags = attachment.bindingFlags;
+    record.bus = attachment.bus;
+    record.target = attachment.target;
     return record;
 }
 
-properties::PortDatabaseEntry DatabaseEntry(const TargetProfile& device) {
+properties::PortDatabaseEntry DatabaseEntry(const Port& port, const TargetProfile& device) {
     properties::PortDatabaseEntry entry = {};
-    const HX_DISCOVERED_DEVICE common = DiscoveredDevice(device);
+    const HX_DISCOVERED_DEVICE common = DiscoveredDevice(port, device);
     static_assert(offsetof(properties::PortDatabaseEntry, reserved26) == sizeof common);
     std::memcpy(&entry, &common, sizeof common);
     entry.roleAndState = device.roleAndState;
-    entry.targetNumber = LoopIdOf(device);
+    entry.targetNumber = LoopIdOf(port, device);
     entry.portFlags = device.portFlags;
     std::memcpy(entry.symbolicName, device.symbolicName, sizeof device.symbolicName);
     return entry;
@@ -47,7 +48,7 @@ DriverStatus DiscoveredPort(Exchange& exchange) {
         return DriverStatus::DeviceNotFound;
     }
     HX_DISCOVERED_PORT reply = {};
-    reply.device = DiscoveredDevice(*device);
+    reply.device = DiscoveredDevice(exchange.GetPort(), *device);
     exchange.Reply(reply);
     return DriverStatus::Success;
 }
@@ -58,7 +59,7 @@ DriverStatus DiscoveredTarget(Exchange& exchange) {
         return DriverStatus::DeviceNotFound;
     }
     HX_DISCOVERED_TARGET reply = {};
-    reply.device = DiscoveredDevice(*device);
+    reply.device = DiscoveredDevice(exchange.GetPort(), *device);
     reply.numberOfLuns = CountLuns(exchange.GetPort(), *device);
     exchange.Reply(reply);
     return DriverStatus::Success;
@@ -78,7 +79,7 @@ DriverStatus PortDatabase(Exchange& exchange) {
     exchange.Put(0, &header, sizeof header);
     for (uint32_t at = 0; at < header.count; ++at) {
         const properties::PortDatabaseEntry entry =
-            DatabaseEntry(*NthDevice(port, DeviceKind::Any, at));
+            DatabaseEntry(port, *NthDevice(port, DeviceKind::Any, at));
         exchange.Put(sizeof header + at * kEntry, &entry, kEntry);
     }
     return DriverStatus::Success;

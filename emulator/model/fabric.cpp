@@ -31,8 +31,17 @@ void SetVisible(LunMask& mask, uint32_t number, bool visible) {
     byte = static_cast<uint8_t>(visible ? byte | bit : byte & ~bit);
 }
 
-void StartMask(const Fabric& fabric, const Port& port, const TargetProfile& device) {
-    LunMask& mask = MaskOf(port, device);
+void StartAddress(const Port& port, const TargetProfile& device) {
+    Attachment& attachment = AttachmentOf(port, device);
+    attachment.bus = device.bus;
+    attachment.target = device.target;
+    attachment.loopId = device.loopId;
+    attachment.bindingFlags = device.bindingFlags;
+}
+
+void Start(const Fabric& fabric, const Port& port, const TargetProfile& device) {
+    StartAddress(port, device);
+    LunMask& mask = AttachmentOf(port, device).mask;
     std::memset(mask.bytes, 0xFF, sizeof mask.bytes);
     const uint32_t index = IndexOf(fabric, device);
     for (uint32_t at = 0; at < fabric.profile->lunCount; ++at) {
@@ -102,7 +111,8 @@ TargetProfile* FindDevice(const Port& port, passthru::DriverAddress type,
             uint16_t numbers[2];
             std::memcpy(numbers, address, sizeof numbers);
             return FirstSeen(port, [&](const TargetProfile& device) {
-                return device.bus == numbers[0] && device.target == numbers[1];
+                const Attachment& at = AttachmentOf(port, device);
+                return at.bus == numbers[0] && at.target == numbers[1];
             });
         }
         case DriverAddress::None:
@@ -117,15 +127,21 @@ TargetProfile* FindByPortName(const Port& port, const uint8_t (&portName)[8]) {
 }
 
 TargetProfile* FindByLoopId(const Port& port, uint16_t loopId) {
-    return FirstSeen(port, [&](const TargetProfile& device) { return LoopIdOf(device) == loopId; });
+    return FirstSeen(port,
+                     [&](const TargetProfile& device) { return LoopIdOf(port, device) == loopId; });
 }
 
 uint32_t IndexOf(const Fabric& fabric, const TargetProfile& device) {
     return static_cast<uint32_t>(&device - fabric.profile->targets);
 }
 
-LunMask& MaskOf(const Port& port, const TargetProfile& device) {
-    return port.masks[IndexOf(*port.fabric, device)];
+Attachment& AttachmentOf(const Port& port, const TargetProfile& device) {
+    return port.attachments[IndexOf(*port.fabric, device)];
+}
+
+uint16_t LoopIdOf(const Port& port, const TargetProfile& device) {
+    const uint32_t loopId = AttachmentOf(port, device).loopId;
+    return static_cast<uint16_t>((loopId & ~1u) | (device.present != 0 ? 1u : 0u));
 }
 
 LunProfile* FindLun(const Fabric& fabric, const TargetProfile& device, uint32_t number) {
@@ -140,7 +156,7 @@ LunProfile* FindLun(const Fabric& fabric, const TargetProfile& device, uint32_t 
 }
 
 const LunProfile* VisibleLun(const Port& port, const TargetProfile& device, uint32_t number) {
-    return number <= kMaxLunNumber && IsVisible(MaskOf(port, device), number)
+    return number <= kMaxLunNumber && IsVisible(AttachmentOf(port, device).mask, number)
                ? FindLun(*port.fabric, device, number)
                : nullptr;
 }
@@ -160,12 +176,30 @@ DiskKey DiskOf(const Fabric& fabric, const LunProfile& lun) {
     return disk;
 }
 
-void StartMasks(Fabric& fabric) {
+void StartAttachments(Fabric& fabric) {
     for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
         for (TargetProfile& device : fabric.profile->targets) {
-            StartMask(fabric, fabric.ports[port], device);
+            Start(fabric, fabric.ports[port], device);
         }
     }
+}
+
+bool Attach(const Port& port, const TargetProfile& device, const Attachment& at) {
+    const Profile& profile = *port.fabric->profile;
+    for (uint32_t index = 0; index < profile.targetCount; ++index) {
+        const Attachment& other = port.attachments[index];
+        const bool same =
+            (other.bus == at.bus && other.target == at.target) || other.loopId / 2 == at.loopId / 2;
+        if (same && index != IndexOf(*port.fabric, device)) {
+            return false;
+        }
+    }
+    Attachment& attachment = AttachmentOf(port, device);
+    attachment.bus = at.bus;
+    attachment.target = at.target;
+    attachment.loopId = at.loopId;
+    attachment.bindingFlags = at.bindingFlags;
+    return true;
 }
 
 ProfileError AddDevice(Fabric& fabric, const TargetProfile& device) {
@@ -180,7 +214,7 @@ ProfileError AddDevice(Fabric& fabric, const TargetProfile& device) {
         return error;
     }
     for (uint32_t port = 0; port < profile.portCount; ++port) {
-        StartMask(fabric, fabric.ports[port], slot);
+        Start(fabric, fabric.ports[port], slot);
     }
     return error;
 }
@@ -197,14 +231,23 @@ void RemoveDevice(Fabric& fabric, TargetProfile& device) {
         }
     }
     for (uint32_t port = 0; port < profile.portCount; ++port) {
-        uint32_t masks = profile.targetCount;
-        Close(fabric.ports[port].masks, masks, index);
+        uint32_t count = profile.targetCount;
+        Close(fabric.ports[port].attachments, count, index);
     }
     Close(profile.targets, profile.targetCount, index);
 }
 
 ProfileError ReplaceDevice(Fabric& fabric, TargetProfile& device, const TargetProfile& with) {
-    return Replace(fabric, device, with);
+    const TargetProfile before = device;
+    const ProfileError error = Replace(fabric, device, with);
+    const bool moves = before.bus != with.bus || before.target != with.target ||
+                       before.loopId != with.loopId || before.bindingFlags != with.bindingFlags;
+    if (error == ProfileError::None && moves) {
+        for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
+            StartAddress(fabric.ports[port], device);
+        }
+    }
+    return error;
 }
 
 ProfileError AddLun(Fabric& fabric, const LunProfile& lun) {
@@ -219,7 +262,7 @@ ProfileError AddLun(Fabric& fabric, const LunProfile& lun) {
         return error;
     }
     for (uint32_t port = 0; port < profile.portCount; ++port) {
-        SetVisible(MaskOf(fabric.ports[port], profile.targets[lun.target]), lun.number,
+        SetVisible(AttachmentOf(fabric.ports[port], profile.targets[lun.target]).mask, lun.number,
                    lun.masked == 0);
     }
     return error;
@@ -236,8 +279,8 @@ ProfileError ReplaceLun(Fabric& fabric, LunProfile& lun, const LunProfile& with)
     const ProfileError error = Replace(fabric, lun, with);
     if (error == ProfileError::None && maskChanges) {
         for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
-            SetVisible(MaskOf(fabric.ports[port], fabric.profile->targets[lun.target]), lun.number,
-                       lun.masked == 0);
+            SetVisible(AttachmentOf(fabric.ports[port], fabric.profile->targets[lun.target]).mask,
+                       lun.number, lun.masked == 0);
         }
     }
     return error;

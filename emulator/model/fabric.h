@@ -1,5 +1,6 @@
 // What the ports of all emulated adapters are connected to: targets with their LUNs, and other
-// hosts. The devices are the fabric's, their masks are each port's own.
+// hosts. The devices are the fabric's; under which address and with which LUNs a port sees one is
+// the port's own.
 #pragma once
 
 #include <cstdint>
@@ -25,12 +26,6 @@ inline bool IsTarget(const TargetProfile& device) {
     return device.role != DeviceRole::Initiator;
 }
 
-// Loop identifiers are odd while the device is there (bit 0 is the valid flag of a legacy driver's
-// list), even once it is gone.
-inline uint16_t LoopIdOf(const TargetProfile& device) {
-    return static_cast<uint16_t>((device.loopId & ~1u) | (device.present != 0 ? 1u : 0u));
-}
-
 enum class DeviceKind { Any, Target };
 
 // The index-th device that the port sees, or null; and how many there are.
@@ -47,8 +42,11 @@ TargetProfile* FindByLoopId(const Port& port, uint16_t loopId);
 // Index of a device in the profile.
 uint32_t IndexOf(const Fabric& fabric, const TargetProfile& device);
 
-// The port's mask of the device: LUN n is bit (n mod 8) of byte (n div 8), set = visible.
-LunMask& MaskOf(const Port& port, const TargetProfile& device);
+Attachment& AttachmentOf(const Port& port, const TargetProfile& device);
+
+// Loop identifiers are odd while the device is there (bit 0 is the valid flag of a legacy driver's
+// list), even once it is gone.
+uint16_t LoopIdOf(const Port& port, const TargetProfile& device);
 
 // The LUN of a target, null when there is none or the port's mask hides it.
 LunProfile* FindLun(const Fabric& fabric, const TargetProfile& device, uint32_t number);
@@ -56,13 +54,18 @@ const LunProfile* VisibleLun(const Port& port, const TargetProfile& device, uint
 uint32_t CountLuns(const Port& port, const TargetProfile& device);
 DiskKey DiskOf(const Fabric& fabric, const LunProfile& lun);
 
-// All masks as at the start: everything is visible but the LUNs that the profile masks.
-void StartMasks(Fabric& fabric);
+// All attachments as at the start: the profile's addresses, and everything is visible but the LUNs
+// that the profile masks.
+void StartAttachments(Fabric& fabric);
+
+// Gives a device another address at the port; false when another device has it.
+bool Attach(const Port& port, const TargetProfile& device, const Attachment& at);
 
 // Changes of the fabric. What they say is what ValidateTargets would object to; the fabric is then
 // as it was.
 ProfileError AddDevice(Fabric& fabric, const TargetProfile& device);
 void RemoveDevice(Fabric& fabric, TargetProfile& device);
+// A change of the address or flags counts for every port, whatever it had bound.
 ProfileError ReplaceDevice(Fabric& fabric, TargetProfile& device, const TargetProfile& with);
 ProfileError AddLun(Fabric& fabric, const LunProfile& lun);
 void RemoveLun(Fabric& fabric, LunProfile& lun);

@@ -50,11 +50,12 @@ void LinkValue(Exchange& exchange, const transport::SelectorRecord& selector) {
     exchange.Reply(reply);
 }
 
-properties::LegacyTargetEntry ListedDevice(const TargetProfile& device) {
+properties::LegacyTargetEntry ListedDevice(const Port& port, const TargetProfile& device) {
     properties::LegacyTargetEntry entry = {};
-    entry.loopId = LoopIdOf(device);
-    entry.bus = device.bus;
-    entry.target = static_cast<uint8_t>(device.target);
+    const Attachment& attachment = AttachmentOf(port, device);
+    entry.loopId = LoopIdOf(port, device);
+    entry.bus = attachment.bus;
+    entry.target = static_cast<uint8_t>(attachment.target);
     std::memcpy(entry.portId, device.portId, sizeof entry.portId);
     std::memcpy(entry.nodeName, device.nodeName, sizeof entry.nodeName);
     std::memcpy(entry.portName, device.portName, sizeof entry.portName);
@@ -77,7 +78,7 @@ void TargetList(Exchange& exchange, const transport::SelectorRecord& selector) {
     uint16_t count = 0;
     for (uint32_t at = 0; at < profile.targetCount; ++at) {
         if (IsListed(port, profile.targets[at])) {
-            const properties::LegacyTargetEntry entry = ListedDevice(profile.targets[at]);
+            const properties::LegacyTargetEntry entry = ListedDevice(port, profile.targets[at]);
             exchange.Put(offsetof(List, entries) + count++ * static_cast<uint32_t>(sizeof entry),
                          &entry, sizeof entry);
         }
@@ -95,7 +96,8 @@ void LunList(Exchange& exchange, const transport::SelectorRecord&) {
         persist::LunRecordV1 record = {};
         std::memcpy(record.nodeName, device->nodeName, sizeof record.nodeName);
         std::memcpy(record.portName, device->portName, sizeof record.portName);
-        std::memcpy(record.visible, MaskOf(port, *device).bytes, persist::kVersion1Luns / 8);
+        std::memcpy(record.visible, AttachmentOf(port, *device).mask.bytes,
+                    persist::kVersion1Luns / 8);
         exchange.Put(persist::BlockLength<persist::LunRecordV1>(head.count++), &record,
                      sizeof record);
     }

@@ -66,9 +66,9 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     model->profile_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
     model->ports_ =
         static_cast<Port*>(host.allocate(host.context, profile.portCount * sizeof(Port)));
-    model->masks_ = static_cast<LunMask*>(
-        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(LunMask)));
-    if (model->profile_ == nullptr || model->ports_ == nullptr || model->masks_ == nullptr) {
+    model->attachments_ = static_cast<Attachment*>(
+        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Attachment)));
+    if (model->profile_ == nullptr || model->ports_ == nullptr || model->attachments_ == nullptr) {
         Destroy(model);
         return nullptr;
     }
@@ -79,13 +79,13 @@ Model* Model::Create(const Host& host, const Profile& profile) {
         port.adapter = &model->profile_->adapters[port.profile->adapter];
         port.initialState = port.profile->state;
         port.fabric = &model->fabric_;
-        port.masks = model->masks_ + index * kMaxTargets;
+        port.attachments = model->attachments_ + index * kMaxTargets;
         port.statisticsReset = host.Now();
     }
     model->fabric_.host = host;
     model->fabric_.profile = model->profile_;
     model->fabric_.ports = model->ports_;
-    StartMasks(model->fabric_);
+    StartAttachments(model->fabric_);
     model->startTime_ = host.Now();
     return model;
 }
@@ -96,7 +96,7 @@ void Model::Destroy(Model* model) {
     }
     const Host host = model->host_;
     model->fabric_.store.Clear(host);
-    void* const blocks[] = {model->masks_, model->ports_, model->profile_};
+    void* const blocks[] = {model->attachments_, model->ports_, model->profile_};
     for (void* block : blocks) {
         if (block != nullptr) {
             host.release(host.context, block);
@@ -111,6 +111,12 @@ uint32_t Model::ScsiPortNumber(uint32_t port) const {
 
 const char* Model::DriverName(uint32_t port) const {
     return port < PortCount() ? ports_[port].adapter->driverName : "";
+}
+
+void Model::ApplyStore(uint32_t port, const StoredConfig& stored) {
+    if (port < PortCount()) {
+        vxemu::ApplyStore(ports_[port], stored);
+    }
 }
 
 void Model::CountHandle(uint32_t port, int32_t change) {

@@ -15,6 +15,7 @@
 #include "model/host.h"
 #include "model/port.h"
 #include "model/profile.h"
+#include "model/stored_config.h"
 
 namespace vxemu {
 
@@ -36,6 +37,13 @@ class Model {
     uint32_t PortCount() const { return profile_->portCount; }
     uint32_t ScsiPortNumber(uint32_t port) const;
     const char* DriverName(uint32_t port) const;
+
+    // Where the port's bindings and masks are stored, and taking them over at the start.
+    const uint8_t (&PortName(uint32_t port) const)[8] { return ports_[port].profile->portName; }
+    bool KeepsValueNames(uint32_t port) const {
+        return ports_[port].adapter->vendorSpecificId != 0;
+    }
+    void ApplyStore(uint32_t port, const StoredConfig& stored);
 
     // One IOCTL_SCSI_MINIPORT on a buffer of max(inputLength, outputLength) bytes that holds the
     // input and receives the output. *returned is the number of bytes to hand back, 0 unless Done.
@@ -61,7 +69,7 @@ class Model {
     Host host_;
     Profile* profile_;
     Port* ports_;  // one per port of the profile
-    LunMask* masks_;
+    Attachment* attachments_;
     Fabric fabric_;
     FaultList faults_;
     uint64_t startTime_;

@@ -15,13 +15,22 @@ struct LunMask {
     uint8_t bytes[kLunMaskBytes];
 };
 
+// What a port holds about a device of the fabric.
+struct Attachment {
+    LunMask mask;  // LUN n is bit (n mod 8) of byte (n div 8), set = visible
+    uint8_t bus;
+    uint8_t bindingFlags;
+    uint16_t target;
+    uint16_t loopId;  // bit 0 is not used: it says whether the device is there
+};
+
 // A block of these comes zeroed from the host; zero is the state before the first request.
 struct Port {
     AdapterProfile* adapter;  // both inside the model's own profile
     PortProfile* profile;
-    Fabric* fabric;          // what the port is connected to
-    LunMask* masks;          // one per target of the profile, kMaxTargets of them
-    PortState initialState;  // what a reset returns to
+    Fabric* fabric;           // what the port is connected to
+    Attachment* attachments;  // one per target of the profile, kMaxTargets of them
+    PortState initialState;   // what a reset returns to
     EventQueue events;
     uint64_t requests;
     uint64_t faults;

@@ -30,5 +30,10 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/scsi_identity.cpp
     emulator/model/scsi_task.cpp
     emulator/model/statistics.cpp
+    emulator/model/stored_config.cpp
+)
+# What the model shares with the library; not for programs that have the library's objects.
+set(VXEMU_MODEL_SHARED_SOURCES
+    src/persist/blocks.cpp
 )
 set(VXEMU_MODEL_INCLUDE_DIRS emulator include src)

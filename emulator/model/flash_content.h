@@ -1,0 +1,46 @@
+// What a flash holds as delivered, made on demand from the profile: nothing of it is kept until it
+// is written to.
+#pragma once
+
+#include <cstdint>
+
+#include "model/byte_window.h"
+#include "model/flash_regions.h"
+#include "model/profile.h"
+#include "model/version_numbers.h"
+
+namespace vxemu {
+
+// An adapter of a profile, as it was when the adapters started.
+struct FlashOrigin {
+    const Profile* profile;
+    uint32_t adapter;
+
+    const AdapterProfile& Adapter() const { return profile->adapters[adapter]; }
+};
+
+// Fills a window of the whole flash.
+void PutFlash(const FlashOrigin& origin, const FlashRegions& regions, ByteWindow window);
+
+// Fills a window of one region.
+void PutRegion(const FlashOrigin& origin, const FlashRegion& region, ByteWindow window);
+
+// Words of a firmware image beside those that the library knows: flash/firmware_image.h.
+inline constexpr uint32_t kBuildWord = 7;
+inline constexpr uint32_t kDeviceWord = 8;
+inline constexpr uint32_t kAttributesWord = 9;
+
+struct FirmwareSpec {
+    VersionNumbers version;
+    uint16_t deviceId;
+    uint32_t attributes;
+};
+
+// Fills a window of a region whose first three quarters are firmware.
+void PutFirmware(const FirmwareSpec& spec, uint32_t regionBytes, ByteWindow window);
+
+// Fills a window of a region that begins with boot code.
+void PutBootCode(const FlashOrigin& origin, bool biosAlone, uint32_t regionBytes,
+                 ByteWindow window);
+
+}  // namespace vxemu
