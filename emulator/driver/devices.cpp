@@ -1,5 +1,6 @@
 #include "devices.h"
 
+#include "disks.h"
 #include "model/control.h"
 
 namespace driver {
@@ -10,10 +11,11 @@ constexpr wchar_t kControlDeviceLink[] = L"\\DosDevices\\vxemu";
 constexpr wchar_t kPortDeviceObject[] = L"\\Device\\ScsiPort";
 constexpr wchar_t kPortDeviceLink[] = L"\\DosDevices\\scsi";
 
-NTSTATUS CreateDevice(DRIVER_OBJECT* driver, Shared* shared, uint32_t port, ObjectName& name,
+NTSTATUS CreateDevice(DRIVER_OBJECT* driver, const DeviceExtension& extension, ObjectName& name,
                       ObjectName& link) {
     DEVICE_OBJECT* device = nullptr;
-    const ULONG type = port == kControlDevice ? FILE_DEVICE_UNKNOWN : FILE_DEVICE_CONTROLLER;
+    const ULONG type =
+        extension.kind == DeviceKind::Control ? FILE_DEVICE_UNKNOWN : FILE_DEVICE_CONTROLLER;
     NTSTATUS status = IoCreateDevice(driver, sizeof(DeviceExtension), name.Get(), type,
                                      FILE_DEVICE_SECURE_OPEN, FALSE, &device);
     if (!NT_SUCCESS(status)) {
@@ -25,7 +27,7 @@ NTSTATUS CreateDevice(DRIVER_OBJECT* driver, Shared* shared, uint32_t port, Obje
         IoDeleteDevice(device);
         return status;
     }
-    ExtensionOf(device) = {shared, port};
+    ExtensionOf(device) = extension;
     device->Flags |= DO_BUFFERED_IO;
     device->Flags &= ~static_cast<ULONG>(DO_DEVICE_INITIALIZING);
     return STATUS_SUCCESS;
@@ -36,12 +38,15 @@ NTSTATUS CreateDevice(DRIVER_OBJECT* driver, Shared* shared, uint32_t port, Obje
 NTSTATUS CreateDevices(DRIVER_OBJECT* driver, Shared* shared) {
     ObjectName name(kControlDeviceObject);
     ObjectName link(kControlDeviceLink);
-    NTSTATUS status = CreateDevice(driver, shared, kControlDevice, name, link);
+    NTSTATUS status = CreateDevice(driver, {shared, DeviceKind::Control, 0, {}, 0}, name, link);
     for (uint32_t port = 0; NT_SUCCESS(status) && port < shared->model->PortCount(); ++port) {
         const uint32_t number = shared->model->ScsiPortNumber(port);
         ObjectName portName(kPortDeviceObject, number);
         ObjectName portLink(kPortDeviceLink, number, L":");
-        status = CreateDevice(driver, shared, port, portName, portLink);
+        status = CreateDevice(driver, {shared, DeviceKind::Port, port, {}, 0}, portName, portLink);
+    }
+    if (NT_SUCCESS(status)) {
+        CreateDisks(driver, shared);
     }
     return status;
 }
@@ -49,9 +54,11 @@ NTSTATUS CreateDevices(DRIVER_OBJECT* driver, Shared* shared) {
 void RemoveDevices(DRIVER_OBJECT* driver) {
     while (DEVICE_OBJECT* device = driver->DeviceObject) {
         const DeviceExtension& extension = ExtensionOf(device);
-        if (extension.port == kControlDevice) {
+        if (extension.kind == DeviceKind::Control) {
             ObjectName link(kControlDeviceLink);
             IoDeleteSymbolicLink(link.Get());
+        } else if (extension.kind == DeviceKind::Disk) {
+            UnlinkDisk(extension);
         } else {
             ObjectName link(kPortDeviceLink,
                             extension.shared->model->ScsiPortNumber(extension.port), L":");

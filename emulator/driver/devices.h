@@ -1,4 +1,5 @@
-// The driver's device objects: one per emulated port and the control device.
+// The driver's device objects: one per emulated port, one per disk and the
+// control device.
 #pragma once
 
 #include "delayed_completion.h"
@@ -16,19 +17,22 @@ struct Shared {
     uint64_t mapped;  // bit n: the key of SCSI port n was written by this driver
 };
 
-inline constexpr uint32_t kControlDevice = 0xFFFFFFFF;
+enum class DeviceKind : uint32_t { Control, Port, Disk };
 
 struct DeviceExtension {
     Shared* shared;
-    uint32_t port;  // index into the model's ports, or kControlDevice
+    DeviceKind kind;
+    uint32_t port;        // index into the model's ports
+    vxemu::DiskKey disk;  // of a disk
+    uint32_t diskNumber;  // N of "\\.\PhysicalDriveN"
 };
 
 inline DeviceExtension& ExtensionOf(DEVICE_OBJECT* device) {
     return *static_cast<DeviceExtension*>(device->DeviceExtension);
 }
 
-// Creates the control device and a device per port, each with its link. On failure the caller
-// removes what was made.
+// Creates the control device, a device per port and the disks, each with its link. On failure the
+// caller removes what was made.
 NTSTATUS CreateDevices(DRIVER_OBJECT* driver, Shared* shared);
 
 // Removes every device of the driver and its link.

@@ -1,6 +1,7 @@
 #include "requests.h"
 
 #include "devices.h"
+#include "disks.h"
 #include "transport/ext_ioctl.h"
 
 namespace driver {
@@ -38,19 +39,28 @@ NTSTATUS NTAPI OpenOrClose(DEVICE_OBJECT* device, IRP* irp) {
     const bool opens = IoGetCurrentIrpStackLocation(irp)->MajorFunction == IRP_MJ_CREATE;
     Shared& shared = *extension.shared;
     ExAcquireFastMutex(&shared.lock);
-    const bool refused = opens && shared.stopping;
-    if (!refused) {
+    NTSTATUS status = STATUS_SUCCESS;
+    if (opens && shared.stopping) {
+        status = STATUS_DELETE_PENDING;
+    } else if (opens && extension.kind == DeviceKind::Disk && !IsDiskThere(extension)) {
+        status = STATUS_NO_SUCH_DEVICE;
+    } else if (extension.kind == DeviceKind::Port) {
         shared.model->CountHandle(extension.port, opens ? 1 : -1);
     }
     ExReleaseFastMutex(&shared.lock);
-    return Complete(irp, refused ? STATUS_DELETE_PENDING : STATUS_SUCCESS, 0);
+    return Complete(irp, status, 0);
 }
 
 NTSTATUS NTAPI DeviceControl(DEVICE_OBJECT* device, IRP* irp) {
     const DeviceExtension& extension = ExtensionOf(device);
     Shared& shared = *extension.shared;
     const auto& parameters = IoGetCurrentIrpStackLocation(irp)->Parameters.DeviceIoControl;
-    const bool control = extension.port == kControlDevice;
+    if (extension.kind == DeviceKind::Disk) {
+        irp->IoStatus.Information = 0;
+        const NTSTATUS answered = DiskControl(extension, irp);
+        return Complete(irp, answered, static_cast<uint32_t>(irp->IoStatus.Information));
+    }
+    const bool control = extension.kind == DeviceKind::Control;
     if (!control && parameters.IoControlCode != transport::kIoctlScsiMiniport) {
         return Complete(irp, STATUS_INVALID_DEVICE_REQUEST, 0);
     }

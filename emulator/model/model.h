@@ -13,6 +13,7 @@
 #include "model/fabric.h"
 #include "model/faults.h"
 #include "model/host.h"
+#include "model/os_disks.h"
 #include "model/port.h"
 #include "model/profile.h"
 #include "model/stored_config.h"
@@ -44,6 +45,15 @@ class Model {
         return ports_[port].adapter->vendorSpecificId != 0;
     }
     void ApplyStore(uint32_t port, const StoredConfig& stored);
+
+    // The disks of the targets as the operating system knows them.
+    uint32_t DiskKeys() const { return CountDiskKeys(fabric_); }
+    bool GetDiskKey(uint32_t port, uint32_t index, DiskKey& key) const {
+        return port < PortCount() && vxemu::GetDiskKey(ports_[port], index, key);
+    }
+    bool FindDisk(uint32_t port, const DiskKey& key, OsDisk& disk) const {
+        return port < PortCount() && FindOsDisk(ports_[port], key, disk);
+    }
 
     // One IOCTL_SCSI_MINIPORT on a buffer of max(inputLength, outputLength) bytes that holds the
     // input and receives the output. *returned is the number of bytes to hand back, 0 unless Done.

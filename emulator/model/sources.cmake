@@ -19,6 +19,7 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/legacy_handlers.cpp
     emulator/model/model.cpp
     emulator/model/name_server.cpp
+    emulator/model/os_disks.cpp
     emulator/model/node_handlers.cpp
     emulator/model/port.cpp
     emulator/model/port_handlers.cpp

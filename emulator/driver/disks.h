@@ -1,0 +1,23 @@
+// The disks of the emulated targets as "\\.\PhysicalDriveN", as far as programs need them to find
+// out which LUN of which port a disk is: address, number, length and geometry. They hold no data
+// for the operating system; SCSI pass-through reads and writes it.
+//
+// A device is made at the driver's start for every disk that a port can see. It opens while the
+// port sees it.
+#pragma once
+
+#include "devices.h"
+
+namespace driver {
+
+void CreateDisks(DRIVER_OBJECT* driver, Shared* shared);
+
+// To be called for each device before it is deleted.
+void UnlinkDisk(const DeviceExtension& extension);
+
+// Whether a disk can be opened now; with the model's lock held.
+bool IsDiskThere(const DeviceExtension& extension);
+
+NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp);
+
+}  // namespace driver
