@@ -312,6 +312,13 @@ HX_STATUS HXWriteSFPData(uint32_t handle, uint64_t reserved, uint16_t device, co
                          uint16_t* deviceStatus);
 
 /*
+ * Reads the transceiver's memory (SFF-8472) in one request: the 256 bytes of device 0xA0, then those
+ * of device 0xA2. *size is the room in bytes, then the bytes read. HXMGT_SFP_DATA_UNAVAILABLE there is
+ * no transceiver; HXMGT_SFP_TRANSFER_ERROR; HXMGT_INVALID_PARAMETER.
+ */
+HX_STATUS HXGetSFPData(uint32_t handle, uint64_t reserved, void* buffer, uint32_t* size);
+
+/*
  * Loads a firmware image into the transceiver. HXMGT_SFP_FIRMWARE_INCOMPATIBLE: not for this
  * transceiver; HXMGT_SFP_FIRMWARE_UPDATE_ERROR: it stopped.
  */

@@ -403,7 +403,9 @@ HX_STATUS HXForceZetaAEN(int32_t handle);
 /* The rest of the interface, by subject. */
 #include "hxdumps.h"
 #include "hxflash.h"
+#include "hxmapping.h"
 #include "hxpassthru.h"
 #include "hxpersist.h"
+#include "hxstatistics.h"
 
 #endif /* HXMGTAPI_H */

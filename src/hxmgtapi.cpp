@@ -12,10 +12,13 @@
 #include "frame/handle_table.h"
 #include "frame/names.h"
 #include "frame/trace.h"
+#include "hbaapi/handlers.h"
+#include "mapping/mapping.h"
 #include "passthru/passthru.h"
 #include "persist/persist.h"
 #include "properties/port_database.h"
 #include "properties/properties.h"
+#include "statistics/statistics.h"
 #include "transport/requests.h"
 
 HX_STATUS HXOpenDevice(uint32_t adapterIndex, uint32_t* outHandle) {
@@ -534,6 +537,10 @@ HX_STATUS HXWriteSFPData(uint32_t handle, uint64_t, uint16_t device, const void*
     return flash::WriteTwoWire(handle, device, data, length, offset, options, deviceStatus);
 }
 
+HX_STATUS HXGetSFPData(uint32_t handle, uint64_t, void* buffer, uint32_t* size) {
+    return flash::ReadTransceiver(handle, buffer, size);
+}
+
 HX_STATUS HXLoadSFPFirmware(uint32_t handle, uint64_t, const void* image, uint32_t imageSize) {
     return flash::LoadTransceiverFirmware(handle, image, imageSize);
 }
@@ -544,4 +551,44 @@ HX_STATUS HXGetBFSInfo(uint32_t handle) {
 
 HX_STATUS HXOrvoMgt(uint32_t handle, uint32_t operation, void* request) {
     return flash::ManageCompanion(handle, operation, request);
+}
+
+// Statistics and management address.
+
+HX_STATUS HXGetStatistics(uint32_t handle, uint32_t, HX_STATISTICS* record) {
+    return statistics::GetStatistics(handle, record);
+}
+
+HX_STATUS HXResetStatistics(uint32_t handle) {
+    return statistics::ResetStatistics(handle);
+}
+
+HX_STATUS HXGetMgmtAddress(uint32_t handle, void* record, uint32_t size) {
+    return statistics::GetManagementAddress(handle, record, size);
+}
+
+HX_STATUS HXSetMgmtAddress(uint32_t handle, const HX_MGMT_ADDRESS_SETTING* record) {
+    return statistics::SetManagementAddress(handle, record);
+}
+
+// Operating system devices and volumes.
+
+HX_STATUS HXMapScsiTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* target,
+                                   HX_OS_DEVICE* device, HX_VOLUME* volumes, uint32_t* count) {
+    return mapping::MapTargetToVolumes(handle, target, device, volumes, count);
+}
+
+HX_STATUS HXMapVolumeToScsiTarget(uint32_t handle, const char* volume, HX_OS_DEVICE* devices,
+                                  uint32_t* count) {
+    return mapping::MapVolumeToTargets(handle, volume, devices, count);
+}
+
+HX_STATUS HXGetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count) {
+    return mapping::GetDiskExtents(volume, extents, count);
+}
+
+// The standard API: everything but this is called through the table it fills.
+
+HBA_STATUS HBA_RegisterLibrary(HBA_ENTRYPOINTS* entryPoints) {
+    return hbaapi::RegisterLibrary(entryPoints);
 }

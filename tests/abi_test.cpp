@@ -72,10 +72,10 @@ Names PrototypesOf(std::string header) {
     return found;
 }
 
-// hxmgtapi.h and whatever it brings along.
+// The standard API's header, hxmgtapi.h and whatever it brings along.
 std::string PublicHeaders() {
     const std::string chief = FileText("include/hxmgtapi.h");
-    std::string all = chief;
+    std::string all = FileText("include/hbaapi.h") + chief;
     const std::regex include(R"re(#include "(\w+\.h)")re");
     for (std::sregex_iterator match(chief.begin(), chief.end(), include), end; match != end;
          ++match) {

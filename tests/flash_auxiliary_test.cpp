@@ -1,7 +1,6 @@
 // Two-wire devices, companion chip, transceiver firmware, boot from SAN.
 #include <algorithm>
 
-#include "flash/crc32.h"
 #include "support/flash_driver.h"
 #include "support/scratch_file.h"
 
@@ -79,6 +78,37 @@ TEST_F(FlashAuxiliaryTest, TwoWireWrite) {
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXWriteSFPData(0, 0, 0xA2, data.Data(), 1, 0, 0, &status));
 }
 
+TEST_F(FlashAuxiliaryTest, TransceiverMemory) {
+    port->On(command::SfpRead, Reply{.data = Counting(512)});
+    for (const uint32_t room : {1u, 256u, 511u, 512u, 0xFFFFFFFFu}) {
+        const uint32_t read = std::min(room, 512u);
+        GuardedBuffer buffer(read);
+        uint32_t size = room;
+        EXPECT_EQ(0u, HXGetSFPData(handle, 0, buffer.Data(), &size)) << room;
+        EXPECT_EQ(read, size);
+        EXPECT_EQ(Counting(read), Bytes(buffer.Data(), buffer.Data() + read));
+        EXPECT_EQ(Bytes(read, 0), port->Last().Data());
+        EXPECT_EQ(read, port->Last().Envelope().ext.responseLen);
+    }
+    GuardedBuffer buffer(512);
+    uint32_t size = 512;
+    port->On(command::SfpRead, Reply{.data = Counting(96)});
+    EXPECT_EQ(0u, HXGetSFPData(handle, 0, buffer.Data(), &size));
+    EXPECT_EQ(96u, size);
+    EXPECT_TRUE(buffer.Holds(0xEE, 96, 512));
+    port->On(command::SfpRead, Reply{.status = 11, .detailStatus = 0x4005});
+    EXPECT_EQ(HXMGT_SFP_DATA_UNAVAILABLE, HXGetSFPData(handle, 0, buffer.Data(), &size));
+    EXPECT_EQ(96u, size);
+    port->Forget();
+    size = 0;
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, buffer.Data(), &size));
+    size = 512;
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, nullptr, &size));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, buffer.Data(), nullptr));
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetSFPData(0, 0, buffer.Data(), &size));
+    EXPECT_TRUE(port->Requests().empty());
+}
+
 TEST_F(FlashAuxiliaryTest, BootFromSan) {
     const std::pair<Reply, HX_STATUS> rows[] = {{{.data = {0}}, 0},
                                                 {{.data = {1}}, HXMGT_FLASH_UPDATE_NOT_ACTIVATED},
@@ -95,19 +125,20 @@ TEST_F(FlashAuxiliaryTest, BootFromSan) {
 
 TEST_F(FlashAuxiliaryTest, TransceiverFirmware) {
     const uint16_t code = command::LoadSfpFirmware.subCode;
-    flash::TransceiverLoadRecord reply = {};
+    flash::TransceiverLoadReply reply = {};
     port->On({command::LoadSfpFirmware.code, code}, Reply{.data = BytesOf(reply)});
     const Bytes image = Counting(70000);
     ASSERT_EQ(0u, HXLoadSFPFirmware(handle, 0, image.data(), 70000));
     Bytes loaded;
     const auto requests = port->Requests(command::LoadSfpFirmware);
     ASSERT_EQ(3u, requests.size());
-    for (size_t i = 0; i < 3; ++i) {
+    for (uint32_t i = 0; i < 3; ++i) {
         const auto head = As<flash::TransceiverLoadRecord>(requests[i]);
-        EXPECT_EQ(70000u, head.imageSize);
-        EXPECT_EQ(flash::Crc32(image), head.crc);
-        EXPECT_EQ(i * 32768, head.offset);
-        EXPECT_EQ((i == 0 ? 1u : 0u) | (i == 2 ? 2u : 0u), head.flags);
+        Bytes expected(32, 0);
+        expected[0] = static_cast<uint8_t>((i == 0 ? 1 : 0) | (i == 2 ? 2 : 0));
+        const uint32_t numbers[] = {70000, i == 2 ? 4464u : 32768u, i * 32768};
+        memcpy(&expected[4], numbers, sizeof numbers);
+        EXPECT_EQ(expected, Bytes(requests[i].Data().begin(), requests[i].Data().begin() + 32));
         const Bytes data = requests[i].Data();
         EXPECT_EQ(32 + head.length, data.size());
         EXPECT_EQ(116 + data.size(), requests[i].outputSize);
@@ -123,6 +154,9 @@ TEST_F(FlashAuxiliaryTest, TransceiverFirmware) {
         EXPECT_EQ(status, HXLoadSFPFirmware(handle, 0, image.data(), 70000));
         EXPECT_EQ(1u, port->Requests().size());
     }
+    // A reply without a result is no acceptance.
+    port->On(command::LoadSfpFirmware, Reply{.data = {}});
+    EXPECT_EQ(HXMGT_SFP_FIRMWARE_UPDATE_ERROR, HXLoadSFPFirmware(handle, 0, image.data(), 70000));
     port->On(command::LoadSfpFirmware, Reply{.status = 44});
     EXPECT_EQ(HXMGT_SFP_FIRMWARE_UPDATE_ERROR, HXLoadSFPFirmware(handle, 0, image.data(), 1));
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXLoadSFPFirmware(handle, 0, nullptr, 1));

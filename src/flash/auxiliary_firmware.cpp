@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "flash/crc32.h"
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "frame/handle_table.h"
@@ -31,9 +30,12 @@ class RecordAndData {
     uint8_t* Data() { return bytes_.get() + sizeof(Record); }
     HX_STATUS Exchange(uint32_t handle, transport::Command command, uint32_t dataLength,
                        uint32_t replyLength) {
-        return transport::SendExtended(handle, command.code, command.subCode, bytes_.get(),
-                                       static_cast<uint32_t>(sizeof(Record)) + dataLength,
-                                       bytes_.get(), replyLength, nullptr);
+        return Exchange(handle, command, dataLength, bytes_.get(), replyLength);
+    }
+    template <class Reply>
+    HX_STATUS Exchange(uint32_t handle, transport::Command command, uint32_t dataLength,
+                       Reply& reply) {
+        return Exchange(handle, command, dataLength, &reply, static_cast<uint32_t>(sizeof reply));
     }
     HX_STATUS Exchange(uint32_t handle, transport::Command command, uint32_t dataLength) {
         return Exchange(handle, command, dataLength,
@@ -41,6 +43,13 @@ class RecordAndData {
     }
 
   private:
+    HX_STATUS Exchange(uint32_t handle, transport::Command command, uint32_t dataLength,
+                       void* reply, uint32_t replyLength) {
+        return transport::SendExtended(handle, command.code, command.subCode, bytes_.get(),
+                                       static_cast<uint32_t>(sizeof(Record)) + dataLength, reply,
+                                       replyLength, nullptr);
+    }
+
     frame::Bytes bytes_;
 };
 
@@ -139,7 +148,9 @@ constexpr CompanionRow kCompanionOperations[] = {
     {HX_COMPANION_INFORMATION, GetCompanionInformation},
 };
 
-HX_STATUS StatusOf(const TransceiverLoadRecord& reply) {
+constexpr uint32_t kNoResult = 0xFFFFFFFF;
+
+HX_STATUS StatusOf(const TransceiverLoadReply& reply) {
     switch (static_cast<TransceiverResult>(reply.result)) {
         case TransceiverResult::Accepted:
             return HXMGT_SUCCESS;
@@ -179,17 +190,17 @@ HX_STATUS LoadTransceiverFirmware(uint32_t handle, const void* image, uint32_t i
     if (!piece.Valid()) {
         return HXMGT_OUT_OF_MEMORY;
     }
-    const uint32_t crc = Crc32({data, imageSize});
     for (uint32_t offset = 0; offset < imageSize;) {
         const uint32_t bytes = std::min(imageSize - offset, kTransceiverPiece);
         const uint32_t flags = (offset == 0 ? kTransceiverFirst : 0) |
                                (offset + bytes == imageSize ? kTransceiverLast : 0);
-        piece.Head() = {imageSize, crc, offset, bytes, flags, 0, {}};
+        piece.Head() = {flags, imageSize, bytes, offset, {}};
         std::memcpy(piece.Data(), data + offset, bytes);
-        HX_STATUS status = piece.Exchange(handle, transport::command::LoadSfpFirmware, bytes,
-                                          static_cast<uint32_t>(sizeof(TransceiverLoadRecord)));
+        TransceiverLoadReply reply{kNoResult, {}};
+        HX_STATUS status =
+            piece.Exchange(handle, transport::command::LoadSfpFirmware, bytes, reply);
         if (status == HXMGT_SUCCESS) {
-            status = StatusOf(piece.Head());
+            status = StatusOf(reply);
         }
         if (status != HXMGT_SUCCESS) {
             return status;

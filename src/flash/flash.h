@@ -47,6 +47,7 @@ HX_STATUS ReadTwoWire(uint32_t handle, uint16_t device, void* buffer, uint16_t l
                       uint16_t offset, uint16_t options, uint16_t* deviceStatus);
 HX_STATUS WriteTwoWire(uint32_t handle, uint16_t device, const void* data, uint16_t length,
                        uint16_t offset, uint16_t options, uint16_t* deviceStatus);
+HX_STATUS ReadTransceiver(uint32_t handle, void* buffer, uint32_t* size);
 HX_STATUS LoadTransceiverFirmware(uint32_t handle, const void* image, uint32_t imageSize);
 HX_STATUS GetBootFromSan(uint32_t handle);
 HX_STATUS ManageCompanion(uint32_t handle, uint32_t operation, void* request);

@@ -122,21 +122,31 @@ static_assert(sizeof(TwoWireRecord) == 266);
 static_assert(offsetof(TwoWireRecord, data) == 8);
 static_assert(offsetof(TwoWireRecord, deviceStatus) == 264);
 
-// LoadSfpFirmware: the record, then a piece of the image; the record comes back.
+// SfpRead: both pages of the transceiver (SFF-8472), or as much of them as is asked for.
+struct TransceiverMemory {
+    uint8_t identity[256];     // device 0xA0
+    uint8_t diagnostics[256];  // device 0xA2
+};
+static_assert(sizeof(TransceiverMemory) == 512);
+
+// LoadSfpFirmware: the record, then a piece of the image; its result comes back.
 inline constexpr uint32_t kTransceiverPiece = 32768;
 struct TransceiverLoadRecord {
-    uint32_t imageSize;
-    uint32_t crc;  // CRC-32 of the image
-    uint32_t offset;
-    uint32_t length;  // of this piece
     uint32_t flags;
-    uint32_t result;  // back
-    uint8_t reserved24[8];
+    uint32_t imageSize;
+    uint32_t length;  // of this piece
+    uint32_t offset;
+    uint8_t reserved16[16];
 };
 static_assert(sizeof(TransceiverLoadRecord) == 32);
+struct TransceiverLoadReply {
+    uint32_t result;
+    uint8_t reserved4[28];
+};
+static_assert(sizeof(TransceiverLoadReply) == 32);
 inline constexpr uint32_t kTransceiverFirst = 1u << 0;
 inline constexpr uint32_t kTransceiverLast = 1u << 1;
-enum class TransceiverResult : uint32_t { Accepted = 0, Incompatible = 1 };
+enum class TransceiverResult : uint32_t { Accepted = 0, Incompatible = 1 };  // else: it stopped
 
 // AuxiliaryFirmware, sub-code 3: the record, then a segment of the image; both come back.
 inline constexpr uint32_t kCompanionSegment = 3952;

@@ -1,4 +1,5 @@
 // The adapter's two-wire devices, the transceiver among them.
+#include <algorithm>
 #include <cstring>
 
 #include "flash/flash.h"
@@ -64,6 +65,26 @@ HX_STATUS WriteTwoWire(uint32_t handle, uint16_t device, const void* data, uint1
     }
     TwoWireRecord reply{};
     return Transfer(handle, transport::command::I2cWrite, request, reply, deviceStatus);
+}
+
+HX_STATUS ReadTransceiver(uint32_t handle, void* buffer, uint32_t* size) {
+    if (frame::OpenRecord(handle) == nullptr) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    if (buffer == nullptr || size == nullptr || *size == 0) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    TransceiverMemory memory{};
+    const uint32_t room = std::min<uint32_t>(*size, sizeof memory);
+    const transport::Command command = transport::command::SfpRead;
+    uint32_t returned = 0;
+    const HX_STATUS status = transport::SendExtended(handle, command.code, command.subCode, &memory,
+                                                     room, &memory, room, &returned);
+    if (status == HXMGT_SUCCESS) {
+        *size = returned;
+        std::memcpy(buffer, &memory, returned);
+    }
+    return status;
 }
 
 }  // namespace flash

@@ -7,6 +7,7 @@ namespace {
 // Far from any handle the system gives; device handles of the test are multiples of 4 above it.
 constexpr uintptr_t kFirstHandle = 0x5A000000;
 constexpr const char kDevicePrefix[] = "\\\\.\\";
+constexpr const char kVolumePrefix[] = "\\\\?\\";
 
 HANDLE AsHandle(uintptr_t value) {
     return reinterpret_cast<HANDLE>(value);
@@ -71,7 +72,7 @@ HANDLE WINAPI FakeSystem::CreateFileHook(LPCSTR name, DWORD access, DWORD sharin
                                          LPSECURITY_ATTRIBUTES security, DWORD disposition,
                                          DWORD flags, HANDLE pattern) {
     const std::string text = name;
-    if (!text.starts_with(kDevicePrefix)) {
+    if (!text.starts_with(kDevicePrefix) && !text.starts_with(kVolumePrefix)) {
         return CreateFileA(name, access, sharing, security, disposition, flags, pattern);
     }
     FakeSystem& self = *current_;

@@ -1,0 +1,329 @@
+/*
+ * hbaapi.h - the standard HBA API, version 1, as VXMGMT.DLL offers it to the common library or to
+ * any program that loads it.
+ *
+ * The DLL exports one function of this interface, HBA_RegisterLibrary. It fills a table of 24
+ * handlers, none of them null; everything else is called through the table. Nothing of the
+ * management API (hxmgtapi.h) is needed. The rules:
+ *  1. GetNumberOfAdaptersHandler and GetAdapterNameHandler find the adapters, OpenAdapterHandler
+ *     gives a handle (0 = failure), CloseAdapterHandler takes it back. A handle has one port, so
+ *     port indexes are accepted and not looked at.
+ *  2. Handlers return HBA_STATUS_... unless their line below says otherwise. A handle that is not
+ *     open gives HBA_STATUS_ERROR_INVALID_HANDLE, a null record HBA_STATUS_ERROR_ARG.
+ *  3. The caller owns every record and buffer. Texts of a field are zero-terminated unless they
+ *     fill the field.
+ *  4. Records have the natural alignment of Windows x64, little-endian; their sizes are part of the
+ *     interface. World wide names are eight bytes in the order in which they are written; as a
+ *     handler's argument a name is passed by value.
+ *  5. Any handler may be called from any thread; a call may block for up to about 80 seconds while
+ *     the driver reports busy.
+ *
+ * Copyright (c) 2026 The VXMGMT developers. MIT licence, see LICENSE.
+ */
+#ifndef HBAAPI_H
+#define HBAAPI_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define HBA_VERSION 1
+
+typedef uint8_t HBA_UINT8;
+typedef uint16_t HBA_UINT16;
+typedef uint32_t HBA_UINT32;
+typedef int64_t HBA_INT64;
+typedef uint64_t HBA_UINT64;
+
+typedef HBA_UINT32 HBA_STATUS; /* HBA_STATUS_... */
+typedef HBA_UINT32 HBA_HANDLE;
+
+#define HBA_STATUS_OK 0
+#define HBA_STATUS_ERROR 1
+#define HBA_STATUS_ERROR_NOT_SUPPORTED 2
+#define HBA_STATUS_ERROR_INVALID_HANDLE 3
+#define HBA_STATUS_ERROR_ARG 4
+#define HBA_STATUS_ERROR_ILLEGAL_WWN 5
+#define HBA_STATUS_ERROR_ILLEGAL_INDEX 6
+#define HBA_STATUS_ERROR_MORE_DATA 7
+
+typedef struct HBA_WWN {
+    HBA_UINT8 wwn[8];
+} HBA_WWN;
+
+typedef enum HBA_WWNTYPE { NODE_WWN = 0, PORT_WWN = 1 } HBA_WWNTYPE;
+
+/* ------------------------------------------------------------------------------------------------
+ * Adapter and port attributes
+ * --------------------------------------------------------------------------------------------- */
+
+typedef struct HBA_ADAPTERATTRIBUTES { /* 2192 bytes */
+    char Manufacturer[64];             /*    0  not terminated when it fills the field */
+    char SerialNumber[64];             /*   64 */
+    char Model[256];                   /*  128 */
+    char ModelDescription[256];        /*  384 */
+    HBA_WWN NodeWWN;                   /*  640 */
+    char NodeSymbolicName[256];        /*  648  empty */
+    char HardwareVersion[256];         /*  904  empty when the adapter does not tell it */
+    char DriverVersion[256];           /* 1160 */
+    char OptionROMVersion[256];        /* 1416 */
+    char FirmwareVersion[256];         /* 1672 */
+    HBA_UINT32 VendorSpecificID;       /* 1928  zero it before the call, see the handler */
+    HBA_UINT32 NumberOfPorts;          /* 1932 */
+    char DriverName[256];              /* 1936  file name of the driver */
+} HBA_ADAPTERATTRIBUTES;
+
+#define HBA_PORTTYPE_UNKNOWN 1
+#define HBA_PORTTYPE_NPORT 5
+#define HBA_PORTTYPE_NLPORT 6 /* loop with a fabric */
+#define HBA_PORTTYPE_LPORT 20 /* private loop */
+#define HBA_PORTTYPE_PTP 21   /* point to point, no fabric */
+typedef HBA_UINT32 HBA_PORTTYPE;
+
+#define HBA_PORTSTATE_UNKNOWN 1
+#define HBA_PORTSTATE_ONLINE 2
+#define HBA_PORTSTATE_OFFLINE 3
+#define HBA_PORTSTATE_LINKDOWN 6
+typedef HBA_UINT32 HBA_PORTSTATE;
+
+/* Speeds: one bit each, so that a set of them is a sum. */
+#define HBA_PORTSPEED_UNKNOWN 0
+#define HBA_PORTSPEED_1GBIT 1
+#define HBA_PORTSPEED_2GBIT 2
+#define HBA_PORTSPEED_10GBIT 4
+#define HBA_PORTSPEED_4GBIT 8
+#define HBA_PORTSPEED_8GBIT 16
+#define HBA_PORTSPEED_16GBIT 32
+#define HBA_PORTSPEED_32GBIT 64
+#define HBA_PORTSPEED_64GBIT 128
+#define HBA_PORTSPEED_NOT_REPORTED 0xFFFFFFFFu /* this driver does not report speeds */
+typedef HBA_UINT32 HBA_PORTSPEED;
+
+#define HBA_CLASS_OF_SERVICE_3 8
+typedef HBA_UINT32 HBA_COS;
+
+typedef struct HBA_FC4TYPES {
+    HBA_UINT8 bits[32];
+} HBA_FC4TYPES;
+
+typedef struct HBA_PORTATTRIBUTES {      /* 632 bytes */
+    HBA_WWN NodeWWN;                     /*   0 */
+    HBA_WWN PortWWN;                     /*   8 */
+    HBA_UINT32 PortFcId;                 /*  16  domain x 65536 + area x 256 + port */
+    HBA_PORTTYPE PortType;               /*  20 */
+    HBA_PORTSTATE PortState;             /*  24 */
+    HBA_COS PortSupportedClassofService; /*  28 */
+    HBA_FC4TYPES PortSupportedFc4Types;  /*  32 */
+    HBA_FC4TYPES PortActiveFc4Types;     /*  64 */
+    char PortSymbolicName[256];          /*  96  empty */
+    char OSDeviceName[256];              /* 352 */
+    HBA_PORTSPEED PortSupportedSpeed;    /* 608 */
+    HBA_PORTSPEED PortSpeed;             /* 612 */
+    HBA_UINT32 PortMaxFrameSize;         /* 616  bytes */
+    HBA_WWN FabricName;                  /* 620  zero */
+    HBA_UINT32 NumberofDiscoveredPorts;  /* 628 */
+} HBA_PORTATTRIBUTES;
+
+/* Counters since the last reset; -1 = not available. */
+typedef struct HBA_PORTSTATISTICS { /* 120 bytes */
+    HBA_INT64 SecondsSinceLastReset;
+    HBA_INT64 TxFrames;
+    HBA_INT64 TxWords;
+    HBA_INT64 RxFrames;
+    HBA_INT64 RxWords;
+    HBA_INT64 LIPCount;
+    HBA_INT64 NOSCount;
+    HBA_INT64 ErrorFrames;
+    HBA_INT64 DumpedFrames;
+    HBA_INT64 LinkFailureCount;
+    HBA_INT64 LossOfSyncCount;
+    HBA_INT64 LossOfSignalCount;
+    HBA_INT64 PrimitiveSeqProtocolErrCount;
+    HBA_INT64 InvalidTxWordCount;
+    HBA_INT64 InvalidCRCCount;
+} HBA_PORTSTATISTICS;
+
+/* ------------------------------------------------------------------------------------------------
+ * Targets as the operating system knows them
+ * --------------------------------------------------------------------------------------------- */
+
+typedef struct HBA_SCSIID {      /* 268 bytes */
+    char OSDeviceName[256];      /*   0  "\\.\PhysicalDrive%d", "\\.\Tape%d" or "\\.\Changer%d" */
+    HBA_UINT32 ScsiBusNumber;    /* 256 */
+    HBA_UINT32 ScsiTargetNumber; /* 260 */
+    HBA_UINT32 ScsiOSLun;        /* 264 */
+} HBA_SCSIID;
+
+typedef struct HBA_FCPID { /* 32 bytes */
+    HBA_UINT32 FcId;       /*  0 */
+    HBA_WWN NodeWWN;       /*  4 */
+    HBA_WWN PortWWN;       /* 12 */
+    HBA_UINT64 FcpLun;     /* 24  the eight bytes of the logical unit number as FCP sends them */
+} HBA_FCPID;
+
+typedef struct HBA_FCPSCSIENTRY { /* 304 bytes */
+    HBA_SCSIID ScsiId;            /*   0 */
+    HBA_FCPID FcpId;              /* 272 */
+} HBA_FCPSCSIENTRY;
+
+typedef struct HBA_FCPTARGETMAPPING { /* 312 bytes with one entry */
+    HBA_UINT32 NumberOfEntries;       /*   0 */
+    HBA_FCPSCSIENTRY entry[1];        /*   8  as many as the caller has room for */
+} HBA_FCPTARGETMAPPING;
+
+typedef struct HBA_FCPBINDINGENTRY { /* 312 bytes */
+    HBA_UINT32 type;
+    HBA_SCSIID ScsiId;
+    HBA_FCPID FcpId;
+    HBA_UINT32 FcId;
+} HBA_FCPBINDINGENTRY;
+
+typedef struct HBA_FCPBINDING { /* 320 bytes with one entry */
+    HBA_UINT32 NumberOfEntries;
+    HBA_FCPBINDINGENTRY entry[1];
+} HBA_FCPBINDING;
+
+/* ------------------------------------------------------------------------------------------------
+ * Topology information and events
+ * --------------------------------------------------------------------------------------------- */
+
+typedef struct HBA_MGMTINFO {          /* 44 bytes; numbers in host order */
+    HBA_WWN wwn;                       /*  0 */
+    HBA_UINT32 unittype;               /*  8 */
+    HBA_UINT32 PortId;                 /* 12 */
+    HBA_UINT32 NumberOfAttachedNodes;  /* 16 */
+    HBA_UINT16 IPVersion;              /* 20 */
+    HBA_UINT16 UDPPort;                /* 22 */
+    HBA_UINT8 IPAddress[16];           /* 24 */
+    HBA_UINT16 reserved;               /* 40 */
+    HBA_UINT16 TopologyDiscoveryFlags; /* 42 */
+} HBA_MGMTINFO;
+
+#define HBA_EVENT_LIP_OCCURRED 1
+#define HBA_EVENT_LINK_UP 2
+#define HBA_EVENT_LINK_DOWN 3
+#define HBA_EVENT_LIP_RESET_OCCURRED 4
+#define HBA_EVENT_RSCN 5
+#define HBA_EVENT_PROPRIETARY 0xFFFF
+
+typedef struct HBA_LINK_EVENTINFO {
+    HBA_UINT32 PortFcId; /* 0: not told */
+    HBA_UINT32 Reserved[3];
+} HBA_LINK_EVENTINFO;
+
+typedef struct HBA_RSCN_EVENTINFO {
+    HBA_UINT32 PortFcId;  /* 0: not told */
+    HBA_UINT32 NPortPage; /* the affected port page */
+    HBA_UINT32 Reserved[2];
+} HBA_RSCN_EVENTINFO;
+
+typedef struct HBA_PTY_EVENTINFO {
+    HBA_UINT32 PtyData[4];
+} HBA_PTY_EVENTINFO;
+
+typedef struct HBA_EVENTINFO { /* 20 bytes */
+    HBA_UINT32 EventCode;      /* 0  HBA_EVENT_... */
+    union {
+        HBA_LINK_EVENTINFO Link_EventInfo;
+        HBA_RSCN_EVENTINFO RSCN_EventInfo;
+        HBA_PTY_EVENTINFO Pty_EventInfo;
+    } Event; /* 4 */
+} HBA_EVENTINFO;
+
+/* ------------------------------------------------------------------------------------------------
+ * The handlers
+ * --------------------------------------------------------------------------------------------- */
+
+/* clang-format off */
+typedef struct HBA_ENTRYPOINTS {
+    /* HBA_VERSION. */
+    HBA_UINT32 (*GetVersionHandler)(void);
+    /* Call it once before the others: empties the trace files of an earlier run. */
+    HBA_STATUS (*LoadLibraryHandler)(void);
+    HBA_STATUS (*FreeLibraryHandler)(void);
+
+    /* Number of adapters, not a status. Each call looks anew. */
+    HBA_UINT32 (*GetNumberOfAdaptersHandler)(void);
+    /* Writes the name of adapter index (from 0) to name, which has room for 256 bytes.
+       HBA_STATUS_ERROR_ILLEGAL_INDEX: there is none; name is then empty. */
+    HBA_STATUS (*GetAdapterNameHandler)(HBA_UINT32 index, char* name);
+    /* Opens an adapter by the number that ends its name, and starts collecting its events. Returns
+       its handle, or 0. */
+    HBA_HANDLE (*OpenAdapterHandler)(char* name);
+    void (*CloseAdapterHandler)(HBA_HANDLE handle);
+
+    /* VendorSpecificID on entry chooses: 0x1ED0017, 0x1ED00FF and 0x1ED0000 are handed to the
+       driver and no other member is filled (0x1ED0000 takes the driver's answer); with any other
+       value all members are. A request that the driver fails gives its own status, which is none
+       of HBA_STATUS_.... */
+    HBA_STATUS (*GetAdapterAttributesHandler)(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attributes);
+    HBA_STATUS (*GetAdapterPortAttributesHandler)(
+        HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTATTRIBUTES* attributes);
+    HBA_STATUS (*GetPortStatisticsHandler)(
+        HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTSTATISTICS* statistics);
+    /* Type and state of a discovered port are not known. OSDeviceName is the device of its lowest
+       logical unit, or empty. HBA_STATUS_ERROR_ILLEGAL_WWN: no such index. */
+    HBA_STATUS (*GetDiscoveredPortAttributesHandler)(
+        HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_UINT32 discoveredPortIndex,
+        HBA_PORTATTRIBUTES* attributes);
+    /* The same by the port name of a discovered port. */
+    HBA_STATUS (*GetPortAttributesByWWNHandler)(
+        HBA_HANDLE handle, HBA_WWN portWWN, HBA_PORTATTRIBUTES* attributes);
+
+    /* Sends a Common Transport request of at least 8 bytes. */
+    HBA_STATUS (*SendCTPassThruHandler)(
+        HBA_HANDLE handle, void* request, HBA_UINT32 requestSize, void* response,
+        HBA_UINT32 responseSize);
+    /* Does nothing: every call asks the driver. */
+    void (*RefreshInformationHandler)(HBA_HANDLE handle);
+    /* Returns the status of the management library, 0 = success. */
+    HBA_STATUS (*ResetStatisticsHandler)(HBA_HANDLE handle, HBA_UINT32 portIndex);
+
+    /* Every logical unit of the discovered ports that the operating system has a disk, tape or
+       changer for, ascending by bus, target and logical unit. NumberOfEntries is the room on entry
+       and the true number on return; HBA_STATUS_ERROR_MORE_DATA when not all of them fitted. */
+    HBA_STATUS (*GetFcpTargetMappingHandler)(HBA_HANDLE handle, HBA_FCPTARGETMAPPING* mapping);
+    /* HBA_STATUS_ERROR_NOT_SUPPORTED. */
+    HBA_STATUS (*GetFcpPersistentBindingHandler)(HBA_HANDLE handle, HBA_FCPBINDING* binding);
+
+    /* *count is the room on entry and the number of events on return. One call takes up to 32
+       events from the adapter and loses those beyond the room: give it 32. Proprietary events carry
+       no data. */
+    HBA_STATUS (*GetEventBufferHandler)(
+        HBA_HANDLE handle, HBA_EVENTINFO* events, HBA_UINT32* count);
+
+    /* Sets IPVersion, UDPPort and IPAddress; the other members are not looked at. */
+    HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
+    HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
+    /* Sends RNID for general topology discovery to a node or port and receives the LS_ACC payload.
+       Zero the response first: what stands in its first bytes is sent along. *responseSize is the
+       room in bytes and is lowered to the payload's length. */
+    HBA_STATUS (*SendRNIDHandler)(
+        HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* response,
+        HBA_UINT32* responseSize);
+
+    /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED for a
+       discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. */
+    HBA_STATUS (*ScsiInquiryHandler)(
+        HBA_HANDLE handle, HBA_WWN portWWN, HBA_UINT64 fcLUN, HBA_UINT8 EVPD, HBA_UINT32 PageCode,
+        void* response, HBA_UINT32 responseSize, void* sense, HBA_UINT32 senseSize);
+    HBA_STATUS (*ReportLUNsHandler)(
+        HBA_HANDLE handle, HBA_WWN portWWN, void* response, HBA_UINT32 responseSize, void* sense,
+        HBA_UINT32 senseSize);
+    HBA_STATUS (*ReadCapacityHandler)(
+        HBA_HANDLE handle, HBA_WWN portWWN, HBA_UINT64 fcLUN, void* response,
+        HBA_UINT32 responseSize, void* sense, HBA_UINT32 senseSize);
+} HBA_ENTRYPOINTS;
+/* clang-format on */
+
+/* Stores the 24 handlers in the caller's table, which must not be null. HBA_STATUS_OK. */
+HBA_STATUS HBA_RegisterLibrary(HBA_ENTRYPOINTS* entryPoints);
+typedef HBA_STATUS (*HBA_REGISTERLIBRARY)(HBA_ENTRYPOINTS* entryPoints);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* HBAAPI_H */

@@ -1,0 +1,181 @@
+#include "mapping/mapping.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "mapping/device_names.h"
+#include "mapping/record_list.h"
+#include "mapping/volumes.h"
+#include "properties/generation.h"
+#include "properties/target_address.h"
+
+namespace mapping {
+namespace {
+
+template <typename Record>
+HX_STATUS CheckCall(uint32_t handle, const void* named, const Record* records,
+                    const uint32_t* count) {
+    if (const HX_STATUS status = properties::CheckQuery(handle, named); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    return CallerList<Record>::Accepts(records, count) ? HXMGT_SUCCESS : HXMGT_INVALID_PARAMETER;
+}
+
+const HX_OS_DEVICE* FindDevice(std::span<const HX_OS_DEVICE> devices,
+                               const HX_SCSI_ADDRESS& target) {
+    for (const HX_OS_DEVICE& device : devices) {
+        // Names and identifiers are those of a discovered port; zeros stand for none.
+        const bool named = device.discovered != 0 || target.type == HX_ADDRESS_BUS_TARGET;
+        if (named && device.lun == target.lun && properties::Names(target, device)) {
+            return &device;
+        }
+    }
+    return nullptr;
+}
+
+// False when no part of the volume is on the disk.
+bool Describe(const VolumeName& name, uint32_t disk, HX_VOLUME& volume) {
+    VolumeExtents extents;
+    // A volume that does not tell, such as an empty drive, is on no disk.
+    if (extents.Fetch(name) != HXMGT_SUCCESS) {
+        return false;
+    }
+    volume = {};
+    for (const HX_DISK_EXTENT& extent : extents.Records()) {
+        ++volume.extents;
+        if (extent.disk == disk) {
+            ++volume.extentsOnDisk;
+            volume.bytesOnDisk += extent.length;
+        }
+    }
+    if (volume.extentsOnDisk == 0) {
+        return false;
+    }
+    JoinText(FirstOf(name), {}, volume.name);
+    PathOfVolume(name, volume.path);
+    return true;
+}
+
+// A device for each disk of the extents that is among the devices, in the extents' order.
+void AddDisks(std::span<const HX_DISK_EXTENT> extents, std::span<const HX_OS_DEVICE> devices,
+              CallerList<HX_OS_DEVICE>& out) {
+    for (size_t i = 0; i < extents.size(); ++i) {
+        const uint32_t disk = extents[i].disk;
+        const auto isDisk = [disk](const HX_DISK_EXTENT& extent) { return extent.disk == disk; };
+        const auto before = extents.first(i);
+        if (std::any_of(before.begin(), before.end(), isDisk)) {
+            continue;
+        }
+        const auto device =
+            std::find_if(devices.begin(), devices.end(), [disk](const HX_OS_DEVICE& candidate) {
+                return candidate.type == HX_OS_DEVICE_DISK && candidate.number == disk;
+            });
+        if (device != devices.end()) {
+            out.Add(*device);
+        }
+    }
+}
+
+}  // namespace
+
+void NamePorts(const DiscoveredPorts& ports, std::span<HX_OS_DEVICE> devices) {
+    for (HX_OS_DEVICE& device : devices) {
+        if (const HX_DEVICE_RECORD* const port = ports.At(device.bus, device.target)) {
+            std::memcpy(device.nodeName, port->nodeName, sizeof device.nodeName);
+            std::memcpy(device.portName, port->portName, sizeof device.portName);
+            std::memcpy(device.portId, port->portId, sizeof device.portId);
+            device.discovered = 1;
+        }
+    }
+}
+
+HX_STATUS PortDevices::Fetch(uint32_t handle) {
+    DiscoveredPorts ports;
+    if (const HX_STATUS status = ports.Fetch(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    const HX_STATUS status = devices_.Fetch(frame::OpenRecord(handle)->dwScsiPort);
+    if (status == HXMGT_SUCCESS) {
+        NamePorts(ports, devices_.Records());
+    }
+    return status;
+}
+
+HX_STATUS MapTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* target, HX_OS_DEVICE* device,
+                             HX_VOLUME* volumes, uint32_t* count) {
+    if (const HX_STATUS status = CheckCall(handle, target, volumes, count);
+        status != HXMGT_SUCCESS) {
+        return status;
+    }
+    CallerList<HX_VOLUME> out(volumes, count);
+    if (properties::KindOf(*target) == nullptr) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    PortDevices devices;
+    if (const HX_STATUS status = devices.Fetch(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    const HX_OS_DEVICE* const found = FindDevice(devices.Records(), *target);
+    if (found == nullptr) {
+        return HXMGT_DEVICE_NOT_FOUND;
+    }
+    if (device != nullptr) {
+        *device = *found;
+    }
+    if (found->type == HX_OS_DEVICE_DISK) {
+        VolumeSearch search;
+        VolumeName name;
+        while (search.Next(name)) {
+            HX_VOLUME volume;
+            if (Describe(name, found->number, volume)) {
+                out.Add(volume);
+            }
+        }
+    }
+    return out.Close();
+}
+
+HX_STATUS MapVolumeToTargets(uint32_t handle, const char* volume, HX_OS_DEVICE* devices,
+                             uint32_t* count) {
+    if (const HX_STATUS status = CheckCall(handle, volume, devices, count);
+        status != HXMGT_SUCCESS) {
+        return status;
+    }
+    CallerList<HX_OS_DEVICE> out(devices, count);
+    VolumeName name;
+    if (const HX_STATUS status = NameVolume(volume, name); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    VolumeExtents extents;
+    if (const HX_STATUS status = extents.Fetch(name); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    PortDevices behindPort;
+    if (const HX_STATUS status = behindPort.Fetch(handle); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    AddDisks(extents.Records(), behindPort.Records(), out);
+    return out.Found() != 0 ? out.Close() : HX_STATUS{HXMGT_DEVICE_NOT_FOUND};
+}
+
+HX_STATUS GetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count) {
+    if (!CallerList<HX_DISK_EXTENT>::Accepts(extents, count)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    CallerList<HX_DISK_EXTENT> out(extents, count);
+    VolumeName name;
+    if (const HX_STATUS status = NameVolume(volume, name); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    VolumeExtents found;
+    const HX_STATUS status = found.Fetch(name);
+    if (status != HXMGT_SUCCESS) {
+        return status;
+    }
+    for (const HX_DISK_EXTENT& extent : found.Records()) {
+        out.Add(extent);
+    }
+    return out.Close();
+}
+
+}  // namespace mapping
