@@ -154,7 +154,7 @@ TEST_F(EmulatorModel, WhatADriverDoesNotKnow) {
     // Plain requests: no status, so the transfer fails.
     AskPlain(kLegacy, command::LegacyQuery, selector, 36, Completion::Invalid);
     AskPlain(kLegacy, command::LegacyQuery, {}, 36, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacyNvramRead, selector, 12, Completion::Invalid);
+    AskPlain(kNewest, command::LegacyNvramRead, selector, 12, Completion::Invalid);
     AskPlain(kNewest, command::LegacyPortAndNode, {}, 64, Completion::Invalid);
     AskPlain(kLegacy, command::LegacyPortAndNode, {}, 63, Completion::ShortBuffer);
 

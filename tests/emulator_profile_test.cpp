@@ -9,7 +9,7 @@ using namespace emulator_test;
 
 TEST(EmulatorProfile, NoMemoryIsNoModel) {
     const auto profile = MakeProfile("lab");
-    for (int allocation = 0; allocation < 4; ++allocation) {
+    for (int allocation = 0; allocation < 6; ++allocation) {
         TestHost host;
         host.failAt = allocation;
         EXPECT_EQ(vxemu::Model::Create(host.Get(), *profile), nullptr);

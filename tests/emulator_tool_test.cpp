@@ -7,6 +7,9 @@
 
 #include "fault_text.h"
 #include "field_text.h"
+#include "flash/firmware_image.h"
+#include "flash/version_text.h"
+#include "flash_image.h"
 #include "model/control.h"
 #include "model/profile_fields.h"
 #include "profile_json.h"
@@ -93,6 +96,33 @@ TEST(EmulatorProfileJson, TargetsAndTheirLuns) {
     EXPECT_TRUE(ErrorOf(with(R"([{"port_name":"2b00024545000100","luns":[{"number":1,)"
                              R"("block_size":520}]}])"))
                     .starts_with("/targets/0/luns/0/block_size: must be one of 512, 4096"));
+}
+
+TEST(EmulatorFlashImage, IsOfTheVersionThatWasAskedFor) {
+    const auto profile = BuiltIn("lab");
+    std::string error;
+    const auto versionOf = [&](uint32_t scsiPort, uint32_t region, const char* version) {
+        const auto image = vxemu::MakeFlashImage(*profile, scsiPort, region, version, &error);
+        flash::VersionText text = "";
+        flash::FormatVersion(
+            image, region == 1 ? flash::VersionKind::Firmware : flash::VersionKind::Bios, text);
+        if (region == 1 && !image.empty()) {
+            EXPECT_EQ(flash::CheckFirmware(image, image.size()), flash::FirmwareCheck::Good);
+        }
+        return std::string(text);
+    };
+    EXPECT_EQ(versionOf(3, 1, "9.13.00"), "9.13.00");
+    EXPECT_EQ(versionOf(6, 1, "10.0.255.7"), "10.00.255");
+    EXPECT_EQ(versionOf(3, 7, "3.62"), "3.62");
+    EXPECT_EQ(versionOf(9, 255, "1.55"), "1.55");
+    for (const char* version : {"", "9", "9.13", "9.13.", "9..1", "9.13.256", "9.13.1.2.3",
+                                "9.13.-1", " 9.13.1", "9.13.1 "}) {
+        EXPECT_EQ(versionOf(3, 1, version), "") << version;
+    }
+    EXPECT_EQ(versionOf(3, 7, "13.612"), "") << "longer than what the adapter reports";
+    EXPECT_EQ(versionOf(3, 21, "1.0.0"), "");
+    EXPECT_EQ(versionOf(3, 99, "1.0.0"), "");
+    EXPECT_EQ(versionOf(5, 1, "1.0.0"), "");
 }
 
 TEST(EmulatorProfileJson, WhatIsLeftOutFollowsFromTheChip) {

@@ -138,9 +138,9 @@ TEST_F(FlashAuxiliaryTest, TransceiverFirmware) {
         expected[0] = static_cast<uint8_t>((i == 0 ? 1 : 0) | (i == 2 ? 2 : 0));
         const uint32_t numbers[] = {70000, i == 2 ? 4464u : 32768u, i * 32768};
         memcpy(&expected[4], numbers, sizeof numbers);
-        EXPECT_EQ(expected, Bytes(requests[i].Data().begin(), requests[i].Data().begin() + 32));
         const Bytes data = requests[i].Data();
         EXPECT_EQ(32 + head.length, data.size());
+        EXPECT_EQ(expected, Bytes(data.begin(), data.begin() + 32));
         EXPECT_EQ(116 + data.size(), requests[i].outputSize);
         loaded.insert(loaded.end(), data.begin() + 32, data.end());
     }

@@ -7,13 +7,14 @@
 #include <cstdint>
 
 #include "model/faults.h"
+#include "model/flash_regions.h"
 #include "model/profile.h"
 #include "properties/driver_replies.h"
 
 namespace vxemu {
 
 inline constexpr char kControlDeviceName[] = "vxemu";
-inline constexpr uint32_t kControlVersion = 2;  // raised with every change of a record
+inline constexpr uint32_t kControlVersion = 3;  // raised with every change of a record
 
 // A control code as the operating system builds it: unknown device type, read access for what
 // only asks and read and write access for what changes something, buffered.
@@ -25,6 +26,8 @@ namespace control {
 inline constexpr uint32_t kStatus = ControlCode(0, false);        // - / StatusReply
 inline constexpr uint32_t kFaultList = ControlCode(1, false);     // - / FaultListReply
 inline constexpr uint32_t kReadProfile = ControlCode(2, false);   // - / Profile as it stands
+inline constexpr uint32_t kFlashShow = ControlCode(3, false);     // PortSelector / FlashReport
+inline constexpr uint32_t kFlashDump = ControlCode(4, false);     // FlashSelector / FlashPiece
 inline constexpr uint32_t kFaultAdd = ControlCode(16, true);      // FaultRule / CountReply: id
 inline constexpr uint32_t kFaultClear = ControlCode(17, true);    // FaultClear / CountReply
 inline constexpr uint32_t kPortReset = ControlCode(18, true);     // PortSelector / -
@@ -37,6 +40,8 @@ inline constexpr uint32_t kTargetSet = ControlCode(24, true);  // TargetFieldReq
 inline constexpr uint32_t kLunAdd = ControlCode(25, true);     // LunRequest / ChangeReply
 inline constexpr uint32_t kLunRemove = ControlCode(26, true);  // LunSelector / ChangeReply
 inline constexpr uint32_t kLunSet = ControlCode(27, true);     // LunFieldRequest / ChangeReply
+inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);  // FlashSelector / CountReply
+inline constexpr uint32_t kPowerFail = ControlCode(29, true);     // PowerFailRequest / -
 }  // namespace control
 
 #pragma pack(push, 1)
@@ -148,6 +153,56 @@ struct LunFieldRequest {
     FieldChange change;
 };
 static_assert(sizeof(LunFieldRequest) == 144);
+
+enum class CheckState : uint8_t { None, Good, Bad };
+
+struct FlashRegionStatus {
+    uint16_t code;
+    RegionContent content;
+    uint8_t flags;
+    uint8_t readOnly;
+    CheckState checksum;
+    CheckState signature;
+    uint8_t reserved;
+    uint32_t start;
+    uint32_t size;
+    char version[48];  // empty: none that can be told
+};
+static_assert(sizeof(FlashRegionStatus) == 64);
+
+struct FlashReport {
+    uint32_t version;  // kControlVersion
+    uint32_t bytes;
+    uint32_t count;
+    uint8_t withoutPower;  // 1: the adapter does not answer until one of its ports is reset
+    uint8_t failsSoon;     // 1: it will not, once bytesUntilFailure more are written
+    uint8_t secondBank;    // 1: the port's settings in use are those of the second bank
+    uint8_t reserved;
+    uint32_t bytesUntilFailure;
+    uint32_t reserved20;
+    FlashRegionStatus regions[kMaxFlashRegions];
+};
+static_assert(sizeof(FlashReport) == 24 + kMaxFlashRegions * 64);
+
+// A place in a region of the port's adapter.
+struct FlashSelector {
+    uint32_t scsiPort;
+    uint32_t region;
+    uint32_t offset;
+};
+static_assert(sizeof(FlashSelector) == 12);
+
+// What stands there, as far as the piece and the region go.
+struct FlashPiece {
+    uint32_t length;
+    uint8_t bytes[16384];
+};
+
+struct PowerFailRequest {
+    uint32_t scsiPort;
+    uint32_t afterBytes;
+};
+static_assert(sizeof(PowerFailRequest) == 8);
 
 // What is wrong with the profile that the change would lead to; nothing has changed then.
 struct ChangeReply {

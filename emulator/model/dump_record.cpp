@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "model/pattern.h"
+#include "model/version_numbers.h"
 #include "properties/chip_families.h"
 
 namespace vxemu {
@@ -15,17 +16,6 @@ constexpr uint64_t kHour = 36'000'000'000;
 uint8_t LayoutOf(uint16_t deviceId) {
     const properties::Chip chip = properties::ChipOf(deviceId);
     return chip.Has(properties::ChipTrait::Newest) ? dumps::kNewestLayout : chip.dumpLayout;
-}
-
-uint32_t DecimalAt(const char*& text) {
-    uint32_t number = 0;
-    for (; *text >= '0' && *text <= '9'; ++text) {
-        number = number * 10 + static_cast<uint32_t>(*text - '0');
-    }
-    if (*text != 0) {
-        ++text;
-    }
-    return number;
 }
 
 }  // namespace
@@ -51,10 +41,9 @@ dumps::RecordHeader DumpRecord::Header() const {
     header.fileTime = kFirstDumpTime + port_.dumpsForced * kHour;
     std::memcpy(header.portName, port_.profile->portName, sizeof header.portName);
     header.function = port_.profile->pciFunction;
-    const char* version = adapter.firmwareVersion;
-    for (uint32_t& part : header.firmwareVersion) {
-        part = DecimalAt(version);
-    }
+    const VersionNumbers version = ParseVersion(adapter.firmwareVersion);
+    static_assert(sizeof header.firmwareVersion <= sizeof version.parts);
+    std::memcpy(header.firmwareVersion, version.parts, sizeof header.firmwareVersion);
     header.firmwareAttributes = adapter.firmwareAttributes;
     return header;
 }

@@ -16,6 +16,11 @@ class Exchange {
         : port_(port), data_(data), inputLength_(inputLength), room_(room) {}
 
     Port& GetPort() const { return port_; }
+
+    // The envelope of an extended request, as it came; empty with a plain one.
+    const transport::ExtIoctl& Ext() const { return *ext_; }
+    void SetExt(const transport::ExtIoctl& ext) { ext_ = &ext; }
+
     uint32_t InputLength() const { return inputLength_; }
 
     // Room for the reply, as asked for and as the buffer has it.
@@ -66,17 +71,16 @@ class Exchange {
     uint32_t Detail() const { return detail_; }
     void SetDetail(uint32_t detail) { detail_ = detail; }
 
-    uint16_t ResyncFlag() const { return resyncFlag_; }
-    void SetResyncFlag(uint16_t flag) { resyncFlag_ = flag; }
-
   private:
+    static constexpr transport::ExtIoctl kNoExt = {};
+
     Port& port_;
     uint8_t* data_;
     uint32_t inputLength_;
     uint32_t room_;
     uint32_t replyLength_ = 0;
     uint32_t detail_ = 0;
-    uint16_t resyncFlag_ = 0;
+    const transport::ExtIoctl* ext_ = &kNoExt;
 };
 
 }  // namespace vxemu

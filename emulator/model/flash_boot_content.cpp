@@ -56,10 +56,7 @@ class Rom {
     }
 
   private:
-    VersionNumbers Version() const {
-        return row_.version == VersionNumbers{} ? ParseVersion(origin_.Adapter().optionRomVersion)
-                                                : row_.version;
-    }
+    VersionNumbers Version() const { return BootVersion(origin_.Adapter(), row_.code); }
 
     // The byte before the checksum is left out of some sums, so it is 0.
     void PutBody(ByteWindow window) const {
@@ -144,6 +141,15 @@ class Rom {
 };
 
 }  // namespace
+
+VersionNumbers BootVersion(const AdapterProfile& adapter, RomCode code) {
+    for (const RomRow& row : kChain) {
+        if (row.code == code && row.version != VersionNumbers{}) {
+            return row.version;
+        }
+    }
+    return ParseVersion(adapter.optionRomVersion);
+}
 
 void PutBootCode(const FlashOrigin& origin, bool biosAlone, uint32_t regionBytes,
                  ByteWindow window) {

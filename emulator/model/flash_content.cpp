@@ -77,9 +77,9 @@ void PutBody(const FlashOrigin& origin, const FlashRegion& region, ByteWindow wi
         case RegionContent::Firmware:
         case RegionContent::RecoveryFirmware:
         case RegionContent::AuxiliaryFirmware:
-            PutFirmware({VersionOf(origin, region.content), adapter.deviceId,
-                         adapter.firmwareAttributes},
-                        region.size, window);
+            PutFirmware(
+                {VersionOf(origin, region.content), adapter.deviceId, adapter.firmwareAttributes},
+                region.size, window);
             break;
         case RegionContent::Parameters:
             window.Pattern(0, region.size, region.code);
@@ -123,11 +123,10 @@ void PutRegion(const FlashOrigin& origin, const FlashRegion& region, ByteWindow 
 }
 
 void PutFlash(const FlashOrigin& origin, const FlashRegions& regions, ByteWindow window) {
-    regions.ForEachIn(window.Begin(), window.End() - window.Begin(),
-                      [&](const PlacedRegion& placed) {
-                          PutRegion(origin, *placed.region,
-                                    window.Part(placed.start, placed.region->size));
-                      });
+    regions.ForEachIn(
+        window.Begin(), window.End() - window.Begin(), [&](const PlacedRegion& placed) {
+            PutRegion(origin, *placed.region, window.Part(placed.start, placed.region->size));
+        });
 }
 
 }  // namespace vxemu

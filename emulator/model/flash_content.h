@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "flash/rom_image.h"
 #include "model/byte_window.h"
 #include "model/flash_regions.h"
 #include "model/profile.h"
@@ -38,6 +39,9 @@ struct FirmwareSpec {
 
 // Fills a window of a region whose first three quarters are firmware.
 void PutFirmware(const FirmwareSpec& spec, uint32_t regionBytes, ByteWindow window);
+
+// Version of a kind of boot code: major and minor.
+VersionNumbers BootVersion(const AdapterProfile& adapter, flash::RomCode code);
 
 // Fills a window of a region that begins with boot code.
 void PutBootCode(const FlashOrigin& origin, bool biosAlone, uint32_t regionBytes,

@@ -59,8 +59,8 @@ void FlashMemory::Read(uint32_t offset, uint8_t* bytes, uint32_t length) const {
 
 bool FlashMemory::AddPage(const Host& host, uint32_t index) {
     if (pages_ == nullptr) {
-        pages_ = static_cast<uint8_t**>(
-            host.allocate(host.context, PageCount() * sizeof(uint8_t*)));
+        pages_ =
+            static_cast<uint8_t**>(host.allocate(host.context, PageCount() * sizeof(uint8_t*)));
     }
     if (pages_ == nullptr) {
         return false;
@@ -80,12 +80,11 @@ bool FlashMemory::Write(const Host& host, uint32_t offset, const uint8_t* bytes,
     const bool room = ForEachPage(offset, length, [&](uint32_t page, uint32_t, uint32_t, uint32_t) {
         return PageAt(page) != nullptr || AddPage(host, page);
     });
-    return room &&
-           ForEachPage(offset, length,
-                       [&](uint32_t page, uint32_t inPage, uint32_t done, uint32_t part) {
-                           std::memcpy(PageAt(page) + inPage, bytes + done, part);
-                           return true;
-                       });
+    return room && ForEachPage(offset, length,
+                               [&](uint32_t page, uint32_t inPage, uint32_t done, uint32_t part) {
+                                   std::memcpy(PageAt(page) + inPage, bytes + done, part);
+                                   return true;
+                               });
 }
 
 bool FlashMemory::WasWritten(uint32_t offset, uint32_t length) const {

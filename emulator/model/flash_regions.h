@@ -56,7 +56,7 @@ struct FlashRegions {
     void ForEachIn(uint32_t offset, uint32_t length, Visit visit) const {
         uint32_t start = 0;
         for (uint32_t at = 0; at < count; start += rows[at++].size) {
-            if (start < offset + length && offset < start + rows[at].size) {
+            if (length != 0 && start < offset + length && offset < start + rows[at].size) {
                 visit(PlacedRegion{&rows[at], start});
             }
         }

@@ -30,9 +30,9 @@ inline constexpr uint32_t kSignatureBytes = sizeof(CodeSignature);
 class CodeHash {
   public:
     CodeHash(uint16_t deviceId, uint16_t region) {
-        const uint8_t origin[] = {
-            static_cast<uint8_t>(deviceId), static_cast<uint8_t>(deviceId >> 8),
-            static_cast<uint8_t>(region), static_cast<uint8_t>(region >> 8)};
+        const uint8_t origin[] = {static_cast<uint8_t>(deviceId),
+                                  static_cast<uint8_t>(deviceId >> 8), static_cast<uint8_t>(region),
+                                  static_cast<uint8_t>(region >> 8)};
         Add(origin, sizeof origin);
     }
     void Add(const uint8_t* bytes, size_t length) {

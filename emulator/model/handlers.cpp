@@ -7,7 +7,7 @@ using transport::DriverStatus;
 namespace command = transport::command;
 
 constexpr ExtendedRow kExtendedRows[] = {
-    // command, legacy driver too, bare, handler
+    // command, legacy driver too, bare, handler, any sub-code
     {command::NodeProperties, true, false, NodeProperties},
     {command::PortProperties, false, false, PortProperties},
     {command::DriverProperties, true, true, DriverProperties},
@@ -36,6 +36,8 @@ constexpr ExtendedRow kExtendedRows[] = {
     {command::ScmManagement, false, false, ScmManagement},
     {command::LinkStatistics, false, false, LinkStatistics},
     {command::ResetStatistics, false, false, ResetStatistics},
+    {command::ManagementAddress, false, false, ManagementAddress},
+    {command::SetManagementAddress, false, false, SetManagementAddress},
     {command::Loopback, false, false, Loopback},
     {command::DportDiagnostic, false, false, DportDiagnostic},
     {command::DportResults, false, false, DportResults},
@@ -46,6 +48,32 @@ constexpr ExtendedRow kExtendedRows[] = {
     {command::MctpDump, false, false, MctpDump},
     {command::MiniDump, false, false, MiniDump},
     {command::FirmwareDump, false, false, FirmwareDump},
+    {command::FlashLayout, false, false, FlashLayout},
+    {command::FlashLayoutEx, false, false, FlashLayout},
+    {command::FlashRead, false, false, FlashRead, true},
+    {command::FlashWrite, false, false, FlashWrite, true},
+    {command::OptionRomReadOld, false, false, OptionRomReadOld},
+    {command::OptionRomWriteOld, false, false, OptionRomWriteOld},
+    {command::ActiveRegions, false, false, ActiveRegions},
+    {command::LockdownState, false, false, LockdownState},
+    {command::BootFromSan, false, false, BootFromSan},
+    {command::RestartFirmware, false, false, RestartFirmware},
+    {command::SecureFlashState, false, false, SecureFlashState},
+    {command::SecureFlashBegin, false, false, SecureFlashBegin},
+    {command::SecureFlashHeader, false, false, SecureFlashHeader},
+    {command::SecureFlashVerify, false, false, SecureFlashVerify},
+    {command::SecureFlashStatus, false, false, SecureFlashStatus},
+    {command::SecureFlashCommit, false, false, SecureFlashCommit},
+    {command::SecureFlashAbort, false, false, SecureFlashAbort},
+    {command::NvramRead, false, false, NvramRead, true},
+    {command::NvramWrite, false, false, NvramWrite, true},
+    {command::VpdRead, false, false, VpdRead},
+    {command::VpdWrite, false, false, VpdWrite},
+    {command::SfpRead, false, false, SfpRead},
+    {command::I2cRead, false, false, I2cRead},
+    {command::I2cWrite, false, false, I2cWrite},
+    {command::LoadSfpFirmware, false, false, LoadSfpFirmware},
+    {command::AuxiliaryFirmware, false, false, AuxiliaryFirmware, true},
 };
 
 constexpr PlainRow kPlainRows[] = {
@@ -61,6 +89,10 @@ constexpr PlainRow kPlainRows[] = {
     // Drivers of both generations take the first form of the loopback.
     {command::LegacyLoopback, DriverGeneration::Legacy, LegacyLoopback},
     {command::LegacyLoopback, DriverGeneration::Extended, LegacyLoopback},
+    {command::LegacyNvramRead, DriverGeneration::Legacy, LegacyNvramRead},
+    {command::LegacyNvramWrite, DriverGeneration::Legacy, LegacyNvramWrite},
+    {command::LegacyNvramWrite64, DriverGeneration::Legacy, LegacyNvramWrite64},
+    {command::LegacyNvramWrite16, DriverGeneration::Legacy, LegacyNvramWrite16},
 };
 
 }  // namespace
@@ -72,7 +104,7 @@ ExtendedLookup FindExtended(DriverGeneration generation, uint32_t code, uint16_t
             (generation == DriverGeneration::Legacy && !row.legacyToo)) {
             continue;
         }
-        if (row.command.subCode == subCode) {
+        if (row.anySubCode || row.command.subCode == subCode) {
             return {&row, DriverStatus::Success};
         }
         codeKnown = true;

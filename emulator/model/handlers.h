@@ -17,6 +17,7 @@ struct ExtendedRow {
     bool legacyToo;  // answered by a legacy driver as well
     bool bare;       // answered without signature and version of the EXT_IOCTL
     ExtendedHandler handle;
+    bool anySubCode = false;  // the sub-code selects something, e.g. a flash region
 };
 
 // A plain request has no status: false makes the transfer fail.
@@ -67,6 +68,8 @@ transport::DriverStatus ElsRnid(Exchange& exchange);
 transport::DriverStatus ScmManagement(Exchange& exchange);
 transport::DriverStatus LinkStatistics(Exchange& exchange);
 transport::DriverStatus ResetStatistics(Exchange& exchange);
+transport::DriverStatus ManagementAddress(Exchange& exchange);
+transport::DriverStatus SetManagementAddress(Exchange& exchange);
 transport::DriverStatus Loopback(Exchange& exchange);
 transport::DriverStatus DportDiagnostic(Exchange& exchange);
 transport::DriverStatus DportResults(Exchange& exchange);
@@ -77,6 +80,31 @@ transport::DriverStatus RawMpiDump(Exchange& exchange);
 transport::DriverStatus MctpDump(Exchange& exchange);
 transport::DriverStatus MiniDump(Exchange& exchange);
 transport::DriverStatus FirmwareDump(Exchange& exchange);
+transport::DriverStatus FlashLayout(Exchange& exchange);
+transport::DriverStatus FlashRead(Exchange& exchange);
+transport::DriverStatus FlashWrite(Exchange& exchange);
+transport::DriverStatus OptionRomReadOld(Exchange& exchange);
+transport::DriverStatus OptionRomWriteOld(Exchange& exchange);
+transport::DriverStatus ActiveRegions(Exchange& exchange);
+transport::DriverStatus LockdownState(Exchange& exchange);
+transport::DriverStatus BootFromSan(Exchange& exchange);
+transport::DriverStatus RestartFirmware(Exchange& exchange);
+transport::DriverStatus SecureFlashState(Exchange& exchange);
+transport::DriverStatus SecureFlashBegin(Exchange& exchange);
+transport::DriverStatus SecureFlashHeader(Exchange& exchange);
+transport::DriverStatus SecureFlashVerify(Exchange& exchange);
+transport::DriverStatus SecureFlashStatus(Exchange& exchange);
+transport::DriverStatus SecureFlashCommit(Exchange& exchange);
+transport::DriverStatus SecureFlashAbort(Exchange& exchange);
+transport::DriverStatus NvramRead(Exchange& exchange);
+transport::DriverStatus NvramWrite(Exchange& exchange);
+transport::DriverStatus VpdRead(Exchange& exchange);
+transport::DriverStatus VpdWrite(Exchange& exchange);
+transport::DriverStatus SfpRead(Exchange& exchange);
+transport::DriverStatus I2cRead(Exchange& exchange);
+transport::DriverStatus I2cWrite(Exchange& exchange);
+transport::DriverStatus LoadSfpFirmware(Exchange& exchange);
+transport::DriverStatus AuxiliaryFirmware(Exchange& exchange);
 
 bool LegacyQuery(Exchange& exchange);
 bool LegacyPortAndNode(Exchange& exchange);
@@ -87,5 +115,13 @@ bool LegacySwapTargets(Exchange& exchange);
 bool LegacyScsiPassThrough(Exchange& exchange);
 bool LegacyCtPassThrough(Exchange& exchange);
 bool LegacyLoopback(Exchange& exchange);
+bool LegacyNvramRead(Exchange& exchange);
+bool LegacyNvramWrite(Exchange& exchange);
+bool LegacyNvramWrite64(Exchange& exchange);
+bool LegacyNvramWrite16(Exchange& exchange);
+
+// Items of the legacy query.
+void LegacyNvramSettings(Exchange& exchange, const transport::SelectorRecord& selector);
+void LegacyNvramTail(Exchange& exchange, const transport::SelectorRecord& selector);
 
 }  // namespace vxemu

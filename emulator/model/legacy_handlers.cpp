@@ -1,20 +1,21 @@
 // Plain requests of a legacy driver.
 #include <cstring>
 
+#include "flash/flash_records.h"
 #include "model/bytes.h"
 #include "model/fabric.h"
 #include "model/handlers.h"
 #include "model/pci_header.h"
+#include "model/statistics.h"
 #include "persist/driver_records.h"
 #include "properties/chip_families.h"
 #include "properties/driver_replies.h"
+#include "statistics/statistics_records.h"
 
 namespace vxemu {
 namespace {
 
 using properties::LegacySelector;
-
-constexpr uint16_t kLinkUpValue = 0x8000;
 
 // Reads the decimal numbers of a dotted version into bytes.
 void VersionBytes(const char* text, uint8_t (&bytes)[3]) {
@@ -46,7 +47,7 @@ void AdapterInformation(Exchange& exchange, const transport::SelectorRecord& sel
 void LinkValue(Exchange& exchange, const transport::SelectorRecord& selector) {
     properties::LegacyLinkReply reply = {};
     reply.selector = selector;
-    reply.linkValue = exchange.GetPort().LinkUp() ? kLinkUpValue : 0;
+    reply.linkValue = exchange.GetPort().LinkUp() ? properties::kLegacyLinkUp : 0;
     exchange.Reply(reply);
 }
 
@@ -119,6 +120,13 @@ void ChipIdentity(Exchange& exchange, const transport::SelectorRecord& selector)
     exchange.Reply(reply);
 }
 
+void Statistics(Exchange& exchange, const transport::SelectorRecord& selector) {
+    statistics::LegacyStatisticsReply reply = {};
+    reply.selector = selector;
+    reply.counters = CountersOf(exchange.GetPort());
+    exchange.Reply(reply);
+}
+
 struct SelectorRow {
     uint32_t selector;
     void (*answer)(Exchange& exchange, const transport::SelectorRecord& selector);
@@ -128,7 +136,10 @@ constexpr SelectorRow kSelectors[] = {
     {static_cast<uint32_t>(LegacySelector::LinkValue), LinkValue},
     {static_cast<uint32_t>(LegacySelector::TargetList), TargetList},
     {static_cast<uint32_t>(persist::LunSelector::LunList), LunList},
+    {static_cast<uint32_t>(flash::LegacyNvramSelector::Settings), LegacyNvramSettings},
+    {static_cast<uint32_t>(flash::LegacyNvramSelector::Tail), LegacyNvramTail},
     {static_cast<uint32_t>(LegacySelector::ChipIdentity), ChipIdentity},
+    {static_cast<uint32_t>(statistics::LegacyStatisticsSelector::Statistics), Statistics},
 };
 
 uint8_t PortType(Topology topology) {

@@ -68,15 +68,24 @@ Model* Model::Create(const Host& host, const Profile& profile) {
         static_cast<Port*>(host.allocate(host.context, profile.portCount * sizeof(Port)));
     model->attachments_ = static_cast<Attachment*>(
         host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Attachment)));
-    if (model->profile_ == nullptr || model->ports_ == nullptr || model->attachments_ == nullptr) {
+    model->origin_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
+    model->flashes_ =
+        static_cast<Flash*>(host.allocate(host.context, profile.adapterCount * sizeof(Flash)));
+    if (model->profile_ == nullptr || model->ports_ == nullptr || model->attachments_ == nullptr ||
+        model->origin_ == nullptr || model->flashes_ == nullptr) {
         Destroy(model);
         return nullptr;
     }
     std::memcpy(model->profile_, &profile, sizeof profile);
+    std::memcpy(model->origin_, &profile, sizeof profile);
+    for (uint32_t adapter = 0; adapter < profile.adapterCount; ++adapter) {
+        model->flashes_[adapter].memory.Start({model->origin_, adapter});
+    }
     for (uint32_t index = 0; index < profile.portCount; ++index) {
         Port& port = model->ports_[index];
         port.profile = &model->profile_->ports[index];
         port.adapter = &model->profile_->adapters[port.profile->adapter];
+        port.flash = &model->flashes_[port.profile->adapter];
         port.initialState = port.profile->state;
         port.fabric = &model->fabric_;
         port.attachments = model->attachments_ + index * kMaxTargets;
@@ -95,14 +104,26 @@ void Model::Destroy(Model* model) {
         return;
     }
     const Host host = model->host_;
-    model->fabric_.store.Clear(host);
-    void* const blocks[] = {model->attachments_, model->ports_, model->profile_};
-    for (void* block : blocks) {
+    const auto release = [&host](void* block) {
         if (block != nullptr) {
             host.release(host.context, block);
         }
+    };
+    model->fabric_.store.Clear(host);
+    if (model->ports_ != nullptr && model->flashes_ != nullptr && model->profile_ != nullptr) {
+        for (uint32_t index = 0; index < model->PortCount(); ++index) {
+            release(model->ports_[index].eeprom);
+        }
+        for (uint32_t adapter = 0; adapter < model->profile_->adapterCount; ++adapter) {
+            ReleaseFlash(host, model->flashes_[adapter]);
+        }
     }
-    host.release(host.context, model);
+    release(model->flashes_);
+    release(model->origin_);
+    release(model->attachments_);
+    release(model->ports_);
+    release(model->profile_);
+    release(model);
 }
 
 uint32_t Model::ScsiPortNumber(uint32_t port) const {
@@ -156,6 +177,9 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
     }
 
     Port& target = ports_[port];
+    if (target.flash->withoutPower) {
+        return Completion::NoDevice;
+    }
     ++target.requests;
     uint32_t subCode = kAnySubCode;
     if (!plain) {
@@ -173,8 +197,14 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
     if (fault.kind == FaultKind::Hang && delay != nullptr) {
         *delay = fault.value;
     }
-    return plain ? AnswerPlain(target, buffer, inputLength, outputLength, fault, returned)
-                 : AnswerExtended(target, buffer, inputLength, outputLength, fault, returned);
+    const Completion completion =
+        plain ? AnswerPlain(target, buffer, inputLength, outputLength, fault, returned)
+              : AnswerExtended(target, buffer, inputLength, outputLength, fault, returned);
+    if (target.flash->withoutPower) {
+        *returned = 0;
+        return Completion::NoDevice;
+    }
+    return completion;
 }
 
 Completion Model::AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLength,
@@ -210,7 +240,7 @@ Completion Model::AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLeng
     }
 
     Exchange exchange(port, data, inputLength - kEnvelope, room);
-    exchange.SetResyncFlag(request.ext.resyncFlag);
+    exchange.SetExt(request.ext);
     DriverStatus status = found.row != nullptr ? found.row->handle(exchange) : found.status;
     if (status == DriverStatus::Success && !exchange.Fits()) {
         status = DriverStatus::BufferTooSmall;

@@ -12,6 +12,7 @@
 
 #include "model/fabric.h"
 #include "model/faults.h"
+#include "model/flash.h"
 #include "model/host.h"
 #include "model/os_disks.h"
 #include "model/port.h"
@@ -23,7 +24,7 @@ namespace vxemu {
 // How a request ends. Each stands for one way of completing it to the operating system.
 enum class Completion : uint32_t {
     Done,
-    Busy,         // error 170
+    Busy,         // error 170; also when memory is short
     Invalid,      // not a request of this device: error 1
     ShortBuffer,  // lengths that do not fit the buffer: error 87
     NoDevice,     // no such port
@@ -80,6 +81,8 @@ class Model {
     Profile* profile_;
     Port* ports_;  // one per port of the profile
     Attachment* attachments_;
+    Profile* origin_;  // as it was given: what the flash holds until it is written to
+    Flash* flashes_;   // one per adapter of the profile
     Fabric fabric_;
     FaultList faults_;
     uint64_t startTime_;

@@ -26,7 +26,7 @@ uint16_t GenerationOf(uint16_t deviceId) {
 DriverStatus NodeProperties(Exchange& exchange) {
     Port& port = exchange.GetPort();
     const AdapterProfile& adapter = *port.adapter;
-    if (exchange.ResyncFlag() != 0) {
+    if (exchange.Ext().resyncFlag != 0) {
         ++port.resyncs;
     }
     properties::NodeReply reply = {};

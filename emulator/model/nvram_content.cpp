@@ -24,7 +24,7 @@ constexpr UsualRow kUsual[] = {
 // A setting that stands both in NVRAM and in the port's properties.
 struct SettingRow {
     uint32_t variable;
-    uint16_t PortProfile::* member;
+    uint16_t PortProfile::*member;
 };
 constexpr SettingRow kSettings[] = {
     {variable::kFramePayloadSize, &PortProfile::maxFrameSize},
@@ -106,7 +106,13 @@ void FillNvram(const AdapterProfile& adapter, const PortProfile& port, BlockKind
         return;
     }
     set(flash::kFamilyVariable, FamilyNumber(properties::ChipOf(adapter.deviceId)));
-    bytes[block.size() - 1] = static_cast<uint8_t>(0 - ByteSum(block.first(block.size() - 1)));
+    UpdateClassicChecksum(std::span<uint8_t, flash::kClassicBlock>(bytes, flash::kClassicBlock));
+}
+
+void UpdateClassicChecksum(std::span<uint8_t, flash::kClassicBlock> block) {
+    uint8_t& checksum = block.back();
+    checksum = 0;
+    checksum = static_cast<uint8_t>(0 - ByteSum(block));
 }
 
 bool NvramHolds(std::span<const uint8_t> block) {

@@ -9,6 +9,7 @@ void SetLink(Port& port, bool up) {
         return;
     }
     port.profile->state = up ? PortState::Online : PortState::LinkDown;
+    port.linkLosses += up ? 0 : 1;
     port.events.Add({up ? event_code::kLinkUp : event_code::kLinkDown, {}});
 }
 

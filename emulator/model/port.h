@@ -3,12 +3,15 @@
 
 #include <cstdint>
 
+#include "hxstatistics.h"
 #include "model/event_queue.h"
 #include "model/profile.h"
 
 namespace vxemu {
 
 struct Fabric;
+struct Flash;
+struct PortEeprom;
 
 inline constexpr uint32_t kLunMaskBytes = (kMaxLunNumber + 1) / 8;
 struct LunMask {
@@ -39,8 +42,18 @@ struct Port {
     uint32_t dumpsForced;
     uint64_t statisticsReset;  // when, and how many requests there had been
     uint64_t requestsBefore;
-    uint8_t dportRunning;  // a D-port test has begun and its results were not fetched
+    uint32_t linkLosses;  // since the statistics were reset
+    HX_MGMT_ADDRESS_SETTING managementAddress;
+    bool managementAddressSet;  // else the port still has the address it starts with
+    uint8_t dportRunning;       // a D-port test has begun and its results were not fetched
     uint8_t scmSetting;
+    Flash* flash;        // of the adapter, shared by its ports
+    PortEeprom* eeprom;  // null until something of it is used
+    uint8_t secondBank;  // 1: NVRAM and VPD in use are those of the second bank
+    // What has been written since the firmware last read its settings.
+    bool nvramChanged;
+    bool nvramWaits;  // in the bank that is not in use
+    bool vpdWaits;
 
     bool LinkUp() const { return profile->state == PortState::Online; }
 };

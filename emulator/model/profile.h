@@ -8,7 +8,7 @@
 namespace vxemu {
 
 inline constexpr uint32_t kProfileMagic = 0x50584556;  // "VEXP"
-inline constexpr uint32_t kProfileVersion = 2;         // raised with every change of the layout
+inline constexpr uint32_t kProfileVersion = 3;         // raised with every change of the layout
 inline constexpr uint32_t kMaxAdapters = 64;
 inline constexpr uint32_t kMaxPorts = 64;
 inline constexpr uint32_t kMaxScsiPort = 63;
@@ -75,7 +75,9 @@ struct AdapterProfile {
     uint32_t mctpDumpBytes;
     uint32_t miniDumpBytes[2];  // its first and its second part
     uint8_t dumpPresent;        // 1: there is a dump without one being forced
-    uint8_t reserved[25];
+    uint8_t lockdown;           // 1: nothing that the adapter stores can be changed
+    uint8_t secureUpdates;      // 1: code is only updated with its signature verified
+    uint8_t reserved[23];
 };
 static_assert(sizeof(AdapterProfile) == 360);
 
@@ -116,7 +118,8 @@ struct PortProfile {
     uint8_t flashRegionFlag;
     uint8_t flashRegionCode;
     uint8_t loopbackErrors;  // echoed bytes that a loopback test damages
-    uint8_t reserved[43];
+    uint8_t bootsFromSan;    // 1: the system's boot disk is behind this port
+    uint8_t reserved[42];
 };
 static_assert(sizeof(PortProfile) == 112);
 
@@ -163,7 +166,6 @@ struct LunProfile {
 static_assert(sizeof(LunProfile) == 96);
 static_assert(offsetof(LunProfile, blocks) == 8);
 
-// Later contents (flash, ...) follow, under a higher version.
 struct Profile {
     uint32_t magic;
     uint32_t version;

@@ -103,6 +103,8 @@ constexpr Field kFields[] = {
     Row("mini_dump_1_bytes",      ADAPTER(miniDumpBytes[0]),     FieldKind::Number, kMaxDumpBytes, nullptr, true),
     Row("mini_dump_2_bytes",      ADAPTER(miniDumpBytes[1]),     FieldKind::Number, kMaxDumpBytes, nullptr, true),
     Row("dump_present",           ADAPTER(dumpPresent),          FieldKind::Flag,   1, nullptr, true),
+    Row("lockdown",               ADAPTER(lockdown),             FieldKind::Flag,   1, nullptr, true),
+    Row("secure_updates",         ADAPTER(secureUpdates),        FieldKind::Flag,   1, nullptr, true),
 
     Row("scsi_port",              PORT(scsiPort),                FieldKind::Number, kMaxScsiPort, nullptr, false),
     Row("pci_function",           PORT(pciFunction),             FieldKind::Number, kMaxPciFunction, nullptr, false),
@@ -138,6 +140,7 @@ constexpr Field kFields[] = {
     Row("flash_region_flag",      PORT(flashRegionFlag),         FieldKind::Number, kAny8,  nullptr, true),
     Row("flash_region_code",      PORT(flashRegionCode),         FieldKind::Number, kAny8,  nullptr, true),
     Row("loopback_errors",        PORT(loopbackErrors),          FieldKind::Number, kAny8,  nullptr, true),
+    Row("boots_from_san",         PORT(bootsFromSan),            FieldKind::Flag,   1, nullptr, true),
 
     Row("node_name",              TARGET(nodeName),              FieldKind::Bytes,  0, nullptr, true),
     Row("port_name",              TARGET(portName),              FieldKind::Bytes,  0, nullptr, false),

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "hxmgtapi.h"
 #include "model/pattern.h"
 
 namespace vxemu {
@@ -79,13 +80,16 @@ uint32_t GigabitsOf(const PortProfile& port) {
     constexpr struct {
         uint8_t code;
         uint32_t gigabits;
-    } kSpeeds[] = {{50, 32}, {8, 8}, {2, 2}};
+    } kSpeeds[] = {{HX_SPEED_1GBIT, 1},  {HX_SPEED_2GBIT, 2},   {HX_SPEED_4GBIT, 4},
+                   {HX_SPEED_8GBIT, 8},  {HX_SPEED_16GBIT, 16}, {HX_SPEED_32GBIT, 32},
+                   {HX_SPEED_64GBIT, 64}};
+    constexpr uint32_t kUsual = 16;
     for (const auto& row : kSpeeds) {
         if (port.supportedSpeeds == row.code) {
             return row.gigabits;
         }
     }
-    return 16;
+    return kUsual;
 }
 
 }  // namespace
@@ -111,7 +115,8 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
     const uint32_t rate = gigabits * 1000 + gigabits * 1000 / 16;
     identity.nominalRate =
         rate >= kRateBeyondByte * 100 ? kRateBeyondByte : static_cast<uint8_t>(rate / 100);
-    identity.maxRate = identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
+    identity.maxRate =
+        identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
     identity.lengths[2] = 3;  // of 10 m, 50 um fibre
     identity.lengths[5] = 7;  // of 10 m, OM3
     PutBlank(identity.vendor, sizeof identity.vendor, "EMULATED OPTICS");
@@ -149,8 +154,7 @@ void FillTransceiver(TransceiverDiagnostics& diagnostics) {
     for (const uint32_t slope : {20u, 24u, 28u, 32u}) {
         diagnostics.calibration[slope] = 1;
     }
-    diagnostics.checksum =
-        SumOf(&diagnostics, 0, offsetof(TransceiverDiagnostics, checksum));
+    diagnostics.checksum = SumOf(&diagnostics, 0, offsetof(TransceiverDiagnostics, checksum));
     Measure(0, true, diagnostics);
 }
 

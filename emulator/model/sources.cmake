@@ -5,7 +5,9 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/block_store.cpp
     emulator/model/built_in_profiles.cpp
     emulator/model/bytes.cpp
+    emulator/model/companion_handlers.cpp
     emulator/model/control.cpp
+    emulator/model/control_flash.cpp
     emulator/model/device_handlers.cpp
     emulator/model/diagnostic_handlers.cpp
     emulator/model/dump_handlers.cpp
@@ -15,14 +17,30 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/fabric.cpp
     emulator/model/fabric_handlers.cpp
     emulator/model/faults.cpp
+    emulator/model/flash.cpp
+    emulator/model/flash_boot_content.cpp
+    emulator/model/flash_content.cpp
+    emulator/model/flash_control_handlers.cpp
+    emulator/model/flash_firmware_content.cpp
+    emulator/model/flash_handlers.cpp
+    emulator/model/flash_memory.cpp
+    emulator/model/flash_regions.cpp
+    emulator/model/flash_report.cpp
+    emulator/model/flash_secure_handlers.cpp
+    emulator/model/flash_start.cpp
     emulator/model/handlers.cpp
     emulator/model/legacy_handlers.cpp
+    emulator/model/management_handlers.cpp
     emulator/model/model.cpp
     emulator/model/name_server.cpp
-    emulator/model/os_disks.cpp
     emulator/model/node_handlers.cpp
+    emulator/model/nvram_content.cpp
+    emulator/model/nvram_handlers.cpp
+    emulator/model/os_disks.cpp
     emulator/model/port.cpp
+    emulator/model/port_eeprom.cpp
     emulator/model/port_handlers.cpp
+    emulator/model/port_settings.cpp
     emulator/model/profile.cpp
     emulator/model/profile_fields.cpp
     emulator/model/profile_targets.cpp
@@ -30,11 +48,18 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/scsi_handlers.cpp
     emulator/model/scsi_identity.cpp
     emulator/model/scsi_task.cpp
+    emulator/model/sfp_content.cpp
+    emulator/model/sfp_handlers.cpp
     emulator/model/statistics.cpp
     emulator/model/stored_config.cpp
+    emulator/model/vpd_content.cpp
 )
 # What the model shares with the library; not for programs that have the library's objects.
 set(VXEMU_MODEL_SHARED_SOURCES
+    src/flash/firmware_image.cpp
+    src/flash/nvram_variable_table.cpp
+    src/flash/nvram_variables.cpp
+    src/flash/rom_image.cpp
     src/persist/blocks.cpp
 )
 set(VXEMU_MODEL_INCLUDE_DIRS emulator include src)

@@ -2,29 +2,17 @@
 
 #include "model/fabric.h"
 #include "model/handlers.h"
+#include "statistics/statistics_records.h"
 
 namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
 
-#pragma pack(push, 1)
-struct StatisticsReply {
-    uint32_t secondsSinceReset;
-    uint32_t transmittedFrames;
-    uint32_t receivedFrames;
-    uint32_t transmittedWords;
-    uint32_t receivedWords;
-    uint32_t lipCount;
-    uint32_t linkErrors[kLinkErrorCounters];
-    uint32_t reserved[16];
-};
-static_assert(sizeof(StatisticsReply) == 112);
-#pragma pack(pop)
-
 void Reset(Port& port) {
     port.statisticsReset = port.fabric->host.Now();
     port.requestsBefore = port.requests;
+    port.linkLosses = 0;
 }
 
 }  // namespace
@@ -34,19 +22,26 @@ uint32_t RemoteLinkErrors(const uint8_t* portName, uint32_t counter) {
 }
 
 // Each request counts as an exchange of a command and a response frame; besides, an idle port sends
-// and receives one frame a second.
-DriverStatus LinkStatistics(Exchange& exchange) {
-    const Port& port = exchange.GetPort();
+// and receives one frame a second. A link that goes down costs the light, the synchronisation and
+// the link, once each.
+HX_STATISTICS CountersOf(const Port& port) {
     const uint64_t seconds = (port.fabric->host.Now() - port.statisticsReset) / 1000;
     const uint64_t requests = port.requests - port.requestsBefore;
-    StatisticsReply reply = {};
-    reply.secondsSinceReset = static_cast<uint32_t>(seconds);
-    reply.transmittedFrames = static_cast<uint32_t>(seconds + requests);
-    reply.receivedFrames = static_cast<uint32_t>(seconds + 2 * requests);
-    reply.transmittedWords = 16 * reply.transmittedFrames;
-    reply.receivedWords = 64 * reply.receivedFrames;
-    reply.lipCount = port.profile->topology == Topology::PrivateLoop ? 1 : 0;
-    exchange.Reply(reply);
+    HX_STATISTICS counters = {};
+    counters.secondsSinceReset = static_cast<uint32_t>(seconds);
+    counters.txFrames = static_cast<uint32_t>(seconds + requests);
+    counters.rxFrames = static_cast<uint32_t>(seconds + 2 * requests);
+    counters.txWords = 16 * counters.txFrames;
+    counters.rxWords = 64 * counters.rxFrames;
+    counters.lipCount = port.profile->topology == Topology::PrivateLoop ? 1 : 0;
+    counters.linkFailures = port.linkLosses;
+    counters.lossesOfSync = port.linkLosses;
+    counters.lossesOfSignal = port.linkLosses;
+    return counters;
+}
+
+DriverStatus LinkStatistics(Exchange& exchange) {
+    exchange.Reply(CountersOf(exchange.GetPort()));
     return DriverStatus::Success;
 }
 

@@ -3,7 +3,12 @@
 
 #include <cstdint>
 
+#include "model/port.h"
+
 namespace vxemu {
+
+// The counters of a port's own link.
+HX_STATISTICS CountersOf(const Port& port);
 
 // Link failure, loss of synchronisation, loss of signal, primitive sequence protocol error, invalid
 // transmission word, invalid CRC.

@@ -39,4 +39,13 @@ tools::ExitCode RunLunAdd(tools::Invocation& invocation);
 tools::ExitCode RunLunRemove(tools::Invocation& invocation);
 tools::ExitCode RunLunSet(tools::Invocation& invocation);
 
+// flash_commands.cpp
+tools::ExitCode RunFlashShow(tools::Invocation& invocation);
+tools::ExitCode RunFlashDump(tools::Invocation& invocation);
+tools::ExitCode RunFlashImage(tools::Invocation& invocation);
+tools::ExitCode RunFlashCorrupt(tools::Invocation& invocation);
+tools::ExitCode RunFlashPowerFail(tools::Invocation& invocation);
+tools::ExitCode RunLockdown(tools::Invocation& invocation);
+tools::ExitCode RunBootFromSan(tools::Invocation& invocation);
+
 }  // namespace vxemu

@@ -53,6 +53,35 @@ constexpr Argument kSet[] = {
     {"ASSIGNMENT", ArgumentKind::Text, "", "NAME=VALUE, as in a profile file", true, true},
 };
 
+constexpr const char* kOnOff[] = {"on", "off"};
+constexpr Argument kSwitch[] = {
+    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {"STATE", ArgumentKind::Text, "", "on or off", true, false, kOnOff},
+};
+
+constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";
+constexpr Argument kFlashDump[] = {
+    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {"REGION", ArgumentKind::Number, "", kRegionHelp, true},
+    {"FILE", ArgumentKind::Text, "", "file to write", true},
+};
+constexpr Argument kFlashImage[] = {
+    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {"REGION", ArgumentKind::Number, "", "code of a region of firmware or boot code", true},
+    {"FILE", ArgumentKind::Text, "", "file to write", true},
+    {"--as", ArgumentKind::Text, "VERSION", "version of the image: 9.13.00, or 3.62 of boot code",
+     true},
+};
+constexpr Argument kFlashCorrupt[] = {
+    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {"REGION", ArgumentKind::Number, "", kRegionHelp, true},
+    {"AT", ArgumentKind::Number, "", "offset of the byte in the region", true},
+};
+constexpr Argument kFlashPowerFail[] = {
+    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {"--after-bytes", ArgumentKind::Number, "N", "bytes that are still written (0)"},
+};
+
 constexpr const char* kTargetHelp = "port name of a target: 2b:00:02:45:4d:00:01:00";
 constexpr const char* kAssignmentHelp = "NAME=VALUE, as in a profile file";
 constexpr Argument kTarget[] = {{"TARGET", ArgumentKind::Text, "", kTargetHelp, true}};
@@ -95,8 +124,8 @@ const Command kCommands[] = {
      "vxemu.status",
      {},
      RunStatus},
-    {"reset", Risk::Reversible, "put a port's link and events back to their start", "vxemu.reset",
-     kPort, RunReset},
+    {"reset", Risk::Reversible, "put a port back to its start: power, firmware, link and events",
+     "vxemu.reset", kPort, RunReset},
     {"profile list", Risk::Reads, "built-in profiles", "vxemu.profile.list", {}, RunProfileList},
     {"profile show", Risk::Reads, "a profile as JSON", "vxemu.profile.show", kProfileShow,
      RunProfileShow},
@@ -127,6 +156,21 @@ const Command kCommands[] = {
     {"lun remove", Risk::Reversible, "take a LUN and what was written to it away",
      "vxemu.lun.remove", kLun, RunLunRemove},
     {"lun set", Risk::Reversible, "change values of a LUN", "vxemu.lun.set", kLunSet, RunLunSet},
+    {"flash show", Risk::Reads, "regions of an adapter's flash, and whether they are sound",
+     "vxemu.flash.show", kPort, RunFlashShow},
+    {"flash dump", Risk::Reads, "write what a region holds to a file", "vxemu.flash.dump",
+     kFlashDump, RunFlashDump},
+    {"flash image", Risk::Reads, "make an image to update a region with", "vxemu.flash.image",
+     kFlashImage, RunFlashImage},
+    {"flash corrupt", Risk::Reversible, "invert a byte of a region", "vxemu.flash.corrupt",
+     kFlashCorrupt, RunFlashCorrupt},
+    {"flash power-fail", Risk::Reversible,
+     "let the adapter's power fail during a write; reset one of its ports to end that",
+     "vxemu.flash.power_fail", kFlashPowerFail, RunFlashPowerFail},
+    {"lockdown", Risk::Reversible, "let the adapter refuse every change of what it stores",
+     "vxemu.lockdown", kSwitch, RunLockdown},
+    {"bfs", Risk::Reversible, "put the system's boot disk behind a port", "vxemu.bfs", kSwitch,
+     RunBootFromSan},
     {"explain", Risk::Reads, "the meaning of a status or exit code", "vxemu.explain",
      tools::ExplainArguments(), tools::RunExplain},
     {"completion", Risk::Reads, "shell completion script", "vxemu.completion",
@@ -141,6 +185,7 @@ constexpr CommandGroup kGroups[] = {
     {"port", "values of a running port"},
     {"target", "what the running ports are connected to"},
     {"lun", "disks of a target"},
+    {"flash", "flash of the running adapters"},
 };
 
 // Texts of the library's statuses, which the drivers of the adapters lead to, and of Windows.

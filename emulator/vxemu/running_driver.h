@@ -31,6 +31,14 @@ class RunningDriver {
         return reply.count;
     }
 
+    // Asks for the reply to a record.
+    template <typename Reply, typename Record>
+    std::unique_ptr<Reply> Fetch(uint32_t code, const Record& record, const std::string& what) {
+        auto reply = std::make_unique<Reply>();
+        Check(device_.Send(code, record, reply.get()), what);
+        return reply;
+    }
+
     // Sends a change of the fabric, which the driver may refuse.
     template <typename Record>
     void SendChange(uint32_t code, const Record& record, const std::string& what) {

@@ -4,5 +4,6 @@
 set(VXEMU_PORTABLE_SOURCES
     emulator/vxemu/fault_text.cpp
     emulator/vxemu/field_text.cpp
+    emulator/vxemu/flash_image.cpp
     emulator/vxemu/profile_json.cpp
 )
