@@ -45,12 +45,12 @@ BareExtended::BareExtended(Carrier carrier, transport::Command command, uint32_t
     envelope_.ext.responseLen = outputLength;
 }
 
-void BareExtended::Send() {
+void BareExtended::Exchange(const uint8_t* input, uint8_t* output) {
     memcpy(buffer_.data(), &envelope_, sizeof envelope_);
-    std::copy(input_.begin(), input_.end(), buffer_.begin() + sizeof envelope_);
+    std::copy_n(input, inputLength_, buffer_.begin() + sizeof envelope_);
     Demand(carrier_.Send(buffer_.data(), transport::kEnvelopeLength + inputLength_, buffer_.data(),
                          buffer_.size()));
-    std::copy_n(buffer_.begin() + sizeof envelope_, outputLength_, output_.begin());
+    std::copy_n(buffer_.begin() + sizeof envelope_, outputLength_, output);
 }
 
 BarePlain::BarePlain(Carrier carrier, uint32_t code, std::vector<uint8_t> input,

@@ -33,7 +33,10 @@ class BareExtended : public BareRequest {
   public:
     BareExtended(Carrier carrier, transport::Command command, uint32_t inputLength,
                  uint32_t outputLength);
-    void Send() override;
+    void Send() override { Exchange(input_.data(), output_.data()); }
+    // With data of the caller's, as long as the request's.
+    void Exchange(const uint8_t* input, uint8_t* output);
+    transport::ExtRequest& Envelope() { return envelope_; }
     // The data to send and the data that came.
     std::vector<uint8_t>& Input() { return input_; }
     const std::vector<uint8_t>& Output() const { return output_; }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -5,6 +6,8 @@
 #include "bare_request.h"
 #include "benchmarks.h"
 #include "dumps/dump_records.h"
+#include "flash/flash_records.h"
+#include "flash_operations.h"
 #include "hxmgtapi.h"
 #include "measure.h"
 #include "operations.h"
@@ -34,14 +37,23 @@ class OpenableDriver : public support::Device {
 
 constexpr uint32_t kDumpBytes = 16u << 20;
 
+constexpr flash::DriverRegion kRegions[] = {{200, 0, 0, 1u << 20, 0, 0},
+                                            {201, 0, 0, 16u << 20, 0, 0}};
+
 // Succeeds at once: the reply is as long as there is room, whatever it holds. Only the size of the
-// firmware dump must be said.
+// firmware dump and the flash layout must be said.
 BOOL WINAPI NullDeviceIoControl(HANDLE, DWORD, LPVOID, DWORD, LPVOID output, DWORD outputSize,
                                 LPDWORD returned, LPOVERLAPPED) {
     if (outputSize == transport::kEnvelopeLength + sizeof(dumps::RawQuery)) {
         auto& reply =
             *reinterpret_cast<dumps::RawQuery*>(static_cast<transport::ExtRequest*>(output) + 1);
         reply.header.length = kDumpBytes;
+    }
+    if (outputSize == transport::kEnvelopeLength + sizeof(flash::LayoutTable)) {
+        auto& table =
+            *reinterpret_cast<flash::LayoutTable*>(static_cast<transport::ExtRequest*>(output) + 1);
+        table.head.count = static_cast<uint32_t>(std::size(kRegions));
+        memcpy(table.regions, kRegions, sizeof kRegions);
     }
     *returned = outputSize;
     return TRUE;
@@ -89,6 +101,9 @@ void RunAgainstNullDriver(uint32_t samples) {
     }
     for (const Result& result :
          MeasureOperations(handle, carrier, {HX_ADDRESS_PORT_NAME, {}, 0}, samples)) {
+        results.push_back(result);
+    }
+    for (const Result& result : MeasureFlash(handle, carrier, std::max(1u, samples / 10))) {
         results.push_back(result);
     }
     HXCloseDevice(static_cast<int32_t>(handle));

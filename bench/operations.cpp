@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "dumps/dump_records.h"
+#include "hbaapi.h"
 #include "passthru/scsi_records.h"
+#include "properties/driver_replies.h"
 
 namespace bench {
 
@@ -14,6 +16,7 @@ namespace {
 namespace command = transport::command;
 
 constexpr uint32_t kInquiryBytes = 96;
+constexpr transport::Command kVerifiedNvram = {command::NvramRead.code, 1};
 
 bool Answers(const char* what, HX_STATUS status) {
     if (status != HXMGT_SUCCESS) {
@@ -44,6 +47,33 @@ void MeasureInquiry(uint32_t handle, const Carrier& carrier, const HX_SCSI_ADDRE
     results.push_back(Measure(
         {"HXSendScsiInquiryCmdFC, 96 bytes (1 request)", [&] { inquire(); }, [&] { bare.Send(); }},
         samples));
+}
+
+// The adapter's identity as the standard API asks for it: the chip once for each of node, chip and
+// NVRAM, the node twice.
+void MeasureAttributes(uint32_t handle, const Carrier& carrier, uint32_t samples,
+                       std::vector<Result>& results) {
+    HBA_ENTRYPOINTS api;
+    HBA_RegisterLibrary(&api);
+    HBA_ADAPTERATTRIBUTES attributes;
+    const auto ask = [&] {
+        attributes.VendorSpecificID = 0;
+        return api.GetAdapterAttributesHandler(handle, &attributes);
+    };
+    if (!Answers("Adapter attributes", ask())) {
+        return;
+    }
+    BareExtended chip(carrier, command::ChipProperties, 0, sizeof(properties::ChipReply));
+    BareExtended node(carrier, command::NodeProperties, 0, sizeof(properties::NodeReply));
+    BareExtended nvram(carrier, kVerifiedNvram, 0, HX_NVRAM_CLASSIC_BYTES);
+    BareExtended* const requests[] = {&chip, &node, &chip, &node, &chip, &nvram};
+    results.push_back(Measure({"GetAdapterAttributesHandler (6 requests)", [&] { ask(); },
+                               [&] {
+                                   for (BareExtended* request : requests) {
+                                       request->Send();
+                                   }
+                               }},
+                              samples));
 }
 
 void MeasureDump(uint32_t handle, const Carrier& carrier, uint32_t samples,
@@ -96,6 +126,7 @@ std::vector<Result> MeasureOperations(uint32_t handle, const Carrier& carrier,
                                       const HX_SCSI_ADDRESS& target, uint32_t samples) {
     std::vector<Result> results;
     MeasureInquiry(handle, carrier, target, samples, results);
+    MeasureAttributes(handle, carrier, samples, results);
     MeasureDump(handle, carrier, std::max(1u, samples / 10), results);
     return results;
 }

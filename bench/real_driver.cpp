@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 #include "bare_request.h"
 #include "benchmarks.h"
+#include "flash_operations.h"
 #include "hxmgtapi.h"
 #include "measure.h"
 #include "operations.h"
@@ -99,6 +101,9 @@ void RunAgainstRealDriver(uint32_t samples) {
     }
     HXDisableAen(handle);
     for (const Result& result : MeasureOperations(handle, carrier, FirstTarget(handle), samples)) {
+        results.push_back(result);
+    }
+    for (const Result& result : MeasureFlash(handle, carrier, std::max(1u, samples / 10))) {
         results.push_back(result);
     }
     CloseHandle(mutex);

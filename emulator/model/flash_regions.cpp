@@ -118,6 +118,8 @@ constexpr FlashRegion kBanked[] = {
     Vpd(274),
     Nvram(275),
     Row(254, RegionContent::Blank, 120 * kKib),
+    Row(252, RegionContent::Blank, 1024 * kKib),
+    Row(253, RegionContent::Blank, 16384 * kKib),
 };
 
 // A chip's regions are those of the first row with its trait.
