@@ -312,9 +312,9 @@ HX_STATUS HXWriteSFPData(uint32_t handle, uint64_t reserved, uint16_t device, co
                          uint16_t* deviceStatus);
 
 /*
- * Reads the transceiver's memory (SFF-8472) in one request: the 256 bytes of device 0xA0, then those
- * of device 0xA2. *size is the room in bytes, then the bytes read. HXMGT_SFP_DATA_UNAVAILABLE there is
- * no transceiver; HXMGT_SFP_TRANSFER_ERROR; HXMGT_INVALID_PARAMETER.
+ * Reads the transceiver's memory (SFF-8472) in one request: the 256 bytes of device 0xA0, then
+ * those of device 0xA2. *size is the room in bytes, then the bytes read. Statuses:
+ * HXMGT_SFP_DATA_UNAVAILABLE there is no transceiver; HXMGT_SFP_TRANSFER_ERROR.
  */
 HX_STATUS HXGetSFPData(uint32_t handle, uint64_t reserved, void* buffer, uint32_t* size);
 

@@ -26,6 +26,7 @@ constexpr Argument kExtraOptions[] = {{"-p,--port", ArgumentKind::Text, "SEL", "
 
 const Command kCommands[] = {
     {"event watch", Risk::Reads, "", "t.event.watch", kWatchArguments, nullptr},
+    {"event watch stop", Risk::Reversible, "", "t.event.stop", {}, nullptr},
     {"param get", Risk::Reads, "", "t.param.get", kGetArguments, nullptr},
     {"explain", Risk::Reads, "", "t.explain", kExplainArguments, nullptr},
     {"version", Risk::Reads, "", "t.version", {}, nullptr},
@@ -56,6 +57,18 @@ TEST(ToolsCommandLine, GlobalOptionsStandAnywhere) {
     EXPECT_TRUE(spread.options.Has("quiet"));
 }
 
+TEST(ToolsCommandLine, ACommandMayHaveOthersBelowIt) {
+    const CommandLine above = Parse("event watch --count 3");
+    EXPECT_EQ(above.error, "");
+    EXPECT_STREQ(above.command->path, "event watch");
+    const CommandLine below = Parse("event watch -p 3 stop --json");
+    EXPECT_EQ(below.error, "");
+    EXPECT_STREQ(below.command->path, "event watch stop");
+    EXPECT_EQ(below.options.Text("port"), "3");
+    EXPECT_NE(Parse("event watch --help").help.find("stop"), std::string::npos);
+    EXPECT_TRUE(NextWords(kTool).at("event watch").contains("stop"));
+}
+
 TEST(ToolsCommandLine, ValuesAreTakenAsTheyAre) {
     // Names of commands, leading slashes and brackets are values like any other.
     for (const char* value : {"version", "event", "/x", "[a,b]", "a=b", "%PATH%"}) {
@@ -80,6 +93,9 @@ TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
         {"event watch --count 1 --count 2", "event watch"},
         {"event watch --kind three", "event watch"},
         {"event watch extra", "event watch"},
+        {"event watch stop extra", "event watch stop"},
+        {"event watch stop --count 1", "event watch stop"},
+        {"event watch --count 1 stop", "event watch stop"},
         {"event watch --bogus", "event watch"},
         {"param get", "param get"},
         {"param get a b", "param get"},

@@ -88,6 +88,38 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
         {"fc echo -t id:1 --size 253 --json", "vxmgr.fc.echo", 2},
         {"fc ct no-such-file --json", "vxmgr.fc.ct", 3},
         {"fc els no-such-file -t id:1 --json", "vxmgr.fc.els", 3},
+        {std::string("target list --json") + kNone, "vxmgr.target.list", 3},
+        {"target show -t id: --json", "vxmgr.target.show", 2},
+        {std::string("target luns --json") + kNone, "vxmgr.target.luns", 3},
+        {std::string("port stats --json") + kNone, "vxmgr.port.stats", 3},
+        {std::string("port stats --delta --json") + kNone, "vxmgr.port.stats", 3},
+        {std::string("port stats clear --json") + kNone, "vxmgr.port.stats.clear", 3},
+        {"port stats clear --count 1 --json", "vxmgr.port.stats.clear", 2},
+        {"port stats --interval 0 --json", "vxmgr.port.stats", 2},
+        {std::string("map target all --json") + kNone, "vxmgr.map", 3},
+        {"map target --json", "vxmgr.map", 2},
+        {"map target 0 --json", "vxmgr.map", 2},
+        {"map disk C: --json", "vxmgr.map", 2},
+        {"map volume no-such-folder --json", "vxmgr.map", 3},
+        {std::string("hbaapi list --json") + kNone, "vxmgr.hbaapi.list", 3},
+        {std::string("hbaapi show --json") + kNone, "vxmgr.hbaapi.show", 3},
+        {std::string("bind list --json") + kNone, "vxmgr.bind.list", 3},
+        {"bind list --store disk --json", "vxmgr.bind.list", 2},
+        {"bind add -t 0:0 --id 256 --json", "vxmgr.bind.change", 2},
+        {std::string("bind add -t 0:0 --json") + kNone, "vxmgr.bind.change", 3},
+        {"bind remove -t 0:0 --store live --json", "vxmgr.bind.change", 4},
+        {"bind swap -t 0:0 --json", "vxmgr.bind.change", 2},
+        {std::string("bind apply --json") + kNone, "vxmgr.bind.change", 3},
+        {std::string("bind export FILE --json") + kNone, "vxmgr.bind.export", 3},
+        {"bind export FILE --store both --json", "vxmgr.bind.export", 2},
+        {"bind import no-such-file --json", "vxmgr.bind.import", 3},
+        {"bind clean 21:00 --json", "vxmgr.bind.clean", 2},
+        {std::string("lunmask show --json") + kNone, "vxmgr.lunmask.show", 3},
+        {"lunmask allow 2048 -t 0:0 --json", "vxmgr.lunmask.change", 2},
+        {"lunmask deny 3-1 -t 0:0 --json", "vxmgr.lunmask.change", 2},
+        {std::string("lunmask deny 0 -t 0:0 --json") + kNone, "vxmgr.lunmask.change", 3},
+        {std::string("lunmask export FILE --json") + kNone, "vxmgr.lunmask.export", 3},
+        {"lunmask import no-such-file --json", "vxmgr.lunmask.import", 3},
         {std::string("dump list --json") + kNone, "vxmgr.dump.list", 3},
         {std::string("dump take --json") + kNone, "vxmgr.dump.take", 3},
         {"dump save all FILE --json", "vxmgr.dump.save", 2},
@@ -111,7 +143,9 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
 
 TEST_F(VxmgrTest, ListsAreDocumentsWhateverTheMachineHas) {
     for (const char* arguments :
-         {"adapter list", "adapter show", "port list", "port show", "driver show"}) {
+         {"adapter list", "adapter show", "port list", "port show", "driver show", "target list",
+          "target show", "target luns", "bind list", "bind stores", "lunmask show", "port stats",
+          "map target all", "hbaapi list", "hbaapi show"}) {
         const json document = Document(std::string(arguments) + " --json");
         EXPECT_TRUE(document["result"].is_object()) << arguments;
 

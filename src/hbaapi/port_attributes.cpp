@@ -22,7 +22,6 @@ using properties::TextOf;
 namespace command = transport::command;
 
 constexpr uint32_t kFrameSize = 2048;
-constexpr uint16_t kLegacyLinkUp = 0x8000;
 constexpr uint16_t kWithoutLowestSpeed = 1u << 0;  // of PortReplyBase::speedFlags
 
 template <size_t Size>
@@ -116,7 +115,8 @@ HX_STATUS GetLegacy(uint32_t handle, HBA_PORTATTRIBUTES& out) {
     if (status != HXMGT_SUCCESS) {
         return status;
     }
-    out.PortState = link.linkValue < kLegacyLinkUp ? HBA_PORTSTATE_LINKDOWN : HBA_PORTSTATE_ONLINE;
+    out.PortState =
+        link.linkValue < properties::kLegacyLinkUp ? HBA_PORTSTATE_LINKDOWN : HBA_PORTSTATE_ONLINE;
     out.PortSupportedSpeed = HBA_PORTSPEED_1GBIT;
     out.PortSpeed = HBA_PORTSPEED_1GBIT;
     return HXMGT_SUCCESS;

@@ -212,10 +212,11 @@ static_assert(offsetof(LegacyAdapterReply, portId) == 12);
 
 struct LegacyLinkReply {  // LinkValue, 16 bytes
     transport::SelectorRecord selector;
-    uint16_t linkValue;  // 0x8000 and above: link up
+    uint16_t linkValue;  // kLegacyLinkUp and above: link up
     uint16_t reserved14;
 };
 static_assert(sizeof(LegacyLinkReply) == 16);
+inline constexpr uint16_t kLegacyLinkUp = 0x8000;
 
 struct LegacyTargetEntry {  // 32 bytes
     uint16_t loopId;        // 0xFFFF = none; its low byte is the flag byte: bit 0 = valid

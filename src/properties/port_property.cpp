@@ -39,7 +39,6 @@ constexpr uint16_t kReplyFabric = 4;
 constexpr uint16_t kReplyInitiator = 1;
 constexpr uint8_t kProtocolFcp = 1;  // bit numbers of PortReplyV2::protocolFlags
 constexpr uint8_t kProtocolNvme = 2;
-constexpr uint16_t kLegacyLinkUp = 0x8000;
 
 uint8_t StateOf(uint16_t replyState) {
     switch (replyState) {

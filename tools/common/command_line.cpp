@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <deque>
 
 #include "text.h"
@@ -82,13 +83,13 @@ class Parser {
         app_.fallthrough();
         app_.get_formatter()->column_width(34);
         app_.set_version_flag("--version", std::string(tool.name) + " " + tool.version);
-        AddAll(app_, CommonOptions());
-        AddAll(app_, tool.options);
+        AddAll(app_, CommonOptions(), nullptr);
+        AddAll(app_, tool.options, nullptr);
         for (const Command& command : tool.commands) {
             CLI::App* app = AppOf(command.path);
             app->description(command.help);
             app->group(command.hidden ? "" : "Commands");
-            AddAll(*app, command.arguments);
+            AddAll(*app, command.arguments, &command);
             commands_.emplace_back(app, &command);
         }
     }
@@ -116,6 +117,7 @@ class Parser {
   private:
     struct Slot {
         const Argument* argument;
+        const Command* owner;  // null: every command has it
         CLI::Option* option;
         std::vector<std::string> values;
         bool flag = false;
@@ -126,18 +128,25 @@ class Parser {
         CLI::App* app = &app_;
         std::string sofar;
         for (const std::string& word : Split(path, ' ')) {
+            const bool needsNext = !IsCommand(sofar);
             sofar += (sofar.empty() ? "" : " ") + word;
             CLI::App*& next = apps_[sofar];
             if (next == nullptr) {
                 next = app->add_subcommand(word, GroupHelp(sofar));
                 next->group("Commands");
             }
-            if (app != &app_) {
+            if (app != &app_ && needsNext) {
                 app->require_subcommand(1);
             }
             app = next;
         }
         return app;
+    }
+
+    // A command may have others below it: "stats" and "stats clear".
+    bool IsCommand(std::string_view path) const {
+        return std::any_of(tool_.commands.begin(), tool_.commands.end(),
+                           [path](const Command& command) { return path == command.path; });
     }
 
     std::string GroupHelp(std::string_view path) const {
@@ -149,10 +158,11 @@ class Parser {
         return {};
     }
 
-    void AddAll(CLI::App& app, std::span<const Argument> arguments) {
+    void AddAll(CLI::App& app, std::span<const Argument> arguments, const Command* owner) {
         for (const Argument& argument : arguments) {
             Slot& slot = slots_.emplace_back();
             slot.argument = &argument;
+            slot.owner = owner;
             if (argument.kind == ArgumentKind::Flag) {
                 slot.option = app.add_flag(argument.name, slot.flag, argument.help);
                 continue;
@@ -173,7 +183,7 @@ class Parser {
 
     const Command* Chosen() const {
         for (const auto& [app, command] : commands_) {
-            if (app->parsed()) {
+            if (app->parsed() && app->get_subcommands().empty()) {
                 return command;
             }
         }
@@ -223,6 +233,11 @@ class Parser {
         for (const Slot& slot : slots_) {
             if (slot.option->count() == 0) {
                 continue;
+            }
+            if (slot.owner != nullptr && slot.owner != line.command) {
+                line.error = NameOf(*slot.argument) + " belongs to \"" + slot.owner->path + "\"";
+                line.hint = "see `" + DeepestPath() + " --help`";
+                return;
             }
             for (const std::string& value : slot.values) {
                 const std::string wanted = Complaint(*slot.argument, value);

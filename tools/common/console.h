@@ -27,6 +27,9 @@ bool ReadLine(std::string* line);
 // A new or emptied file for writing, or null with the Windows error code in *error.
 std::FILE* CreateForWriting(const std::string& path, uint32_t* error);
 
+std::string ToUtf8(const std::wstring& text);
+std::wstring ToWide(const std::string& text);
+
 // A path for interfaces that take the system's code page.
 std::string ToSystemCodePage(const std::string& text);
 

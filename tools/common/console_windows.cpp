@@ -23,17 +23,6 @@ std::string ToUtf8(const wchar_t* text, int length) {
     return result;
 }
 
-std::wstring ToWide(const std::string& text) {
-    if (text.empty()) {
-        return {};
-    }
-    const int length = static_cast<int>(text.size());
-    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
-    std::wstring result(static_cast<size_t>(size), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), length, result.data(), size);
-    return result;
-}
-
 HANDLE HandleOf(std::FILE* stream) {
     const int descriptor = _fileno(stream);
     return descriptor < 0 ? INVALID_HANDLE_VALUE
@@ -133,6 +122,21 @@ std::FILE* CreateForWriting(const std::string& path, uint32_t* error) {
         *error = ERROR_TOO_MANY_OPEN_FILES;
     }
     return stream;
+}
+
+std::string ToUtf8(const std::wstring& text) {
+    return ToUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+std::wstring ToWide(const std::string& text) {
+    if (text.empty()) {
+        return {};
+    }
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
+    std::wstring result(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), length, result.data(), size);
+    return result;
 }
 
 std::string ToSystemCodePage(const std::string& text) {

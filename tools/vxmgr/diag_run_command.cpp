@@ -6,6 +6,7 @@
 #include "fc_els.h"
 #include "fc_services.h"
 #include "scsi_unit.h"
+#include "stats_counters.h"
 #include "values.h"
 
 namespace vxmgr {
@@ -74,6 +75,19 @@ Finding CheckLink(const Subject& subject) {
             text == nullptr ? "unknown state" : *text};
 }
 
+Finding CheckLinkErrors(const Subject& subject) {
+    HX_STATISTICS statistics{};
+    const HX_STATUS status = HXGetStatistics(subject.handle, 0, &statistics);
+    if (status != HXMGT_SUCCESS) {
+        return OfStatus(status);
+    }
+    const std::string errors = LinkErrorsText(statistics);
+    const std::string since = " in " + std::to_string(statistics.secondsSinceReset) + " s";
+    return errors.empty()
+               ? Finding{Outcome::Passed, "none" + since}
+               : Finding{Outcome::Warning, errors + since + "; `port stats clear` begins anew"};
+}
+
 Finding CheckDiagnosticMode(const Subject& subject) {
     if (!subject.port.hasSecondVersion || !subject.port.port) {
         return {Outcome::Skipped, "the driver does not report it"};
@@ -131,6 +145,7 @@ constexpr Check kChecks[] = {
     {"driver", CheckDriver},
     {"firmware", CheckFirmware},
     {"link", CheckLink},
+    {"link errors", CheckLinkErrors},
     {"diagnostic mode", CheckDiagnosticMode},
     {"name server", CheckNameServer},
     {"firmware dump", CheckDumps},

@@ -302,6 +302,12 @@ std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
     return selected;
 }
 
+std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
+                                    const std::vector<tools::Identity>& identities) {
+    const auto selector = GivenSelector(invocation, option);
+    return SelectFrom(invocation, option, selector.value_or(tools::Selector()), identities);
+}
+
 std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
                                      const std::vector<Port>& ports) {
     std::vector<const Port*> selected;

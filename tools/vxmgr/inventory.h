@@ -60,6 +60,11 @@ std::vector<const Port*> SelectPorts(tools::Invocation& invocation, const std::v
 std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
                                            const std::vector<Adapter>& adapters);
 
+// The positions of the identities that the option selects, all of them without it; ends the command
+// likewise.
+std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
+                                    const std::vector<tools::Identity>& identities);
+
 // The one port of a command that changes something.
 const Port& SelectOnePort(tools::Invocation& invocation, const std::vector<Port>& ports);
 

@@ -1,11 +1,38 @@
-# The protocols' encoders and decoders, relative to the repository. Free of platform calls: also
-# built natively, for the tests.
+# Encoders and decoders of protocols, stored data and documents, relative to the repository. Free of
+# platform calls: also built natively, for the tests.
 set(VXMGR_PORTABLE_SOURCES
+    tools/vxmgr/bind_document.cpp
+    tools/vxmgr/bind_edit.cpp
     tools/vxmgr/fc_ct.cpp
     tools/vxmgr/fc_els.cpp
+    tools/vxmgr/flash_firmware.cpp
+    tools/vxmgr/flash_image.cpp
+    tools/vxmgr/flash_image_check.cpp
+    tools/vxmgr/flash_lock_table.cpp
+    tools/vxmgr/flash_regions.cpp
+    tools/vxmgr/flash_rom.cpp
+    tools/vxmgr/flash_version.cpp
+    tools/vxmgr/hbaapi_reader.cpp
+    tools/vxmgr/hbaapi_records.cpp
+    tools/vxmgr/hbaapi_texts.cpp
+    tools/vxmgr/lunmask_document.cpp
+    tools/vxmgr/lunmask_luns.cpp
+    tools/vxmgr/map_rows.cpp
+    tools/vxmgr/nvram_block.cpp
+    tools/vxmgr/nvram_document.cpp
+    tools/vxmgr/nvram_fields.cpp
+    tools/vxmgr/nvram_text.cpp
     tools/vxmgr/scsi_bytes.cpp
     tools/vxmgr/scsi_inquiry.cpp
     tools/vxmgr/scsi_sense.cpp
     tools/vxmgr/scsi_target.cpp
     tools/vxmgr/scsi_units.cpp
+    tools/vxmgr/sfp_diagnostics.cpp
+    tools/vxmgr/sfp_identity.cpp
+    tools/vxmgr/stats_counters.cpp
+    tools/vxmgr/store_blocks.cpp
+    tools/vxmgr/store_difference.cpp
+    tools/vxmgr/store_document.cpp
+    tools/vxmgr/target_luns.cpp
+    tools/vxmgr/vpd_pci.cpp
 )

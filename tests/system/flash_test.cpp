@@ -1,0 +1,350 @@
+// vxmgr on the flash of the running driver's adapters: what is written, what is refused, and what
+// is left behind when a write does not come to its end.
+#include <filesystem>
+#include <fstream>
+
+#include "emulated_driver.h"
+
+namespace system_test {
+namespace {
+
+namespace fs = std::filesystem;
+using Data = std::vector<char>;
+
+constexpr const char* kBanked = " -a serial:EMU7740A0001";
+constexpr const char* kLargeRom = " -a serial:EMU7404A0002";
+constexpr const char* kYes = " --yes --confirm EMU7740A0001";
+
+Data BytesOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The flash is as delivered at the start of every test, and all files of a test are its own.
+class SystemFlash : public EmulatedDriver {
+  public:
+    static void SetUpTestSuite() {}
+    static void TearDownTestSuite() {}
+
+  protected:
+    void SetUp() override {
+        folder_ = support::ScratchPath("-flash");
+        fs::remove_all(folder_);
+        fs::create_directories(folder_);
+        StartDriver();
+    }
+    void TearDown() override {
+        EmulatedDriver::TearDown();
+        // A request of a program that was killed may hang in the driver for a while yet.
+        support::Ended stopped = Vxemu("stop");
+        for (int i = 0; i < 4 && stopped.exit == 7; ++i) {
+            stopped = Vxemu("stop");
+        }
+        EXPECT_EQ(0u, stopped.exit) << stopped.err;
+        fs::remove_all(folder_);
+    }
+
+    std::string File(const std::string& name) const { return (folder_ / name).string(); }
+
+    // An image of a version for a region of the port's adapter, as the emulator makes it.
+    std::string Image(const std::string& port, int region, const std::string& version) {
+        const std::string file =
+            File(port.substr(port.find(':') + 1) + "-" + std::to_string(region) + "-" + version);
+        const support::Ended made = Vxemu("flash image " + port + " " + std::to_string(region) +
+                                          " \"" + file + "\" --as " + version);
+        EXPECT_EQ(0u, made.exit) << made.err;
+        return file;
+    }
+
+    json Write(const std::string& region, const std::string& file, const std::string& rest = "") {
+        return Document("flash write " + region + " \"" + file + "\"" + kBanked + kYes + rest);
+    }
+
+    Data Region(const std::string& region) {
+        const std::string file = File("region.bin");
+        EXPECT_EQ(0u, Vxmgr("flash read " + region + " \"" + file + "\"" + kBanked).exit);
+        return BytesOf(file);
+    }
+
+    // Every region of the banked adapter, by file name.
+    std::map<std::string, Data> AllRegions(const std::string& name) {
+        const fs::path folder = folder_ / name;
+        EXPECT_EQ(0, Document("flash read all \"" + folder.string() + "\"" + kBanked)["exit"]);
+        std::map<std::string, Data> regions;
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            regions[entry.path().filename().string()] = BytesOf(entry.path());
+        }
+        return regions;
+    }
+
+    // What `fw show` says of a region of an adapter.
+    json Code(const std::string& adapter, int region) {
+        const json document = Document("fw show" + adapter);
+        for (const json& row : document["result"]["code"]) {
+            if (row["region"] == region) {
+                return row;
+            }
+        }
+        ADD_FAILURE() << "no region " << region;
+        return json::object();
+    }
+
+    json Lock(const std::string& serial) {
+        const json document = Document("flash lock show");
+        for (const json& row : document["result"]["locks"]) {
+            if (row["serial"] == serial) {
+                return row;
+            }
+        }
+        return json::object();
+    }
+
+    // Waits until the adapter's lock is held; its owner, or 0 after some seconds.
+    int WaitForOwner() {
+        for (int i = 0; i < 50; ++i) {
+            const json lock = Lock("EMU7740A0001");
+            if (lock.value("held", false)) {
+                return lock["owner_pid"];
+            }
+            Sleep(100);
+        }
+        return 0;
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
+    const json layout = Document(std::string("flash layout") + kBanked)["result"];
+    const std::map<std::string, Data> regions = AllRegions("all");
+    EXPECT_EQ(layout["regions"].size(), regions.size());
+    uint64_t bytes = 0;
+    for (const auto& [name, data] : regions) {
+        bytes += data.size();
+    }
+    EXPECT_EQ(layout["size"], bytes);
+
+    // Two pieces and a bit of the firmware, across the border of a piece.
+    const std::string start = layout["regions"][1]["start"];
+    const std::string file = File("range.bin");
+    ASSERT_EQ("firmware", layout["regions"][1]["key"]);
+    EXPECT_EQ(0, Document("flash read \"" + file + "\" --length 131073 --offset " + start +
+                          kBanked)["exit"]);
+    const Data& firmware = regions.at("001-firmware.bin");
+    EXPECT_EQ(Data(firmware.begin(), firmware.begin() + 131073), BytesOf(file));
+    EXPECT_EQ(firmware, Region("0x1"));
+
+    // Nothing of a failed read is left behind, and an older file stays.
+    const Data before = BytesOf(file);
+    EXPECT_EQ(1,
+              Document("flash read \"" + file + "\" --length 16 --offset 255" + kBanked)["exit"]);
+    EXPECT_EQ(1, Document("flash read \"" + file + "\" --length 16 --offset 0x40000000" +
+                          kBanked)["exit"]);
+    EXPECT_EQ(before, BytesOf(file));
+    EXPECT_EQ(3, Document("flash read nothing \"" + file + "\"" + kBanked)["exit"]);
+    EXPECT_EQ(2, Document("flash read 1" + std::string(kBanked))["exit"]);
+    EXPECT_EQ(2, Document("flash layout")["exit"]);  // of which adapter?
+    EXPECT_EQ(4, Document("flash layout -p scsi:9")["exit"]);
+}
+
+TEST_F(SystemFlash, OneRegionThatFailsLeavesTheOthers) {
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 9 --do status 11").exit);
+    const fs::path folder = folder_ / "all";
+    const json document = Document("flash read all \"" + folder.string() + "\"" + kBanked);
+    EXPECT_EQ(11, document["exit"]);
+    EXPECT_FALSE(fs::exists(folder / "009-auxiliary-firmware.bin"));
+    EXPECT_TRUE(fs::exists(folder / "254-spare.bin"));
+}
+
+TEST_F(SystemFlash, WrongImagesAreRefusedBeforeAnythingIsWritten) {
+    const std::map<std::string, Data> before = AllRegions("before");
+    const std::string good = Image("scsi:3", 1, "9.13.00");
+    Data bytes = BytesOf(good);
+    bytes[5000] ^= 1;
+    const std::string damaged = File("damaged.img");
+    std::ofstream(damaged, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+    const std::string half = File("half.img");
+    std::ofstream(half, std::ios::binary).write(bytes.data(), std::ssize(bytes) / 2);
+    std::ofstream(File("empty.img"), std::ios::binary).flush();
+
+    for (const std::string& file : {damaged, half, File("empty.img"), Image("scsi:6", 1, "9.13.00"),
+                                    Image("scsi:3", 1, "9.11.00"), Image("scsi:3", 7, "3.62")}) {
+        EXPECT_EQ(8, Write("firmware", file)["exit"]) << file;
+        EXPECT_EQ(8, Document("fw check \"" + file + "\" --region 1" + kBanked)["exit"]) << file;
+    }
+    EXPECT_EQ(8, Write("firmware", half, " --pad")["exit"]);
+    EXPECT_EQ(3, Write("firmware", File("missing.img"))["exit"]);
+    EXPECT_EQ(8, Document("fw inspect \"" + damaged + "\"")["exit"]);
+
+    const std::string write = "flash write firmware \"" + good + "\" ";
+    EXPECT_EQ(2, Document(write + kBanked)["exit"]);  // nobody can be asked
+    EXPECT_EQ(2, Document(write + kBanked + " --yes")["exit"]);
+    EXPECT_EQ(8, Document(write + kBanked + " --yes --confirm EMU7404A0002")["exit"]);
+    EXPECT_EQ(2, Document(write + "-a 0 --yes --confirm EMU7740A0001")["exit"]);
+    EXPECT_EQ(0, Document(write + kBanked + " --dry-run")["exit"]);
+    ASSERT_EQ(0u, Vxemu("lockdown scsi:4 on").exit);
+    EXPECT_EQ(8, Write("firmware", good)["exit"]);
+    ASSERT_EQ(0u, Vxemu("lockdown scsi:4 off").exit);
+    EXPECT_EQ(before, AllRegions("after"));
+}
+
+TEST_F(SystemFlash, GoodImageIsWrittenProvenAndStarted) {
+    const std::string image = Image("scsi:3", 1, "9.13.00");
+    EXPECT_EQ(true, Document("fw check \"" + image + "\"" + kBanked)["result"]["accepted"]);
+    const json written = Write("firmware", image);
+    EXPECT_EQ(0, written["exit"]);
+    EXPECT_EQ(true, written["changed"]);
+    EXPECT_EQ(true, written["result"]["verified"]);
+    EXPECT_EQ("9.13.00", written["result"]["running_after"]);
+    EXPECT_EQ(BytesOf(image), Region("firmware"));
+    EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
+
+    const json again = Write("firmware", image, " --detailed-exitcode");
+    EXPECT_EQ(30, again["exit"]);
+    EXPECT_EQ(false, again["changed"]);
+    EXPECT_EQ("9.12.01", Write("firmware", Image("scsi:3", 1, "9.12.01"),
+                               " --allow-older")["result"]["running_after"]);
+}
+
+TEST_F(SystemFlash, ChipWithoutOnlineStartKeepsTheImagePending) {
+    for (const int region : {1, 7}) {
+        const std::string image = Image("scsi:6", region, region == 1 ? "8.02.00" : "3.70");
+        const json document =
+            Document("flash write " + std::to_string(region) + " \"" + image + "\"" + kLargeRom +
+                     " --yes --confirm EMU7404A0002 --detailed-exitcode");
+        EXPECT_EQ(31, document["exit"]);
+        EXPECT_EQ(1u, document["pending"].size());
+        EXPECT_EQ("pending", Code(kLargeRom, region)["state"]);
+    }
+    EXPECT_EQ(4, Document(std::string("fw activate --yes") + kLargeRom)["exit"]);
+    ASSERT_EQ(0u, Vxemu("reset scsi:6").exit);
+    EXPECT_EQ("8.02.00", Code(kLargeRom, 1)["running"]);
+    EXPECT_EQ("running", Code(kLargeRom, 7)["state"]);
+}
+
+TEST_F(SystemFlash, SettingsOfTheOtherBankArePending) {
+    const std::string file = File("nvram.bin");
+    ASSERT_EQ(0u, Vxmgr("flash read nvram-0 \"" + file + "\"" + kBanked).exit);
+    Data bytes = BytesOf(file);
+    bytes[511] ^= 1;  // the checksum
+    std::ofstream(File("bad.bin"), std::ios::binary).write(bytes.data(), std::ssize(bytes));
+    EXPECT_EQ(8, Write("nvram-0-bank-2", File("bad.bin"))["exit"]);
+    // Two words that keep the sum: other settings, as good.
+    std::swap_ranges(bytes.begin() + 400, bytes.begin() + 404, bytes.begin() + 404);
+    bytes[400] = static_cast<char>(bytes[400] + 1);
+    bytes[511] ^= 1;
+    bytes[508] = static_cast<char>(bytes[508] - 1);
+    std::ofstream(file, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+    const json written = Write("nvram-0-bank-2", file);
+    EXPECT_EQ(0, written["exit"]) << written.dump();
+    EXPECT_EQ(1u, written["pending"].size());
+    EXPECT_EQ(bytes, Region("nvram-0-bank-2"));
+}
+
+TEST_F(SystemFlash, FirmwareIsStartedLaterWhenThePortBootsTheHost) {
+    ASSERT_EQ(0u, Vxemu("bfs scsi:3 on").exit);
+    const json written = Write("firmware", Image("scsi:3", 1, "9.14.00"), " --detailed-exitcode");
+    EXPECT_EQ(31, written["exit"]);
+    EXPECT_EQ(true, written["result"]["verified"]);
+    EXPECT_EQ("9.12.01", written["result"]["running_after"]);
+    EXPECT_EQ("pending", Code(kBanked, 1)["state"]);
+    EXPECT_EQ(4, Document(std::string("fw activate --yes") + kBanked)["exit"]);
+    EXPECT_EQ("9.12.01", Code(kBanked, 1)["running"]);
+
+    ASSERT_EQ(0u, Vxemu("bfs scsi:3 off").exit);
+    EXPECT_EQ(2, Document(std::string("fw activate") + kBanked)["exit"]);
+    const json started = Document(std::string("fw activate --yes") + kBanked);
+    EXPECT_EQ(0, started["exit"]);
+    EXPECT_EQ(true, started["result"]["activated"]);
+    EXPECT_EQ("9.14.00", started["result"]["after"]);
+    EXPECT_EQ(false, Document(std::string("fw activate --yes") + kBanked)["changed"]);
+}
+
+TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
+    const std::map<std::string, Data> before = AllRegions("before");
+    const std::string image = Image("scsi:3", 1, "9.13.00");
+    const struct {
+        uint32_t bytes;
+        const char* state;  // null: what was cut off is none of the code
+    } kCuts[] = {{0, "running"}, {65536, "damaged"}, {100000, "damaged"}, {524287, nullptr}};
+    for (const auto& cut : kCuts) {
+        SCOPED_TRACE(cut.bytes);
+        ASSERT_EQ(0u,
+                  Vxemu("flash power-fail scsi:4 --after-bytes " + std::to_string(cut.bytes)).exit);
+        const json document = Write("firmware", image, " --allow-same");
+        EXPECT_EQ(1, document["exit"]);
+        EXPECT_EQ("unknown", document["result"]["state"]);
+        EXPECT_EQ(nullptr, document["result"]["written"]);
+        ASSERT_EQ(0u, Vxemu("reset scsi:3").exit);
+        EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
+        std::map<std::string, Data> after = AllRegions("after");
+        Data cutOff = before.at("001-firmware.bin");
+        const Data whole = BytesOf(image);
+        std::copy_n(whole.begin(), cut.bytes, cutOff.begin());
+        EXPECT_TRUE(cutOff == after.at("001-firmware.bin"));
+        after["001-firmware.bin"] = before.at("001-firmware.bin");
+        EXPECT_TRUE(before == after);
+        if (cut.state != nullptr) {
+            EXPECT_EQ(cut.state, Code(kBanked, 1)["state"]);
+        }
+        EXPECT_EQ(0, Document("flash write 1 \"" + File("before/001-firmware.bin") + "\"" +
+                              kBanked + kYes + " --allow-older --allow-same")["exit"]);
+    }
+}
+
+TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
+    // The read-back fails behind the eight pieces of the look before.
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 8 --do status 11").exit);
+    json document = Write("firmware", Image("scsi:3", 1, "9.13.00"));
+    EXPECT_EQ(9, document["exit"]);
+    EXPECT_EQ(nullptr, document["result"]["verified"]);
+    ASSERT_EQ(0u, Vxemu("fault clear").exit);
+
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 8 --do corrupt").exit);
+    document = Write("firmware", Image("scsi:3", 1, "9.14.00"));
+    EXPECT_EQ(1, document["exit"]);
+    EXPECT_EQ("mixed", document["result"]["state"]);
+    EXPECT_EQ(false, document["result"]["verified"]);
+    ASSERT_EQ(0u, Vxemu("fault clear").exit);
+
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --do status 11").exit);
+    document = Write("firmware", Image("scsi:3", 1, "9.15.00"));
+    EXPECT_EQ(1, document["exit"]);
+    EXPECT_EQ("old", document["result"]["state"]);
+    EXPECT_EQ(false, document["changed"]);
+    EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
+}
+
+TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
+    // Keeps the locks alive: they go with the last program that uses the library.
+    support::Program keeper("vxmgr.exe", "event watch -p scsi:6");
+    ASSERT_TRUE(PortReaches("scsi:6", "event_delivery", true));
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --times 1 --do hang 20000").exit);
+    const std::string image = Image("scsi:3", 1, "9.13.00");
+    support::Program owner("vxmgr.exe", "flash write 1 \"" + image + "\"" + kBanked + kYes);
+    const int pid = WaitForOwner();
+    ASSERT_NE(0, pid);
+    const std::string release = "flash lock release --owner-pid " + std::to_string(pid);
+    EXPECT_EQ(true, Lock("EMU7740A0001")["owner_lives"]);
+    EXPECT_EQ(6, Write("firmware", image)["exit"]);
+    EXPECT_EQ(6, Document(release)["exit"]);
+    EXPECT_EQ(3, Document("flash lock release --owner-pid 3")["exit"]);
+    EXPECT_EQ(false, Lock("EMU7404A0002")["held"]);
+
+    owner.Kill();
+    const json left = Lock("EMU7740A0001");
+    EXPECT_EQ(true, left["held"]);
+    EXPECT_EQ(false, left["owner_lives"]);
+    EXPECT_EQ(6, Write("firmware", image)["exit"]);
+    EXPECT_EQ(3, Document(release + kLargeRom)["exit"]);
+    EXPECT_EQ(false, Document(release + " --dry-run")["result"]["released"]);
+    EXPECT_EQ(true, Document(release)["result"]["released"]);
+    EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
+    EXPECT_EQ(3, Document(release)["exit"]);
+    EXPECT_TRUE(keeper.Running());
+    EXPECT_EQ(0, Write("firmware", image)["exit"]);
+    keeper.Kill();
+}
+
+}  // namespace
+}  // namespace system_test

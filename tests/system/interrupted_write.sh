@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# A flash write that is interrupted with Ctrl-C finishes its region, gives the update lock back and
+# ends with exit code 10; a second Ctrl-C gives it up. Under Wine a SIGINT is the Ctrl-C of a
+# program's console. Usage: interrupted_write.sh BIN
+set -euo pipefail
+bin=$1
+log=$(mktemp -d)
+trap 'wine "$bin/vxemu.exe" stop >"$log/stop" 2>&1 </dev/null || true; rm -rf "$log"' EXIT
+
+fail() {
+    echo "FAILED: $1"
+    cat "$log"/*.txt
+    exit 1
+}
+emulator() {
+    wine "$bin/vxemu.exe" "$@" >"$log/emulator.txt" 2>&1 </dev/null || fail "vxemu $*"
+}
+lock_is() {
+    wine "$bin/vxmgr.exe" flash lock show --json >"$log/lock.txt" 2>&1 </dev/null || fail "lock show"
+    tr -d ' \r\n' <"$log/lock.txt" | grep -q "\"serial\":\"EMU7740A0001\",\"held\":$1"
+}
+# Starts a write that hangs for some time, interrupts it as often as told, and prints its exit code.
+interrupt() {
+    local version=$1 milliseconds=$2 times=$3 code=0
+    emulator flash image scsi:3 1 "$log/image" --as "$version"
+    emulator fault add scsi:3 --code FlashWrite --times 1 --do hang "$milliseconds"
+    wine "$bin/vxmgr.exe" flash write 1 "$log/image" -a serial:EMU7740A0001 \
+        --yes --confirm EMU7740A0001 --json >"$log/write.txt" 2>&1 </dev/null &
+    local writer=$!
+    for _ in $(seq 60); do
+        lock_is true && break
+        sleep 0.1
+    done
+    lock_is true || fail "the lock is not taken"
+    for _ in $(seq "$times"); do
+        kill -INT "$writer"
+        sleep 0.5
+    done
+    wait "$writer" || code=$?
+    [ "$code" -eq 10 ] || fail "exit code $code instead of 10"
+    lock_is false || fail "the lock is still held"
+}
+
+emulator start --profile lab
+interrupt 9.13.00 6000 1
+tr -d ' \r\n' <"$log/write.txt" | grep -q '"state":"new","verified":true' || fail "not finished"
+interrupt 9.14.00 15000 2
+grep -q 'may hold half of the image' "$log/write.txt" || fail "the state is not told"
+echo "the region is finished after one Ctrl-C, and given up after two"

@@ -1,0 +1,49 @@
+// Logical units, the operating system's devices of them and the volumes on those, as rows.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/record.h"
+#include "hxmgtapi.h"
+
+namespace vxmgr {
+
+// The port that a unit is reached through.
+struct MapPort {
+    uint32_t index = 0;
+    std::optional<uint32_t> scsiPort;
+    std::string serial;
+    tools::Value status;
+};
+
+struct MappedUnit {
+    tools::Wwn portName;  // of the target; zero: not told
+    tools::Wwn nodeName;
+    uint32_t portId = 0;
+    uint16_t bus = 0;
+    uint16_t target = 0;
+    uint16_t lun = 0;
+    std::optional<HX_OS_DEVICE> device;  // empty: the operating system has none
+    std::vector<HX_VOLUME> volumes;
+
+    bool IsDisk(uint32_t number) const {
+        return device && device->type == HX_OS_DEVICE_DISK && device->number == number;
+    }
+};
+
+MappedUnit UnitOf(const HX_OS_DEVICE& device);
+
+// "5", "PhysicalDrive5" or "\\\\.\\PhysicalDrive5", in any letter case.
+std::optional<uint32_t> ParseDisk(std::string_view text);
+
+const char* DeviceTypeText(uint32_t type);  // null for a type that is none
+
+// A row per volume, one for a unit without volumes; null unit: the row of a port that failed.
+std::vector<tools::Record> MapRows(const MapPort& port, const MappedUnit& unit);
+tools::Record MapRow(const MapPort& port, const MappedUnit* unit, const HX_VOLUME* volume);
+
+}  // namespace vxmgr

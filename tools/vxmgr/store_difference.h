@@ -1,0 +1,24 @@
+// What an import changes: targets that come, go or become different.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/record.h"
+#include "hxmgtapi.h"
+
+namespace vxmgr {
+
+struct DifferenceRow {
+    const char* action;  // "added", "removed", "changed"
+    tools::Wwn target;   // port name
+    tools::Wwn node;
+    std::string what;  // "flags 0x00 -> 0x01, bus:target 0:3 -> 0:4"
+};
+
+std::vector<DifferenceRow> DifferencesOf(const HX_TARGET_DATA& before, const HX_TARGET_DATA& after);
+std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN_DATA& after);
+
+tools::Record RecordOf(const DifferenceRow& row);
+
+}  // namespace vxmgr
