@@ -10,7 +10,8 @@ trap 'run vxemu.exe stop >/dev/null 2>&1 || true; wine_stop' EXIT
 show() {
     echo
     echo "> $*"
-    run "$1.exe" "${@:2}" | tr -d '\r'
+    run "$1.exe" "${@:2}" >build/demo.txt 2>&1 </dev/null || true
+    tr -d '\r' <build/demo.txt
 }
 
 show vxemu start --profile lab
@@ -42,6 +43,23 @@ for watcher in 1 2; do
     echo "> vxmgr event watch -p scsi:3 --count 2      (process $watcher)"
     tr -d '\r' <"build/watch$watcher.txt"
 done
+
+echo
+echo "A target bound and two of its LUNs hidden, live and in the store, over a restart of the driver:"
+show vxmgr bind add -p scsi:3 -t 0:1 --id 9
+show vxmgr lunmask deny 1,2 -p scsi:3 -t 0:0 -y
+show vxemu stop
+show vxemu start --profile lab
+show vxmgr target list -p scsi:3
+show vxmgr scsi luns -p scsi:3 -t 0:0
+show vxmgr map target all -p scsi:3
+show vxmgr lunmask allow 1,2 -p scsi:3 -t 0:0
+show vxmgr bind remove -p scsi:3 -t 0:9
+
+show vxmgr fw show
+show vxmgr sfp show -p scsi:3
+show vxmgr port stats -p scsi:3
+show vxmgr hbaapi list
 
 show vxmgr explain 0x20000067
 show vxmgr port list -o json -q | sed -n 1,40p

@@ -216,6 +216,27 @@ TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
     AskPlain(kLegacy, command::LegacySwapTargets, Bytes(76), 0, Completion::Invalid);
 }
 
+TEST_F(EmulatorBinding, ACurrentDriverTakesAppliedTargetData) {
+    Bytes selector(12);
+    selector[4] = static_cast<uint8_t>(properties::LegacySelector::TargetList);
+    const Bytes data = AskPlain(kNewest, command::LegacyQuery, selector,
+                                sizeof(properties::LegacyTargetListReply));
+    auto list = std::make_unique<properties::LegacyTargetListReply>();
+    ASSERT_EQ(data.size(), sizeof *list);
+    std::memcpy(list.get(), data.data(), sizeof *list);
+    persist::TargetAndMaskRequest request = {};
+    std::memcpy(&request.entry, &list->entries[1], sizeof request.entry);
+    std::memcpy(request.nodeName, request.entry.nodeName, 8);
+    std::memcpy(request.portName, request.entry.portName, 8);
+    request.entry.bindingFlags = 5;
+    request.visible[0] = 0xFE;
+    AskPlain(kNewest, command::LegacySetTarget, BytesOf(request), 0);
+    EXPECT_EQ(Database()[1].bindingFlags, 5);
+    EXPECT_EQ(Mask(1)[0], 0xFE);
+    selector[4] = static_cast<uint8_t>(properties::LegacySelector::LinkValue);
+    AskPlain(kNewest, command::LegacyQuery, selector, 64, Completion::Invalid);
+}
+
 TEST_F(EmulatorBinding, TheFabricChangesWhileItRuns) {
     using vxemu::ProfileError;
     auto target = vxemu::DefaultTarget(*lab);

@@ -100,7 +100,7 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
         {"map target --json", "vxmgr.map", 2},
         {"map target 0 --json", "vxmgr.map", 2},
         {"map disk C: --json", "vxmgr.map", 2},
-        {"map volume no-such-folder --json", "vxmgr.map", 3},
+        {"map volume \\\\?\\Volume{00000000-0000-0000-0000-000000000000}\\ --json", "vxmgr.map", 3},
         {std::string("hbaapi list --json") + kNone, "vxmgr.hbaapi.list", 3},
         {std::string("hbaapi show --json") + kNone, "vxmgr.hbaapi.show", 3},
         {std::string("bind list --json") + kNone, "vxmgr.bind.list", 3},

@@ -82,6 +82,9 @@ constexpr PlainRow kPlainRows[] = {
     {command::LegacyResetStatistics, DriverGeneration::Legacy, LegacyResetStatistics},
     {command::LegacyResetStatistics2, DriverGeneration::Legacy, LegacyResetStatistics},
     {command::LegacySetTarget, DriverGeneration::Legacy, LegacySetTarget},
+    // Applying target data takes these two of a current driver as well.
+    {command::LegacyQuery, DriverGeneration::Extended, LegacyTargetQuery},
+    {command::LegacySetTarget, DriverGeneration::Extended, LegacySetTarget},
     {command::LegacyAddTarget, DriverGeneration::Legacy, LegacyAddTarget},
     {command::LegacySwapTargets, DriverGeneration::Legacy, LegacySwapTargets},
     {command::LegacyScsiPassThrough, DriverGeneration::Legacy, LegacyScsiPassThrough},

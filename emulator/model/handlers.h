@@ -107,6 +107,7 @@ transport::DriverStatus LoadSfpFirmware(Exchange& exchange);
 transport::DriverStatus AuxiliaryFirmware(Exchange& exchange);
 
 bool LegacyQuery(Exchange& exchange);
+bool LegacyTargetQuery(Exchange& exchange);
 bool LegacyPortAndNode(Exchange& exchange);
 bool LegacyResetStatistics(Exchange& exchange);
 bool LegacySetTarget(Exchange& exchange);

@@ -172,6 +172,17 @@ bool LegacyQuery(Exchange& exchange) {
     return false;
 }
 
+// Of the queries a current driver answers the target list alone.
+bool LegacyTargetQuery(Exchange& exchange) {
+    transport::SelectorRecord selector;
+    if (!exchange.Read(selector) ||
+        selector.selector != static_cast<uint32_t>(LegacySelector::TargetList)) {
+        return false;
+    }
+    TargetList(exchange, selector);
+    return true;
+}
+
 bool LegacyPortAndNode(Exchange& exchange) {
     const PortProfile& profile = *exchange.GetPort().profile;
     properties::LegacyPortAndNodeReply reply = {};

@@ -10,7 +10,8 @@ namespace vxemu {
 namespace {
 
 constexpr uint8_t kTwoWireOnly = 0x04;
-constexpr uint8_t kShortWaveLaser = 0x20;
+constexpr uint8_t kShortDistance = 0x40;   // of the link, in byte 7
+constexpr uint8_t kShortWaveLaser = 0x40;  // without open fibre control, in byte 8
 constexpr uint8_t kMultimode = 0x0C;
 constexpr uint8_t k64b66b = 0x06;
 constexpr uint8_t k8b10b = 0x01;
@@ -107,7 +108,8 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
     identity.identifier = port.transceiverType[0];
     identity.extendedIdentifier = kTwoWireOnly;
     identity.connector = port.transceiverType[1];
-    identity.compliance[4] = kShortWaveLaser;
+    identity.compliance[4] = kShortDistance;
+    identity.compliance[5] = kShortWaveLaser;
     identity.compliance[6] = kMultimode;
     identity.compliance[7] = SpeedBits(gigabits);
     identity.encoding = gigabits > kLowerRateGigabits ? k64b66b : k8b10b;

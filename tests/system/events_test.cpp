@@ -59,6 +59,12 @@ TEST_F(SystemEvents, TestEventArrives) {
     EXPECT_EQ(std::vector<std::string>{"test"}, Kinds(watcher->Wait().out));
 }
 
+TEST_F(SystemEvents, ADriverWithoutEventsLeavesAnEmptyList) {
+    const json document = Document("event watch -p scsi:9 --count 1");
+    EXPECT_EQ(4, document["exit"]);
+    EXPECT_EQ(json::array(), document["result"]["events"]);
+}
+
 TEST_F(SystemEvents, NinthProcessHasNoSlot) {
     std::vector<std::unique_ptr<Program>> watchers;
     for (int i = 0; i < 8; ++i) {

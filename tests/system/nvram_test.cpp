@@ -76,12 +76,13 @@ class SystemNvram : public EmulatedDriver {
         ASSERT_EQ(0u, Vxemu("fault add " + fault).exit) << fault;
     }
     bool LockIsFree() {
-        for (const json& row : Document("flash lock show")["result"]["locks"]) {
+        const json result = Document("flash lock show")["result"];
+        for (const json& row : result["locks"]) {
             if (row.value("held", false)) {
                 return false;
             }
         }
-        return true;
+        return result["locks"].size() == 3;
     }
 
     fs::path folder_;

@@ -118,6 +118,8 @@ class Watcher {
 
     ExitCode Run() {
         if (CountLive() == 0) {
+            invocation_.Result().AddList("events", "Events", tools::ListLayout::Table,
+                                         EventRow(Port(), HX_EVENT{}, {}), "", {});
             return failures_ != 0 ? exit_ : ExitCode::NotSupported;
         }
         invocation_.Progress("watching " + std::to_string(CountLive()) + " of " +

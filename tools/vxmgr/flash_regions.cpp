@@ -28,6 +28,8 @@ constexpr RegionRow kRegions[] = {
     {213, "nvram-2", "settings of function 2", Kind::Nvram},
     {214, "vpd-3", "product data of function 3", Kind::Vpd},
     {215, "nvram-3", "settings of function 3", Kind::Nvram},
+    {252, "spare-1", "not used", Kind::Data},
+    {253, "spare-2", "not used", Kind::Data},
     {254, "spare", "not used", Kind::Data},
     {kWholeFlash, "whole", "whole flash", Kind::BootCode},
     {268, "vpd-0-bank-2", "product data of function 0, second bank", Kind::Vpd},

@@ -57,7 +57,8 @@ std::optional<std::string> OwnLibraryFile() {
         return std::nullopt;
     }
     std::wstring file(path.data(), length);
-    file = file.substr(0, file.find_last_of(L"\\/") + 1) + kLibraryName;
+    file.erase(file.find_last_of(L"\\/") + 1);
+    file += kLibraryName;
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;

@@ -59,7 +59,7 @@ void CheckOwner(tools::Invocation& invocation, const PortSession& session, const
     if (!own) {
         invocation.Fail(ExitCode::Refused,
                         path + ": it is of port " + origin.portName.Colons() +
-                            " (serial:" + origin.serial + "), not of the selected one",
+                            ", serial:" + origin.serial + ", not of the selected one",
                         "--as-port takes its settings; names and board IDs stay");
     }
 }
@@ -77,11 +77,7 @@ void CheckReadOnly(tools::Invocation& invocation, const PortNvram& nvram, const 
 // A file that goes with the scope.
 class ScratchFile {
   public:
-    ScratchFile() {
-        std::error_code error;
-        path_ = std::filesystem::temp_directory_path(error) /
-                ("vxmgr-" + std::to_string(std::random_device()()) + ".nvram");
-    }
+    ScratchFile() : path_(Folder() / Name()) {}
     ~ScratchFile() {
         std::error_code ignored;
         std::filesystem::remove(path_, ignored);
@@ -95,6 +91,14 @@ class ScratchFile {
     }
 
   private:
+    static std::filesystem::path Folder() {
+        std::error_code ignored;  // no such folder: the file cannot be written, which is reported
+        return std::filesystem::temp_directory_path(ignored);
+    }
+    static std::string Name() {
+        return "vxmgr-" + std::to_string(std::random_device()()) + ".nvram";
+    }
+
     std::filesystem::path path_;
 };
 

@@ -103,6 +103,8 @@ class Watcher {
 
     ExitCode Run(ExitCode started) {
         if (watched_.empty()) {
+            invocation_.Result().AddList("readings", "Readings", tools::ListLayout::Table,
+                                         ReadingsRow(Port(), {}, {}), "", {});
             return started != ExitCode::Done ? started : ExitCode::NotSupported;
         }
         invocation_.Progress("watching " + std::to_string(watched_.size()) +
