@@ -42,7 +42,7 @@ class EmulatedDriver : public testing::Test {
         if (!document.is_object()) {
             return json::object();
         }
-        support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
+        static support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
         for (const std::string& error : schemas.CheckEnvelope(document)) {
             ADD_FAILURE() << arguments << ": " << error;
         }

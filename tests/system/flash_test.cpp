@@ -319,7 +319,7 @@ TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     // Keeps the locks alive: they go with the last program that uses the library.
     support::Program keeper("vxmgr.exe", "event watch -p scsi:6");
     ASSERT_TRUE(PortReaches("scsi:6", "event_delivery", true));
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --times 1 --do hang 20000").exit);
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --times 1 --do hang 8000").exit);
     const std::string image = Image("scsi:3", 1, "9.13.00");
     support::Program owner("vxmgr.exe", "flash write 1 \"" + image + "\"" + kBanked + kYes);
     const int pid = WaitForOwner();

@@ -42,8 +42,8 @@ interrupt() {
 }
 
 emulator start --profile lab
-interrupt 9.13.00 6000 1
+interrupt 9.13.00 4000 1
 tr -d ' \r\n' <"$log/write.txt" | grep -q '"state":"new","verified":true' || fail "not finished"
-interrupt 9.14.00 15000 2
+interrupt 9.14.00 8000 2
 grep -q 'may hold half of the image' "$log/write.txt" || fail "the state is not told"
 echo "the region is finished after one Ctrl-C, and given up after two"
