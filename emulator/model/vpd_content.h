@@ -1,4 +1,4 @@
-// Vital product data of the emulated adapters, in the format of the PCI Local Bus specification.
+// Vital product data of the emulated adapters, as PCI Local Bus has it.
 #pragma once
 
 #include <cstdint>
