@@ -238,7 +238,7 @@ HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t reserved, const vo
 
 /*
  * Reads the block; mode is HX_NVRAM_BLOCK or HX_NVRAM_VERIFIED (on drivers below 7.05.03 at least
- * 86 bytes). A region above 64 KiB needs the room that HXGetOptionRomEx asks for. Statuses:
+ * 86 bytes). Statuses:
  * HXMGT_INVALID_PARAMETER mode or size, HXMGT_BUFFER_TOO_SMALL the region is larger,
  * HXMGT_INVALID_REQUEST the port has no NVRAM region.
  */

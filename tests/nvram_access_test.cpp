@@ -308,6 +308,21 @@ TEST_F(VpdTest, ClassicChip) {
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXUpdateVpd(0, 0, buffer.Data(), 1));
 }
 
+// The table may claim any size: a whole last KiB never passes the end of the caller's buffer.
+TEST_F(VpdTest, LargeRegionsStayInTheCallersBuffer) {
+    StartWith(0x7760, PortRegions(65537));
+    for (const uint32_t room : {65537u, 66560u}) {
+        GuardedBuffer buffer(room);
+        uint32_t size = 0;
+        EXPECT_EQ(0u, Get(buffer, size));
+        EXPECT_EQ(65537u, size);
+        EXPECT_EQ(2, buffer[65536]) << "the first byte of the second chunk";
+        GuardedBuffer block(room);
+        EXPECT_EQ(0u, HXGetNVRam(handle, 0, HX_NVRAM_BLOCK, block.Data(), room));
+        EXPECT_EQ(2, block[65536]);
+    }
+}
+
 TEST_F(VpdTest, RegionLayoutChip) {
     struct Row {
         uint16_t deviceId;

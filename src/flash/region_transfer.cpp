@@ -42,6 +42,23 @@ HX_STATUS ReadRegion(uint32_t handle, uint32_t regionCode, uint32_t size, uint8_
         });
 }
 
+HX_STATUS ReadRegionWithin(uint32_t handle, uint32_t regionCode, uint32_t size,
+                           std::span<uint8_t> buffer) {
+    const size_t whole = size > kChunkBytes ? size_t{WholeKib(size)} * 1024 : size;
+    if (whole <= buffer.size()) {
+        return ReadRegion(handle, regionCode, size, buffer.data());
+    }
+    const frame::Bytes region = frame::ZeroedBytes(whole);
+    if (region == nullptr) {
+        return HXMGT_OUT_OF_MEMORY;
+    }
+    const HX_STATUS status = ReadRegion(handle, regionCode, size, region.get());
+    if (status == HXMGT_SUCCESS) {
+        std::memcpy(buffer.data(), region.get(), size);
+    }
+    return status;
+}
+
 HX_STATUS WriteRegion(uint32_t handle, uint32_t regionCode, std::span<const uint8_t> image) {
     const uint32_t code = transport::command::FlashWrite.code;
     const auto subCode = static_cast<uint16_t>(regionCode);
