@@ -1,7 +1,7 @@
 #include "stored_config.h"
 
 #include "kernel.h"
-#include "model/stored_config.h"
+#include "model/fabric/stored_config.h"
 
 namespace driver {
 namespace {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "kernel.h"
-#include "model/profile.h"
+#include "model/profile/profile.h"
 
 namespace driver {
 

@@ -4,10 +4,10 @@
 
 #include "flash/flash_records.h"
 #include "hxflash.h"
-#include "model/flash.h"
+#include "model/bytes/pattern.h"
 #include "model/handlers.h"
-#include "model/pattern.h"
 #include "model/port_settings.h"
+#include "model/storage/flash.h"
 
 namespace vxemu {
 namespace {

@@ -1,9 +1,9 @@
 // The control requests.
 #include <cstring>
 
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
 #include "model/control_request.h"
-#include "model/flash_start.h"
+#include "model/storage/flash_start.h"
 
 namespace vxemu {
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 
 #include "model/faults.h"
-#include "model/flash_regions.h"
-#include "model/profile.h"
+#include "model/profile/profile.h"
+#include "model/storage/flash_regions.h"
 #include "properties/driver_replies.h"
 
 namespace vxemu {

@@ -3,10 +3,10 @@
 
 #include <cstring>
 
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
 #include "model/control.h"
 #include "model/model.h"
-#include "model/profile_fields.h"
+#include "model/profile/profile_fields.h"
 
 namespace vxemu {
 

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "hxpersist.h"
-#include "model/fabric.h"
+#include "model/fabric/fabric.h"
 #include "model/handlers.h"
 #include "properties/port_database_records.h"
 

@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "dumps/dump_records.h"
+#include "model/bytes/pattern.h"
 #include "model/dump_record.h"
 #include "model/handlers.h"
-#include "model/pattern.h"
 
 namespace vxemu {
 namespace {

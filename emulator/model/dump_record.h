@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "dumps/dump_format.h"
-#include "model/fabric.h"
+#include "model/fabric/fabric.h"
 
 namespace vxemu {
 

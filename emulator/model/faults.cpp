@@ -1,6 +1,6 @@
 #include "model/faults.h"
 
-#include "model/profile.h"
+#include "model/profile/profile.h"
 #include "transport/ext_ioctl.h"
 
 namespace vxemu {

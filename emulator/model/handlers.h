@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "model/exchange.h"
-#include "model/profile.h"
+#include "model/profile/profile.h"
 #include "transport/ext_ioctl.h"
 
 namespace vxemu {

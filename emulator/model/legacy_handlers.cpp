@@ -2,10 +2,10 @@
 #include <cstring>
 
 #include "flash/flash_records.h"
-#include "model/bytes.h"
-#include "model/fabric.h"
+#include "model/bytes/bytes.h"
+#include "model/bytes/pci_header.h"
+#include "model/fabric/fabric.h"
 #include "model/handlers.h"
-#include "model/pci_header.h"
 #include "model/statistics.h"
 #include "persist/driver_records.h"
 #include "properties/chip_families.h"

@@ -2,8 +2,8 @@
 // discovery (FC-LS).
 #include <cstring>
 
+#include "model/fabric/name_server.h"
 #include "model/handlers.h"
-#include "model/name_server.h"
 #include "statistics/statistics_records.h"
 
 namespace vxemu {

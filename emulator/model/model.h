@@ -10,14 +10,14 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "model/fabric.h"
+#include "model/fabric/fabric.h"
+#include "model/fabric/os_disks.h"
+#include "model/fabric/stored_config.h"
 #include "model/faults.h"
-#include "model/flash.h"
 #include "model/host.h"
-#include "model/os_disks.h"
 #include "model/port.h"
-#include "model/profile.h"
-#include "model/stored_config.h"
+#include "model/profile/profile.h"
+#include "model/storage/flash.h"
 
 namespace vxemu {
 

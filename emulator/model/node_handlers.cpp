@@ -1,10 +1,10 @@
 // Requests about the adapter: node, driver, firmware and chip.
 #include <cstring>
 
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
+#include "model/bytes/pci_header.h"
 #include "model/handlers.h"
 #include "model/node_flags.h"
-#include "model/pci_header.h"
 #include "properties/chip_families.h"
 #include "properties/driver_replies.h"
 

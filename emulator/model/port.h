@@ -5,7 +5,7 @@
 
 #include "hxstatistics.h"
 #include "model/event_queue.h"
-#include "model/profile.h"
+#include "model/profile/profile.h"
 
 namespace vxemu {
 

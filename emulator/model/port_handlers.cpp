@@ -1,7 +1,7 @@
 // Requests about one port.
 #include <cstring>
 
-#include "model/fabric.h"
+#include "model/fabric/fabric.h"
 #include "model/handlers.h"
 #include "properties/driver_replies.h"
 

@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "model/fabric.h"
-#include "model/nvram_content.h"
-#include "model/port_eeprom.h"
+#include "model/fabric/fabric.h"
+#include "model/storage/nvram_content.h"
+#include "model/storage/port_eeprom.h"
 
 namespace vxemu {
 namespace {

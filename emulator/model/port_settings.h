@@ -5,8 +5,8 @@
 #include <span>
 
 #include "flash/region_rules.h"
-#include "model/flash.h"
 #include "model/port.h"
+#include "model/storage/flash.h"
 
 namespace vxemu {
 

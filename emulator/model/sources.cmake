@@ -1,58 +1,58 @@
 # The adapter model, for whoever compiles it: paths from the repository's root. It needs the
 # include folders emulator, include and src.
 set(VXEMU_MODEL_SOURCES
-    emulator/model/binding_handlers.cpp
-    emulator/model/block_store.cpp
-    emulator/model/built_in_profiles.cpp
-    emulator/model/bytes.cpp
+    emulator/model/fabric/binding_handlers.cpp
+    emulator/model/storage/block_store.cpp
+    emulator/model/profile/built_in_profiles.cpp
+    emulator/model/bytes/bytes.cpp
     emulator/model/companion_handlers.cpp
     emulator/model/control.cpp
-    emulator/model/control_flash.cpp
+    emulator/model/storage/control_flash.cpp
     emulator/model/device_handlers.cpp
     emulator/model/diagnostic_handlers.cpp
     emulator/model/dump_handlers.cpp
     emulator/model/dump_record.cpp
     emulator/model/event_handlers.cpp
     emulator/model/event_queue.cpp
-    emulator/model/fabric.cpp
-    emulator/model/fabric_handlers.cpp
+    emulator/model/fabric/fabric.cpp
+    emulator/model/fabric/fabric_handlers.cpp
     emulator/model/faults.cpp
-    emulator/model/flash.cpp
-    emulator/model/flash_boot_content.cpp
-    emulator/model/flash_content.cpp
-    emulator/model/flash_control_handlers.cpp
-    emulator/model/flash_firmware_content.cpp
-    emulator/model/flash_handlers.cpp
-    emulator/model/flash_memory.cpp
-    emulator/model/flash_regions.cpp
-    emulator/model/flash_report.cpp
-    emulator/model/flash_secure_handlers.cpp
-    emulator/model/flash_start.cpp
+    emulator/model/storage/flash.cpp
+    emulator/model/storage/flash_boot_content.cpp
+    emulator/model/storage/flash_content.cpp
+    emulator/model/storage/flash_control_handlers.cpp
+    emulator/model/storage/flash_firmware_content.cpp
+    emulator/model/storage/flash_handlers.cpp
+    emulator/model/storage/flash_memory.cpp
+    emulator/model/storage/flash_regions.cpp
+    emulator/model/storage/flash_report.cpp
+    emulator/model/storage/flash_secure_handlers.cpp
+    emulator/model/storage/flash_start.cpp
     emulator/model/handlers.cpp
     emulator/model/legacy_handlers.cpp
     emulator/model/management_handlers.cpp
     emulator/model/model.cpp
-    emulator/model/name_server.cpp
+    emulator/model/fabric/name_server.cpp
     emulator/model/node_handlers.cpp
-    emulator/model/nvram_content.cpp
-    emulator/model/nvram_handlers.cpp
-    emulator/model/os_disks.cpp
+    emulator/model/storage/nvram_content.cpp
+    emulator/model/storage/nvram_handlers.cpp
+    emulator/model/fabric/os_disks.cpp
     emulator/model/port.cpp
-    emulator/model/port_eeprom.cpp
+    emulator/model/storage/port_eeprom.cpp
     emulator/model/port_handlers.cpp
     emulator/model/port_settings.cpp
-    emulator/model/profile.cpp
-    emulator/model/profile_fields.cpp
-    emulator/model/profile_targets.cpp
-    emulator/model/scsi_blocks.cpp
-    emulator/model/scsi_handlers.cpp
-    emulator/model/scsi_identity.cpp
-    emulator/model/scsi_task.cpp
-    emulator/model/sfp_content.cpp
-    emulator/model/sfp_handlers.cpp
+    emulator/model/profile/profile.cpp
+    emulator/model/profile/profile_fields.cpp
+    emulator/model/profile/profile_targets.cpp
+    emulator/model/fabric/scsi_blocks.cpp
+    emulator/model/fabric/scsi_handlers.cpp
+    emulator/model/fabric/scsi_identity.cpp
+    emulator/model/fabric/scsi_task.cpp
+    emulator/model/storage/sfp_content.cpp
+    emulator/model/storage/sfp_handlers.cpp
     emulator/model/statistics.cpp
-    emulator/model/stored_config.cpp
-    emulator/model/vpd_content.cpp
+    emulator/model/fabric/stored_config.cpp
+    emulator/model/storage/vpd_content.cpp
 )
 # What the model shares with the library; not for programs that have the library's objects.
 set(VXEMU_MODEL_SHARED_SOURCES

@@ -1,6 +1,6 @@
 #include "model/statistics.h"
 
-#include "model/fabric.h"
+#include "model/fabric/fabric.h"
 #include "model/handlers.h"
 #include "statistics/statistics_records.h"
 

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "field_text.h"
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
 
 namespace vxemu {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "common/invocation.h"
 #include "model/control.h"
-#include "model/profile_fields.h"
+#include "model/profile/profile_fields.h"
 
 namespace vxemu {
 

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "common/text.h"
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
 
 namespace vxemu {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "model/profile_fields.h"
+#include "model/profile/profile_fields.h"
 
 namespace vxemu {
 

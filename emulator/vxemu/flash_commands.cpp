@@ -8,7 +8,7 @@
 #include "common/console.h"
 #include "common/text.h"
 #include "flash_image.h"
-#include "model/profile_fields.h"
+#include "model/profile/profile_fields.h"
 #include "running_driver.h"
 
 namespace vxemu {

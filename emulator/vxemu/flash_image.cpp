@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "model/bytes.h"
-#include "model/flash_content.h"
-#include "model/version_numbers.h"
+#include "model/bytes/bytes.h"
+#include "model/bytes/version_numbers.h"
+#include "model/storage/flash_content.h"
 
 namespace vxemu {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "model/profile.h"
+#include "model/profile/profile.h"
 
 namespace vxemu {
 

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "field_text.h"
-#include "model/bytes.h"
+#include "model/bytes/bytes.h"
 
 namespace vxemu {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "model/profile.h"
+#include "model/profile/profile.h"
 
 namespace vxemu {
 

@@ -7,7 +7,7 @@
 
 #include "common/invocation.h"
 #include "control_device.h"
-#include "model/profile.h"
+#include "model/profile/profile.h"
 
 namespace vxemu {
 

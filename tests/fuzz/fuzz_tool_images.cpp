@@ -7,8 +7,8 @@
 
 #include "flash_image.h"
 #include "require.h"
-#include "sfp_identity.h"
-#include "vpd_pci.h"
+#include "vxmgr/settings/vpd_pci.h"
+#include "vxmgr/sfp/sfp_identity.h"
 
 namespace {
 

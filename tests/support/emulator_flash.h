@@ -6,12 +6,12 @@
 #include <map>
 #include <vector>
 
-#include "emulator_model_fixture.h"
+#include "emulator/emulator_model_fixture.h"
 #include "flash/crc32.h"
 #include "flash/firmware_image.h"
 #include "flash/flash_records.h"
-#include "model/flash_content.h"
-#include "model/flash_signature.h"
+#include "model/storage/flash_content.h"
+#include "model/storage/flash_signature.h"
 
 namespace emulator_test {
 

@@ -1,0 +1,87 @@
+#include "model/storage/flash.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "model/fabric/fabric.h"
+#include "model/port_settings.h"
+
+namespace vxemu {
+namespace {
+
+using transport::DriverStatus;
+
+constexpr WriteResult kAllowed = {DriverStatus::Success, 0};
+constexpr WriteResult kRefused = {DriverStatus::MailboxFailed, kWriteRefused};
+
+}  // namespace
+
+WriteResult CheckWrite(const Port& port) {
+    return port.adapter->lockdown != 0 ? WriteResult{DriverStatus::Lockdown, 0} : kAllowed;
+}
+
+WriteResult CheckWrite(const Port& port, uint32_t offset, uint32_t length) {
+    WriteResult result = CheckWrite(port);
+    const bool secure = port.adapter->secureUpdates != 0;
+    port.flash->memory.Regions().ForEachIn(offset, length, [&](const PlacedRegion& placed) {
+        const FlashRegion& region = *placed.region;
+        if (result.status == DriverStatus::Success &&
+            (region.readOnly || (secure && region.IsSigned()))) {
+            result = kRefused;
+        }
+    });
+    return result;
+}
+
+WriteResult WriteFlash(Port& port, uint32_t offset, const uint8_t* bytes, uint32_t length) {
+    if (const WriteResult result = CheckWrite(port, offset, length);
+        result.status != DriverStatus::Success) {
+        return result;
+    }
+    const uint32_t written = SpendPower(*port.flash, length);
+    if (!port.flash->memory.Write(port.fabric->host, offset, bytes, written)) {
+        return {DriverStatus::OutOfMemory, 0};
+    }
+    NoteSettingsWritten(port, offset, written);
+    return kAllowed;
+}
+
+uint32_t SpendPower(Flash& flash, uint32_t length) {
+    if (!flash.failsSoon) {
+        return length;
+    }
+    const uint32_t written = std::min(length, flash.bytesUntilFailure);
+    flash.bytesUntilFailure -= written;
+    if (written < length) {
+        flash.failsSoon = false;
+        flash.withoutPower = true;
+    }
+    return written;
+}
+
+bool StartStaging(const Host& host, Staging& staging, StagingUse use, uint32_t size) {
+    DropStaging(host, staging);
+    if (size != 0) {
+        staging.bytes = static_cast<uint8_t*>(host.allocate(host.context, size));
+        if (staging.bytes == nullptr) {
+            return false;
+        }
+    }
+    staging.use = use;
+    staging.size = size;
+    return true;
+}
+
+void DropStaging(const Host& host, Staging& staging) {
+    if (staging.bytes != nullptr) {
+        host.release(host.context, staging.bytes);
+    }
+    staging = {};
+}
+
+void ReleaseFlash(const Host& host, Flash& flash) {
+    DropStaging(host, flash.staging);
+    flash.memory.Clear(host);
+}
+
+}  // namespace vxemu

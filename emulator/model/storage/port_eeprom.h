@@ -1,0 +1,31 @@
+// What a port keeps outside the adapter's flash: settings and vital product data of chips without
+// regions for them, the transceiver's pages, the version records.
+#pragma once
+
+#include <cstdint>
+
+#include "flash/nvram_variables.h"
+#include "model/host.h"
+#include "model/profile/profile.h"
+#include "model/storage/sfp_content.h"
+
+namespace vxemu {
+
+inline constexpr uint32_t kClassicVpdBytes = 256;
+inline constexpr uint32_t kVersionRecordBytes = 2048;
+
+struct PortEeprom {
+    uint8_t nvram[flash::kClassicBlock];
+    uint8_t vpd[kClassicVpdBytes];
+    TransceiverIdentity identity;
+    TransceiverDiagnostics diagnostics;
+    uint8_t versionRecords[kVersionRecordBytes];
+    uint8_t control;  // bit 4 rises when the adapter is to read the version records
+};
+
+struct Port;
+
+// The port's own, made at the first call; null when there is no memory.
+PortEeprom* EepromOf(Port& port);
+
+}  // namespace vxemu

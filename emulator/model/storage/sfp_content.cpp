@@ -1,0 +1,177 @@
+#include "model/storage/sfp_content.h"
+
+#include <cstring>
+#include <iterator>
+
+#include "hxmgtapi.h"
+#include "model/bytes/pattern.h"
+
+namespace vxemu {
+namespace {
+
+constexpr uint8_t kTwoWireOnly = 0x04;
+constexpr uint8_t kShortDistance = 0x40;   // of the link, in byte 7
+constexpr uint8_t kShortWaveLaser = 0x40;  // without open fibre control, in byte 8
+constexpr uint8_t kMultimode = 0x0C;
+constexpr uint8_t k64b66b = 0x06;
+constexpr uint8_t k8b10b = 0x01;
+constexpr uint8_t kInternallyCalibrated = 0x68;  // diagnostics there, average received power
+constexpr uint8_t kAlarmsAndFlags = 0xF0;
+constexpr uint8_t kComplianceVersion = 0x08;  // SFF-8472 revision 12.3
+constexpr uint8_t kRateBeyondByte = 0xFF;
+constexpr uint8_t kSignalLost = 0x02;
+constexpr uint8_t kOui[3] = {0x02, 0x45, 0x4D};
+
+constexpr uint32_t kLowerRateGigabits = 8;  // below it 8b/10b
+
+void PutBlank(char* field, size_t size, const char* text) {
+    const size_t length = std::strlen(text);
+    std::memset(field, ' ', size);
+    std::memcpy(field, text, length < size ? length : size);
+}
+
+void PutNumber(uint32_t number, uint8_t (&bytes)[2]) {
+    bytes[0] = static_cast<uint8_t>(number >> 8);
+    bytes[1] = static_cast<uint8_t>(number);
+}
+
+uint8_t SumOf(const void* record, size_t begin, size_t end) {
+    const auto* const bytes = static_cast<const uint8_t*>(record);
+    uint32_t sum = 0;
+    for (size_t at = begin; at < end; ++at) {
+        sum += bytes[at];
+    }
+    return static_cast<uint8_t>(sum);
+}
+
+// Usual value, how far it moves, and limits: high and low alarm, high and low warning.
+struct QuantityRow {
+    uint16_t usual;
+    uint16_t swing;
+    uint16_t limits[4];
+};
+constexpr uint16_t kDegree = 256;
+constexpr QuantityRow kQuantities[] = {
+    {38 * kDegree, 2 * kDegree, {75 * kDegree, 0xFB00, 70 * kDegree, 0}},
+    {33000, 120, {36000, 30000, 35000, 31000}},
+    {3500, 60, {6000, 1000, 5500, 1500}},
+    {5800, 150, {12589, 1258, 10000, 1584}},
+    {5200, 200, {15848, 398, 12589, 631}},
+};
+constexpr uint32_t kReceivedPower = std::size(kQuantities) - 1;
+constexpr uint32_t kDarkness = 1;
+
+// Bits of the first byte of speeds, lowest first: 1, 2, 4, ... gigabits.
+uint8_t SpeedBits(uint32_t gigabits) {
+    uint8_t bits = 0;
+    for (uint32_t speed = gigabits, taken = 0; speed != 0 && taken < 3; speed /= 2, ++taken) {
+        constexpr struct {
+            uint32_t speed;
+            uint8_t bit;
+        } kBits[] = {{1, 0x01}, {2, 0x04}, {4, 0x10}, {8, 0x40}, {16, 0x20}, {32, 0x08}};
+        for (const auto& row : kBits) {
+            bits |= row.speed == speed ? row.bit : 0;
+        }
+    }
+    return bits;
+}
+
+// Highest speed of the port, in gigabits, from its speed code.
+uint32_t GigabitsOf(const PortProfile& port) {
+    constexpr struct {
+        uint8_t code;
+        uint32_t gigabits;
+    } kSpeeds[] = {{HX_SPEED_1GBIT, 1},  {HX_SPEED_2GBIT, 2},   {HX_SPEED_4GBIT, 4},
+                   {HX_SPEED_8GBIT, 8},  {HX_SPEED_16GBIT, 16}, {HX_SPEED_32GBIT, 32},
+                   {HX_SPEED_64GBIT, 64}};
+    constexpr uint32_t kUsual = 16;
+    for (const auto& row : kSpeeds) {
+        if (port.supportedSpeeds == row.code) {
+            return row.gigabits;
+        }
+    }
+    return kUsual;
+}
+
+}  // namespace
+
+void UpdateChecksums(TransceiverIdentity& identity) {
+    identity.baseChecksum = SumOf(&identity, 0, offsetof(TransceiverIdentity, baseChecksum));
+    identity.extendedChecksum = SumOf(&identity, offsetof(TransceiverIdentity, options),
+                                      offsetof(TransceiverIdentity, extendedChecksum));
+}
+
+void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
+                     TransceiverIdentity& identity) {
+    std::memset(&identity, 0, sizeof identity);
+    const uint32_t gigabits = GigabitsOf(port);
+    identity.identifier = port.transceiverType[0];
+    identity.extendedIdentifier = kTwoWireOnly;
+    identity.connector = port.transceiverType[1];
+    identity.compliance[4] = kShortDistance;
+    identity.compliance[5] = kShortWaveLaser;
+    identity.compliance[6] = kMultimode;
+    identity.compliance[7] = SpeedBits(gigabits);
+    identity.encoding = gigabits > kLowerRateGigabits ? k64b66b : k8b10b;
+    // A link of 8 gigabits runs at 8.5 GBd.
+    const uint32_t rate = gigabits * 1000 + gigabits * 1000 / 16;
+    identity.nominalRate =
+        rate >= kRateBeyondByte * 100 ? kRateBeyondByte : static_cast<uint8_t>(rate / 100);
+    identity.maxRate =
+        identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
+    identity.lengths[2] = 3;  // of 10 m, 50 um fibre
+    identity.lengths[5] = 7;  // of 10 m, OM3
+    PutBlank(identity.vendor, sizeof identity.vendor, "EMULATED OPTICS");
+    std::memcpy(identity.vendorOui, kOui, sizeof identity.vendorOui);
+    PutBlank(identity.part, sizeof identity.part, "EMU-SFP-SW");
+    PutBlank(identity.revision, sizeof identity.revision, "1.00");
+    PutNumber(850, identity.wavelength);
+    identity.options[1] = 0x1A;  // loss of signal, fault, disable
+    char serial[sizeof identity.serial] = {};
+    // The end of the adapter's serial tells adapters apart; the port's number, its ports.
+    const size_t length = std::strlen(adapter.serial);
+    constexpr size_t kTail = 10;
+    const size_t tail = length < kTail ? length : kTail;
+    std::memcpy(serial, adapter.serial + length - tail, tail);
+    serial[tail] = 'P';
+    serial[tail + 1] = static_cast<char>('0' + port.pciFunction);
+    PutBlank(identity.serial, sizeof identity.serial, serial);
+    PutBlank(identity.dateCode, sizeof identity.dateCode, "240101");
+    identity.monitoring = kInternallyCalibrated;
+    identity.enhancedOptions = kAlarmsAndFlags;
+    identity.complianceVersion = kComplianceVersion;
+    UpdateChecksums(identity);
+}
+
+void FillTransceiver(TransceiverDiagnostics& diagnostics) {
+    std::memset(&diagnostics, 0, sizeof diagnostics);
+    for (uint32_t at = 0; at < std::size(kQuantities); ++at) {
+        for (uint32_t limit = 0; limit < std::size(kQuantities[at].limits); ++limit) {
+            PutNumber(kQuantities[at].limits[limit], diagnostics.limits.bytes[at][limit]);
+        }
+    }
+    // Slopes of 1 and offsets of 0, as internally calibrated modules have them.
+    constexpr uint8_t kReceivedPowerSlope[] = {0x3F, 0x80, 0, 0};
+    std::memcpy(diagnostics.calibration + 12, kReceivedPowerSlope, sizeof kReceivedPowerSlope);
+    for (const uint32_t slope : {20u, 24u, 28u, 32u}) {
+        diagnostics.calibration[slope] = 1;
+    }
+    diagnostics.checksum = SumOf(&diagnostics, 0, offsetof(TransceiverDiagnostics, checksum));
+    Measure(0, true, diagnostics);
+}
+
+void Measure(uint32_t turn, bool link, TransceiverDiagnostics& diagnostics) {
+    for (uint32_t at = 0; at < std::size(kQuantities); ++at) {
+        const QuantityRow& row = kQuantities[at];
+        const uint32_t move = PatternWord(turn, at) % (2u * row.swing + 1);
+        const bool dark = at == kReceivedPower && !link;
+        PutNumber(dark ? kDarkness : row.usual - row.swing + move, diagnostics.values.bytes[at]);
+    }
+    diagnostics.status = link ? 0 : kSignalLost;
+    // The last quantity's low bits: alarm 0x40 and warning 0x40 of the second byte.
+    constexpr uint8_t kReceivedPowerLow = 0x40;
+    diagnostics.alarms[1] = link ? 0 : kReceivedPowerLow;
+    diagnostics.warnings[1] = link ? 0 : kReceivedPowerLow;
+}
+
+}  // namespace vxemu

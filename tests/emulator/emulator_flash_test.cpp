@@ -1,0 +1,621 @@
+// Flash of the emulated adapters: what it holds, what may be written where, and power that fails.
+#include "support/emulator_flash.h"
+
+#include "flash/nvram_variables.h"
+#include "flash/region_rules.h"
+#include "flash/rom_image.h"
+#include "flash/version_text.h"
+#include "model/storage/nvram_content.h"
+#include "support/rom_builder.h"
+
+namespace {
+
+using namespace emulator_test;
+using vxemu::CheckState;
+
+constexpr uint16_t kFirmware = 1;
+constexpr uint16_t kBoot = 7;
+constexpr uint16_t kRecovery = 8;
+
+class EmulatorFlash : public EmulatorFlashFixture {};
+
+// Calls visit(port index, chip) for each port of the full profile whose driver has flash requests.
+template <typename Visit>
+void ForEachChip(Visit visit) {
+    const auto profile = MakeProfile("full");
+    for (uint32_t port = 0; port < std::size(properties::kChips); ++port) {
+        const vxemu::AdapterProfile& adapter = profile->adapters[profile->ports[port].adapter];
+        if (adapter.generation == vxemu::DriverGeneration::Extended) {
+            SCOPED_TRACE(adapter.serial);
+            visit(port, properties::ChipOf(adapter.deviceId));
+        }
+    }
+}
+
+TEST_F(EmulatorFlash, LayoutCoversTheFlashOfEveryChip) {
+    Start("full");
+    ForEachChip([&](uint32_t port, const properties::Chip& chip) {
+        const auto regions = Layout(port);
+        const auto extended = Layout(port, command::FlashLayoutEx);
+        ASSERT_EQ(extended.size(), regions.size());
+        EXPECT_EQ(std::memcmp(extended.data(), regions.data(), regions.size() * 16), 0);
+        uint32_t end = 0;
+        std::map<uint32_t, int> codes;
+        for (const flash::DriverRegion& region : regions) {
+            EXPECT_EQ(+region.start, end) << region.code;
+            EXPECT_EQ(+region.end, region.start + region.size - 1) << region.code;
+            end += region.size;
+            EXPECT_EQ(++codes[region.code], 1) << region.code;
+        }
+        EXPECT_GE(end, flash::FlashImageBytes(chip));
+        // The boot code is looked for at the start of the flash.
+        EXPECT_EQ(+regions[0].code, chip.Has(properties::ChipTrait::Newer) ? kBoot : 255);
+        const bool secure = chip.Has(properties::ChipTrait::SecureFlash);
+        EXPECT_EQ(std::count_if(regions.begin(), regions.end(),
+                                [](const auto& region) { return (region.flags & 1) != 0; }),
+                  secure ? 1 : 0);
+        // Whatever port the adapter has, its settings have their regions.
+        const bool banked = chip.Has(properties::ChipTrait::Banked);
+        for (uint8_t function = 0; function < 4; ++function) {
+            const flash::PortIdentity identity = {chip, static_cast<uint8_t>(function << 5), 0, 0};
+            for (const auto* rules : {&flash::kNvramRegions, &flash::kVpdRegions}) {
+                for (const auto bank : {flash::Bank::First, flash::Bank::Second}) {
+                    if (bank == flash::Bank::Second && !banked) {
+                        continue;
+                    }
+                    const auto code = flash::RegionOfPort(*rules, identity, bank);
+                    ASSERT_TRUE(code.has_value());
+                    EXPECT_EQ(SizeOf(port, static_cast<uint16_t>(*code)), 512u);
+                }
+            }
+        }
+        // The flash ends there.
+        EXPECT_EQ(ReadAt(port, end - 256, 256, 256).Status(), DriverStatus::Success);
+        EXPECT_EQ(ReadAt(port, end - 256, 257, 257).Status(), DriverStatus::InvalidParameter);
+    });
+}
+
+void ExpectBootChain(const Bytes& bytes, uint16_t deviceId, bool embeddedNvram) {
+    auto image = flash::ImageAt(bytes, 0);
+    for (const flash::RomCode code :
+         {flash::RomCode::Bios, flash::RomCode::Fcode, flash::RomCode::Efi}) {
+        ASSERT_TRUE(image.has_value());
+        EXPECT_EQ(image->codeType, static_cast<uint8_t>(code));
+        EXPECT_EQ(image->last, code == flash::RomCode::Efi);
+        EXPECT_TRUE(support::ChecksumHolds(bytes, image->start));
+        flash::RomHeader header;
+        flash::RomData data;
+        std::memcpy(&header, &bytes[image->start], sizeof header);
+        std::memcpy(&data, &bytes[image->start + header.dataOffset], sizeof data);
+        EXPECT_EQ(+data.vendorId, properties::kVendorId);
+        EXPECT_EQ(+data.deviceId, deviceId);
+        EXPECT_EQ(image->length, header.length * 512u);
+        EXPECT_EQ(+header.subsystemVendor, properties::kVendorId);
+        image = flash::NextImage(bytes, *image);
+    }
+    EXPECT_FALSE(image.has_value());
+    const auto mark = std::search(bytes.begin(), bytes.end(), std::begin(flash::kNvramMark),
+                                  std::end(flash::kNvramMark));
+    EXPECT_EQ(mark != bytes.end(), embeddedNvram);
+}
+
+// Vital product data by its tags: keyword to text. Empty when anything about it is wrong.
+std::map<std::string, std::string> ParseVpd(const Bytes& vpd) {
+    std::map<std::string, std::string> fields;
+    for (size_t at = 0; at + 3 <= vpd.size();) {
+        const uint8_t tag = vpd[at];
+        if (tag == 0x78) {
+            return fields;
+        }
+        const size_t end = at + 3 + (vpd[at + 1] | vpd[at + 2] << 8);
+        at += 3;
+        if ((tag != 0x82 && tag != 0x90) || end > vpd.size()) {
+            return {};
+        }
+        if (tag == 0x82) {
+            fields["ID"] = std::string(vpd.begin() + at, vpd.begin() + end);
+        }
+        for (; tag == 0x90 && at + 3 <= end; at += 3 + vpd[at + 2]) {
+            const std::string name(vpd.begin() + at, vpd.begin() + at + 2);
+            fields[name] = std::string(vpd.begin() + at + 3, vpd.begin() + at + 3 + vpd[at + 2]);
+            if (name == "RV" && std::accumulate(vpd.begin(), vpd.begin() + at + 4, 0u) % 256 != 0) {
+                return {};
+            }
+        }
+        at = end;
+    }
+    return {};
+}
+
+bool ExtendedNvramHolds(const Bytes& block) {
+    uint32_t sum = 0;
+    for (size_t at = 0; at < block.size(); at += 4) {
+        uint32_t word;
+        std::memcpy(&word, &block[at], sizeof word);
+        sum += word;
+    }
+    return block.size() == 512 && std::memcmp(block.data(), "KPU ", 4) == 0 && sum == 0;
+}
+
+TEST_F(EmulatorFlash, WhatEveryChipIsDeliveredWith) {
+    Start("full");
+    const auto profile = MakeProfile("full");
+    ForEachChip([&](uint32_t port, const properties::Chip& chip) {
+        const vxemu::AdapterProfile& adapter = profile->adapters[port];
+        const bool regionLayout = chip.Has(properties::ChipTrait::RegionLayout);
+        const Bytes boot = ReadRegion(port, kBoot);
+        ExpectBootChain(boot, chip.deviceId, !regionLayout);
+        flash::VersionText version;
+        flash::FormatVersion(boot, flash::VersionKind::Bios, version);
+        EXPECT_STREQ(version, adapter.optionRomVersion);
+        const Bytes firmware = ReadRegion(port, kFirmware);
+        EXPECT_EQ(flash::CheckFirmware(firmware, firmware.size()), flash::FirmwareCheck::Good);
+        flash::FormatVersion(firmware, flash::VersionKind::Firmware, version);
+        EXPECT_STREQ(version, adapter.firmwareVersion);
+        const Bytes recovery = ReadRegion(port, kRecovery);
+        EXPECT_EQ(flash::CheckFirmware(recovery, recovery.size()), flash::FirmwareCheck::Good);
+
+        const flash::PortIdentity identity = {chip, 0, 0, 0};
+        const auto nvram = flash::RegionOfPort(flash::kNvramRegions, identity, flash::Bank::First);
+        const auto vpd = flash::RegionOfPort(flash::kVpdRegions, identity, flash::Bank::First);
+        const Bytes block = ReadRegion(port, static_cast<uint16_t>(*nvram));
+        EXPECT_TRUE(ExtendedNvramHolds(block));
+        for (uint32_t at = 0; at < 8; ++at) {
+            EXPECT_EQ(flash::GetVariable(block, flash::BlockKind::Extended, 24 + at),
+                      profile->ports[port].portName[at]);
+        }
+        auto fields = ParseVpd(ReadRegion(port, static_cast<uint16_t>(*vpd)));
+        EXPECT_EQ(fields["ID"], adapter.description);
+        EXPECT_EQ(fields["PN"], adapter.model);
+        EXPECT_EQ(fields["SN"], adapter.serial);
+        EXPECT_EQ(fields["MN"], adapter.manufacturer);
+        // By byte offset the flash reads the same, and across the border of two regions.
+        const auto regions = Layout(port);
+        Bytes both = ReadRegion(port, regions[0].code);
+        const Bytes second = ReadRegion(port, regions[1].code);
+        both.insert(both.end(), second.begin(), second.end());
+        const uint32_t from = regions[1].start - 512;
+        EXPECT_EQ(ReadAt(port, from, 1024, 1024).data,
+                  Bytes(both.begin() + from, both.begin() + from + 1024));
+        // The control tool comes to the same judgement.
+        const auto report = Report(profile->ports[port].scsiPort);
+        for (uint32_t at = 0; at < report->count; ++at) {
+            EXPECT_NE(report->regions[at].checksum, CheckState::Bad) << report->regions[at].code;
+            EXPECT_NE(report->regions[at].signature, CheckState::Bad) << report->regions[at].code;
+        }
+    });
+    EXPECT_EQ(Status().portCount, 63u);
+}
+
+TEST_F(EmulatorFlash, VariablesMeanWhatTheirNamesSay) {
+    namespace variable = vxemu::nvram_variable;
+    const std::pair<uint32_t, const char*> names[] = {
+        {variable::kAdapterVersion, "Adapter Version"},
+        {variable::kFullLoginAfterLip, "Full Login After LIP"},
+        {variable::kFramePayloadSize, "Frame Payload Size"},
+        {variable::kMaxIocbs, "Maximum IOCB Allocation"},
+        {variable::kExecutionThrottle, "Execution Throttle"},
+        {variable::kRetryCount, "Retry Count"},
+        {variable::kPortName + 7, "Port Name Byte 7"},
+        {variable::kLoginTimeout, "Login Timeout"},
+        {variable::kNodeName + 7, "Node Name Byte 7"},
+        {variable::kInitialMode, "Initial Configuration Mode"},
+        {variable::kTape, "Enable FC Tape"},
+        {variable::kDataRate, "Data Rate"},
+        {variable::kDisableBios, "Disable BIOS"},
+        {variable::kLipFullLogin, "Enable LIP Full Login"},
+        {variable::kTargetReset, "Enable Target Reset"},
+        {variable::kResetDelay, "Reset Delay"},
+        {variable::kPortDownRetry, "Port Down Retry Count"},
+        {variable::kMaxLuns, "Maximum LUNs per Target"},
+        {variable::kNvme, "NVMe Enable"},
+        {variable::kLinkDownTimeout, "Link Down Timeout"},
+        {variable::kSubsystemVendor, "Subsystem Vendor ID"},
+        {variable::kSubsystemDevice, "Subsystem Device ID"},
+    };
+    for (const auto& [index, name] : names) {
+        EXPECT_STREQ(flash::kVariableTable[index].description, name);
+    }
+}
+
+TEST_F(EmulatorFlash, RangesThatDoNotExist) {
+    const uint32_t size = SizeOf(kNewest, kFirmware);
+    const uint32_t chunks = size / flash::kChunkBytes;
+    const Bytes full(65536, 0x5A);
+    const auto before = ReadAll(kNewest);
+    // Reading.
+    const std::pair<uint32_t, uint32_t> badChunks[] = {
+        {65, 0}, {64, chunks}, {1, 0xFFFF}, {0, 1}, {0xFFFF, 0xFFFF}};
+    for (const auto& [kib, index] : badChunks) {
+        EXPECT_EQ(ReadChunk(kNewest, kFirmware, kib, index, 65536).Status(),
+                  DriverStatus::InvalidParameter)
+            << kib << " " << index;
+        EXPECT_NE(WriteChunk(kNewest, kFirmware, kib, index, full).Status(), DriverStatus::Success)
+            << kib << " " << index;
+    }
+    EXPECT_EQ(ReadChunk(kNewest, 21, 1, 0, 1024).data.size(), 1024u) << "filled up to a KiB";
+    EXPECT_EQ(ReadChunk(kNewest, 21, 2, 0, 2048).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(ReadChunk(kNewest, 999, 1, 0, 1024).Status(), DriverStatus::InvalidParameter);
+    const Answer small = ReadChunk(kNewest, kFirmware, 64, 0, 100);
+    EXPECT_EQ(small.Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(+small.envelope.ext.responseLen, 65536u);
+    EXPECT_EQ(small.data.size(), 100u);
+    const uint32_t flashBytes = Report(3)->bytes;
+    const std::pair<uint32_t, uint32_t> badRanges[] = {
+        {flashBytes, 256},        {flashBytes - 256, 512}, {0xFFFFFF00, 0x200},
+        {0xFFFFFF00, 0xFFFFFFFF}, {0, flashBytes + 1},     {128, 256}};
+    for (const auto& [offset, length] : badRanges) {
+        EXPECT_EQ(ReadAt(kNewest, offset, length, 1024).Status(), DriverStatus::InvalidParameter)
+            << offset << " " << length;
+        EXPECT_EQ(WriteAt(kNewest, offset, full, length).Status(), DriverStatus::InvalidParameter)
+            << offset << " " << length;
+    }
+    // An older chip has no alignment to keep.
+    EXPECT_EQ(ReadAt(kLargeRom, 128, 256, 256).Status(), DriverStatus::Success);
+    // Writing less than the request says, or more than the region holds.
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65535)).Status(),
+              DriverStatus::InvalidParameter);
+    EXPECT_EQ(
+        AskFlash(kNewest, command::FlashWrite, kFirmware, 64 << 16, Bytes(512), 65536, 4).Status(),
+        DriverStatus::InvalidParameter);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(512), 65536).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(AskFlash(kNewest, command::FlashWrite, 21, 0, Bytes(513), 513, 0).Status(),
+              DriverStatus::InvalidParameter);
+    // The end marker of a write by offset, and requests of chips without numbered regions.
+    EXPECT_EQ(WriteAt(kNewest, 0, {}, 0).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, {command::FlashRead.code, 0}, 131072).Status(),
+              DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, command::OptionRomReadOld, 131072).Status(),
+              DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, command::FlashLayout, 64, Bytes(4)).Status(),
+              DriverStatus::InvalidParameter);
+    EXPECT_EQ(ReadAll(kNewest), before) << "something was written";
+}
+
+TEST_F(EmulatorFlash, WritesStayAndBothPortsSeeThem) {
+    auto expected = ReadAll(kNewest);
+    Bytes& parameters = expected[103];
+    std::reverse(parameters.begin(), parameters.end());
+    EXPECT_EQ(WriteRegion(kNewest, 103, parameters).Status(), DriverStatus::Success);
+    // A piece across the border of two pages and two regions, and one that is shorter than its
+    // region.
+    const auto regions = Layout(kNewest);
+    const uint32_t border = regions[7].start;
+    ASSERT_EQ(+regions[7].code, 20);
+    const Bytes mark(512, 0xA5);
+    EXPECT_EQ(WriteAt(kNewest, border - 256, mark, 512).Status(), DriverStatus::Success);
+    std::copy_n(mark.begin(), 256, parameters.end() - 256);
+    std::copy_n(mark.begin(), 256, expected[20].begin());
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(100, 0x11)).Status(), DriverStatus::Success);
+    std::fill_n(expected[102].begin(), 100, 0x11);
+    EXPECT_EQ(ReadAll(kNewest), expected);
+    EXPECT_EQ(ReadAll(1), expected) << "one flash per adapter";
+    EXPECT_NE(ReadRegion(kLargeRom, kBoot), expected[kBoot]);
+
+    // A write for which there is no memory leaves everything as it was.
+    Start("lab");
+    const Bytes before = ReadRegion(kNewest, kFirmware);
+    for (const int failing : {0, 1, 7}) {
+        host_.failAt = failing;
+        EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(),
+                  DriverStatus::OutOfMemory);
+        host_.failAt = -1;
+        EXPECT_EQ(ReadRegion(kNewest, kFirmware), before);
+    }
+}
+
+TEST_F(EmulatorFlash, ClassicChipIsReadAndWrittenAsAWhole) {
+    const auto profile = MakeProfile("lab");
+    profile->adapters[2] = vxemu::DefaultAdapter(0x7300, vxemu::DriverGeneration::Extended);
+    std::strcpy(profile->adapters[2].serial, "EMU7300");
+    vxemu::Model::Destroy(model_);
+    model_ = vxemu::Model::Create(host_.Get(), *profile);
+    ASSERT_NE(model_, nullptr);
+    const uint32_t port = kLegacy;
+    const Answer whole = Ask(port, {command::FlashRead.code, 0}, 131072);
+    ASSERT_EQ(whole.Status(), DriverStatus::Success);
+    ASSERT_EQ(whole.data.size(), 131072u);
+    ExpectBootChain(whole.data, 0x7300, true);
+    EXPECT_EQ(Ask(port, command::OptionRomReadOld, 131072).data, whole.data);
+    EXPECT_EQ(ReadRegion(port, 255), whole.data);
+    Bytes image = whole.data;
+    image[70000] ^= 0xFF;
+    EXPECT_EQ(Ask(port, {command::FlashWrite.code, 0}, 0, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(port, command::OptionRomReadOld, 131072).data, image);
+    image[0] = 0;
+    EXPECT_EQ(Ask(port, command::OptionRomWriteOld, 0, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(ReadRegion(port, 255), image);
+    image.push_back(0);
+    EXPECT_EQ(Ask(port, command::OptionRomWriteOld, 0, image).Status(),
+              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(port, command::ActiveRegions, 37, Bytes(37, '3')).Status(),
+              DriverStatus::UnsupportedSubCode);
+    EXPECT_EQ(Ask(port, command::LockdownState, 64, Bytes(64)).Status(),
+              DriverStatus::InvalidRequest);
+}
+
+// Wherever the power goes, the other regions are whole and the adapter comes back.
+TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
+    const auto before = ReadAll(kNewest);
+    const Bytes image = WithVersion(before.at(kFirmware), 9, 13, 4, 0x7740);
+    const auto size = static_cast<uint32_t>(image.size());
+    std::vector<uint32_t> cuts = {0, 1, size - 1};
+    for (uint32_t at = flash::kChunkBytes; at < size; at += flash::kChunkBytes) {
+        cuts.insert(cuts.end(), {at - 1, at, at + 1});
+    }
+    for (const uint32_t cut : cuts) {
+        SCOPED_TRACE(cut);
+        Start("lab");
+        auto expected = before;
+        ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{3, cut}),
+                  Completion::Done);
+        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, Completion::NoDevice);
+        EXPECT_EQ(Ask(kNewest, command::DriverProperties, 200).completion, Completion::NoDevice);
+        EXPECT_EQ(Ask(1, command::DriverProperties, 200).completion, Completion::NoDevice);
+        EXPECT_EQ(Ask(kLargeRom, command::DriverProperties, 200).completion, Completion::Done);
+        Reset(4);
+        std::copy_n(image.begin(), cut, expected[kFirmware].begin());
+        EXPECT_EQ(ReadAll(kNewest), expected);
+        // Nothing written: nothing to notice. The image is damaged otherwise, unless all that
+        // differs had been written.
+        const bool sound =
+            cut == 0 || expected[kFirmware] == image ||
+            flash::CheckFirmware(expected[kFirmware], size) == flash::FirmwareCheck::Good;
+        EXPECT_EQ(RunningFirmware(kNewest) == "9.00.00", !sound);
+        EXPECT_EQ(StatusOf(3, kFirmware).checksum, sound ? CheckState::Good : CheckState::Bad);
+        // The next attempt gets through.
+        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
+        EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+        EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
+    }
+    // A write that ends where the power would go is whole; the next one finds none.
+    Start("lab");
+    ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{3, 512}),
+              Completion::Done);
+    EXPECT_EQ(+Report(3)->bytesUntilFailure, 512u);
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(512)).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(1)).completion, Completion::NoDevice);
+    EXPECT_EQ(Report(4)->withoutPower, 1);
+    EXPECT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{5, 1}),
+              Completion::NoDevice);
+}
+
+TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
+    const Bytes factory = ReadRegion(kNewest, kFirmware);
+    const Bytes image = WithVersion(factory, 9, 13, 4, 0x7740);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
+    // Not while the system's disk is behind the port.
+    Set(3, "boots_from_san", 1);
+    EXPECT_EQ(Ask(kNewest, command::BootFromSan, 1, {0}).data, Bytes{1});
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::InvalidRequest);
+    Set(3, "boots_from_san", 0);
+    EXPECT_EQ(Ask(kNewest, command::BootFromSan, 1, {0}).data, Bytes{0});
+    Delivery(kNewest, true);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
+    EXPECT_EQ(RunningFirmware(1), "9.13.04");
+    EXPECT_EQ(FetchCodes(kNewest).size(), 2u) << "the link goes and comes";
+
+    // Damaged firmware does not start; what runs goes on, and the recovery firmware takes over with
+    // the next start.
+    vxemu::FlashSelector place = {3, kFirmware, 4096};
+    EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::Done);
+    EXPECT_EQ(StatusOf(3, kFirmware).checksum, CheckState::Bad);
+    EXPECT_EQ(StatusOf(3, kFirmware).signature, CheckState::Bad);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::FirmwareState);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
+    Reset(3);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.00.00");
+    EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::Done);
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), image) << "only that byte was damaged";
+    // So does firmware of another chip, however sound it is.
+    Bytes other = image;
+    SetWord(other, vxemu::kDeviceWord, 0x7404);
+    other = WithVersion(other, 9, 14, 0, 0x7740);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, other).Status(), DriverStatus::Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::FirmwareState);
+    EXPECT_EQ(Restart(kNewest, flash::Restart{5}), DriverStatus::InvalidParameter);
+
+    for (const uint32_t offset : {SizeOf(kNewest, kFirmware), 0xFFFFFFFFu}) {
+        place.offset = offset;
+        EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::NoDevice);
+    }
+}
+
+TEST_F(EmulatorFlash, BootCodeTellsTheOptionRomVersion) {
+    Bytes boot = ReadRegion(kLargeRom, kBoot);
+    flash::RomHeader header;
+    std::memcpy(&header, boot.data(), sizeof header);
+    boot[header.dataOffset + offsetof(flash::RomData, majorRevision)] = 4;
+    boot[header.dataOffset + offsetof(flash::RomData, revision)] = 7;
+    ASSERT_TRUE(flash::UpdateChecksum(boot));
+    EXPECT_EQ(WriteRegion(kLargeRom, kBoot, boot).Status(), DriverStatus::Success);
+    EXPECT_STREQ(StatusOf(6, kBoot).version, "BIOS 4.07, FCODE 4.11, EFI 7.24");
+    EXPECT_EQ(StatusOf(6, kBoot).checksum, CheckState::Good);
+    Reset(6);
+    const auto node = Ask(kLargeRom, command::NodeProperties, sizeof(properties::NodeReply))
+                          .As<properties::NodeReply>();
+    EXPECT_STREQ(node.optionRomVersion, "4.07");
+    EXPECT_STREQ(node.firmwareVersion, "8.01.02");
+}
+
+TEST_F(EmulatorFlash, NothingIsWrittenInLockdownOrToReadOnlyRegions) {
+    const auto before = ReadAll(kNewest);
+    const Answer readOnly = WriteRegion(kNewest, kRecovery, Bytes(131072));
+    EXPECT_EQ(readOnly.Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(+readOnly.envelope.ext.detailStatus, 0x4006u);
+    const uint32_t start = StatusOf(3, kRecovery).start;
+    EXPECT_EQ(WriteAt(kNewest, start - 256, Bytes(512), 512).Status(), DriverStatus::MailboxFailed)
+        << "not even in part";
+    Set(3, "lockdown", 1);
+    const Answer state = Ask(kNewest, command::LockdownState, 64, Bytes(64));
+    EXPECT_EQ(state.Status(), DriverStatus::Lockdown);
+    EXPECT_EQ(state.data.at(0), 1);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, before.at(kFirmware)).Status(),
+              DriverStatus::Lockdown);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), DriverStatus::Lockdown);
+    EXPECT_EQ(Ask(1, {command::NvramWrite.code, 2}, 0, Bytes(512)).Status(),
+              DriverStatus::Lockdown);
+    EXPECT_EQ(Ask(1, command::VpdWrite, 0, Bytes(512)).Status(), DriverStatus::Lockdown);
+    EXPECT_EQ(Ask(1, command::SecureFlashBegin, 0).Status(), DriverStatus::Lockdown);
+    EXPECT_EQ(ReadAll(kNewest), before);
+    Set(3, "lockdown", 0);
+    EXPECT_EQ(Ask(kNewest, command::LockdownState, 64, Bytes(64)).Status(), DriverStatus::Success);
+}
+
+// Envelopes and records of any numbers: no byte beside the request is touched, and recovery
+// firmware stays.
+TEST_F(EmulatorFlash, SurvivesAnyRequest) {
+    const Bytes recovery = ReadRegion(kNewest, kRecovery);
+    uint32_t seed = 1;
+    const auto random = [&seed](uint32_t below) {
+        seed = seed * 1664525u + 1013904223u;
+        return (seed >> 8) % below;
+    };
+    const Command commands[] = {
+        command::FlashLayout,       command::FlashRead,         command::FlashWrite,
+        command::OptionRomWriteOld, command::ActiveRegions,     command::LockdownState,
+        command::BootFromSan,       command::RestartFirmware,   command::SecureFlashBegin,
+        command::SecureFlashHeader, command::SecureFlashVerify, command::SecureFlashStatus,
+        command::SecureFlashCommit, command::NvramRead,         command::NvramWrite,
+        command::VpdRead,           command::VpdWrite,          command::SfpRead,
+        command::I2cRead,           command::I2cWrite,          command::LoadSfpFirmware,
+        command::AuxiliaryFirmware};
+    const uint16_t subCodes[] = {0, 1, 2, 3, 4, 7, 8, 21, 254, 255, 269, 0xFFFF};
+    const uint32_t numbers[] = {0,      1,      2,       3,       100,        256,
+                                512,    0xA0,   0xA2,    0x10000, 0x10001,    0x400000,
+                                524288, 131072, 1310720, 0x2000,  0xFFFFFFFF, 0xFFFFFF00};
+    const uint32_t lengths[] = {0, 1, 8, 24, 32, 40, 64, 266, 512, 526, 1024, 65536};
+    const auto number = [&] { return numbers[random(std::size(numbers))]; };
+    for (uint32_t round = 0; round < 30'000; ++round) {
+        const Command chosen = commands[random(std::size(commands))];
+        Bytes input(lengths[random(std::size(lengths))]);
+        for (size_t at = 0; at + 4 <= std::min<size_t>(input.size(), 64); at += 4) {
+            const uint32_t word = number();
+            std::memcpy(&input[at], &word, sizeof word);
+        }
+        const uint16_t subCode = random(2) == 0 && chosen.subCode == 0
+                                     ? subCodes[random(std::size(subCodes))]
+                                     : chosen.subCode;
+        const uint32_t requestLen = random(2) == 0 ? static_cast<uint32_t>(input.size()) : number();
+        AskFlash(round % 3, {chosen.code, chosen.subCode}, subCode, number(), input, requestLen,
+                 lengths[random(std::size(lengths))]);
+    }
+    EXPECT_EQ(ReadRegion(kNewest, kRecovery), recovery);
+}
+
+class EmulatorSecureUpdate : public EmulatorFlashFixture {
+  protected:
+    DriverStatus Step(Command command) { return Ask(kNewest, command, 0).Status(); }
+    DriverStatus Announce(uint16_t region, const Bytes& image) {
+        flash::SecureHeaderRecord header = {};
+        header.region = region;
+        header.imageSize = static_cast<uint32_t>(image.size());
+        header.crc = flash::Crc32(image);
+        std::copy_n(image.begin(), std::min<size_t>(image.size(), 512), header.imageHead);
+        return Ask(kNewest, command::SecureFlashHeader, 0, BytesOfRecord(header)).Status();
+    }
+    // A whole session up to its result.
+    uint32_t Try(uint16_t region, const Bytes& image) {
+        EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
+        EXPECT_EQ(Announce(region, image), DriverStatus::Success);
+        EXPECT_EQ(WriteRegion(kNewest, region, image).Status(), DriverStatus::Success);
+        EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+        return Result();
+    }
+    uint32_t Result() {
+        return Ask(kNewest, command::SecureFlashStatus, 40, Bytes(40))
+            .As<flash::SecureStatusRecord>()
+            .result;
+    }
+};
+
+TEST_F(EmulatorSecureUpdate, TakesEffectWithItsCommit) {
+    const Bytes factory = ReadRegion(kNewest, kFirmware);
+    const Bytes image = WithVersion(factory, 9, 13, 4, 0x7740);
+    EXPECT_EQ(Try(kFirmware, image), 0u);
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), factory);
+    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::Success);
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), image);
+    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::InvalidRequest) << "twice";
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
+    // Settings need no signature, but have to be sound.
+    Bytes block = ReadRegion(kNewest, 269);
+    EXPECT_EQ(Try(269, block), 0u);
+    block[40] ^= 1;
+    EXPECT_EQ(Try(269, block), 1u);
+}
+
+TEST_F(EmulatorSecureUpdate, RefusedImagesLeaveEverythingAsItWas) {
+    const auto before = ReadAll(kNewest);
+    const Bytes image = WithVersion(before.at(kFirmware), 9, 13, 4, 0x7740);
+    Bytes damaged = image;
+    damaged[1000] ^= 1;
+    EXPECT_EQ(Try(kFirmware, damaged), 1u);
+    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::InvalidRequest);
+    Bytes otherChip = image;
+    Sign(otherChip, 0x7742, kFirmware);
+    EXPECT_EQ(Try(kFirmware, otherChip), 1u);
+    Bytes otherRegion = image;
+    Sign(otherRegion, 0x7740, kBoot);
+    EXPECT_EQ(Try(kFirmware, otherRegion), 1u);
+    // Not what was announced.
+    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
+    EXPECT_EQ(Announce(kFirmware, damaged), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+    EXPECT_EQ(Result(), 2u);
+    // Not all of it.
+    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
+    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::Success);
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 1, Bytes(65536)).Status(),
+              DriverStatus::InvalidParameter)
+        << "out of order";
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+    EXPECT_EQ(Result(), 3u);
+    EXPECT_EQ(Step(command::SecureFlashAbort), DriverStatus::Success);
+    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::InvalidRequest);
+    // Headers of no region, of the wrong size, of a read-only region; chips without it.
+    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
+    EXPECT_EQ(Announce(999, image), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Announce(kFirmware, Bytes(image.size() - 1)), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Announce(kRecovery, before.at(kRecovery)), DriverStatus::MailboxFailed);
+    EXPECT_EQ(Ask(kLargeRom, command::SecureFlashBegin, 0).Status(), DriverStatus::InvalidRequest);
+    EXPECT_EQ(ReadAll(kNewest), before);
+}
+
+TEST_F(EmulatorSecureUpdate, NeedsNoPowerToKeepTheOldImage) {
+    const auto before = ReadAll(kNewest);
+    const Bytes image = WithVersion(before.at(kFirmware), 9, 13, 4, 0x7740);
+    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
+    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::Success);
+    ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{4, 100'000}),
+              Completion::Done);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, Completion::NoDevice);
+    Reset(3);
+    EXPECT_EQ(ReadAll(kNewest), before);
+    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::InvalidRequest);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
+}
+
+TEST_F(EmulatorSecureUpdate, OnceInForceItIsTheOnlyWayToWriteCode) {
+    const Bytes factory = ReadRegion(kNewest, kFirmware);
+    const auto state = [&] {
+        return Ask(kNewest, command::SecureFlashState, 8, Bytes(8)).data.at(0);
+    };
+    EXPECT_EQ(state(), 0);
+    Set(3, "secure_updates", 1);
+    EXPECT_EQ(state(), 1);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, factory).Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(WriteRegion(kNewest, 269, ReadRegion(kNewest, 21)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Try(kFirmware, factory), 0u);
+    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::Success);
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), factory);
+}
+
+}  // namespace

@@ -1,0 +1,296 @@
+// bind add, remove, swap.
+#include <algorithm>
+
+#include "common/text.h"
+#include "vxmgr/bindings/bind_commands.h"
+#include "vxmgr/bindings/bind_document.h"
+#include "vxmgr/bindings/bind_edit.h"
+#include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/store_choice.h"
+#include "vxmgr/fabric/scsi_unit.h"
+#include "vxmgr/targets/target_select.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::Argument;
+using tools::ArgumentKind;
+using tools::ExitCode;
+
+constexpr uint8_t kBound = 1;
+constexpr uint16_t kHighestTargetNumber = 2047;
+
+constexpr Argument Byte(const char* name, const char* help) {
+    return {name, ArgumentKind::Number, "N", help, false, false, {}, 0, UINT8_MAX};
+}
+constexpr Argument kNodeArgument = {"--node", ArgumentKind::Text, "NAME",
+                                    "node name of a target that the driver does not know"};
+constexpr Argument kPortIdArgument = {
+    "--port-id", ArgumentKind::Number, "ID", "its port identifier", false, false, {}, 0, 0xFFFFFF};
+
+constexpr Argument kAddArguments[] = {
+    kTargetArgument,
+    kNodeArgument,
+    kPortIdArgument,
+    Byte("--bus", "bus of the binding (the one that the driver gave)"),
+    Byte("--id", "target ID of the binding (the same)"),
+    Byte("--flags", "binding flags (those that the target has, or 1)"),
+    {"--lun-base",
+     ArgumentKind::Number,
+     "N",
+     "LUN byte of its stored mask that stands for LUN 0",
+     false,
+     false,
+     {},
+     0,
+     HX_MAX_LUNS - 1},
+    kStoreArgument,
+};
+constexpr Argument kRemoveArguments[] = {kTargetArgument, kStoreArgument};
+constexpr Argument kSwapArguments[] = {
+    kTargetArgument,
+    {"--with", ArgumentKind::Text, "TARGET", "the target that takes its place", true},
+    kNodeArgument,
+    kPortIdArgument,
+    kStoreArgument,
+};
+
+std::string NameAfter(tools::Invocation& invocation, const char* option) {
+    return std::string("--") + option + " " + invocation.Given().Text(option);
+}
+
+// Drivers keep devices apart by their numbers, of which the low bit says to older ones that the
+// device is there. They count from below, hosts and lost devices too: a free one is found above.
+uint16_t FreeTargetNumber(const PortTargets& targets) {
+    const auto isUsed = [&](uint16_t number) {
+        const auto entries = RowsOf(*targets.bindings.block);
+        const auto sameAs = [number](uint16_t other) { return other / 2 == number / 2; };
+        return std::any_of(
+                   targets.known.begin(), targets.known.end(),
+                   [&](const KnownTarget& known) { return sameAs(known.record.targetNumber); }) ||
+               std::any_of(entries.begin(), entries.end(), [&](const HX_TARGET_ENTRY& entry) {
+                   return !IsFree(entry) && sameAs(entry.targetNumber);
+               });
+    };
+    uint16_t number = kHighestTargetNumber;
+    while (number > 1 && isUsed(number)) {
+        number = static_cast<uint16_t>(number - 2);
+    }
+    return number;
+}
+
+// A target that the driver does not know, from the command line alone.
+HX_DEVICE_RECORD NamedTarget(tools::Invocation& invocation, const PortTargets& targets,
+                             const char* option) {
+    const HX_SCSI_ADDRESS address = GivenAddress(invocation, option);
+    const auto node = tools::Wwn::Parse(invocation.Given().Text("node"));
+    if (invocation.Given().Has("node") && (!node || node->IsZero())) {
+        invocation.Fail(ExitCode::Usage, NameAfter(invocation, "node") + " is no node name");
+    }
+    if (address.type != HX_ADDRESS_PORT_NAME || !node) {
+        invocation.Fail(ExitCode::NotFound,
+                        targets.OwnPort().Object() + ": " + NameAfter(invocation, option) +
+                            ": the driver does not know the target",
+                        "a target that is away is named with wwn:PORTNAME and --node NODENAME");
+    }
+    HX_DEVICE_RECORD record{};
+    std::memcpy(record.portName, address.address, sizeof record.portName);
+    std::memcpy(record.nodeName, node->bytes.data(), sizeof record.nodeName);
+    if (tools::Wwn::Of(record.portName).IsZero()) {
+        invocation.Fail(ExitCode::Usage, NameAfter(invocation, option) + " is no port name");
+    }
+    record.targetNumber = FreeTargetNumber(targets);
+    record.roleAndState = kTargetRole;
+    return record;
+}
+
+// What is known of the target, in the driver or else in the store.
+HX_DEVICE_RECORD RecordOf(const ChosenTarget& target) {
+    if (target.known != nullptr) {
+        return target.known->record;
+    }
+    HX_DEVICE_RECORD record{};
+    SetNames(record, target.nodeName, target.portName);
+    record.roleAndState = kTargetRole;
+    if (target.bound != nullptr) {
+        std::memcpy(record.portId, target.bound->portId, sizeof record.portId);
+        record.bus = target.bound->bus;
+        record.target = target.bound->target;
+        record.targetNumber = target.bound->targetNumber;
+        record.bindingFlags = target.bound->bindingFlags;
+    }
+    return record;
+}
+
+HX_DEVICE_RECORD TargetAfter(tools::Invocation& invocation, PortTargets& targets,
+                             const char* option) {
+    const auto chosen = FindTarget(targets, GivenAddress(invocation, option));
+    HX_DEVICE_RECORD record = chosen ? RecordOf(*chosen) : NamedTarget(invocation, targets, option);
+    if (const auto id = invocation.Given().Number("port-id")) {
+        SetPortId(static_cast<uint32_t>(*id), record.portId);
+    }
+    return record;
+}
+
+HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targets) {
+    HX_DEVICE_RECORD wanted = TargetAfter(invocation, targets, "target");
+    const tools::Wwn name = tools::Wwn::Of(wanted.portName);
+    const tools::Options& given = invocation.Given();
+    const bool hasAddress =
+        targets.Known(name) != nullptr || FindRow(*targets.bindings.block, name) != nullptr;
+    if (!hasAddress && !given.Has("id")) {
+        invocation.Fail(ExitCode::Usage,
+                        "the driver does not know the target, so that it has no target ID yet",
+                        "give one with --id, and with --bus unless it is 0");
+    }
+    wanted.bus = static_cast<uint16_t>(given.Number("bus").value_or(wanted.bus));
+    wanted.target = static_cast<uint16_t>(given.Number("id").value_or(wanted.target));
+    if (wanted.bus > UINT8_MAX || wanted.target > UINT8_MAX) {
+        invocation.Fail(ExitCode::NotSupported,
+                        "bus and target ID of a binding end at 255, and the driver gave others",
+                        "choose them with --bus and --id");
+    }
+    const HX_TARGET_ENTRY* stored = FindRow(*targets.bindings.block, name);
+    const uint8_t before = wanted.bindingFlags != 0 ? wanted.bindingFlags
+                           : stored != nullptr      ? stored->bindingFlags
+                                                    : uint8_t{0};
+    wanted.bindingFlags =
+        static_cast<uint8_t>(given.Number("flags").value_or(before != 0 ? before : kBound));
+    return wanted;
+}
+
+void CheckAddress(tools::Invocation& invocation, const PortTargets& targets,
+                  const HX_DEVICE_RECORD& wanted) {
+    if (const auto holder = AddressHolder(*targets.bindings.block, wanted)) {
+        invocation.Fail(ExitCode::Refused,
+                        "bus:target " + std::to_string(wanted.bus) + ":" +
+                            std::to_string(wanted.target) + " is bound to " + holder->Colons() +
+                            " in the store",
+                        "choose another with --id, or remove that binding first");
+    }
+}
+
+// One step: the block as it was, edited and written unless nothing changed.
+template <class Edit>
+void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools::Wwn& name,
+                const std::string& what, Steps& steps, Edit edit) {
+    const HX_TARGET_DATA before = *targets.bindings.block;
+    HX_TARGET_DATA& block = *targets.bindings.block;
+    edit(block);
+    if (targets.bindings.IsStored() && SameBytes(before, block)) {
+        steps.Add(kInRegistry, name, Outcome::Unchanged, what);
+        return;
+    }
+    if (targets.bindings.state == StoreState::Unusable) {
+        TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
+    }
+    if (!invocation.DryRun()) {
+        WriteStored(invocation, targets, block);
+    }
+    steps.Done(kInRegistry, name, what);
+}
+
+}  // namespace
+
+std::span<const Argument> BindAddArguments() {
+    return kAddArguments;
+}
+
+std::span<const Argument> BindRemoveArguments() {
+    return kRemoveArguments;
+}
+
+std::span<const Argument> BindSwapArguments() {
+    return kSwapArguments;
+}
+
+ExitCode BindAdd(tools::Invocation& invocation) {
+    CheckTargetOption(invocation);
+    const StoreChoice stores = GivenStores(invocation);
+    PortTargets targets = OpenPortTargets(invocation);
+    const HX_DEVICE_RECORD wanted = WantedBinding(invocation, targets);
+    const tools::Wwn name = tools::Wwn::Of(wanted.portName);
+    Steps steps(invocation, targets.OwnPort().Object());
+    if (stores.registry) {
+        CheckAddress(invocation, targets, wanted);
+        const auto lunBase = invocation.Given().Number("lun-base");
+        const std::string what = "bind, bus:target " + std::to_string(wanted.bus) + ":" +
+                                 std::to_string(wanted.target) + ", flags " +
+                                 tools::Hex(wanted.bindingFlags, 2);
+        EditStored(invocation, targets, name, what, steps, [&](HX_TARGET_DATA& block) {
+            if (!PutBinding(
+                    block, wanted,
+                    lunBase ? std::optional(static_cast<uint16_t>(*lunBase)) : std::nullopt)) {
+                invocation.Fail(ExitCode::Refused, "the store of this port is full: 256 bindings",
+                                "remove one first");
+            }
+        });
+    }
+    if (stores.live) {
+        BindLive(invocation, targets, wanted, steps);
+    }
+    return steps.Finish();
+}
+
+ExitCode BindRemove(tools::Invocation& invocation) {
+    const StoreChoice stores = GivenStores(invocation);
+    if (!stores.registry) {
+        invocation.Fail(ExitCode::NotSupported, "a running driver gives up no binding",
+                        "remove it from the store: it goes with the driver's next start");
+    }
+    CheckTargetOption(invocation);
+    PortTargets targets = OpenPortTargets(invocation);
+    const auto chosen = FindTarget(targets, GivenAddress(invocation, "target"));
+    if (!chosen || chosen->bound == nullptr) {
+        TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
+        invocation.Fail(ExitCode::NotFound,
+                        targets.OwnPort().Object() + ": " + NameAfter(invocation, "target") +
+                            " is not bound in the store",
+                        "`bind list` shows what is");
+    }
+    Steps steps(invocation, targets.OwnPort().Object());
+    EditStored(invocation, targets, chosen->portName, "remove", steps,
+               [&](HX_TARGET_DATA& block) { RemoveBinding(block, chosen->portName); });
+    if (stores.live && chosen->known != nullptr &&
+        IsBound(targets.OwnPort(), *chosen->known).value_or(true)) {
+        steps.Add(kLive, chosen->portName, Outcome::Pending,
+                  "a running driver gives up no binding: it goes with the driver's next start");
+    }
+    return steps.Finish();
+}
+
+ExitCode BindSwap(tools::Invocation& invocation) {
+    CheckTargetOption(invocation);
+    const StoreChoice stores = GivenStores(invocation);
+    PortTargets targets = OpenPortTargets(invocation);
+    const ChosenTarget chosen = ChooseTarget(invocation, targets);
+    const HX_DEVICE_RECORD oldTarget = RecordOf(chosen);
+    const HX_DEVICE_RECORD newTarget = TargetAfter(invocation, targets, "with");
+    const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
+    if (newName == chosen.portName) {
+        invocation.Fail(ExitCode::Usage, "a target cannot take its own place");
+    }
+    if (stores.registry && !stores.live && chosen.bound == nullptr) {
+        invocation.Fail(ExitCode::NotFound, chosen.Text() + " is not bound in the store",
+                        "`bind list` shows what is");
+    }
+    if (!invocation.DryRun()) {
+        invocation.Confirm(QuestionAbout(
+            targets.session,
+            "Put target " + newName.Colons() + " in the place of " + chosen.Text() + ".",
+            "I/O to the address goes to the new target, whose data may be another."));
+    }
+    Steps steps(invocation, targets.OwnPort().Object());
+    if (stores.registry && chosen.bound != nullptr) {
+        EditStored(invocation, targets, chosen.portName, SwapText(newName), steps,
+                   [&](HX_TARGET_DATA& block) { SwapBindings(block, chosen.portName, newTarget); });
+    } else if (stores.registry) {
+        steps.Add(kInRegistry, chosen.portName, Outcome::Unchanged, "is not bound in the store");
+    }
+    if (stores.live) {
+        SwapLive(invocation, targets, oldTarget, newTarget, steps);
+    }
+    return steps.Finish();
+}
+
+}  // namespace vxmgr

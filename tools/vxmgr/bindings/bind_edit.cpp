@@ -1,0 +1,67 @@
+#include "vxmgr/bindings/bind_edit.h"
+
+#include "vxmgr/bindings/store_blocks.h"
+
+namespace vxmgr {
+namespace {
+
+template <class To, class From>
+void CopyIdentity(To& to, const From& from) {
+    SetNames(to, tools::Wwn::Of(from.nodeName), tools::Wwn::Of(from.portName));
+    std::memcpy(to.portId, from.portId, sizeof to.portId);
+}
+
+}  // namespace
+
+std::optional<tools::Wwn> AddressHolder(const HX_TARGET_DATA& block,
+                                        const HX_DEVICE_RECORD& wanted) {
+    for (const HX_TARGET_ENTRY& entry : RowsOf(block)) {
+        const tools::Wwn name = tools::Wwn::Of(entry.portName);
+        if (!IsFree(entry) && entry.bus == wanted.bus && entry.target == wanted.target &&
+            name != tools::Wwn::Of(wanted.portName)) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
+bool PutBinding(HX_TARGET_DATA& block, const HX_DEVICE_RECORD& wanted,
+                std::optional<uint16_t> lunBase) {
+    HX_TARGET_ENTRY* entry = FindRow(block, tools::Wwn::Of(wanted.portName));
+    if (entry == nullptr) {
+        entry = NewRow(block);
+    }
+    if (entry == nullptr) {
+        return false;
+    }
+    CopyIdentity(*entry, wanted);
+    entry->bus = static_cast<uint8_t>(wanted.bus);
+    entry->target = static_cast<uint8_t>(wanted.target);
+    entry->targetNumber = wanted.targetNumber;
+    entry->bindingFlags = wanted.bindingFlags;
+    entry->lunBase = lunBase.value_or(entry->lunBase);
+    return true;
+}
+
+bool RemoveBinding(HX_TARGET_DATA& block, const tools::Wwn& portName) {
+    HX_TARGET_ENTRY* const entry = FindRow(block, portName);
+    if (entry != nullptr) {
+        *entry = {};
+    }
+    return entry != nullptr;
+}
+
+bool SwapBindings(HX_TARGET_DATA& block, const tools::Wwn& oldPortName,
+                  const HX_DEVICE_RECORD& newTarget) {
+    HX_TARGET_ENTRY* const before = FindRow(block, oldPortName);
+    if (before == nullptr) {
+        return false;
+    }
+    if (HX_TARGET_ENTRY* const after = FindRow(block, tools::Wwn::Of(newTarget.portName))) {
+        CopyIdentity(*after, HX_TARGET_ENTRY(*before));
+    }
+    CopyIdentity(*before, newTarget);
+    return true;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,227 @@
+// bind stores, clean: what is stored for ports of any driver, present or not.
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/bindings/bind_commands.h"
+#include "vxmgr/bindings/store_blocks.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Record;
+using tools::Value;
+
+// As many driver services as can hold data of the same port.
+constexpr int kMostServices = 8;
+
+constexpr tools::Argument kCleanArguments[] = {
+    {"NAME", tools::ArgumentKind::Text, "", "port names; without any all absent ports", false,
+     true},
+};
+
+std::vector<tools::Wwn> NamesIn(const HX_WWN_LIST& list) {
+    std::vector<tools::Wwn> names;
+    for (const uint8_t(&raw)[8] : list.names) {
+        if (const tools::Wwn name = tools::Wwn::Of(raw); !name.IsZero()) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+// A damaged store still gives the names that were found.
+std::vector<tools::Wwn> StoredNames(tools::Invocation& invocation, HX_STATUS (*query)(HX_WWN_LIST*),
+                                    const char* what) {
+    const auto list = std::make_unique<HX_WWN_LIST>();
+    const HX_STATUS status = query(list.get());
+    if (status != HXMGT_SUCCESS) {
+        invocation.Warn(
+            std::string("the list of ") + what + " may be incomplete: " + StatusMessage(status),
+            "a name or block in the store is damaged");
+    }
+    return NamesIn(*list);
+}
+
+const Port* PortNamed(const std::vector<Port>& ports, const tools::Wwn& name) {
+    for (const Port& port : ports) {
+        if (port.port && tools::Wwn::Of(port.port->portName) == name) {
+            return &port;
+        }
+    }
+    return nullptr;
+}
+
+Record PortRow(const tools::Wwn& name, const Port* port) {
+    Record row;
+    row.Add("port_wwn", "Port name", Value::Name(name), "PORT NAME");
+    row.Add("present", "Present", Value::Flag(port != nullptr), "PRESENT");
+    row.Add("port", "Port", port != nullptr ? Value::Number(port->index) : Value(), "PORT");
+    row.Add("serial", "Adapter", port != nullptr ? Value::Serial(port->Serial()) : Value(),
+            "ADAPTER");
+    return row;
+}
+
+Record TargetRow(const tools::Wwn& name) {
+    Record row;
+    row.Add("node_wwn", "Node name", Value::Name(name), "TARGET NODE NAME");
+    return row;
+}
+
+// Ports of which the name is not known could be any of those in the store.
+const Port* FirstNameless(const std::vector<Port>& ports) {
+    for (const Port& port : ports) {
+        if (!port.port) {
+            return &port;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<tools::Wwn> GivenNames(tools::Invocation& invocation) {
+    std::vector<tools::Wwn> names;
+    for (const std::string& text : invocation.Given().All("NAME")) {
+        const auto name = tools::Wwn::Parse(text);
+        if (!name || name->IsZero()) {
+            invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no port name",
+                            "`bind stores` shows the names");
+        }
+        names.push_back(*name);
+    }
+    return names;
+}
+
+// The absent ports to clean; ends the command where one of them may be present after all.
+std::vector<tools::Wwn> NamesToClean(tools::Invocation& invocation, const std::vector<Port>& ports,
+                                     const std::vector<tools::Wwn>& stored) {
+    std::vector<tools::Wwn> names = GivenNames(invocation);
+    for (const tools::Wwn& name : names) {
+        if (const Port* port = PortNamed(ports, name)) {
+            invocation.Fail(
+                ExitCode::Refused,
+                name.Colons() + " is present: it is port " + std::to_string(port->index),
+                "`bind remove` removes its bindings");
+        }
+        if (std::find(stored.begin(), stored.end(), name) == stored.end()) {
+            invocation.Fail(ExitCode::NotFound, "nothing is stored for " + name.Colons(),
+                            "`bind stores` shows what is");
+        }
+    }
+    if (!names.empty()) {
+        return names;
+    }
+    for (const tools::Wwn& name : stored) {
+        if (PortNamed(ports, name) == nullptr) {
+            names.push_back(name);
+        }
+    }
+    const Port* nameless = FirstNameless(ports);
+    if (!names.empty() && (ports.empty() || nameless != nullptr)) {
+        invocation.Fail(
+            ExitCode::Refused,
+            ports.empty() ? std::string("no port is present: the driver may not run")
+                          : nameless->Object() + ": the port's name cannot be read",
+            "what is stored may be of ports that are only out of reach: name those that "
+            "are gone for good");
+    }
+    return names;
+}
+
+bool Delete(tools::Invocation& invocation, const tools::Wwn& name) {
+    for (int service = 0; service < kMostServices; ++service) {
+        const HX_STATUS status = HXDeletePersistentDeviceEntry(name.bytes.data());
+        if (status != HXMGT_SUCCESS) {
+            invocation.Report(status, "the stored data cannot be deleted", name.Colons());
+            return false;
+        }
+        invocation.Changed();
+        const auto list = std::make_unique<HX_WWN_LIST>();
+        HXGetPersistentDeviceEntryList(list.get());
+        const std::vector<tools::Wwn> left = NamesIn(*list);
+        if (std::find(left.begin(), left.end(), name) == left.end()) {
+            return true;
+        }
+    }
+    invocation.Add({tools::Severity::Error,
+                    "the stored data was deleted, but is still there",
+                    {},
+                    name.Colons(),
+                    {}});
+    return false;
+}
+
+tools::Question QuestionAbout(const std::vector<tools::Wwn>& names) {
+    tools::Question question;
+    question.lines.push_back("Delete the stored bindings and LUN masks of these absent ports:");
+    for (const tools::Wwn& name : names) {
+        question.lines.push_back("  " + name.Colons());
+    }
+    question.lines.push_back(
+        "They cannot be brought back. An adapter that returns starts without.");
+    return question;
+}
+
+Record CleanRow(const tools::Wwn& name, const char* outcome) {
+    Record row;
+    row.Add("port_wwn", "Port name", Value::Name(name), "PORT NAME");
+    row.Add("outcome", "Outcome", Value::Text(outcome), "OUTCOME");
+    return row;
+}
+
+}  // namespace
+
+std::span<const tools::Argument> BindCleanArguments() {
+    return kCleanArguments;
+}
+
+ExitCode BindStores(tools::Invocation& invocation) {
+    const std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Record> rows;
+    for (const tools::Wwn& name :
+         StoredNames(invocation, HXGetPersistentDeviceEntryList, "ports with stored data")) {
+        rows.push_back(PortRow(name, PortNamed(ports, name)));
+    }
+    std::vector<Record> targets;
+    for (const tools::Wwn& name :
+         StoredNames(invocation, HXGetPersistentTargetEntryList, "stored targets")) {
+        targets.push_back(TargetRow(name));
+    }
+    if (const Port* nameless = FirstNameless(ports)) {
+        invocation.Warn(nameless->Object() +
+                        ": the port's name cannot be read: it may be shown as absent");
+    }
+    Record& result = invocation.Result();
+    result.AddList("ports", "Ports", tools::ListLayout::Table, PortRow({}, nullptr),
+                   "nothing is stored", std::move(rows));
+    result.AddList("targets", "Targets", tools::ListLayout::Table, TargetRow({}), "",
+                   std::move(targets));
+    return ExitCode::Done;
+}
+
+ExitCode BindClean(tools::Invocation& invocation) {
+    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<tools::Wwn> stored =
+        StoredNames(invocation, HXGetPersistentDeviceEntryList, "ports with stored data");
+    const std::vector<tools::Wwn> names = NamesToClean(invocation, ports, stored);
+    if (!names.empty() && !invocation.DryRun()) {
+        invocation.Confirm(QuestionAbout(names));
+    }
+    std::vector<Record> rows;
+    size_t failures = 0;
+    for (const tools::Wwn& name : names) {
+        invocation.CheckStop();
+        const bool planned = invocation.DryRun();
+        const bool deleted = planned || Delete(invocation, name);
+        failures += deleted ? 0 : 1;
+        rows.push_back(CleanRow(name, planned ? "planned" : deleted ? "deleted" : "failed"));
+    }
+    const bool all = failures == rows.size();
+    invocation.Result().AddList("ports", "Ports", tools::ListLayout::Table, CleanRow({}, ""),
+                                "nothing is stored for an absent port", std::move(rows));
+    if (names.empty()) {
+        invocation.Note("nothing to do");
+    } else if (invocation.DryRun()) {
+        invocation.Note("dry run: nothing was changed");
+    }
+    return failures == 0 ? ExitCode::Done : all ? ExitCode::Failed : ExitCode::Partial;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,104 @@
+#include "vxmgr/bindings/store_difference.h"
+
+#include "common/text.h"
+#include "vxmgr/bindings/bind_document.h"
+#include "vxmgr/bindings/lunmask_luns.h"
+#include "vxmgr/bindings/store_blocks.h"
+
+namespace vxmgr {
+namespace {
+
+struct NamedPart {
+    const char* name;
+    std::string value;
+};
+
+std::vector<NamedPart> PartsOf(const HX_TARGET_ENTRY& entry) {
+    return {
+        {"node name", tools::Wwn::Of(entry.nodeName).Colons()},
+        {"port id", tools::Hex(PortIdOf(entry.portId), 6)},
+        {"bus:target", std::to_string(entry.bus) + ":" + std::to_string(entry.target)},
+        {"target number", std::to_string(entry.targetNumber)},
+        {"flags", tools::Hex(entry.bindingFlags, 2)},
+        {"LUN base", std::to_string(entry.lunBase)},
+    };
+}
+
+std::vector<NamedPart> PartsOf(const HX_LUN_RECORD& record) {
+    const std::string masked = LunsText(MaskedOf(record));
+    return {{"node name", tools::Wwn::Of(record.nodeName).Colons()},
+            {"masked LUNs", masked.empty() ? "none" : masked}};
+}
+
+template <class Row>
+std::string Described(const Row& row) {
+    std::string text;
+    for (const NamedPart& part : PartsOf(row)) {
+        text += (text.empty() ? "" : ", ") + std::string(part.name) + " " + part.value;
+    }
+    return text;
+}
+
+template <class Row>
+std::string Compared(const Row& before, const Row& after) {
+    const std::vector<NamedPart> old = PartsOf(before);
+    const std::vector<NamedPart> now = PartsOf(after);
+    std::string text;
+    for (size_t i = 0; i < old.size(); ++i) {
+        if (old[i].value != now[i].value) {
+            text += (text.empty() ? "" : ", ") + std::string(old[i].name) + " " + old[i].value +
+                    " -> " + now[i].value;
+        }
+    }
+    return text.empty() ? "bytes without a name" : text;
+}
+
+template <class Row>
+DifferenceRow Difference(const char* action, const Row& row, std::string what) {
+    return {action, tools::Wwn::Of(row.portName), tools::Wwn::Of(row.nodeName), std::move(what)};
+}
+
+template <class Block>
+std::vector<DifferenceRow> Compare(const Block& before, const Block& after) {
+    std::vector<DifferenceRow> rows;
+    for (const auto& row : RowsOf(before)) {
+        if (!IsFree(row) && FindRow(after, tools::Wwn::Of(row.portName)) == nullptr) {
+            rows.push_back(Difference("removed", row, Described(row)));
+        }
+    }
+    for (const auto& row : RowsOf(after)) {
+        if (IsFree(row)) {
+            continue;
+        }
+        const auto* old = FindRow(before, tools::Wwn::Of(row.portName));
+        if (old == nullptr) {
+            rows.push_back(Difference("added", row, Described(row)));
+        } else if (!SameBytes(*old, row)) {
+            rows.push_back(Difference("changed", row, Compared(*old, row)));
+        }
+    }
+    return rows;
+}
+
+}  // namespace
+
+std::vector<DifferenceRow> DifferencesOf(const HX_TARGET_DATA& before,
+                                         const HX_TARGET_DATA& after) {
+    return Compare(before, after);
+}
+
+std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN_DATA& after) {
+    return Compare(before, after);
+}
+
+tools::Record RecordOf(const DifferenceRow& row) {
+    using tools::Value;
+    tools::Record record;
+    record.Add("action", "Action", Value::TextOrNull(row.action), "ACTION");
+    record.Add("target_wwn", "Target", Value::Name(row.target), "TARGET");
+    record.Add("node_wwn", "Node name", Value::Name(row.node));
+    record.Add("what", "What", Value::TextOrNull(row.what), "WHAT");
+    return record;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,166 @@
+#include "vxmgr/bindings/store_port.h"
+
+#include <algorithm>
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+HX_STATUS Load(uint32_t handle, HX_TARGET_DATA& block) {
+    return HXGetTargetData(handle, 0, &block, 1);
+}
+HX_STATUS Load(uint32_t handle, HX_LUN_DATA& block) {
+    return HXGetLunData(handle, 0, &block, 1);
+}
+HX_STATUS Save(uint32_t handle, HX_TARGET_DATA& block) {
+    return HXSetTargetData(handle, 0, &block, 1);
+}
+HX_STATUS Save(uint32_t handle, HX_LUN_DATA& block) {
+    return HXSetLunData(handle, 0, &block, 1);
+}
+
+bool ReadsAs(const HX_TARGET_DATA& written, const HX_TARGET_DATA& read) {
+    return SameBytes(written, read);
+}
+bool ReadsAs(const HX_LUN_DATA& written, const HX_LUN_DATA& read) {
+    return SameBytes(*AsStored(written), read) || SameBytes(*AsVersion1(written), read);
+}
+
+// Whether the port has nothing in the store at all.
+bool HasNothing(const Port& port) {
+    const auto names = std::make_unique<HX_WWN_LIST>();
+    if (!port.port || HXGetPersistentDeviceEntryList(names.get()) != HXMGT_SUCCESS) {
+        return false;
+    }
+    const tools::Wwn own = tools::Wwn::Of(port.port->portName);
+    return std::none_of(std::begin(names->names), std::end(names->names),
+                        [&](const uint8_t(&name)[8]) { return tools::Wwn::Of(name) == own; });
+}
+
+// A block of that kind that cannot be read is not there, rather than damaged. The walk over all
+// stored targets reads the blocks of every port; bindings have a checksum besides, which it does
+// not look at.
+bool IsAbsent(const HX_LUN_DATA&) {
+    const auto names = std::make_unique<HX_WWN_LIST>();
+    return HXGetPersistentTargetEntryList(names.get()) == HXMGT_SUCCESS;
+}
+bool IsAbsent(const HX_TARGET_DATA&) {
+    return false;
+}
+
+template <class Block>
+void ReadStored(const Port& port, uint32_t handle, StoredBlock<Block>* stored) {
+    const HX_STATUS status = Load(handle, *stored->block);
+    if (status == HXMGT_SUCCESS) {
+        stored->state = StoreState::Stored;
+        stored->block->count = std::min<uint16_t>(stored->block->count, HX_MAX_TARGETS);
+    } else {
+        stored->block = std::make_unique<Block>();  // a failed read may have touched it
+        stored->state = HasNothing(port) || IsAbsent(*stored->block) ? StoreState::Nothing
+                                                                     : StoreState::Unusable;
+        stored->status = status == HXMGT_REGISTRY_INVALID ? HX_STATUS{HXMGT_SUCCESS} : status;
+    }
+}
+
+// The first failure, with what it was about in *query.
+HX_STATUS ReadAll(PortTargets* targets, const char** query) {
+    *query = "known targets";
+    if (const HX_STATUS status = targets->ReadKnown(); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    ReadStored(targets->OwnPort(), targets->Handle(), &targets->bindings);
+    ReadStored(targets->OwnPort(), targets->Handle(), &targets->masks);
+    *query = "stored data";
+    return targets->bindings.status != HXMGT_SUCCESS ? targets->bindings.status
+                                                     : targets->masks.status;
+}
+
+template <class Block>
+void Write(tools::Invocation& invocation, PortTargets& targets, Block& block) {
+    const std::string object = targets.OwnPort().Object();
+    if (const HX_STATUS status = Save(targets.Handle(), block); status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the store cannot be written, and may be half written", object);
+    }
+    invocation.Changed();
+    const auto read = std::make_unique<Block>();
+    if (Load(targets.Handle(), *read) != HXMGT_SUCCESS || !ReadsAs(block, *read)) {
+        invocation.Fail(ExitCode::NotProven,
+                        object +
+                            ": the store was written, but reads back "
+                            "differently",
+                        "does another program write it at the same time?");
+    }
+}
+
+}  // namespace
+
+DocumentPort PortTargets::Origin() const {
+    const Port& port = OwnPort();
+    return {port.port ? tools::Wwn::Of(port.port->portName) : tools::Wwn(),
+            port.node ? tools::Wwn::Of(port.node->nodeName) : tools::Wwn(), port.Serial()};
+}
+
+const KnownTarget* PortTargets::Known(const tools::Wwn& portName) const {
+    const auto found = std::find_if(known.begin(), known.end(), [&](const KnownTarget& target) {
+        return target.PortName() == portName;
+    });
+    return found == known.end() ? nullptr : &*found;
+}
+
+PortTargets OpenPortTargets(tools::Invocation& invocation) {
+    PortTargets targets{OpenSelectedPort(invocation), {}, {}, {}};
+    const char* query = "";
+    if (const HX_STATUS status = ReadAll(&targets, &query); status != HXMGT_SUCCESS) {
+        invocation.Fail(status, query, targets.OwnPort().Object());
+    }
+    return targets;
+}
+
+ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf,
+                         const RowOfFailure& failed, std::vector<tools::Record>* rows) {
+    std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<const Port*> selected = SelectPorts(invocation, ports);
+    for (const Port* one : selected) {
+        invocation.CheckStop();
+        Port& port = ports[one->index];
+        PortTargets targets;
+        targets.session.port = port;
+        const char* query = "open";
+        HX_STATUS status = targets.session.device.Open(port.index, TracePath(invocation));
+        if (status == HXMGT_SUCCESS) {
+            status = ReadAll(&targets, &query);
+        }
+        if (status != HXMGT_SUCCESS) {
+            port.failure = status;
+            port.failedQuery = query;
+            rows->push_back(failed(port));
+        } else {
+            // A property that could not be read does not keep the targets from being shown.
+            port.failure = HXMGT_SUCCESS;
+            rowsOf(targets, rows);
+        }
+    }
+    return ReportFailures(invocation, selected);
+}
+
+void TellState(tools::Invocation& invocation, const Port& port, StoreState state,
+               const std::string& what) {
+    if (state == StoreState::Nothing) {
+        invocation.Note(port.Object() + ": no " + what + " are stored");
+    } else if (state == StoreState::Unusable) {
+        invocation.Note(port.Object() + ": no usable " + what +
+                            " are stored: there are none, or they are damaged",
+                        "writing new ones mends a damaged store");
+    }
+}
+
+void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_TARGET_DATA& block) {
+    Write(invocation, targets, block);
+}
+
+void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_LUN_DATA& block) {
+    Write(invocation, targets, block);
+}
+
+}  // namespace vxmgr

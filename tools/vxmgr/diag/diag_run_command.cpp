@@ -1,0 +1,207 @@
+// diag run: every check that does no harm.
+#include "common/status_codes.h"
+#include "common/text.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/diag/diag_commands.h"
+#include "vxmgr/diag/dump_kinds.h"
+#include "vxmgr/fabric/fc_els.h"
+#include "vxmgr/fabric/fc_services.h"
+#include "vxmgr/fabric/scsi_unit.h"
+#include "vxmgr/ports/stats_counters.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Record;
+using tools::Tone;
+using tools::Value;
+
+constexpr tools::Argument kArguments[] = {
+    {"-t,--target", tools::ArgumentKind::Text, "TARGET",
+     "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
+};
+
+enum class Outcome : uint8_t { Passed, Warning, Failed, Skipped };
+
+struct Finding {
+    Outcome outcome = Outcome::Passed;
+    std::string detail;
+};
+
+struct Subject {
+    const Port& port;
+    uint32_t handle;
+    const HX_SCSI_ADDRESS* target;  // null: none given
+
+    bool IsOnline() const { return port.port && port.port->state == HX_PORT_STATE_ONLINE; }
+};
+
+Finding OfStatus(HX_STATUS status) {
+    if (status == HXMGT_SUCCESS) {
+        return {};
+    }
+    const bool cannot = tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    return {cannot ? Outcome::Skipped : Outcome::Failed,
+            StatusMessage(status) + " (" + tools::StatusText(status) + ")"};
+}
+
+Finding CheckDriver(const Subject& subject) {
+    Finding finding = OfStatus(subject.port.failure);
+    if (finding.outcome != Outcome::Passed) {
+        finding.detail = subject.port.failedQuery + ": " + finding.detail;
+    }
+    return finding;
+}
+
+Finding CheckFirmware(const Subject& subject) {
+    if (!subject.port.firmware) {
+        return {Outcome::Skipped, "the driver does not report the firmware"};
+    }
+    const auto& version = subject.port.firmware->version;
+    const std::string text = tools::FieldText(version, sizeof version);
+    return text.empty() ? Finding{Outcome::Failed, "no version is reported"}
+                        : Finding{Outcome::Passed, "version " + text};
+}
+
+Finding CheckLink(const Subject& subject) {
+    if (!subject.port.port) {
+        return {Outcome::Failed, "the port's properties cannot be read"};
+    }
+    const Value state = StateValue(subject.port);
+    const std::string* text = std::get_if<std::string>(&state.Content());
+    return {subject.IsOnline() && !subject.port.disabled.value_or(false) ? Outcome::Passed
+                                                                         : Outcome::Warning,
+            text == nullptr ? "unknown state" : *text};
+}
+
+Finding CheckLinkErrors(const Subject& subject) {
+    HX_STATISTICS statistics{};
+    const HX_STATUS status = HXGetStatistics(subject.handle, 0, &statistics);
+    if (status != HXMGT_SUCCESS) {
+        return OfStatus(status);
+    }
+    const std::string errors = LinkErrorsText(statistics);
+    const std::string since = " in " + std::to_string(statistics.secondsSinceReset) + " s";
+    return errors.empty()
+               ? Finding{Outcome::Passed, "none" + since}
+               : Finding{Outcome::Warning, errors + since + "; `port stats clear` begins anew"};
+}
+
+Finding CheckDiagnosticMode(const Subject& subject) {
+    if (!subject.port.hasSecondVersion || !subject.port.port) {
+        return {Outcome::Skipped, "the driver does not report it"};
+    }
+    const uint8_t state = subject.port.port->diagnosticState;
+    return state == 0
+               ? Finding{}
+               : Finding{Outcome::Warning, "a diagnostic state is on: " + std::to_string(state)};
+}
+
+Finding CheckNameServer(const Subject& subject) {
+    if (!subject.IsOnline()) {
+        return {Outcome::Skipped, "the port is not online"};
+    }
+    const auto request = NameServerRequest(kGetAllNext, std::vector<uint8_t>(4), kGetAllNextLength);
+    std::vector<uint8_t> response(sizeof(CtHeader) + kGetAllNextLength);
+    const HX_STATUS status =
+        HXSendCTPassThru(subject.handle, request.data(), static_cast<uint32_t>(request.size()),
+                         response.data(), static_cast<uint32_t>(response.size()));
+    if (status != HXMGT_SUCCESS) {
+        return OfStatus(status);
+    }
+    const CtResponse answer = DecodeCtResponse(response).value_or(CtResponse{});
+    return answer.accepted ? Finding{} : Finding{Outcome::Warning, CtRejectText(answer)};
+}
+
+Finding CheckDumps(const Subject& subject) {
+    uint32_t size = 0;
+    const HX_STATUS status = DumpKinds().front().size(subject.handle, &size);
+    if (status == HXMGT_SUCCESS && size != 0) {
+        return {Outcome::Warning, "the firmware made a dump: `dump save fc FILE`"};
+    }
+    return status == HXMGT_NO_FIRMWARE_DUMP ? Finding{} : OfStatus(status);
+}
+
+Finding CheckEcho(const Subject& subject) {
+    constexpr size_t kBytes = 128;
+    if (subject.target == nullptr) {
+        return {Outcome::Skipped, "no target given: -t"};
+    }
+    const auto request = EchoRequest(kBytes, 1);
+    std::vector<uint8_t> answer;
+    const HX_STATUS status = SendLinkService(subject.handle, *subject.target, request, &answer);
+    if (status != HXMGT_SUCCESS) {
+        return OfStatus(status);
+    }
+    return IsEchoOf(request, answer) ? Finding{} : Finding{Outcome::Failed, "other data came back"};
+}
+
+struct Check {
+    const char* name;
+    Finding (*run)(const Subject& subject);
+};
+constexpr Check kChecks[] = {
+    {"driver", CheckDriver},
+    {"firmware", CheckFirmware},
+    {"link", CheckLink},
+    {"link errors", CheckLinkErrors},
+    {"diagnostic mode", CheckDiagnosticMode},
+    {"name server", CheckNameServer},
+    {"firmware dump", CheckDumps},
+    {"echo", CheckEcho},
+};
+
+Record CheckRow(const Port& port, const char* check, const Finding& finding) {
+    constexpr const char* kNames[] = {"passed", "warning", "failed", "skipped"};
+    constexpr Tone kTones[] = {Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
+    const auto outcome = static_cast<size_t>(finding.outcome);
+    Record row;
+    row.Add("port", "Port", Value::Number(port.index), "PORT");
+    row.Add("serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
+    row.Add("check", "Check", Value::Text(check), "CHECK");
+    row.Add("outcome", "Outcome", Value::Text(kNames[outcome]).In(kTones[outcome]), "OUTCOME");
+    row.Add("detail", "Detail", Value::TextOrNull(finding.detail), "DETAIL");
+    return row;
+}
+
+}  // namespace
+
+std::span<const tools::Argument> DiagRunArguments() {
+    return kArguments;
+}
+
+ExitCode DiagRun(tools::Invocation& invocation) {
+    HX_SCSI_ADDRESS target{};
+    const bool hasTarget = invocation.Given().Has("target");
+    if (hasTarget) {
+        target = GivenTarget(invocation);
+    }
+    const std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Record> rows;
+    size_t failed = 0;
+    for (const Port* port : SelectPorts(invocation, ports)) {
+        Device device;
+        const HX_STATUS opened = device.Open(port->index, TracePath(invocation));
+        if (opened != HXMGT_SUCCESS) {
+            rows.push_back(CheckRow(*port, "driver", OfStatus(opened)));
+            ++failed;
+            continue;
+        }
+        for (const Check& check : kChecks) {
+            invocation.CheckStop();
+            const Finding finding =
+                check.run({*port, device.Handle(), hasTarget ? &target : nullptr});
+            failed += finding.outcome == Outcome::Failed ? 1 : 0;
+            rows.push_back(CheckRow(*port, check.name, finding));
+        }
+    }
+    invocation.Result().AddList("checks", "Checks", tools::ListLayout::Table, CheckRow({}, "", {}),
+                                "no ports", std::move(rows));
+    if (failed != 0) {
+        invocation.Fail(ExitCode::Failed, std::to_string(failed) + " checks failed");
+    }
+    return ExitCode::Done;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,157 @@
+#include "vxmgr/fabric/fc_ct.h"
+
+#include <algorithm>
+
+#include "common/text.h"
+#include "vxmgr/fabric/scsi_code_text.h"
+
+namespace vxmgr {
+namespace {
+
+constexpr uint8_t kDirectoryService = 0xFC;
+constexpr uint8_t kNameServer = 0x02;
+constexpr uint16_t kAccept = 0x8002;
+constexpr size_t kFc4Types = 256;
+
+#pragma pack(push, 1)
+struct SymbolicName {
+    uint8_t length;
+    char text[255];
+};
+struct AllNext {
+    uint8_t type;
+    uint8_t portId[3];
+    uint8_t portName[8];
+    SymbolicName port;
+    uint8_t nodeName[8];
+    SymbolicName node;
+    uint8_t processAssociator[8];
+    uint8_t nodeAddress[16];
+    uint8_t serviceClasses[4];
+    uint8_t fc4Types[kFc4Types / 32][4];  // type t: bit t mod 32 of word t div 32
+    uint8_t portAddress[16];
+    uint8_t fabricPortName[8];
+    uint8_t reserved612;
+    uint8_t hardAddress[3];
+};
+#pragma pack(pop)
+static_assert(offsetof(AllNext, fc4Types) == 560);
+static_assert(sizeof(AllNext) == kGetAllNextLength);
+
+constexpr CodeText kReasons[] = {
+    {0x01, "invalid command code"},
+    {0x02, "invalid version"},
+    {0x03, "logical error"},
+    {0x04, "invalid size of the request"},
+    {0x05, "logical busy"},
+    {0x07, "protocol error"},
+    {0x09, "unable to perform the request"},
+    {0x0B, "command not supported"},
+    {0x0D, "the server is not available"},
+    {0x0E, "the session could not be established"},
+    {0xFF, "vendor specific error"},
+};
+constexpr CodeText kExplanations[] = {
+    {0x00, "no explanation"},
+    {0x01, "port identifier not registered"},
+    {0x02, "port name not registered"},
+    {0x03, "node name not registered"},
+    {0x04, "class of service not registered"},
+    {0x05, "node IP address not registered"},
+    {0x06, "initial process associator not registered"},
+    {0x07, "FC-4 types not registered"},
+    {0x08, "symbolic port name not registered"},
+    {0x09, "symbolic node name not registered"},
+    {0x0A, "port type not registered"},
+    {0x10, "access denied"},
+    {0x11, "unacceptable port identifier"},
+    {0x12, "database empty"},
+    {0x13, "no object registered in the given scope"},
+    {0x14, "domain not present"},
+    {0x15, "port number not present"},
+    {0x16, "no device attached"},
+};
+constexpr CodeText kPortTypes[] = {
+    {0x00, "unidentified"}, {0x01, "N_Port"}, {0x02, "NL_Port"}, {0x03, "F/NL_Port"},
+    {0x7F, "Nx_Port"},      {0x81, "F_Port"}, {0x82, "FL_Port"}, {0x84, "E_Port"},
+};
+constexpr CodeText kFc4Names[] = {{0x05, "IP"}, {0x08, "FCP"}, {0x20, "CT"}, {0x28, "NVMe"}};
+
+std::string Symbolic(const SymbolicName& name) {
+    return tools::FieldText(name.text, name.length);
+}
+
+std::string Protocols(const AllNext& answer) {
+    std::string text;
+    for (size_t type = 0; type < kFc4Types; ++type) {
+        if ((BigEndian(answer.fc4Types[type / 32]) >> type % 32 & 1) != 0) {
+            text += (text.empty() ? "" : " ") +
+                    TextOrNumber(kFc4Names, static_cast<uint8_t>(type), "type");
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+std::vector<uint8_t> NameServerRequest(uint16_t command, Bytes payload, size_t answerLength) {
+    CtHeader header{};
+    header.revision = 1;
+    header.gsType = kDirectoryService;
+    header.gsSubtype = kNameServer;
+    PutBigEndian(command, header.command);
+    PutBigEndian(answerLength / 4, header.residual);
+    const Bytes head = BytesOf(header);
+    std::vector<uint8_t> request(head.size() + payload.size());
+    std::copy(payload.begin(), payload.end(), std::copy(head.begin(), head.end(), request.begin()));
+    return request;
+}
+
+std::optional<CtResponse> DecodeCtResponse(Bytes response) {
+    if (response.size() < sizeof(CtHeader)) {
+        return std::nullopt;
+    }
+    const auto header = Padded<CtHeader>(response);
+    const auto code = static_cast<uint16_t>(BigEndian(header.command));
+    return CtResponse{code == kAccept, code, header.reason, header.explanation, header.vendor};
+}
+
+std::string CtRejectText(const CtResponse& response) {
+    return TextOrNumber(kReasons, response.reason, "reason") + ": " +
+           TextOrNumber(kExplanations, response.explanation, "explanation") + " (" +
+           tools::Hex(response.reason, 2) + "/" + tools::Hex(response.explanation, 2) + ")";
+}
+
+std::string CtServiceName(uint8_t gsType, uint8_t gsSubtype) {
+    if (gsType == kDirectoryService && gsSubtype == kNameServer) {
+        return "name server";
+    }
+    constexpr CodeText kServices[] = {
+        {0xF7, "key distribution service"}, {0xF8, "alias service"},
+        {0xFA, "management service"},       {0xFB, "time service"},
+        {0xFC, "directory service"},
+    };
+    return TextOrNumber(kServices, gsType, "service");
+}
+
+std::optional<NamedPort> DecodeNamedPort(Bytes payload) {
+    if (payload.size() < sizeof(AllNext)) {
+        return std::nullopt;
+    }
+    const auto answer = Padded<AllNext>(payload);
+    NamedPort port;
+    port.portId = static_cast<uint32_t>(BigEndian(answer.portId));
+    port.type = answer.type;
+    port.portName = tools::Wwn::Of(answer.portName);
+    port.nodeName = tools::Wwn::Of(answer.nodeName);
+    port.symbolicPort = Symbolic(answer.port);
+    port.symbolicNode = Symbolic(answer.node);
+    port.protocols = Protocols(answer);
+    return port;
+}
+
+std::string PortTypeName(uint8_t type) {
+    return TextOrNumber(kPortTypes, type, "type");
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,69 @@
+// Common Transport (FC-GS): requests to the name server, and what comes back.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "common/wwn.h"
+#include "vxmgr/app/bytes.h"
+
+namespace vxmgr {
+
+#pragma pack(push, 1)
+struct CtHeader {
+    uint8_t revision;
+    uint8_t inId[3];
+    uint8_t gsType;
+    uint8_t gsSubtype;
+    uint8_t options;
+    uint8_t reserved7;
+    uint8_t command[2];   // or the response code
+    uint8_t residual[2];  // words: the most to receive, or those left over
+    uint8_t reserved12;
+    uint8_t reason;
+    uint8_t explanation;
+    uint8_t vendor;
+};
+#pragma pack(pop)
+static_assert(sizeof(CtHeader) == 16);
+
+// The name server's commands used here.
+inline constexpr uint16_t kGetAllNext = 0x0100;
+inline constexpr uint16_t kGetIdOfPortName = 0x0121;
+
+std::vector<uint8_t> NameServerRequest(uint16_t command, Bytes payload, size_t answerLength);
+
+// What a response says of itself.
+struct CtResponse {
+    bool accepted = false;
+    uint16_t code = 0;  // 0x8001 reject, 0x8002 accept
+    uint8_t reason = 0;
+    uint8_t explanation = 0;
+    uint8_t vendor = 0;
+};
+// Nothing when there is less than a header.
+std::optional<CtResponse> DecodeCtResponse(Bytes response);
+
+// "unable to perform the request: port identifier not registered (0x09/0x01)". The explanation's
+// words are the name server's.
+std::string CtRejectText(const CtResponse& response);
+
+std::string CtServiceName(uint8_t gsType, uint8_t gsSubtype);
+
+// The answer to kGetAllNext, whole.
+inline constexpr size_t kGetAllNextLength = 620;
+struct NamedPort {
+    uint32_t portId = 0;
+    uint8_t type = 0;
+    tools::Wwn portName;
+    tools::Wwn nodeName;
+    std::string symbolicPort;
+    std::string symbolicNode;
+    std::string protocols;  // FC-4 types: "FCP NVMe"
+};
+std::optional<NamedPort> DecodeNamedPort(Bytes payload);
+
+std::string PortTypeName(uint8_t type);  // "N_Port"
+
+}  // namespace vxmgr

@@ -1,0 +1,266 @@
+#include "vxmgr/fabric/scsi_commands.h"
+
+#include "common/status_codes.h"
+#include "common/text.h"
+#include "vxmgr/app/files.h"
+#include "vxmgr/fabric/scsi_inquiry.h"
+#include "vxmgr/fabric/scsi_unit.h"
+#include "vxmgr/fabric/scsi_units.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::Argument;
+using tools::ArgumentKind;
+using tools::ExitCode;
+using tools::ListLayout;
+using tools::Record;
+using tools::Value;
+
+// More than that a driver below 7.05.03 does not move.
+constexpr size_t kLegacyRoom = 4096;
+constexpr size_t kLongestList = size_t{1} << 20;
+constexpr size_t kLongestTransfer = size_t{16} << 20;
+
+constexpr Argument kInquiryArguments[] = {
+    kTargetArgument,
+    kLunArgument,
+    {"--page",
+     ArgumentKind::Number,
+     "PAGE",
+     "a vital product data page (0: which there are, 0x80: serial number, 0x83: identifiers)",
+     false,
+     false,
+     {},
+     0,
+     255},
+};
+constexpr Argument kUnitArguments[] = {kTargetArgument, kLunArgument};
+constexpr Argument kTargetArguments[] = {kTargetArgument};
+constexpr Argument kRawArguments[] = {
+    {"CDB", ArgumentKind::Text, "", "command descriptor block, hexadecimal: 12 00 00 00 24 00",
+     true, true},
+    kTargetArgument,
+    kLunArgument,
+    {"--in", ArgumentKind::Number, "N", "bytes to receive", false, false, {}, 1, kLongestTransfer},
+    {"--out-file", ArgumentKind::Text, "FILE", "where the received data goes"},
+    {"--data-file", ArgumentKind::Text, "FILE", "data to send"},
+};
+
+// Operation codes (SPC, SBC).
+constexpr uint8_t kInquiry = 0x12;
+constexpr uint8_t kReadCapacity10 = 0x25;
+constexpr uint8_t kServiceActionIn = 0x9E;
+constexpr uint8_t kReadCapacity16 = 0x10;
+
+// Commands that change nothing in the unit: no question is asked for them.
+constexpr uint8_t kHarmless[] = {
+    0x00,  // TEST UNIT READY
+    0x03,  // REQUEST SENSE
+    0x08,  // READ (6)
+    0x12,  // INQUIRY
+    0x1A,  // MODE SENSE (6)
+    0x25,  // READ CAPACITY (10)
+    0x28,  // READ (10)
+    0x37,  // READ DEFECT DATA (10)
+    0x3C,  // READ BUFFER (10)
+    0x4D,  // LOG SENSE
+    0x5A,  // MODE SENSE (10)
+    0x5E,  // PERSISTENT RESERVE IN
+    0x88,  // READ (16)
+    0x9E,  // SERVICE ACTION IN (16)
+    0xA0,  // REPORT LUNS
+    0xA3,  // MAINTENANCE IN
+    0xA8,  // READ (12)
+};
+
+constexpr uint8_t Low(size_t value) {
+    return static_cast<uint8_t>(value);
+}
+
+ExitCode StandardInquiry(tools::Invocation& invocation, ScsiUnit& unit) {
+    constexpr uint8_t kRoom = 255;
+    const uint8_t cdb[6] = {kInquiry, 0, 0, 0, kRoom, 0};
+    const ScsiReply reply = unit.Send(cdb, kRoom);
+    if (reply.status != HXMGT_SUCCESS) {
+        return unit.Fails(reply, "INQUIRY");
+    }
+    invocation.Result().AddGroup("inquiry", "Logical unit", InquiryRecord(reply.data));
+    AddData(invocation, "Data", Part(reply.data, 0, InquiryLength(reply.data)));
+    return ExitCode::Done;
+}
+
+ExitCode VitalProductData(tools::Invocation& invocation, ScsiUnit& unit, uint8_t page) {
+    constexpr uint8_t kEnableVpd = 1;
+    const uint8_t cdb[6] = {kInquiry, kEnableVpd, page, Low(kLegacyRoom >> 8), Low(kLegacyRoom), 0};
+    const ScsiReply reply = unit.Send(cdb, kLegacyRoom);
+    if (reply.status != HXMGT_SUCCESS) {
+        return unit.Fails(reply, "INQUIRY of page " + tools::Hex(page, 2));
+    }
+    if (reply.data[1] != page) {
+        invocation.Fail(ExitCode::NotSupported,
+                        "the unit answered with page " + tools::Hex(reply.data[1], 2),
+                        "`scsi inquiry --page 0` shows the pages that it has");
+    }
+    invocation.Result().AddGroup("vpd", "Vital product data", VpdRecord(reply.data));
+    if (invocation.Verbose() || VpdPageName(page).empty()) {
+        AddData(invocation, "Data", Part(reply.data, 0, VpdLength(reply.data)));
+    }
+    return ExitCode::Done;
+}
+
+Record LunRow(const LunEntry& entry) {
+    Record row;
+    row.Add("lun", "LUN", entry.lun ? Value::Number(*entry.lun) : Value(), "LUN");
+    row.Add("method", "Addressing", Value::TextOrNull(entry.method), "ADDRESSING");
+    row.Add("address", "Address", Value::TextOrNull(entry.address), "ADDRESS");
+    return row;
+}
+
+bool IsHarmless(uint8_t operation) {
+    return std::find(std::begin(kHarmless), std::end(kHarmless), operation) != std::end(kHarmless);
+}
+
+std::vector<uint8_t> GivenCdb(tools::Invocation& invocation) {
+    constexpr size_t kLongestCdb = 255;
+    std::string text;
+    for (const std::string& word : invocation.Given().All("CDB")) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    std::vector<uint8_t> cdb;
+    if (!ParseHex(text, &cdb) || cdb.size() > kLongestCdb) {
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no command descriptor block",
+                        "1 to 255 bytes of two hexadecimal digits: 12 00 00 00 24 00");
+    }
+    return cdb;
+}
+
+}  // namespace
+
+std::span<const Argument> ScsiInquiryArguments() {
+    return kInquiryArguments;
+}
+
+std::span<const Argument> ScsiUnitArguments() {
+    return kUnitArguments;
+}
+
+std::span<const Argument> ScsiTargetArguments() {
+    return kTargetArguments;
+}
+
+std::span<const Argument> ScsiRawArguments() {
+    return kRawArguments;
+}
+
+ExitCode ScsiInquiry(tools::Invocation& invocation) {
+    ScsiUnit unit(invocation);
+    const auto page = invocation.Given().Number("page");
+    return page ? VitalProductData(invocation, unit, Low(*page))
+                : StandardInquiry(invocation, unit);
+}
+
+ExitCode ScsiCapacity(tools::Invocation& invocation) {
+    ScsiUnit unit(invocation);
+    constexpr size_t kShort = 8;
+    constexpr uint8_t kLong = 32;
+    const uint8_t shortCdb[10] = {kReadCapacity10};
+    ScsiReply reply = unit.Send(shortCdb, kShort);
+    std::optional<Capacity> capacity = DecodeCapacity10(reply.data);
+    if (reply.status == HXMGT_SUCCESS && capacity && NeedsLongForm(*capacity)) {
+        const uint8_t longCdb[16] = {
+            kServiceActionIn, kReadCapacity16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, kLong};
+        reply = unit.Send(longCdb, kLong);
+        capacity = DecodeCapacity16(reply.data);
+    }
+    if (reply.status != HXMGT_SUCCESS) {
+        return unit.Fails(reply, "READ CAPACITY");
+    }
+    invocation.Result() = CapacityRecord(capacity.value_or(Capacity{}));
+    return ExitCode::Done;
+}
+
+ExitCode ScsiLuns(tools::Invocation& invocation) {
+    ScsiUnit unit(invocation);
+    ScsiReply reply = unit.ReportLuns(kLegacyRoom);
+    const uint64_t wanted = LunListLength(reply.data);
+    if (reply.status == HXMGT_SUCCESS && wanted > kLegacyRoom && !unit.IsLegacy()) {
+        reply = unit.ReportLuns(static_cast<size_t>(std::min<uint64_t>(wanted, kLongestList)));
+    }
+    const bool probed = reply.status == HXMGT_BUILT_BY_API;
+    if (reply.status != HXMGT_SUCCESS && !probed) {
+        return unit.Fails(reply, "REPORT LUNS");
+    }
+    const bool truncated = LunListLength(reply.data) > reply.data.size();
+    std::vector<Record> rows;
+    for (const LunEntry& entry : DecodeLuns(reply.data)) {
+        rows.push_back(LunRow(entry));
+    }
+    Record& result = invocation.Result();
+    result.AddList("luns", "Logical units", ListLayout::Table, LunRow({}), "no logical units",
+                   std::move(rows));
+    result.Add("made_by_probing", "Made by probing", Value::Flag(probed));
+    result.Add("truncated", "Truncated", Value::Flag(truncated));
+    if (probed) {
+        invocation.Warn("the target refuses REPORT LUNS: the list was made by asking LUNs 0 to 7",
+                        "LUNs above 7 may be there and are not listed");
+    }
+    if (truncated) {
+        invocation.Warn("the list is longer than could be fetched: the end is missing");
+    }
+    return ExitCode::Done;
+}
+
+ExitCode ScsiRaw(tools::Invocation& invocation) {
+    const std::vector<uint8_t> cdb = GivenCdb(invocation);
+    const tools::Options& given = invocation.Given();
+    const bool sends = given.Has("data-file");
+    if (sends && given.Has("in")) {
+        invocation.Fail(ExitCode::Usage, "--in and --data-file exclude each other",
+                        "a command moves data one way");
+    }
+    if (given.Has("out-file") && !given.Has("in")) {
+        invocation.Fail(ExitCode::Usage, "--out-file needs --in", "say how much data comes");
+    }
+    const std::vector<uint8_t> dataOut =
+        sends ? LoadFile(invocation, given.Text("data-file"), kLongestTransfer)
+              : std::vector<uint8_t>();
+    const size_t room = static_cast<size_t>(given.Number("in").value_or(0));
+    ScsiUnit unit(invocation);
+    if (unit.IsLegacy() && std::max(room, dataOut.size()) > kLegacyRoom) {
+        invocation.Fail(ExitCode::NotSupported,
+                        "this driver moves at most " + std::to_string(kLegacyRoom) + " bytes");
+    }
+    Record& result = invocation.Result();
+    result.Add("cdb", "CDB", Value::Text(HexDigits(cdb)));
+    result.Add("sent", "Data sent", Value::Number(dataOut.size(), "bytes"));
+    if (invocation.DryRun()) {
+        invocation.Note("dry run: the command would be sent");
+        return ExitCode::Done;
+    }
+    const bool harmless = IsHarmless(cdb[0]) && !sends;
+    if (!harmless) {
+        invocation.Confirm(QuestionAbout(
+            unit.Session(),
+            "SCSI command " + HexDigits(cdb) + " to " + given.Text("target") + ", LUN " +
+                given.Text("lun", "0"),
+            "The command may change or destroy data there; nothing is checked before."));
+    }
+    const ScsiReply reply = unit.Send(cdb, room, dataOut);
+    result.Add("status", "Status", Value::Text(tools::StatusName(reply.status)));
+    if (!harmless) {
+        invocation.Changed();
+    }
+    if (reply.status != HXMGT_SUCCESS) {
+        return unit.Fails(reply, "the command");
+    }
+    if (given.Has("out-file")) {
+        SaveFile(invocation, given.Text("out-file"), reply.data);
+        result.Add("file", "File", Value::Text(given.Text("out-file")));
+    } else {
+        AddData(invocation, "Data", reply.data);
+    }
+    return ExitCode::Done;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,69 @@
+#include "vxmgr/fabric/scsi_unit.h"
+
+#include "vxmgr/fabric/scsi_target.h"
+
+namespace vxmgr {
+namespace {
+
+constexpr uint32_t kSenseRoom = 256;
+
+// A driver below 7.05.03 fills in fixed sense data but leaves the response code to the caller.
+constexpr uint8_t kFixedFormat = 0x70;
+
+}  // namespace
+
+HX_SCSI_ADDRESS GivenTarget(tools::Invocation& invocation) {
+    const std::string text = invocation.Given().Text("target");
+    HX_SCSI_ADDRESS address{};
+    std::string error;
+    if (!ParseTarget(text, &address, &error)) {
+        invocation.Fail(tools::ExitCode::Usage, "--target " + text + ": " + error,
+                        "`fc names` shows the remote ports");
+    }
+    address.lun = static_cast<uint16_t>(invocation.Given().Number("lun").value_or(0));
+    return address;
+}
+
+ScsiUnit::ScsiUnit(tools::Invocation& invocation)
+    : invocation_(invocation),
+      address_(GivenTarget(invocation)),
+      session_(OpenSelectedPort(invocation)) {}
+
+ScsiReply ScsiUnit::ReplyOf(HX_STATUS status, std::vector<uint8_t> data, Bytes sense) {
+    ScsiReply reply{status, std::move(data), std::nullopt};
+    if (status == HXMGT_SCSI_CHECK_CONDITION) {
+        reply.sense = DecodeSense(sense);
+    }
+    return reply;
+}
+
+ScsiReply ScsiUnit::Send(Bytes cdb, size_t room, Bytes dataOut) {
+    std::vector<uint8_t> data(room);
+    uint8_t sense[kSenseRoom] = {kFixedFormat};
+    const HX_STATUS status = HXSendScsiPassThruFC(
+        session_.Handle(), &address_, cdb.data(), static_cast<uint32_t>(cdb.size()),
+        dataOut.empty() ? nullptr : dataOut.data(), static_cast<uint32_t>(dataOut.size()),
+        data.empty() ? nullptr : data.data(), static_cast<uint32_t>(data.size()), sense,
+        sizeof sense);
+    return ReplyOf(status, std::move(data), sense);
+}
+
+ScsiReply ScsiUnit::ReportLuns(size_t room) {
+    std::vector<uint8_t> data(room);
+    uint8_t sense[kSenseRoom] = {kFixedFormat};
+    const HX_STATUS status =
+        HXSendScsiReportLunsCmdFC(session_.Handle(), &address_, data.data(),
+                                  static_cast<uint32_t>(data.size()), sense, sizeof sense);
+    return ReplyOf(status, std::move(data), sense);
+}
+
+tools::ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text) {
+    std::string whole = text;
+    if (reply.sense) {
+        invocation_.Result().AddGroup("sense", "Sense data", SenseRecord(*reply.sense));
+        whole += ": " + SenseText(*reply.sense);
+    }
+    return invocation_.Report(reply.status, whole, session_.port.Object());
+}
+
+}  // namespace vxmgr

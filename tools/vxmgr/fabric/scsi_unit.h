@@ -1,0 +1,49 @@
+// A logical unit behind a selected port, and commands sent to it.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "vxmgr/app/port_session.h"
+#include "vxmgr/fabric/scsi_sense.h"
+
+namespace vxmgr {
+
+inline constexpr tools::Argument kTargetArgument = {
+    "-t,--target", tools::ArgumentKind::Text, "TARGET",
+    "remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET", true};
+inline constexpr tools::Argument kLunArgument = {
+    "--lun",   tools::ArgumentKind::Number, "N", "logical unit number (0)", false, false, {}, 0,
+    UINT16_MAX};
+
+// The address that -t and --lun give; ends the command when they are wrong.
+HX_SCSI_ADDRESS GivenTarget(tools::Invocation& invocation);
+
+struct ScsiReply {
+    HX_STATUS status = HXMGT_SUCCESS;
+    std::vector<uint8_t> data;   // as long as the room was; zero behind what came
+    std::optional<Sense> sense;  // with HXMGT_SCSI_CHECK_CONDITION
+};
+
+class ScsiUnit {
+  public:
+    explicit ScsiUnit(tools::Invocation& invocation);
+
+    const PortSession& Session() const { return session_; }
+    bool IsLegacy() const { return !session_.port.IsCurrentGeneration(); }
+
+    ScsiReply Send(Bytes cdb, size_t room, Bytes dataOut = {});
+    ScsiReply ReportLuns(size_t room);
+
+    // Puts the sense data into the result and reports the status; the command's exit code.
+    tools::ExitCode Fails(const ScsiReply& reply, const std::string& text);
+
+  private:
+    static ScsiReply ReplyOf(HX_STATUS status, std::vector<uint8_t> data, Bytes sense);
+
+    tools::Invocation& invocation_;
+    const HX_SCSI_ADDRESS address_;
+    const PortSession session_;
+};
+
+}  // namespace vxmgr

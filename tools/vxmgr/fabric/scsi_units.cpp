@@ -1,0 +1,128 @@
+#include "vxmgr/fabric/scsi_units.h"
+
+#include <cstdio>
+
+namespace vxmgr {
+namespace {
+
+using tools::Value;
+
+#pragma pack(push, 1)
+struct Capacity10 {
+    uint8_t lastBlock[4];
+    uint8_t blockBytes[4];
+};
+struct Capacity16 {
+    uint8_t lastBlock[8];
+    uint8_t blockBytes[4];
+};
+struct LunListHead {
+    uint8_t length[4];
+    uint8_t reserved[4];
+};
+struct LunAddress {
+    uint8_t first[2];  // addressing method in the two highest bits
+    uint8_t rest[6];
+};
+#pragma pack(pop)
+static_assert(sizeof(Capacity10) == 8 && sizeof(Capacity16) == 12);
+static_assert(sizeof(LunListHead) == 8 && sizeof(LunAddress) == 8);
+
+template <typename Layout>
+std::optional<Capacity> Decode(Bytes data) {
+    if (data.size() < sizeof(Layout)) {
+        return std::nullopt;
+    }
+    const auto reply = Padded<Layout>(data);
+    return Capacity{BigEndian(reply.lastBlock), BigEndian(reply.blockBytes)};
+}
+
+std::string Scaled(uint64_t bytes, double step, const char* const (&units)[6]) {
+    double value = static_cast<double>(bytes) / step;
+    size_t unit = 0;
+    while (value >= step && unit + 1 < std::size(units)) {
+        value /= step;
+        ++unit;
+    }
+    char text[40];
+    std::snprintf(text, sizeof text, "%.2f %s", value, units[unit]);
+    return text;
+}
+
+}  // namespace
+
+std::optional<uint64_t> Capacity::Blocks() const {
+    return lastBlock == UINT64_MAX ? std::nullopt : std::optional(lastBlock + 1);
+}
+
+std::optional<uint64_t> Capacity::TotalBytes() const {
+    const auto blocks = Blocks();
+    if (!blocks || (blockBytes != 0 && *blocks > UINT64_MAX / blockBytes)) {
+        return std::nullopt;
+    }
+    return *blocks * blockBytes;
+}
+
+std::optional<Capacity> DecodeCapacity10(Bytes data) {
+    return Decode<Capacity10>(data);
+}
+
+std::optional<Capacity> DecodeCapacity16(Bytes data) {
+    return Decode<Capacity16>(data);
+}
+
+bool NeedsLongForm(const Capacity& capacity) {
+    return capacity.lastBlock == UINT32_MAX;
+}
+
+std::string SizeText(uint64_t bytes) {
+    constexpr const char* kDecimal[] = {"kB", "MB", "GB", "TB", "PB", "EB"};
+    constexpr const char* kBinary[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+    if (bytes < 1000) {
+        return std::to_string(bytes) + " bytes";
+    }
+    return Scaled(bytes, 1000, kDecimal) + " (" + Scaled(bytes, 1024, kBinary) + ")";
+}
+
+tools::Record CapacityRecord(const Capacity& capacity) {
+    const auto number = [](std::optional<uint64_t> value) {
+        return value ? Value::Number(*value) : Value();
+    };
+    const auto total = capacity.TotalBytes();
+    tools::Record record;
+    record.Add("bytes", "Capacity",
+               total ? Value::Number(*total).Shown(SizeText(*total)) : Value());
+    record.Add("blocks", "Blocks", number(capacity.Blocks()));
+    record.Add("block_size", "Block size", Value::Number(capacity.blockBytes, "bytes"));
+    record.Add("last_block", "Last block", Value::Number(capacity.lastBlock));
+    return record;
+}
+
+uint64_t LunListLength(Bytes list) {
+    return sizeof(LunListHead) + BigEndian(Padded<LunListHead>(list).length);
+}
+
+std::vector<LunEntry> DecodeLuns(Bytes list) {
+    constexpr const char* kMethods[] = {"peripheral", "flat", "logical unit", "extended"};
+    std::vector<LunEntry> entries;
+    Bytes rest = Part(Part(list, 0, LunListLength(list)), sizeof(LunListHead));
+    for (; rest.size() >= sizeof(LunAddress); rest = Part(rest, sizeof(LunAddress))) {
+        const auto address = Padded<LunAddress>(rest);
+        const uint64_t word = BigEndian(address.first);
+        const uint64_t method = word >> 14;
+        LunEntry entry;
+        entry.method = kMethods[method];
+        entry.address = HexDigits(BytesOf(address));
+        if (method == 0) {
+            entry.lun = word & 0xFF;
+        } else if (method == 1) {
+            entry.lun = word & 0x3FFF;
+        } else if (method == 2) {
+            entry.lun = word & 0x1F;  // behind bus and target
+        }
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,153 @@
+#include "vxmgr/flash/flash_image.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vxmgr {
+namespace {
+
+constexpr uint8_t kErasedByte = 0xFF;
+constexpr char kNvramMark[4] = {'K', 'P', 'U', ' '};
+constexpr size_t kClassicNvram = 256;
+constexpr size_t kExtendedNvram = 512;
+
+// First tag of vital product data (PCI Local Bus): a large resource, the identifier string.
+#pragma pack(push, 1)
+struct VpdHead {
+    uint8_t tag;  // kIdentifierTag
+    uint16_t length;
+};
+#pragma pack(pop)
+static_assert(sizeof(VpdHead) == 3);
+constexpr uint8_t kIdentifierTag = 0x82;
+
+struct KindRow {
+    ImageKind kind;
+    const char* key;
+    const char* name;
+};
+constexpr KindRow kKinds[] = {
+    {ImageKind::Unknown, "unknown", "unknown data"}, {ImageKind::Erased, "erased", "erased flash"},
+    {ImageKind::BootCode, "boot_code", "boot code"}, {ImageKind::Firmware, "firmware", "firmware"},
+    {ImageKind::Nvram, "nvram", "settings (NVRAM)"}, {ImageKind::Vpd, "vpd", "product data (VPD)"},
+};
+
+constexpr const KindRow& RowOf(ImageKind kind) {
+    return kKinds[static_cast<size_t>(kind)];
+}
+static_assert(RowOf(ImageKind::Vpd).kind == ImageKind::Vpd);
+
+bool BeginsNvram(Bytes bytes) {
+    return bytes.size() >= kClassicNvram &&
+           std::equal(std::begin(kNvramMark), std::end(kNvramMark), bytes.begin());
+}
+
+bool BeginsVpd(Bytes bytes) {
+    const auto head = Padded<VpdHead>(bytes);
+    return bytes.size() > sizeof head && head.tag == kIdentifierTag && head.length != 0 &&
+           head.length < bytes.size() - sizeof head;
+}
+
+bool IsErased(Bytes bytes) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](uint8_t byte) { return byte == kErasedByte; });
+}
+
+struct StartRow {
+    ImageKind kind;
+    bool (*begins)(Bytes bytes);
+};
+constexpr StartRow kStarts[] = {
+    {ImageKind::Erased, IsErased},         {ImageKind::BootCode, BeginsRom},
+    {ImageKind::Nvram, BeginsNvram},       {ImageKind::Vpd, BeginsVpd},
+    {ImageKind::Firmware, BeginsFirmware},
+};
+
+ImageKind KindOf(Bytes bytes) {
+    for (const StartRow& row : kStarts) {
+        if (!bytes.empty() && row.begins(bytes)) {
+            return row.kind;
+        }
+    }
+    return ImageKind::Unknown;
+}
+
+void AddChip(ImageInfo& info, uint16_t device) {
+    if (std::find(info.chips.begin(), info.chips.end(), device) == info.chips.end()) {
+        info.chips.push_back(device);
+    }
+}
+
+void InspectBoot(Bytes bytes, ImageInfo& info) {
+    info.boot = DecodeRomChain(bytes);
+    info.problem = info.boot.problem;
+    for (size_t i = 0; i < info.boot.images.size(); ++i) {
+        const RomImage& image = info.boot.images[i];
+        info.vendorId = image.vendorId;
+        for (const uint16_t device : image.devices) {
+            AddChip(info, device);
+        }
+        if (image.checksum == Sum::Bad && info.problem.empty()) {
+            info.problem = "the checksum of image " + std::to_string(i + 1) + " (" +
+                           CodeTypeName(image.codeType) + ") is wrong";
+        }
+    }
+    if (const RomImage* bios = info.boot.Bios()) {
+        info.version = bios->version;
+    }
+}
+
+void InspectFirmware(Bytes bytes, ImageInfo& info) {
+    info.firmware = DecodeFirmware(bytes);
+    info.problem = info.firmware.problem;
+    info.version = info.firmware.version;
+    if (info.firmware.deviceId) {
+        AddChip(info, *info.firmware.deviceId);
+    }
+}
+
+// Little-endian words that add up to 0. Blocks of older chips are summed in ways of their own.
+void InspectNvram(Bytes bytes, ImageInfo& info) {
+    if (bytes.size() < kExtendedNvram) {
+        return;
+    }
+    uint32_t sum = 0;
+    for (size_t at = 0; at < kExtendedNvram; at += sizeof sum) {
+        sum += Padded<uint32_t>(Part(bytes, at));
+    }
+    if (sum != 0) {
+        info.problem = "the checksum of the settings is wrong";
+    }
+}
+
+}  // namespace
+
+const char* KindName(ImageKind kind) {
+    return RowOf(kind).name;
+}
+
+const char* KindKey(ImageKind kind) {
+    return RowOf(kind).key;
+}
+
+ImageInfo InspectImage(Bytes bytes) {
+    ImageInfo info;
+    info.kind = KindOf(bytes);
+    info.size = bytes.size();
+    switch (info.kind) {
+        case ImageKind::BootCode:
+            InspectBoot(bytes, info);
+            break;
+        case ImageKind::Firmware:
+            InspectFirmware(bytes, info);
+            break;
+        case ImageKind::Nvram:
+            InspectNvram(bytes, info);
+            break;
+        default:
+            break;
+    }
+    return info;
+}
+
+}  // namespace vxmgr

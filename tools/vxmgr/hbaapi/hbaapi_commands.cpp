@@ -1,0 +1,111 @@
+// hbaapi list|show: what a program gets that knows the standard HBA API alone. Nothing of the
+// management API is used here.
+#include "vxmgr/hbaapi/hbaapi_commands.h"
+
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/hbaapi/hbaapi_library.h"
+#include "vxmgr/hbaapi/hbaapi_records.h"
+#include "vxmgr/hbaapi/hbaapi_texts.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Record;
+
+tools::Identity IdentityOf(const HbaAdapter& adapter) {
+    tools::Identity identity;
+    identity.index = adapter.index;
+    identity.serial = HbaSerial(adapter);
+    const HBA_PORTATTRIBUTES& port = adapter.port.record;
+    if (adapter.port.Holds()) {
+        identity.names = {tools::Wwn::Of(port.PortWWN.wwn), tools::Wwn::Of(port.NodeWWN.wwn)};
+        if (const auto scsiPort = ScsiPortOfDevice(port.OSDeviceName, sizeof port.OSDeviceName)) {
+            identity.scsiPorts.push_back(*scsiPort);
+        }
+    }
+    return identity;
+}
+
+// Here an adapter is a port: -a and -p choose among the same.
+std::vector<HbaAdapter> Selected(tools::Invocation& invocation, std::vector<HbaAdapter> adapters) {
+    for (const char* option : {"adapter", "port"}) {
+        std::vector<tools::Identity> identities;
+        for (const HbaAdapter& adapter : adapters) {
+            identities.push_back(IdentityOf(adapter));
+        }
+        std::vector<HbaAdapter> matching;
+        for (const size_t position : SelectPositions(invocation, option, identities)) {
+            matching.push_back(std::move(adapters[position]));
+        }
+        adapters = std::move(matching);
+    }
+    return adapters;
+}
+
+ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapter>& adapters) {
+    size_t failed = 0;
+    ExitCode first = ExitCode::Done;
+    for (const HbaAdapter& adapter : adapters) {
+        if (!adapter.Failed()) {
+            continue;
+        }
+        const auto failure = adapter.Failure();
+        const bool cannot = failure == HBA_STATUS_ERROR_NOT_SUPPORTED;
+        first = failed++ != 0 ? first : cannot ? ExitCode::NotSupported : ExitCode::Failed;
+        invocation.Add({tools::Severity::Error,
+                        adapter.name + (failure ? ": " + HbaStatusText(*failure)
+                                                : ": the adapter cannot be opened"),
+                        "`port show` asks the management API, which says more",
+                        "index:" + std::to_string(adapter.index),
+                        {}});
+    }
+    return failed != 0 && failed < adapters.size() ? ExitCode::Partial : first;
+}
+
+ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout layout,
+              Record (*recordOf)(const HbaAdapter&)) {
+    const auto file = OwnLibraryFile();
+    if (!file) {
+        invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program");
+    }
+    VendorLibrary library;
+    std::string error;
+    if (!library.Load(*file, &error)) {
+        invocation.Fail(ExitCode::Failed, error);
+    }
+    std::vector<HbaAdapter> adapters;
+    const HBA_UINT32 count = library.Api().GetNumberOfAdaptersHandler();
+    for (HBA_UINT32 index = 0; index < count; ++index) {
+        invocation.CheckStop();
+        HbaAdapter adapter = ReadHbaAdapter(library.Api(), index, HbaDepth::Attributes);
+        // It may have gone since it was counted.
+        if (adapter.named != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
+            adapters.push_back(std::move(adapter));
+        }
+    }
+    adapters = Selected(invocation, std::move(adapters));
+    std::vector<Record> records;
+    for (HbaAdapter& adapter : adapters) {
+        invocation.CheckStop();
+        if (depth == HbaDepth::Everything) {
+            adapter = ReadHbaAdapter(library.Api(), adapter.index, depth);
+        }
+        records.push_back(recordOf(adapter));
+    }
+    invocation.Result().AddList("adapters", "Adapters", layout, recordOf(HbaAdapter()),
+                                "No adapters.", std::move(records));
+    return ReportFailed(invocation, adapters);
+}
+
+}  // namespace
+
+ExitCode HbaList(tools::Invocation& invocation) {
+    return Show(invocation, HbaDepth::Attributes, tools::ListLayout::Table, HbaSummary);
+}
+
+ExitCode HbaShow(tools::Invocation& invocation) {
+    return Show(invocation, HbaDepth::Everything, tools::ListLayout::Sections, HbaDetail);
+}
+
+}  // namespace vxmgr

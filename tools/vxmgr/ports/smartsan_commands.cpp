@@ -1,0 +1,83 @@
+// smartsan get|on|off: the switch of the driver service, which all its adapters share.
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/ports/commands.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+// Any port of the driver reaches the switch: the first selected one that can be opened.
+Device OpenAnyPort(tools::Invocation& invocation) {
+    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<const Port*> selected = SelectPorts(invocation, ports);
+    if (selected.empty()) {
+        invocation.Fail(ExitCode::NotFound, "there is no port", "see `port list`");
+    }
+    HX_STATUS status = HXMGT_SUCCESS;
+    for (const Port* port : selected) {
+        Device device;
+        status = device.Open(port->index, TracePath(invocation));
+        if (status == HXMGT_SUCCESS) {
+            return device;
+        }
+    }
+    invocation.Fail(status, "no port can be opened", selected.back()->Object());
+}
+
+bool IsEnabled(tools::Invocation& invocation, const Device& device) {
+    uint8_t enabled = 0;
+    const HX_STATUS status = HXGetSmartSANStatusFC(device.Handle(), &enabled);
+    if (status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the SmartSAN switch cannot be read");
+    }
+    return enabled != 0;
+}
+
+ExitCode Switch(tools::Invocation& invocation, bool wanted) {
+    const Device device = OpenAnyPort(invocation);
+    const bool before = IsEnabled(invocation, device);
+    tools::Record& result = invocation.Result();
+    const bool needed = before != wanted;
+    if (needed && !invocation.DryRun()) {
+        const HX_STATUS status =
+            wanted ? HXEnableSmartSANFC(device.Handle()) : HXDisableSmartSANFC(device.Handle());
+        if (status != HXMGT_SUCCESS) {
+            invocation.Fail(status, "the SmartSAN switch cannot be written");
+        }
+        invocation.Changed();
+        invocation.AddPending(
+            {"driver", "driver_restart", "SmartSAN changes at the next start of the driver"});
+    }
+    const bool after = IsEnabled(invocation, device);
+    result.Add("enabled", "SmartSAN", OnOffValue(after));
+    result.Add("previous", "Before", OnOffValue(before));
+    if (!needed) {
+        invocation.Note("nothing to do");
+    } else if (invocation.DryRun()) {
+        invocation.Note(std::string("dry run: SmartSAN would be switched ") +
+                        (wanted ? "on" : "off"));
+    } else if (after != wanted) {
+        invocation.Fail(ExitCode::NotProven, "the switch was written, but does not read back");
+    }
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+ExitCode SmartSanGet(tools::Invocation& invocation) {
+    const Device device = OpenAnyPort(invocation);
+    invocation.Result().Add("enabled", "SmartSAN", OnOffValue(IsEnabled(invocation, device)));
+    return ExitCode::Done;
+}
+
+ExitCode SmartSanOn(tools::Invocation& invocation) {
+    return Switch(invocation, true);
+}
+
+ExitCode SmartSanOff(tools::Invocation& invocation) {
+    return Switch(invocation, false);
+}
+
+}  // namespace vxmgr

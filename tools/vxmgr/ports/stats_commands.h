@@ -1,0 +1,25 @@
+// port stats, port stats clear.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "common/command.h"
+#include "hxstatistics.h"
+#include "vxmgr/app/inventory.h"
+
+namespace vxmgr {
+
+std::span<const tools::Argument> PortStatsArguments();
+tools::ExitCode PortStats(tools::Invocation& invocation);
+tools::ExitCode PortStatsClear(tools::Invocation& invocation);
+
+// port stats, as rows that keep coming.
+tools::ExitCode PortStatsWatch(tools::Invocation& invocation);
+
+// A reading taken now; null statistics: there is none. reset: whether the counters were reset since
+// the reading before.
+tools::Record StatsRow(const Port& port, const HX_STATISTICS* statistics,
+                       std::optional<bool> reset);
+
+}  // namespace vxmgr

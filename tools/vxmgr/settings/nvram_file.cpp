@@ -1,0 +1,195 @@
+#include "vxmgr/settings/nvram_file.h"
+
+#include <filesystem>
+#include <random>
+#include <system_error>
+
+#include "common/console.h"
+#include "common/text.h"
+#include "vxmgr/app/files.h"
+#include "vxmgr/settings/nvram_document.h"
+#include "vxmgr/settings/nvram_text.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+constexpr size_t kLongestFile = size_t{1} << 20;
+constexpr uint32_t kKeepBlock = 0;  // mode of the library's reader: lines change the block at hand
+
+std::string_view TextOf(const std::vector<uint8_t>& bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+[[noreturn]] void Refuse(tools::Invocation& invocation, const std::string& path,
+                         const std::string& text) {
+    invocation.Fail(ExitCode::Refused, path + ": " + text, "nothing was changed");
+}
+
+// What a port keeps when it takes the settings of another one.
+void KeepIdentity(const PortNvram& own, std::vector<uint8_t>& block) {
+    for (const NvramVariable& variable : own.map.variables) {
+        if (variable.role == NvramRole::Identity) {
+            SetValue(block, variable, ValueOf(own.block, variable));
+        }
+    }
+    MakeChecksum(own.map.kind, block);
+}
+
+void CheckFit(tools::Invocation& invocation, const PortSession& session, const PortNvram& nvram,
+              const std::string& path, const NvramDocument& document) {
+    const uint16_t chip = session.port.chip ? session.port.chip->deviceId : uint16_t{0};
+    if (document.origin.chip != chip) {
+        Refuse(invocation, path,
+               "it is for chip " + tools::Hex(document.origin.chip, 4) + ", the port has " +
+                   tools::Hex(chip, 4));
+    }
+    if (document.block.size() != nvram.block.size()) {
+        Refuse(invocation, path,
+               "its block has " + std::to_string(document.block.size()) + " bytes, the port's " +
+                   std::to_string(nvram.block.size()));
+    }
+}
+
+void CheckOwner(tools::Invocation& invocation, const PortSession& session, const std::string& path,
+                const DocumentPort& origin) {
+    const bool own =
+        session.port.port && origin.portName == tools::Wwn::Of(session.port.port->portName);
+    if (!own) {
+        invocation.Fail(ExitCode::Refused,
+                        path + ": it is of port " + origin.portName.Colons() +
+                            ", serial:" + origin.serial + ", not of the selected one",
+                        "--as-port takes its settings; names and board IDs stay");
+    }
+}
+
+void CheckReadOnly(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
+                   const std::vector<uint8_t>& block) {
+    for (const NvramChange& change : DifferenceOf(nvram.map, nvram.block, block).changes) {
+        if (change.variable->readOnly) {
+            Refuse(invocation, path,
+                   change.variable->name + " differs, which is read-only on this chip family");
+        }
+    }
+}
+
+// A file that goes with the scope.
+class ScratchFile {
+  public:
+    ScratchFile() : path_(Folder() / Name()) {}
+    ~ScratchFile() {
+        std::error_code ignored;
+        std::filesystem::remove(path_, ignored);
+    }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    std::string Path() const {
+        const std::u8string text = path_.u8string();
+        return {text.begin(), text.end()};
+    }
+
+  private:
+    static std::filesystem::path Folder() {
+        std::error_code ignored;  // no such folder: the file cannot be written, which is reported
+        return std::filesystem::temp_directory_path(ignored);
+    }
+    static std::string Name() {
+        return "vxmgr-" + std::to_string(std::random_device()()) + ".nvram";
+    }
+
+    std::filesystem::path path_;
+};
+
+// The library's own text of the block, which shows the names that it knows.
+std::string ModelText(tools::Invocation& invocation, const PortNvram& nvram) {
+    const ScratchFile model;
+    SaveNvramText(invocation, nvram, model.Path());
+    return std::string(TextOf(LoadFile(invocation, model.Path(), kLongestFile)));
+}
+
+std::vector<uint8_t> ReadText(tools::Invocation& invocation, const PortNvram& nvram,
+                              const std::string& path, bool withReadOnly) {
+    std::vector<uint8_t> block = nvram.block;
+    if (ReadNVRamFile(tools::console::ToSystemCodePage(path).c_str(), block.data(), kKeepBlock,
+                      withReadOnly ? 1 : 0) == 0) {
+        invocation.Fail(ExitCode::Failed, path + " cannot be read");
+    }
+    return block;
+}
+
+// Read-only variables keep their values in a block that is to be written.
+std::vector<uint8_t> BlockOfText(tools::Invocation& invocation, const PortNvram& nvram,
+                                 const std::string& path, FileUse use) {
+    std::vector<uint8_t> asked = ReadText(invocation, nvram, path, true);
+    if (use == FileUse::Compare) {
+        return asked;
+    }
+    std::vector<uint8_t> block = ReadText(invocation, nvram, path, false);
+    std::string kept;
+    for (const NvramChange& change : DifferenceOf(nvram.map, block, asked).changes) {
+        kept += (kept.empty() ? "" : ", ") + change.variable->name;
+    }
+    if (!kept.empty()) {
+        invocation.Warn("read-only variables keep their values: " + kept);
+    }
+    MakeChecksum(nvram.map.kind, block);
+    return block;
+}
+
+std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortSession& session,
+                                     const PortNvram& nvram, const std::string& path,
+                                     std::string_view text, FileUse use) {
+    NvramDocument document = ReadNvramDocument(text, nvram.map);
+    CheckFit(invocation, session, nvram, path, document);
+    if (use == FileUse::Compare) {
+        return std::move(document.block);
+    }
+    if (invocation.Given().Has("as-port")) {
+        KeepIdentity(nvram, document.block);
+    } else {
+        CheckOwner(invocation, session, path, document.origin.port);
+    }
+    CheckReadOnly(invocation, nvram, path, document.block);
+    return std::move(document.block);
+}
+
+}  // namespace
+
+std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortSession& session,
+                                   const PortNvram& nvram, FileUse use) {
+    const std::string path = invocation.Given().Text("FILE");
+    const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestFile);
+    try {
+        if (LooksLikeDocument(TextOf(bytes))) {
+            return BlockOfDocument(invocation, session, nvram, path, TextOf(bytes), use);
+        }
+        if (nvram.map.kind != NvramKind::Classic) {
+            throw DocumentError{"it is no document, and this chip's blocks have no text form"};
+        }
+        if (use == FileUse::Write && !IsSound(nvram.map.kind, nvram.block)) {
+            throw DocumentError{
+                "a text does not hold the whole block, and the port's own is damaged"};
+        }
+        CheckNvramText(TextOf(bytes), ModelText(invocation, nvram));
+        return BlockOfText(invocation, nvram, path, use);
+    } catch (const DocumentError& error) {
+        Refuse(invocation, path, error.text);
+    }
+}
+
+void SaveNvramText(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path) {
+    if (nvram.map.kind != NvramKind::Classic) {
+        invocation.Fail(ExitCode::NotSupported, "this chip's blocks have no text form",
+                        "leave out --text: the document has every variable");
+    }
+    ReplaceFile(invocation, path, [&](const std::string& temporary) {
+        if (WriteNVRamFile(nvram.block.data(),
+                           tools::console::ToSystemCodePage(temporary).c_str()) == 0) {
+            invocation.Fail(ExitCode::Failed, path + " cannot be written", "is the disk full?");
+        }
+    });
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,117 @@
+#include "vxmgr/settings/nvram_port.h"
+
+#include <algorithm>
+#include <set>
+
+#include "common/status_codes.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+constexpr uint32_t kLargestRegion = 65536;
+
+// What setting all bits of a variable changes in an empty block.
+std::optional<BitField> LearnField(uint32_t handle, uint32_t number) {
+    uint8_t block[HX_NVRAM_EXTENDED_BYTES] = {};
+    // A failure changes nothing; its status would read as a value.
+    HXSetVariableValue(handle, block, number, UINT32_MAX);
+    const auto field = FieldOfOnes(block);
+    NvramVariable variable;
+    variable.field = field;
+    return field && HXGetVariableValue(handle, block, number) == variable.Most() ? field
+                                                                                 : std::nullopt;
+}
+
+// The library tells that a region is larger than the room, not how large: one of the layout's sizes
+// it is.
+HX_STATUS ReadExtended(uint32_t handle, std::vector<uint8_t>* block) {
+    block->assign(HX_NVRAM_EXTENDED_BYTES, 0);
+    HX_STATUS status =
+        HXGetNVRam(handle, 0, HX_NVRAM_BLOCK, block->data(), HX_NVRAM_EXTENDED_BYTES);
+    FlashLayout layout;
+    if (status != HXMGT_BUFFER_TOO_SMALL || QueryFlashLayout(handle, &layout) != HXMGT_SUCCESS) {
+        return status;
+    }
+    std::set<uint32_t> sizes;
+    for (const FlashRegion& region : layout.regions) {
+        if (region.size > HX_NVRAM_EXTENDED_BYTES && region.size <= kLargestRegion) {
+            sizes.insert(region.size);
+        }
+    }
+    for (const uint32_t size : sizes) {
+        block->assign(size, 0);
+        status = HXGetNVRam(handle, 0, HX_NVRAM_BLOCK, block->data(), size);
+        if (status != HXMGT_BUFFER_TOO_SMALL) {
+            return status;
+        }
+    }
+    return status;
+}
+
+void MarkReadOnly(NvramMap& map, const std::vector<uint8_t>& block) {
+    if (map.kind != NvramKind::Classic) {
+        return;  // the families with read-only variables have classic blocks
+    }
+    for (NvramVariable& variable : map.variables) {
+        variable.readOnly = HXIsVariableReadOnly(block.data(), variable.number) != 0;
+    }
+}
+
+}  // namespace
+
+NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& session) {
+    NvramMap map;
+    for (uint32_t number = 0; number < HX_NVRAM_VARIABLES; ++number) {
+        auto variable = DescribedVariable(number, HXGetVariableDescription(0, number));
+        if (!variable) {
+            continue;
+        }
+        variable->field = LearnField(session.Handle(), number);
+        const bool beyond = variable->field && variable->field->first / 8 >= HX_NVRAM_CLASSIC_BYTES;
+        map.kind = beyond ? NvramKind::Extended : map.kind;
+        map.variables.push_back(std::move(*variable));
+    }
+    const bool any = std::any_of(map.variables.begin(), map.variables.end(),
+                                 [](const NvramVariable& v) { return v.field.has_value(); });
+    if (!any) {
+        invocation.Fail(ExitCode::NotSupported, "the library knows no NVRAM variable of this chip",
+                        "its PCI identity may not be readable: see `port show`");
+    }
+    return map;
+}
+
+HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint8_t>* block) {
+    if (kind == NvramKind::Extended) {
+        return ReadExtended(session.Handle(), block);
+    }
+    block->assign(HX_NVRAM_CLASSIC_BYTES, 0);
+    return HXGetNVRam(session.Handle(), 0, HX_NVRAM_BLOCK, block->data(), HX_NVRAM_CLASSIC_BYTES);
+}
+
+PortNvram ReadNvram(tools::Invocation& invocation, const PortSession& session, bool otherBank) {
+    PortNvram nvram;
+    nvram.map = LearnVariables(invocation, session);
+    nvram.bank = otherBank ? RequireOtherBank(invocation, session, Settings::Nvram)
+                           : FindOtherBank(invocation, session, Settings::Nvram);
+    nvram.fromOther = otherBank;
+    const HX_STATUS status = otherBank ? ReadBank(session, *nvram.bank, &nvram.block)
+                                       : ReadBlock(session, nvram.map.kind, &nvram.block);
+    if (status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the NVRAM cannot be read", session.port.Object());
+    }
+    if (nvram.block.size() < BlockBytes(nvram.map.kind)) {
+        invocation.Fail(ExitCode::NotSupported, "the NVRAM is smaller than a block of this chip");
+    }
+    MarkReadOnly(nvram.map, nvram.block);
+    return nvram;
+}
+
+tools::Value BankValue(const PortNvram& nvram) {
+    return nvram.bank
+               ? tools::Value::Text(nvram.fromOther ? nvram.bank->Name() : nvram.bank->NameInUse())
+               : tools::Value();
+}
+
+}  // namespace vxmgr

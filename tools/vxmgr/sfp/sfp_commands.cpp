@@ -1,0 +1,115 @@
+// sfp show, sfp dump.
+#include "vxmgr/sfp/sfp_commands.h"
+
+#include "vxmgr/app/values.h"
+#include "vxmgr/sfp/sfp_port.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::Argument;
+using tools::ArgumentKind;
+using tools::ExitCode;
+using tools::ListLayout;
+using tools::Record;
+using tools::Tone;
+using tools::Value;
+
+constexpr const char* kPageChoices[] = {kSfpPages[0].name, kSfpPages[1].name, "all"};
+constexpr Argument kDumpArguments[] = {
+    {"--page", ArgumentKind::Text, "PAGE", "a0 (identity), a2 (diagnostics) or all (all)", false,
+     false, kPageChoices},
+};
+
+// Null without diagnostics.
+Record StatusRecord(const std::optional<SfpReadings>& readings) {
+    Record record;
+    const auto add = [&](const char* key, const char* label, bool SfpReadings::*flag, bool good) {
+        const bool set = readings && (*readings).*flag;
+        record.Add(key, label,
+                   readings ? Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad) : Value());
+    };
+    add("tx_disabled", "Transmitter off", &SfpReadings::transmitDisabled, false);
+    add("tx_fault", "Transmitter fault", &SfpReadings::transmitFault, false);
+    add("rx_lost", "Signal lost", &SfpReadings::signalLost, false);
+    add("ready", "Ready", &SfpReadings::ready, true);
+    add("checksum_good", "Good checksum", &SfpReadings::checksumHolds, true);
+    return record;
+}
+
+Record ModuleRecord(const Port& port, const SfpModule& module) {
+    Record record;
+    record.title = "Transceiver of port " + std::to_string(port.index);
+    record.Add("port", "Port", Value::Number(port.index), "PORT");
+    record.Add("adapter_serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
+    const Record identity = SfpIdentityRecord(module.identity);
+    record.AddGroup("identity", "Identity", identity);
+    std::vector<Record> rows;
+    std::optional<SfpReadings> readings;
+    std::string trouble;
+    if (module.diagnostics) {
+        readings = ReadDiagnostics(module.identity, *module.diagnostics);
+        rows = ReadingRows(*readings);
+        trouble = TroubleText(*readings);
+    }
+    record.Add("trouble", "Trouble",
+               readings ? Value::Text(trouble).Shown(trouble.empty() ? "none" : trouble) : Value());
+    record.AddGroup("flags", "State", StatusRecord(readings));
+    record.AddList("readings", "Readings", ListLayout::Table,
+                   ReadingRow(SfpQuantity::Temperature, {}), "no diagnostics", std::move(rows));
+    return record;
+}
+
+}  // namespace
+
+std::span<const Argument> SfpDumpArguments() {
+    return kDumpArguments;
+}
+
+ExitCode SfpShow(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Record> rows;
+    const ExitCode exit = ForEachSfpPort(
+        invocation, ports, [&](const Port& port, Device& device, std::string* failedQuery) {
+            SfpModule module;
+            const HX_STATUS status = ReadSfpModule(device.Handle(), &module);
+            if (status != HXMGT_SUCCESS) {
+                return status;
+            }
+            rows.push_back(ModuleRecord(port, module));
+            *failedQuery = "the diagnostics cannot be read";
+            return module.diagnosticsStatus;
+        });
+    invocation.Result().AddList("transceivers", "Transceivers", ListLayout::Sections,
+                                ModuleRecord({}, {}), "no transceivers", std::move(rows));
+    return exit;
+}
+
+ExitCode SfpDump(tools::Invocation& invocation) {
+    const std::string wanted = invocation.Given().Text("page", "all");
+    const PortSession session = OpenSelectedPort(invocation);
+    Record& result = invocation.Result();
+    result.Add("port", "Port", Value::Number(session.port.index));
+    for (const SfpPage& page : kSfpPages) {
+        if (wanted != "all" && wanted != page.name) {
+            continue;
+        }
+        uint8_t bytes[kSfpPageBytes] = {};
+        uint16_t deviceStatus = 0;
+        const HX_STATUS status = ReadSfp(session.Handle(), page, 0, bytes, &deviceStatus);
+        if (status != HXMGT_SUCCESS) {
+            invocation.Fail(status,
+                            std::string("page ") + page.name + " cannot be read (device status " +
+                                std::to_string(deviceStatus) + ")",
+                            session.port.Object());
+        }
+        if (invocation.Names().Enabled()) {
+            invocation.Note("with --redact the data is left out");
+        } else {
+            AddHexRows(result, page.name, std::string("Page ") + page.name, bytes);
+        }
+    }
+    return ExitCode::Done;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,258 @@
+#include "vxmgr/sfp/sfp_diagnostics.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <numeric>
+#include <utility>
+
+namespace vxmgr {
+namespace {
+
+using tools::Record;
+using tools::Tone;
+using tools::Value;
+
+struct QuantityRow {
+    const char* key;
+    const char* name;
+    const char* unit;
+    int decimals;
+    double scale;  // of one count
+    bool isSigned;
+};
+constexpr QuantityRow kQuantities[kSfpQuantities] = {
+    {"temperature", "temperature", "\u00b0C", 2, 1.0 / 256, true},
+    {"voltage", "supply voltage", "V", 4, 0.0001, false},
+    {"bias", "laser bias", "mA", 3, 0.002, false},
+    {"tx_power", "sent power", "mW", 4, 0.0001, false},
+    {"rx_power", "received power", "mW", 4, 0.0001, false},
+};
+
+const QuantityRow& RowOf(SfpQuantity quantity) {
+    return kQuantities[static_cast<size_t>(quantity)];
+}
+
+struct StateRow {
+    const char* name;
+    const char* shown;
+    Tone tone;
+};
+constexpr StateRow kStates[] = {
+    {"normal", "normal", Tone::Good},
+    {"low_warning", "low warning", Tone::Warning},
+    {"high_warning", "high warning", Tone::Warning},
+    {"low_alarm", "low alarm", Tone::Bad},
+    {"high_alarm", "high alarm", Tone::Bad},
+};
+
+constexpr uint8_t kTransmitDisabled = 0x80 | 0x40;  // by the pin, by software
+constexpr uint8_t kTransmitFault = 0x04;
+constexpr uint8_t kSignalLost = 0x02;
+constexpr uint8_t kNotReady = 0x01;
+
+using Word = uint8_t[2];
+
+int32_t SignedOf(const Word& word) {
+    return static_cast<int16_t>(BigEndian(word));
+}
+
+double FloatOf(const uint8_t (&bytes)[4]) {
+    return std::bit_cast<float>(static_cast<uint32_t>(BigEndian(bytes)));
+}
+
+std::optional<double> Finite(double value) {
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+double Linear(const uint8_t (&calibration)[2][2], double count) {
+    return static_cast<double>(BigEndian(calibration[0])) / 256 * count + SignedOf(calibration[1]);
+}
+
+// The count as an internally calibrated module would give it.
+double Calibrated(const SfpDiagnostics& page, SfpQuantity quantity, double count) {
+    switch (quantity) {
+        case SfpQuantity::Temperature:
+            return Linear(page.temperature, count);
+        case SfpQuantity::Voltage:
+            return Linear(page.voltage, count);
+        case SfpQuantity::Bias:
+            return Linear(page.bias, count);
+        case SfpQuantity::SentPower:
+            return Linear(page.sentPower, count);
+        case SfpQuantity::ReceivedPower:
+            break;
+    }
+    double power = 0;
+    for (const auto& coefficient : page.receivedPower) {
+        power = power * count + FloatOf(coefficient);
+    }
+    return power;
+}
+
+class Reader {
+  public:
+    Reader(const SfpIdentity& identity, const SfpDiagnostics& page)
+        : identity_(identity), page_(page) {}
+
+    SfpReading Read(SfpQuantity quantity) const {
+        const auto& limits = page_.limits[static_cast<size_t>(quantity)];
+        SfpReading reading;
+        reading.value = Measure(quantity, page_.values[static_cast<size_t>(quantity)]);
+        reading.highAlarm = Measure(quantity, limits[0]);
+        reading.lowAlarm = Measure(quantity, limits[1]);
+        reading.highWarning = Measure(quantity, limits[2]);
+        reading.lowWarning = Measure(quantity, limits[3]);
+        reading.state = identity_.HasAlarmFlags() ? Flagged(quantity) : Compared(reading);
+        return reading;
+    }
+
+  private:
+    std::optional<double> Measure(SfpQuantity quantity, const Word& word) const {
+        const QuantityRow& row = RowOf(quantity);
+        double count = row.isSigned ? SignedOf(word) : static_cast<double>(BigEndian(word));
+        if (identity_.ExternallyCalibrated()) {
+            count = Calibrated(page_, quantity, count);
+        }
+        // A calibration may lead below nothing where the light is out.
+        return Finite((row.isSigned ? count : std::max(count, 0.0)) * row.scale);
+    }
+
+    SfpState Flagged(SfpQuantity quantity) const {
+        const uint32_t high = 0x8000u >> 2 * static_cast<uint32_t>(quantity);
+        const auto alarms = static_cast<uint32_t>(BigEndian(page_.alarms));
+        const auto warnings = static_cast<uint32_t>(BigEndian(page_.warnings));
+        return (alarms & high) != 0          ? SfpState::HighAlarm
+               : (alarms & high >> 1) != 0   ? SfpState::LowAlarm
+               : (warnings & high) != 0      ? SfpState::HighWarning
+               : (warnings & high >> 1) != 0 ? SfpState::LowWarning
+                                             : SfpState::Normal;
+    }
+
+    static SfpState Compared(const SfpReading& reading) {
+        // Limits that are all the same were never set.
+        if (reading.highAlarm == reading.lowAlarm) {
+            return SfpState::Normal;
+        }
+        const auto& value = reading.value;
+        return value && reading.highAlarm && *value > *reading.highAlarm ? SfpState::HighAlarm
+               : value && reading.lowAlarm && *value < *reading.lowAlarm ? SfpState::LowAlarm
+               : value && reading.highWarning && *value > *reading.highWarning
+                   ? SfpState::HighWarning
+               : value && reading.lowWarning && *value < *reading.lowWarning ? SfpState::LowWarning
+                                                                             : SfpState::Normal;
+    }
+
+    const SfpIdentity& identity_;
+    const SfpDiagnostics& page_;
+};
+
+bool IsPower(SfpQuantity quantity) {
+    return quantity == SfpQuantity::SentPower || quantity == SfpQuantity::ReceivedPower;
+}
+
+}  // namespace
+
+bool ChecksumHolds(const SfpDiagnostics& page) {
+    const Bytes summed = Part(BytesOf(page), 0, offsetof(SfpDiagnostics, checksum));
+    return static_cast<uint8_t>(std::accumulate(summed.begin(), summed.end(), 0u)) == page.checksum;
+}
+
+const char* NameOf(SfpState state) {
+    return kStates[static_cast<size_t>(state)].name;
+}
+
+SfpReadings ReadDiagnostics(const SfpIdentity& identity, const SfpDiagnostics& page) {
+    const Reader reader(identity, page);
+    SfpReadings readings;
+    for (size_t i = 0; i < kSfpQuantities; ++i) {
+        readings.quantities[i] = reader.Read(static_cast<SfpQuantity>(i));
+    }
+    readings.transmitDisabled = (page.status & kTransmitDisabled) != 0;
+    readings.transmitFault = (page.status & kTransmitFault) != 0;
+    readings.signalLost = (page.status & kSignalLost) != 0;
+    readings.ready = (page.status & kNotReady) == 0;
+    readings.checksumHolds = ChecksumHolds(page);
+    return readings;
+}
+
+std::string DecimalText(double value, int decimals) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
+}
+
+std::string DecibelText(double milliwatts) {
+    return milliwatts > 0 ? DecimalText(10 * std::log10(milliwatts), 2) : std::string();
+}
+
+Value ReadingValue(SfpQuantity quantity, const std::optional<double>& value) {
+    if (!value) {
+        return {};
+    }
+    const QuantityRow& row = RowOf(quantity);
+    const std::string text = DecimalText(*value, row.decimals);
+    return Value::Text(text).Shown(text + " " + row.unit);
+}
+
+Value DecibelValue(const std::optional<double>& milliwatts) {
+    const std::string text = milliwatts ? DecibelText(*milliwatts) : std::string();
+    return text.empty() ? Value() : Value::Text(text).Shown(text + " dBm");
+}
+
+Value StateValue(SfpState state) {
+    const StateRow& row = kStates[static_cast<size_t>(state)];
+    return Value::Text(row.name).Shown(row.shown).In(row.tone);
+}
+
+Record ReadingRow(SfpQuantity quantity, const SfpReading& reading) {
+    const QuantityRow& names = RowOf(quantity);
+    const auto value = [&](const std::optional<double>& number) {
+        return ReadingValue(quantity, number);
+    };
+    Record row;
+    row.Add("quantity", "Quantity", Value::Text(names.key).Shown(names.name), "QUANTITY");
+    row.Add("unit", "Unit", Value::Text(names.unit));
+    row.Add("value", "Value", value(reading.value), "VALUE");
+    row.Add("dbm", "dBm", IsPower(quantity) ? DecibelValue(reading.value) : Value(), "POWER");
+    row.Add("state", "State", StateValue(reading.state), "STATE");
+    row.Add("low_alarm", "Low alarm", value(reading.lowAlarm), "LOW ALARM");
+    row.Add("low_warning", "Low warning", value(reading.lowWarning), "LOW WARNING");
+    row.Add("high_warning", "High warning", value(reading.highWarning), "HIGH WARNING");
+    row.Add("high_alarm", "High alarm", value(reading.highAlarm), "HIGH ALARM");
+    return row;
+}
+
+std::vector<Record> ReadingRows(const SfpReadings& readings) {
+    std::vector<Record> rows;
+    for (size_t i = 0; i < kSfpQuantities; ++i) {
+        rows.push_back(ReadingRow(static_cast<SfpQuantity>(i), readings.quantities[i]));
+    }
+    return rows;
+}
+
+std::string TroubleText(const SfpReadings& readings) {
+    std::string text;
+    const auto add = [&](const std::string& what) { text += (text.empty() ? "" : ", ") + what; };
+    for (size_t i = 0; i < kSfpQuantities; ++i) {
+        const SfpState state = readings.quantities[i].state;
+        if (state != SfpState::Normal) {
+            add(std::string(kQuantities[i].name) + " " + kStates[static_cast<size_t>(state)].shown);
+        }
+    }
+    const std::pair<bool, const char*> kFlags[] = {
+        {readings.transmitDisabled, "transmitter off"},
+        {readings.transmitFault, "transmitter fault"},
+        {readings.signalLost, "signal lost"},
+        {!readings.ready, "not ready"},
+    };
+    for (const auto& [set, what] : kFlags) {
+        if (set) {
+            add(what);
+        }
+    }
+    return text;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,78 @@
+#include "vxmgr/sfp/sfp_port.h"
+
+#include "common/status_codes.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+constexpr uint16_t kNoOptions = 0;
+
+bool IsUnsupported(HX_STATUS status) {
+    return tools::ExitCodeOf(status) == ExitCode::NotSupported;
+}
+
+}  // namespace
+
+const SfpPage& SfpPageOf(const std::string& name) {
+    for (const SfpPage& page : kSfpPages) {
+        if (name == page.name) {
+            return page;
+        }
+    }
+    return kSfpPages[0];
+}
+
+HX_STATUS ReadSfp(uint32_t handle, const SfpPage& page, size_t offset, std::span<uint8_t> bytes,
+                  uint16_t* deviceStatus) {
+    return HXReadSFPData(handle, 0, page.device, bytes.data(), static_cast<uint16_t>(bytes.size()),
+                         static_cast<uint16_t>(offset), kNoOptions, deviceStatus);
+}
+
+HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module) {
+    *module = {};
+    const auto read = [&](const SfpPage& page, auto& record) {
+        return ReadSfp(handle, page, 0, {reinterpret_cast<uint8_t*>(&record), sizeof record});
+    };
+    const HX_STATUS status = read(kSfpPages[0], module->identity);
+    if (status != HXMGT_SUCCESS || !module->Reachable()) {
+        return status;
+    }
+    SfpDiagnostics diagnostics;
+    module->diagnosticsStatus = read(kSfpPages[1], diagnostics);
+    if (module->diagnosticsStatus == HXMGT_SUCCESS) {
+        module->diagnostics = diagnostics;
+    }
+    return HXMGT_SUCCESS;
+}
+
+ExitCode ForEachSfpPort(tools::Invocation& invocation, std::vector<Port>& ports,
+                        const UseSfpPort& use) {
+    const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
+    std::vector<const Port*> counted;
+    for (const Port* selected : SelectPorts(invocation, ports)) {
+        invocation.CheckStop();
+        Port& port = ports[selected->index];
+        Device device;
+        std::string failedQuery = "open";
+        HX_STATUS status = device.Open(port.index, TracePath(invocation));
+        if (status == HXMGT_SUCCESS) {
+            failedQuery = "the transceiver cannot be read";
+            status = use(port, device, &failedQuery);
+        }
+        if (IsUnsupported(status) && !chosen) {
+            invocation.Note("port " + std::to_string(port.index) +
+                            " is left out: its driver does not reach the transceiver");
+            continue;
+        }
+        if (status != HXMGT_SUCCESS) {
+            port.failure = status;
+            port.failedQuery = failedQuery;
+        }
+        counted.push_back(&port);
+    }
+    return ReportFailures(invocation, counted);
+}
+
+}  // namespace vxmgr

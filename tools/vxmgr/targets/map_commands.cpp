@@ -1,0 +1,245 @@
+// map target|volume|disk: from the targets to what the operating system makes of them, and back.
+#include "vxmgr/targets/map_commands.h"
+
+#include <functional>
+#include <vector>
+
+#include "common/console.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/bindings/bind_document.h"
+#include "vxmgr/fabric/scsi_target.h"
+#include "vxmgr/targets/map_units.h"
+#include "vxmgr/targets/target_reported.h"
+#include "vxmgr/targets/target_select.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::Argument;
+using tools::ArgumentKind;
+using tools::ExitCode;
+using tools::Record;
+
+constexpr Argument kTargetArguments[] = {
+    {"TARGET", ArgumentKind::Text, "", "wwn:NAME, id:0xDDAAPP, BUS:TARGET, or all", true},
+};
+constexpr Argument kVolumeArguments[] = {
+    {"VOLUME", ArgumentKind::Text, "",
+     "a drive (E:), a folder that a volume is mounted at, or a volume's own name", true},
+};
+constexpr Argument kDiskArguments[] = {
+    {"DISK", ArgumentKind::Text, "", "a disk: N or PhysicalDriveN", true},
+};
+
+MapPort PortOf(const Port& port) {
+    return {port.index, port.scsiPort, port.Serial(), StatusValue(port.failure)};
+}
+
+// Collects the units of each selected port; a port that fails has a row of its own.
+class Mapper {
+  public:
+    using Collect =
+        std::function<HX_STATUS(const Port& port, uint32_t handle, std::vector<MappedUnit>* units)>;
+
+    explicit Mapper(tools::Invocation& invocation)
+        : invocation_(invocation), ports_(ReadPorts(invocation)) {}
+
+    void Run(const Collect& collect) {
+        for (const Port* selected : SelectPorts(invocation_, ports_)) {
+            invocation_.CheckStop();
+            Port& port = ports_[selected->index];
+            std::vector<MappedUnit> units;
+            Device device;
+            HX_STATUS status = device.Open(port.index, TracePath(invocation_));
+            if (status == HXMGT_SUCCESS) {
+                status = collect(port, device.Handle(), &units);
+            }
+            port.failure = status;
+            port.failedQuery = device.IsOpen() ? "mapping" : "open";
+            asked_.push_back(&port);
+            Add(port, units);
+        }
+    }
+
+    ExitCode Finish() {
+        invocation_.Result().AddList("units", "Logical units", tools::ListLayout::Table,
+                                     MapRow({}, nullptr, nullptr), "no logical units",
+                                     std::move(rows_));
+        return ReportFailures(invocation_, asked_);
+    }
+
+    bool Found() const { return found_; }
+
+  private:
+    void Add(const Port& port, const std::vector<MappedUnit>& units) {
+        for (const MappedUnit& unit : units) {
+            found_ = true;
+            for (Record& row : MapRows(PortOf(port), unit)) {
+                rows_.push_back(std::move(row));
+            }
+        }
+        if (port.failure != HXMGT_SUCCESS) {
+            rows_.push_back(MapRow(PortOf(port), nullptr, nullptr));
+        }
+    }
+
+    tools::Invocation& invocation_;
+    std::vector<Port> ports_;
+    std::vector<const Port*> asked_;
+    std::vector<Record> rows_;
+    bool found_ = false;
+};
+
+// Visits the units of a target, in order of their LUNs, until the visitor has seen enough.
+using VisitUnit = std::function<bool(MappedUnit& unit)>;
+HX_STATUS VisitUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
+                     const KnownTarget& target, const VisitUnit& visit) {
+    if (!target.present) {
+        return HXMGT_SUCCESS;
+    }
+    const LunSet luns =
+        ReportedLuns(invocation, port, handle, target.PortName()).value_or(LunSet());
+    for (uint16_t lun = 0; lun < luns.size(); ++lun) {
+        if (!luns[lun]) {
+            continue;
+        }
+        invocation.CheckStop();
+        MappedUnit unit;
+        unit.portName = target.PortName();
+        unit.nodeName = target.NodeName();
+        unit.portId = PortIdOf(target.record.portId);
+        unit.bus = target.record.bus;
+        unit.target = target.record.target;
+        unit.lun = lun;
+        HX_SCSI_ADDRESS address = AddressByPortName(target.PortName());
+        address.lun = lun;
+        const HX_STATUS status = ReadDevice(handle, address, &unit);
+        if (status != HXMGT_SUCCESS || visit(unit)) {
+            return status;
+        }
+    }
+    return HXMGT_SUCCESS;
+}
+
+// The path in the library's interface; folders may have names beyond ASCII.
+std::string GivenVolume(tools::Invocation& invocation) {
+    return tools::console::ToSystemCodePage(invocation.Given().Text("VOLUME"));
+}
+
+std::string DisksText(const std::vector<uint32_t>& disks) {
+    std::string text;
+    for (const uint32_t disk : disks) {
+        text += (text.empty() ? "PhysicalDrive" : ", PhysicalDrive") + std::to_string(disk);
+    }
+    return text;
+}
+
+}  // namespace
+
+std::span<const Argument> MapTargetArguments() {
+    return kTargetArguments;
+}
+
+ExitCode MapTarget(tools::Invocation& invocation) {
+    const std::string text = invocation.Given().Text("TARGET");
+    const bool all = text == "all";
+    HX_SCSI_ADDRESS address{};
+    std::string error;
+    if (!all && !ParseTarget(text, &address, &error)) {
+        invocation.Fail(ExitCode::Usage, text + ": " + error, "`target list` shows the targets");
+    }
+    Mapper mapper(invocation);
+    bool known = false;
+    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
+        std::vector<KnownTarget> targets;
+        HX_STATUS status = ReadKnownTargets(port, handle, &targets);
+        const KnownTarget* only = all ? nullptr : FindKnown(targets, address);
+        for (size_t i = 0; i < targets.size() && status == HXMGT_SUCCESS; ++i) {
+            if (all || only == &targets[i]) {
+                known = true;
+                status = VisitUnits(invocation, port, handle, targets[i], [&](MappedUnit& unit) {
+                    units->push_back(std::move(unit));
+                    return false;
+                });
+            }
+        }
+        return status;
+    });
+    const ExitCode exit = mapper.Finish();
+    if (!all && !known && exit == ExitCode::Done) {
+        invocation.Fail(ExitCode::NotFound, "no selected port knows the target " + text,
+                        "see `target list`");
+    }
+    return exit;
+}
+
+std::span<const Argument> MapVolumeArguments() {
+    return kVolumeArguments;
+}
+
+ExitCode MapVolume(tools::Invocation& invocation) {
+    const std::string volume = GivenVolume(invocation);
+    const std::string shown = invocation.Given().Text("VOLUME");
+    std::vector<uint32_t> elsewhere;
+    const HX_STATUS told = ReadDisksOfVolume(volume, &elsewhere);
+    if (told != HXMGT_SUCCESS) {
+        invocation.Fail(told, "the disks of " + shown + " are not known");
+    }
+    Mapper mapper(invocation);
+    mapper.Run([&](const Port&, uint32_t handle, std::vector<MappedUnit>* units) {
+        const HX_STATUS status = ReadUnitsOfVolume(handle, volume, units);
+        for (const MappedUnit& unit : *units) {
+            std::erase_if(elsewhere, [&](uint32_t disk) { return unit.IsDisk(disk); });
+        }
+        return status;
+    });
+    const ExitCode exit = mapper.Finish();
+    if (!mapper.Found() && exit == ExitCode::Done) {
+        invocation.Fail(ExitCode::NotFound, "no selected port leads to " + shown,
+                        elsewhere.empty() ? "" : "it lives on " + DisksText(elsewhere));
+    }
+    if (mapper.Found() && !elsewhere.empty()) {
+        invocation.Note("a part of " + shown +
+                        " is behind no selected port: " + DisksText(elsewhere));
+    }
+    return exit;
+}
+
+std::span<const Argument> MapDiskArguments() {
+    return kDiskArguments;
+}
+
+ExitCode MapDisk(tools::Invocation& invocation) {
+    const std::string text = invocation.Given().Text("DISK");
+    const auto disk = ParseDisk(text);
+    if (!disk) {
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no disk", "N or PhysicalDriveN");
+    }
+    Mapper mapper(invocation);
+    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
+        // A disk has one address: behind the one that was found there is nothing to look for.
+        if (mapper.Found()) {
+            return HX_STATUS{HXMGT_SUCCESS};
+        }
+        std::vector<KnownTarget> targets;
+        HX_STATUS status = ReadKnownTargets(port, handle, &targets);
+        for (size_t i = 0; i < targets.size() && status == HXMGT_SUCCESS && units->empty(); ++i) {
+            status = VisitUnits(invocation, port, handle, targets[i], [&](MappedUnit& unit) {
+                if (unit.IsDisk(*disk)) {
+                    units->push_back(std::move(unit));
+                }
+                return !units->empty();
+            });
+        }
+        return status;
+    });
+    const ExitCode exit = mapper.Finish();
+    if (!mapper.Found() && exit == ExitCode::Done) {
+        invocation.Fail(ExitCode::NotFound,
+                        "no selected port leads to PhysicalDrive" + std::to_string(*disk),
+                        "`map target all` shows the disks that are");
+    }
+    return exit;
+}
+
+}  // namespace vxmgr

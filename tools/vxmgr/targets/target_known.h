@@ -1,0 +1,40 @@
+// The targets that a port's driver knows.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/bindings/lunmask_luns.h"
+
+namespace vxmgr {
+
+// Of the role and state word.
+inline constexpr uint32_t kTargetRole = 1;
+
+struct KnownTarget {
+    HX_DEVICE_RECORD record{};
+    bool present = false;          // the driver reaches it now
+    std::optional<uint32_t> luns;  // as the driver counts them
+
+    tools::Wwn PortName() const { return tools::Wwn::Of(record.portName); }
+    tools::Wwn NodeName() const { return tools::Wwn::Of(record.nodeName); }
+};
+
+// Other hosts are left out.
+HX_STATUS ReadKnownTargets(const Port& port, uint32_t handle, std::vector<KnownTarget>* targets);
+
+// Nothing for a driver below 7.05.03, which does not tell.
+std::optional<bool> IsBound(const Port& port, const KnownTarget& target);
+
+const char* RoleText(uint32_t roleAndState);  // null: the driver gives no role
+
+// LUNs that a mask of the port's driver covers.
+uint32_t LunLimit(const Port& port);
+
+HX_SCSI_ADDRESS AddressByPortName(const tools::Wwn& target);
+
+HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const tools::Wwn& target, LunSet* masked);
+HX_STATUS WriteLiveMask(uint32_t handle, const tools::Wwn& target, const LunSet& masked);
+
+}  // namespace vxmgr

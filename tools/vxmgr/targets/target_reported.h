@@ -1,0 +1,16 @@
+// What a target itself says of its LUNs.
+#pragma once
+
+#include <optional>
+
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/bindings/lunmask_luns.h"
+
+namespace vxmgr {
+
+// LUNs that the target of this port name reports to this host; nothing, and a warning, when it does
+// not answer.
+std::optional<LunSet> ReportedLuns(tools::Invocation& invocation, const Port& port, uint32_t handle,
+                                   const tools::Wwn& target);
+
+}  // namespace vxmgr

@@ -1,0 +1,138 @@
+#include "vxmgr/targets/target_select.h"
+
+#include <cstring>
+
+#include "vxmgr/fabric/scsi_target.h"
+
+namespace vxmgr {
+namespace {
+
+bool IsPortNameOf(const HX_SCSI_ADDRESS& address, const uint8_t (&portName)[8]) {
+    return address.type == HX_ADDRESS_PORT_NAME &&
+           std::memcmp(address.address, portName, sizeof portName) == 0;
+}
+
+bool IsNodeNameOf(const HX_SCSI_ADDRESS& address, const uint8_t (&nodeName)[8]) {
+    return address.type == HX_ADDRESS_PORT_NAME &&
+           std::memcmp(address.address, nodeName, sizeof nodeName) == 0;
+}
+
+// A device record or a target entry.
+template <class Row>
+bool HasAddress(const HX_SCSI_ADDRESS& address, const Row& row) {
+    if (address.type == HX_ADDRESS_PORT_ID) {
+        return std::memcmp(address.address, row.portId, sizeof row.portId) == 0;
+    }
+    uint16_t numbers[2];
+    std::memcpy(numbers, address.address, sizeof numbers);
+    return address.type == HX_ADDRESS_BUS_TARGET && numbers[0] == row.bus &&
+           numbers[1] == row.target;
+}
+
+const HX_DEVICE_RECORD& RowOf(const KnownTarget& target) {
+    return target.record;
+}
+HX_TARGET_ENTRY& RowOf(HX_TARGET_ENTRY& entry) {
+    return entry;
+}
+
+// A name is a port's first, a node's only when no port has it.
+template <class Range>
+auto* FindIn(Range&& range, const HX_SCSI_ADDRESS& address) {
+    decltype(&*range.begin()) byNode = nullptr;
+    for (auto& one : range) {
+        const auto& row = RowOf(one);
+        if (tools::Wwn::Of(row.nodeName).IsZero()) {
+            continue;
+        }
+        if (IsPortNameOf(address, row.portName) || HasAddress(address, row)) {
+            return &one;
+        }
+        if (byNode == nullptr && IsNodeNameOf(address, row.nodeName)) {
+            byNode = &one;
+        }
+    }
+    return byNode;
+}
+
+}  // namespace
+
+HX_SCSI_ADDRESS GivenAddress(tools::Invocation& invocation, const char* option) {
+    const std::string text = invocation.Given().Text(option);
+    HX_SCSI_ADDRESS address{};
+    std::string error;
+    if (!ParseTarget(text, &address, &error)) {
+        invocation.Fail(tools::ExitCode::Usage,
+                        std::string("--") + option + " " + text + ": " + error,
+                        "`target list` shows the targets");
+    }
+    return address;
+}
+
+void CheckTargetOption(tools::Invocation& invocation) {
+    if (invocation.Given().Has("target")) {
+        GivenAddress(invocation, "target");
+    }
+}
+
+std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address) {
+    ChosenTarget chosen;
+    const auto take = [&](const auto& row) {
+        chosen.portName = tools::Wwn::Of(row.portName);
+        chosen.nodeName = tools::Wwn::Of(row.nodeName);
+    };
+    chosen.known = FindIn(targets.known, address);
+    if (chosen.known != nullptr) {
+        take(chosen.known->record);
+        chosen.bound = FindRow(*targets.bindings.block, chosen.portName);
+        return chosen;
+    }
+    chosen.bound = FindIn(RowsOf(*targets.bindings.block), address);
+    if (chosen.bound != nullptr) {
+        take(*chosen.bound);
+        chosen.known = targets.Known(chosen.portName);
+        return chosen;
+    }
+    for (const HX_LUN_RECORD& record : RowsOf(*targets.masks.block)) {
+        if (!IsFree(record) && IsPortNameOf(address, record.portName)) {
+            take(record);
+            return chosen;
+        }
+    }
+    return std::nullopt;
+}
+
+ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets) {
+    const auto chosen = FindTarget(targets, GivenAddress(invocation, "target"));
+    if (!chosen) {
+        invocation.Fail(tools::ExitCode::NotFound,
+                        targets.OwnPort().Object() + ": the target " +
+                            invocation.Given().Text("target") +
+                            " is neither known to the driver nor stored",
+                        "`target list` and `bind list` show the targets");
+    }
+    return *chosen;
+}
+
+const KnownTarget* FindKnown(const std::vector<KnownTarget>& known,
+                             const HX_SCSI_ADDRESS& address) {
+    return FindIn(known, address);
+}
+
+std::vector<const KnownTarget*> ChooseKnown(tools::Invocation& invocation,
+                                            const PortTargets& targets) {
+    std::vector<const KnownTarget*> chosen;
+    if (invocation.Given().Has("target")) {
+        const KnownTarget* found = FindKnown(targets.known, GivenAddress(invocation, "target"));
+        if (found != nullptr) {
+            chosen.push_back(found);
+        }
+        return chosen;
+    }
+    for (const KnownTarget& target : targets.known) {
+        chosen.push_back(&target);
+    }
+    return chosen;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,42 @@
+// Which target -t means, among those that a driver knows and those that are stored.
+#pragma once
+
+#include "vxmgr/bindings/store_port.h"
+
+namespace vxmgr {
+
+inline constexpr tools::Argument kSelectTargetArgument = {
+    "-t,--target", tools::ArgumentKind::Text, "TARGET",
+    "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET", false};
+
+// The address after an option like -t; ends the command when it is wrong.
+HX_SCSI_ADDRESS GivenAddress(tools::Invocation& invocation, const char* option);
+
+// Ends the command when there is a -t, and a wrong one.
+void CheckTargetOption(tools::Invocation& invocation);
+
+// A target by all that it is known by. Neither pointer is set for a target that was only named.
+struct ChosenTarget {
+    tools::Wwn portName;
+    tools::Wwn nodeName;
+    const KnownTarget* known = nullptr;
+    HX_TARGET_ENTRY* bound = nullptr;
+
+    std::string Text() const { return portName.Colons(); }
+};
+
+// Looks in the driver first, then in the stored bindings, then (names alone) in the stored masks.
+// Nothing when the target is in none of them.
+std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address);
+
+// The same for -t; ends the command when there is no such target.
+ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets);
+
+// The known target that an address means, or null.
+const KnownTarget* FindKnown(const std::vector<KnownTarget>& known, const HX_SCSI_ADDRESS& address);
+
+// The known targets that -t means, all of them without -t.
+std::vector<const KnownTarget*> ChooseKnown(tools::Invocation& invocation,
+                                            const PortTargets& targets);
+
+}  // namespace vxmgr

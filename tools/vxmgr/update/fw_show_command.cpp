@@ -1,0 +1,144 @@
+// fw show
+#include "common/status_codes.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/flash/flash_image_check.h"
+#include "vxmgr/flash/flash_regions.h"
+#include "vxmgr/update/fw_commands.h"
+#include "vxmgr/update/update_stored.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Record;
+using tools::Tone;
+using tools::Value;
+
+struct StateTone {
+    CodeState state;
+    Tone tone;
+};
+constexpr StateTone kTones[] = {
+    {CodeState::Running, Tone::Good},
+    {CodeState::Pending, Tone::Warning},
+    {CodeState::Damaged, Tone::Bad},
+};
+
+Value StateValue(CodeState state) {
+    for (const StateTone& row : kTones) {
+        if (row.state == state) {
+            return Value::Text(StateName(state)).In(row.tone);
+        }
+    }
+    return Value::Text(StateName(state));
+}
+
+Record CodeRow(const Adapter& adapter, uint32_t region, const std::string& running,
+               const StoredCode& code, CodeState state) {
+    Record row;
+    row.Add("adapter", "Adapter", Value::Number(adapter.index), "ADAPTER");
+    row.Add("serial", "Serial",
+            adapter.ports.empty() ? Value() : Value::Serial(adapter.First().Serial()), "SERIAL");
+    row.Add("region", "Region", Value::Number(region), "REGION");
+    row.Add("name", "Code", Value::Text(RegionName(region)), "CODE");
+    row.Add("running", "Running", Value::TextOrNull(running), "RUNNING");
+    row.Add("stored", "Stored", Value::TextOrNull(code.image.version), "STORED");
+    row.Add("state", "State", StateValue(state), "STATE");
+    row.Add("problem", "Problem", Value::TextOrNull(code.image.problem));
+    row.Add("status", "Status", StatusValue(code.status));
+    return row;
+}
+
+class Shower {
+  public:
+    explicit Shower(tools::Invocation& invocation) : invocation_(invocation) {}
+
+    void Show(const Adapter& adapter) {
+        Device device;
+        FlashLayout layout;
+        HX_STATUS status = device.Open(adapter.First().index, TracePath(invocation_));
+        if (status == HXMGT_SUCCESS) {
+            status = QueryFlashLayout(device.Handle(), &layout);
+        }
+        if (status != HXMGT_SUCCESS) {
+            AddUnreadable(adapter, status);
+            return;
+        }
+        for (const StoredCode& code : ReadStoredCode(invocation_, device.Handle(), layout)) {
+            const std::string running = RunningVersion(adapter.First(), code.region.code);
+            const CodeState state = StateOf(code, running);
+            rows_.push_back(CodeRow(adapter, code.region.code, running, code, state));
+            Report(adapter, code, state);
+        }
+    }
+
+    ExitCode Finish(size_t adapters) {
+        invocation_.Result().AddList("code", "Firmware and boot code", tools::ListLayout::Table,
+                                     CodeRow({}, 0, {}, {}, CodeState::Unknown), "No adapters.",
+                                     std::move(rows_));
+        return failures_ != 0 && failures_ < adapters ? ExitCode::Partial : first_;
+    }
+
+  private:
+    // The running versions alone: the driver gives no access to the flash, or it failed.
+    void AddUnreadable(const Adapter& adapter, HX_STATUS status) {
+        const StoredCode none{{}, status, {}};
+        for (const uint32_t region :
+             {uint32_t{HX_REGION_FIRMWARE}, uint32_t{HX_REGION_BOOT_CODE}}) {
+            rows_.push_back(CodeRow(adapter, region, RunningVersion(adapter.First(), region), none,
+                                    CodeState::Unknown));
+        }
+        if (tools::ExitCodeOf(status) == ExitCode::NotSupported) {
+            invocation_.Note("adapter " + std::to_string(adapter.index) +
+                             ": its driver gives no access to the flash, stored versions are not "
+                             "known");
+            return;
+        }
+        const ExitCode exit =
+            invocation_.Report(status, "the flash cannot be read", adapter.First().Object());
+        first_ = failures_++ == 0 ? exit : first_;
+    }
+
+    void Report(const Adapter& adapter, const StoredCode& code, CodeState state) {
+        const std::string object = adapter.First().Object();
+        const std::string name = RegionName(code.region.code);
+        if (state == CodeState::Pending) {
+            invocation_.Add({tools::Severity::Info,
+                             name + " " + code.image.version + " is stored and starts next",
+                             "see `fw activate`",
+                             object,
+                             {}});
+        } else if (state == CodeState::Damaged) {
+            const bool known = !code.image.problem.empty();
+            invocation_.Add(
+                {tools::Severity::Warning,
+                 name + " is damaged: " +
+                     (known ? code.image.problem
+                            : "the region holds " + std::string(KindName(code.image.kind))),
+                 "write it again with `flash write`",
+                 object,
+                 {}});
+        }
+    }
+
+    tools::Invocation& invocation_;
+    std::vector<Record> rows_;
+    size_t failures_ = 0;
+    ExitCode first_ = ExitCode::Done;
+};
+
+}  // namespace
+
+ExitCode FirmwareShow(tools::Invocation& invocation) {
+    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Adapter> adapters = GroupAdapters(ports);
+    const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
+    Shower shower(invocation);
+    for (const Adapter* adapter : selected) {
+        invocation.CheckStop();
+        shower.Show(*adapter);
+    }
+    return shower.Finish(selected.size());
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,35 @@
+// One selected adapter with all of its ports open: what commands about firmware and flash start
+// with, as these belong to the adapter.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vxmgr/app/inventory.h"
+
+namespace vxmgr {
+
+struct AdapterSession {
+    std::vector<Port> ports;      // those that could be opened
+    std::vector<Device> devices;  // of these ports, in the same order
+
+    const Port& First() const { return ports.front(); }
+    uint32_t Handle() const { return devices.front().Handle(); }
+    std::string Serial() const { return First().Serial(); }
+    std::string Object() const { return First().Object(); }
+
+    // Reads versions and attributes anew; those that cannot be read are empty then.
+    void Refresh();
+};
+
+// Ends the command unless exactly one adapter is selected and one of its ports can be opened. A
+// port that cannot be is left out with a warning: the library restarts open ports alone.
+AdapterSession OpenSelectedAdapter(tools::Invocation& invocation);
+
+std::string RunningFirmware(const Port& port);  // empty: not known
+std::string RunningBootCode(const Port& port);
+
+// What a question says of the adapter: serial number, model, ports.
+std::vector<std::string> DescribeAdapter(const AdapterSession& session);
+
+}  // namespace vxmgr

@@ -1,0 +1,51 @@
+// An update that may be made: image, region and adapter looked at together, nothing written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vxmgr/flash/flash_image_check.h"
+#include "vxmgr/flash/flash_layout.h"
+#include "vxmgr/update/update_adapter.h"
+#include "vxmgr/update/update_checks.h"
+
+namespace vxmgr {
+
+// What is to be written, and where.
+struct UpdateGiven {
+    std::string file;
+    std::string region;  // as it was typed; empty: where images of the kind belong
+    bool pad = false;    // fill a shorter image up to the region's size
+    ImageLeave leave;
+};
+
+struct UpdatePlan {
+    std::string file;
+    FlashLayout layout;
+    FlashRegion region;
+    std::vector<uint8_t> bytes;   // of the image, as they would go out
+    std::vector<uint8_t> before;  // of the region; empty: it cannot be read
+    ImageInfo image;
+    std::string stored;   // version in the region; empty: none
+    std::string running;  // version that was started from it; the same
+    bool same = false;    // the region holds these bytes already
+    bool mayRestart = false;
+    std::vector<std::string> warnings;
+    std::vector<Finding> findings;
+};
+
+// An image file of a plausible size.
+std::vector<uint8_t> LoadImage(tools::Invocation& invocation, const std::string& path);
+
+// Ends the command when the adapter takes no updates, or has no such region.
+UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
+                      const UpdateGiven& given);
+
+// Tells the findings; Refused when one of them forbids the update.
+tools::ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan);
+
+void AddPlan(tools::Record& result, const AdapterSession& session, const UpdatePlan& plan);
+
+tools::Question QuestionAbout(const AdapterSession& session, const UpdatePlan& plan);
+
+}  // namespace vxmgr

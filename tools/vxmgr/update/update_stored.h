@@ -1,0 +1,39 @@
+// The code that an adapter's flash holds, beside the versions that run.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "vxmgr/flash/flash_image.h"
+#include "vxmgr/flash/flash_layout.h"
+#include "vxmgr/flash/flash_regions.h"
+#include "vxmgr/update/update_adapter.h"
+
+namespace vxmgr {
+
+struct StoredCode {
+    FlashRegion region;
+    HX_STATUS status = HXMGT_SUCCESS;  // of reading it
+    ImageInfo image;
+};
+
+// The region that is started as the adapter's firmware or boot code.
+constexpr uint32_t BootRegionOf(const FlashLayout& layout) {
+    return layout.whole ? kWholeFlash : uint32_t{HX_REGION_BOOT_CODE};
+}
+
+StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashRegion& region);
+
+// All regions with firmware or boot code.
+std::vector<StoredCode> ReadStoredCode(tools::Invocation& invocation, uint32_t handle,
+                                       const FlashLayout& layout);
+
+// The version that runs of what a region holds; empty: nothing is started from there.
+std::string RunningVersion(const Port& port, uint32_t region);
+
+enum class CodeState : uint8_t { Stored, Running, Pending, Damaged, Unknown };
+const char* StateName(CodeState state);
+CodeState StateOf(const StoredCode& code, const std::string& running);
+
+}  // namespace vxmgr
