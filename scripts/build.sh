@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Windows products into build/mingw/bin.
+# Builds the Windows products and their tests into build/mingw/bin, or only the targets named.
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh
@@ -8,4 +8,4 @@ cmake --preset mingw >build/configure.log 2>&1 || {
     cat build/configure.log
     exit 1
 }
-cmake --build --preset mingw -- --quiet
+cmake --build --preset mingw ${1:+--target "$@"} -- --quiet

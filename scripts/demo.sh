@@ -2,7 +2,7 @@
 # Shows the manager at work: emulated adapters as a kernel-mode driver, and vxmgr over the library.
 source "$(dirname "$0")/common.sh"
 
-scripts/build.sh
+scripts/build.sh vxmgr vxemu
 wine_start
 trap 'run vxemu.exe stop >/dev/null 2>&1 || true; wine_stop' EXIT
 

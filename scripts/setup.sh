@@ -3,7 +3,7 @@
 source "$(dirname "$0")/common.sh"
 
 packages=(
-    cmake ninja-build g++
+    cmake ninja-build g++ lld
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev googletest # command lines, JSON, test framework
     procps                                     # pkill, for a system test

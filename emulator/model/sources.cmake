@@ -1,5 +1,5 @@
-# The adapter model, for whoever compiles it: paths from the repository's root. It needs the
-# include folders emulator, include and src.
+# The adapter model, for whoever compiles it: paths from the repository's root. It
+# needs the include folders emulator, include and src, and the library's vxmgmt_pure.
 set(VXEMU_MODEL_SOURCES
     emulator/model/fabric/binding_handlers.cpp
     emulator/model/storage/block_store.cpp
@@ -54,12 +54,3 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/fabric/stored_config.cpp
     emulator/model/storage/vpd_content.cpp
 )
-# What the model shares with the library; not for programs that have the library's objects.
-set(VXEMU_MODEL_SHARED_SOURCES
-    src/flash/firmware_image.cpp
-    src/flash/nvram_variable_table.cpp
-    src/flash/nvram_variables.cpp
-    src/flash/rom_image.cpp
-    src/persist/blocks.cpp
-)
-set(VXEMU_MODEL_INCLUDE_DIRS emulator include src)
