@@ -1,5 +1,6 @@
 // The event queues of the shared area: storing, delivering, fanning out. Pure code over the shared
-// records, which other processes write too: an index is never trusted. Free of platform headers.
+// records, which other processes write too, also while it runs: every index is copied, forced into
+// bounds and stored back once. Free of platform headers.
 #pragma once
 
 #include <cstdint>

@@ -14,30 +14,41 @@
 namespace events {
 namespace {
 
+using frame::ReadOnce;
+using frame::WriteOnce;
 using properties::EventDeliveryRequest;
 
 constexpr DWORD kMutexWaitMs = 30000;
 constexpr uint32_t kMostFetched = frame::kRingCapacity;  // events of one driver request
 
 // Registrations for an adapter: one count in the shared data section, one in the event area. Both
-// are kept, with plain arithmetic: intended.
+// are kept, with plain arithmetic: intended. Other processes write them too, at any moment.
 class Registrations {
   public:
     explicit Registrations(uint32_t adapterIndex)
         : section_(frame::SharedRegistrations()[adapterIndex]),
           area_(frame::Events()->registrations[adapterIndex]) {}
 
-    bool None() const { return section_ == 0 && area_ == 0; }
+    bool None() const { return ReadOnce(section_) == 0 && ReadOnce(area_) == 0; }
     void Add() {
-        ++section_;
-        ++area_;
+        WriteOnce(section_, ReadOnce(section_) + 1);
+        WriteOnce(area_, ReadOnce(area_) + 1);
     }
-    void Remove() {
-        section_ -= section_ != 0 ? 1 : 0;
-        area_ -= area_ != 0 ? 1 : 0;
+    // True when none is left.
+    bool Remove() {
+        const uint32_t leftInSection = Lower(section_);
+        const uint32_t leftInArea = Lower(area_);
+        return leftInSection == 0 && leftInArea == 0;
     }
 
   private:
+    static uint32_t Lower(uint32_t& counter) {
+        const uint32_t count = ReadOnce(counter);
+        const uint32_t left = count != 0 ? count - 1 : 0;
+        WriteOnce(counter, left);
+        return left;
+    }
+
     uint32_t& section_;
     uint32_t& area_;
 };
@@ -94,9 +105,8 @@ HX_STATUS DisableAen(uint32_t handle) {
     if (frame::EventSlot* const slot = frame::OwnEventSlot()) {
         DisableRing(*slot, handle);
     }
-    Registrations registrations(record->dwAdapterIndex);
-    registrations.Remove();
-    return registrations.None() ? SwitchDelivery(handle, 0) : HXMGT_SUCCESS;
+    const bool last = Registrations(record->dwAdapterIndex).Remove();
+    return last ? SwitchDelivery(handle, 0) : HXMGT_SUCCESS;
 }
 
 HX_STATUS GetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_t* count) {

@@ -1,4 +1,5 @@
-// Layout of the two shared mappings: what every process that loads the library reads and writes.
+// Layout of the two shared mappings: what every process that loads the library reads and writes,
+// and how it does so.
 // Free of platform headers.
 #pragma once
 
@@ -65,5 +66,14 @@ struct FlashLockArea {
 static_assert(sizeof(FlashLockArea) == 78080);
 
 #pragma pack(pop)
+
+// Anybody may change a word of these areas at any moment. It is copied once, and the copy checked
+// and used; a new value is stored once. The compiler must not read or write more often.
+inline uint32_t ReadOnce(const uint32_t& word) {
+    return static_cast<const volatile uint32_t&>(word);
+}
+inline void WriteOnce(uint32_t& word, uint32_t value) {
+    static_cast<volatile uint32_t&>(word) = value;
+}
 
 }  // namespace frame

@@ -11,6 +11,11 @@ namespace {
 
 constexpr std::string_view kRoleOption = "--role=";
 
+// A child that crashes ends at once, with the exception as its exit code and without a debugger.
+LONG WINAPI EndAtCrash(EXCEPTION_POINTERS*) {
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
 std::map<std::string, Role>& Roles() {
     static std::map<std::string, Role> roles;
     return roles;
@@ -26,6 +31,7 @@ bool RunRole(int argumentCount, char** arguments, int* exitCode) {
     if (argumentCount < 2 || !std::string_view(arguments[1]).starts_with(kRoleOption)) {
         return false;
     }
+    SetUnhandledExceptionFilter(&EndAtCrash);
     const auto role = Roles().find(arguments[1] + kRoleOption.size());
     *exitCode = role == Roles().end() ? 4 : role->second();
     return true;
@@ -64,12 +70,14 @@ ChildProcess::~ChildProcess() {
     CloseHandle(fromChild_);
 }
 
-std::string ChildProcess::Ask(const std::string& line) {
+bool ChildProcess::Send(const std::string& line) {
     const std::string sent = line + "\n";
     DWORD count = 0;
-    if (!WriteFile(toChild_, sent.data(), static_cast<DWORD>(sent.size()), &count, nullptr)) {
-        return {};
-    }
+    return WriteFile(toChild_, sent.data(), static_cast<DWORD>(sent.size()), &count, nullptr);
+}
+
+std::string ChildProcess::Answer() {
+    DWORD count = 0;
     std::string answer;
     for (char letter; ReadFile(fromChild_, &letter, 1, &count, nullptr) && count == 1;) {
         if (letter == '\n') {

@@ -26,7 +26,10 @@ class ChildProcess {
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     // Sends one line and returns the child's answer, empty when the child is gone.
-    std::string Ask(const std::string& line);
+    std::string Ask(const std::string& line) { return Send(line) ? Answer() : std::string(); }
+    // The two halves, for children that are to work side by side.
+    bool Send(const std::string& line);
+    std::string Answer();
     void Kill();
     // Ends the conversation and returns the exit code.
     DWORD Finish();
