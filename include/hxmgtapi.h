@@ -378,9 +378,11 @@ HX_STATUS HXDisableSmartSANFC(uint32_t handle);
  * Asynchronous events (driver 7.05.03 on, else HXMGT_NOT_SUPPORTED)
  *
  * The driver hands each event out once; the library passes it on to every process and handle that
- * enabled events for the adapter. Eight processes at a time hold an event slot; a ninth can enable
- * but not fetch. A handle's queue keeps the newest 31 events. Handles from 1 to 64 are looked at
- * without a check that they are open; a number above 64 gives HXMGT_INVALID_HANDLE.
+ * enabled events for the adapter. Eight processes at a time hold an event slot, from loading the
+ * library to unloading it; a ninth can enable but not fetch. The slot of a process that was killed
+ * goes to the next that loads the library and finds none free. A handle's queue keeps the newest 31
+ * events. Handles from 1 to 64 are looked at without a check that they are open; a number above 64
+ * gives HXMGT_INVALID_HANDLE.
  * --------------------------------------------------------------------------------------------- */
 
 HX_STATUS HXEnableAen(uint32_t handle);

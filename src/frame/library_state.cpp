@@ -1,8 +1,7 @@
 #include "frame/library_state.h"
 
-#include <cstring>
-
 #include "compiler.h"
+#include "frame/event_slots.h"
 #include "frame/owned.h"
 
 namespace frame {
@@ -11,7 +10,6 @@ namespace {
 constexpr char kOpenMutexName[] = "HXMGT_OpenDeviceMutex";
 constexpr char kEventAreaName[] = "Global\\HXMGT_GetAENMapFile";
 constexpr char kFlashLockAreaName[] = "Global\\HXMGT_FlashUpdateLocksMapFile";
-constexpr uint32_t kNoSlot = kProcessSlots;
 
 VX_SHARED_BETWEEN_PROCESSES uint32_t sharedRegistrations[kHandleRecords] = {0};
 
@@ -25,26 +23,35 @@ struct ViewTraits {
 template <class Area>
 class SharedMapping {
   public:
+    // A new mapping is zero, and nobody clears one: others may be at work in it already.
     bool Create(const char* name, SECURITY_ATTRIBUTES* attributes) {
         mapping_.Reset(CreateFileMappingA(INVALID_HANDLE_VALUE, attributes, PAGE_READWRITE, 0,
                                           sizeof(Area), name));
-        existed_ = GetLastError() == ERROR_ALREADY_EXISTS;
         if (mapping_.Valid()) {
             view_.Reset(MapViewOfFile(mapping_.Get(), FILE_MAP_WRITE, 0, 0, 0));
         }
-        return view_.Valid();
+        if (!view_.Valid() || !HoldsArea(view_.Get())) {
+            Close();
+            return false;
+        }
+        return true;
     }
     void Close() {
         view_.Reset(nullptr);
         mapping_.Reset(nullptr);
     }
-    bool Existed() const { return existed_; }
     Area* Get() const { return static_cast<Area*>(view_.Get()); }
 
   private:
+    // Anybody can have made a mapping of this name, smaller or without memory behind it.
+    static bool HoldsArea(const void* view) {
+        MEMORY_BASIC_INFORMATION memory;
+        return VirtualQuery(view, &memory, sizeof memory) == sizeof memory &&
+               memory.State == MEM_COMMIT && memory.RegionSize >= sizeof(Area);
+    }
+
     OwnedObject mapping_;
     Owned<ViewTraits> view_;
-    bool existed_ = false;
 };
 
 OwnedObject openMutex;
@@ -52,27 +59,29 @@ SharedMapping<EventArea> events;
 SharedMapping<FlashLockArea> flashLocks;
 uint32_t ownSlot = kNoSlot;
 
-// The first free slot, cleared and marked as taken.
-uint32_t ClaimSlot(EventArea& area) {
-    for (uint32_t slot = 0; slot < kProcessSlots; ++slot) {
-        if (area.slots[slot].inUse == 0) {
-            std::memset(&area.slots[slot], 0, sizeof(EventSlot));
-            area.slots[slot].inUse = 1;
-            return slot;
-        }
-    }
-    return kNoSlot;
-}
-
+// Owner and start tick of a lock go as the one 64-bit word that they are, unless another process
+// took the lock over meanwhile.
 void ReleaseFlashLocks(FlashLockArea& area) {
     const uint32_t process = GetCurrentProcessId();
     for (FlashLock& lock : area.locks) {
-        if (lock.owner == process) {
-            lock.owner = 0;
-            lock.startTick = 0;
+        auto* const holder = reinterpret_cast<volatile LONG64*>(&lock.owner);
+        const LONG64 held = *holder;
+        if (static_cast<uint32_t>(held) == process) {
             lock.watchdog = 0;
+            InterlockedCompareExchange64(holder, 0, held);
         }
     }
+}
+
+bool CreateSharedObjects() {
+    OpenToAll everyone;
+    SECURITY_ATTRIBUTES* const attributes = everyone.Attributes();
+    if (attributes == nullptr) {
+        return false;
+    }
+    openMutex.Reset(CreateMutexA(attributes, FALSE, kOpenMutexName));
+    return openMutex.Valid() && events.Create(kEventAreaName, attributes) &&
+           flashLocks.Create(kFlashLockAreaName, attributes);
 }
 
 }  // namespace
@@ -90,28 +99,17 @@ SECURITY_ATTRIBUTES* OpenToAll::Attributes() {
 
 bool LibraryAttach() {
     ownSlot = kNoSlot;
-    OpenToAll everyone;
-    SECURITY_ATTRIBUTES* const attributes = everyone.Attributes();
-    if (attributes == nullptr) {
+    if (!CreateSharedObjects()) {
+        LibraryDetach();  // of what came to be
         return false;
-    }
-    openMutex.Reset(CreateMutexA(attributes, FALSE, kOpenMutexName));
-    if (!openMutex.Valid() || !events.Create(kEventAreaName, attributes) ||
-        !flashLocks.Create(kFlashLockAreaName, attributes)) {
-        return false;
-    }
-    // Whoever made the event area clears everything; later processes find what is there.
-    if (!events.Existed()) {
-        std::memset(events.Get(), 0, sizeof(EventArea));
-        std::memset(flashLocks.Get(), 0, sizeof(FlashLockArea));
     }
     ownSlot = ClaimSlot(*events.Get());
     return true;
 }
 
 void LibraryDetach() {
-    if (EventSlot* const slot = OwnEventSlot()) {
-        slot->inUse = 0;
+    if (OwnEventSlot() != nullptr) {
+        ReleaseSlot(*events.Get(), ownSlot);
     }
     if (flashLocks.Get() != nullptr) {
         ReleaseFlashLocks(*flashLocks.Get());

@@ -169,6 +169,25 @@ TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
     EXPECT_EQ(1u, SlotsInUse());
 }
 
+TEST_F(EventProcessesTest, SlotsOfKilledProcessesAreTakenBack) {
+    HXEnableAen(handle);
+    EventPeer living;
+    living.Enable();
+    for (uint32_t i = 0; i < 9; ++i) {
+        EventPeer killed;
+        EXPECT_EQ(0u, killed.Enable());
+        EXPECT_EQ("", killed.Fetch(4)) << "process " << i << " has a slot, and an empty one";
+        driver.Raise(0x8011, i);
+        EXPECT_EQ("2:" + std::to_string(i), Get(4));
+        EXPECT_EQ("2:" + std::to_string(i), living.Fetch(4)) << "the living keep theirs";
+        killed.Kill();
+    }
+    EXPECT_EQ(8u, SlotsInUse());
+    EXPECT_EQ(0u, living.Disable());
+    EXPECT_EQ(0u, HXDisableAen(handle));
+    EXPECT_EQ(9u, area->registrations[0]) << "the driver goes on: nobody knows whose they were";
+}
+
 TEST_F(EventProcessesTest, KilledProcessKeepsItsSlot) {
     SharedView<frame::FlashLockArea> locks(kFlashLockAreaName);
     const auto taken = [&](uint32_t record) { return locks->locks[record].owner != 0; };
