@@ -5,7 +5,8 @@ source "$(dirname "$0")/common.sh"
 packages=(
     cmake ninja-build g++ lld
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
-    libcli11-dev nlohmann-json3-dev googletest # command lines, JSON, test framework
+    libcli11-dev nlohmann-json3-dev            # command lines, JSON
+    googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )

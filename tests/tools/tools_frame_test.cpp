@@ -342,23 +342,18 @@ TEST(ToolsDocument, JsonLinesDoNotRepeatTheRows) {
     EXPECT_EQ(nlohmann::json::parse(EnvelopeLine(envelope, 0, open))["result"]["name"], "x");
 }
 
-// The validator guards the other tests: every keyword must be able to fail.
-TEST(ToolsDocument, SchemaValidatorSeesEveryFault) {
+// The validator guards the other tests: what they lean on must be able to fail.
+TEST(ToolsDocument, SchemaValidatorSeesFaults) {
     const struct {
         const char* schema;
         const char* good;
         const char* bad;
     } kRows[] = {
-        {R"({"type":"integer"})", "1", "1.5"},
-        {R"({"type":["string","null"]})", "null", "0"},
+        {R"({"type":["integer","null"]})", "null", "1.5"},
         {R"({"enum":["a",null]})", "null", "\"b\""},
-        {R"({"const":1})", "1", "2"},
         {R"({"required":["a"]})", R"({"a":null})", "{}"},
-        {R"({"properties":{"a":{"type":"string"}}})", R"({"b":1})", R"({"a":1})"},
-        {R"({"additionalProperties":false,"properties":{"a":true}})", R"({"a":1})", R"({"b":1})"},
-        {R"({"additionalProperties":{"type":"null"}})", R"({"a":null})", R"({"a":1})"},
+        {R"({"additionalProperties":false,"properties":{"a":{}}})", R"({"a":1})", R"({"b":1})"},
         {R"({"items":{"type":"boolean"}})", "[true]", "[true,1]"},
-        {R"({"$ref":"vxmgr.version.json"})", R"({"name":"a","tool":"b","library":null})", "{}"},
     };
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
     using nlohmann::json;
@@ -367,7 +362,8 @@ TEST(ToolsDocument, SchemaValidatorSeesEveryFault) {
         EXPECT_EQ(Lines(schemas.CheckAgainst(json::parse(row.good), schema)), "") << row.schema;
         EXPECT_FALSE(schemas.CheckAgainst(json::parse(row.bad), schema).empty()) << row.schema;
     }
-    EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"minimum":0})")).empty());
+    EXPECT_FALSE(schemas.Check(json::object(), "vxemu.version.json").empty()) << "by reference";
+    EXPECT_FALSE(schemas.Check(json::object(), "none.json").empty());
     EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"$ref":"none.json"})")).empty());
     EXPECT_FALSE(schemas.CheckRow(json::parse(R"({"schema":"vxmgr.version","row":{}})")).empty());
 }

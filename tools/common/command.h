@@ -5,11 +5,14 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "exit_codes.h"
 
 namespace tools {
 
+struct FieldShape;
+using Shape = std::vector<FieldShape>;
 class Invocation;
 
 // How much a command can break, and what it asks before it starts.
@@ -45,6 +48,15 @@ struct Command {
     std::span<const Argument> arguments;
     ExitCode (*run)(Invocation&);
     bool hidden = false;
+    const char* example = "";     // what may follow the tool's name: "port stats -p scsi:3"
+    Shape (*result)() = nullptr;  // the fields of the result, for its schema
+};
+
+// A document that commands read and write beside their results.
+struct Document {
+    const char* schema;
+    const char* title;
+    Shape (*shape)();
 };
 
 // What a group word ("driver param") is for.
@@ -62,6 +74,7 @@ struct Tool {
     std::span<const Argument> options;         // global options beside the common ones
     std::string (*libraryVersion)();           // null: the tool uses no library
     std::string (*statusText)(uint32_t code);  // text of a status or Windows error code
+    std::span<const Document> documents = {};
 };
 
 // The global options that every tool has.

@@ -1,0 +1,126 @@
+#include "support/json_schema.h"
+
+#include <fstream>
+#include <stdexcept>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validation_results.hpp>
+#include <valijson/validator.hpp>
+
+namespace support {
+namespace {
+
+using Json = JsonSchemas::Json;
+using Adapter = valijson::adapters::NlohmannJsonAdapter;
+
+// The schema file with those that it refers to in the place of the references: the validator does
+// not follow references between files that name themselves.
+Json Load(const std::string& folder, const std::string& file);
+
+void Resolve(Json& schema, const std::string& folder) {
+    if (schema.is_object() && schema.contains("$ref")) {
+        schema = Load(folder, schema["$ref"].get<std::string>());
+        if (!schema.is_object()) {
+            throw std::runtime_error("refers to a file that is missing, or no schema");
+        }
+    } else if (schema.is_structured()) {
+        for (Json& member : schema) {
+            Resolve(member, folder);
+        }
+    }
+}
+
+Json Load(const std::string& folder, const std::string& file) {
+    std::ifstream stream(folder + file);
+    Json schema = Json::parse(stream, nullptr, false);
+    if (schema.is_object()) {
+        schema.erase("$id");
+    }
+    Resolve(schema, folder);
+    return schema;
+}
+
+}  // namespace
+
+class JsonSchemas::Compiled {
+  public:
+    explicit Compiled(const Json& schema) {
+        valijson::SchemaParser().populateSchema(Adapter(schema), schema_);
+    }
+
+    Errors Check(const Json& document) const {
+        valijson::ValidationResults results;
+        valijson::Validator(valijson::Validator::kStrongTypes)
+            .validate(schema_, Adapter(document), &results);
+        Errors errors;
+        for (valijson::ValidationResults::Error error; results.popError(error);) {
+            std::string place;
+            for (const std::string& step : error.context) {
+                place += step;
+            }
+            errors.push_back(place + ": " + error.description);
+        }
+        return errors;
+    }
+
+  private:
+    valijson::Schema schema_;
+};
+
+JsonSchemas::JsonSchemas(std::string folder) : folder_(std::move(folder)) {}
+JsonSchemas::~JsonSchemas() = default;
+
+const JsonSchemas::Compiled* JsonSchemas::Find(const std::string& file, const std::string& member) {
+    std::unique_ptr<Compiled>& found = compiled_[file + member];
+    if (found == nullptr) {
+        const Json schema = Load(folder_, file);
+        const Json::json_pointer place(member);
+        if (!schema.is_object() || !schema.contains(place)) {
+            return nullptr;
+        }
+        found = std::make_unique<Compiled>(schema.at(place));
+    }
+    return found.get();
+}
+
+JsonSchemas::Errors JsonSchemas::Check(const Json& document, const std::string& file) {
+    const Compiled* const schema = Find(file);
+    return schema != nullptr ? schema->Check(document)
+                             : Errors{file + ": is missing, or no schema"};
+}
+
+JsonSchemas::Errors JsonSchemas::CheckAgainst(const Json& document, const Json& schema) {
+    try {
+        Json whole = schema;
+        Resolve(whole, {});
+        return Compiled(whole).Check(document);
+    } catch (const std::runtime_error& error) {
+        return {error.what()};
+    }
+}
+
+JsonSchemas::Errors JsonSchemas::CheckEnvelope(const Json& document) {
+    Errors errors = Check(document, "envelope.json");
+    if (errors.empty() && !document["result"].is_null()) {
+        errors = Check(document["result"], document["schema"].get<std::string>() + ".json");
+    }
+    return errors;
+}
+
+JsonSchemas::Errors JsonSchemas::CheckRow(const Json& line) {
+    if (!line.is_object() || line.size() != 2 || !line.contains("schema") ||
+        !line.contains("row")) {
+        return {"$: is no row line"};
+    }
+    const std::string file = line["schema"].get<std::string>() + ".json";
+    const Json properties = Load(folder_, file).value("properties", Json::object());
+    for (const auto& [name, property] : properties.items()) {
+        if (property.is_object() && property.value("type", Json()) == "array") {
+            return Find(file, "/properties/" + name + "/items")->Check(line["row"]);
+        }
+    }
+    return {"$.schema: has no rows"};
+}
+
+}  // namespace support

@@ -1,0 +1,98 @@
+#include "fields.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tools {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kTypeNames[] = {"string", "integer", "boolean"};
+
+Json ObjectOf(const Shape& shape);
+
+Json SchemaOf(const FieldType& type) {
+    Json schema = Json::object();
+    if (!type.choices.empty()) {
+        schema["enum"] = type.choices;
+        if (type.nullable) {
+            schema["enum"].push_back(nullptr);
+        }
+        return schema;
+    }
+    const char* const name = kTypeNames[static_cast<size_t>(type.base)];
+    schema["type"] = type.nullable ? Json({name, "null"}) : Json(name);
+    return schema;
+}
+
+Json SchemaOf(const FieldShape& field) {
+    Json schema;
+    switch (field.kind) {
+        case FieldKind::Value:
+        case FieldKind::Raw:
+            schema = SchemaOf(field.type);
+            break;
+        case FieldKind::Group:
+            schema = ObjectOf(field.children);
+            break;
+        case FieldKind::List:
+            schema["type"] = "array";
+            schema["items"] = ObjectOf(field.children);
+            break;
+    }
+    if (*field.about != '\0') {
+        schema["description"] = field.about;
+    }
+    return schema;
+}
+
+Json ObjectOf(const Shape& shape) {
+    Json required = Json::array();
+    Json properties = Json::object();
+    for (const FieldShape& field : shape) {
+        if (!field.type.optional) {
+            required.push_back(field.key);
+        }
+        properties[field.key] = SchemaOf(field);
+        if (field.type.large) {
+            // Beside numbers that readers who keep them as doubles would lose digits of.
+            properties[std::string(field.key) + "_s"] = {{"type", "string"}};
+        }
+    }
+    return {{"type", "object"},
+            {"required", std::move(required)},
+            {"additionalProperties", false},
+            {"properties", std::move(properties)}};
+}
+
+}  // namespace
+
+Record PrototypeOf(const Shape& shape) {
+    Record record;
+    for (const FieldShape& field : shape) {
+        switch (field.kind) {
+            case FieldKind::Value:
+            case FieldKind::Raw:
+                record.Add(field.key, field.label, Value(), field.column, field.width);
+                break;
+            case FieldKind::Group:
+                record.AddGroup(field.key, field.label, PrototypeOf(field.children));
+                break;
+            case FieldKind::List:
+                record.AddList(field.key, field.label, field.layout, PrototypeOf(field.children),
+                               field.emptyText, {});
+                break;
+        }
+    }
+    return record;
+}
+
+std::string SchemaText(const char* name, const char* title, const Shape& shape) {
+    Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
+                   {"$id", std::string(name) + ".json"},
+                   {"title", title}};
+    schema.update(ObjectOf(shape));
+    return schema.dump(2) + "\n";
+}
+
+}  // namespace tools

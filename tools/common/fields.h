@@ -1,0 +1,249 @@
+// Records declared once: a table of rows says for each field its key, its label, its column, what
+// its values are and where they come from. Text, table, CSV and JSON are made from the record that
+// the table makes, the JSON Schema and the columns of an empty list from the table itself.
+//
+//     const tools::Fields<Port>& PortFields() {
+//         static const tools::Fields<Port> kFields = {
+//             {"index", "Port", "PORT", kInteger, &Port::index},
+//             {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
+//             {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},
+//             {"link", "Link", LinkFields()},
+//             {"luns", "LUNs", LunFields(), &Port::luns, ListLayout::Table, "No LUNs."},
+//         };
+//         return kFields;
+//     }
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "record.h"
+
+namespace tools {
+
+// What the values of a field are.
+struct FieldType {
+    enum class Base : uint8_t { Text, Integer, Flag };
+
+    Base base = Base::Text;
+    bool nullable = false;  // null: not supported, or not known
+    bool optional = false;  // where there is no value, the field is left out
+    bool large = false;     // a number that may have more than 53 bits
+    Secret secret = Secret::None;
+    const char* unit = "";                      // of a number, for people
+    std::span<const char* const> choices = {};  // of a text: all that it can be
+
+    constexpr FieldType OrNull() const {
+        FieldType type = *this;
+        type.nullable = true;
+        return type;
+    }
+    constexpr FieldType OrAbsent() const {
+        FieldType type = *this;
+        type.optional = true;
+        return type;
+    }
+};
+
+inline constexpr FieldType kText{};
+inline constexpr FieldType kInteger{FieldType::Base::Integer};
+inline constexpr FieldType kCounter{.base = FieldType::Base::Integer, .large = true};
+inline constexpr FieldType kFlag{FieldType::Base::Flag};
+inline constexpr FieldType kWwn{.secret = Secret::Wwn};
+inline constexpr FieldType kSerial{.secret = Secret::Serial};
+
+constexpr FieldType Integer(const char* unit) {
+    return {.base = FieldType::Base::Integer, .unit = unit};
+}
+constexpr FieldType Choice(std::span<const char* const> choices) {
+    return {.choices = choices};
+}
+
+// A field without its source: what schemas and empty tables need.
+struct FieldShape {
+    const char* key = "";
+    const char* label = "";
+    const char* column = "";  // empty: not in tables
+    const char* about = "";   // for the schema, where key and label do not tell
+    FieldKind kind = FieldKind::Value;
+    FieldType type = {};
+    size_t width = 0;                    // least width where rows are printed as they come
+    std::vector<FieldShape> children{};  // of a group, or of a list's elements
+    ListLayout layout = ListLayout::Table;
+    const char* emptyText = "";
+};
+using Shape = std::vector<FieldShape>;
+
+// A record with these columns and no values.
+Record PrototypeOf(const Shape& shape);
+
+// The JSON Schema (draft 2020-12) of an object of this shape, as a document with a final newline.
+std::string SchemaText(const char* name, const char* title, const Shape& shape);
+
+// Whatever a getter gives, as a value of the type.
+inline Value ToValue(const FieldType&, Value value) {
+    return value;
+}
+inline Value ToValue(const FieldType&, const Wwn& wwn) {
+    return Value::Name(wwn);
+}
+inline Value ToValue(const FieldType&, bool flag) {
+    return Value::Flag(flag);
+}
+inline Value ToValue(const FieldType& type, std::string text) {
+    if (type.secret == Secret::Serial) {
+        return Value::Serial(std::move(text));
+    }
+    return type.nullable || type.optional ? Value::TextOrNull(std::move(text))
+                                          : Value::Text(std::move(text));
+}
+inline Value ToValue(const FieldType& type, const char* text) {
+    return text != nullptr ? ToValue(type, std::string(text)) : Value();
+}
+template <class Number>
+requires std::is_integral_v<Number> Value ToValue(const FieldType& type, Number number) {
+    return Value::Number(static_cast<uint64_t>(number), type.unit);
+}
+template <class T>
+Value ToValue(const FieldType& type, const std::optional<T>& value) {
+    return value ? ToValue(type, *value) : Value();
+}
+
+template <class Source>
+class Fields;
+
+// One row of a table.
+template <class Source>
+class FieldRow {
+  public:
+    // A value. get: a member, a member function or a function of the source.
+    template <class Get>
+    FieldRow(const char* key, const char* label, const char* column, FieldType type, Get get,
+             const char* about = "", size_t width = 0)
+        : shape_{.key = key,
+                 .label = label,
+                 .column = column,
+                 .about = about,
+                 .type = type,
+                 .width = width} {
+        add_ = [shape = shape_, get](const Source& source, Record& record) {
+            Value value = ToValue(shape.type, std::invoke(get, source));
+            if (!value.IsNull() || !shape.type.optional) {
+                record.Add(shape.key, shape.label, std::move(value), shape.column, shape.width);
+            }
+        };
+    }
+    template <class Get>
+    requires std::is_invocable_v<Get, const Source&> FieldRow(const char* key, const char* label,
+                                                              FieldType type, Get get,
+                                                              const char* about = "")
+        : FieldRow(key, label, "", type, get, about) {}
+
+    // A group of fields of the same source.
+    FieldRow(const char* key, const char* label, const Fields<Source>& fields)
+        : shape_{.key = key,
+                 .label = label,
+                 .kind = FieldKind::Group,
+                 .children = fields.ShapeOfAll()} {
+        add_ = [shape = shape_, &fields](const Source& source, Record& record) {
+            record.AddGroup(shape.key, shape.label, fields.Make(source));
+        };
+    }
+
+    // A group of something that the source has, or may have: get gives a pointer, null where the
+    // group is left out.
+    template <class Part, class Get>
+    requires std::is_pointer_v<std::invoke_result_t<Get, const Source&>> FieldRow(
+        const char* key, const char* label, const Fields<Part>& fields, Get get,
+        const char* about = "")
+        : shape_{.key = key,
+                 .label = label,
+                 .about = about,
+                 .kind = FieldKind::Group,
+                 .type = kText.OrAbsent(),
+                 .children = fields.ShapeOfAll()} {
+        add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
+            if (const Part* const part = std::invoke(get, source)) {
+                record.AddGroup(shape.key, shape.label, fields.Make(*part));
+            }
+        };
+    }
+
+    // A list. get gives a range of elements, or of pointers to them.
+    template <class Element, class Get>
+    requires(!std::is_pointer_v<std::invoke_result_t<Get, const Source&>>)
+        FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
+                 ListLayout layout = ListLayout::Table, const char* emptyText = "",
+                 const char* about = "")
+        : shape_{.key = key,
+                 .label = label,
+                 .about = about,
+                 .kind = FieldKind::List,
+                 .children = fields.ShapeOfAll(),
+                 .layout = layout,
+                 .emptyText = emptyText} {
+        add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
+            std::vector<Record> records;
+            for (const auto& element : std::invoke(get, source)) {
+                if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(element)>>) {
+                    records.push_back(fields.Make(*element));
+                } else {
+                    records.push_back(fields.Make(element));
+                }
+            }
+            record.AddList(shape.key, shape.label, shape.layout, PrototypeOf(shape.children),
+                           shape.emptyText, std::move(records));
+        };
+    }
+
+    const FieldShape& ShapeOf() const { return shape_; }
+    void Add(const Source& source, Record& record) const { add_(source, record); }
+
+  private:
+    FieldShape shape_;
+    std::function<void(const Source&, Record&)> add_;
+};
+
+// A table. It stands in a function's static object, so that others may refer to it.
+template <class Source>
+class Fields {
+  public:
+    Fields(std::initializer_list<FieldRow<Source>> rows) : rows_(rows) {}
+
+    // A record of everything with a heading of its own in text mode.
+    Fields(std::string (*title)(const Source&), std::initializer_list<FieldRow<Source>> rows)
+        : title_(title), rows_(rows) {}
+
+    Record Make(const Source& source) const {
+        Record record;
+        if (title_ != nullptr) {
+            record.title = title_(source);
+        }
+        for (const FieldRow<Source>& row : rows_) {
+            row.Add(source, record);
+        }
+        return record;
+    }
+
+    Shape ShapeOfAll() const {
+        Shape shape;
+        for (const FieldRow<Source>& row : rows_) {
+            shape.push_back(row.ShapeOf());
+        }
+        return shape;
+    }
+
+    Record Prototype() const { return PrototypeOf(ShapeOfAll()); }
+
+  private:
+    std::string (*title_)(const Source&) = nullptr;
+    std::vector<FieldRow<Source>> rows_;
+};
+
+}  // namespace tools
