@@ -104,11 +104,11 @@ enum HX_NVRAM_MODE {
 /*
  * Takes the update lock of the adapter. All processes and all ports of the adapter share it; the
  * taker itself is refused, too, while it is held. It is freed by HXEndFlashUpdate, at the latest
- * after 15 minutes, and when the process ends; after more than 900 seconds another start takes it
- * over. *lockKey takes the key for the end (the process ID), 0 when it is refused. The lock is
- * advisory: two starts at the same instant may both succeed. Statuses: HXMGT_SESSION_IN_PROGRESS
- * held; HXMGT_OUT_OF_MEMORY no lock for this adapter (256 adapters have one, or its serial number
- * cannot be read; *lockKey is not written).
+ * after 15 minutes, and when the process ends or unloads the library; after more than 900 seconds
+ * another start takes it over. *lockKey takes the key for the end (the process ID), 0 when it is
+ * refused. The lock is advisory: two starts at the same instant may both succeed. Statuses:
+ * HXMGT_SESSION_IN_PROGRESS held; HXMGT_OUT_OF_MEMORY no lock for this adapter (256 adapters have
+ * one, or its serial number cannot be read; *lockKey is not written).
  */
 HX_STATUS HXStartFlashUpdate(uint32_t handle, uint64_t reserved, uint32_t* lockKey);
 

@@ -1,7 +1,7 @@
 // Load and unload of the library.
 #include <windows.h>
 
-#include "flash/update_lock.h"
+#include "flash/watchdogs.h"
 #include "frame/library_state.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {

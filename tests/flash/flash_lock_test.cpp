@@ -1,3 +1,6 @@
+#include <atomic>
+#include <random>
+#include <thread>
 #include <vector>
 
 #include "support/flash_driver.h"
@@ -92,6 +95,10 @@ TEST_F(FlashLockTest, HeldFor900SecondsAndTakenOverAfterwards) {
         clock.Set(start);
         ASSERT_EQ(0u, Start(handle));
         ASSERT_TRUE(UpdateClock::AwaitSleeper());
+        HANDLE first = nullptr;
+        ASSERT_TRUE(DuplicateHandle(
+            GetCurrentProcess(), reinterpret_cast<HANDLE>(static_cast<uintptr_t>(Lock().watchdog)),
+            GetCurrentProcess(), &first, 0, FALSE, DUPLICATE_SAME_ACCESS));
         clock.Set(start + 900999);
         EXPECT_EQ(HXMGT_SESSION_IN_PROGRESS, Start(handle));
         clock.Set(start + 901000);
@@ -105,6 +112,8 @@ TEST_F(FlashLockTest, HeldFor900SecondsAndTakenOverAfterwards) {
         EXPECT_EQ(key, Lock().owner);
         // The old one goes on, and frees the lock of whoever holds it when it wakes.
         UpdateClock::WakeSleepers();
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(first, 5000));
+        CloseHandle(first);
         EXPECT_EQ(0u, Lock().owner);
         EXPECT_EQ(0u, Lock().watchdog);
         EXPECT_EQ(start + 901000, Lock().startTick);
@@ -162,6 +171,81 @@ TEST_F(FlashLockTest, AcrossProcesses) {
     EXPECT_EQ(0u, HXEndFlashUpdate(handle, 0, GetCurrentProcessId()));
 }
 
+// A process that unloads the library takes its watchdogs along, whoever has the lock by then.
+TEST_F(FlashLockTest, UnloadAfterAnotherProcessHadTheLock) {
+    for (const bool takenOver : {false, true}) {
+        SCOPED_TRACE(takenOver);
+        UnloadingPeer peer(kSerial);
+        ASSERT_EQ("0", peer.Start());
+        const uint32_t theirs = peer.ProcessId();
+        ASSERT_EQ(theirs, Lock().owner);
+        if (takenOver) {
+            clock.Set(Lock().startTick + 901000);
+            ASSERT_EQ(0u, Start(handle));
+        } else {
+            ASSERT_EQ(0u, HXEndFlashUpdate(handle, 0, theirs));
+        }
+        peer.Unload();
+        EXPECT_EQ("gone ended", peer.Wake());
+        EXPECT_EQ(takenOver ? GetCurrentProcessId() : 0, Lock().owner);
+        EXPECT_EQ(0u, peer.Finish());
+        HXEndFlashUpdate(handle, 0, GetCurrentProcessId());
+    }
+}
+
+TEST_F(FlashLockTest, UnloadWhileAWatchdogAsksItsDriver) {
+    UnloadingPeer peer(kSerial);
+    ASSERT_EQ("0", peer.StartAndHang());
+    EXPECT_EQ("loaded", peer.Unload()) << "its code is still needed";
+    EXPECT_EQ(peer.ProcessId(), Lock().owner);
+    EXPECT_EQ("gone ended", peer.Answer());
+    EXPECT_EQ(0u, Lock().owner) << "given back";
+    EXPECT_EQ(0u, peer.Finish());
+}
+
+// Any process can write the records, at any time.
+TEST_F(FlashLockTest, RecordsThatChangeAllTheTime) {
+    FlashPeer peer(kSerial);
+    const uint32_t theirs = peer.ProcessId();
+    peer.Start();
+    frame::FlashLock* const lock = &Lock();
+    std::atomic<bool> ends{false};
+    std::thread writer([&] {
+        std::minstd_rand random(5);
+        while (!ends) {
+            const uint32_t owners[] = {0, theirs, static_cast<uint32_t>(random())};
+            lock->owner = owners[random() % 3];
+            lock->startTick = static_cast<uint32_t>(random());
+            lock->watchdog = random() % 1024 * 4;
+            lock->serial[random() % 32] = static_cast<char>(random() % 3);
+            snprintf(lock->serial, 32, "\x01%s", kSerial.c_str());
+        }
+    });
+    EXPECT_EQ("done", peer.Rounds(300));
+    ends = true;
+    writer.join();
+    EXPECT_EQ(0u, peer.Finish());
+}
+
+// What stands in the shared record as a thread handle is somebody's number and no handle.
+TEST_F(FlashLockTest, ThreadHandlesOfTheRecordAreNotUsed) {
+    const HANDLE ours = CreateThread(
+        nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, 0, nullptr);
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ours, 5000));
+    ASSERT_EQ(0u, Start(handle));
+    ASSERT_TRUE(UpdateClock::AwaitSleeper());
+    const auto watchdog = reinterpret_cast<HANDLE>(static_cast<uintptr_t>(Lock().watchdog));
+    HANDLE kept = nullptr;
+    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), watchdog, GetCurrentProcess(), &kept, 0, FALSE,
+                                DUPLICATE_SAME_ACCESS));
+    Lock().watchdog = reinterpret_cast<uintptr_t>(ours);
+    EXPECT_EQ(0u, HXEndFlashUpdate(handle, 0, GetCurrentProcessId()));
+    EXPECT_NE(0u, GetThreadId(ours)) << "still open";
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(kept, 5000)) << "the watchdog itself is ended";
+    CloseHandle(kept);
+    CloseHandle(ours);
+}
+
 TEST_F(FlashLockTest, AdaptersWithoutARecord) {
     for (size_t i = 0; i < std::size(locks->locks); ++i) {
         snprintf(locks->locks[i].serial, 32, "\x01TAKEN%zu", i);
@@ -170,6 +254,7 @@ TEST_F(FlashLockTest, AdaptersWithoutARecord) {
     EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Start(handle, &key));
     EXPECT_EQ(kUntouched, key);
     EXPECT_EQ(HXMGT_INVALID_REQUEST, HXEndFlashUpdate(handle, 0, 0));
+    memset(locks->locks[0].serial, 'A', 32);  // without an end
     memset(locks->locks[200].serial, 0, 32);
     EXPECT_EQ(0u, Start(handle, &key));
     EXPECT_EQ(&locks->locks[200], &Lock());

@@ -7,6 +7,8 @@ namespace support {
 
 namespace {
 
+HMODULE named = nullptr;
+
 template <typename T>
 const T* At(HMODULE module, uint32_t offset) {
     return reinterpret_cast<const T*>(reinterpret_cast<const uint8_t*>(module) + offset);
@@ -42,7 +44,11 @@ std::vector<Import> ImportsOf(HMODULE module) {
 }
 
 HMODULE LibraryModule() {
-    return GetModuleHandleA("VXMGMT.DLL");
+    return named != nullptr ? named : GetModuleHandleA("VXMGMT.DLL");
+}
+
+void UseLibrary(HMODULE module) {
+    named = module;
 }
 
 ImportRedirection::ImportRedirection(HMODULE module, const char* function, void* replacement) {

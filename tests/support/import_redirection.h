@@ -40,8 +40,9 @@ struct Import {
 // Every function that a loaded module imports by name.
 std::vector<Import> ImportsOf(HMODULE module);
 
-// The library under test.
+// The library under test: the one that this program is linked with, unless another was named.
 HMODULE LibraryModule();
+void UseLibrary(HMODULE module);
 
 // Redirects one function of the library for the life of the returned object; a missing import ends
 // the test run, because the test would prove nothing.
