@@ -173,9 +173,10 @@ HX_STATUS HXGetOptionRomLayoutEx(uint32_t handle, uint64_t reserved, HX_FLASH_LA
 HX_STATUS HXGetOptionRom(uint32_t handle, uint64_t reserved, void* buffer, uint32_t bufferSize);
 
 /*
- * Reads one region; bufferSize is at least its size. A region above 64 KiB needs room for its size
- * rounded up to whole KiB: the last piece is written whole. HXMGT_OPTION_ROM_REGION_INVALID: no
- * such region; HXMGT_OPTION_ROM_SIZE_TOO_BIG: it is larger than the buffer.
+ * Reads one region; bufferSize is at least its size. A region above 64 KiB comes in whole KiB: what
+ * follows its end in the last one is written, too, as far as bufferSize goes.
+ * HXMGT_OPTION_ROM_REGION_INVALID: no such region; HXMGT_OPTION_ROM_SIZE_TOO_BIG: it is larger than
+ * the buffer.
  */
 HX_STATUS HXGetOptionRomEx(uint32_t handle, uint64_t reserved, void* buffer, uint32_t bufferSize,
                            uint32_t regionCode);

@@ -158,7 +158,7 @@ HX_STATUS GetNvram(uint32_t handle, uint32_t mode, void* buffer, uint32_t size) 
         return status;
     }
     return size < region.size ? HX_STATUS{HXMGT_BUFFER_TOO_SMALL}
-                              : ReadRegionWithin(handle, region.code, region.size, {block, size});
+                              : ReadRegion(handle, region.code, region.size, {block, size});
 }
 
 HX_STATUS UpdateNvram(uint32_t handle, uint32_t mode, void* buffer, uint32_t size) {

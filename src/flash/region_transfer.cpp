@@ -27,36 +27,35 @@ HX_STATUS ForEachChunk(uint32_t size, Move move) {
 
 }  // namespace
 
-HX_STATUS ReadRegion(uint32_t handle, uint32_t regionCode, uint32_t size, uint8_t* buffer) {
+HX_STATUS ReadRegion(uint32_t handle, uint32_t regionCode, uint32_t size,
+                     std::span<uint8_t> buffer) {
     const uint32_t code = transport::command::FlashRead.code;
     const auto subCode = static_cast<uint16_t>(regionCode);
     uint32_t returned = 0;
     if (size <= kChunkBytes) {
-        return transport::SendExtended(handle, code, subCode, nullptr, 0, buffer, size, &returned);
+        return transport::SendExtended(handle, code, subCode, nullptr, 0, buffer.data(), size,
+                                       &returned);
     }
-    // The last piece is not cut to the region's end: intended.
     return ForEachChunk(
-        size, [&](const ChunkRequest& request, uint32_t offset, uint32_t, uint32_t whole) {
-            return transport::SendExtended(handle, code, subCode, &request, sizeof request,
-                                           buffer + offset, whole, &returned);
+        size,
+        [&](const ChunkRequest& request, uint32_t offset, uint32_t, uint32_t whole) -> HX_STATUS {
+            const auto read = [&](uint8_t* out) {
+                return transport::SendExtended(handle, code, subCode, &request, sizeof request, out,
+                                               whole, &returned);
+            };
+            // The last piece is cut to the buffer's end, and not to the region's: intended.
+            const std::span<uint8_t> rest = buffer.subspan(offset);
+            if (whole <= rest.size()) {
+                return read(rest.data());
+            }
+            const frame::Bytes piece = frame::UnclearedBytes(whole);
+            if (piece == nullptr) {
+                return HXMGT_OUT_OF_MEMORY;
+            }
+            const HX_STATUS status = read(piece.get());
+            std::memcpy(rest.data(), piece.get(), std::min<size_t>(returned, rest.size()));
+            return status;
         });
-}
-
-HX_STATUS ReadRegionWithin(uint32_t handle, uint32_t regionCode, uint32_t size,
-                           std::span<uint8_t> buffer) {
-    const size_t whole = size > kChunkBytes ? size_t{WholeKib(size)} * 1024 : size;
-    if (whole <= buffer.size()) {
-        return ReadRegion(handle, regionCode, size, buffer.data());
-    }
-    const frame::Bytes region = frame::ZeroedBytes(whole);
-    if (region == nullptr) {
-        return HXMGT_OUT_OF_MEMORY;
-    }
-    const HX_STATUS status = ReadRegion(handle, regionCode, size, region.get());
-    if (status == HXMGT_SUCCESS) {
-        std::memcpy(buffer.data(), region.get(), size);
-    }
-    return status;
 }
 
 HX_STATUS WriteRegion(uint32_t handle, uint32_t regionCode, std::span<const uint8_t> image) {

@@ -146,7 +146,7 @@ HX_STATUS GetRegion(uint32_t handle, void* buffer, uint32_t bufferSize, uint32_t
     }
     return *size > bufferSize
                ? HX_STATUS{HXMGT_OPTION_ROM_SIZE_TOO_BIG}
-               : ReadRegion(handle, regionCode, *size, static_cast<uint8_t*>(buffer));
+               : ReadRegion(handle, regionCode, *size, {static_cast<uint8_t*>(buffer), bufferSize});
 }
 
 HX_STATUS UpdateRegion(uint32_t handle, void* image, uint32_t imageSize, uint32_t regionCode) {

@@ -39,7 +39,7 @@ HX_STATUS GetVpd(uint32_t handle, void* buffer, uint32_t* size) {
         return HXMGT_BUFFER_TOO_SMALL;
     }
     const HX_STATUS status =
-        ReadRegionWithin(handle, region.code, region.size, {static_cast<uint8_t*>(buffer), room});
+        ReadRegion(handle, region.code, region.size, {static_cast<uint8_t*>(buffer), room});
     if (status == HXMGT_SUCCESS) {
         *size = region.size;
     }

@@ -73,6 +73,27 @@ TEST_F(FlashRegionTest, ReadsAround64Kib) {
     }
 }
 
+// Whatever the table claims: what of a whole last KiB is behind the buffer is left out.
+TEST_F(FlashRegionTest, ReadsStayInTheCallersBuffer) {
+    for (const auto& [size, room] : {std::pair{69998u, 69999u},
+                                     {65537u, 65537u},
+                                     {131071u, 131071u},
+                                     {65537u, 66000u},
+                                     {65537u, 66560u},
+                                     {65537u, 70000u}}) {
+        StartWith(0x7740, {{9, size}});
+        GuardedBuffer buffer(room);
+        ASSERT_EQ(0u, HXGetOptionRomEx(handle, 0, buffer.Data(), room, 9)) << size;
+        EXPECT_EQ(2u, Reads().size());
+        const uint32_t whole = std::min(room, (size + 1023) / 1024 * 1024);
+        Bytes expected = Counting(65536, 1);
+        const Bytes last = Counting(whole - 65536, 2);
+        expected.insert(expected.end(), last.begin(), last.end());
+        expected.resize(room, 0xEE);
+        EXPECT_EQ(expected, Bytes(buffer.Data(), buffer.Data() + room)) << size << " in " << room;
+    }
+}
+
 TEST_F(FlashRegionTest, ReadsThatAreRefused) {
     StartWith(0x7740, {{1, 5, 0xFF}, {9, 70000}});
     GuardedBuffer buffer(70000 / 1024 * 1024 + 1024);
