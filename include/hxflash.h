@@ -234,7 +234,8 @@ HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t reserved, const vo
  *
  * Older chips have a block of HX_NVRAM_CLASSIC_BYTES, large-ROM and region-layout chips one of
  * HX_NVRAM_EXTENDED_BYTES in a flash region of the port. Both begin with "KPU ". On chips with two
- * banks, reads come from the bank in use and writes go to the other one.
+ * banks, reads come from the bank in use and writes go to the other one; while the port is
+ * disabled, or when it does not tell, the first bank counts as the one in use.
  * --------------------------------------------------------------------------------------------- */
 
 /*

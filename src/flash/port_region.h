@@ -11,7 +11,7 @@ namespace flash {
 HX_STATUS IdentifyPort(uint32_t handle, PortIdentity& port);
 
 // The region that an access goes to; asks the driver for the active bank where that decides.
-// HXMGT_INVALID_REQUEST when the port has none.
+// An answer that does not come counts as the first. HXMGT_INVALID_REQUEST when the port has none.
 HX_STATUS ChoosePortRegion(uint32_t handle, const PortRegionRules& rules, const PortIdentity& port,
                            Direction direction, uint32_t& regionCode);
 
