@@ -271,7 +271,10 @@ const char* HXGetVariableDescription(uint32_t reserved, uint32_t variable);
 /* Not 0 when a variable may not be changed on the chip family of a classic block. */
 uint32_t HXIsVariableReadOnly(const void* block, uint32_t variable);
 
-/* Writes the variables of a classic block to a text file. 1, or 0 when it cannot be written. */
+/*
+ * Writes the variables of a classic block to a text file: 188 lines, the signature in quotation
+ * marks with its characters as they are. 1, or 0 when it cannot be written.
+ */
 int32_t WriteNVRamFile(const void* block, const char* path);
 
 /*

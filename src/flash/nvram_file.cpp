@@ -21,7 +21,8 @@ bool WriteNvramFile(const void* block, const char* path) {
     if (block == nullptr || path == nullptr) {
         return false;
     }
-    OwnedStream file(std::fopen(path, "w"));
+    // Lines get their ends here: in a text stream the characters of a signature would change.
+    OwnedStream file(std::fopen(path, "wb"));
     if (!file.Valid()) {
         return false;
     }
@@ -30,8 +31,9 @@ bool WriteNvramFile(const void* block, const char* path) {
     bool written = true;
     for (uint32_t index = 0; index < kVariables; ++index) {
         VariableLine line;
-        FormatVariableLine(bytes, index, line);
-        written &= std::fputs(line, file.Get()) >= 0;
+        const size_t length = FormatVariableLine(bytes, index, line) - 1;
+        written &= std::fwrite(line, 1, length, file.Get()) == length;
+        written &= std::fputs("\r\n", file.Get()) >= 0;
     }
     // Closing writes the rest; a full disk may show only here.
     return (std::fclose(file.Release()) == 0) && written;
@@ -45,18 +47,17 @@ bool ReadNvramFile(const char* path, void* block, uint32_t mode, bool keep) {
     const std::span<uint8_t, kClassicBlock> bytes(static_cast<uint8_t*>(block), kClassicBlock);
     // The block is prepared before the file is opened: intended.
     VariableReader reader(bytes, mode == kClearFirst, keep);
-    const OwnedStream file(std::fopen(path, "r"));
+    const OwnedStream file(std::fopen(path, "rb"));
     if (!file.Valid()) {
         return false;
     }
-    char line[kLongestLine + 1];
-    while (std::fgets(line, sizeof line, file.Get()) != nullptr) {
-        std::string_view text(line);
-        if (text.ends_with('\n')) {
-            text.remove_suffix(1);
+    LineReader lines;
+    for (int character; (character = std::getc(file.Get())) != EOF;) {
+        if (const auto line = lines.Take(static_cast<char>(character))) {
+            reader.TakeLine(*line);
         }
-        reader.TakeLine(text);
     }
+    reader.TakeLine(lines.Rest());
     return true;
 }
 

@@ -12,14 +12,19 @@ namespace {
 
 using ConstBlock = std::span<const uint8_t, kClassicBlock>;
 
-void FormatSignatureLine(ConstBlock block, VariableLine& line) {
-    char text[sizeof kNvramSignature];
-    std::memcpy(text, block.data(), sizeof text);
-    if (text[0] == 0) {
-        std::memcpy(text, kNvramSignature, sizeof text);
-    }
-    std::snprintf(line, sizeof line, "%-40s%s = \"%c%c%c%c\"\n", kVariableTable[0].name,
-                  "[\"4 characters\"]", text[0], text[1], text[2], text[3]);
+// What stands in front of a signature that was written here.
+constexpr std::string_view kSignatureLead =
+    "id                                      [\"4 characters\"] = \"";
+constexpr size_t kSignatureEnd = kSignatureLead.size() + sizeof kNvramSignature;
+
+size_t FormatSignatureLine(ConstBlock block, VariableLine& line) {
+    const bool none = block[0] == 0;
+    char* end = std::copy(kSignatureLead.begin(), kSignatureLead.end(), line);
+    end = none ? std::copy(std::begin(kNvramSignature), std::end(kNvramSignature), end)
+               : std::copy_n(block.begin(), sizeof kNvramSignature, end);
+    *end++ = '"';
+    *end++ = '\n';
+    return static_cast<size_t>(end - line);
 }
 
 // The decimal number that a text begins with; nothing without a digit.
@@ -37,6 +42,12 @@ std::optional<uint32_t> Number(std::string_view text) {
     return static_cast<uint32_t>(negative ? 0 - number : number);
 }
 
+uint32_t WordOf(std::span<const char, sizeof kNvramSignature> text) {
+    uint32_t number = 0;
+    std::memcpy(&number, text.data(), sizeof number);
+    return number;
+}
+
 // The signature behind an '=': a blank and a quotation mark, then four characters.
 uint32_t SignatureOf(std::string_view value) {
     constexpr size_t kLead = 2;
@@ -47,14 +58,12 @@ uint32_t SignatureOf(std::string_view value) {
         value = value.substr(std::min(kLead, value.size()), text.size());
         std::copy(value.begin(), value.end(), text.begin());
     }
-    uint32_t number = 0;
-    std::memcpy(&number, text.data(), sizeof number);
-    return number;
+    return WordOf(text);
 }
 
 }  // namespace
 
-void FormatVariableLine(ConstBlock block, uint32_t index, VariableLine& line) {
+size_t FormatVariableLine(ConstBlock block, uint32_t index, VariableLine& line) {
     if (index == kSignatureVariable) {
         return FormatSignatureLine(block, line);
     }
@@ -62,9 +71,27 @@ void FormatVariableLine(ConstBlock block, uint32_t index, VariableLine& line) {
     char range[24];
     std::snprintf(range, sizeof range, "[0-%lu]",
                   static_cast<unsigned long>(MaskOf(variable.width)));
-    std::snprintf(line, sizeof line, "%-40s%s = %d\n",
-                  variable.name != nullptr ? variable.name : "", range,
-                  static_cast<int>(GetVariable(block, BlockKind::Classic, index)));
+    return static_cast<size_t>(std::snprintf(
+        line, sizeof line, "%-40s%s = %d\n", variable.name != nullptr ? variable.name : "", range,
+        static_cast<int>(GetVariable(block, BlockKind::Classic, index))));
+}
+
+std::optional<std::string_view> LineReader::Take(char character) {
+    const bool isSignature = SoFar().starts_with(kSignatureLead) && size_ <= kSignatureEnd;
+    if (character != '\n' || (isSignature && size_ < kSignatureEnd)) {
+        text_[size_++] = character;
+        return size_ == kLongestLine ? std::optional(Rest()) : std::nullopt;
+    }
+    if (SoFar().ends_with('\r') && !isSignature) {
+        --size_;
+    }
+    return Rest();
+}
+
+std::string_view LineReader::Rest() {
+    const std::string_view line = SoFar();
+    size_ = 0;
+    return line;
 }
 
 VariableReader::VariableReader(std::span<uint8_t, kClassicBlock> block, bool clear, bool keep)
@@ -100,13 +127,16 @@ void VariableReader::TakeLine(std::string_view line) {
 }
 
 bool VariableReader::Take(uint32_t index, std::string_view line) {
-    const size_t equals = line.rfind('=');
-    if (equals == std::string_view::npos) {
-        return false;
+    std::optional<uint32_t> number;
+    if (index == kSignatureVariable && line.starts_with(kSignatureLead) &&
+        line.size() >= kSignatureEnd) {
+        // Any of the four may be an '='.
+        number =
+            WordOf(std::span<const char>(line).subspan<kSignatureLead.size(), sizeof *number>());
+    } else if (const size_t equals = line.rfind('='); equals != std::string_view::npos) {
+        const std::string_view value = line.substr(equals + 1);
+        number = index == kSignatureVariable ? SignatureOf(value) : Number(value);
     }
-    const std::string_view value = line.substr(equals + 1);
-    const std::optional<uint32_t> number =
-        index == kSignatureVariable ? SignatureOf(value) : Number(value);
     if (!number) {
         return false;
     }

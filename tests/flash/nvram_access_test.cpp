@@ -260,6 +260,33 @@ TEST_F(NvramAccessTest, TextFile) {
                   flash::GetVariable({read.Data(), 256}, flash::BlockKind::Classic, index))
             << index;
     }
+    // Whatever the signature: 188 lines, and the same block again.
+    for (const std::string_view signature :
+         {std::string_view("K\0\0U", 4), std::string_view("=\"==", 4),
+          std::string_view("\"\r\n\x1A", 4), std::string_view("\n\n\n\n", 4),
+          std::string_view("\r\n\r\n", 4), std::string_view("KPU\r", 4),
+          std::string_view(";id ", 4), std::string_view("\xFF\x80 \0", 4)}) {
+        memcpy(block.Data(), signature.data(), 4);
+        ASSERT_EQ(1, WriteNVRamFile(block.Data(), file.Path().c_str()));
+        std::string whole = file.Contents(false);
+        const size_t at = whole.find("] = \"");
+        EXPECT_EQ(signature, whole.substr(at + 5, 4));
+        whole.erase(at + 5, 4);
+        EXPECT_EQ(188, std::count(whole.begin(), whole.end(), '\n'));
+        memset(read.Data(), 0, 256);
+        ASSERT_EQ(1, ReadNVRamFile(file.Path().c_str(), read.Data(), 0, 1));
+        for (uint32_t index = 0; index < 135; ++index) {
+            EXPECT_EQ(flash::GetVariable({block.Data(), 256}, flash::BlockKind::Classic, index),
+                      flash::GetVariable({read.Data(), 256}, flash::BlockKind::Classic, index))
+                << index;
+        }
+    }
+    memcpy(block.Data(), "\0BCD", 4);
+    ASSERT_EQ(1, WriteNVRamFile(block.Data(), file.Path().c_str()));
+    ASSERT_EQ(1, ReadNVRamFile(file.Path().c_str(), read.Data(), 0, 1));
+    EXPECT_EQ(0, memcmp(read.Data(), "KPU ", 4));
+    memcpy(block.Data(), "KPU ", 4);
+
     // A line longer than the reader's counts as several; a last line needs no end.
     FILE* const raw = fopen(file.Path().c_str(), "w");
     const std::string filler(256, 'x');

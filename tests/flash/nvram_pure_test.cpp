@@ -150,8 +150,7 @@ TEST(NvramPure, ReadOnlyByFamily) {
 
 std::string LineOf(const Block& block, uint32_t index) {
     VariableLine line;
-    FormatVariableLine(block, index, line);
-    return line;
+    return {line, FormatVariableLine(block, index, line)};
 }
 
 TEST(NvramPure, Lines) {
@@ -186,16 +185,15 @@ TEST(NvramPure, LinesComeBackAsTheyWere) {
     for (int round = 0; round < 20; ++round) {
         Block block;
         std::generate(block.begin(), block.end(), random);
-        block[0] = 'K';  // a signature that begins with 0 is written as "KPU "
+        if (block[0] == 0) {
+            block[0] = 'K';  // a signature that begins with 0 is written as "KPU "
+        }
         std::vector<std::string> lines;
         for (uint32_t index = 0; index < kVariables; ++index) {
             std::string line = LineOf(block, index);
             line.pop_back();
             lines.push_back(line);
         }
-        // A quotation mark or a newline in the signature is the one thing that need not survive.
-        std::memcpy(block.data(), "KPU ", 4);
-        lines[0] = LineOf(block, 0).substr(0, lines[0].size());
         const Block read = Read(Block{}, lines);
         for (uint32_t index = 0; index < 135; ++index) {
             EXPECT_EQ(GetVariable(block, BlockKind::Classic, index),

@@ -23,7 +23,7 @@ class ScratchFile {
 
     const std::string& Path() const { return path_; }
 
-    std::string Contents() const {
+    std::string Contents(bool asText = true) const {
         std::string text;
         // Shared for writing: the library may still have the file open.
         FILE* file = fopen(path_.c_str(), "rb");
@@ -35,7 +35,7 @@ class ScratchFile {
             fclose(file);
         }
         // The text streams of the C runtime end lines with two characters.
-        for (size_t at; (at = text.find("\r\n")) != std::string::npos;) {
+        for (size_t at; asText && (at = text.find("\r\n")) != std::string::npos;) {
             text.erase(at, 1);
         }
         return text;
