@@ -17,6 +17,9 @@ extern "C" {
 
 /* ------------------------------------------------------------------------------------------------
  * Firmware dumps
+ *
+ * HXMGT_DATA_UNDERRUN: the driver gives a piece without data, or 1000 in a row that are smaller
+ * than asked for.
  * --------------------------------------------------------------------------------------------- */
 
 /* Makes the firmware dump now. */

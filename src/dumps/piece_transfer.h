@@ -26,12 +26,15 @@ HX_STATUS QuerySize(uint32_t handle, transport::Command command,
     return status;
 }
 
+// Short pieces in a row, each less than was asked for and not the last, that end a retrieval.
+inline constexpr uint32_t kMostShortPieces = 1000;
+
 // How the offset of the next request grows: by what came, or by what was asked for.
 enum class Advance { ByDelivered, ByAsked };
 
 // Fetches size bytes into out; head is the header to send and takes the last reply's. A driver
-// that delivers nothing ends with HXMGT_DATA_UNDERRUN; what it claims beyond the reply that came,
-// beyond the size asked for or beyond out is left out.
+// that delivers nothing, or next to nothing time and again, ends with HXMGT_DATA_UNDERRUN; what it
+// claims beyond the reply that came, beyond the size asked for or beyond out is left out.
 template <class Piece>
 HX_STATUS FetchPieces(uint32_t handle, transport::Command command, decltype(Piece::header)& head,
                       uint32_t size, std::span<uint8_t> out, Advance advance) {
@@ -44,6 +47,7 @@ HX_STATUS FetchPieces(uint32_t handle, transport::Command command, decltype(Piec
     request->header.length = kPieceBytes;
     uint32_t asked = 0;  // offset of the next request
     size_t received = 0;
+    uint32_t shortPieces = 0;  // in a row
     while (asked < size) {
         request->header.offset = asked;
         uint32_t returned = 0;
@@ -67,6 +71,10 @@ HX_STATUS FetchPieces(uint32_t handle, transport::Command command, decltype(Piec
         const uint32_t step =
             advance == Advance::ByAsked ? kPieceBytes : static_cast<uint32_t>(delivered);
         asked = step < size - asked ? asked + step : size;
+        shortPieces = delivered < kPieceBytes ? shortPieces + 1 : 0;
+        if (shortPieces == kMostShortPieces && asked < size) {
+            return HXMGT_DATA_UNDERRUN;
+        }
     }
     return HXMGT_SUCCESS;
 }

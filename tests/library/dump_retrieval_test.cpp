@@ -59,7 +59,8 @@ class DumpRetrievalTest : public OneAdapterTest {
             return {.status = pieceStatus, .data = reply};
         }
         const uint32_t left = static_cast<uint32_t>(dump.size()) - offset;
-        const uint32_t delivered = std::min({32768u, left, largestPiece});
+        const uint32_t delivered =
+            std::min({32768u, left, pieces == wholePiece ? 32768 : largestPiece});
         Put32(reply, 0, claimed.value_or(delivered));
         Put32(reply, 4, offset);
         if (kind.isRaw) {
@@ -115,6 +116,7 @@ class DumpRetrievalTest : public OneAdapterTest {
     int failingPiece = 0;
     uint32_t pieceStatus = 0;
     uint32_t largestPiece = 32768;
+    int wholePiece = 0;               // one that is not cut
     std::optional<uint32_t> claimed;  // instead of the delivered length
     std::optional<uint32_t> replied;  // data bytes of a reply, whatever it says
 };
@@ -297,6 +299,29 @@ TEST_F(DumpRetrievalTest, ShortPieces) {
             EXPECT_EQ(dumps[0], outcome.dump);
         }
     }
+}
+
+TEST_F(DumpRetrievalTest, OneByteAtATime) {
+    largestPiece = 1;
+    for (const Kind& kind : kKinds) {
+        SCOPED_TRACE(kind.name);
+        // Asked for at every 32768, a dump of 1000 pieces is a large one.
+        const uint32_t piece = kind.sized == &HXGetFcMctpDump ? 32768 : 1;
+        Keep(kind, Patterned(1000 * piece));
+        EXPECT_EQ(0u, Get(kind, 1000 * piece).status) << "the last of them may be short";
+        EXPECT_EQ(1000, pieces);
+        Keep(kind, Patterned(1000 * piece + 1));
+        const Outcome outcome = Get(kind, 1000 * piece + 1);
+        EXPECT_EQ(HXMGT_DATA_UNDERRUN, outcome.status);
+        EXPECT_EQ(1000, pieces);
+        EXPECT_EQ(kind.isRaw ? 0 : 1000 * piece + 1, outcome.size) << "cleared, or as it was";
+    }
+    // In a row: a whole piece starts the count anew.
+    const Kind& kind = kKinds[0];
+    wholePiece = 1000;
+    Keep(kind, Patterned(999 + 32768 + 1000));
+    EXPECT_EQ(0u, Get(kind, 999 + 32768 + 1000).status);
+    EXPECT_EQ(2000, pieces);
 }
 
 TEST_F(DumpRetrievalTest, MiniDumpOfTwoParts) {
