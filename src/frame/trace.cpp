@@ -82,12 +82,15 @@ int TraceLine(const char* sourceFile, uint32_t line, FILE* stream, const char* f
     return written;
 }
 
-void DumpBytes(FILE* stream, const void* data, uint32_t length) {
+void DumpBytes(FILE* stream, const void* data, uint32_t length, uint32_t came) {
     if (length > kDumpLimit) {
         std::fprintf(stream, "Actual Buffer Length %u\n", length);
     }
-    const std::span<const uint8_t> shown(static_cast<const uint8_t*>(data),
-                                         std::min<size_t>(length, kDumpLimit));
+    uint8_t bytes[kDumpLimit] = {};
+    const std::span<const uint8_t> shown(bytes, std::min<size_t>(length, kDumpLimit));
+    if (const size_t taken = std::min<size_t>(shown.size(), came); taken != 0) {
+        std::memcpy(bytes, data, taken);
+    }
     std::fprintf(stream, "Length Showing = %u\n", static_cast<unsigned>(shown.size()));
     for (size_t offset = 0; offset < shown.size(); offset += kDumpRowBytes) {
         DumpRowText row;

@@ -17,8 +17,8 @@ int TraceLineV(const char* sourceFile, uint32_t line, FILE* stream, const char* 
 int TraceLine(const char* sourceFile, uint32_t line, FILE* stream, const char* format, ...)
     VX_PRINTF_FORMAT(4, 5);
 
-// Dumps length bytes of data, the first 256 of them.
-void DumpBytes(FILE* stream, const void* data, uint32_t length);
+// Dumps length bytes of data, the first 256 of them; those behind the first `came` as zeros.
+void DumpBytes(FILE* stream, const void* data, uint32_t length, uint32_t came = UINT32_MAX);
 
 // Dumps a request to the handle's trace. An extended envelope is followed by its data over
 // length - 88 bytes; any other by the bytes behind the header over length.

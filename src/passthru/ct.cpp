@@ -67,7 +67,7 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
         frame::DumpBytes(trace, request, requestSize);
     }
     const transport::Command command = transport::command::CtPassThrough;
-    uint32_t returned = 0;
+    uint32_t returned = responseSize;  // what older drivers give counts as whole
     const HX_STATUS status =
         properties::TakesExtendedRequests(handle)
             ? transport::SendExtended(handle, command.code, command.subCode, request, requestSize,
@@ -81,7 +81,7 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
     }
     if (trace != nullptr) {
         VX_TRACE(trace, "CT Response buffer from DeviceIoControl\n");
-        frame::DumpBytes(trace, response, responseSize);
+        frame::DumpBytes(trace, response, responseSize, returned);
     }
     return HXMGT_SUCCESS;
 }

@@ -109,13 +109,14 @@ class ExtendedExchange {
             *returned = Envelope().ext.responseLen;  // the size the driver needs; nothing is copied
             return rule.status;
         }
+        if (rule.copiesReply || (IsMailboxFailure() && ReturnsMailboxRegisters())) {
+            *returned = CopyReply();
+        }
+        ClearBehindReply();
         if (driverStatus == DriverStatus::Success) {
             TraceWithDump("Output buffer from DeviceIoControl\n", call_.outputLength);
         } else if (IsMailboxFailure()) {
             TraceWithDump("Mailbox Failure\n", 0);
-        }
-        if (rule.copiesReply || (IsMailboxFailure() && ReturnsMailboxRegisters())) {
-            *returned = CopyReply();
         }
         if (rule.status == HXMGT_SCSI_CHECK_CONDITION) {
             TraceWithDump("Output Sense Data\n", *returned);
@@ -156,6 +157,14 @@ class ExtendedExchange {
             std::memcpy(output_, Data(), length);
         }
         return length;
+    }
+
+    // What did not come back is not in the trace.
+    void ClearBehindReply() {
+        const uint32_t came = std::max<uint32_t>(transferred_, kEnvelopeLength) - kEnvelopeLength;
+        if (trace_ != nullptr && came < room_) {
+            std::memset(Data() + came, 0, room_ - came);
+        }
     }
 
     void TraceWithDump(const char* title, uint32_t dataLength) {

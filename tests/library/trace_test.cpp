@@ -140,6 +140,55 @@ TEST_F(TraceTest, ExtendedRequest) {
         WithoutLines(End()));
 }
 
+// What did not come back is not in the dump: neither the heap's bytes nor the request's.
+TEST_F(TraceTest, ShortReplies) {
+    Trace();
+    uint32_t returned = 0;
+    const Bytes request = Counting(40, 0x61);
+    Bytes reply(20);
+    const std::string nothing = "  :  ................\n";
+    const std::string zeros = " 00 00 00 00 00 00 00 00";
+    for (const uint32_t status : {0u, 15u}) {
+        // A reply of 3 bytes that claims 20.
+        port->Next({.status = status,
+                    .detailStatus = 2,
+                    .data = {0x41, 0x42, 0x43},
+                    .responseLength = 20});
+        SRBWithHeaderDeviceIoControl(handle, 0xF0001009, 1, request.data(), 40, reply.data(), 20,
+                                     &returned);
+        EXPECT_EQ(20u, returned);
+        const std::string text = WithoutLines(End());
+        EXPECT_TRUE(
+            text.ends_with("Length Showing = 20\n"
+                           "  0000 :  41 42 43 00 00 00 00 00" +
+                           zeros +
+                           "  :  ABC.............\n"
+                           "  0010 :  00 00 00 00                                      :  "
+                           "....            \n"))
+            << text;
+        Trace();
+    }
+    // From buffers that the heap has used before.
+    for (uint32_t length = 1; length <= 150; ++length) {
+        const Bytes used(length, 0xA5);
+        Bytes out(length);
+        port->Next({.data = Bytes(length, 0xA5)});
+        SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, used.data(), length, out.data(), length,
+                                     &returned);
+    }
+    End();
+    Trace();
+    port->Next({});
+    Bytes out(128);
+    SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, nullptr, 0, out.data(), 128, &returned);
+    std::string expected = "Length Showing = 128\n";
+    for (const char* const row : {"00", "10", "20", "30", "40", "50", "60", "70"}) {
+        expected += std::string("  00") + row + " : " + zeros + zeros + nothing;
+    }
+    const std::string text = End();
+    EXPECT_TRUE(text.ends_with(expected)) << text;
+}
+
 TEST_F(TraceTest, PlainRequest) {
     port->OnPlain(0xF0000017, {.data = {0x41, 0x42}});
     Trace();
