@@ -9,7 +9,8 @@
 
 namespace persist {
 
-// A block as the registry holds it.
+// A block as the registry held it when it was read: its length is that of Bytes(), whatever the
+// registry says by now.
 class StoredBlock {
   public:
     std::span<uint8_t> Bytes() { return {bytes_.get(), size_}; }

@@ -73,20 +73,16 @@ HX_STATUS PortStore::WriteTargets(const HX_TARGET_DATA& block) const {
 }
 
 HX_STATUS PortStore::ReadTargets(HX_TARGET_DATA& block) const {
-    const bool inSubkey = values_.KeyLayout() == Layout::Subkeys;
-    const uint32_t length = values_.ReadNumber(value::kLength);
-    if (inSubkey &&
-        (length != sizeof block || values_.ReadNumber(value::kVersion) != kTargetDataVersion)) {
-        return HXMGT_REGISTRY_INVALID;
-    }
     StoredBlock stored;
     if (!stored.Read(values_, value::kLength, value::kData, sizeof block)) {
         return HXMGT_REGISTRY_INVALID;
     }
     // A missing checksum counts as 0, the checksum of a block of zeros.
-    if (inSubkey &&
-        values_.ReadNumber(value::kChecksum) !=
-            TargetDataChecksum(*reinterpret_cast<const HX_TARGET_DATA*>(stored.Bytes().data()))) {
+    if (values_.KeyLayout() == Layout::Subkeys &&
+        (stored.Bytes().size() != sizeof block ||
+         values_.ReadNumber(value::kVersion) != kTargetDataVersion ||
+         values_.ReadNumber(value::kChecksum) !=
+             TargetDataChecksum(*reinterpret_cast<const HX_TARGET_DATA*>(stored.Bytes().data())))) {
         return HXMGT_REGISTRY_INVALID;
     }
     std::memcpy(&block, stored.Bytes().data(), stored.Bytes().size());

@@ -131,6 +131,35 @@ TEST_F(PersistStoreTest, DamagedTargetsAreRefused) {
     EXPECT_EQ(0u, ReadTargets());
 }
 
+// Another process shortens the block between two looks at its length. Memory behind it that
+// happens to fit the checksum makes no whole block of it.
+TEST_F(PersistStoreTest, ALengthThatChangesOnTheWay) {
+    HX_TARGET_DATA cut = {};
+    cut.count = 1;
+    cut.entries[0].bus = 3;
+    ASSERT_EQ(0u, WriteTargets(cut));
+    Store(subkey, "Data", BlockBytes(&cut, 40));
+    static std::string key;
+    key = subkey;
+    static int lengths;
+    lengths = 0;
+    const auto query = RedirectLibrary(
+        "RegQueryValueExA",
+        +[](HKEY opened, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
+            LPDWORD size) -> LSTATUS {
+            const LSTATUS error = RegQueryValueExA(opened, name, reserved, type, data, size);
+            if (strcmp(name, "Length") == 0 && ++lengths == 1) {
+                const uint32_t shorter = 40;
+                RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_DWORD, &shorter,
+                                sizeof shorter);
+            }
+            return error;
+        });
+    const auto allocate = RedirectLibrary(
+        "calloc", +[](size_t count, size_t size) { return calloc(1, count * size + 16384); });
+    EXPECT_EQ(HXMGT_REGISTRY_INVALID, ReadTargets());
+}
+
 TEST_F(PersistStoreTest, AWriteThatBreaksOffIsSeenByTheNextRead) {
     ASSERT_EQ(0u, WriteTargets(Targets(2)));
     HX_TARGET_DATA changed = Targets(2);
