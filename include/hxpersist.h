@@ -235,7 +235,8 @@ HX_STATUS HXUpdateHbaTargetLunMask(uint32_t handle, uint64_t reserved,
 /*
  * The same by name, identifier or bus and target. toRegistry not 0: in the store, by name only
  * (else HXMGT_NOT_SUPPORTED); LUNs that the mask does not reach keep their state. A target without
- * a record gets one, with those LUNs masked. HXMGT_REGISTRY_INVALID: there is no stored data, it is
+ * a record gets one, with those LUNs masked; its other name comes from the stored targets, and is
+ * the one given when they do not have it. HXMGT_REGISTRY_INVALID: there is no stored data, it is
  * damaged or full, or it could not be written.
  */
 HX_STATUS HXUpdateHbaTargetLunMaskFC(uint32_t handle, uint64_t reserved,

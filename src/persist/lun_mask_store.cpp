@@ -87,20 +87,18 @@ class MaskStore {
     frame::Bytes luns_;
 };
 
-// The names of a target that the caller gave one of; the other comes from the stored targets and
-// stays zero when they do not have it.
+// The names of a target that the caller gave one of. The other comes from the stored targets; when
+// they do not have it, the name given stands for both, so that its record is found again.
 MaskedTarget NamesOf(const MaskTarget& target, std::span<const HX_TARGET_ENTRY> stored) {
     MaskedTarget names{};
     names.bySecondName = target.address.type == HX_ADDRESS_PORT_NAME;
     const auto found =
         std::find_if(stored.begin(), stored.end(),
                      [&](const HX_TARGET_ENTRY& entry) { return Names(target, entry); });
-    if (found != stored.end()) {
-        std::memcpy(names.nodeName, found->nodeName, kNameSize);
-        std::memcpy(names.portName, found->portName, kNameSize);
-    }
-    std::memcpy(names.bySecondName ? names.portName : names.nodeName, target.address.address,
-                kNameSize);
+    const bool known = found != stored.end();
+    const uint8_t* const given = target.address.address;
+    std::memcpy(names.nodeName, known ? found->nodeName : given, kNameSize);
+    std::memcpy(names.portName, known ? found->portName : given, kNameSize);
     return names;
 }
 

@@ -84,7 +84,9 @@ uint32_t Write(std::span<uint8_t> room, uint32_t length, const MaskedTarget& tar
     std::memcpy(added.portName, target.portName, kNameSize);
     HideAll(added);
     WriteMask(mask, added);
-    return BlockLength<Record>(count);
+    // Longer by one record than it was, as far as a block may be.
+    const size_t grown = std::max<size_t>(BlockLength<Record>(count), length + sizeof(Record));
+    return static_cast<uint32_t>(std::min(grown, room.size()));
 }
 
 }  // namespace

@@ -26,8 +26,9 @@ struct MaskedTarget {
 };
 
 // Sets the mask of the target's record in the block, the first length bytes of room; adds a record
-// behind the last one when there is none. Returns the block's length afterwards, or 0 when no
-// record can be added. room is as large as a block of the version can be.
+// behind the last one when there is none. Returns the block's length afterwards, longer by the
+// record that was added, or 0 when none can be. room is as large as a block of the version can be,
+// and zero behind the block.
 uint32_t WriteStoredMask(uint32_t version, std::span<uint8_t> room, uint32_t length,
                          const MaskedTarget& target, std::span<const uint8_t> mask);
 

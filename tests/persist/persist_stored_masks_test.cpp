@@ -213,12 +213,31 @@ TEST_F(PersistStoredMasksTest, ATargetWithoutARecordGetsOne) {
             ASSERT_EQ(0u, Get(ByName(1, NameOf(2)), 1, mask));
             EXPECT_EQ(Bytes(256, 0x0F), mask);
         }
-        // A target that the stored data does not have: its other name is not known.
-        StoreLuns(version, LunBlock(version, {1}));
-        ASSERT_EQ(0u, Update(ByName(1, NameOf(9)), 1, Bytes(256)));
-        Bytes block = Stored(maskKey, "LunData");
-        EXPECT_EQ(Bytes(8), Bytes(block.begin() + 32 + static_cast<ptrdiff_t>(size) + 8,
-                                  block.begin() + 32 + static_cast<ptrdiff_t>(size) + 16));
+        // A target that the stored data does not have: its one name stands for both, so that the
+        // next update finds the record.
+        for (const uint16_t type : {uint16_t{1}, uint16_t{2}}) {
+            StoreLuns(version, LunBlock(version, {1}));
+            for (int update = 0; update < 2; ++update) {
+                ASSERT_EQ(0u, Update(ByName(type, NameOf(9)), 1, Bytes(256)));
+                const Bytes block = Stored(maskKey, "LunData");
+                EXPECT_EQ(32 + 2 * size, block.size());
+                HX_LUN_RECORD names = {};
+                SetNames(names, NameOf(9), NameOf(9));
+                EXPECT_EQ(0, memcmp(&names, &block[32 + size], 32)) << type;
+            }
+        }
+        // The length grows by one record from what it was, as far as a block goes.
+        const uint32_t largest = version == 1 ? 73760 : 532512;
+        for (const uint32_t length : {static_cast<uint32_t>(32 + 3 * size + 5), largest}) {
+            Bytes longer = LunBlock(version, {1});
+            longer.resize(length);
+            StoreLuns(version, longer);
+            ASSERT_EQ(0u, Update(ByName(1, NameOf(2)), 1, Bytes(256)));
+            const uint32_t grown = std::min(largest, static_cast<uint32_t>(length + size));
+            EXPECT_EQ(NumberBytes(grown), Stored(maskKey, "LunLength"));
+            EXPECT_EQ(grown, Stored(maskKey, "LunData").size());
+            EXPECT_EQ(0u, Check(ByName(1, NameOf(2)), 1));
+        }
         // Broken off behind the data: the length does not fit any more.
         StoreLuns(version, LunBlock(version, {1}));
         {
