@@ -35,24 +35,29 @@ HX_STATUS ScanBoth(Scan scan) {
     return scan(kDeviceZeroStores);
 }
 
+// A malformed name ends the list in subkeys, and its service in value names.
 HX_STATUS ListDevices(const StoreKind& kind, HX_WWN_LIST& list) {
-    return WalkStores(kind, AnyPort, [&](const PortValues&, const Wwn& wwn) {
-        AddUniqueName(list, wwn.data());
-        return AfterPort::NextPort;
-    });
+    const AfterPort afterFailure =
+        kind.layout == Layout::Subkeys ? AfterPort::End : AfterPort::NextService;
+    const auto add = [&](const FoundPort& found) -> Step {
+        const std::optional<Wwn> port = found.Port();
+        if (!port) {
+            return {afterFailure, true};
+        }
+        AddUniqueName(list, port->data());
+        return {AfterPort::NextPort};
+    };
+    return WalkStores(kind, AnyPort, add, afterFailure);
 }
 
 template <class Wanted>
 HX_STATUS ListTargets(const StoreKind& kind, Wanted wanted, HX_WWN_LIST& list) {
-    HX_STATUS status = HXMGT_SUCCESS;
-    const HX_STATUS walk = WalkStores(kind, wanted, [&](const PortValues& port, const Wwn&) {
-        if (AddTargets(port, list)) {
-            return AfterPort::NextPort;
-        }
-        status = HXMGT_PERSISTENT_STORAGE_ERROR;
-        return AfterPort::NextService;
+    return WalkStores(kind, wanted, [&](const FoundPort& found) -> Step {
+        const std::optional<PortValues> values = found.Values();
+        return found.Port() && values && AddTargets(*values, list)
+                   ? Step{AfterPort::NextPort}
+                   : Step{AfterPort::NextService, true};
     });
-    return status != HXMGT_SUCCESS ? status : walk;
 }
 
 struct Deletion {
@@ -61,30 +66,30 @@ struct Deletion {
     HX_STATUS walk = HXMGT_SUCCESS;
 };
 
-// Deletes the first port of that name in the walk.
+// Deletes the first port of that name in the walk, under the name that it has by rights: what else
+// begins with it is left, and counts as a deletion that fails. Malformed names are walked past.
 Deletion DeleteDevice(const StoreKind& kind, const Wwn& wanted) {
     Deletion result;
-    result.walk = WalkStores(kind, AnyPort, [&](const PortValues& port, const Wwn& wwn) {
-        if (wwn != wanted) {
-            return AfterPort::NextPort;
+    result.walk = WalkStores(kind, AnyPort, [&](const FoundPort& found) -> Step {
+        const std::optional<Wwn> port = found.Port();
+        if (port != wanted) {
+            return {AfterPort::NextPort, !port};
         }
+        const PortValues values = found.ValuesOf(wanted);
         result.found = true;
-        result.deleted = kind.layout == Layout::Subkeys ? port.DeleteKey() : DeleteValues(port);
-        return AfterPort::End;
+        result.deleted = kind.layout == Layout::Subkeys ? values.DeleteKey() : DeleteValues(values);
+        return {AfterPort::End};
     });
     return result;
 }
 
 template <class Wanted>
 HX_STATUS DeleteTargetFrom(const StoreKind& kind, Wanted wanted, const uint8_t* key) {
-    HX_STATUS status = HXMGT_SUCCESS;
-    const HX_STATUS walk = WalkStores(kind, wanted, [&](const PortValues& port, const Wwn&) {
-        if (!DeleteTarget(port, key)) {
-            status = HXMGT_PERSISTENT_STORAGE_ERROR;
-        }
-        return AfterPort::NextPort;
+    return WalkStores(kind, wanted, [&](const FoundPort& found) -> Step {
+        const std::optional<PortValues> values = found.Values();
+        return values ? Step{AfterPort::NextPort, !DeleteTarget(*values, key)}
+                      : Step{AfterPort::NextService, true};
     });
-    return status != HXMGT_SUCCESS ? status : walk;
 }
 
 }  // namespace

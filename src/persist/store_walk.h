@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "frame/names.h"
 #include "frame/owned.h"
 #include "hxmgtapi.h"
 #include "persist/port_values.h"
@@ -25,6 +26,39 @@ inline constexpr StoreKind kDeviceStores{Layout::ValueNames, kDevice};
 inline constexpr StoreKind kDeviceZeroStores{Layout::ValueNames, kDeviceZero};
 
 enum class AfterPort { NextPort, NextService, End };
+
+// What became of a port.
+struct Step {
+    AfterPort next;
+    bool failed = false;
+};
+
+// A name of WWN form in a store.
+struct FoundPort {
+    const StoreKind& kind;
+    const char* service;
+    const char* name;
+
+    // The port that it names; nothing for a malformed name.
+    std::optional<Wwn> Port() const { return ParseWwn(name); }
+
+    // The values of a port under the name that it has by rights.
+    PortValues ValuesOf(const Wwn& wwn) const {
+        frame::WwnText text;
+        frame::WriteWwn(wwn.data(), text);
+        return kind.layout == Layout::Subkeys ? PortValues::InSubkey(service, text)
+                                              : PortValues::InValueNames(service, kind.leaf, text);
+    }
+    // The values that belong to the name found: those of the subkey, whatever its name; else those
+    // of the port, nothing for a malformed name.
+    std::optional<PortValues> Values() const {
+        if (kind.layout == Layout::Subkeys) {
+            return PortValues::InSubkey(service, name);
+        }
+        const std::optional<Wwn> wwn = Port();
+        return wwn ? std::optional(ValuesOf(*wwn)) : std::nullopt;
+    }
+};
 
 // One name of a key's subkeys or values.
 class NameEnumeration {
@@ -53,13 +87,14 @@ class NameEnumeration {
     char name_[256] = {};
 };
 
-// Calls visit(values, wwn) -> AfterPort for each name of WWN form that wanted(name) accepts; in the
-// value-name layout once per value, so for one port several times. A malformed name or a failing
-// enumeration ends the walk of its service and makes the result
-// HXMGT_PERSISTENT_STORAGE_ERROR. Stores that do not open are passed over.
+// Calls visit(found) -> Step for each name of WWN form that wanted(name) accepts; in the value-name
+// layout once per value, so for one port several times. A failed step, and an enumeration that
+// fails and then goes on as afterFailure says, make the result HXMGT_PERSISTENT_STORAGE_ERROR.
+// Stores that do not open are passed over.
 template <class Wanted, class Visitor>
-HX_STATUS WalkStores(const StoreKind& kind, Wanted wanted, Visitor visit) {
-    HX_STATUS status = HXMGT_SUCCESS;
+HX_STATUS WalkStores(const StoreKind& kind, Wanted wanted, Visitor visit,
+                     AfterPort afterFailure = AfterPort::NextService) {
+    bool failed = false;
     for (const char* const service : kServices) {
         char path[kPathRoom];
         wsprintfA(path, "SYSTEM\\CurrentControlSet\\Services\\%s\\Parameters%s%s", service,
@@ -70,32 +105,24 @@ HX_STATUS WalkStores(const StoreKind& kind, Wanted wanted, Visitor visit) {
             continue;
         }
         NameEnumeration names(key.Get(), kind.layout);
-        while (names.Next()) {
-            const char* const name = names.Name();
-            if (!HasWwnForm(name) || !wanted(std::string_view(name))) {
-                continue;
-            }
-            const std::optional<Wwn> wwn = ParseWwn(name);
-            if (!wwn.has_value()) {
-                status = HXMGT_PERSISTENT_STORAGE_ERROR;
-                break;
-            }
-            const AfterPort next = visit(kind.layout == Layout::Subkeys
-                                             ? PortValues::InSubkey(service, name)
-                                             : PortValues::InValueNames(service, kind.leaf, name),
-                                         *wwn);
-            if (next == AfterPort::End) {
-                return status;
-            }
-            if (next == AfterPort::NextService) {
-                break;
+        AfterPort next = AfterPort::NextPort;
+        while (next == AfterPort::NextPort && names.Next()) {
+            const FoundPort found{kind, service, names.Name()};
+            if (HasWwnForm(found.name) && wanted(std::string_view(found.name))) {
+                const Step step = visit(found);
+                failed |= step.failed;
+                next = step.next;
             }
         }
         if (names.Failed()) {
-            status = HXMGT_PERSISTENT_STORAGE_ERROR;
+            failed = true;
+            next = afterFailure;
+        }
+        if (next == AfterPort::End) {
+            break;
         }
     }
-    return status;
+    return failed ? HXMGT_PERSISTENT_STORAGE_ERROR : HXMGT_SUCCESS;
 }
 
 }  // namespace persist

@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     SetAndReadMask(1, block, data);
     SetAndReadMask(2, block, data);
 
-    const std::string_view name(reinterpret_cast<const char*>(data), size);
-    Require(!persist::ParseWwn(name).has_value() || persist::HasWwnForm(name));
+    const std::string name(reinterpret_cast<const char*>(data), size);
+    Require(!persist::ParseWwn(name.c_str()).has_value() || persist::HasWwnForm(name));
     return 0;
 }

@@ -333,9 +333,11 @@ TEST(PersistBlocks, PortNames) {
         EXPECT_FALSE(persist::HasWwnForm(name)) << name;
         EXPECT_FALSE(persist::ParseWwn(name).has_value()) << name;
     }
-    for (const char* name :
-         {"21-00-00-24-ff-0a-0b-", "21-00-00-24-ff-0a-0b-c", "2g-00-00-24-ff-0a-0b-0c",
-          "21- 0-00-24-ff-0a-0b-0c", "21-00-00-24-ff-0a-0b-0/", "21-0x-00-24-ff-0a-0b-0c"}) {
+    // One digit will do.
+    EXPECT_EQ(wwn, persist::ParseWwn("21-00-00-24-ff- a-0b-c"));
+    EXPECT_EQ(wwn, persist::ParseWwn("21-+0-00-24-ff-0a-0b-0c-old"));
+    for (const char* name : {"21-00-00-24-ff-0a-0b-", "2g-00-00-24-ff-0a-0b-0c",
+                             "21-0 -00-24-ff-0a-0b-0c", "21-00-00-24-ff-0a-0b-/c"}) {
         EXPECT_TRUE(persist::HasWwnForm(name)) << name;
         EXPECT_FALSE(persist::ParseWwn(name).has_value()) << name;
     }

@@ -1,6 +1,8 @@
 // Lists and deletes over the stores of every driver service.
+#include <algorithm>
 #include <set>
 
+#include "support/byte_fields.h"
 #include "support/persist_fixture.h"
 
 namespace {
@@ -130,10 +132,29 @@ TEST_F(PersistEntriesTest, PortsOfEveryServiceAndLayout) {
 
 TEST_F(PersistEntriesTest, MalformedNames) {
     const char* const malformed = "21-00-00-24-ff-0a-0b-zz";
-    // In a subkey: nothing behind it is looked at.
+    // In a subkey: nothing behind it is looked at, in no later service either.
     registry.MakeKey(ServiceKey("vxfc1") + "\\" + malformed);
-    Devices(HXMGT_PERSISTENT_STORAGE_ERROR);
+    registry.MakeKey(ServiceKey("vxfc2") + "\\" + PortText(7));
+    registry.MakeKey(ServiceKey("vxfcoe") + "\\" + PortText(8));
+    EXPECT_EQ(Names{PortNamed(7)}, Devices(HXMGT_PERSISTENT_STORAGE_ERROR));
     TargetsListed(HXMGT_PERSISTENT_STORAGE_ERROR);
+    {
+        const auto failing = RedirectLibrary(
+            "RegEnumKeyExA",
+            +[](HKEY, DWORD, LPSTR, LPDWORD, LPDWORD, LPSTR, LPDWORD, PFILETIME) -> LSTATUS {
+                return ERROR_ACCESS_DENIED;
+            });
+        EXPECT_EQ(Names{}, Devices(HXMGT_PERSISTENT_STORAGE_ERROR));
+    }
+    // What is to be deleted is found behind one.
+    const std::string first = ServiceKey("vxfc1") + "\\20-00-00-24-ff-0a-0b-zz";
+    registry.MakeKey(first);
+    registry.MakeKey(ServiceKey("vxfc1") + "\\" + PortText(6));
+    for (const uint8_t last : {uint8_t{6}, uint8_t{7}, uint8_t{8}}) {
+        EXPECT_EQ(0u, DeletePort(last));
+    }
+    EXPECT_FALSE(registry.HasKey(ServiceKey("vxfc1") + "\\" + PortText(6)));
+    RegDeleteKeyA(HKEY_LOCAL_MACHINE, first.c_str());
     RegDeleteKeyA(HKEY_LOCAL_MACHINE, (ServiceKey("vxfc1") + "\\" + malformed).c_str());
     EXPECT_EQ(Names{}, Devices());
 
@@ -262,6 +283,48 @@ TEST_F(PersistEntriesTest, NoMoreThan256Names) {
         registry.MakeKey(ServiceKey("vxfc1") + "\\" + text);
     }
     EXPECT_EQ(256u, Devices().size());
+}
+
+// Fields may have one digit, and what follows the last is not looked at.
+TEST_F(PersistEntriesTest, NamesOfOtherForms) {
+    Put(At("vxfc2", 1), {1}, {2});
+    const std::string key = ServiceKey("vxfc2") + "\\";
+    registry.MakeKey(key + "21-00-00-24-ff-0a-0b-2");
+    registry.MakeKey(key + " 1-00-00-24-FF-0A-0B-03 or so");
+    Store(ServiceKey("vxfc1") + "\\Device0", "21-00-00-24-ff-0a-0b-4\\Length", 1);
+    Name spaced = PortNamed(3);
+    spaced[0] = 1;
+    const Names expected = {spaced, PortNamed(1), PortNamed(2), PortNamed(4)};
+    Names found = Devices();
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(expected, found);
+
+    // In value names the port's other values are those of its whole name.
+    const Place whole = At("vxfc1", 4, "Device0");
+    Put(whole, {3}, {4});
+    for (const char* name : {"LunData", "LunLength"}) {
+        Remove(whole.key, whole.prefix + name);
+    }
+    Store(whole.key, "21-00-00-24-ff-0a-0b-4\\LunData", 1);
+    EXPECT_EQ(TargetNames({1, 2, 3}), TargetsListed());
+
+    // A target is deleted from every subkey of the pattern, whatever its letters, and of the
+    // length.
+    const Place letters = {key + "zz-00-00-24-ff-0a-0b-01", ""};
+    const Place longer = {key + PortText(1) + "-old", ""};
+    Put(letters, {1}, {1});
+    Put(longer, {1}, {1});
+    EXPECT_EQ(0u, DeleteTarget(1));
+    for (const Place& place : {At("vxfc2", 1), letters}) {
+        EXPECT_EQ(Bytes(32), Part(Stored(place.key, "Data"), 32, 32)) << place.key;
+    }
+    EXPECT_NE(Bytes(32), Part(Stored(longer.key, "Data"), 32, 32));
+
+    // A port is deleted under its whole name alone.
+    EXPECT_EQ(0u, DeletePort(1));
+    EXPECT_EQ(HXMGT_PERSISTENT_STORAGE_ERROR, DeletePort(1)) << "found, but under another name";
+    EXPECT_TRUE(registry.HasKey(longer.key));
+    EXPECT_EQ(HXMGT_PERSISTENT_STORAGE_ERROR, DeletePort(2));
 }
 
 TEST_F(PersistEntriesTest, DeletingAPort) {
