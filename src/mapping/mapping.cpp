@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "frame/record_list.h"
 #include "mapping/device_names.h"
-#include "mapping/record_list.h"
 #include "mapping/volumes.h"
 #include "properties/generation.h"
 #include "properties/target_address.h"

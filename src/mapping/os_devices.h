@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
+#include "frame/record_list.h"
 #include "hxmapping.h"
-#include "mapping/record_list.h"
 
 namespace mapping {
 
