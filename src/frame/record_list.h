@@ -9,7 +9,7 @@
 
 #include "hxtypes.h"
 
-namespace mapping {
+namespace frame {
 
 // Records of a number that is known beforehand.
 template <typename Record>
@@ -68,4 +68,4 @@ class CallerList {
     uint32_t found_ = 0;
 };
 
-}  // namespace mapping
+}  // namespace frame

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "frame/record_list.h"
 #include "hbaapi/handlers.h"
 #include "hbaapi/port_values.h"
 #include "hbaapi/status.h"
@@ -40,7 +41,7 @@ HBA_STATUS GetFcpTargetMapping(HBA_HANDLE handle, HBA_FCPTARGETMAPPING* targets)
         return status;
     }
     mapping::PortDevices devices;
-    mapping::CallerList<HBA_FCPSCSIENTRY> out(targets->entry, &targets->NumberOfEntries);
+    frame::CallerList<HBA_FCPSCSIENTRY> out(targets->entry, &targets->NumberOfEntries);
     if (const HX_STATUS status = devices.Fetch(handle); status != HXMGT_SUCCESS) {
         return MapStatus(status);
     }

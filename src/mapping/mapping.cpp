@@ -18,7 +18,8 @@ HX_STATUS CheckCall(uint32_t handle, const void* named, const Record* records,
     if (const HX_STATUS status = properties::CheckQuery(handle, named); status != HXMGT_SUCCESS) {
         return status;
     }
-    return CallerList<Record>::Accepts(records, count) ? HXMGT_SUCCESS : HXMGT_INVALID_PARAMETER;
+    return frame::CallerList<Record>::Accepts(records, count) ? HXMGT_SUCCESS
+                                                              : HXMGT_INVALID_PARAMETER;
 }
 
 const HX_OS_DEVICE* FindDevice(std::span<const HX_OS_DEVICE> devices,
@@ -58,7 +59,7 @@ bool Describe(const VolumeName& name, uint32_t disk, HX_VOLUME& volume) {
 
 // A device for each disk of the extents that is among the devices, in the extents' order.
 void AddDisks(std::span<const HX_DISK_EXTENT> extents, std::span<const HX_OS_DEVICE> devices,
-              CallerList<HX_OS_DEVICE>& out) {
+              frame::CallerList<HX_OS_DEVICE>& out) {
     for (size_t i = 0; i < extents.size(); ++i) {
         const uint32_t disk = extents[i].disk;
         const auto isDisk = [disk](const HX_DISK_EXTENT& extent) { return extent.disk == disk; };
@@ -107,7 +108,7 @@ HX_STATUS MapTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* target, HX_
         status != HXMGT_SUCCESS) {
         return status;
     }
-    CallerList<HX_VOLUME> out(volumes, count);
+    frame::CallerList<HX_VOLUME> out(volumes, count);
     if (properties::KindOf(*target) == nullptr) {
         return HXMGT_INVALID_PARAMETER;
     }
@@ -141,7 +142,7 @@ HX_STATUS MapVolumeToTargets(uint32_t handle, const char* volume, HX_OS_DEVICE* 
         status != HXMGT_SUCCESS) {
         return status;
     }
-    CallerList<HX_OS_DEVICE> out(devices, count);
+    frame::CallerList<HX_OS_DEVICE> out(devices, count);
     VolumeName name;
     if (const HX_STATUS status = NameVolume(volume, name); status != HXMGT_SUCCESS) {
         return status;
@@ -159,10 +160,10 @@ HX_STATUS MapVolumeToTargets(uint32_t handle, const char* volume, HX_OS_DEVICE* 
 }
 
 HX_STATUS GetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count) {
-    if (!CallerList<HX_DISK_EXTENT>::Accepts(extents, count)) {
+    if (!frame::CallerList<HX_DISK_EXTENT>::Accepts(extents, count)) {
         return HXMGT_INVALID_PARAMETER;
     }
-    CallerList<HX_DISK_EXTENT> out(extents, count);
+    frame::CallerList<HX_DISK_EXTENT> out(extents, count);
     VolumeName name;
     if (const HX_STATUS status = NameVolume(volume, name); status != HXMGT_SUCCESS) {
         return status;

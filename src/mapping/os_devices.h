@@ -21,7 +21,7 @@ class OsDevices {
     const HX_OS_DEVICE* At(uint32_t bus, uint32_t target) const;
 
   private:
-    RecordList<HX_OS_DEVICE> devices_;
+    frame::RecordList<HX_OS_DEVICE> devices_;
 };
 
 }  // namespace mapping

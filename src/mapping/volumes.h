@@ -26,7 +26,7 @@ class VolumeExtents {
     std::span<const HX_DISK_EXTENT> Records() const { return extents_.Records(); }
 
   private:
-    RecordList<HX_DISK_EXTENT> extents_;
+    frame::RecordList<HX_DISK_EXTENT> extents_;
 };
 
 // All volumes, one after another.
