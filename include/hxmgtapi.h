@@ -5,8 +5,8 @@
  * Rules of the whole interface:
  *  1. Functions return an unsigned 32-bit status (hxstatus.h) unless their comment says otherwise.
  *     0 is success; HXGetErrorString gives the text of any status.
- *  2. A device handle is a number from 1 to 63 that HXOpenDevice gave. A handle that is 0, above
- *     64 or not open gives HXMGT_INVALID_HANDLE before anything else happens.
+ *  2. A device handle is a number from 1 to 63 that HXOpenDevice or HXOpenScsiPort gave. A handle
+ *     that is 0, above 64 or not open gives HXMGT_INVALID_HANDLE before anything else happens.
  *  3. The caller owns every buffer and gives its length. The library never returns memory to free.
  *     A null pointer where a record or a buffer is needed gives HXMGT_INVALID_PARAMETER.
  *  4. Any function may be called from any thread. A handle must not be closed while another thread
@@ -37,6 +37,8 @@ extern "C" {
 #define HX_MAX_HANDLE_RECORDS 65 /* records of the handle table; record 0 is never used */
 #define HX_MAX_SCSI_PORTS 64     /* SCSI port numbers 0 to 63 are searched for adapters */
 
+#define HX_ADAPTER_NOT_COUNTED 0xFFFFFFFFu /* adapter index of a port that was opened uncounted */
+
 /* ------------------------------------------------------------------------------------------------
  * Records
  * --------------------------------------------------------------------------------------------- */
@@ -52,7 +54,7 @@ typedef struct HXMGT_API_HANDLE {
     uint32_t dwTraceLevel;    /* level given with the trace file; kept for callers */
     char szDeviceName[32];    /* "\Device\ScsiPort%d" */
     uint32_t dwDriverVersion; /* major x 10000 + minor x 100 + patch */
-    uint32_t dwAdapterIndex;  /* index given to HXOpenDevice */
+    uint32_t dwAdapterIndex;  /* index given to HXOpenDevice, or HX_ADAPTER_NOT_COUNTED */
     uint32_t dwScsiPort;      /* SCSI port number */
     uint32_t dwActivationTimeout;          /* seconds allowed for an online activation; 0 = any */
     uint64_t qwExpectedFirmwareAttributes; /* attribute word awaited before an activation */
@@ -196,6 +198,14 @@ typedef struct HX_FIRMWARE_PROPERTY {
                                           had it on a driver below 7.05.03 */
 } HX_FIRMWARE_PROPERTY;
 
+/* One SCSI port as the registry describes it, 264 bytes. */
+typedef struct HX_SCSI_PORT {
+    uint32_t scsiPort;     /*   0  number of the port, 0 to 63 */
+    uint32_t familyDriver; /*   4  1 when the driver service is one of the family's, else 0 */
+    char driver[256];      /*   8  name of the driver service, always terminated; empty when the
+                                   registry names none, or one of more than 255 characters */
+} HX_SCSI_PORT;
+
 /* One asynchronous event, 16 bytes. */
 typedef struct HX_EVENT {
     uint32_t type;    /*  0  HX_EVENT_... */
@@ -230,6 +240,28 @@ enum HX_EVENT_TYPE {
  * *outHandle is 0 after a failure that came once the port was found and a record was chosen.
  */
 HX_STATUS HXOpenDevice(uint32_t adapterIndex, uint32_t* outHandle);
+
+/*
+ * Lists the SCSI ports 0 to 63 that the registry knows, in ascending order. The registry alone is
+ * read: no port is opened and no driver asked, so a port whose driver hangs is listed at once. A
+ * driver of another name may serve an adapter of the family too; only asking tells
+ * (IsKorvexAdapter). *count is the room of ports in records and takes the number of ports there
+ * are; ports may be null when it is 0. Statuses: HXMGT_BUFFER_TOO_SMALL more ports than room, as
+ * many as fit are written; HXMGT_INVALID_PARAMETER.
+ */
+HX_STATUS HXListScsiPorts(HX_SCSI_PORT* ports, uint32_t* count);
+
+/*
+ * Opens the adapter at a SCSI port (0 to 63) and stores its handle in *outHandle. No other port is
+ * asked, so one that hangs does not matter. The handle is as good as one of HXOpenDevice, but its
+ * dwAdapterIndex is HX_ADAPTER_NOT_COUNTED until HXEnableAen counts the adapters before it.
+ * Statuses: HXMGT_INVALID_PARAMETER outHandle is null or scsiPort above 63 (*outHandle is not
+ * written); HXMGT_INVALID_HANDLE no free record; HXMGT_MUTEX_NOT_RESERVED;
+ * HXMGT_INCOMPATIBLE_VERSION the driver rejected a probe; or the Windows error of the open, such as
+ * 2 for a port that is not there. *outHandle is 0 after a failure that came once a record was
+ * chosen.
+ */
+HX_STATUS HXOpenScsiPort(uint32_t scsiPort, uint32_t* outHandle);
 
 /* Closes a handle and its trace file. Status: HXMGT_INVALID_HANDLE. */
 HX_STATUS HXCloseDevice(int32_t handle);
@@ -385,13 +417,22 @@ HX_STATUS HXDisableSmartSANFC(uint32_t handle);
  * gives HXMGT_INVALID_HANDLE.
  * --------------------------------------------------------------------------------------------- */
 
+/*
+ * A handle of HXOpenScsiPort gets its adapter index here, at its first call: the adapters at the
+ * ports before it are counted, which asks each of these ports once and may block for up to about 80
+ * seconds per port whose driver reports busy. HXMGT_DEVICE_NOT_FOUND: the port itself is no longer
+ * one of the family's, or its event mutex cannot be made.
+ */
 HX_STATUS HXEnableAen(uint32_t handle);
+
+/* Does nothing for a handle of HXOpenScsiPort that never enabled events. */
 HX_STATUS HXDisableAen(uint32_t handle);
 
 /*
  * Fetches up to bufferBytes / 16 events (HX_EVENT) and stores their number in *count. Returns at
  * once when there is none. HXMGT_DEVICE_BUSY: this process has no event slot, or the adapter's
- * event mutex was not free within 30 seconds.
+ * event mutex was not free within 30 seconds. HXMGT_INVALID_REQUEST: a handle of HXOpenScsiPort on
+ * which events were never enabled.
  */
 HX_STATUS HXGetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_t* count);
 

@@ -25,6 +25,14 @@ HX_STATUS HXOpenDevice(uint32_t adapterIndex, uint32_t* outHandle) {
     return frame::OpenDevice(adapterIndex, outHandle);
 }
 
+HX_STATUS HXListScsiPorts(HX_SCSI_PORT* ports, uint32_t* count) {
+    return frame::ListScsiPorts(ports, count);
+}
+
+HX_STATUS HXOpenScsiPort(uint32_t scsiPort, uint32_t* outHandle) {
+    return frame::OpenScsiPort(scsiPort, outHandle);
+}
+
 HX_STATUS HXCloseDevice(int32_t handle) {
     return frame::CloseDevice(static_cast<uint32_t>(handle));
 }

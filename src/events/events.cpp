@@ -58,13 +58,14 @@ HX_STATUS SwitchDelivery(uint32_t handle, uint32_t mask) {
                            EventDeliveryRequest{mask, 0});
 }
 
-// The record of a handle whose driver delivers events, or why there is none. That the handle is
-// open is not looked at: intended.
-HX_STATUS FindRecord(uint32_t handle, const HXMGT_API_HANDLE*& record) {
-    record = frame::AnyRecord(handle);
+// The adapter index of a handle whose driver delivers events, or why there is none. That the handle
+// is open is not looked at: intended.
+HX_STATUS FindAdapter(uint32_t handle, uint32_t& adapterIndex) {
+    const HXMGT_API_HANDLE* const record = frame::AnyRecord(handle);
     if (record == nullptr) {
         return HXMGT_INVALID_HANDLE;
     }
+    adapterIndex = record->dwAdapterIndex;
     return record->dwDriverVersion >= frame::kExtendedRequestsVersion ? HXMGT_SUCCESS
                                                                       : HXMGT_NOT_SUPPORTED;
 }
@@ -78,11 +79,17 @@ bool WaitFor(HANDLE mutex) {
 }  // namespace
 
 HX_STATUS EnableAen(uint32_t handle) {
-    const HXMGT_API_HANDLE* record = nullptr;
-    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+    uint32_t adapterIndex = 0;
+    if (const HX_STATUS status = FindAdapter(handle, adapterIndex); status != HXMGT_SUCCESS) {
         return status;
     }
-    Registrations registrations(record->dwAdapterIndex);
+    if (adapterIndex == HX_ADAPTER_NOT_COUNTED) {
+        if (const HX_STATUS status = frame::CountAdapter(handle, adapterIndex);
+            status != HXMGT_SUCCESS) {
+            return status;
+        }
+    }
+    Registrations registrations(adapterIndex);
     if (registrations.None()) {
         SwitchDelivery(handle, 0);
         if (const HX_STATUS status = SwitchDelivery(handle, properties::kAllEvents);
@@ -91,21 +98,25 @@ HX_STATUS EnableAen(uint32_t handle) {
         }
     }
     if (frame::EventSlot* const slot = frame::OwnEventSlot()) {
-        EnableRing(*slot, handle, record->dwAdapterIndex);
+        EnableRing(*slot, handle, adapterIndex);
     }
     registrations.Add();
     return HXMGT_SUCCESS;
 }
 
 HX_STATUS DisableAen(uint32_t handle) {
-    const HXMGT_API_HANDLE* record = nullptr;
-    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+    uint32_t adapterIndex = 0;
+    if (const HX_STATUS status = FindAdapter(handle, adapterIndex); status != HXMGT_SUCCESS) {
         return status;
+    }
+    if (adapterIndex == HX_ADAPTER_NOT_COUNTED) {
+        // Nothing was ever enabled on it.
+        return frame::OpenRecord(handle) != nullptr ? HXMGT_SUCCESS : HXMGT_INVALID_HANDLE;
     }
     if (frame::EventSlot* const slot = frame::OwnEventSlot()) {
         DisableRing(*slot, handle);
     }
-    const bool last = Registrations(record->dwAdapterIndex).Remove();
+    const bool last = Registrations(adapterIndex).Remove();
     return last ? SwitchDelivery(handle, 0) : HXMGT_SUCCESS;
 }
 
@@ -113,9 +124,12 @@ HX_STATUS GetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_
     if (count != nullptr) {
         *count = 0;
     }
-    const HXMGT_API_HANDLE* record = nullptr;
-    if (const HX_STATUS status = FindRecord(handle, record); status != HXMGT_SUCCESS) {
+    uint32_t adapterIndex = 0;
+    if (const HX_STATUS status = FindAdapter(handle, adapterIndex); status != HXMGT_SUCCESS) {
         return status;
+    }
+    if (adapterIndex == HX_ADAPTER_NOT_COUNTED) {
+        return HXMGT_INVALID_REQUEST;
     }
     if (count == nullptr || (buffer == nullptr && bufferBytes != 0)) {
         return HXMGT_INVALID_PARAMETER;
@@ -146,7 +160,7 @@ HX_STATUS GetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_
         delivery.Deliver(event);
     }
     *count = delivery.Delivered();
-    FanOut(*frame::Events(), *slot, record->dwAdapterIndex, events, room);
+    FanOut(*frame::Events(), *slot, adapterIndex, events, room);
     return HXMGT_SUCCESS;
 }
 

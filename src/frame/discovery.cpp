@@ -4,9 +4,10 @@
 
 #include <cstring>
 
+#include "frame/family_services.h"
 #include "frame/owned.h"
+#include "frame/record_list.h"
 #include "frame/registry.h"
-#include "hxmgtapi.h"
 #include "properties/driver_replies.h"
 #include "transport/requests.h"
 
@@ -21,6 +22,36 @@ struct DiscoveryProbe {
 };
 #pragma pack(pop)
 static_assert(sizeof(DiscoveryProbe) == 316);
+
+static_assert(sizeof(HX_SCSI_PORT) == 264);
+static_assert(offsetof(HX_SCSI_PORT, familyDriver) == 4);
+static_assert(offsetof(HX_SCSI_PORT, driver) == 8);
+static_assert(sizeof(HX_SCSI_PORT::driver) == kDiscoveryTextSize);
+
+using PortKeyPath = char[64];
+
+void WritePortKeyPath(uint32_t port, PortKeyPath& path) {
+    wsprintfA(path, "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port %d", port);
+}
+
+bool IsKnownToRegistry(uint32_t port) {
+    PortKeyPath path;
+    WritePortKeyPath(port, path);
+    OwnedKey key;
+    return RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_QUERY_VALUE, key.Receive()) ==
+           ERROR_SUCCESS;
+}
+
+// Service names have no letter case; one with a file extension counts as the bare name.
+bool IsFamilyService(const char* name) {
+    const size_t length = std::strcspn(name, ".");
+    for (const char* const service : kFamilyServices) {
+        if (std::strlen(service) == length && _strnicmp(service, name, length) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
 
 bool IsFamilyPort(uint32_t port) {
     char path[32];
@@ -53,8 +84,8 @@ std::span<char> DiscoveryText() {
 }
 
 const char* DriverNameOfPort(uint32_t port) {
-    char path[64];
-    wsprintfA(path, "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port %d", port);
+    PortKeyPath path;
+    WritePortKeyPath(port, path);
     const std::span<char> name = DiscoveryText();
     if (ReadRegistryText(path, "Driver", name) != ERROR_SUCCESS) {
         name[0] = 0;  // a name too long for the buffer is none
@@ -73,6 +104,24 @@ uint32_t CountAdapters() {
         count += FamilyDriverName(port) != nullptr ? 1 : 0;
     }
     return count;
+}
+
+HX_STATUS ListScsiPorts(HX_SCSI_PORT* ports, uint32_t* count) {
+    if (!CallerList<HX_SCSI_PORT>::Accepts(ports, count)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    CallerList<HX_SCSI_PORT> out(ports, count);
+    for (uint32_t number = 0; number < HX_MAX_SCSI_PORTS; ++number) {
+        if (!IsKnownToRegistry(number)) {
+            continue;
+        }
+        HX_SCSI_PORT port{};
+        port.scsiPort = number;
+        std::strcpy(port.driver, DriverNameOfPort(number));
+        port.familyDriver = IsFamilyService(port.driver) ? 1 : 0;
+        out.Add(port);
+    }
+    return out.Close();
 }
 
 uint8_t GetDriverType(uint32_t handle) {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+#include "hxmgtapi.h"
+
 namespace frame {
 
 inline constexpr char kScsiPortPath[] = "\\\\.\\scsi%d:";
@@ -21,6 +23,9 @@ const char* DriverNameOfPort(uint32_t port);
 const char* FamilyDriverName(uint32_t port);
 
 uint32_t CountAdapters();
+
+// The ports that the registry knows; no driver is asked.
+HX_STATUS ListScsiPorts(HX_SCSI_PORT* ports, uint32_t* count);
 
 // 0 or 1, or kDriverTypeUnknown.
 inline constexpr uint8_t kDriverTypeUnknown = 2;

@@ -31,6 +31,13 @@ FILE* TraceOf(uint32_t handle);
 HANDLE EventMutex(uint32_t handle);
 
 HX_STATUS OpenDevice(uint32_t adapterIndex, uint32_t* outHandle);
+
+// Opens a port without counting: its record has no adapter index and no event mutex.
+HX_STATUS OpenScsiPort(uint32_t scsiPort, uint32_t* outHandle);
+
+// Gives an open handle its adapter index and event mutex, where it has none yet.
+HX_STATUS CountAdapter(uint32_t handle, uint32_t& adapterIndex);
+
 HX_STATUS CloseDevice(uint32_t handle);
 
 }  // namespace frame

@@ -81,6 +81,29 @@ class MutexHold {
     HANDLE mutex_;
 };
 
+// Holds a lock of this process, shared or alone.
+class SharedHold {
+  public:
+    explicit SharedHold(SRWLOCK& lock) : lock_(lock) { AcquireSRWLockShared(&lock_); }
+    SharedHold(const SharedHold&) = delete;
+    SharedHold& operator=(const SharedHold&) = delete;
+    ~SharedHold() { ReleaseSRWLockShared(&lock_); }
+
+  private:
+    SRWLOCK& lock_;
+};
+
+class ExclusiveHold {
+  public:
+    explicit ExclusiveHold(SRWLOCK& lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_); }
+    ExclusiveHold(const ExclusiveHold&) = delete;
+    ExclusiveHold& operator=(const ExclusiveHold&) = delete;
+    ~ExclusiveHold() { ReleaseSRWLockExclusive(&lock_); }
+
+  private:
+    SRWLOCK& lock_;
+};
+
 struct FreeDeleter {
     void operator()(void* block) const { std::free(block); }
 };

@@ -1,10 +1,11 @@
-// The driver services of the family, in the order in which their stores are walked.
+// The stores of the family's driver services.
 #pragma once
+
+#include "frame/family_services.h"
 
 namespace persist {
 
-inline constexpr const char* kServices[] = {"vxfc2",  "vxfc1",  "oemfc2", "vxfcoe",
-                                            "vxnpiv", "vxfc2i", "vxfcoei"};
+inline constexpr auto& kServices = frame::kFamilyServices;
 
 // The two keys of the value-name layout. Readers read the first; writers write both, in this order.
 inline constexpr char kDeviceZero[] = "Device0";

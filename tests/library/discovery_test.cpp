@@ -1,5 +1,7 @@
 #include <string>
 #include <thread>
+#include <tuple>
+#include <vector>
 
 #include "support/library_fixture.h"
 
@@ -103,6 +105,51 @@ TEST_F(DiscoveryTest, RegistryNames) {
     EXPECT_EQ("", raw(REG_BINARY, std::string_view("vxfc1\0", 6)));
     EXPECT_EQ(std::string(255, 'v'), raw(REG_SZ, std::string(255, 'v') + std::string(1, '\0')));
     EXPECT_EQ("", raw(REG_SZ, std::string(5000, 'v'))) << "longer than the text buffer";
+}
+
+TEST_F(DiscoveryTest, PortsOfTheRegistry) {
+    uint32_t count = 5;
+    std::vector<HX_SCSI_PORT> ports(5);
+    EXPECT_EQ(0u, HXListScsiPorts(ports.data(), &count));
+    EXPECT_EQ(0u, count);
+
+    ScriptedPort& answering = AddPort(2);
+    AddPort(7);  // answers, but the registry does not know it
+    const std::tuple<uint32_t, std::string, uint32_t> rows[] = {
+        {0, "storahci", 0}, {2, "VXFC2", 1},   {9, "vxfc1.sys", 1},
+        {10, "", 0},        {31, "vxfc", 0},   {32, "vxfc22", 0},
+        {33, "vxfcoei", 1}, {62, "oemfc2", 1}, {63, std::string(255, 'v'), 0}};
+    for (const auto& [port, name, family] : rows) {
+        name.empty() ? registry.MakeKey(KeyOf(port)) : NameDriver(port, name);
+    }
+    NameDriver(64, "vxfc2");  // beyond the ports that are searched
+
+    count = 0;
+    EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL, HXListScsiPorts(nullptr, &count));
+    ASSERT_EQ(std::size(rows), count);
+    // As many records as fit are written, and none behind them.
+    GuardedBuffer room(4 * sizeof(HX_SCSI_PORT));
+    count = 4;
+    EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL,
+              HXListScsiPorts(reinterpret_cast<HX_SCSI_PORT*>(room.Data()), &count));
+    ASSERT_EQ(std::size(rows), count);
+    ports.resize(count);
+    EXPECT_EQ(0u, HXListScsiPorts(ports.data(), &count));
+    EXPECT_EQ(0, memcmp(room.Data(), ports.data(), 4 * sizeof(HX_SCSI_PORT)));
+    for (size_t i = 0; i < std::size(rows); ++i) {
+        const auto& [port, name, family] = rows[i];
+        EXPECT_EQ(port, ports[i].scsiPort);
+        EXPECT_EQ(name, ports[i].driver);
+        EXPECT_EQ(family, ports[i].familyDriver) << name;
+    }
+    registry.SetText(KeyOf(10), "Driver", std::string(256, 'v'));
+    EXPECT_EQ(0u, HXListScsiPorts(ports.data(), &count));
+    EXPECT_STREQ("", ports[3].driver) << "a name too long is none";
+
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListScsiPorts(ports.data(), nullptr));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListScsiPorts(nullptr, &count));
+    EXPECT_TRUE(system.opens.empty()) << "no port was opened";
+    EXPECT_TRUE(answering.Requests().empty());
 }
 
 TEST_F(DiscoveryTest, NamesOfTwoThreadsDoNotMix) {

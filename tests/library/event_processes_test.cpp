@@ -34,6 +34,25 @@ TEST_F(EventProcessesTest, FanOutToAnotherProcess) {
     EXPECT_EQ(0u, peer.Finish());
 }
 
+TEST_F(EventProcessesTest, PortOpenedWithoutCountingSharesWithOtherProcesses) {
+    EventPeer peer;  // opens by index
+    EXPECT_EQ(0u, peer.Enable());
+    uint32_t uncounted = 0;
+    ASSERT_EQ(0u, HXOpenScsiPort(3, &uncounted));
+    EXPECT_EQ(0u, HXEnableAen(uncounted));
+    EXPECT_EQ(0u, HXEnableAen(handle));
+    EXPECT_EQ(Masks{}, driver.TakeMasks()) << "the peer switched it on";
+    driver.Raise(0x8011, 1, 2);
+    EXPECT_EQ("2:1 2:2", Fetch(uncounted, 10).Text());
+    EXPECT_EQ("2:1 2:2", peer.Fetch(10));
+    peer.Raise(0x8012, 3, 1);
+    EXPECT_EQ("3:3", peer.Fetch(10));
+    EXPECT_EQ("3:3", Fetch(uncounted, 10).Text());
+    EXPECT_EQ("3:3", Get(10)) << "opened by index in this process";
+    EXPECT_EQ(0u, HXDisableAen(uncounted));
+    EXPECT_EQ(0u, peer.Finish());
+}
+
 TEST_F(EventProcessesTest, QueuedEventsComeFirstAndTheRestIsQueued) {
     EventPeer peer;
     HXEnableAen(handle);

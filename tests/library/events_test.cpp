@@ -142,6 +142,65 @@ TEST_F(EventsTest, WhoMayAsk) {
     EXPECT_EQ("2:3", Get(2));
 }
 
+TEST_F(EventsTest, PortOpenedWithoutCounting) {
+    EventDriver later;  // adapter 1
+    system.AttachScsiPort(5, &later.port);
+    ScriptedPort& last = AddPort(9);
+    uint32_t uncounted = 0;
+    ASSERT_EQ(0u, HXOpenScsiPort(5, &uncounted));
+    driver.port.Forget();
+    later.port.Forget();
+
+    // Before events are enabled there is nothing to fetch or to switch off.
+    EXPECT_EQ(HXMGT_INVALID_REQUEST, Fetch(uncounted, 4).status);
+    EXPECT_EQ(0u, HXDisableAen(uncounted));
+    EXPECT_TRUE(later.port.Requests().empty());
+    EXPECT_TRUE(driver.port.Requests().empty());
+
+    // An enable that finds the port no longer in the family changes nothing.
+    later.port.Next({.status = 9});
+    EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, HXEnableAen(uncounted));
+    EXPECT_EQ(HX_ADAPTER_NOT_COUNTED, Record(uncounted).dwAdapterIndex);
+    EXPECT_EQ(0u, OwnSlot().capacity[uncounted]);
+
+    EXPECT_EQ(0u, HXEnableAen(uncounted));
+    EXPECT_EQ(1u, Record(uncounted).dwAdapterIndex);
+    EXPECT_EQ(1u, driver.port.Requests(command::DriverProperties).size());
+    EXPECT_EQ(1u, driver.port.Requests().size()) << "asked who it is, nothing more";
+    EXPECT_TRUE(last.Requests().empty()) << "a port behind it";
+    EXPECT_EQ(1u, area->registrations[1]);
+    EXPECT_EQ(0u, area->registrations[0]);
+
+    // It shares adapter 1 with a handle that was opened by that index, and the mutex with all.
+    const uint32_t counted = Open(1);
+    HXEnableAen(counted);
+    EXPECT_EQ((Masks{0, 0xFFFFFFFF}), later.TakeMasks()) << "switched on once";
+    later.Raise(0x8011, 1, 3);
+    EXPECT_EQ("2:1", Fetch(uncounted, 1).Text());
+    EXPECT_EQ("2:2 2:3", Fetch(counted, 4).Text());
+    const HANDLE mutex = OpenMutexA(SYNCHRONIZE, FALSE, "HXMGT_GetAENMutex1");
+    EXPECT_NE(nullptr, mutex);
+    CloseHandle(mutex);
+    // A second enable does not count again.
+    driver.port.Forget();
+    EXPECT_EQ(0u, HXEnableAen(uncounted));
+    EXPECT_TRUE(driver.port.Requests().empty());
+    for (const uint32_t opened : {uncounted, counted, uncounted}) {
+        EXPECT_EQ(0u, HXDisableAen(opened));
+    }
+    EXPECT_EQ(Masks{0}, later.TakeMasks());
+
+    // The record's next holder starts without index and mutex.
+    HXCloseDevice(static_cast<int32_t>(uncounted));
+    uint32_t next = 0;
+    ASSERT_EQ(0u, HXOpenScsiPort(3, &next));
+    ASSERT_EQ(uncounted, next);
+    EXPECT_EQ(HXMGT_INVALID_REQUEST, Fetch(next, 4).status);
+    HXCloseDevice(static_cast<int32_t>(next));
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXEnableAen(next));
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXDisableAen(next));
+}
+
 TEST_F(EventsTest, ForcedEvent) {
     driver.port.On(command::ForceEvent, Reply{.data = {1}});
     EXPECT_EQ(0u, HXForceZetaAEN(static_cast<int32_t>(handle)));

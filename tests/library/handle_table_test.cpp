@@ -87,6 +87,43 @@ TEST_F(HandleTableTest, AdaptersAreCountedAnewOnEachOpen) {
     EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, HXOpenDevice(2, &handle));
 }
 
+TEST_F(HandleTableTest, PortOpenedWithoutCounting) {
+    ScriptedPort& before = AddPort(3);
+    AddPort(41, "9.04.02.20", 0x7780);
+    before.NextBusy(1000);  // whoever asks it waits
+    uint32_t handle = 0;
+    ASSERT_EQ(0u, HXOpenScsiPort(41, &handle));
+    EXPECT_EQ(1u, handle);
+    EXPECT_STREQ("7780", Record(1).szModel);
+    EXPECT_STREQ("\\Device\\ScsiPort41", Record(1).szDeviceName);
+    EXPECT_EQ(90402u, Record(1).dwDriverVersion);
+    EXPECT_EQ(41u, Record(1).dwScsiPort);
+    EXPECT_EQ(HX_ADAPTER_NOT_COUNTED, Record(1).dwAdapterIndex);
+    ASSERT_EQ(1u, system.opens.size()) << "no discovery probe either";
+    EXPECT_EQ("\\\\.\\scsi41:", system.opens[0].name);
+    EXPECT_TRUE(before.Requests().empty());
+    EXPECT_TRUE(system.sleeps.empty());
+
+    // Failures are those of the counted open.
+    handle = 77;
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXOpenScsiPort(41, nullptr));
+    for (const uint32_t port : {64u, 0x80000000u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXOpenScsiPort(port, &handle));
+    }
+    EXPECT_EQ(77u, handle);
+    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_FILE_NOT_FOUND), HXOpenScsiPort(63, &handle));
+    EXPECT_EQ(0u, handle);
+    handle = 77;
+    AddPort(4).On(command::ChipProperties, Reply{.status = 12});
+    EXPECT_EQ(HXMGT_INCOMPATIBLE_VERSION, HXOpenScsiPort(4, &handle));
+    EXPECT_EQ(0u, handle);
+    EXPECT_TRUE(IsFree(2));
+    while (HXOpenScsiPort(41, &handle) == 0) {
+    }
+    EXPECT_FALSE(IsFree(63));
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXOpenScsiPort(41, &handle));
+}
+
 TEST_F(HandleTableTest, SixtyThreeHandlesAndNoMore) {
     AddPort(5);
     for (uint32_t expected = 1; expected <= 63; ++expected) {
