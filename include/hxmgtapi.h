@@ -9,9 +9,10 @@
  *     that is 0, above 64 or not open gives HXMGT_INVALID_HANDLE before anything else happens.
  *  3. The caller owns every buffer and gives its length. The library never returns memory to free.
  *     A null pointer where a record or a buffer is needed gives HXMGT_INVALID_PARAMETER.
- *  4. Any function may be called from any thread. A handle must not be closed while another thread
- *     uses it. A call that reaches the driver may block for up to about 80 seconds while the
- *     driver reports busy.
+ *  4. Any function may be called from any thread. Do not close a handle while another thread uses
+ *     it: that thread's call ends with some status, and the number may be given to another adapter
+ *     in the middle of it. A call that reaches the driver may block for up to about 80 seconds, as
+ *     long as the driver reports busy.
  *  5. A driver request that fails gives the Windows error code of the transfer (bit 29 clear) or
  *     the library status that stands for the driver's own status; both are passed on unchanged.
  *  6. "Driver 7.05.03" means dwDriverVersion of at least 70503. Older drivers are asked with their
@@ -338,9 +339,8 @@ HX_STATUS HXSetDriverParameter(uint32_t handle, const char* name, const char* va
 
 /*
  * Starts appending the handle's trace to the file path, or ends it when path is null. *handle is
- * the device handle. level is kept in dwTraceLevel; every level traces everything. Must not run
- * while another thread uses the same handle. Statuses: HXMGT_INVALID_HANDLE, or the Windows error
- * of the file.
+ * the device handle. level is kept in dwTraceLevel; every level traces everything. Other threads
+ * may use the handle meanwhile. Statuses: HXMGT_INVALID_HANDLE, or the Windows error of the file.
  */
 HX_STATUS HXEnableDebugTrace(const uint32_t* handle, const char* path, uint32_t level);
 

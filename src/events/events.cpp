@@ -135,11 +135,12 @@ HX_STATUS GetAen(uint32_t handle, uint8_t* buffer, uint32_t bufferBytes, uint32_
         return HXMGT_INVALID_PARAMETER;
     }
     frame::EventSlot* const slot = frame::OwnEventSlot();
-    const HANDLE mutex = frame::EventMutex(handle);
-    if (slot == nullptr || !WaitFor(mutex)) {
+    // Own, so that it can be given back whatever happens to the handle.
+    const frame::OwnedObject mutex = frame::EventMutex(handle);
+    if (slot == nullptr || !mutex.Valid() || !WaitFor(mutex.Get())) {
         return HXMGT_DEVICE_BUSY;
     }
-    const frame::MutexHold hold(mutex);
+    const frame::MutexHold hold(mutex.Get());
     Delivery delivery({reinterpret_cast<HX_EVENT*>(buffer), bufferBytes / sizeof(HX_EVENT)});
     DeliverQueued(*slot, handle, delivery);
     *count = delivery.Delivered();

@@ -54,7 +54,7 @@ class RecordAndData {
 };
 
 HX_STATUS ResetCompanion(uint32_t handle, HX_COMPANION_REQUEST& request) {
-    VX_TRACE(frame::TraceOf(handle), "HXOrvoMgt: Orvo Reset Operation (Flags %x)\n",
+    VX_TRACE(handle, "HXOrvoMgt: Orvo Reset Operation (Flags %x)\n",
              static_cast<unsigned>(request.flags));
     uint32_t reply = 0;
     return transport::Exchange(handle, CompanionCommand(HX_COMPANION_RESET), request.flags, reply);
@@ -89,7 +89,7 @@ HX_STATUS UpdateCompanion(uint32_t handle, HX_COMPANION_REQUEST& request) {
         segment.Head() = {
             request.flags | last, 1, image.version, exchangeAddress, total, bytes, offset};
         std::memcpy(segment.Data(), data + offset, bytes);
-        VX_TRACE(frame::TraceOf(handle),
+        VX_TRACE(handle,
                  "HXOrvoMgt: Iteration %d, SegCnt %d, FwVer %x, ExchangeAddr %x, TotalSize %x, "
                  "SeqSize %x, RelOffset %x\n",
                  static_cast<int>(number), 1, static_cast<unsigned>(image.version),
@@ -174,7 +174,7 @@ HX_STATUS ManageCompanion(uint32_t handle, uint32_t operation, void* request) {
                        : HX_STATUS{HXMGT_INVALID_PARAMETER};
         }
     }
-    VX_TRACE(frame::TraceOf(handle), "HXOrvoMgt: Return HXMGT_INVALID_REQUEST to caller\n");
+    VX_TRACE(handle, "HXOrvoMgt: Return HXMGT_INVALID_REQUEST to caller\n");
     return HXMGT_INVALID_REQUEST;
 }
 

@@ -33,10 +33,14 @@ struct WholeCommands {
 };
 
 HX_STATUS ChooseWholeCommands(uint32_t handle, WholeCommands& commands) {
-    if (!properties::TakesExtendedRequests(handle)) {
+    const std::optional<HXMGT_API_HANDLE> device = frame::CopyOfRecord(handle);
+    if (!device) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    if (!properties::TakesExtendedRequests(*device)) {
         return HXMGT_NOT_SUPPORTED;
     }
-    if (frame::OpenRecord(handle)->dwDriverVersion < kRegionRequestsVersion) {
+    if (device->dwDriverVersion < kRegionRequestsVersion) {
         commands = {transport::command::OptionRomReadOld, transport::command::OptionRomWriteOld};
         return HXMGT_SUCCESS;
     }

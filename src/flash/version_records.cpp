@@ -47,7 +47,7 @@ HX_STATUS RecordVersions(uint32_t handle, uint32_t regionCode, std::span<const u
         FormatVersionRecord(version, row.letter, record);
         const HX_STATUS status = WriteTwoWire(handle, kRecordDevice, record, sizeof record,
                                               row.offset, kOptions, nullptr);
-        VX_TRACE(frame::TraceOf(handle), "HXWriteSFPData: update i2c %s retStatus = %x\n", row.name,
+        VX_TRACE(handle, "HXWriteSFPData: update i2c %s retStatus = %x\n", row.name,
                  static_cast<unsigned>(status));
         first = first == HXMGT_SUCCESS ? status : first;
     }

@@ -72,7 +72,7 @@ bool IsFamilyPort(uint32_t port) {
 
     DWORD returned = 0;
     const DWORD error = transport::SendToDevice(
-        device.Get(), {&probe, sizeof probe, &probe, sizeof probe}, &returned, nullptr);
+        device.Get(), {&probe, sizeof probe, &probe, sizeof probe}, &returned);
     return error == ERROR_SUCCESS && probe.envelope.ext.status == 0;
 }
 

@@ -2,6 +2,8 @@
 
 #include <aclapi.h>
 
+#include <utility>
+
 #include "frame/discovery.h"
 #include "frame/driver_version.h"
 #include "frame/library_state.h"
@@ -37,7 +39,8 @@ static_assert(offsetof(HXMGT_API_HANDLE, qwExpectedFirmwareAttributes) == 104);
 
 HANDLE eventMutexes[kHandleRecords];
 
-// What a record owns changes under this lock.
+// What a record owns, and whether it is free, changes under this lock. Nothing is opened, closed or
+// sent meanwhile.
 SRWLOCK tableLock = SRWLOCK_INIT;
 
 bool IsFree(const HXMGT_API_HANDLE& record) {
@@ -78,8 +81,10 @@ uint32_t FindFreeRecord() {
     return handle;
 }
 
-// Chooses a record and opens the port on it, under the machine-wide open mutex.
-HX_STATUS ClaimRecord(uint32_t port, uint32_t* outHandle, uint32_t* claimed) {
+// What both ways to open begin with: chooses a record and opens the port on it, under the
+// machine-wide open mutex.
+HX_STATUS ClaimRecord(uint32_t port, uint32_t adapterIndex, uint32_t* outHandle,
+                      uint32_t* claimed) {
     char path[32];
     wsprintfA(path, kScsiPortPath, port);
     const bool waited = WaitForSingleObject(OpenMutex(), INFINITE) == WAIT_OBJECT_0;
@@ -91,38 +96,40 @@ HX_STATUS ClaimRecord(uint32_t port, uint32_t* outHandle, uint32_t* claimed) {
     if (handle > kHighestOpenHandle) {
         return HXMGT_INVALID_HANDLE;
     }
+    // Nobody but the one open under the mutex touches a free record.
     HXMGT_API_HANDLE& record = devices[handle];
-    // The flash update fields keep what the record's last holder left: intended.
     record.pTraceFile = nullptr;
     record.dwTraceLevel = 0;
-    record.hDevice =
-        CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (IsFree(record)) {
+    OwnedFile device(CreateFileA(path, GENERIC_READ | GENERIC_WRITE,
+                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!device.Valid()) {
         const DWORD error = GetLastError();
         *outHandle = 0;
         return error;
     }
+    const ExclusiveHold alone(tableLock);
+    // The flash update fields keep what the record's last holder left: intended.
+    wsprintfA(record.szDeviceName, "\\Device\\ScsiPort%d", port);
+    record.dwAdapterIndex = adapterIndex;
+    record.dwScsiPort = port;
+    eventMutexes[handle] = nullptr;  // what a failed open left behind stays open: intended
+    record.hDevice = device.Release();
     *claimed = handle;
     return HXMGT_SUCCESS;
 }
 
-// What both ways to open begin with: a record with the port's device and names.
-HX_STATUS ClaimPort(uint32_t port, uint32_t adapterIndex, uint32_t* outHandle, uint32_t* claimed) {
-    if (const HX_STATUS status = ClaimRecord(port, outHandle, claimed); status != HXMGT_SUCCESS) {
-        return status;
-    }
-    HXMGT_API_HANDLE& record = devices[*claimed];
-    wsprintfA(record.szDeviceName, "\\Device\\ScsiPort%d", port);
-    record.dwAdapterIndex = adapterIndex;
-    record.dwScsiPort = port;
-    eventMutexes[*claimed] = nullptr;  // what a failed open left behind stays open: intended
-    return HXMGT_SUCCESS;
+// Frees a record: last, after all else that it owns was taken out of it.
+OwnedFile TakeDevice(HXMGT_API_HANDLE& record) {
+    return OwnedFile(std::exchange(record.hDevice, INVALID_HANDLE_VALUE));
 }
 
-HX_STATUS GiveBack(HXMGT_API_HANDLE& record, uint32_t* outHandle, HX_STATUS status) {
-    CloseHandle(record.hDevice);
-    record.hDevice = INVALID_HANDLE_VALUE;
+HX_STATUS GiveBack(uint32_t handle, uint32_t* outHandle, HX_STATUS status) {
+    OwnedFile device;
+    {
+        const ExclusiveHold alone(tableLock);
+        device = TakeDevice(devices[handle]);
+    }
     *outHandle = 0;
     return status;
 }
@@ -144,16 +151,16 @@ OwnedObject CreateEventMutex(uint32_t adapterIndex, SECURITY_ATTRIBUTES* attribu
 
 // What both ways to open end with: the driver's answers in the record, the handle to the caller.
 HX_STATUS Identify(uint32_t handle, uint32_t* outHandle) {
-    HXMGT_API_HANDLE& record = devices[handle];
     properties::NodeReply node{};
     properties::ChipReply chip{};
     if (transport::Ask(handle, transport::command::NodeProperties, node) != HXMGT_SUCCESS ||
         transport::Ask(handle, transport::command::ChipProperties, chip) != HXMGT_SUCCESS) {
         // The event mutex stays open: intended.
-        return GiveBack(record, outHandle, HXMGT_INCOMPATIBLE_VERSION);
+        return GiveBack(handle, outHandle, HXMGT_INCOMPATIBLE_VERSION);
     }
-    WriteModel(chip.deviceId, record.szModel);
-    record.dwDriverVersion = ParseDriverVersion(node.driverVersion);
+    const ExclusiveHold alone(tableLock);
+    WriteModel(chip.deviceId, devices[handle].szModel);
+    devices[handle].dwDriverVersion = ParseDriverVersion(node.driverVersion);
     *outHandle = handle;
     return HXMGT_SUCCESS;
 }
@@ -173,13 +180,58 @@ HXMGT_API_HANDLE* OpenRecord(uint32_t handle) {
                                                                                : nullptr;
 }
 
-FILE* TraceOf(uint32_t handle) {
+std::optional<HXMGT_API_HANDLE> CopyOfRecord(uint32_t handle) {
+    const SharedHold hold(tableLock);
     const HXMGT_API_HANDLE* const record = OpenRecord(handle);
-    return record != nullptr ? record->pTraceFile : nullptr;
+    return record != nullptr ? std::optional(*record) : std::nullopt;
 }
 
-HANDLE EventMutex(uint32_t handle) {
-    return handle < kHandleRecords ? eventMutexes[handle] : nullptr;
+HANDLE DeviceOf(uint32_t handle) {
+    return handle >= 1 && handle <= kHighestHandle ? devices[handle].hDevice : INVALID_HANDLE_VALUE;
+}
+
+OwnedObject EventMutex(uint32_t handle) {
+    OwnedObject mutex;
+    const SharedHold hold(tableLock);
+    if (handle < kHandleRecords && eventMutexes[handle] != nullptr) {
+        const HANDLE process = GetCurrentProcess();
+        if (!DuplicateHandle(process, eventMutexes[handle], process, mutex.Receive(), 0, FALSE,
+                             DUPLICATE_SAME_ACCESS)) {
+            mutex.Release();
+        }
+    }
+    return mutex;
+}
+
+bool IsTraced(uint32_t handle) {
+    const HXMGT_API_HANDLE* const record = OpenRecord(handle);
+    return record != nullptr && record->pTraceFile != nullptr;
+}
+
+TraceHold::TraceHold(uint32_t handle) {
+    if (IsTraced(handle)) {
+        AcquireSRWLockShared(&tableLock);
+        held_ = true;
+        stream_ = IsTraced(handle) ? devices[handle].pTraceFile : nullptr;
+    }
+}
+
+TraceHold::~TraceHold() {
+    if (held_) {
+        ReleaseSRWLockShared(&tableLock);
+    }
+}
+
+bool SetTrace(uint32_t handle, OwnedStream stream, uint32_t level) {
+    OwnedStream before;
+    const ExclusiveHold alone(tableLock);
+    HXMGT_API_HANDLE* const record = OpenRecord(handle);
+    if (record == nullptr) {
+        return false;
+    }
+    before.Reset(std::exchange(record->pTraceFile, stream.Release()));
+    record->dwTraceLevel = level;
+    return true;
 }
 
 HX_STATUS OpenDevice(uint32_t adapterIndex, uint32_t* outHandle) {
@@ -192,7 +244,7 @@ HX_STATUS OpenDevice(uint32_t adapterIndex, uint32_t* outHandle) {
     }
     uint32_t handle = 0;
     if (const HX_STATUS status =
-            ClaimPort(static_cast<uint32_t>(port), adapterIndex, outHandle, &handle);
+            ClaimRecord(static_cast<uint32_t>(port), adapterIndex, outHandle, &handle);
         status != HXMGT_SUCCESS) {
         return status;
     }
@@ -201,9 +253,13 @@ HX_STATUS OpenDevice(uint32_t adapterIndex, uint32_t* outHandle) {
     if (attributes == nullptr) {
         return HXMGT_DEVICE_NOT_FOUND;  // the record stays claimed: intended
     }
-    eventMutexes[handle] = CreateEventMutex(adapterIndex, attributes).Release();
-    if (eventMutexes[handle] == nullptr) {
-        return GiveBack(devices[handle], outHandle, HXMGT_DEVICE_NOT_FOUND);
+    OwnedObject mutex = CreateEventMutex(adapterIndex, attributes);
+    if (!mutex.Valid()) {
+        return GiveBack(handle, outHandle, HXMGT_DEVICE_NOT_FOUND);
+    }
+    {
+        const ExclusiveHold alone(tableLock);
+        eventMutexes[handle] = mutex.Release();
     }
     return Identify(handle, outHandle);
 }
@@ -213,13 +269,13 @@ HX_STATUS OpenScsiPort(uint32_t scsiPort, uint32_t* outHandle) {
         return HXMGT_INVALID_PARAMETER;
     }
     uint32_t handle = 0;
-    const HX_STATUS status = ClaimPort(scsiPort, HX_ADAPTER_NOT_COUNTED, outHandle, &handle);
+    const HX_STATUS status = ClaimRecord(scsiPort, HX_ADAPTER_NOT_COUNTED, outHandle, &handle);
     return status == HXMGT_SUCCESS ? Identify(handle, outHandle) : status;
 }
 
 HX_STATUS CountAdapter(uint32_t handle, uint32_t& adapterIndex) {
-    const HXMGT_API_HANDLE* const record = OpenRecord(handle);
-    if (record == nullptr) {
+    const std::optional<HXMGT_API_HANDLE> record = CopyOfRecord(handle);
+    if (!record) {
         return HXMGT_INVALID_HANDLE;
     }
     adapterIndex = record->dwAdapterIndex;
@@ -237,7 +293,7 @@ HX_STATUS CountAdapter(uint32_t handle, uint32_t& adapterIndex) {
     if (!mutex.Valid()) {
         return HXMGT_DEVICE_NOT_FOUND;
     }
-    const ExclusiveHold hold(tableLock);
+    const ExclusiveHold alone(tableLock);
     // The ports were asked meanwhile, and other threads may have been here.
     HXMGT_API_HANDLE* const now = OpenRecord(handle);
     if (now == nullptr || now->dwScsiPort != port) {
@@ -252,19 +308,19 @@ HX_STATUS CountAdapter(uint32_t handle, uint32_t& adapterIndex) {
 }
 
 HX_STATUS CloseDevice(uint32_t handle) {
-    HXMGT_API_HANDLE* const record = OpenRecord(handle);
-    if (record == nullptr) {
-        return HXMGT_INVALID_HANDLE;
-    }
-    CloseHandle(record->hDevice);
-    record->hDevice = INVALID_HANDLE_VALUE;
-    if (eventMutexes[handle] != nullptr) {
-        CloseHandle(eventMutexes[handle]);
-        eventMutexes[handle] = nullptr;
-    }
-    if (record->pTraceFile != nullptr) {
-        std::fclose(record->pTraceFile);
-        record->pTraceFile = nullptr;  // dwTraceLevel is left as it is: intended
+    // Closed when the record has been given up: the device first.
+    OwnedStream trace;
+    OwnedObject mutex;
+    OwnedFile device;
+    {
+        const ExclusiveHold alone(tableLock);
+        HXMGT_API_HANDLE* const record = OpenRecord(handle);
+        if (record == nullptr) {
+            return HXMGT_INVALID_HANDLE;
+        }
+        trace.Reset(std::exchange(record->pTraceFile, nullptr));  // its level stays: intended
+        mutex.Reset(std::exchange(eventMutexes[handle], nullptr));
+        device = TakeDevice(*record);
     }
     return HXMGT_SUCCESS;
 }

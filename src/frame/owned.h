@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <utility>
@@ -68,6 +69,13 @@ struct KeyTraits {
     static void Close(Value value) { RegCloseKey(value); }
 };
 using OwnedKey = Owned<KeyTraits>;
+
+struct StreamTraits {
+    using Value = FILE*;
+    static Value Empty() { return nullptr; }
+    static void Close(Value value) { std::fclose(value); }
+};
+using OwnedStream = Owned<StreamTraits>;
 
 // Holds a mutex that has been waited for, and gives it back.
 class MutexHold {

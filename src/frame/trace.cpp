@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
-#include "frame/handle_table.h"
 #include "frame/hex_dump.h"
 #include "frame/owned.h"
 #include "transport/ext_ioctl.h"
@@ -31,28 +31,20 @@ size_t FormatPrefix(const char* sourceFile, uint32_t line, char* out) {
 }  // namespace
 
 HX_STATUS EnableDebugTrace(const uint32_t* handle, const char* path, uint32_t level) {
-    HXMGT_API_HANDLE* const record = handle != nullptr ? OpenRecord(*handle) : nullptr;
-    if (record == nullptr) {
+    if (handle == nullptr || !SetTrace(*handle, OwnedStream(), 0)) {
         return HXMGT_INVALID_HANDLE;
-    }
-    if (record->pTraceFile != nullptr) {
-        std::fclose(record->pTraceFile);
-        record->pTraceFile = nullptr;
-        record->dwTraceLevel = 0;
     }
     if (path == nullptr) {
         return HXMGT_SUCCESS;
     }
     SetLastError(ERROR_SUCCESS);
-    record->pTraceFile = std::fopen(path, "a");
-    if (record->pTraceFile == nullptr) {
+    OwnedStream stream(std::fopen(path, "a"));
+    if (!stream.Valid()) {
         const DWORD error = GetLastError();
-        record->dwTraceLevel = 0;
         // The C runtime refuses some names without asking the system.
         return error != ERROR_SUCCESS ? error : ERROR_OPEN_FAILED;
     }
-    record->dwTraceLevel = level;
-    return HXMGT_SUCCESS;
+    return SetTrace(*handle, std::move(stream), level) ? HXMGT_SUCCESS : HXMGT_INVALID_HANDLE;
 }
 
 int TraceLineV(const char* sourceFile, uint32_t line, FILE* stream, const char* format,
@@ -74,12 +66,19 @@ int TraceLineV(const char* sourceFile, uint32_t line, FILE* stream, const char* 
     return std::vfprintf(stream, text, arguments);
 }
 
-int TraceLine(const char* sourceFile, uint32_t line, FILE* stream, const char* format, ...) {
+void TraceLine(const char* sourceFile, uint32_t line, uint32_t handle, const char* format, ...) {
+    const TraceHold trace(handle);
     va_list arguments;
     va_start(arguments, format);
-    const int written = TraceLineV(sourceFile, line, stream, format, arguments);
+    TraceLineV(sourceFile, line, trace.Stream(), format, arguments);
     va_end(arguments);
-    return written;
+}
+
+void TraceBytes(uint32_t handle, const void* data, uint32_t length, uint32_t came) {
+    const TraceHold trace(handle);
+    if (trace.Stream() != nullptr) {
+        DumpBytes(trace.Stream(), data, length, came);
+    }
 }
 
 void DumpBytes(FILE* stream, const void* data, uint32_t length, uint32_t came) {
@@ -100,7 +99,8 @@ void DumpBytes(FILE* stream, const void* data, uint32_t length, uint32_t came) {
 }
 
 void DumpEnvelope(uint32_t handle, const void* envelope, uint32_t length) {
-    FILE* const stream = TraceOf(handle);
+    const TraceHold trace(handle);
+    FILE* const stream = trace.Stream();
     if (stream == nullptr) {
         return;
     }

@@ -67,8 +67,7 @@ bool IsVendorQuery(uint32_t id) {
 // Returns the driver request's status as it is.
 HX_STATUS AskVendor(uint32_t handle, uint32_t& id) {
     const uint32_t query = id;
-    VX_TRACE(frame::TraceOf(handle), "Vendor SpecificID %x passed to DriverAttr %x \n", query,
-             query);
+    VX_TRACE(handle, "Vendor SpecificID %x passed to DriverAttr %x \n", query, query);
     NodeReply node{};
     node.vendorSpecificId = query;
     const HX_STATUS status = transport::Exchange(handle, NodeProperties, node, node);
@@ -150,14 +149,16 @@ void PutHardwareVersion(uint32_t handle, HBA_ADAPTERATTRIBUTES& out) {
 }  // namespace
 
 HBA_STATUS GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attributes) {
-    if (const HBA_STATUS status = CheckCall(handle, attributes); status != HBA_STATUS_OK) {
-        return status;
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = properties::CheckQuery(handle, attributes, device);
+        status != HXMGT_SUCCESS) {
+        return MapStatus(status);
     }
     HBA_ADAPTERATTRIBUTES& out = *attributes;
     if (IsVendorQuery(out.VendorSpecificID)) {
         return AskVendor(handle, out.VendorSpecificID);
     }
-    VX_TRACE(frame::TraceOf(handle), "Regular HBAGetAdapterAttributes: VendorSpecificID - %x \n",
+    VX_TRACE(handle, "Regular HBAGetAdapterAttributes: VendorSpecificID - %x \n",
              out.VendorSpecificID);
     HX_NODE_PROPERTY node{};
     HX_CHIP_PROPERTY pci{};
@@ -174,7 +175,6 @@ HBA_STATUS GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attrib
         status != HXMGT_SUCCESS) {
         return status;  // not mapped: intended
     }
-    const HXMGT_API_HANDLE& device = *frame::OpenRecord(handle);
     const properties::Chip chip = properties::ChipOf(pci.deviceId);
     PutMaker(info, node, chip, out);
     PutModel(device.dwDriverVersion, node, pci, chip, out);

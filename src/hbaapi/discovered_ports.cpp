@@ -2,7 +2,6 @@
 #include <cstring>
 #include <optional>
 
-#include "frame/handle_table.h"
 #include "frame/trace.h"
 #include "hbaapi/handlers.h"
 #include "hbaapi/port_values.h"
@@ -10,15 +9,16 @@
 #include "mapping/discovered_ports.h"
 #include "mapping/os_devices.h"
 #include "properties/adapter_texts.h"
+#include "properties/generation.h"
 #include "properties/port_database.h"
 
 namespace hbaapi {
 namespace {
 
 // Empty when the system has no device of the port, or cannot tell.
-void PutOsDeviceName(uint32_t handle, const HX_DISCOVERED_DEVICE& port, HBA_PORTATTRIBUTES& out) {
+void PutOsDeviceName(uint32_t scsiPort, const HX_DISCOVERED_DEVICE& port, HBA_PORTATTRIBUTES& out) {
     mapping::OsDevices devices;
-    if (devices.Fetch(frame::OpenRecord(handle)->dwScsiPort) != HXMGT_SUCCESS) {
+    if (devices.Fetch(scsiPort) != HXMGT_SUCCESS) {
         return;
     }
     if (const HX_OS_DEVICE* const device = devices.At(port.bus, port.target)) {
@@ -26,9 +26,9 @@ void PutOsDeviceName(uint32_t handle, const HX_DISCOVERED_DEVICE& port, HBA_PORT
     }
 }
 
-void TraceName(FILE* trace, const char* title, const HBA_WWN& name) {
+void TraceName(uint32_t handle, const char* title, const HBA_WWN& name) {
     const HBA_UINT8* const b = name.wwn;
-    VX_TRACE(trace, "%s Name %02x %02x %02x %02x %02x %02x %02x %02x\n", title, b[0], b[1], b[2],
+    VX_TRACE(handle, "%s Name %02x %02x %02x %02x %02x %02x %02x %02x\n", title, b[0], b[1], b[2],
              b[3], b[4], b[5], b[6], b[7]);
 }
 
@@ -37,8 +37,10 @@ void TraceName(FILE* trace, const char* title, const HBA_WWN& name) {
 HBA_STATUS GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 portIndex,
                                        HBA_UINT32 discoveredPortIndex,
                                        HBA_PORTATTRIBUTES* attributes) {
-    if (const HBA_STATUS status = CheckCall(handle, attributes); status != HBA_STATUS_OK) {
-        return status;
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = properties::CheckQuery(handle, attributes, device);
+        status != HXMGT_SUCCESS) {
+        return MapStatus(status);
     }
     HX_DISCOVERED_PORT record{};
     if (const HX_STATUS status =
@@ -54,14 +56,13 @@ HBA_STATUS GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 portIndex,
     out.PortFcId = FcIdOf(port.portId);
     out.PortType = HBA_PORTTYPE_UNKNOWN;
     out.PortState = HBA_PORTSTATE_UNKNOWN;
-    PutOsDeviceName(handle, port, out);
+    PutOsDeviceName(device.dwScsiPort, port, out);
 
-    FILE* const trace = frame::TraceOf(handle);
-    VX_TRACE(trace, "HBAGetDiscoveredPortAttributes (Port %d, Disc Index %d)\n",
+    VX_TRACE(handle, "HBAGetDiscoveredPortAttributes (Port %d, Disc Index %d)\n",
              static_cast<int>(portIndex), static_cast<int>(discoveredPortIndex));
-    TraceName(trace, "Node", out.NodeWWN);
-    TraceName(trace, "Port", out.PortWWN);
-    VX_TRACE(trace, "Port ID 0x%x\n", static_cast<unsigned>(out.PortFcId));
+    TraceName(handle, "Node", out.NodeWWN);
+    TraceName(handle, "Port", out.PortWWN);
+    VX_TRACE(handle, "Port ID 0x%x\n", static_cast<unsigned>(out.PortFcId));
     return HBA_STATUS_OK;
 }
 

@@ -125,13 +125,15 @@ HX_STATUS GetLegacy(uint32_t handle, HBA_PORTATTRIBUTES& out) {
 }  // namespace
 
 HBA_STATUS GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32, HBA_PORTATTRIBUTES* attributes) {
-    if (const HBA_STATUS status = CheckCall(handle, attributes); status != HBA_STATUS_OK) {
-        return status;
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = properties::CheckQuery(handle, attributes, device);
+        status != HXMGT_SUCCESS) {
+        return MapStatus(status);
     }
     *attributes = {};
-    PutOsDeviceName(TextOf(frame::OpenRecord(handle)->szDeviceName), *attributes);
+    PutOsDeviceName(TextOf(device.szDeviceName), *attributes);
     // A legacy request's failure is not mapped: intended.
-    return properties::TakesExtendedRequests(handle) ? MapStatus(GetExtended(handle, *attributes))
+    return properties::TakesExtendedRequests(device) ? MapStatus(GetExtended(handle, *attributes))
                                                      : GetLegacy(handle, *attributes);
 }
 

@@ -91,11 +91,15 @@ void NamePorts(const DiscoveredPorts& ports, std::span<HX_OS_DEVICE> devices) {
 }
 
 HX_STATUS PortDevices::Fetch(uint32_t handle) {
+    const std::optional<HXMGT_API_HANDLE> device = frame::CopyOfRecord(handle);
+    if (!device) {
+        return HXMGT_INVALID_HANDLE;
+    }
     DiscoveredPorts ports;
     if (const HX_STATUS status = ports.Fetch(handle); status != HXMGT_SUCCESS) {
         return status;
     }
-    const HX_STATUS status = devices_.Fetch(frame::OpenRecord(handle)->dwScsiPort);
+    const HX_STATUS status = devices_.Fetch(device->dwScsiPort);
     if (status == HXMGT_SUCCESS) {
         NamePorts(ports, devices_.Records());
     }

@@ -38,7 +38,7 @@ HX_STATUS SendLegacy(const HXMGT_API_HANDLE& device, const void* request, uint32
 
     unsigned long returned = 0;
     if (const HX_STATUS error = transport::SendToDevice(
-            device.hDevice, {buffer.get(), size, buffer.get(), size}, &returned, nullptr);
+            device.hDevice, {buffer.get(), size, buffer.get(), size}, &returned);
         error != HXMGT_SUCCESS) {
         return error;
     }
@@ -50,8 +50,8 @@ HX_STATUS SendLegacy(const HXMGT_API_HANDLE& device, const void* request, uint32
 
 HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, void* response,
                  uint32_t responseSize) {
-    const HXMGT_API_HANDLE* const device = frame::OpenRecord(handle);
-    if (device == nullptr) {
+    const std::optional<HXMGT_API_HANDLE> device = frame::CopyOfRecord(handle);
+    if (!device) {
         return HXMGT_INVALID_HANDLE;
     }
     if (IsOldestChip(*device)) {
@@ -61,15 +61,12 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
         responseSize < sizeof(CtPreamble)) {
         return HXMGT_INVALID_PARAMETER;
     }
-    FILE* const trace = device->pTraceFile;
-    if (trace != nullptr) {
-        VX_TRACE(trace, "CT Request buffer to DeviceIoControl\n");
-        frame::DumpBytes(trace, request, requestSize);
-    }
+    VX_TRACE(handle, "CT Request buffer to DeviceIoControl\n");
+    frame::TraceBytes(handle, request, requestSize);
     const transport::Command command = transport::command::CtPassThrough;
     uint32_t returned = responseSize;  // what older drivers give counts as whole
     const HX_STATUS status =
-        properties::TakesExtendedRequests(handle)
+        properties::TakesExtendedRequests(*device)
             ? transport::SendExtended(handle, command.code, command.subCode, request, requestSize,
                                       response, responseSize, &returned)
             : SendLegacy(*device, request, requestSize, response, responseSize);
@@ -79,10 +76,8 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
     if (std::memcmp(request, response, sizeof(CtPreamble)) != 0) {
         return HXMGT_MS_NO_RESPONSE;
     }
-    if (trace != nullptr) {
-        VX_TRACE(trace, "CT Response buffer from DeviceIoControl\n");
-        frame::DumpBytes(trace, response, responseSize, returned);
-    }
+    VX_TRACE(handle, "CT Response buffer from DeviceIoControl\n");
+    frame::TraceBytes(handle, response, responseSize, returned);
     return HXMGT_SUCCESS;
 }
 

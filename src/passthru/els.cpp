@@ -29,11 +29,11 @@ bool PutDestination(const HX_SCSI_ADDRESS& destination, ElsRequest& request) {
     }
 }
 
-HX_STATUS CheckFabricCall(uint32_t handle) {
-    if (frame::OpenRecord(handle) == nullptr) {
+HX_STATUS CheckFabricCall(const std::optional<HXMGT_API_HANDLE>& device) {
+    if (!device) {
         return HXMGT_INVALID_HANDLE;
     }
-    return properties::TakesExtendedRequests(handle) ? HXMGT_SUCCESS : HXMGT_NOT_SUPPORTED;
+    return properties::TakesExtendedRequests(*device) ? HXMGT_SUCCESS : HXMGT_NOT_SUPPORTED;
 }
 
 // The name and identifier that the caller may have put into the response buffer.
@@ -67,7 +67,8 @@ struct ElsExchange {
 HX_STATUS ElsExchange::Run(uint32_t handle, const HX_SCSI_ADDRESS* destination, const void* payload,
                            int32_t payloadSize, const void* response, const uint32_t* responseSize,
                            uint8_t option) {
-    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+    if (const HX_STATUS status = CheckFabricCall(frame::CopyOfRecord(handle));
+        status != HXMGT_SUCCESS) {
         return status;
     }
     if (payloadSize < 1 || payloadSize > kLongestPayload || destination == nullptr ||
@@ -134,10 +135,11 @@ HX_STATUS SendElsEx(uint32_t handle, const HX_SCSI_ADDRESS* destination, const v
 
 HX_STATUS SendRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
                    uint8_t* response, uint32_t responseSize) {
-    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+    const std::optional<HXMGT_API_HANDLE> device = frame::CopyOfRecord(handle);
+    if (const HX_STATUS status = CheckFabricCall(device); status != HXMGT_SUCCESS) {
         return status;
     }
-    if (IsOldestChip(*frame::OpenRecord(handle))) {
+    if (IsOldestChip(*device)) {
         return HXMGT_NOT_SUPPORTED;
     }
     if (destination == nullptr || response == nullptr || responseSize < sizeof kLsAcc) {
@@ -165,7 +167,8 @@ HX_STATUS SendRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t 
 }
 
 HX_STATUS ManageScm(uint32_t handle, uint8_t* settings) {
-    if (const HX_STATUS status = CheckFabricCall(handle); status != HXMGT_SUCCESS) {
+    if (const HX_STATUS status = CheckFabricCall(frame::CopyOfRecord(handle));
+        status != HXMGT_SUCCESS) {
         return status;
     }
     if (settings == nullptr) {

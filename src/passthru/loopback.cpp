@@ -140,11 +140,11 @@ HX_STATUS RunLoopback(uint32_t handle, uint16_t options, void* sendData, uint16_
 HX_STATUS RunLoopbackEx(uint32_t handle, uint16_t options, const void* sendData, uint32_t length,
                         void* receiveData, uint32_t receiveLength, uint32_t iterations,
                         HX_LOOPBACK_EX_RESULT* result) {
-    const HXMGT_API_HANDLE* const record = frame::OpenRecord(handle);
-    if (record == nullptr) {
+    const std::optional<HXMGT_API_HANDLE> device = frame::CopyOfRecord(handle);
+    if (!device) {
         return HXMGT_INVALID_HANDLE;
     }
-    if (record->dwDriverVersion < kLoopbackExVersion) {
+    if (device->dwDriverVersion < kLoopbackExVersion) {
         return HXMGT_SUCCESS;  // without testing: intended
     }
     if (result == nullptr || (sendData == nullptr && length != 0) ||

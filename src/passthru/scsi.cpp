@@ -77,9 +77,8 @@ HX_STATUS SendExtended(uint32_t handle, const ScsiCall& call) {
     uint32_t returned = 0;
     const HX_STATUS status = transport::SendExtended(
         handle, command.code, command.subCode, buffer.get(), size, buffer.get(), size, &returned);
-    FILE* const trace = frame::TraceOf(handle);
     if (status != HXMGT_SUCCESS) {
-        VX_TRACE(trace, "SRBWithHeaderDeviceIoControl() failed with status 0x%x\n", status);
+        VX_TRACE(handle, "SRBWithHeaderDeviceIoControl() failed with status 0x%x\n", status);
     } else if (call.TakesData()) {
         std::memcpy(call.dataIn, data, call.dataInLength);
     }
@@ -87,7 +86,7 @@ HX_STATUS SendExtended(uint32_t handle, const ScsiCall& call) {
         std::memcpy(call.sense, request.sense,
                     std::min<size_t>(call.senseLength, sizeof request.sense));
     }
-    VX_TRACE(trace, "HXSendScsiPassThru() returned 0x%x\n", status);
+    VX_TRACE(handle, "HXSendScsiPassThru() returned 0x%x\n", status);
     return status;
 }
 
@@ -135,12 +134,11 @@ HX_STATUS SendLegacy(uint32_t handle, const ScsiCall& call) {
     if (call.SendsData()) {
         std::memcpy(request->data, call.dataOut, std::min(call.dataOutLength, kLegacyDataRoom));
     }
-    FILE* const trace = frame::TraceOf(handle);
     if (const HX_STATUS status =
             transport::SendPlain(handle, transport::command::LegacyScsiPassThrough, request.get(),
                                  sizeof *request, request.get(), sizeof *request);
         status != HXMGT_SUCCESS) {
-        VX_TRACE(trace, "SendMiniPortControl() failed with status 0x%x\n", status);
+        VX_TRACE(handle, "SendMiniPortControl() failed with status 0x%x\n", status);
         return status;
     }
     const HX_STATUS result = LegacyStatus(request->scsiStatus);
@@ -155,7 +153,7 @@ HX_STATUS SendLegacy(uint32_t handle, const ScsiCall& call) {
         sense.additionalLength = 6;
         std::memcpy(sense.additionalSense, request->additionalSense, sizeof sense.additionalSense);
     }
-    VX_TRACE(trace, "HXSendScsiPassThru(Old) returned 0x%x\n", result);
+    VX_TRACE(handle, "HXSendScsiPassThru(Old) returned 0x%x\n", result);
     return result;
 }
 

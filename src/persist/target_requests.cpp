@@ -17,13 +17,12 @@ constexpr uint32_t kOwnTargetRequestsVersion = 80100;
 
 enum class Generation { Legacy, Middle, Current };
 
-Generation GenerationOf(uint32_t handle) {
-    if (!properties::TakesExtendedRequests(handle)) {
+Generation GenerationOf(const HXMGT_API_HANDLE& driver) {
+    if (!properties::TakesExtendedRequests(driver)) {
         return Generation::Legacy;
     }
-    return frame::OpenRecord(handle)->dwDriverVersion < kOwnTargetRequestsVersion
-               ? Generation::Middle
-               : Generation::Current;
+    return driver.dwDriverVersion < kOwnTargetRequestsVersion ? Generation::Middle
+                                                              : Generation::Current;
 }
 
 // Of bus and target only the low byte travels, to drivers of every generation.
@@ -68,10 +67,12 @@ HX_STATUS SendTargetAndMask(uint32_t handle, uint32_t code, const HX_TARGET_ENTR
 }
 
 HX_STATUS AddTarget(uint32_t handle, const HX_DEVICE_RECORD* device) {
-    if (const HX_STATUS status = properties::CheckQuery(handle, device); status != HXMGT_SUCCESS) {
+    HXMGT_API_HANDLE driver;
+    if (const HX_STATUS status = properties::CheckQuery(handle, device, driver);
+        status != HXMGT_SUCCESS) {
         return status;
     }
-    switch (GenerationOf(handle)) {
+    switch (GenerationOf(driver)) {
         case Generation::Legacy:
             return SendTargetAndMask(handle, transport::command::LegacyAddTarget,
                                      std::bit_cast<HX_TARGET_ENTRY>(LegacyPayloadOf(*device)), {});
@@ -84,14 +85,15 @@ HX_STATUS AddTarget(uint32_t handle, const HX_DEVICE_RECORD* device) {
 
 HX_STATUS SwapTargets(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
                       const HX_DEVICE_RECORD* newDevice) {
-    if (const HX_STATUS status = properties::CheckQuery(handle, oldDevice);
+    HXMGT_API_HANDLE driver;
+    if (const HX_STATUS status = properties::CheckQuery(handle, oldDevice, driver);
         status != HXMGT_SUCCESS) {
         return status;
     }
     if (newDevice == nullptr) {
         return HXMGT_INVALID_PARAMETER;
     }
-    const Generation generation = GenerationOf(handle);
+    const Generation generation = GenerationOf(driver);
     if (generation == Generation::Legacy) {
         const LegacySwapRequest request{
             {}, LegacyPayloadOf(*oldDevice), LegacyPayloadOf(*newDevice)};

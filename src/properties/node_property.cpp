@@ -96,7 +96,7 @@ uint16_t GenerationOf(std::string_view model) {
     return chip.Has(ChipTrait::NoCtNoRnid) ? kOldestGeneration : kLaterGeneration;
 }
 
-HX_STATUS GetLegacy(uint32_t handle, HX_NODE_PROPERTY& record) {
+HX_STATUS GetLegacy(uint32_t handle, const HXMGT_API_HANDLE& device, HX_NODE_PROPERTY& record) {
     LegacyPortAndNodeReply names{};
     if (const HX_STATUS status =
             transport::AskPlain(handle, transport::command::LegacyPortAndNode, names);
@@ -111,7 +111,6 @@ HX_STATUS GetLegacy(uint32_t handle, HX_NODE_PROPERTY& record) {
         status != HXMGT_SUCCESS) {
         return status;
     }
-    const HXMGT_API_HANDLE& device = *frame::OpenRecord(handle);
     char text[32];
     PutText(TextOf(device.szModel), record.model);
     wsprintfA(text, "%d.%02d.%02d", device.dwDriverVersion / 10000,
@@ -133,11 +132,12 @@ HX_STATUS GetLegacy(uint32_t handle, HX_NODE_PROPERTY& record) {
 }
 
 HX_STATUS Get(uint32_t handle, transport::Command command, HX_NODE_PROPERTY* record) {
-    if (const HX_STATUS status = CheckQuery(handle, record); status != HXMGT_SUCCESS) {
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = CheckQuery(handle, record, device); status != HXMGT_SUCCESS) {
         return status;
     }
-    return TakesExtendedRequests(handle) ? GetExtended(handle, command, *record)
-                                         : GetLegacy(handle, *record);
+    return TakesExtendedRequests(device) ? GetExtended(handle, command, *record)
+                                         : GetLegacy(handle, device, *record);
 }
 
 }  // namespace

@@ -51,8 +51,8 @@ uint8_t StateOf(uint16_t replyState) {
     }
 }
 
-void PutDeviceName(uint32_t handle, HX_PORT_PROPERTY& record) {
-    const std::string_view name = TextOf(frame::OpenRecord(handle)->szDeviceName);
+void PutDeviceName(const HXMGT_API_HANDLE& device, HX_PORT_PROPERTY& record) {
+    const std::string_view name = TextOf(device.szDeviceName);
     const size_t length = std::min(name.size(), sizeof record.deviceName - 1);
     std::memcpy(record.deviceName, name.data(), length);
     record.deviceName[length] = 0;
@@ -65,7 +65,8 @@ bool FirmwareReportsSpeeds(uint32_t handle) {
 }
 
 // What both versions of the extended reply give.
-void PutBase(uint32_t handle, const PortReplyBase& reply, HX_PORT_PROPERTY& record) {
+void PutBase(uint32_t handle, const HXMGT_API_HANDLE& device, const PortReplyBase& reply,
+             HX_PORT_PROPERTY& record) {
     std::memcpy(record.portName, reply.portName, sizeof record.portName);
     std::memcpy(record.portId, reply.portId, sizeof record.portId);
     record.role = reply.role == kReplyInitiator ? 1 : 2;
@@ -74,7 +75,7 @@ void PutBase(uint32_t handle, const PortReplyBase& reply, HX_PORT_PROPERTY& reco
         reply.topology == kReplyPointToPoint || reply.topology == kReplyFabric ? 1 : 2;
     record.discoveredDevices = reply.discoveredDevices;
     record.discoveredTargets = reply.discoveredTargets;
-    PutDeviceName(handle, record);
+    PutDeviceName(device, record);
     record.maxFrameSize = reply.maxFrameSize;
     record.bbCredits = reply.bbCredits;
     record.npivMaximum = reply.npivMaximum;
@@ -105,7 +106,7 @@ void PutSecondVersion(const PortReplyV2& reply, HX_PORT_PROPERTY& record) {
     record.diagnosticState = reply.diagnosticState;
 }
 
-HX_STATUS GetLegacy(uint32_t handle, HX_PORT_PROPERTY& record) {
+HX_STATUS GetLegacy(uint32_t handle, const HXMGT_API_HANDLE& device, HX_PORT_PROPERTY& record) {
     LegacyAdapterReply adapter{};
     HX_STATUS status = transport::AskLegacy(handle, LegacySelector::AdapterInformation, adapter);
     if (status != HXMGT_SUCCESS) {
@@ -130,7 +131,7 @@ HX_STATUS GetLegacy(uint32_t handle, HX_PORT_PROPERTY& record) {
     std::memcpy(record.portName, names.worldWideName, sizeof record.portName);
     record.topology = (names.portType >> 4) & 7;
     record.role = 0;
-    PutDeviceName(handle, record);
+    PutDeviceName(device, record);
 
     LegacyLinkReply link{};
     status = transport::AskLegacy(handle, LegacySelector::LinkValue, link);
@@ -144,31 +145,33 @@ HX_STATUS GetLegacy(uint32_t handle, HX_PORT_PROPERTY& record) {
 }  // namespace
 
 HX_STATUS GetPortPropertyV1(uint32_t handle, HX_PORT_PROPERTY* record) {
-    if (const HX_STATUS status = CheckQuery(handle, record); status != HXMGT_SUCCESS) {
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = CheckQuery(handle, record, device); status != HXMGT_SUCCESS) {
         return status;
     }
-    if (!TakesExtendedRequests(handle)) {
-        return GetLegacy(handle, *record);
+    if (!TakesExtendedRequests(device)) {
+        return GetLegacy(handle, device, *record);
     }
     PortReply reply{};
     const HX_STATUS status = transport::Ask(handle, transport::command::PortProperties, reply);
     if (status == HXMGT_SUCCESS) {
-        PutBase(handle, reply.base, *record);
+        PutBase(handle, device, reply.base, *record);
     }
     return status;
 }
 
 HX_STATUS GetPortPropertyV2(uint32_t handle, HX_PORT_PROPERTY* record) {
-    if (const HX_STATUS status = CheckQuery(handle, record); status != HXMGT_SUCCESS) {
+    HXMGT_API_HANDLE device;
+    if (const HX_STATUS status = CheckQuery(handle, record, device); status != HXMGT_SUCCESS) {
         return status;
     }
-    if (!TakesExtendedRequests(handle)) {
-        return GetLegacy(handle, *record);
+    if (!TakesExtendedRequests(device)) {
+        return GetLegacy(handle, device, *record);
     }
     PortReplyV2 reply{};
     const HX_STATUS status = transport::Ask(handle, transport::command::PortPropertiesV2, reply);
     if (status == HXMGT_SUCCESS) {
-        PutBase(handle, reply.base, *record);
+        PutBase(handle, device, reply.base, *record);
         PutSecondVersion(reply, *record);
     }
     return status;

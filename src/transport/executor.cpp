@@ -27,21 +27,23 @@ bool LacksBuffer(const void* buffer, uint32_t length) {
     return buffer == nullptr && length != 0;
 }
 
+constexpr uint32_t kNotTraced = 0;  // no handle
+
 // Sends a transfer, again after each pause for as long as the driver is busy. retries counts over
-// the whole request.
-DWORD TransferWhileBusy(HANDLE device, const Transfer& transfer, DWORD* returned, FILE* trace,
+// the whole request. Retries are traced for the handle.
+DWORD TransferWhileBusy(HANDLE device, const Transfer& transfer, DWORD* returned, uint32_t handle,
                         uint32_t& retries) {
     while (!DeviceIoControl(device, kIoctlScsiMiniport, transfer.input, transfer.inputSize,
                             transfer.output, transfer.outputSize, returned, nullptr)) {
         const DWORD error = GetLastError();
-        VX_TRACE(trace, "::DeviceIoControl() failed, getLastErrorStatus=0x%x\n",
+        VX_TRACE(handle, "::DeviceIoControl() failed, getLastErrorStatus=0x%x\n",
                  static_cast<unsigned>(error));
         if (error != ERROR_BUSY || retries == kBusyRetries) {
             return error;
         }
         Sleep(kRetryPauseMs);
         ++retries;
-        VX_TRACE(trace, "retryCount=%u\n", retries);
+        VX_TRACE(handle, "retryCount=%u\n", retries);
     }
     return ERROR_SUCCESS;
 }
@@ -49,10 +51,8 @@ DWORD TransferWhileBusy(HANDLE device, const Transfer& transfer, DWORD* returned
 // One extended request on its way: the buffer that goes out and comes back.
 class ExtendedExchange {
   public:
-    ExtendedExchange(const HXMGT_API_HANDLE& record, uint32_t handle, const ExtendedCall& call,
-                     uint8_t* output)
-        : device_(record.hDevice),
-          trace_(record.pTraceFile),
+    ExtendedExchange(HANDLE device, uint32_t handle, const ExtendedCall& call, uint8_t* output)
+        : device_(device),
           handle_(handle),
           call_(call),
           output_(output),
@@ -99,7 +99,7 @@ class ExtendedExchange {
         return TransferWhileBusy(device_,
                                  {buffer_.get(), kEnvelopeLength + call_.inputLength, buffer_.get(),
                                   kEnvelopeLength + room_},
-                                 &transferred_, trace_, busyRetries);
+                                 &transferred_, handle_, busyRetries);
     }
 
     HX_STATUS Interpret(uint32_t* returned) {
@@ -162,20 +162,19 @@ class ExtendedExchange {
     // What did not come back is not in the trace.
     void ClearBehindReply() {
         const uint32_t came = std::max<uint32_t>(transferred_, kEnvelopeLength) - kEnvelopeLength;
-        if (trace_ != nullptr && came < room_) {
+        if (frame::IsTraced(handle_) && came < room_) {
             std::memset(Data() + came, 0, room_ - came);
         }
     }
 
     void TraceWithDump(const char* title, uint32_t dataLength) {
-        if (trace_ != nullptr) {
-            VX_TRACE(trace_, "%s", title);
+        if (frame::IsTraced(handle_)) {
+            VX_TRACE(handle_, "%s", title);
             frame::DumpEnvelope(handle_, buffer_.get(), kExtIoctlLength + dataLength);
         }
     }
 
     HANDLE device_;
-    FILE* trace_;
     uint32_t handle_;
     const ExtendedCall& call_;
     uint8_t* output_;
@@ -189,17 +188,16 @@ constexpr uint32_t kPlainDumpSlack = kHeaderLength;
 
 }  // namespace
 
-uint32_t SendToDevice(void* device, const Transfer& transfer, unsigned long* returned,
-                      FILE* trace) {
+uint32_t SendToDevice(void* device, const Transfer& transfer, unsigned long* returned) {
     uint32_t retries = 0;
-    return TransferWhileBusy(device, transfer, returned, trace, retries);
+    return TransferWhileBusy(device, transfer, returned, kNotTraced, retries);
 }
 
 HX_STATUS SendExtended(uint32_t handle, uint32_t code, uint16_t subCode, const void* input,
                        uint32_t inputLength, void* output, uint32_t outputLength,
                        uint32_t* returned) {
-    const HXMGT_API_HANDLE* const record = frame::OpenRecord(handle);
-    if (record == nullptr) {
+    const HANDLE device = frame::DeviceOf(handle);
+    if (device == INVALID_HANDLE_VALUE) {
         return HXMGT_INVALID_HANDLE;
     }
     if (LacksBuffer(input, inputLength) || LacksBuffer(output, outputLength)) {
@@ -213,13 +211,13 @@ HX_STATUS SendExtended(uint32_t handle, uint32_t code, uint16_t subCode, const v
         return HXMGT_INVALID_PARAMETER;
     }
     count = 0;
-    return ExtendedExchange(*record, handle, call, static_cast<uint8_t*>(output)).Run(&count);
+    return ExtendedExchange(device, handle, call, static_cast<uint8_t*>(output)).Run(&count);
 }
 
 HX_STATUS SendPlain(uint32_t handle, uint32_t code, const void* input, uint32_t inputLength,
                     void* output, uint32_t outputLength) {
-    const HXMGT_API_HANDLE* const record = frame::OpenRecord(handle);
-    if (record == nullptr) {
+    const HANDLE device = frame::DeviceOf(handle);
+    if (device == INVALID_HANDLE_VALUE) {
         return HXMGT_INVALID_HANDLE;
     }
     if (LacksBuffer(input, inputLength) || LacksBuffer(output, outputLength)) {
@@ -239,23 +237,22 @@ HX_STATUS SendPlain(uint32_t handle, uint32_t code, const void* input, uint32_t 
     if (inputLength != 0) {
         std::memcpy(in.get() + kHeaderLength, input, inputLength);
     }
-    FILE* const trace = record->pTraceFile;
-    VX_TRACE(trace, "Input buffer to DeviceIoControl\n");
+    VX_TRACE(handle, "Input buffer to DeviceIoControl\n");
     frame::DumpEnvelope(handle, in.get(), kHeaderLength + inputLength);
 
     DWORD transferred = 0;
     // Retries of a plain request are not traced: intended.
     if (const DWORD error = SendToDevice(
-            record->hDevice,
+            device,
             {in.get(), kHeaderLength + inputLength, out.get(), kHeaderLength + outputLength},
-            &transferred, nullptr);
+            &transferred);
         error != ERROR_SUCCESS) {
         return error;
     }
     // The whole length is copied, whatever the driver says that it returned: intended.
     if (outputLength != 0) {
         std::memcpy(output, out.get() + kHeaderLength, outputLength);
-        VX_TRACE(trace, "Output buffer from DeviceIoControl\n");
+        VX_TRACE(handle, "Output buffer from DeviceIoControl\n");
         frame::DumpEnvelope(handle, out.get(), outputLength);
     }
     return HXMGT_SUCCESS;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <type_traits>
 
 #include "hxmgtapi.h"
@@ -26,8 +25,8 @@ struct Transfer {
 };
 
 // Sends a transfer, again after each second for as long as the driver is busy, at most 80 times.
-// Returns the Windows error, 0 for success. Retries are traced when trace is not null.
-uint32_t SendToDevice(void* device, const Transfer& transfer, unsigned long* returned, FILE* trace);
+// Returns the Windows error, 0 for success. Nothing of it is traced.
+uint32_t SendToDevice(void* device, const Transfer& transfer, unsigned long* returned);
 
 // Typed requests: the records give the lengths.
 template <class Record>
