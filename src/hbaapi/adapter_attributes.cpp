@@ -102,6 +102,14 @@ void PutMaker(const NodeReply& info, const HX_NODE_PROPERTY& node, const propert
     PutTerminated(hasSerial ? text.substr(separator + 1) : std::string_view{}, out.SerialNumber);
 }
 
+// All of the record's field, also what follows the end of its text, and a terminator.
+template <size_t Size, size_t FieldSize>
+void PutWhole(const char (&text)[Size], char (&field)[FieldSize]) {
+    static_assert(Size < FieldSize);
+    PutText({}, field);
+    std::memcpy(field, text, Size);
+}
+
 std::string_view BoardOf(uint16_t subsystemDeviceId) {
     for (const BoardRow& row : kBoards) {
         if (row.subsystemDeviceId == subsystemDeviceId) {
@@ -149,15 +157,15 @@ void PutHardwareVersion(uint32_t handle, HBA_ADAPTERATTRIBUTES& out) {
 }  // namespace
 
 HBA_STATUS GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attributes) {
+    if (attributes != nullptr && IsVendorQuery(attributes->VendorSpecificID)) {
+        return AskVendor(handle, attributes->VendorSpecificID);  // not mapped: intended
+    }
     HXMGT_API_HANDLE device;
     if (const HX_STATUS status = properties::CheckQuery(handle, attributes, device);
         status != HXMGT_SUCCESS) {
         return MapStatus(status);
     }
     HBA_ADAPTERATTRIBUTES& out = *attributes;
-    if (IsVendorQuery(out.VendorSpecificID)) {
-        return AskVendor(handle, out.VendorSpecificID);
-    }
     VX_TRACE(handle, "Regular HBAGetAdapterAttributes: VendorSpecificID - %x \n",
              out.VendorSpecificID);
     HX_NODE_PROPERTY node{};
@@ -180,8 +188,8 @@ HBA_STATUS GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attrib
     PutModel(device.dwDriverVersion, node, pci, chip, out);
     std::memcpy(out.NodeWWN.wwn, node.nodeName, sizeof out.NodeWWN.wwn);
     PutText({}, out.NodeSymbolicName);
-    PutTerminated(TextOf(node.driverVersion), out.DriverVersion);
-    PutTerminated(TextOf(node.optionRomVersion), out.OptionROMVersion);
+    PutWhole(node.driverVersion, out.DriverVersion);
+    PutWhole(node.optionRomVersion, out.OptionROMVersion);
     PutTerminated(TextOf(node.firmwareVersion), out.FirmwareVersion);
     out.VendorSpecificID = node.vendorSpecificId;
     out.NumberOfPorts = node.numberOfPorts;

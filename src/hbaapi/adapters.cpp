@@ -107,11 +107,9 @@ HBA_HANDLE OpenAdapter(char* name) {
 }
 
 void CloseAdapter(HBA_HANDLE handle) {
-    // A handle that is not open has no registration to give back.
-    if (frame::OpenRecord(handle) != nullptr) {
-        events::DisableAen(handle);
-        frame::CloseDevice(handle);
-    }
+    // Whatever the state of the handle, also when it is closed already: intended.
+    events::DisableAen(handle);
+    frame::CloseDevice(handle);
 }
 
 void RefreshInformation(HBA_HANDLE) {}

@@ -31,24 +31,27 @@ void FormatNumericSerial(std::span<const uint8_t, 3> serialBytes, NumericSerial&
                   static_cast<unsigned>(number % 100000));
 }
 
-bool ReportsSpeeds(std::string_view firmwareVersion) {
+bool ReportsSpeeds(std::string_view version) {
     constexpr uint32_t kWanted[] = {8, 1, 2};
     for (size_t i = 0;; ++i) {
         uint32_t number = 0;
-        std::from_chars(firmwareVersion.data(), firmwareVersion.data() + firmwareVersion.size(),
-                        number);
+        std::from_chars(version.data(), version.data() + version.size(), number);
         if (number != kWanted[i]) {
             return number > kWanted[i];
         }
         if (i + 1 == std::size(kWanted)) {
             return true;
         }
-        const size_t dot = firmwareVersion.find('.');
+        const size_t dot = version.find('.');
         if (dot == std::string_view::npos) {
             return false;
         }
-        firmwareVersion.remove_prefix(dot + 1);
+        version.remove_prefix(dot + 1);
     }
+}
+
+bool FirmwareReportsSpeeds(std::string_view version) {
+    return std::count(version.begin(), version.end(), '.') >= 2 && ReportsSpeeds(version);
 }
 
 }  // namespace properties

@@ -30,8 +30,12 @@ ManufacturerAndSerial SplitManufacturerAndSerial(std::string_view text);
 using NumericSerial = char[8];
 void FormatNumericSerial(std::span<const uint8_t, 3> serialBytes, NumericSerial& text);
 
-// True for firmware 8.1.2 and newer, which reports speeds; a number that is needed and missing
+// True for version 8.1.2 and newer, which reports speeds; a number that is needed and missing
 // counts as old.
-bool ReportsSpeeds(std::string_view firmwareVersion);
+bool ReportsSpeeds(std::string_view version);
+
+// The same for firmware, whose version has two dots at least: a text that misses one counts as old,
+// whatever its numbers.
+bool FirmwareReportsSpeeds(std::string_view version);
 
 }  // namespace properties

@@ -111,20 +111,38 @@ constexpr Chip ChipOf(uint16_t deviceId) {
     return {deviceId, '?', 0, ChipTrait::None};
 }
 
+// Model text of a chip of the table: none of their IDs has a digit above 9, so each is a character.
+struct ModelText {
+    char digits[4];
+    constexpr std::string_view View() const { return {digits, sizeof digits}; }
+};
+constexpr ModelText ModelTextOf(const Chip& chip) {
+    return {{static_cast<char>('0' + (chip.deviceId >> 12)),
+             static_cast<char>('0' + ((chip.deviceId >> 8) & 0xF)),
+             static_cast<char>('0' + ((chip.deviceId >> 4) & 0xF)),
+             static_cast<char>('0' + (chip.deviceId & 0xF))}};
+}
+
 // The chip whose model text (the device ID's hexadecimal digits, each as a decimal number) is the
 // one given; an unknown chip when there is none.
 constexpr Chip ChipOfModelText(std::string_view model) {
     for (const Chip& chip : kChips) {
-        // No ID of the table has a digit above 9, so a text is always four characters.
-        const char digits[] = {static_cast<char>('0' + (chip.deviceId >> 12)),
-                               static_cast<char>('0' + ((chip.deviceId >> 8) & 0xF)),
-                               static_cast<char>('0' + ((chip.deviceId >> 4) & 0xF)),
-                               static_cast<char>('0' + (chip.deviceId & 0xF))};
-        if (model == std::string_view(digits, sizeof digits)) {
+        if (model == ModelTextOf(chip).View()) {
             return chip;
         }
     }
     return {0, '?', 0, ChipTrait::None};
+}
+
+// True when the text begins with the model text of a chip that has the trait. Texts of other chips
+// may: a digit above 9 takes two characters.
+constexpr bool BeginsAsModelOf(ChipTrait trait, std::string_view model) {
+    for (const Chip& chip : kChips) {
+        if (chip.Has(trait) && model.starts_with(ModelTextOf(chip).View())) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace properties

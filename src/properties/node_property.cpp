@@ -89,11 +89,10 @@ HX_STATUS GetExtended(uint32_t handle, transport::Command command, HX_NODE_PROPE
 }
 
 uint16_t GenerationOf(std::string_view model) {
-    const Chip chip = ChipOfModelText(model);
-    if (chip.Has(ChipTrait::SecondOldest)) {
+    if (BeginsAsModelOf(ChipTrait::SecondOldest, model)) {
         return kLaterGeneration;
     }
-    return chip.Has(ChipTrait::NoCtNoRnid) ? kOldestGeneration : kLaterGeneration;
+    return BeginsAsModelOf(ChipTrait::NoCtNoRnid, model) ? kOldestGeneration : kLaterGeneration;
 }
 
 HX_STATUS GetLegacy(uint32_t handle, const HXMGT_API_HANDLE& device, HX_NODE_PROPERTY& record) {

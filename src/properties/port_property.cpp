@@ -58,10 +58,10 @@ void PutDeviceName(const HXMGT_API_HANDLE& device, HX_PORT_PROPERTY& record) {
     record.deviceName[length] = 0;
 }
 
-bool FirmwareReportsSpeeds(uint32_t handle) {
+bool HasFirmwareWithSpeeds(uint32_t handle) {
     HX_NODE_PROPERTY node{};
     return GetNodeProperty(handle, &node) == HXMGT_SUCCESS &&
-           ReportsSpeeds(TextOf(node.firmwareVersion));
+           FirmwareReportsSpeeds(TextOf(node.firmwareVersion));
 }
 
 // What both versions of the extended reply give.
@@ -80,7 +80,7 @@ void PutBase(uint32_t handle, const HXMGT_API_HANDLE& device, const PortReplyBas
     record.bbCredits = reply.bbCredits;
     record.npivMaximum = reply.npivMaximum;
     record.npivInUse = reply.npivInUse;
-    if (FirmwareReportsSpeeds(handle)) {
+    if (HasFirmwareWithSpeeds(handle)) {
         record.currentSpeed = reply.currentSpeed;
         record.supportedSpeeds = reply.supportedSpeeds;
     }

@@ -23,7 +23,8 @@ constexpr uint16_t kByOffset = 0xFFFF;
 constexpr uint16_t kByOffsetFlagged = 0xFFFD;  // sent as kByOffset with DetailStatus 1
 constexpr uint16_t kEepromAddress = 0xA0;      // two-wire address of a transceiver's A0h page
 
-// The flash request record of a call: where it stands and which of the two kinds it is.
+// The flash request record of a call: where it stands and which of the two kinds it is. The pointer
+// alone says that there is one: a length of 0 transfers nothing and the record counts all the same.
 struct FlashRecord {
     const void* record = nullptr;  // null: the call has none
     uint32_t length = 0;
@@ -34,11 +35,11 @@ struct FlashRecord {
 
 FlashRecord FlashRecordOf(const ExtendedCall& call) {
     if (call.subCode != 0) {
-        if (call.code == command::FlashRead.code && call.inputLength != 0) {
+        if (call.code == command::FlashRead.code) {
             return {call.input, call.inputLength, call.subCode == kByOffset};
         }
         // A write's record travels in the output buffer: intended.
-        if (call.code == command::FlashWrite.code && call.outputLength != 0) {
+        if (call.code == command::FlashWrite.code) {
             return {call.output, call.outputLength, call.subCode >= kByOffsetFlagged};
         }
     }
@@ -71,7 +72,7 @@ void PutHeader(uint32_t code, uint32_t length, SrbIoControl& header) {
 
 bool CarriesItsRecord(const ExtendedCall& call) {
     const FlashRecord flash = FlashRecordOf(call);
-    return flash.record == nullptr || flash.length >= flash.Needed();
+    return flash.record == nullptr || flash.length == 0 || flash.length >= flash.Needed();
 }
 
 void BuildExtended(const ExtendedCall& call, ExtRequest& envelope) {

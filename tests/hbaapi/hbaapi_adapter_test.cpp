@@ -49,6 +49,12 @@ TEST_F(HbaApiAdapterTest, VendorQueriesReachTheDriverAlone) {
     port->On(command::NodeProperties, Reply{.status = 6});
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, Get(0x1ED0000)) << "not mapped";
     EXPECT_EQ(0x1ED0000u, out->VendorSpecificID);
+    port->On(command::NodeProperties, Reply{.error = ERROR_GEN_FAILURE});
+    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_GEN_FAILURE), Get(0x1ED0017));
+    out->VendorSpecificID = 0x1ED00FF;
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, api.GetAdapterAttributesHandler(0, out.Get()));
+    EXPECT_EQ(4u, api.GetAdapterAttributesHandler(handle, nullptr));
+    port->On(command::NodeProperties, Reply{.status = 6});
     EXPECT_EQ(4u, Get(0x1ED0001)) << "no vendor query: the node record fails, mapped";
 }
 
@@ -57,7 +63,8 @@ TEST_F(HbaApiAdapterTest, Texts) {
     memcpy(port->node.nodeName, WwnOf(9).wwn, 8);
     SetText(port->node.model, "KVA7740");
     SetText(port->node.firmwareVersion, "9.12.01");
-    memcpy(port->node.optionRomVersion, "4.10", 5);
+    memcpy(port->node.optionRomVersion, "4.10\0more", 10);
+    memset(port->node.driverVersion, '7', 32);
     port->node.numberOfPorts = 2;
     port->node.vendorSpecificId = 0xABCD;
     Bytes nvram(256);
@@ -73,8 +80,9 @@ TEST_F(HbaApiAdapterTest, Texts) {
     EXPECT_TRUE(out->NodeWWN == WwnOf(9));
     EXPECT_STREQ("", out->NodeSymbolicName);
     EXPECT_STREQ("HW rev 0003 long", out->HardwareVersion) << "16 bytes of the block, no more";
-    EXPECT_STREQ("9.04.02.20", out->DriverVersion);
-    EXPECT_STREQ("4.10", out->OptionROMVersion);
+    EXPECT_EQ(std::string(32, '7'), out->DriverVersion) << "32 bytes, then the terminator";
+    EXPECT_EQ(0, memcmp("4.10\0more", out->OptionROMVersion, 10)) << "copied whole";
+    EXPECT_EQ(0, out->OptionROMVersion[32]);
     EXPECT_STREQ("9.12.01", out->FirmwareVersion);
     EXPECT_EQ(0xABCDu, out->VendorSpecificID);
     EXPECT_EQ(2u, out->NumberOfPorts);

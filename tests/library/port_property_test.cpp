@@ -81,10 +81,10 @@ TEST_F(PortPropertyTest, PortEnumerations) {
 
 TEST_F(PortPropertyTest, SpeedsNeedFirmware812) {
     const std::pair<const char*, bool> rows[] = {
-        {"8.1.2", true},  {"8.1.1", false}, {"8.2.0", true},   {"9.0.0", true},
-        {"8", false},     {"8.1", false},   {"8.01.02", true}, {"10.0.0", true},
-        {"7.9.9", false}, {"", false},      {"text", false},   {"8.1.10", true},
-        {"8.0.9", false}, {"8.12.1", true}, {"8.1.2.7", true}, {"8.1.x", false}};
+        {"8.1.2", true},  {"8.1.1", false},  {"8.2.0", true},  {"9.0.0", true},  {"8", false},
+        {"8.1", false},   {"8.01.02", true}, {"10.0.0", true}, {"7.9.9", false}, {"", false},
+        {"text", false},  {"8.1.10", true},  {"8.0.9", false}, {"8.12.1", true}, {"8.1.2.7", true},
+        {"8.1.x", false}, {"9.1", false},    {"9", false},     {"9.1.", true}};
     properties::PortReply reply = {};
     reply.base.currentSpeed = 22;
     reply.base.supportedSpeeds = 50;

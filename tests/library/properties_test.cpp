@@ -197,11 +197,9 @@ TEST_F(PropertiesTest, NumericSerial) {
 }
 
 TEST_F(PropertiesTest, LegacyNodeRecord) {
-    const std::tuple<uint16_t, const char*, uint8_t> rows[] = {{0x7100, "7100", 2},
-                                                               {0x7200, "7200", 1},
-                                                               {0x7300, "7300", 1},
-                                                               {0x7404, "7404", 1},
-                                                               {0xFFFF, "15151515", 1}};
+    const std::tuple<uint16_t, const char*, uint8_t> rows[] = {
+        {0x7100, "7100", 2},  {0x7200, "7200", 1}, {0x7300, "7300", 1},    {0x7404, "7404", 1},
+        {0x7A05, "71005", 2}, {0x7102, "7102", 1}, {0xFFFF, "15151515", 1}};
     for (const auto& [deviceId, model, generation] : rows) {
         Reopen("7.05.02", deviceId);
         AnswerLegacy();

@@ -95,6 +95,9 @@ TEST(Pure, TextsThatDoNotEnd) {
     EXPECT_FALSE(properties::ReportsSpeeds(Exact("8.1.").View()));
     EXPECT_FALSE(properties::ReportsSpeeds(Exact("8.").View()));
     EXPECT_FALSE(properties::ReportsSpeeds(Exact("").View()));
+    EXPECT_TRUE(properties::ReportsSpeeds(Exact("9").View()));
+    EXPECT_FALSE(properties::FirmwareReportsSpeeds(Exact("9.1").View()));
+    EXPECT_TRUE(properties::FirmwareReportsSpeeds(Exact("9.1.0").View()));
     const Exact onlySeparators("---");
     EXPECT_TRUE(properties::SplitManufacturerAndSerial(onlySeparators.View()).manufacturer.empty());
     char field[4];
