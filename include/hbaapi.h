@@ -252,12 +252,14 @@ typedef struct HBA_ENTRYPOINTS {
     /* Opens an adapter by the number that ends its name, and starts collecting its events. Returns
        its handle, or 0. */
     HBA_HANDLE (*OpenAdapterHandler)(char* name);
+    /* Gives back one registration for events and closes the handle. Close a handle once: closing it
+       again still gives back a registration of its adapter. */
     void (*CloseAdapterHandler)(HBA_HANDLE handle);
 
     /* VendorSpecificID on entry chooses: 0x1ED0017, 0x1ED00FF and 0x1ED0000 are handed to the
        driver and no other member is filled (0x1ED0000 takes the driver's answer); with any other
        value all members are. A request that the driver fails gives its own status, which is none
-       of HBA_STATUS_.... */
+       of HBA_STATUS_...; so does every failure of the first three, also of a bad handle. */
     HBA_STATUS (*GetAdapterAttributesHandler)(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attributes);
     HBA_STATUS (*GetAdapterPortAttributesHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTATTRIBUTES* attributes);

@@ -358,8 +358,11 @@ int HXfprintf(const char* sourceFile, uint32_t line, FILE* stream, const char* f
 /*
  * Sends one extended request (SRB_IO_CONTROL + EXT_IOCTL over IOCTL_SCSI_MINIPORT). input and
  * output may be the same buffer. *returned takes the number of reply bytes copied to output; for
- * the NVRAM write code it is read first, as that request's flag. returned may be null. Statuses:
- * HXMGT_INVALID_PARAMETER a null buffer with a length, HXMGT_OUT_OF_MEMORY, and rule 5.
+ * the NVRAM write code it is read first, as that request's flag. returned may be null. With a
+ * sub-code, a flash read takes its place in the flash from input and a flash write from output: two
+ * 16-bit words, or two 32-bit words for sub-code 0xFFFF (a write: 0xFFFD on), also where that
+ * length is 0. Statuses: HXMGT_INVALID_PARAMETER a null buffer with a length or a place cut short,
+ * HXMGT_OUT_OF_MEMORY, and rule 5.
  */
 HX_STATUS SRBWithHeaderDeviceIoControl(uint32_t handle, uint32_t code, uint16_t subCode,
                                        const void* input, uint32_t inputLength, void* output,

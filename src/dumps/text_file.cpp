@@ -13,13 +13,6 @@
 namespace dumps {
 namespace {
 
-struct StreamTraits {
-    using Value = FILE*;
-    static Value Empty() { return nullptr; }
-    static void Close(Value value) { std::fclose(value); }
-};
-using OwnedStream = frame::Owned<StreamTraits>;
-
 class FileSink final : public DumpSink {
   public:
     explicit FileSink(FILE* stream) : stream_(stream) {}
@@ -104,7 +97,7 @@ HX_STATUS WriteFirmwareDumpText(uint32_t handle, const char* fileName) {
     if (column == kLayouts) {
         return HXMGT_NOT_SUPPORTED;
     }
-    const OwnedStream stream(std::fopen(fileName, "w"));
+    const frame::OwnedStream stream(std::fopen(fileName, "w"));
     if (!stream.Valid()) {
         return HXMGT_DUMP_FILE_NOT_OPENED;
     }

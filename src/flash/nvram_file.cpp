@@ -6,23 +6,13 @@
 #include "frame/owned.h"
 
 namespace flash {
-namespace {
-
-struct StreamTraits {
-    using Value = FILE*;
-    static Value Empty() { return nullptr; }
-    static void Close(Value value) { std::fclose(value); }
-};
-using OwnedStream = frame::Owned<StreamTraits>;
-
-}  // namespace
 
 bool WriteNvramFile(const void* block, const char* path) {
     if (block == nullptr || path == nullptr) {
         return false;
     }
     // Lines get their ends here: in a text stream the characters of a signature would change.
-    OwnedStream file(std::fopen(path, "wb"));
+    frame::OwnedStream file(std::fopen(path, "wb"));
     if (!file.Valid()) {
         return false;
     }
@@ -47,7 +37,7 @@ bool ReadNvramFile(const char* path, void* block, uint32_t mode, bool keep) {
     const std::span<uint8_t, kClassicBlock> bytes(static_cast<uint8_t*>(block), kClassicBlock);
     // The block is prepared before the file is opened: intended.
     VariableReader reader(bytes, mode == kClearFirst, keep);
-    const OwnedStream file(std::fopen(path, "rb"));
+    const frame::OwnedStream file(std::fopen(path, "rb"));
     if (!file.Valid()) {
         return false;
     }
