@@ -75,6 +75,9 @@ struct Tool {
     std::string (*libraryVersion)();           // null: the tool uses no library
     std::string (*statusText)(uint32_t code);  // text of a status or Windows error code
     std::span<const Document> documents = {};
+    // The status to report for one that concerns the object: what stands behind it, where that is
+    // known. Null: every status speaks for itself.
+    uint32_t (*cause)(uint32_t status, const std::string& object) = nullptr;
 };
 
 // The global options that every tool has.

@@ -24,7 +24,7 @@ constexpr Argument kCommonOptions[] = {
     {"--timeout",
      ArgumentKind::Number,
      "S",
-     "give up after S seconds (exit 7)",
+     "give up an answer, and the command, after S seconds (exit 7)",
      false,
      false,
      {},

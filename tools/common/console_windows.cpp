@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "console.h"
+#include "status_codes.h"
 
 namespace tools::console {
 namespace {
@@ -156,8 +157,7 @@ std::string SystemErrorText(uint32_t code) {
     while (length > 0 && buffer[length - 1] <= L' ') {
         --length;
     }
-    return length == 0 ? "Windows error " + std::to_string(code)
-                       : ToUtf8(buffer, static_cast<int>(length));
+    return length == 0 ? WindowsText(code) : ToUtf8(buffer, static_cast<int>(length));
 }
 
 void OnInterrupt(void (*notify)(bool closing)) {

@@ -79,12 +79,18 @@ void Invocation::Detail(const std::string& text, const std::string& object) {
     }
 }
 
+uint32_t Invocation::CauseOf(uint32_t status, const std::string& object) const {
+    return status == 0 || tool_.cause == nullptr ? status : tool_.cause(status, object);
+}
+
 ExitCode Invocation::Report(uint32_t status, const std::string& text, const std::string& object) {
+    status = CauseOf(status, object);
     Add({Severity::Error, text + ": " + tool_.statusText(status), HintOf(status), object, status});
     return ExitCodeOf(status);
 }
 
 void Invocation::Fail(uint32_t status, const std::string& text, const std::string& object) const {
+    status = CauseOf(status, object);
     throw CommandError{
         ExitCodeOf(status),
         {Severity::Error, text + ": " + tool_.statusText(status), HintOf(status), object, status}};

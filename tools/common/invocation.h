@@ -45,6 +45,9 @@ class Invocation {
     void Note(const std::string& text, const std::string& hint = {});
     void Warn(const std::string& text, const std::string& hint = {});
     void Detail(const std::string& text, const std::string& object);  // with --verbose alone
+    // The status to show for one that a request about the object ended with: a driver that has gone
+    // away makes requests fail in ways that say something else.
+    uint32_t CauseOf(uint32_t status, const std::string& object) const;
     // A status as a message of its own ("text: status text"); returns the exit code it leads to.
     ExitCode Report(uint32_t status, const std::string& text, const std::string& object);
     [[noreturn]] void Fail(uint32_t status, const std::string& text,
@@ -70,6 +73,7 @@ class Invocation {
     void CheckStop();
     // Sleeps; then as CheckStop.
     void Sleep(std::chrono::milliseconds time);
+    StopControl& Stop() { return stop_; }
     AbandonHooks& Hooks() { return hooks_; }
 
     Redactor& Names() { return redactor_; }

@@ -218,10 +218,8 @@ class Run {
         Ending ending;
         runningStop = &stop_;
         console::OnInterrupt(NotifyInterrupt);
-        StopControl::Clock::time_point deadline;
-        const auto timeout = line_.options.Number("timeout");
-        if (timeout) {
-            deadline = StopControl::Clock::now() + std::chrono::seconds(*timeout);
+        if (const auto timeout = line_.options.Number("timeout")) {
+            stop_.SetLimit(std::chrono::seconds(*timeout));
         }
         // A driver call may take minutes: it happens on a worker, so that this thread can end the
         // program in the meantime.
@@ -229,10 +227,13 @@ class Run {
             ending = Execute(*line_.command, invocation);
             stop_.Finish();
         });
-        if (stop_.WaitForEnd(timeout ? &deadline : nullptr, kGrace)) {
+        if (stop_.WaitForEnd(kGrace)) {
             worker.join();
             const ExitCode exit = Report(ending, invocation);
             stop_.AboutToExit();
+            if (stop_.HasThreadsLeft()) {
+                console::ExitNow(Number(exit));  // they still use this frame
+            }
             return exit;
         }
         hooks_.Run(kHookTime);

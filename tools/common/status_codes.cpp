@@ -26,11 +26,14 @@ struct MeaningRow {
     uint32_t status;
     ExitCode exit;
     const char* hint;
+    const char* text = nullptr;  // of a Windows error code, where the system has none
 };
 
 constexpr const char* kElevate = "run the command from an elevated prompt";
 constexpr const char* kRetry = "another program may be using the adapter: try again";
 constexpr const char* kDriverTooOld = "a newer driver may support it: see `driver show`";
+constexpr const char* kWentAway =
+    "the driver was stopped, or the adapter went away: see `port list`";
 constexpr const char* kWrongImage = "the file does not fit this adapter";
 
 // Everything that is not listed is a failed operation without particular advice.
@@ -65,7 +68,8 @@ constexpr MeaningRow kMeanings[] = {
     {HXMGT_OPTION_ROM_ATTRIBUTE_MISMATCH, ExitCode::Refused, kWrongImage},
     {HXMGT_OPTION_ROM_INCOMPATIBLE_FIRMWARE, ExitCode::Refused, kWrongImage},
     {HXMGT_OPTION_ROM_INVALID_FIRMWARE, ExitCode::Refused, kWrongImage},
-    {HXMGT_TIMED_OUT, ExitCode::TimedOut, ""},
+    {HXMGT_TIMED_OUT, ExitCode::TimedOut,
+     "its driver or the adapter may hang; --timeout waits longer"},
     {HXMGT_NO_FIRMWARE_DUMP, ExitCode::NotFound, "take a dump first"},
     {HXMGT_SESSION_IN_PROGRESS, ExitCode::Busy, "an update of this adapter is under way"},
     {HXMGT_FLASH_UPDATE_NOT_ACTIVATED, ExitCode::NotProven, ""},
@@ -77,26 +81,28 @@ constexpr MeaningRow kMeanings[] = {
     {HXMGT_SFP_FIRMWARE_INCOMPATIBLE, ExitCode::Refused, kWrongImage},
 
     // Windows error codes.
-    {1, ExitCode::NotSupported, "the driver does not know the request"},
-    {2, ExitCode::NotFound, ""},
-    {3, ExitCode::NotFound, ""},
-    {5, ExitCode::AccessDenied, kElevate},
-    {32, ExitCode::Busy, ""},
-    {33, ExitCode::Busy, ""},
-    {50, ExitCode::NotSupported, ""},
-    {121, ExitCode::TimedOut, ""},
-    {170, ExitCode::Busy, kRetry},
-    {258, ExitCode::TimedOut, ""},
-    {433, ExitCode::NotFound, "the adapter went away"},
-    {995, ExitCode::Cancelled, ""},
-    {1053, ExitCode::TimedOut, ""},
-    {1060, ExitCode::NotFound, "the driver service is not installed"},
-    {1062, ExitCode::NotFound, "the driver service does not run"},
-    {1167, ExitCode::NotFound, "the adapter went away"},
-    {1168, ExitCode::NotFound, ""},
-    {1223, ExitCode::Cancelled, ""},
-    {1314, ExitCode::AccessDenied, kElevate},
-    {1460, ExitCode::TimedOut, ""},
+    {1, ExitCode::NotSupported, "the driver does not know the request", "Incorrect function"},
+    {2, ExitCode::NotFound, "", "The file or device is not there"},
+    {3, ExitCode::NotFound, "", "The path is not there"},
+    {5, ExitCode::AccessDenied, kElevate, "Access is denied"},
+    {32, ExitCode::Busy, "", "Another process uses it"},
+    {33, ExitCode::Busy, "", "Another process has locked a part of it"},
+    {50, ExitCode::NotSupported, "", "The request is not supported"},
+    {121, ExitCode::TimedOut, "", "The semaphore timeout period has expired"},
+    {170, ExitCode::Busy, kRetry, "The requested resource is in use"},
+    {258, ExitCode::TimedOut, "", "The wait timed out"},
+    {433, ExitCode::NotFound, kWentAway, "A device which does not exist was specified"},
+    {995, ExitCode::Cancelled, "", "The operation was aborted"},
+    {1053, ExitCode::TimedOut, "", "The service did not respond in time"},
+    {1060, ExitCode::NotFound, "the driver service is not installed",
+     "The service is not installed"},
+    {1062, ExitCode::NotFound, "the driver service does not run",
+     "The service has not been started"},
+    {1167, ExitCode::NotFound, kWentAway, "The device is not connected"},
+    {1168, ExitCode::NotFound, "", "Element not found"},
+    {1223, ExitCode::Cancelled, "", "The operation was canceled by the user"},
+    {1314, ExitCode::AccessDenied, kElevate, "A required privilege is not held"},
+    {1460, ExitCode::TimedOut, "", "The operation timed out"},
 };
 
 const MeaningRow* FindMeaning(uint32_t status) {
@@ -152,6 +158,12 @@ std::string StatusText(uint32_t status) {
 ExitCode ExitCodeOf(uint32_t status) {
     const MeaningRow* row = FindMeaning(status);
     return row == nullptr ? ExitCode::Failed : row->exit;
+}
+
+std::string WindowsText(uint32_t code) {
+    const MeaningRow* row = FindMeaning(code);
+    return row == nullptr || row->text == nullptr ? "Windows error " + std::to_string(code)
+                                                  : row->text;
 }
 
 const char* HintOf(uint32_t status) {

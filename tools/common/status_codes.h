@@ -26,6 +26,9 @@ std::string StatusText(uint32_t status);
 
 ExitCode ExitCodeOf(uint32_t status);
 
+// Text of a Windows error code for which the system has none of its own.
+std::string WindowsText(uint32_t code);
+
 // What the user can do about a status; empty when there is nothing special to say.
 const char* HintOf(uint32_t status);
 

@@ -32,17 +32,54 @@ void StopControl::Finish() {
     changed_.notify_all();
 }
 
-bool StopControl::WaitForEnd(const Clock::time_point* deadline, std::chrono::milliseconds grace) {
-    std::unique_lock guard(lock_);
-    const auto stopping = [this] { return finished_ || reason_ != StopReason::None; };
-    if (deadline == nullptr) {
-        changed_.wait(guard, stopping);
-    } else if (!changed_.wait_until(guard, *deadline, stopping)) {
-        reason_ = StopReason::TimedOut;
+void StopControl::SetLimit(std::chrono::milliseconds limit) {
+    const std::lock_guard guard(lock_);
+    deadline_ = Clock::now() + limit;
+    changed_.notify_all();
+}
+
+void StopControl::PauseLimit() {
+    const std::lock_guard guard(lock_);
+    if (deadline_) {
+        left_ = *deadline_ - Clock::now();
+        deadline_.reset();
         changed_.notify_all();
+    }
+}
+
+void StopControl::ResumeLimit() {
+    const std::lock_guard guard(lock_);
+    if (left_) {
+        deadline_ = Clock::now() + *left_;
+        left_.reset();
+        changed_.notify_all();
+    }
+}
+
+bool StopControl::WaitForEnd(std::chrono::milliseconds grace) {
+    std::unique_lock guard(lock_);
+    while (!finished_ && reason_ == StopReason::None) {
+        if (!deadline_) {
+            changed_.wait(guard);
+        } else if (const Clock::time_point deadline = *deadline_; Clock::now() < deadline) {
+            changed_.wait_until(guard, deadline);
+        } else {
+            reason_ = StopReason::TimedOut;
+            changed_.notify_all();
+        }
     }
     changed_.wait_for(guard, grace, [this] { return finished_ || hurry_; });
     return finished_;
+}
+
+void StopControl::LeaveThread() {
+    const std::lock_guard guard(lock_);
+    threadsLeft_ = true;
+}
+
+bool StopControl::HasThreadsLeft() {
+    const std::lock_guard guard(lock_);
+    return threadsLeft_;
 }
 
 void StopControl::WaitForExit(std::chrono::milliseconds atMost) {

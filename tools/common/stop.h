@@ -8,6 +8,7 @@
 #include <functional>
 #include <list>
 #include <mutex>
+#include <optional>
 
 #include "exit_codes.h"
 
@@ -38,9 +39,20 @@ class StopControl {
     // Called by the worker when the command is over.
     void Finish();
 
-    // Waits for the command: to its end, or until it was asked to stop (by the user, or here at the
-    // deadline) and let the grace pass. False when it has to be given up.
-    bool WaitForEnd(const Clock::time_point* deadline, std::chrono::milliseconds grace);
+    // How long the command may take from now on; without a limit it may for ever. While it is
+    // paused, for a wait that has a limit of its own, the time does not count.
+    void SetLimit(std::chrono::milliseconds limit);
+    void PauseLimit();
+    void ResumeLimit();
+
+    // Waits for the command: to its end, or until it was asked to stop (by the user, or here when
+    // its time is over) and let the grace pass. False when it has to be given up.
+    bool WaitForEnd(std::chrono::milliseconds grace);
+
+    // A thread of the command is left in a driver call that did not return: the process has to end
+    // without taking anything apart.
+    void LeaveThread();
+    bool HasThreadsLeft();
 
     // Waits until the whole process is about to end; for the handler of a closing window.
     void WaitForExit(std::chrono::milliseconds atMost);
@@ -53,6 +65,21 @@ class StopControl {
     bool hurry_ = false;
     bool finished_ = false;
     bool exiting_ = false;
+    bool threadsLeft_ = false;
+    std::optional<Clock::time_point> deadline_;  // none: no limit, or paused
+    std::optional<Clock::duration> left_;        // while paused
+};
+
+// Pauses the limit for as long as it lives.
+class LimitPause {
+  public:
+    explicit LimitPause(StopControl& stop) : stop_(stop) { stop_.PauseLimit(); }
+    ~LimitPause() { stop_.ResumeLimit(); }
+    LimitPause(const LimitPause&) = delete;
+    LimitPause& operator=(const LimitPause&) = delete;
+
+  private:
+    StopControl& stop_;
 };
 
 // What has to be put back when a command is given up while it hangs. Hooks run on another thread

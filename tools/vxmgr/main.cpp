@@ -312,6 +312,7 @@ int main() {
         vxmgr::kOptions,
         vxmgr::LibraryVersion,
         vxmgr::StatusMessage,
+        vxmgr::CauseOf,
     };
     return tools::RunTool(tool);
 }

@@ -1,96 +1,135 @@
 #include "vxmgr/app/inventory.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "common/console.h"
-#include "common/status_codes.h"
 #include "common/text.h"
+#include "vxmgr/app/port_reader.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
 
-bool SaysUnsupported(HX_STATUS status) {
-    return tools::ExitCodeOf(status) == ExitCode::NotSupported;
-}
-
-// Reads one port's records through its handle and keeps the first failure that is more than a
-// query the driver does not know.
-class PortReader {
-  public:
-    PortReader(tools::Invocation& invocation, Port& port, uint32_t handle)
-        : invocation_(invocation), port_(port), handle_(handle) {}
-
-    void ReadAll() {
-        port_.node = Query("node properties", HXGetHbaDeviceNodeProperty);
-        ReadPortProperty();
-        port_.chip = Query("chip properties", HXGetHbaDeviceChipProperty);
-        port_.driver = Query("driver properties", HXGetHbaDeviceDriverProperty);
-        port_.firmware = Query("firmware properties", HXGetHbaDeviceFirmwareProperty);
-        ReadSwitches();
-    }
-
-  private:
-    bool Succeeded(HX_STATUS status, const char* query) {
-        if (status != HXMGT_SUCCESS) {
-            invocation_.Detail(std::string(query) + ": " + StatusMessage(status) + " (" +
-                                   tools::StatusText(status) + ")",
-                               port_.Object());
-        }
-        if (status != HXMGT_SUCCESS && !SaysUnsupported(status) && port_.failure == HXMGT_SUCCESS) {
-            port_.failure = status;
-            port_.failedQuery = query;
-        }
-        return status == HXMGT_SUCCESS;
-    }
-
-    template <typename Properties>
-    std::optional<Properties> Query(const char* query,
-                                    HX_STATUS (*function)(uint32_t, Properties*)) {
-        Properties properties{};
-        if (!Succeeded(function(handle_, &properties), query)) {
-            return std::nullopt;
-        }
-        return properties;
-    }
-
-    void ReadPortProperty() {
-        HX_PORT_PROPERTY properties{};
-        properties.state = HX_PORT_STATE_ONLINE;  // older drivers report only a link that is down
-        HX_STATUS status = HXGetHbaDevicePortPropertyV2(handle_, 0, &properties);
-        port_.hasSecondVersion = status == HXMGT_SUCCESS && port_.IsCurrentGeneration();
-        if (status == HXMGT_INVALID_SUBCODE) {
-            status = HXGetHbaDevicePortPropertyV1(handle_, 0, &properties);
-        }
-        if (Succeeded(status, "port properties")) {
-            port_.port = properties;
-        }
-    }
-
-    void ReadSwitches() {
-        const HX_STATUS status = HXGetHbaPortDisableInfo(handle_);
-        if (status == HXMGT_PORT_DISABLED || Succeeded(status, "port disable state")) {
-            port_.disabled = status == HXMGT_PORT_DISABLED;
-        }
-        uint8_t enabled = 0;
-        if (Succeeded(HXGetSmartSANStatusFC(handle_, &enabled), "SmartSAN switch")) {
-            port_.smartSan = enabled != 0;
-        }
-    }
-
-    tools::Invocation& invocation_;
-    Port& port_;
-    const uint32_t handle_;
+// The ports that may be worth asking.
+struct Candidates {
+    std::vector<Port> family;  // of the registry's family drivers, with their indexes
+    std::vector<Port> others;  // of other drivers, or of none: most are no adapters of the family
+    uint32_t familyPorts = 0;  // how many there are, asked or not: the others come behind them
 };
 
-// The SCSI port of an adapter that could not be opened: counted as the library counts.
-std::optional<uint32_t> ScsiPortOf(uint32_t index) {
-    uint32_t count = 0;
+Candidates ListCandidates(tools::Invocation& invocation) {
+    std::vector<HX_SCSI_PORT> listed(HX_MAX_SCSI_PORTS);
+    uint32_t count = HX_MAX_SCSI_PORTS;
+    if (const HX_STATUS status = HXListScsiPorts(listed.data(), &count); status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the registry's list of SCSI ports cannot be read");
+    }
+    listed.resize(count);
+    Candidates candidates;
+    auto next = listed.begin();
     for (uint32_t scsiPort = 0; scsiPort < HX_MAX_SCSI_PORTS; ++scsiPort) {
-        if (IsKorvexAdapter(scsiPort, 1) != nullptr && count++ == index) {
-            return scsiPort;
+        Port port;
+        port.scsiPort = scsiPort;
+        bool family = false;
+        if (next != listed.end() && next->scsiPort == scsiPort) {
+            port.driverService = next->driver;
+            family = next->familyDriver != 0;
+            ++next;
+        }
+        // The indexes of the others are known when they have answered; no other port has these.
+        port.index = family ? candidates.familyPorts++ : HX_MAX_SCSI_PORTS + scsiPort;
+        (family ? candidates.family : candidates.others).push_back(std::move(port));
+    }
+    return candidates;
+}
+
+// What -p leaves to ask when it names one port by its place: a port of the family alone, or only
+// those that are not.
+void Narrow(const tools::Selector& selector, Candidates* candidates) {
+    const bool byIndex = selector.kind == tools::SelectorKind::Index;
+    if (!byIndex && selector.kind != tools::SelectorKind::Scsi) {
+        return;
+    }
+    std::erase_if(candidates->family, [&](const Port& port) {
+        return selector.number != (byIndex ? port.index : *port.scsiPort);
+    });
+    if (!candidates->family.empty()) {
+        candidates->others.clear();
+    }
+}
+
+std::string SilenceText(const Port& port, const std::string& after) {
+    return port.Name() + " is not answering" + after;
+}
+
+// The ports of other drivers that turn out to be of the family. Most of the numbers belong to
+// nobody, which is known at once: one thread asks them all.
+using Found = std::vector<Port>;
+PortQuestion<Found> QuestionTo(const std::string& name, std::vector<Port> ports,
+                               const ReadingOptions& options) {
+    return {name, [ports = std::move(ports), options](PortTask& task, Found& found) {
+                for (Port port : ports) {
+                    if (ReadPort(task, options, port) || IsOneOfUs(port)) {
+                        found.push_back(std::move(port));
+                    }
+                    task.Answered();
+                }
+            }};
+}
+
+PortQuestion<Found> QuestionToFamily(const Port& port, const ReadingOptions& options) {
+    return {port.Name(), [port, options](PortTask& task, Found& found) {
+                Port own = port;
+                ReadPort(task, options, own);
+                found.push_back(std::move(own));
+            }};
+}
+
+std::vector<Port> Read(tools::Invocation& invocation, const Candidates& candidates) {
+    const ReadingOptions options{TracePath(invocation), invocation.Given().Text("trace"),
+                                 invocation.Verbose()};
+    std::vector<PortQuestion<Found>> questions;
+    for (const Port& port : candidates.family) {
+        questions.push_back(QuestionToFamily(port, options));
+    }
+    std::vector<Port> unknown;
+    for (const Port& port : candidates.others) {
+        if (port.driverService.empty()) {
+            unknown.push_back(port);
+        } else {
+            questions.push_back(
+                QuestionTo("scsi:" + std::to_string(*port.scsiPort), {port}, options));
         }
     }
-    return std::nullopt;
+    if (!unknown.empty()) {
+        questions.push_back(QuestionTo("SCSI ports without a driver", std::move(unknown), options));
+    }
+    std::vector<std::optional<Found>> answers = AskSideBySide(invocation, std::move(questions));
+
+    std::vector<Port> read;
+    std::vector<Port> others;
+    for (size_t i = 0; i < answers.size(); ++i) {
+        const bool family = i < candidates.family.size();
+        if (answers[i]) {
+            std::ranges::move(*answers[i], std::back_inserter(family ? read : others));
+        } else if (family) {
+            read.push_back(candidates.family[i]);
+            DoesNotAnswer(invocation, &read.back());
+        }
+    }
+    std::ranges::sort(others, {}, &Port::scsiPort);
+    uint32_t index = candidates.familyPorts;
+    for (Port& port : others) {
+        port.index = index++;
+        read.push_back(std::move(port));
+    }
+    for (Port& port : read) {
+        if (!port.answers && port.failedQuery.empty()) {
+            port.failedQuery = SilenceText(port, "");
+        }
+    }
+    return read;
 }
 
 void WarnWhenNothingIsVisible(tools::Invocation& invocation, const std::vector<Port>& ports) {
@@ -111,6 +150,19 @@ std::string Port::Serial() const {
 
 std::string Port::Object() const {
     return "index:" + std::to_string(index);
+}
+
+std::string Port::Name() const {
+    return "port " + std::to_string(index) +
+           (scsiPort ? " (scsi:" + std::to_string(*scsiPort) + ")" : "");
+}
+
+HX_STATUS Port::Open(const std::string& tracePath, Device* device) const {
+    if (!answers) {
+        return failure;
+    }
+    return scsiPort ? device->Open(*scsiPort, Object(), tracePath)
+                    : HX_STATUS{HXMGT_DEVICE_NOT_FOUND};
 }
 
 tools::Identity Port::Identity() const {
@@ -142,38 +194,39 @@ tools::Identity Adapter::Identity() const {
     return identity;
 }
 
+const Port& Adapter::Speaker() const {
+    for (const Port* port : ports) {
+        if (port->answers) {
+            return *port;
+        }
+    }
+    return First();
+}
+
 std::string TracePath(tools::Invocation& invocation) {
     return tools::console::ToSystemCodePage(invocation.Given().Text("trace"));
 }
 
+void DoesNotAnswer(tools::Invocation& invocation, Port* port) {
+    port->answers = false;
+    port->failure = HXMGT_TIMED_OUT;
+    port->failedQuery =
+        SilenceText(*port, " after " + std::to_string(AnswerTime(invocation).count()) + " s");
+}
+
 std::vector<Port> ReadPorts(tools::Invocation& invocation) {
-    std::vector<Port> ports;
-    const std::string trace = TracePath(invocation);
-    for (uint32_t index = 0; index < HX_MAX_SCSI_PORTS; ++index) {
-        invocation.CheckStop();
-        Device device;
-        const HX_STATUS status = device.Open(index, trace);
-        if (status == HXMGT_DEVICE_NOT_FOUND) {
-            break;
-        }
-        if (status != HXMGT_SUCCESS && device.IsOpen()) {
-            invocation.Fail(status, "--trace " + invocation.Given().Text("trace"));
-        }
-        Port& port = ports.emplace_back();
-        port.index = index;
-        if (status == HXMGT_SUCCESS) {
-            port.scsiPort = device.Info().dwScsiPort;
-            port.driverVersionCode = device.Info().dwDriverVersion;
-            PortReader(invocation, port, device.Handle()).ReadAll();
-        } else {
-            // Whatever the reason: a port that cannot be opened has failed.
-            port.failure = status;
-            port.failedQuery = "open";
-            port.scsiPort = ScsiPortOf(index);
-        }
-        const char* service = port.scsiPort ? IsKorvexAdapter(*port.scsiPort, 1) : nullptr;
-        port.driverService = service == nullptr ? "" : service;
+    std::vector<Port> ports = Read(invocation, ListCandidates(invocation));
+    WarnWhenNothingIsVisible(invocation, ports);
+    return ports;
+}
+
+std::vector<Port> ReadSelectedPorts(tools::Invocation& invocation) {
+    Candidates candidates = ListCandidates(invocation);
+    const auto selector = GivenSelector(invocation, "port");
+    if (selector && !invocation.Given().Has("adapter")) {
+        Narrow(*selector, &candidates);
     }
+    std::vector<Port> ports = Read(invocation, candidates);
     WarnWhenNothingIsVisible(invocation, ports);
     return ports;
 }
@@ -201,13 +254,17 @@ ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<const P
     size_t failures = 0;
     ExitCode first = ExitCode::Done;
     for (const Port* port : ports) {
-        if (port->failure != HXMGT_SUCCESS) {
-            const ExitCode exit =
-                invocation.Report(port->failure, port->failedQuery, port->Object());
-            first = failures++ == 0 ? exit : first;
+        if (port->failure == HXMGT_SUCCESS) {
+            continue;
         }
+        const ExitCode exit = invocation.Report(port->failure, port->failedQuery, port->Object());
+        first = failures++ == 0 ? exit : first;
     }
     return failures != 0 && failures < ports.size() ? ExitCode::Partial : first;
+}
+
+ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<Port*>& ports) {
+    return ReportFailures(invocation, std::vector<const Port*>(ports.begin(), ports.end()));
 }
 
 }  // namespace vxmgr

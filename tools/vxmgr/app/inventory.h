@@ -13,12 +13,13 @@
 namespace vxmgr {
 
 // One port. A query that failed leaves its record empty; `failure` is the first status that says
-// more than "not supported".
+// more than "not supported". A port that did not answer at all has nothing else.
 struct Port {
     uint32_t index = 0;
     std::optional<uint32_t> scsiPort;
     std::string driverService;  // empty: the registry names none
     uint32_t driverVersionCode = 0;
+    bool answers = true;
     HX_STATUS failure = HXMGT_SUCCESS;
     std::string failedQuery;
 
@@ -34,7 +35,11 @@ struct Port {
     std::string Serial() const;  // empty: none, or not known
     bool IsCurrentGeneration() const { return driverVersionCode >= kCurrentDriver; }
     std::string Object() const;  // "index:2", for messages
+    std::string Name() const;    // "port 2 (scsi:6)", for people
     tools::Identity Identity() const;
+
+    // The failure at once when the port did not answer before: nobody waits for it twice.
+    HX_STATUS Open(const std::string& tracePath, Device* device) const;
 };
 
 // The ports that share a serial number. A port without one is an adapter of its own.
@@ -43,20 +48,35 @@ struct Adapter {
     std::vector<const Port*> ports;
 
     const Port& First() const { return *ports.front(); }
+    const Port& Speaker() const;  // the first port that answers, or else the first
     tools::Identity Identity() const;
 };
 
-// Opens and reads every port. One that cannot be opened or read stays in the list.
+// Opens and reads every port: those that the registry gives to a driver of the family, in the order
+// of their SCSI ports, then every other that answers as one of the family. A port of the registry
+// that cannot be opened or read keeps its row and with it its index.
 std::vector<Port> ReadPorts(tools::Invocation& invocation);
+
+// The same for commands about ports: with `-p index:N` or `-p scsi:N` nothing else is touched, and
+// that port alone is in the list.
+std::vector<Port> ReadSelectedPorts(tools::Invocation& invocation);
+
+// Marks a port that did not answer in time.
+void DoesNotAnswer(tools::Invocation& invocation, Port* port);
 
 std::vector<Adapter> GroupAdapters(const std::vector<Port>& ports);
 
 // The trace file of --trace, for the library.
 std::string TracePath(tools::Invocation& invocation);
 
+// What the option says; none when it is not given. Ends the command when it is wrong.
+std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, const char* option);
+
 // What -a and -p select, or everything when neither is given. Ends the command when a selection is
-// wrong, matches nothing, or is bare text that matches more than one object.
+// wrong, matches nothing, is bare text that matches more than one object, or is the number of an
+// adapter that is not certain because a port before it does not answer.
 std::vector<const Port*> SelectPorts(tools::Invocation& invocation, const std::vector<Port>& ports);
+std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>& ports);
 std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
                                            const std::vector<Adapter>& adapters);
 
@@ -72,5 +92,6 @@ const Port& SelectOnePort(tools::Invocation& invocation, const std::vector<Port>
 // first one's when all did.
 tools::ExitCode ReportFailures(tools::Invocation& invocation,
                                const std::vector<const Port*>& ports);
+tools::ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<Port*>& ports);
 
 }  // namespace vxmgr

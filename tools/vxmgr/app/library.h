@@ -12,6 +12,11 @@ namespace vxmgr {
 std::string LibraryVersion();                // "1.28.0.197"
 std::string StatusMessage(uint32_t status);  // the library's text for any status
 
+// kWentAway for a failure at a port (without an object: any that was open) whose driver has gone
+// away since it was opened, or was started anew; else the status itself.
+inline constexpr uint32_t kWentAway = 1167;  // ERROR_DEVICE_NOT_CONNECTED
+uint32_t CauseOf(uint32_t status, const std::string& object);
+
 // From this driver version on, drivers answer the requests of the current generation.
 inline constexpr uint32_t kCurrentDriver = 70503;
 
@@ -23,9 +28,9 @@ class Device {
     Device& operator=(Device&& other) noexcept;
     ~Device() { Close(); }
 
-    // Opens the index-th port that the library finds. tracePath: the library's trace is appended to
-    // that file; empty for none.
-    HX_STATUS Open(uint32_t index, const std::string& tracePath);
+    // object: the port's name in messages. tracePath: the library's trace is appended to that file;
+    // empty for none.
+    HX_STATUS Open(uint32_t scsiPort, const std::string& object, const std::string& tracePath);
     void Close();
 
     bool IsOpen() const { return handle_ != 0; }

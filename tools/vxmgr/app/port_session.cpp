@@ -3,12 +3,13 @@
 namespace vxmgr {
 
 PortSession OpenSelectedPort(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     PortSession session;
     session.port = SelectOnePort(invocation, ports);
-    const HX_STATUS status = session.device.Open(session.port.index, TracePath(invocation));
+    const HX_STATUS status = session.port.Open(TracePath(invocation), &session.device);
     if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "open", session.port.Object());
+        const bool silent = !session.port.answers;
+        invocation.Fail(status, silent ? session.port.failedQuery : "open", session.port.Object());
     }
     session.describe =
         "port " + std::to_string(session.port.index) + ", serial " + session.port.Serial();

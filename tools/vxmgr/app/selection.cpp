@@ -1,5 +1,6 @@
 // What -a and -p select.
 #include <algorithm>
+#include <utility>
 
 #include "common/console.h"
 #include "vxmgr/app/inventory.h"
@@ -9,7 +10,122 @@ namespace {
 
 using tools::ExitCode;
 
-// -a and -p as given, parsed; ends the command when one is wrong.
+template <typename Object>
+const Object& Plain(const Object& object) {
+    return object;
+}
+template <typename Object>
+const Object& Plain(const Object* const& object) {
+    return *object;
+}
+
+template <typename Range>
+std::vector<tools::Identity> IdentitiesOf(const Range& objects) {
+    std::vector<tools::Identity> identities;
+    for (const auto& object : objects) {
+        identities.push_back(Plain(object).Identity());
+    }
+    return identities;
+}
+
+std::string NoMatchHint(const char* option, const std::vector<tools::Identity>& identities,
+                        const std::string& silent) {
+    if (!silent.empty()) {
+        return silent + " does not answer, and may be the one";
+    }
+    return identities.empty() && !tools::console::IsElevated()
+               ? "no adapter is visible: run the command from an elevated prompt"
+               : std::string("see `") + option + " list`";
+}
+
+// silent: a port whose names are not known, as it does not answer; empty for none.
+std::vector<size_t> SelectFrom(tools::Invocation& invocation, const char* option,
+                               const tools::Selector& selector,
+                               const std::vector<tools::Identity>& identities,
+                               const std::string& silent) {
+    const std::vector<size_t> found = tools::Select(selector, identities);
+    const std::string given = std::string("--") + option + " " + invocation.Given().Text(option);
+    if (found.empty() && selector.kind != tools::SelectorKind::All) {
+        invocation.Fail(ExitCode::NotFound, given + " matches no " + option,
+                        NoMatchHint(option, identities, silent));
+    }
+    if (selector.kind == tools::SelectorKind::Bare && found.size() > 1) {
+        std::string matches;
+        for (const size_t position : found) {
+            matches += " index:" + std::to_string(identities[position].index);
+        }
+        invocation.Fail(ExitCode::Usage,
+                        given + " matches " + std::to_string(found.size()) + " " + option + "s",
+                        "choose one of" + matches + ", or say serial: or wwn: to mean them all");
+    }
+    return found;
+}
+
+// The first port that does not answer; empty: none.
+template <typename Ports>
+std::string SilentOne(const Ports& ports) {
+    for (const auto& port : ports) {
+        if (!Plain(port).answers) {
+            return Plain(port).Object();
+        }
+    }
+    return {};
+}
+
+std::string SilentOne(const std::vector<const Adapter*>& adapters) {
+    for (const Adapter* adapter : adapters) {
+        if (std::string one = SilentOne(adapter->ports); !one.empty()) {
+            return one;
+        }
+    }
+    return {};
+}
+
+// Adapters are counted by their serial numbers. A port that does not tell its own counts as an
+// adapter, and those behind it may have other numbers than they have on another day.
+void CheckNumber(tools::Invocation& invocation, const tools::Selector& selector,
+                 const std::vector<const Adapter*>& adapters, const Adapter& chosen) {
+    if (selector.kind != tools::SelectorKind::Index) {
+        return;
+    }
+    const uint32_t first = chosen.First().index;
+    for (const Adapter* adapter : adapters) {
+        const Port& port = adapter->First();
+        if (port.index >= first || port.node) {
+            continue;
+        }
+        const std::string text = "the number of the adapter is not certain: " + port.Name() +
+                                 " in front of it does not tell its serial number";
+        if (invocation.OwnCommand().risk != tools::Risk::Reads) {
+            invocation.Fail(ExitCode::Refused, text, "name the adapter by its serial number");
+        }
+        invocation.Warn(text, "name the adapter by its serial number");
+        return;
+    }
+}
+
+// The adapters that -a selects, all of them without it.
+std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
+                                             const std::vector<Adapter>& adapters) {
+    std::vector<const Adapter*> all;
+    for (const Adapter& adapter : adapters) {
+        all.push_back(&adapter);
+    }
+    const auto selector = GivenSelector(invocation, "adapter");
+    if (!selector) {
+        return all;
+    }
+    std::vector<const Adapter*> selected;
+    for (const size_t position :
+         SelectFrom(invocation, "adapter", *selector, IdentitiesOf(all), SilentOne(all))) {
+        CheckNumber(invocation, *selector, all, *all[position]);
+        selected.push_back(all[position]);
+    }
+    return selected;
+}
+
+}  // namespace
+
 std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, const char* option) {
     if (!invocation.Given().Has(option)) {
         return std::nullopt;
@@ -34,63 +150,9 @@ std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, cons
     return selector;
 }
 
-template <typename Object>
-const Object& Plain(const Object& object) {
-    return object;
-}
-template <typename Object>
-const Object& Plain(const Object* const& object) {
-    return *object;
-}
-
-template <typename Range>
-std::vector<tools::Identity> IdentitiesOf(const Range& objects) {
-    std::vector<tools::Identity> identities;
-    for (const auto& object : objects) {
-        identities.push_back(Plain(object).Identity());
-    }
-    return identities;
-}
-
-std::vector<size_t> SelectFrom(tools::Invocation& invocation, const char* option,
-                               const tools::Selector& selector,
-                               const std::vector<tools::Identity>& identities) {
-    const std::vector<size_t> found = tools::Select(selector, identities);
-    const std::string given = std::string("--") + option + " " + invocation.Given().Text(option);
-    if (found.empty() && selector.kind != tools::SelectorKind::All) {
-        invocation.Fail(ExitCode::NotFound, given + " matches no " + option,
-                        identities.empty() && !tools::console::IsElevated()
-                            ? "no adapter is visible: run the command from an elevated prompt"
-                            : std::string("see `") + option + " list`");
-    }
-    if (selector.kind == tools::SelectorKind::Bare && found.size() > 1) {
-        std::string matches;
-        for (const size_t position : found) {
-            matches += " index:" + std::to_string(identities[position].index);
-        }
-        invocation.Fail(ExitCode::Usage,
-                        given + " matches " + std::to_string(found.size()) + " " + option + "s",
-                        "choose one of" + matches + ", or say serial: or wwn: to mean them all");
-    }
-    return found;
-}
-
-}  // namespace
-
 std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
                                            const std::vector<Adapter>& adapters) {
-    std::vector<const Adapter*> selected;
-    for (const Adapter& adapter : adapters) {
-        selected.push_back(&adapter);
-    }
-    if (const auto selector = GivenSelector(invocation, "adapter")) {
-        std::vector<const Adapter*> matching;
-        for (const size_t position :
-             SelectFrom(invocation, "adapter", *selector, IdentitiesOf(selected))) {
-            matching.push_back(selected[position]);
-        }
-        selected = std::move(matching);
-    }
+    std::vector<const Adapter*> selected = AdaptersOfOption(invocation, adapters);
     if (const auto selector = GivenSelector(invocation, "port")) {
         // The adapters that own the ports.
         std::vector<const Port*> ports;
@@ -98,7 +160,7 @@ std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
             ports.insert(ports.end(), adapter->ports.begin(), adapter->ports.end());
         }
         const std::vector<size_t> found =
-            SelectFrom(invocation, "port", *selector, IdentitiesOf(ports));
+            SelectFrom(invocation, "port", *selector, IdentitiesOf(ports), SilentOne(ports));
         std::vector<const Adapter*> matching;
         for (const Adapter* adapter : selected) {
             const bool owns = std::any_of(found.begin(), found.end(), [&](size_t position) {
@@ -117,18 +179,16 @@ std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
 std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
                                     const std::vector<tools::Identity>& identities) {
     const auto selector = GivenSelector(invocation, option);
-    return SelectFrom(invocation, option, selector.value_or(tools::Selector()), identities);
+    return SelectFrom(invocation, option, selector.value_or(tools::Selector()), identities, {});
 }
 
 std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
                                      const std::vector<Port>& ports) {
     std::vector<const Port*> selected;
-    if (const auto selector = GivenSelector(invocation, "adapter")) {
+    if (invocation.Given().Has("adapter")) {
         const std::vector<Adapter> adapters = GroupAdapters(ports);
-        for (const size_t position :
-             SelectFrom(invocation, "adapter", *selector, IdentitiesOf(adapters))) {
-            const Adapter& adapter = adapters[position];
-            selected.insert(selected.end(), adapter.ports.begin(), adapter.ports.end());
+        for (const Adapter* adapter : AdaptersOfOption(invocation, adapters)) {
+            selected.insert(selected.end(), adapter->ports.begin(), adapter->ports.end());
         }
     } else {
         for (const Port& port : ports) {
@@ -137,11 +197,19 @@ std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
     }
     if (const auto selector = GivenSelector(invocation, "port")) {
         std::vector<const Port*> matching;
-        for (const size_t position :
-             SelectFrom(invocation, "port", *selector, IdentitiesOf(selected))) {
+        for (const size_t position : SelectFrom(invocation, "port", *selector,
+                                                IdentitiesOf(selected), SilentOne(selected))) {
             matching.push_back(selected[position]);
         }
         selected = std::move(matching);
+    }
+    return selected;
+}
+
+std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>& ports) {
+    std::vector<Port*> selected;
+    for (const Port* port : SelectPorts(invocation, std::as_const(ports))) {
+        selected.push_back(&ports[static_cast<size_t>(port - ports.data())]);
     }
     return selected;
 }

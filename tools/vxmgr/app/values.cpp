@@ -67,7 +67,7 @@ Value StatusValue(HX_STATUS status) {
 
 Value StateValue(const Port& port) {
     if (!port.port) {
-        return Value().Shown("failed").In(Tone::Bad);
+        return Value().Shown(port.answers ? "failed" : "not answering").In(Tone::Bad);
     }
     if (port.disabled.value_or(false)) {
         return Value::Text("disabled").In(Tone::Warning);

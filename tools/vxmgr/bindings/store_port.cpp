@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "vxmgr/app/port_walk.h"
+
 namespace vxmgr {
 namespace {
 
@@ -76,6 +78,15 @@ HX_STATUS ReadAll(PortTargets* targets, const char** query) {
                                                      : targets->masks.status;
 }
 
+HX_STATUS ReadPortTargets(PortVisit& visit, PortTargets* targets) {
+    targets->session.port = visit.port;
+    targets->session.device = std::move(visit.device);
+    const char* query = "";
+    const HX_STATUS status = ReadAll(targets, &query);
+    visit.query = query;
+    return status;
+}
+
 template <class Block>
 void Write(tools::Invocation& invocation, PortTargets& targets, Block& block) {
     const std::string object = targets.OwnPort().Object();
@@ -119,26 +130,17 @@ PortTargets OpenPortTargets(tools::Invocation& invocation) {
 
 ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf,
                          const RowOfFailure& failed, std::vector<tools::Record>* rows) {
-    std::vector<Port> ports = ReadPorts(invocation);
-    const std::vector<const Port*> selected = SelectPorts(invocation, ports);
-    for (const Port* one : selected) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
+    for (auto& one : ForEachPort<PortTargets>(invocation, selected, ReadPortTargets)) {
         invocation.CheckStop();
-        Port& port = ports[one->index];
-        PortTargets targets;
-        targets.session.port = port;
-        const char* query = "open";
-        HX_STATUS status = targets.session.device.Open(port.index, TracePath(invocation));
-        if (status == HXMGT_SUCCESS) {
-            status = ReadAll(&targets, &query);
-        }
-        if (status != HXMGT_SUCCESS) {
-            port.failure = status;
-            port.failedQuery = query;
-            rows->push_back(failed(port));
+        // A property that could not be read does not keep the targets from being shown.
+        one.port->failure = one.status;
+        one.port->failedQuery = one.query;
+        if (one.status != HXMGT_SUCCESS) {
+            rows->push_back(failed(*one.port));
         } else {
-            // A property that could not be read does not keep the targets from being shown.
-            port.failure = HXMGT_SUCCESS;
-            rowsOf(targets, rows);
+            rowsOf(one.answer, rows);
         }
     }
     return ReportFailures(invocation, selected);

@@ -1,6 +1,7 @@
 // diag run: every check that does no harm.
 #include "common/status_codes.h"
 #include "common/text.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/diag/diag_commands.h"
 #include "vxmgr/diag/dump_kinds.h"
@@ -46,12 +47,16 @@ Finding OfStatus(HX_STATUS status) {
             StatusMessage(status) + " (" + tools::StatusText(status) + ")"};
 }
 
-Finding CheckDriver(const Subject& subject) {
-    Finding finding = OfStatus(subject.port.failure);
-    if (finding.outcome != Outcome::Passed) {
-        finding.detail = subject.port.failedQuery + ": " + finding.detail;
-    }
+Finding DriverFailed(HX_STATUS status, const std::string& query) {
+    Finding finding = OfStatus(status);
+    finding.detail = query + ": " + finding.detail;
     return finding;
+}
+
+Finding CheckDriver(const Subject& subject) {
+    return subject.port.failure == HXMGT_SUCCESS
+               ? Finding{}
+               : DriverFailed(subject.port.failure, subject.port.failedQuery);
 }
 
 Finding CheckFirmware(const Subject& subject) {
@@ -137,6 +142,9 @@ Finding CheckEcho(const Subject& subject) {
     return IsEchoOf(request, answer) ? Finding{} : Finding{Outcome::Failed, "other data came back"};
 }
 
+// The fabric and remote ports get their time as well.
+constexpr std::chrono::seconds kCheckTime{30};
+
 struct Check {
     const char* name;
     Finding (*run)(const Subject& subject);
@@ -177,23 +185,27 @@ ExitCode DiagRun(tools::Invocation& invocation) {
     if (hasTarget) {
         target = GivenTarget(invocation);
     }
-    const std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Record> rows;
     size_t failed = 0;
-    for (const Port* port : SelectPorts(invocation, ports)) {
-        Device device;
-        const HX_STATUS opened = device.Open(port->index, TracePath(invocation));
-        if (opened != HXMGT_SUCCESS) {
-            rows.push_back(CheckRow(*port, "driver", OfStatus(opened)));
+    const AskPort<std::vector<Finding>> check =
+        [hasTarget, target](PortVisit& visit, std::vector<Finding>* findings) {
+            for (const Check& one : kChecks) {
+                findings->push_back(
+                    one.run({visit.port, visit.Handle(), hasTarget ? &target : nullptr}));
+                visit.task.Answered(kCheckTime);
+            }
+            return HX_STATUS{HXMGT_SUCCESS};
+        };
+    for (const auto& one : ForEachPort(invocation, SelectPorts(invocation, ports), check)) {
+        if (one.status != HXMGT_SUCCESS) {
+            rows.push_back(CheckRow(*one.port, "driver", DriverFailed(one.status, one.query)));
             ++failed;
             continue;
         }
-        for (const Check& check : kChecks) {
-            invocation.CheckStop();
-            const Finding finding =
-                check.run({*port, device.Handle(), hasTarget ? &target : nullptr});
-            failed += finding.outcome == Outcome::Failed ? 1 : 0;
-            rows.push_back(CheckRow(*port, check.name, finding));
+        for (size_t i = 0; i < one.answer.size(); ++i) {
+            failed += one.answer[i].outcome == Outcome::Failed ? 1 : 0;
+            rows.push_back(CheckRow(*one.port, kChecks[i].name, one.answer[i]));
         }
     }
     invocation.Result().AddList("checks", "Checks", tools::ListLayout::Table, CheckRow({}, "", {}),

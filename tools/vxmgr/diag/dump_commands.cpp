@@ -4,6 +4,7 @@
 #include "common/status_codes.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/diag/dump_kinds.h"
 #include "vxmgr/fabric/scsi_units.h"
@@ -40,6 +41,27 @@ const char* StateOf(HX_STATUS status, uint32_t size) {
 
 Value SizeValue(uint64_t size) {
     return Value::Number(size, "bytes").Shown(SizeText(size));
+}
+
+struct DumpSize {
+    const DumpKind* kind;
+    HX_STATUS status;
+    uint32_t bytes;
+};
+
+// The first failure among the sizes; they all are asked for.
+HX_STATUS AskSizes(PortVisit& visit, std::vector<DumpSize>* sizes) {
+    HX_STATUS failure = HXMGT_SUCCESS;
+    for (const DumpKind& kind : DumpKinds()) {
+        DumpSize& size = sizes->emplace_back(DumpSize{&kind, HXMGT_SUCCESS, 0});
+        size.status = kind.size(visit.Handle(), &size.bytes);
+        if (size.status != HXMGT_SUCCESS && !HasNone(size.status) && failure == HXMGT_SUCCESS) {
+            failure = size.status;
+            visit.query = std::string("size of the ") + kind.name + " dump";
+        }
+        visit.task.Answered();
+    }
+    return failure;
 }
 
 Record DumpRow(const Port& port, const DumpKind& kind, HX_STATUS status, uint32_t size) {
@@ -150,25 +172,17 @@ ExitCode DumpSave(tools::Invocation& invocation) {
 }
 
 ExitCode DumpList(tools::Invocation& invocation) {
-    std::vector<Port> ports = ReadPorts(invocation);
-    std::vector<const Port*> shown = SelectPorts(invocation, ports);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> shown = SelectPorts(invocation, ports);
     std::vector<Record> rows;
-    for (const Port* selected : shown) {
-        invocation.CheckStop();
-        Port& port = ports[selected->index];
-        Device device;
-        const HX_STATUS opened = device.Open(port.index, TracePath(invocation));
-        if (opened != HXMGT_SUCCESS) {
-            continue;  // its failure is known from reading the ports
+    for (const auto& one : ForEachPort<std::vector<DumpSize>>(invocation, shown, AskSizes)) {
+        Port& port = *one.port;
+        if (one.status != HXMGT_SUCCESS && port.failure == HXMGT_SUCCESS) {
+            port.failure = one.status;
+            port.failedQuery = one.query;
         }
-        for (const DumpKind& kind : DumpKinds()) {
-            uint32_t size = 0;
-            const HX_STATUS status = kind.size(device.Handle(), &size);
-            if (status != HXMGT_SUCCESS && !HasNone(status) && port.failure == HXMGT_SUCCESS) {
-                port.failure = status;
-                port.failedQuery = std::string("size of the ") + kind.name + " dump";
-            }
-            rows.push_back(DumpRow(port, kind, status, size));
+        for (const DumpSize& size : one.answer) {
+            rows.push_back(DumpRow(port, *size.kind, size.status, size.bytes));
         }
     }
     invocation.Result().AddList("dumps", "Dumps", tools::ListLayout::Table,

@@ -193,7 +193,7 @@ ExitCode FlashLockEnd(tools::Invocation& invocation) {
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const LockRow lock = LeftBehind(invocation, owner, adapters);
     Device device;
-    HX_STATUS status = device.Open(lock.adapter->First().index, TracePath(invocation));
+    HX_STATUS status = lock.adapter->Speaker().Open(TracePath(invocation), &device);
     if (status == HXMGT_SUCCESS) {
         // Also ends the thread that the record names, whatever that number means in this process:
         // nothing may follow here.

@@ -108,7 +108,7 @@ Record DriverRow(const Service& service) {
 Device OpenPortOf(tools::Invocation& invocation, const Service& service) {
     Device device;
     const Port& port = *service.ports.front();
-    const HX_STATUS status = device.Open(port.index, TracePath(invocation));
+    const HX_STATUS status = port.Open(TracePath(invocation), &device);
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "open", port.Object());
     }
@@ -239,7 +239,7 @@ std::span<const tools::Argument> ParameterSettingArguments() {
 }
 
 ExitCode DriverShow(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
     std::vector<Record> rows;
     for (const Service& service : ServicesOf(selected)) {
@@ -252,7 +252,7 @@ ExitCode DriverShow(tools::Invocation& invocation) {
 
 ExitCode DriverParameterGet(tools::Invocation& invocation) {
     const std::string name = invocation.Given().Text("NAME");
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Record> rows;
     bool found = false;
     for (const Service& service : ParameterServices(OpenablePorts(invocation, ports))) {
@@ -271,7 +271,7 @@ ExitCode DriverParameterGet(tools::Invocation& invocation) {
 
 ExitCode DriverParameterSet(tools::Invocation& invocation) {
     const Setting setting = ParseSetting(invocation);
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Service> services = ParameterServices(OpenablePorts(invocation, ports));
     const Service& service = OnlyService(invocation, services);
     const Device device = OpenPortOf(invocation, service);

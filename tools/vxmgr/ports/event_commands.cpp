@@ -2,11 +2,13 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <deque>
+#include <iterator>
+#include <memory>
+#include <mutex>
 
 #include "common/status_codes.h"
 #include "common/text.h"
-#include "vxmgr/app/inventory.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
 #include "vxmgr/ports/event_texts.h"
@@ -37,7 +39,7 @@ constexpr tools::Argument kWatchArguments[] = {
 // the command, or its clean-up when the command hangs.
 class Watch {
   public:
-    Watch(const Port& port, Device device) : port_(port), device_(std::move(device)) {}
+    Watch(Port port, Device device) : port_(std::move(port)), device_(std::move(device)) {}
     ~Watch() { Disable(); }
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
@@ -63,9 +65,29 @@ class Watch {
     int busyReads = 0;
 
   private:
-    const Port& port_;
+    const Port port_;
     Device device_;
     std::atomic<bool> enabled_{false};
+};
+using WatchPointer = std::shared_ptr<Watch>;
+
+// Every watch that was made, whichever thread made it: for the clean-up.
+class AllWatches {
+  public:
+    void Add(WatchPointer watch) {
+        const std::lock_guard guard(lock_);
+        watches_.push_back(std::move(watch));
+    }
+    void Disable() {
+        const std::lock_guard guard(lock_);
+        for (const WatchPointer& watch : watches_) {
+            watch->Disable();
+        }
+    }
+
+  private:
+    std::mutex lock_;
+    std::vector<WatchPointer> watches_;
 };
 
 Record EventRow(const Port& port, const HX_EVENT& event, const std::string& time) {
@@ -91,27 +113,43 @@ class Watcher {
         : invocation_(invocation),
           kinds_(invocation.Given().All("kind")),
           remaining_(invocation.Given().Number("count")),
-          cleanUp_(invocation.Hooks(), [this] { DisableAll(); }) {}
+          cleanUp_(invocation.Hooks(), [all = all_] { all->Disable(); }) {}
+    ~Watcher() { all_->Disable(); }
 
-    // The hook reads watches_, so that it is complete before the first delivery is switched on.
-    void Start(const std::vector<const Port*>& ports) {
+    // The first enabling of a port counts the adapters at the ports before it, and waits for each
+    // of them that does not answer.
+    void Start(const std::vector<Port*>& ports) {
         const bool chosen = invocation_.Given().Has("port") || invocation_.Given().Has("adapter");
-        for (const Port* port : ports) {
-            Device device;
-            const HX_STATUS status = device.Open(port->index, TracePath(invocation_));
-            if (status != HXMGT_SUCCESS) {
-                Failed(*port, status, "open");
-                continue;
+        const AskPort<WatchPointer> enable = [all = all_](PortVisit& visit, WatchPointer* made) {
+            visit.query = "events cannot be enabled";
+            *made = std::make_shared<Watch>(visit.port, std::move(visit.device));
+            all->Add(*made);
+            const HX_STATUS status = (*made)->Enable();
+            try {
+                visit.task.Answered();
+            } catch (...) {
+                (*made)->Disable();  // nobody waits for it any more
+                throw;
             }
-            watches_.emplace_back(*port, std::move(device));
-        }
-        for (Watch& watch : watches_) {
-            const HX_STATUS status = watch.Enable();
-            if (status == HXMGT_NOT_SUPPORTED && !chosen) {
-                invocation_.Note("port " + std::to_string(watch.Watched().index) +
+            return status;
+        };
+        std::vector<const Port*> answered;
+        std::copy_if(ports.begin(), ports.end(), std::back_inserter(answered),
+                     [](const Port* port) { return port->answers; });
+        for (auto& one : ForEachPort<WatchPointer>(invocation_, ports, enable)) {
+            if (!one.port->answers &&
+                std::find(answered.begin(), answered.end(), one.port) != answered.end()) {
+                one.query = "events cannot be enabled: " + one.port->Name() +
+                            " or a port in front of it is not answering";
+            }
+            if (one.answer != nullptr) {
+                watches_.push_back(std::move(one.answer));
+            }
+            if (one.status == HXMGT_NOT_SUPPORTED && !chosen) {
+                invocation_.Note("port " + std::to_string(one.port->index) +
                                  " is left out: its driver delivers no events");
-            } else if (status != HXMGT_SUCCESS) {
-                Failed(watch.Watched(), status, "events cannot be enabled");
+            } else if (one.status != HXMGT_SUCCESS) {
+                Failed(*one.port, one.status, one.query.c_str());
             }
         }
     }
@@ -127,8 +165,8 @@ class Watcher {
         invocation_.BeginStream("events", "Events",
                                 EventRow(Port(), HX_EVENT{}, tools::FormatUtc({})), "");
         while (CountLive() != 0) {
-            for (Watch& watch : watches_) {
-                if (watch.IsLive() && !Poll(watch)) {
+            for (const WatchPointer& watch : watches_) {
+                if (watch->IsLive() && !Poll(*watch)) {
                     return ExitOfAll();
                 }
             }
@@ -185,22 +223,18 @@ class Watcher {
     }
 
     size_t CountLive() const {
-        return static_cast<size_t>(std::count_if(
-            watches_.begin(), watches_.end(), [](const Watch& watch) { return watch.IsLive(); }));
+        return static_cast<size_t>(
+            std::count_if(watches_.begin(), watches_.end(),
+                          [](const WatchPointer& watch) { return watch->IsLive(); }));
     }
 
     ExitCode ExitOfAll() const { return failures_ == 0 ? ExitCode::Done : ExitCode::Partial; }
 
-    void DisableAll() {
-        for (Watch& watch : watches_) {
-            watch.Disable();
-        }
-    }
-
     tools::Invocation& invocation_;
     const std::vector<std::string> kinds_;
     std::optional<uint64_t> remaining_;
-    std::deque<Watch> watches_;
+    const std::shared_ptr<AllWatches> all_ = std::make_shared<AllWatches>();
+    std::vector<WatchPointer> watches_;  // in the order of the ports
     size_t failures_ = 0;
     ExitCode exit_ = ExitCode::Done;
     tools::AbandonHooks::Registration cleanUp_;  // goes first
@@ -213,8 +247,8 @@ std::span<const tools::Argument> EventWatchArguments() {
 }
 
 ExitCode EventWatch(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
-    const std::vector<const Port*> selected = SelectPorts(invocation, ports);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
     if (selected.empty()) {
         invocation.Fail(ExitCode::NotFound, "there is no port to watch", "see `port list`");
     }
@@ -224,7 +258,7 @@ ExitCode EventWatch(tools::Invocation& invocation) {
 }
 
 ExitCode EventTest(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const Port& port = SelectOnePort(invocation, ports);
     const auto finish = [&](bool raised) {
         Record& result = invocation.Result();
@@ -238,7 +272,7 @@ ExitCode EventTest(tools::Invocation& invocation) {
         return finish(false);
     }
     Device device;
-    HX_STATUS status = device.Open(port.index, TracePath(invocation));
+    HX_STATUS status = port.Open(TracePath(invocation), &device);
     if (status == HXMGT_SUCCESS) {
         status = HXForceZetaAEN(static_cast<int32_t>(device.Handle()));
     }

@@ -29,7 +29,7 @@ ExitCode Adapters(tools::Invocation& invocation, ListLayout layout,
 }
 
 ExitCode Ports(tools::Invocation& invocation, ListLayout layout, Record (*recordOf)(const Port&)) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> shown = SelectPorts(invocation, ports);
     std::vector<Record> rows;
     for (const Port* port : shown) {

@@ -175,6 +175,7 @@ Record PortSummary(const Port& port, bool withAdapter) {
     row.Add("node_wwn", "Node name", NodeName(port));
     row.Add("port_id", "Port ID", PortIdValue(port), "PORT ID");
     row.Add("state", "State", StateValue(port), "STATE");
+    row.Add("answers", "", Value::Flag(port.answers));
     row.Add("speed_gbit", "Speed", SpeedValue(properties.currentSpeed), "SPEED");
     row.Add("topology", "Topology", TopologyValue(port), "TOPOLOGY");
     row.Add("discovered_targets", "Targets",
@@ -190,6 +191,7 @@ Record PortDetail(const Port& port) {
     detail.Add("index", "", Value::Number(port.index), "PORT");
     detail.Add("scsi_port", "SCSI port", ScsiPort(port), "SCSI");
     detail.Add("os_device", "System device", OsDevice(port));
+    detail.Add("answers", "", Value::Flag(port.answers));
     detail.Add("status", port.failure == HXMGT_SUCCESS ? "" : "Status", StatusValue(port.failure),
                "STATUS");
     detail.AddGroup("identity", "Identity", IdentityGroup(port));

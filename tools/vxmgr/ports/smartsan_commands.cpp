@@ -10,7 +10,7 @@ using tools::ExitCode;
 
 // Any port of the driver reaches the switch: the first selected one that can be opened.
 Device OpenAnyPort(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
     if (selected.empty()) {
         invocation.Fail(ExitCode::NotFound, "there is no port", "see `port list`");
@@ -18,7 +18,7 @@ Device OpenAnyPort(tools::Invocation& invocation) {
     HX_STATUS status = HXMGT_SUCCESS;
     for (const Port* port : selected) {
         Device device;
-        status = device.Open(port->index, TracePath(invocation));
+        status = port->Open(TracePath(invocation), &device);
         if (status == HXMGT_SUCCESS) {
             return device;
         }

@@ -4,6 +4,7 @@
 
 #include "common/text.h"
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/stats_counters.h"
 
@@ -32,24 +33,21 @@ constexpr Argument kArguments[] = {
     {"--delta", ArgumentKind::Flag, "", "rows of what was counted since the row before"},
 };
 
+HX_STATUS ReadStatistics(PortVisit& visit, HX_STATISTICS* statistics) {
+    visit.query = "statistics";
+    return HXGetStatistics(visit.Handle(), 0, statistics);
+}
+
 ExitCode ShowOnce(tools::Invocation& invocation) {
-    std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> shown = SelectPorts(invocation, ports);
     std::vector<Record> records;
-    std::vector<const Port*> shown;
-    for (const Port* selected : SelectPorts(invocation, ports)) {
-        invocation.CheckStop();
-        Port& port = ports[selected->index];
-        HX_STATISTICS statistics{};
-        Device device;
-        HX_STATUS status = device.Open(port.index, TracePath(invocation));
-        if (status == HXMGT_SUCCESS) {
-            status = HXGetStatistics(device.Handle(), 0, &statistics);
-        }
+    for (const auto& one : ForEachPort<HX_STATISTICS>(invocation, shown, ReadStatistics)) {
         // What else the port fails at is not asked here.
-        port.failure = status;
-        port.failedQuery = device.IsOpen() ? "statistics" : "open";
-        records.push_back(StatsRow(port, status == HXMGT_SUCCESS ? &statistics : nullptr, {}));
-        shown.push_back(&port);
+        one.port->failure = one.status;
+        one.port->failedQuery = one.query;
+        records.push_back(
+            StatsRow(*one.port, one.status == HXMGT_SUCCESS ? &one.answer : nullptr, {}));
     }
     invocation.Result().AddList("readings", "Readings", tools::ListLayout::Sections,
                                 StatsRow(Port(), nullptr, {}), "No ports.", std::move(records));

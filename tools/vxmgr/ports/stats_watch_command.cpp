@@ -3,7 +3,7 @@
 #include <deque>
 #include <optional>
 
-#include "vxmgr/app/inventory.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/ports/stats_commands.h"
 #include "vxmgr/ports/stats_counters.h"
 
@@ -17,7 +17,7 @@ constexpr int kMostFailures = 3;  // of a port, one after the other
 
 struct Watched {
     const Port& port;
-    Device device;
+    std::shared_ptr<Device> device;  // shared with a thread that may be left behind
     HX_STATISTICS last;
     int failures = 0;
 
@@ -33,13 +33,20 @@ class Watcher {
           delta_(invocation.Given().Has("delta")) {}
 
     ExitCode Run() {
-        const std::vector<Port> ports = ReadPorts(invocation_);
-        const std::vector<const Port*> selected = SelectPorts(invocation_, ports);
+        std::vector<Port> ports = ReadSelectedPorts(invocation_);
+        const std::vector<Port*> selected = SelectPorts(invocation_, ports);
         if (selected.empty()) {
             invocation_.Fail(ExitCode::NotFound, "there is no port to watch", "see `port list`");
         }
-        for (const Port* port : selected) {
-            Start(*port);
+        // The first reading tells whether a port can be watched at all.
+        for (auto& one : ForEachPort<Reading>(invocation_, selected, ReadFirst)) {
+            if (one.status == HXMGT_SUCCESS) {
+                watched_.push_back({*one.port,
+                                    std::make_shared<Device>(std::move(one.answer.device)),
+                                    one.answer.statistics});
+            } else {
+                Failed(*one.port, one.status, one.query.c_str());
+            }
         }
         if (CountLive() != 0) {
             Stream();
@@ -51,19 +58,20 @@ class Watcher {
     }
 
   private:
-    // The first reading tells whether the port can be watched at all.
-    void Start(const Port& port) {
+    struct Answer {
+        HX_STATUS status = HXMGT_SUCCESS;
+        HX_STATISTICS now{};
+    };
+
+    struct Reading {
         Device device;
-        HX_STATISTICS first{};
-        HX_STATUS status = device.Open(port.index, TracePath(invocation_));
-        if (status == HXMGT_SUCCESS) {
-            status = HXGetStatistics(device.Handle(), 0, &first);
-        }
-        if (status != HXMGT_SUCCESS) {
-            Failed(port, status, device.IsOpen() ? "statistics" : "open");
-            return;
-        }
-        watched_.push_back({port, std::move(device), first});
+        HX_STATISTICS statistics{};
+    };
+    static HX_STATUS ReadFirst(PortVisit& visit, Reading* first) {
+        visit.query = "statistics";
+        const HX_STATUS status = HXGetStatistics(visit.Handle(), 0, &first->statistics);
+        first->device = std::move(visit.device);
+        return status;
     }
 
     void Stream() {
@@ -78,24 +86,41 @@ class Watcher {
         for (uint64_t rows = delta_ ? 0 : 1; CountLive() != 0 && (!count_ || rows < *count_);
              ++rows) {
             invocation_.Sleep(std::chrono::seconds(interval_));
-            for (Watched& one : watched_) {
-                if (one.IsLive()) {
-                    invocation_.CheckStop();
-                    Read(one);
-                }
-            }
+            ReadAll();
         }
     }
 
-    void Read(Watched& one) {
-        HX_STATISTICS now{};
-        const HX_STATUS status = HXGetStatistics(one.device.Handle(), 0, &now);
-        if (status == HXMGT_SUCCESS) {
+    void ReadAll() {
+        std::vector<Watched*> live;
+        std::vector<PortQuestion<Answer>> questions;
+        for (Watched& one : watched_) {
+            if (one.IsLive()) {
+                live.push_back(&one);
+                questions.push_back(
+                    {one.port.Name(), [device = one.device](PortTask&, Answer& answer) {
+                         answer.status = HXGetStatistics(device->Handle(), 0, &answer.now);
+                     }});
+            }
+        }
+        const auto answers = AskSideBySide(invocation_, std::move(questions));
+        for (size_t i = 0; i < live.size(); ++i) {
+            Take(*live[i], answers[i]);
+        }
+    }
+
+    void Take(Watched& one, const std::optional<Answer>& answer) {
+        if (answer && answer->status == HXMGT_SUCCESS) {
+            const HX_STATISTICS& now = answer->now;
             one.failures = 0;
             Print(one, delta_ ? CountedBetween(one.last, now) : now, WasReset(one.last, now));
             one.last = now;
-        } else if (++one.failures; !one.IsLive()) {
-            Failed(one.port, status, "the port is no longer watched");
+            return;
+        }
+        // A thread still waits for a port that does not answer: it is not asked again.
+        one.failures = answer ? one.failures + 1 : kMostFailures;
+        if (!one.IsLive()) {
+            Failed(one.port, answer ? answer->status : HX_STATUS{HXMGT_TIMED_OUT},
+                   "the port is no longer watched");
         }
     }
 

@@ -2,6 +2,7 @@
 #include "vxmgr/settings/nvram_commands.h"
 
 #include "common/status_codes.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/settings/nvram_port.h"
 #include "vxmgr/settings/nvram_records.h"
@@ -150,28 +151,26 @@ ExitCode NvramGet(tools::Invocation& invocation) {
 }
 
 ExitCode NvramVerify(tools::Invocation& invocation) {
-    std::vector<Port> ports = ReadPorts(invocation);
-    const std::vector<const Port*> selected = SelectPorts(invocation, ports);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
     std::vector<Record> rows;
     bool bad = false;
-    for (const Port* chosen : selected) {
-        invocation.CheckStop();
-        Port& port = ports[chosen->index];
-        if (port.failure != HXMGT_SUCCESS) {
-            rows.push_back(VerifyRow(port, {port.failure, {}, 0, {}, {}, {}, {}}));
-            continue;
+    const AskPort<Verified> verify = [&invocation](PortVisit& visit, Verified* verified) {
+        if (visit.port.failure != HXMGT_SUCCESS) {
+            visit.query = visit.port.failedQuery;
+            return visit.port.failure;
         }
-        PortSession session;
-        session.port = port;
-        Verified verified;
-        verified.status = session.device.Open(port.index, TracePath(invocation));
-        if (verified.status == HXMGT_SUCCESS) {
-            verified = Verify(invocation, session);
-        }
-        if (verified.status != HXMGT_SUCCESS) {
-            port.failure = verified.status;
-            port.failedQuery = "the NVRAM cannot be read";
-        }
+        visit.query = "the NVRAM cannot be read";
+        const PortSession session{visit.port, std::move(visit.device), {}};
+        *verified = Verify(invocation, session);
+        return verified->status;
+    };
+    for (auto& one : ForEachPort<Verified>(invocation, selected, verify)) {
+        Port& port = *one.port;
+        Verified& verified = one.answer;
+        verified.status = one.status;
+        port.failure = one.status;
+        port.failedQuery = one.query;
         bad = bad || !verified.signature.value_or(true) || !verified.checksum.value_or(true) ||
               !verified.byDriver.value_or(true);
         rows.push_back(VerifyRow(port, verified));

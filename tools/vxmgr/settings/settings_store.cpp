@@ -68,6 +68,8 @@ class Writer {
     [[noreturn]] void Fail(ExitCode exit, const std::string& text, const std::string& hint,
                            HX_STATUS status) const {
         tools::Message message{Severity::Error, text, hint, session_.port.Object(), {}};
+        status = invocation_.CauseOf(status, message.object);
+        exit = status == kWentAway ? ExitCode::NotFound : exit;
         if (status != HXMGT_SUCCESS) {
             message.text += ": " + StatusMessage(status);
             message.status = status;

@@ -76,10 +76,11 @@ std::vector<uint8_t> GivenBytes(tools::Invocation& invocation, size_t offset) {
     return bytes;
 }
 
-[[noreturn]] void FailTransfer(const PortSession& session, HX_STATUS status, ExitCode exit,
+[[noreturn]] void FailTransfer(const PortSession& session, HX_STATUS failure, ExitCode exit,
                                const std::string& text, uint16_t deviceStatus) {
+    const HX_STATUS status = CauseOf(failure, session.port.Object());
     throw tools::CommandError{
-        exit,
+        status == kWentAway ? ExitCode::NotFound : exit,
         {Severity::Error,
          text + " (device status " + std::to_string(deviceStatus) + "): " + StatusMessage(status),
          "", session.port.Object(), status}};
@@ -134,8 +135,9 @@ ExitCode Prove(tools::Invocation& invocation, const PortSession& session, const 
                      state, deviceStatus);
     }
     if (readStatus != HXMGT_SUCCESS) {
-        invocation.Report(readStatus, "written, but it cannot be read back", session.port.Object());
-        return ExitCode::NotProven;
+        const ExitCode exit = invocation.Report(readStatus, "written, but it cannot be read back",
+                                                session.port.Object());
+        return exit == ExitCode::NotFound ? exit : ExitCode::NotProven;
     }
     if (!isNew) {
         invocation.Add({Severity::Error,
@@ -189,7 +191,8 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
 
 // The call that failed, and what is known of the transceiver now.
 [[noreturn]] void FailLoad(tools::Invocation& invocation, const PortSession& session,
-                           HX_STATUS status) {
+                           HX_STATUS failure) {
+    const HX_STATUS status = CauseOf(failure, session.port.Object());
     if (status == HXMGT_SFP_FIRMWARE_INCOMPATIBLE) {
         invocation.Fail(status, "the transceiver refused the file, it keeps its firmware",
                         session.port.Object());

@@ -67,15 +67,11 @@ std::span<const Argument> SfpDumpArguments() {
 }
 
 ExitCode SfpShow(tools::Invocation& invocation) {
-    std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Record> rows;
-    const ExitCode exit = ForEachSfpPort(
-        invocation, ports, [&](const Port& port, Device& device, std::string* failedQuery) {
-            SfpModule module;
-            const HX_STATUS status = ReadSfpModule(device.Handle(), &module);
-            if (status != HXMGT_SUCCESS) {
-                return status;
-            }
+    const ExitCode exit = ForEachSfpModule(
+        invocation, ports,
+        [&](const Port& port, Device&, const SfpModule& module, std::string* failedQuery) {
             rows.push_back(ModuleRecord(port, module));
             *failedQuery = "the diagnostics cannot be read";
             return module.diagnosticsStatus;

@@ -1,6 +1,7 @@
 #include "vxmgr/sfp/sfp_port.h"
 
 #include "common/status_codes.h"
+#include "vxmgr/app/port_walk.h"
 
 namespace vxmgr {
 namespace {
@@ -11,6 +12,18 @@ constexpr uint16_t kNoOptions = 0;
 
 bool IsUnsupported(HX_STATUS status) {
     return tools::ExitCodeOf(status) == ExitCode::NotSupported;
+}
+
+struct FoundModule {
+    Device device;
+    SfpModule module;
+};
+
+HX_STATUS FindModule(PortVisit& visit, FoundModule* found) {
+    visit.query = "the transceiver cannot be read";
+    const HX_STATUS status = ReadSfpModule(visit.Handle(), &found->module);
+    found->device = std::move(visit.device);
+    return status;
 }
 
 }  // namespace
@@ -47,28 +60,24 @@ HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module) {
     return HXMGT_SUCCESS;
 }
 
-ExitCode ForEachSfpPort(tools::Invocation& invocation, std::vector<Port>& ports,
-                        const UseSfpPort& use) {
+ExitCode ForEachSfpModule(tools::Invocation& invocation, std::vector<Port>& ports,
+                          const UseSfpModule& use) {
     const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
     std::vector<const Port*> counted;
-    for (const Port* selected : SelectPorts(invocation, ports)) {
-        invocation.CheckStop();
-        Port& port = ports[selected->index];
-        Device device;
-        std::string failedQuery = "open";
-        HX_STATUS status = device.Open(port.index, TracePath(invocation));
-        if (status == HXMGT_SUCCESS) {
-            failedQuery = "the transceiver cannot be read";
-            status = use(port, device, &failedQuery);
+    for (auto& one :
+         ForEachPort<FoundModule>(invocation, SelectPorts(invocation, ports), FindModule)) {
+        Port& port = *one.port;
+        if (one.status == HXMGT_SUCCESS) {
+            one.status = use(port, one.answer.device, one.answer.module, &one.query);
         }
-        if (IsUnsupported(status) && !chosen) {
+        if (IsUnsupported(one.status) && !chosen && port.answers) {
             invocation.Note("port " + std::to_string(port.index) +
                             " is left out: its driver does not reach the transceiver");
             continue;
         }
-        if (status != HXMGT_SUCCESS) {
-            port.failure = status;
-            port.failedQuery = failedQuery;
+        if (one.status != HXMGT_SUCCESS) {
+            port.failure = one.status;
+            port.failedQuery = one.query;
         }
         counted.push_back(&port);
     }

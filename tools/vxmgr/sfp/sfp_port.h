@@ -35,11 +35,11 @@ struct SfpModule {
 };
 HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module);
 
-// The selected ports that can be opened, each handed to use. A port that fails is remembered and
+// The transceivers of the selected ports, each handed to use. A port that fails is remembered and
 // reported in the end; one whose driver knows no transceivers is left out unless it was chosen.
-using UseSfpPort =
-    std::function<HX_STATUS(const Port& port, Device& device, std::string* failedQuery)>;
-tools::ExitCode ForEachSfpPort(tools::Invocation& invocation, std::vector<Port>& ports,
-                               const UseSfpPort& use);
+using UseSfpModule = std::function<HX_STATUS(const Port& port, Device& device,
+                                             const SfpModule& module, std::string* failedQuery)>;
+tools::ExitCode ForEachSfpModule(tools::Invocation& invocation, std::vector<Port>& ports,
+                                 const UseSfpModule& use);
 
 }  // namespace vxmgr

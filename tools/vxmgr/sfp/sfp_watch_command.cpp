@@ -3,6 +3,7 @@
 #include <deque>
 
 #include "common/text.h"
+#include "vxmgr/app/side_by_side.h"
 #include "vxmgr/sfp/sfp_commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 
@@ -41,10 +42,9 @@ constexpr Argument kWatchArguments[] = {
 
 struct Watched {
     const Port& port;
-    Device device;
+    std::shared_ptr<Device> device;  // shared with a thread that may be left behind
     SfpIdentity identity;
     int failures = 0;
-    HX_STATUS status = HXMGT_SUCCESS;
 
     bool IsLive() const { return failures < kMostFailures; }
 };
@@ -87,17 +87,17 @@ class Watcher {
 
     // Ports without diagnostics are left out, with a word.
     ExitCode Start(std::vector<Port>& ports) {
-        return ForEachSfpPort(
-            invocation_, ports, [&](const Port& port, Device& device, std::string*) {
-                SfpModule module;
-                const HX_STATUS status = ReadSfpModule(device.Handle(), &module);
-                if (status == HXMGT_SUCCESS && !module.Reachable()) {
+        return ForEachSfpModule(
+            invocation_, ports,
+            [&](const Port& port, Device& device, const SfpModule& module, std::string*) {
+                if (!module.Reachable()) {
                     invocation_.Note("port " + std::to_string(port.index) +
                                      " is left out: its transceiver has no diagnostics");
-                } else if (status == HXMGT_SUCCESS) {
-                    watched_.push_back({port, std::move(device), module.identity});
+                } else {
+                    watched_.push_back(
+                        {port, std::make_shared<Device>(std::move(device)), module.identity});
                 }
-                return status;
+                return HX_STATUS{HXMGT_SUCCESS};
             });
     }
 
@@ -115,12 +115,7 @@ class Watcher {
             if (turn != 0) {
                 invocation_.Sleep(std::chrono::seconds(interval_));
             }
-            for (Watched& one : watched_) {
-                if (one.IsLive()) {
-                    invocation_.CheckStop();
-                    Read(one);
-                }
-            }
+            ReadAll();
             if (count_ && turn + 1 == *count_) {
                 break;
             }
@@ -130,17 +125,44 @@ class Watcher {
     }
 
   private:
-    void Read(Watched& one) {
-        SfpDiagnostics page;
-        one.status = ReadSfp(one.device.Handle(), kSfpPages[1], 0,
-                             {reinterpret_cast<uint8_t*>(&page), sizeof page});
-        if (one.status == HXMGT_SUCCESS) {
+    struct Answer {
+        HX_STATUS status = HXMGT_SUCCESS;
+        SfpDiagnostics page{};
+    };
+
+    void ReadAll() {
+        std::vector<Watched*> live;
+        std::vector<PortQuestion<Answer>> questions;
+        for (Watched& one : watched_) {
+            if (one.IsLive()) {
+                live.push_back(&one);
+                questions.push_back(
+                    {one.port.Name(), [device = one.device](PortTask&, Answer& answer) {
+                         answer.status = ReadSfp(
+                             device->Handle(), kSfpPages[1], 0,
+                             {reinterpret_cast<uint8_t*>(&answer.page), sizeof answer.page});
+                     }});
+            }
+        }
+        const auto answers = AskSideBySide(invocation_, std::move(questions));
+        for (size_t i = 0; i < live.size(); ++i) {
+            Take(*live[i], answers[i]);
+        }
+    }
+
+    void Take(Watched& one, const std::optional<Answer>& answer) {
+        if (answer && answer->status == HXMGT_SUCCESS) {
             one.failures = 0;
             const std::string time = tools::FormatUtc(std::chrono::system_clock::now());
-            invocation_.Stream(ReadingsRow(one.port, ReadDiagnostics(one.identity, page), time));
-        } else if (++one.failures; !one.IsLive()) {
-            exit_ = invocation_.Report(one.status, "the transceiver is no longer watched",
-                                       one.port.Object());
+            invocation_.Stream(
+                ReadingsRow(one.port, ReadDiagnostics(one.identity, answer->page), time));
+            return;
+        }
+        // A thread still waits for a port that does not answer: it is not asked again.
+        one.failures = answer ? one.failures + 1 : kMostFailures;
+        if (!one.IsLive()) {
+            exit_ = invocation_.Report(answer ? answer->status : HX_STATUS{HXMGT_TIMED_OUT},
+                                       "the transceiver is no longer watched", one.port.Object());
         }
     }
 
@@ -166,7 +188,7 @@ std::span<const Argument> SfpWatchArguments() {
 }
 
 ExitCode SfpWatch(tools::Invocation& invocation) {
-    std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
     Watcher watcher(invocation);
     const ExitCode started = watcher.Start(ports);
     return watcher.Run(started);

@@ -42,20 +42,22 @@ class Mapper {
         std::function<HX_STATUS(const Port& port, uint32_t handle, std::vector<MappedUnit>* units)>;
 
     explicit Mapper(tools::Invocation& invocation)
-        : invocation_(invocation), ports_(ReadPorts(invocation)) {}
+        : invocation_(invocation), ports_(ReadSelectedPorts(invocation)) {}
 
     void Run(const Collect& collect) {
-        for (const Port* selected : SelectPorts(invocation_, ports_)) {
+        for (Port* selected : SelectPorts(invocation_, ports_)) {
             invocation_.CheckStop();
-            Port& port = ports_[selected->index];
+            Port& port = *selected;
             std::vector<MappedUnit> units;
             Device device;
-            HX_STATUS status = device.Open(port.index, TracePath(invocation_));
+            HX_STATUS status = port.Open(TracePath(invocation_), &device);
             if (status == HXMGT_SUCCESS) {
                 status = collect(port, device.Handle(), &units);
             }
             port.failure = status;
-            port.failedQuery = device.IsOpen() ? "mapping" : "open";
+            if (port.answers) {
+                port.failedQuery = device.IsOpen() ? "mapping" : "open";
+            }
             asked_.push_back(&port);
             Add(port, units);
         }

@@ -1,5 +1,6 @@
 // fw show
 #include "common/status_codes.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/flash/flash_regions.h"
@@ -49,22 +50,30 @@ Record CodeRow(const Adapter& adapter, uint32_t region, const std::string& runni
     return row;
 }
 
+// Whole regions are read at once.
+constexpr std::chrono::seconds kRegionTime{60};
+
+HX_STATUS AskStoredCode(PortVisit& visit, std::vector<StoredCode>* stored) {
+    visit.query = "the flash cannot be read";
+    FlashLayout layout;
+    const HX_STATUS status = QueryFlashLayout(visit.Handle(), &layout);
+    if (status == HXMGT_SUCCESS) {
+        *stored =
+            ReadStoredCode(visit.Handle(), layout, [&visit] { visit.task.Answered(kRegionTime); });
+    }
+    return status;
+}
+
 class Shower {
   public:
     explicit Shower(tools::Invocation& invocation) : invocation_(invocation) {}
 
-    void Show(const Adapter& adapter) {
-        Device device;
-        FlashLayout layout;
-        HX_STATUS status = device.Open(adapter.First().index, TracePath(invocation_));
-        if (status == HXMGT_SUCCESS) {
-            status = QueryFlashLayout(device.Handle(), &layout);
-        }
-        if (status != HXMGT_SUCCESS) {
-            AddUnreadable(adapter, status);
+    void Show(const Adapter& adapter, const PortAnswer<std::vector<StoredCode>>& stored) {
+        if (stored.status != HXMGT_SUCCESS) {
+            AddUnreadable(adapter, stored);
             return;
         }
-        for (const StoredCode& code : ReadStoredCode(invocation_, device.Handle(), layout)) {
+        for (const StoredCode& code : stored.answer) {
             const std::string running = RunningVersion(adapter.First(), code.region.code);
             const CodeState state = StateOf(code, running);
             rows_.push_back(CodeRow(adapter, code.region.code, running, code, state));
@@ -81,7 +90,8 @@ class Shower {
 
   private:
     // The running versions alone: the driver gives no access to the flash, or it failed.
-    void AddUnreadable(const Adapter& adapter, HX_STATUS status) {
+    void AddUnreadable(const Adapter& adapter, const PortAnswer<std::vector<StoredCode>>& stored) {
+        const HX_STATUS status = stored.status;
         const StoredCode none{{}, status, {}};
         for (const uint32_t region :
              {uint32_t{HX_REGION_FIRMWARE}, uint32_t{HX_REGION_BOOT_CODE}}) {
@@ -94,8 +104,7 @@ class Shower {
                              "known");
             return;
         }
-        const ExitCode exit =
-            invocation_.Report(status, "the flash cannot be read", adapter.First().Object());
+        const ExitCode exit = invocation_.Report(status, stored.query, stored.port->Object());
         first_ = failures_++ == 0 ? exit : first_;
     }
 
@@ -130,13 +139,17 @@ class Shower {
 }  // namespace
 
 ExitCode FirmwareShow(tools::Invocation& invocation) {
-    const std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
-    Shower shower(invocation);
+    std::vector<Port*> speakers;
     for (const Adapter* adapter : selected) {
-        invocation.CheckStop();
-        shower.Show(*adapter);
+        speakers.push_back(&ports[static_cast<size_t>(&adapter->Speaker() - ports.data())]);
+    }
+    Shower shower(invocation);
+    const auto stored = ForEachPort<std::vector<StoredCode>>(invocation, speakers, AskStoredCode);
+    for (size_t i = 0; i < selected.size(); ++i) {
+        shower.Show(*selected[i], stored[i]);
     }
     return shower.Finish(selected.size());
 }

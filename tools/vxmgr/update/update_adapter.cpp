@@ -46,23 +46,25 @@ AdapterSession OpenSelectedAdapter(tools::Invocation& invocation) {
     AdapterSession session;
     HX_STATUS failure = HXMGT_SUCCESS;
     std::string failed;
+    std::string query;
     for (const Port* port : SelectOneAdapter(invocation, adapters).ports) {
         Device device;
-        const HX_STATUS status = device.Open(port->index, TracePath(invocation));
+        const HX_STATUS status = port->Open(TracePath(invocation), &device);
         if (status == HXMGT_SUCCESS) {
             session.ports.push_back(*port);
             session.devices.push_back(std::move(device));
         } else {
             failure = status;
             failed = port->Object();
+            query = port->answers ? "open" : port->failedQuery;
         }
     }
     if (session.ports.empty()) {
-        invocation.Fail(failure, "open", failed);
+        invocation.Fail(failure, query, failed);
     }
     if (failure != HXMGT_SUCCESS) {
         invocation.Add({tools::Severity::Warning,
-                        "the port cannot be opened and is left out: " + StatusMessage(failure),
+                        "the port is left out: " + query + ": " + StatusMessage(failure),
                         {},
                         failed,
                         failure});

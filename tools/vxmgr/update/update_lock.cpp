@@ -47,7 +47,8 @@ UpdateLock::~UpdateLock() {
             {Severity::Warning,
              "the update lock could not be given back: the adapter does not answer, or the "
              "lock's time is over",
-             "it is given back when this program ends", object_, status});
+             "it is given back when this program ends", object_,
+             invocation_.CauseOf(status, object_)});
     }
 }
 

@@ -96,6 +96,8 @@ RegionOutcome UpdateRegion(tools::Invocation& invocation, const AdapterSession& 
     outcome.status = WriteRegion(session.Handle(), write.layout, write.region, write.image);
     invocation.Progress("reading " + region + " back");
     ReadBack(session, write, outcome);
+    outcome.status = invocation.CauseOf(outcome.status, session.Object());
+    outcome.readStatus = invocation.CauseOf(outcome.readStatus, session.Object());
     outcome.interrupted = finish.Interrupted();
     return outcome;
 }
@@ -113,7 +115,7 @@ ExitCode ReportOutcome(tools::Invocation& invocation, const AdapterSession& sess
              region + " was written, but cannot be read back: " + StatusMessage(outcome.readStatus),
              "read it with `flash read` and compare before the adapter is restarted",
              session.Object(), outcome.readStatus});
-        return ExitCode::NotProven;
+        return outcome.readStatus == kWentAway ? ExitCode::NotFound : ExitCode::NotProven;
     }
     const TroubleRow& trouble = TroubleOf(outcome.state);
     std::string text = region + " " + trouble.text;
@@ -130,7 +132,9 @@ ExitCode ReportOutcome(tools::Invocation& invocation, const AdapterSession& sess
     }
     invocation.Add({Severity::Error, text + ": " + StatusMessage(outcome.status), trouble.hint,
                     session.Object(), outcome.status});
-    return outcome.state == RegionState::Old ? tools::ExitCodeOf(outcome.status) : trouble.exit;
+    return outcome.state == RegionState::Old || outcome.status == kWentAway
+               ? tools::ExitCodeOf(outcome.status)
+               : trouble.exit;
 }
 
 }  // namespace vxmgr

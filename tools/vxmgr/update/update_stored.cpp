@@ -35,12 +35,12 @@ StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashReg
     return code;
 }
 
-std::vector<StoredCode> ReadStoredCode(tools::Invocation& invocation, uint32_t handle,
-                                       const FlashLayout& layout) {
+std::vector<StoredCode> ReadStoredCode(uint32_t handle, const FlashLayout& layout,
+                                       const std::function<void()>& beforeEach) {
     std::vector<StoredCode> found;
     for (const FlashRegion& region : layout.regions) {
         if (IsCode(region.code)) {
-            invocation.CheckStop();
+            beforeEach();
             found.push_back(ReadStored(handle, layout, region));
         }
     }

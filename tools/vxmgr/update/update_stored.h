@@ -1,6 +1,7 @@
 // The code that an adapter's flash holds, beside the versions that run.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,9 +26,9 @@ constexpr uint32_t BootRegionOf(const FlashLayout& layout) {
 
 StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashRegion& region);
 
-// All regions with firmware or boot code.
-std::vector<StoredCode> ReadStoredCode(tools::Invocation& invocation, uint32_t handle,
-                                       const FlashLayout& layout);
+// All regions with firmware or boot code; beforeEach is called before each is read.
+std::vector<StoredCode> ReadStoredCode(uint32_t handle, const FlashLayout& layout,
+                                       const std::function<void()>& beforeEach);
 
 // The version that runs of what a region holds; empty: nothing is started from there.
 std::string RunningVersion(const Port& port, uint32_t region);
