@@ -63,10 +63,10 @@ properties::LegacyTargetEntry ListedDevice(const Port& port, const TargetProfile
     return entry;
 }
 
-// A device that is gone keeps its place in the list.
+// A device that is gone may keep its place in the list, as an entry that is not valid.
 bool IsListed(const Port& port, const TargetProfile& device) {
     TargetProfile there = device;
-    there.present = 1;
+    there.present = port.adapter->listsLostTargets != 0 ? 1 : device.present;
     return Sees(port, there);
 }
 

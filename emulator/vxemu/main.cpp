@@ -212,5 +212,6 @@ int main() {
     tool.commands = vxemu::kCommands;
     tool.groups = vxemu::kGroups;
     tool.statusText = vxemu::StatusText;
+    tool.dryRunNote = "dry run: nothing was changed";
     return tools::RunTool(tool);
 }

@@ -128,16 +128,20 @@ TEST_F(EmulatorModel, LegacyReplies) {
     EXPECT_EQ(chip.deviceId, 0x7200);
     EXPECT_EQ(chip.classWord, 0x0C04);
 
-    // Four devices and a stale one, which keeps its place but not its valid bit.
-    const auto list = std::make_unique<properties::LegacyTargetListReply>(
-        AskLegacy<properties::LegacyTargetListReply>(LegacySelector::TargetList));
-    ASSERT_EQ(list->count, 5);
-    for (uint32_t at = 0; at < list->count; ++at) {
-        EXPECT_EQ(list->entries[at].loopId & properties::kLegacyTargetValid, at < 4 ? 1 : 0);
-        EXPECT_EQ(list->entries[at].target, at);
-        EXPECT_EQ(list->entries[at].portName[6], at + 1);
+    // Four devices; on demand also a stale one, which keeps its place but not its valid bit.
+    for (const uint8_t lists : {0, 1}) {
+        const vxemu::FieldRequest stale = {9, "lists_lost_targets", 1, {lists}};
+        EXPECT_EQ(Control(vxemu::control::kSetField, stale), Completion::Done);
+        const auto list = std::make_unique<properties::LegacyTargetListReply>(
+            AskLegacy<properties::LegacyTargetListReply>(LegacySelector::TargetList));
+        ASSERT_EQ(list->count, 4 + lists);
+        for (uint32_t at = 0; at < list->count; ++at) {
+            EXPECT_EQ(list->entries[at].loopId & properties::kLegacyTargetValid, at < 4 ? 1 : 0);
+            EXPECT_EQ(list->entries[at].target, at);
+            EXPECT_EQ(list->entries[at].portName[6], at + 1);
+        }
+        EXPECT_EQ(list->entries[list->count].portName[0], 0);
     }
-    EXPECT_EQ(list->entries[5].portName[0], 0);
 
     EXPECT_GE(AskLegacy<properties::LegacyLinkReply>(LegacySelector::LinkValue).linkValue, 0x8000);
     EXPECT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{9, 0}), Completion::Done);

@@ -78,6 +78,8 @@ struct Tool {
     // The status to report for one that concerns the object: what stands behind it, where that is
     // known. Null: every status speaks for itself.
     uint32_t (*cause)(uint32_t status, const std::string& object) = nullptr;
+    const char* dryRunNote =
+        nullptr;  // said behind every dry run; null: the commands say it themselves
 };
 
 // The global options that every tool has.

@@ -53,7 +53,11 @@ Message StopMessage(StopReason reason, bool stuck) {
 
 Ending Execute(const Command& command, Invocation& invocation) {
     try {
-        return {command.run(invocation), true, {}};
+        const ExitCode exit = command.run(invocation);
+        if (invocation.DryRun() && invocation.OwnTool().dryRunNote != nullptr) {
+            invocation.Note(invocation.OwnTool().dryRunNote);
+        }
+        return {exit, true, {}};
     } catch (const CommandError& error) {
         return {error.exit, !invocation.Result().Empty(), {error.message}};
     } catch (const Stopped& stopped) {

@@ -77,7 +77,8 @@ struct AdapterProfile {
     uint8_t dumpPresent;        // 1: there is a dump without one being forced
     uint8_t lockdown;           // 1: nothing that the adapter stores can be changed
     uint8_t secureUpdates;      // 1: code is only updated with its signature verified
-    uint8_t reserved[23];
+    uint8_t listsLostTargets;   // 1: a legacy driver keeps targets that are gone in its list
+    uint8_t reserved[22];
 };
 static_assert(sizeof(AdapterProfile) == 360);
 
@@ -136,7 +137,7 @@ struct TargetProfile {
     uint8_t portId[3];  // domain, area, port
     DeviceRole role;
     uint8_t seenBy;   // SCSI port number of the one port that sees it, or kSeenByAllPorts
-    uint8_t present;  // 0: gone; a legacy driver still lists it
+    uint8_t present;  // 0: gone
     uint8_t refusesReportLuns;
     uint8_t bindingFlags;
     uint8_t bus;

@@ -105,6 +105,7 @@ constexpr Field kFields[] = {
     Row("dump_present",           ADAPTER(dumpPresent),          FieldKind::Flag,   1, nullptr, true),
     Row("lockdown",               ADAPTER(lockdown),             FieldKind::Flag,   1, nullptr, true),
     Row("secure_updates",         ADAPTER(secureUpdates),        FieldKind::Flag,   1, nullptr, true),
+    Row("lists_lost_targets",     ADAPTER(listsLostTargets),     FieldKind::Flag,   1, nullptr, true),
 
     Row("scsi_port",              PORT(scsiPort),                FieldKind::Number, kMaxScsiPort, nullptr, false),
     Row("pci_function",           PORT(pciFunction),             FieldKind::Number, kMaxPciFunction, nullptr, false),
