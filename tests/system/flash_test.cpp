@@ -181,6 +181,13 @@ TEST_F(SystemFlash, WrongImagesAreRefusedBeforeAnythingIsWritten) {
     EXPECT_EQ(2, Document(write + kBanked + " --yes")["exit"]);
     EXPECT_EQ(8, Document(write + kBanked + " --yes --confirm EMU7404A0002")["exit"]);
     EXPECT_EQ(2, Document(write + "-a 0 --yes --confirm EMU7740A0001")["exit"]);
+    // Also where nothing is asked: of what reads, of what is reversible, in a dry run.
+    for (const char* command : {"port list -a serial:EMU7740A0001", "port list", "fw show -a 0",
+                                "port stats clear -p scsi:3", "smartsan on -p scsi:3",
+                                "nvram activate --dry-run -p scsi:3"}) {
+        EXPECT_EQ(8, Document(std::string(command) + " --confirm EMU7404A0002")["exit"]) << command;
+    }
+    EXPECT_EQ(0, Document("port list -p scsi:6 --confirm emu7404a0002")["exit"]);
     EXPECT_EQ(0, Document(write + kBanked + " --dry-run")["exit"]);
     ASSERT_EQ(0u, Vxemu("lockdown scsi:4 on").exit);
     EXPECT_EQ(8, Write("firmware", good)["exit"]);

@@ -146,6 +146,9 @@ TEST(ToolsConfirm, EachRiskAsksItsQuestion) {
     } kRows[] = {
         {Risk::Reads, {}, "", kYes, false},
         {Risk::Reversible, {}, "", kYes, false},
+        {Risk::Reads, {false, true, "OTHER", false}, "", ExitCode::Refused, false},
+        {Risk::Reversible, {true, true, "OTHER", true}, "", ExitCode::Refused, false},
+        {Risk::Reversible, {false, true, "EMU7740A0001", false}, "", kYes, false},
         {Risk::InterruptsIo, {true, false, "", false}, "", kYes, false},
         {Risk::InterruptsIo, {false, false, "", true}, " Y ", kYes, true},
         {Risk::InterruptsIo, {false, false, "", true}, "", ExitCode::Cancelled, true},
@@ -164,21 +167,32 @@ TEST(ToolsConfirm, EachRiskAsksItsQuestion) {
     for (size_t i = 0; i < std::size(kRows); ++i) {
         const auto& row = kRows[i];
         bool asked = false;
+        bool lookedUp = false;  // what takes a while is found out for a question alone
+        const auto more = [&] {
+            lookedUp = true;
+            return std::vector<std::string>{"and what is behind it"};
+        };
         const Ask ask = [&](const std::string& prompt, std::string* answer) {
             asked = true;
-            EXPECT_EQ(prompt.find("what stops\n"), 0u);
+            EXPECT_EQ(prompt.find("what stops\nand what is behind it\n"), 0u);
             *answer = row.typed == nullptr ? "" : row.typed;
             return row.typed != nullptr;
         };
         ExitCode outcome = kYes;
         try {
-            RequireConsent(row.risk, {{"what stops"}, "EMU7740A0001"}, row.given, ask);
+            RequireConsent(row.risk, {{"what stops"}, "EMU7740A0001", more}, row.given, ask);
         } catch (const CommandError& error) {
             outcome = error.exit;
         }
         EXPECT_EQ(outcome, row.outcome) << "row " << i;
         EXPECT_EQ(asked, row.asks) << "row " << i;
+        EXPECT_EQ(lookedUp, row.asks) << "row " << i;
     }
+    const Answers other{true, true, "EMU7740A0001", true};
+    EXPECT_NO_THROW(RequireConfirmed(other, {}));
+    EXPECT_NO_THROW(RequireConfirmed(other, {"EMU7740A0001", "emu7740a0001"}));
+    EXPECT_THROW(RequireConfirmed(other, {"EMU7740A0001", "EMU7404A0002"}), CommandError);
+    EXPECT_THROW(RequireConfirmed(other, {""}), CommandError);
 }
 
 TEST(ToolsConfirm, AnAdapterWithoutSerialCannotBeConfirmed) {

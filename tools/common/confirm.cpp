@@ -1,5 +1,7 @@
 #include "confirm.h"
 
+#include <algorithm>
+
 #include "text.h"
 
 namespace tools {
@@ -24,16 +26,22 @@ std::string LastCharacters(const std::string& serial) {
 
 }  // namespace
 
+void RequireConfirmed(const Answers& given, const std::vector<std::string>& serials) {
+    const auto isConfirmed = [&](const std::string& serial) {
+        return EqualIgnoringCase(given.confirm, serial);
+    };
+    if (given.hasConfirm && !std::all_of(serials.begin(), serials.end(), isConfirmed)) {
+        Refuse(ExitCode::Refused, "--confirm names another adapter than the one selected",
+               "check the selection and the serial number; nothing was done");
+    }
+}
+
 void RequireConsent(Risk risk, const Question& question, const Answers& given, const Ask& ask) {
+    RequireConfirmed(given, {question.serial});
     if (risk < Risk::InterruptsIo) {
         return;
     }
     const bool severe = risk == Risk::Irrecoverable;
-    // A --confirm that names another adapter is a mistake whatever the risk.
-    if (given.hasConfirm && !EqualIgnoringCase(given.confirm, question.serial)) {
-        Refuse(ExitCode::Refused, "--confirm names another adapter than the command would change",
-               "check the selection");
-    }
     if (given.yes && (!severe || given.hasConfirm)) {
         return;
     }
@@ -44,6 +52,11 @@ void RequireConsent(Risk risk, const Question& question, const Answers& given, c
     std::string prompt;
     for (const std::string& line : question.lines) {
         prompt += line + "\n";
+    }
+    if (question.whenAsked) {
+        for (const std::string& line : question.whenAsked()) {
+            prompt += line + "\n";
+        }
     }
     const std::string expected = LastCharacters(question.serial);
     prompt += severe ? "Type the last " + std::to_string(expected.size()) +

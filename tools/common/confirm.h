@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "command.h"
 #include "invocation.h"
@@ -19,6 +20,9 @@ struct Answers {
 
 // Prints the prompt and reads a line; false at end of input.
 using Ask = std::function<bool(const std::string& prompt, std::string* answer)>;
+
+// Refuses, whatever the risk, when there is a --confirm and one of these adapters is another.
+void RequireConfirmed(const Answers& given, const std::vector<std::string>& serials);
 
 // Returns when the answer is yes, else throws CommandError: Cancelled for no, Usage when nobody can
 // be asked, Refused when --confirm names another adapter.

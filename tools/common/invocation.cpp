@@ -121,17 +121,31 @@ void Invocation::AddPending(Pending pending) {
     }
 }
 
+Answers Invocation::GivenAnswers() const {
+    return {Given().Has("yes"), Given().Has("confirm"), Given().Text("confirm"),
+            !IsJson(line_.mode) && console::IsConsole(stdin)};
+}
+
+void Invocation::CheckConfirmed(const std::vector<std::string>& serials) const {
+    RequireConfirmed(GivenAnswers(), serials);
+}
+
 void Invocation::Confirm(const Question& question) {
-    const Answers given{Given().Has("yes"), Given().Has("confirm"), Given().Text("confirm"),
-                        !IsJson(line_.mode) && console::IsConsole(stdin)};
     const auto ask = [](const std::string& prompt, std::string* answer) {
         return console::Write(stderr, prompt) && console::ReadLine(answer);
     };
+    const auto clean = [this](std::vector<std::string> lines) {
+        for (std::string& text : lines) {
+            text = redactor_.Clean(text);
+        }
+        return lines;
+    };
     Question shown = question;
-    for (std::string& text : shown.lines) {
-        text = redactor_.Clean(text);
+    shown.lines = clean(question.lines);
+    if (question.whenAsked) {
+        shown.whenAsked = [&] { return clean(question.whenAsked()); };
     }
-    RequireConsent(OwnCommand().risk, shown, given, ask);
+    RequireConsent(OwnCommand().risk, shown, GivenAnswers(), ask);
 }
 
 void Invocation::BeginStream(std::string key, std::string label, Record prototype,

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -19,10 +20,14 @@
 
 namespace tools {
 
+struct Answers;
+
 // What a command asks before it goes on. Every line tells the user something to weigh.
 struct Question {
     std::vector<std::string> lines;
     std::string serial;  // of the adapter concerned; must not be empty for risk 3
+    // More lines, which take a while to find out: called only when somebody is really asked.
+    std::function<std::vector<std::string>()> whenAsked = nullptr;
 };
 
 class Invocation {
@@ -61,6 +66,9 @@ class Invocation {
     void Changed();
     void AddPending(Pending pending);
 
+    // Ends the command when there is a --confirm and one of the selected adapters is another.
+    void CheckConfirmed(const std::vector<std::string>& serials) const;
+
     // Asks what the command's risk demands, from --yes and --confirm or from the user. Returns only
     // when the answer is yes; a dry run must not ask.
     void Confirm(const Question& question);
@@ -86,6 +94,7 @@ class Invocation {
     RenderStyle Style() { return {color_, &redactor_}; }
 
   private:
+    Answers GivenAnswers() const;
     void Tell(const Message& message);
     bool TellsNow() const { return !IsJson(line_.mode); }
 

@@ -124,6 +124,16 @@ std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
     return selected;
 }
 
+// A --confirm that names another adapter than those selected is a mistake whatever the command.
+template <typename Range>
+void CheckConfirmed(const tools::Invocation& invocation, const Range& selected) {
+    std::vector<std::string> serials;
+    for (const auto* object : selected) {
+        serials.push_back(object->Identity().serial);
+    }
+    invocation.CheckConfirmed(serials);
+}
+
 }  // namespace
 
 std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, const char* option) {
@@ -173,6 +183,7 @@ std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
         }
         selected = std::move(matching);
     }
+    CheckConfirmed(invocation, selected);
     return selected;
 }
 
@@ -203,6 +214,7 @@ std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
         }
         selected = std::move(matching);
     }
+    CheckConfirmed(invocation, selected);
     return selected;
 }
 
