@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "emulated_driver.h"
+#include "frame/shared_area.h"
 
 namespace system_test {
 namespace {
@@ -87,6 +88,27 @@ class SystemFlash : public EmulatedDriver {
         }
         ADD_FAILURE() << "no region " << region;
         return json::object();
+    }
+
+    // Sets the owner of an adapter's lock, as a program does that takes it over or frees it; the
+    // one before.
+    static uint32_t SetOwner(const std::string& serial, uint32_t owner) {
+        const HANDLE mapping =
+            OpenFileMappingA(FILE_MAP_WRITE, FALSE, "Global\\HXMGT_FlashUpdateLocksMapFile");
+        auto* const area = static_cast<frame::FlashLockArea*>(
+            MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, sizeof(frame::FlashLockArea)));
+        EXPECT_NE(nullptr, area);
+        uint32_t before = 0;
+        for (size_t i = 0; area != nullptr && i < std::size(area->locks); ++i) {
+            // The text stands behind the byte that says that there is one.
+            if (serial == area->locks[i].serial + 1) {
+                before = area->locks[i].owner;
+                area->locks[i].owner = owner;
+            }
+        }
+        UnmapViewOfFile(area);
+        CloseHandle(mapping);
+        return before;
     }
 
     json Lock(const std::string& serial) {
@@ -300,14 +322,15 @@ TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
 }
 
 TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
-    // The read-back fails behind the eight pieces of the look before.
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 8 --do status 11").exit);
+    // The read-back fails behind two looks of eight pieces each: before the question and behind it.
+    ASSERT_EQ(0u,
+              Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 16 --do status 11").exit);
     json document = Write("firmware", Image("scsi:3", 1, "9.13.00"));
     EXPECT_EQ(9, document["exit"]);
     EXPECT_EQ(nullptr, document["result"]["verified"]);
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
 
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 8 --do corrupt").exit);
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 16 --do corrupt").exit);
     document = Write("firmware", Image("scsi:3", 1, "9.14.00"));
     EXPECT_EQ(1, document["exit"]);
     EXPECT_EQ("mixed", document["result"]["state"]);
@@ -322,6 +345,28 @@ TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
     EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
 }
 
+TEST_F(SystemFlash, WhatAnotherProgramWroteMeanwhileIsNotOverwritten) {
+    // The first one's look at the region takes long enough for the second one's whole write.
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 7 --times 1 --do hang "
+                        "9000")
+                      .exit);
+    const std::string late = Image("scsi:3", 1, "9.13.00");
+    const std::string early = Image("scsi:3", 1, "9.14.00");
+    support::Program first("vxmgr.exe", "flash write 1 \"" + late + "\"" + kBanked + kYes);
+    const auto hasActed = [] {
+        const json faults = json::parse(Vxemu("fault list --json").out, nullptr, false);
+        return faults.is_object() && faults["result"]["faults"][0]["acted"] == 1;
+    };
+    for (int i = 0; i < 50 && !hasActed(); ++i) {
+        Sleep(100);
+    }
+    EXPECT_EQ(0, Write("1", early)["exit"]);
+    ASSERT_TRUE(first.Running()) << "too slow a machine to tell";
+    const support::Ended ended = first.Wait();
+    EXPECT_EQ(8u, ended.exit) << ended.err;
+    EXPECT_EQ(BytesOf(early), Region("1"));
+}
+
 TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     // Keeps the locks alive: they go with the last program that uses the library.
     support::Program keeper("vxmgr.exe", "event watch -p scsi:6");
@@ -334,6 +379,18 @@ TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     const std::string release = "flash lock release --owner-pid " + std::to_string(pid);
     EXPECT_EQ(true, Lock("EMU7740A0001")["owner_lives"]);
     EXPECT_EQ(6, Write("firmware", image)["exit"]);
+    // Another vxmgr is kept out even when the lock has gone to anybody.
+    EXPECT_EQ(static_cast<uint32_t>(pid), SetOwner("EMU7740A0001", 0));
+    EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
+    const json refused = Write("firmware", image);
+    EXPECT_EQ(6, refused["exit"]);
+    EXPECT_NE(std::string::npos, refused["messages"].dump().find("another vxmgr is writing"));
+    for (const char* change : {"nvram set reset_delay=9", "sfp write a0 96 5a", "nvram activate"}) {
+        EXPECT_EQ(6, Document(std::string(change) + " -p scsi:4" + kYes)["exit"]) << change;
+    }
+    const HANDLE guard = OpenMutexA(SYNCHRONIZE, FALSE, "Global\\VXMGR_Update_EMU7740A0001");
+    EXPECT_NE(nullptr, guard);  // keeps it from going away with its owner
+    SetOwner("EMU7740A0001", static_cast<uint32_t>(pid));
     EXPECT_EQ(6, Document(release)["exit"]);
     EXPECT_EQ(3, Document("flash lock release --owner-pid 3")["exit"]);
     EXPECT_EQ(false, Lock("EMU7404A0002")["held"]);
@@ -349,7 +406,8 @@ TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
     EXPECT_EQ(3, Document(release)["exit"]);
     EXPECT_TRUE(keeper.Running());
-    EXPECT_EQ(0, Write("firmware", image)["exit"]);
+    EXPECT_EQ(0, Write("firmware", image)["exit"]) << "what a killed program held is taken over";
+    CloseHandle(guard);
     keeper.Kill();
 }
 

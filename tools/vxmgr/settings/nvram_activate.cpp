@@ -4,6 +4,7 @@
 #include "vxmgr/settings/nvram_commands.h"
 #include "vxmgr/settings/nvram_port.h"
 #include "vxmgr/update/update_checks.h"
+#include "vxmgr/update/update_lock.h"
 
 namespace vxmgr {
 namespace {
@@ -35,12 +36,18 @@ void CheckBlocks(tools::Invocation& invocation, const PortSession& session,
     }
 }
 
+// Not while another program writes to the adapter.
+HX_STATUS RestartPort(tools::Invocation& invocation, const PortSession& session) {
+    const UpdateLock lock(invocation, session);
+    invocation.Progress("restarting the port's firmware");
+    return HXReloadNvramAndInitFw(session.Handle());
+}
+
 }  // namespace
 
 ExitCode ActivateNvram(tools::Invocation& invocation, const PortSession& session, NvramKind kind,
                        const std::vector<uint8_t>& block) {
-    invocation.Progress("restarting the port's firmware");
-    const HX_STATUS status = HXReloadNvramAndInitFw(session.Handle());
+    const HX_STATUS status = RestartPort(invocation, session);
     if (status != HXMGT_SUCCESS) {
         return invocation.Report(status, "written, but the firmware did not take it over",
                                  session.port.Object());
@@ -67,12 +74,15 @@ ExitCode NvramActivate(tools::Invocation& invocation) {
     const PortNvram before = ReadNvram(invocation, session, false);
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
     CheckBlocks(invocation, session, before);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank_before", "Bank before", BankValue(before));
+    const auto report = [&](const PortNvram& now, bool restarted) {
+        Record& result = invocation.Result();
+        result.Add("port", "Port", Value::Number(session.port.index));
+        result.Add("bank_before", "Bank before", BankValue(before));
+        result.Add("bank", "Bank", BankValue(now));
+        result.Add("restarted", "Restarted", Value::Flag(restarted));
+    };
     if (invocation.DryRun()) {
-        result.Add("bank", "Bank", BankValue(before));
-        result.Add("restarted", "Restarted", Value::Flag(false));
+        report(before, false);
         invocation.Note("dry run: the port would restart");
         return ExitCode::Done;
     }
@@ -81,15 +91,12 @@ ExitCode NvramActivate(tools::Invocation& invocation) {
         "I/O through the port stops for a while.");
     question.lines.insert(question.lines.end(), outlook.warnings.begin(), outlook.warnings.end());
     invocation.Confirm(question);
-    invocation.Progress("restarting the port's firmware");
-    if (const HX_STATUS status = HXReloadNvramAndInitFw(session.Handle());
-        status != HXMGT_SUCCESS) {
+    if (const HX_STATUS status = RestartPort(invocation, session); status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the port did not restart", session.port.Object());
     }
     invocation.Changed();
     const PortNvram after = ReadNvram(invocation, session, false);
-    result.Add("bank", "Bank", BankValue(after));
-    result.Add("restarted", "Restarted", Value::Flag(true));
+    report(after, true);
     if (before.bank && after.bank && before.bank->second == after.bank->second) {
         invocation.Note("no settings waited: the bank in use is the same");
     }

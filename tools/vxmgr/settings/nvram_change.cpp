@@ -46,11 +46,9 @@ tools::Question QuestionOf(const PortSession& session, const PortNvram& before,
 
 // A change that waits in the other bank would be lost without a word. Whether it waits, or is what
 // was in use before, cannot be told.
-void WarnOfOtherBank(tools::Invocation& invocation, const PortSession& session,
-                     const PortNvram& nvram) {
-    std::vector<uint8_t> other;
-    if (!nvram.bank || nvram.fromOther || ReadBank(session, *nvram.bank, &other) != HXMGT_SUCCESS ||
-        !IsSound(nvram.map.kind, other)) {
+void WarnOfOtherBank(tools::Invocation& invocation, const PortNvram& nvram,
+                     const std::vector<uint8_t>& other) {
+    if (!nvram.bank || nvram.fromOther || !IsSound(nvram.map.kind, other)) {
         return;
     }
     const NvramDifference difference = DifferenceOf(nvram.map, nvram.block, other);
@@ -63,7 +61,7 @@ void WarnOfOtherBank(tools::Invocation& invocation, const PortSession& session,
 }
 
 bool Write(tools::Invocation& invocation, const PortSession& session, const PortNvram& before,
-           std::vector<uint8_t>& block) {
+           const std::vector<uint8_t>& replaced, std::vector<uint8_t>& block) {
     const auto readInUse = [&](std::vector<uint8_t>* bytes) {
         return ReadBlock(session, before.map.kind, bytes);
     };
@@ -76,6 +74,7 @@ bool Write(tools::Invocation& invocation, const PortSession& session, const Port
                         before.block,
                         before.fromOther ? ReadBytes(readOther) : ReadBytes(readInUse),
                         before.bank ? ReadBytes(readOther) : ReadBytes(readInUse),
+                        replaced,
                         [&](std::vector<uint8_t>& image) {
                             return HXUpdateNVRam(session.Handle(), 0, HX_NVRAM_BLOCK, image.data(),
                                                  static_cast<uint32_t>(image.size()));
@@ -118,8 +117,12 @@ ExitCode ChangeNvram(tools::Invocation& invocation, const PortSession& session,
     const NvramDifference difference = DifferenceOf(before.map, before.block, block);
     // A checksum that is made good is a change as well.
     const bool needed = block != before.block;
+    std::vector<uint8_t> replaced;
+    if (needed && before.bank && ReadBank(session, *before.bank, &replaced) != HXMGT_SUCCESS) {
+        replaced.clear();
+    }
     if (needed) {
-        WarnOfOtherBank(invocation, session, before);
+        WarnOfOtherBank(invocation, before, replaced);
     }
     if (needed && !invocation.DryRun()) {
         invocation.Confirm(QuestionOf(session, before, difference, outlook, action, activate));
@@ -130,7 +133,7 @@ ExitCode ChangeNvram(tools::Invocation& invocation, const PortSession& session,
     bool active = false;
     ExitCode exit = ExitCode::Done;
     if (needed && !invocation.DryRun()) {
-        if (Write(invocation, session, before, block)) {
+        if (Write(invocation, session, before, replaced, block)) {
             exit = ExitCode::Cancelled;
         }
         stored = true;

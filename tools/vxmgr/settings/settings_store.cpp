@@ -39,6 +39,9 @@ class Writer {
                                  "nothing was written",
                              session_.port.Object());
         }
+        if (!write_.replaced.empty() && before != write_.replaced) {
+            FailChanged();
+        }
         if (finish.Interrupted()) {
             invocation_.Fail(ExitCode::Cancelled, "cancelled, nothing was written");
         }
@@ -85,10 +88,14 @@ class Writer {
                  status);
         }
         if (base != write_.base) {
-            Fail(ExitCode::Refused,
-                 "another program changed " + What() + " meanwhile; nothing was written",
-                 "look at the difference again", HXMGT_SUCCESS);
+            FailChanged();
         }
+    }
+
+    [[noreturn]] void FailChanged() const {
+        Fail(ExitCode::Refused,
+             "another program changed " + What() + " meanwhile; nothing was written",
+             "look at the difference again", HXMGT_SUCCESS);
     }
 
     RegionState StateOf(HX_STATUS readStatus, const std::vector<uint8_t>& before,

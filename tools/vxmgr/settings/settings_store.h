@@ -21,8 +21,10 @@ struct SettingsWrite {
     // What the image was made from: it must still stand there.
     std::vector<uint8_t> base;
     ReadBytes readBase;
-    // The place that the write goes to.
+    // The place that the write goes to, and what it held when the user was asked: another bank may
+    // have been written meanwhile. Empty: not known.
     ReadBytes readTarget;
+    std::vector<uint8_t> replaced;
     std::function<HX_STATUS(std::vector<uint8_t>& image)> write;
 };
 

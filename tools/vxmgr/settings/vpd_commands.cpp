@@ -137,7 +137,7 @@ void CheckImage(tools::Invocation& invocation, const std::string& path, Bytes im
 }
 
 bool WriteImage(tools::Invocation& invocation, const PortSession& session, const PortVpd& current,
-                std::vector<uint8_t> image) {
+                std::vector<uint8_t> replaced, std::vector<uint8_t> image) {
     const auto readInUse = [&](std::vector<uint8_t>* bytes) { return ReadInUse(session, bytes); };
     const auto readOther = [&](std::vector<uint8_t>* bytes) {
         return ReadBank(session, *current.bank, bytes);
@@ -148,6 +148,7 @@ bool WriteImage(tools::Invocation& invocation, const PortSession& session, const
                         current.bytes,
                         readInUse,
                         current.bank ? ReadBytes(readOther) : ReadBytes(readInUse),
+                        std::move(replaced),
                         [&](std::vector<uint8_t>& bytes) {
                             return HXUpdateVpd(session.Handle(), 0, bytes.data(),
                                                static_cast<uint32_t>(bytes.size()));
@@ -223,6 +224,10 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
     const bool needed = image != current.bytes;
     bool interrupted = false;
     if (needed && !invocation.DryRun()) {
+        std::vector<uint8_t> replaced;
+        if (current.bank && ReadBank(session, *current.bank, &replaced) != HXMGT_SUCCESS) {
+            replaced.clear();
+        }
         const PciVpd given = DecodeVpd(image);
         tools::Question question = QuestionAbout(
             session, "Write the product data of " + path + ".",
@@ -233,7 +238,8 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
                               outlook.warnings.end());
         invocation.Confirm(question);
         invocation.CheckStop();
-        interrupted = WriteImage(invocation, session, current, std::move(image));
+        interrupted =
+            WriteImage(invocation, session, current, std::move(replaced), std::move(image));
     }
     const bool stored = needed && !invocation.DryRun();
     Record& result = invocation.Result();

@@ -125,7 +125,7 @@ template <typename Step>
 HX_STATUS RunLocked(tools::Invocation& invocation, const AdapterSession& session, bool* interrupted,
                     Step step) {
     const FinishFirst finish(invocation, "the restart");
-    const UpdateLock lock(invocation, session.Handle(), session.Object());
+    const UpdateLock lock(invocation, session.Handle(), session.First());
     invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
                         " ports");
     const HX_STATUS status = step();

@@ -35,10 +35,11 @@ std::shared_ptr<UpdateLock::Held> UpdateLock::Take(tools::Invocation& invocation
     return lock;
 }
 
-UpdateLock::UpdateLock(tools::Invocation& invocation, uint32_t handle, const std::string& object)
+UpdateLock::UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port)
     : invocation_(invocation),
-      object_(object),
-      lock_(Take(invocation, handle, object)),
+      object_(port.Object()),
+      guard_(invocation, port),
+      lock_(Take(invocation, handle, object_)),
       hook_(invocation.Hooks(), [lock = lock_] { lock->Release(); }) {}
 
 UpdateLock::~UpdateLock() {

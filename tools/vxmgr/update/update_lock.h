@@ -8,17 +8,19 @@
 
 #include "common/invocation.h"
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/update/update_guard.h"
 
 namespace vxmgr {
 
-// Takes the lock of the adapter behind an open port, or ends the command: busy when another program
-// holds it. Gives it back at the end of the scope, and also when the command is given up while a
-// driver call hangs. The library frees a lock after 15 minutes: hold it for one region at a time.
+// Takes the lock of the adapter behind an open port, and keeps other programs of this kind out;
+// ends the command as busy when another program holds either. Gives it back at the end of the
+// scope, and also when the command is given up while a driver call hangs. The library frees a lock
+// after 15 minutes: hold it for one region at a time.
 class UpdateLock {
   public:
-    UpdateLock(tools::Invocation& invocation, uint32_t handle, const std::string& object);
+    UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port);
     UpdateLock(tools::Invocation& invocation, const PortSession& session)
-        : UpdateLock(invocation, session.Handle(), session.port.Object()) {}
+        : UpdateLock(invocation, session.Handle(), session.port) {}
     ~UpdateLock();
     UpdateLock(const UpdateLock&) = delete;
     UpdateLock& operator=(const UpdateLock&) = delete;
@@ -37,6 +39,7 @@ class UpdateLock {
 
     tools::Invocation& invocation_;
     const std::string object_;
+    const UpdateGuard guard_;  // given back after the lock
     const std::shared_ptr<Held> lock_;
     const tools::AbandonHooks::Registration hook_;
 };

@@ -40,6 +40,22 @@ void ReadBack(const AdapterSession& session, const RegionWrite& write, RegionOut
     }
 }
 
+// The look at the region and the question may have taken a while.
+void CheckBase(const AdapterSession& session, const RegionWrite& write) {
+    std::vector<uint8_t> now;
+    if (!write.before.empty() &&
+        ReadRegion(session.Handle(), write.layout, write.region, &now) == HXMGT_SUCCESS &&
+        now != write.before) {
+        throw tools::CommandError{
+            ExitCode::Refused,
+            {Severity::Error,
+             "another program changed " + Quoted(write.region) + " meanwhile; nothing was written",
+             "look at it again with `fw check`",
+             session.Object(),
+             {}}};
+    }
+}
+
 // What to say of a region that does not hold the image.
 struct TroubleRow {
     RegionState state;
@@ -79,7 +95,8 @@ RegionOutcome UpdateRegion(tools::Invocation& invocation, const AdapterSession& 
     const std::string region = Quoted(write.region);
     RegionOutcome outcome;
     const FinishFirst finish(invocation, "the region");
-    const UpdateLock lock(invocation, session.Handle(), session.Object());
+    const UpdateLock lock(invocation, session.Handle(), session.First());
+    CheckBase(session, write);
     // Runs before the lock's own hook, which needs an answer of the adapter.
     const tools::AbandonHooks::Registration whenGivenUp(
         invocation.Hooks(), [&invocation, region, object = session.Object()] {

@@ -37,7 +37,7 @@ struct RegionOutcome {
 };
 
 // Takes the update lock, writes, reads back and compares. Ends the command only when the lock is
-// not to be had: nothing is written then.
+// not to be had, or another program has changed the region: nothing is written then.
 RegionOutcome UpdateRegion(tools::Invocation& invocation, const AdapterSession& session,
                            RegionWrite& write);
 
