@@ -121,7 +121,7 @@ TEST_F(EmulatorBinding, MasksArePerPortAndTarget) {
               DriverStatus::InvalidParameter);
 }
 
-TEST_F(EmulatorBinding, TargetsAreAddedAndSwapped) {
+TEST_F(EmulatorBinding, TargetsAreBoundAndSwapped) {
     properties::PortDatabaseEntry entry = {};
     entry.portName[7] = 0x77;
     entry.nodeName[7] = 0x76;
@@ -129,20 +129,27 @@ TEST_F(EmulatorBinding, TargetsAreAddedAndSwapped) {
     entry.target = 9;
     entry.targetNumber = 41;
     entry.bindingFlags = 3;
+    // A name that nobody has brings no device.
+    EXPECT_EQ(Add(entry), DriverStatus::DeviceNotFound);
+    EXPECT_EQ(Add({}), DriverStatus::DeviceNotFound);
+    EXPECT_EQ(Database().size(), 4u);
+    auto target = vxemu::DefaultTarget(*lab);
+    std::memcpy(target.portName, entry.portName, sizeof target.portName);
+    ASSERT_EQ(Change(vxemu::control::kTargetAdd, BytesOf(target)), vxemu::ProfileError::None);
     EXPECT_EQ(Add(entry), DriverStatus::Success);
     auto entries = Database();
     ASSERT_EQ(entries.size(), 5u);
     EXPECT_EQ(+entries[4].target, 9);
     EXPECT_EQ(entries[4].bindingFlags, 3);
-    EXPECT_EQ(Database(1).size(), 4u) << "only the port that added it sees it";
+    EXPECT_EQ(std::memcmp(entries[4].portId, target.portId, 3), 0) << "where it stands stays";
+    EXPECT_NE(+Database(1)[4].target, 9) << "a binding is the port's own";
     // Once more: the same device takes the new address.
     entry.target = 10;
     EXPECT_EQ(Ask(kNewest, command::AddTarget, 0, BytesOf(entry)).Status(), DriverStatus::Success);
     EXPECT_EQ(+Database()[4].target, 10);
-    // An address that is taken, no name, too short.
+    // An address that is taken, too short.
     entry.target = 0;
     EXPECT_EQ(Add(entry), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Add({}), DriverStatus::InvalidParameter);
     EXPECT_EQ(Ask(kNewest, command::AddTarget, 0, Bytes(171)).Status(),
               DriverStatus::InvalidParameter);
 
@@ -152,28 +159,29 @@ TEST_F(EmulatorBinding, TargetsAreAddedAndSwapped) {
     EXPECT_EQ(+Database()[0].target, 1);
     EXPECT_EQ(+Database()[1].target, 0);
     EXPECT_EQ(+Database(1)[0].target, 0) << "a binding is the port's own";
-    // An unknown one takes the old one's place; then the old one is not known any more.
+    // One that nobody has cannot take a place, and none can be taken from it.
     swap.newDevice.portName[5] ^= 0x10;
-    swap.newDevice.portId[2] = 0x33;
-    EXPECT_EQ(Ask(kNewest, command::SwapTargetsOld, 0, BytesOf(swap)).Status(),
-              DriverStatus::Success);
-    EXPECT_EQ(std::memcmp(Database()[0].portName, swap.newDevice.portName, 8), 0);
-    EXPECT_EQ(Ask(kNewest, command::SwapTargets, 0, BytesOf(swap)).Status(),
-              DriverStatus::DeviceNotFound);
+    for (int turn = 0; turn < 2; ++turn) {
+        EXPECT_EQ(Ask(kNewest, command::SwapTargetsOld, 0, BytesOf(swap)).Status(),
+                  DriverStatus::DeviceNotFound);
+        std::swap(swap.oldDevice, swap.newDevice);
+    }
+    EXPECT_EQ(std::memcmp(Database()[0].portName, entries[0].portName, 8), 0);
+    EXPECT_EQ(+Database()[0].target, 1);
 
-    // As many as there is room for.
+    // As many devices as there is room for.
+    vxemu::ProfileError error = vxemu::ProfileError::None;
     uint8_t number = 0;
-    DriverStatus status = DriverStatus::Success;
-    for (; status == DriverStatus::Success && number < 100; ++number) {
-        properties::PortDatabaseEntry more = {};
+    for (; error == vxemu::ProfileError::None && number < 100; ++number) {
+        vxemu::TargetProfile more = target;
         more.portName[0] = 0x55;
         more.portName[7] = number;
         more.portId[1] = static_cast<uint8_t>(100 + number);
         more.target = static_cast<uint16_t>(100 + number);
-        more.targetNumber = static_cast<uint16_t>(1000 + 2 * number);
-        status = Add(more);
+        more.loopId = static_cast<uint16_t>(1000 + 2 * number);
+        error = Change(vxemu::control::kTargetAdd, BytesOf(more));
     }
-    EXPECT_EQ(status, DriverStatus::OutOfMemory);
+    EXPECT_EQ(error, vxemu::ProfileError::TargetCount);
     EXPECT_EQ(number, vxemu::kMaxTargets - 6 + 1);
 }
 

@@ -163,6 +163,97 @@ TEST_F(SystemPersist, SwapExchangesPlaces) {
     Expect(std::string("bind swap --yes -p scsi:3 -t ") + kArrayB + " --with " + kArrayB, 2);
 }
 
+// Store and driver agree after a swap, whichever of the two targets was bound before, and where.
+TEST_F(SystemPersist, SwapKeepsStoreAndDriverTheSame) {
+    const std::string a = std::string(" -p scsi:3 -t ") + kArrayA;
+    const std::string b = std::string(" -p scsi:3 -t ") + kArrayB;
+    const std::string swap = "bind swap --yes" + a + " --with " + kArrayB;
+    const struct {
+        std::vector<std::string> before;
+        const char* outcomes;
+    } kCases[] = {
+        {{}, "unchanged done"},
+        {{"bind add --id 9" + a}, "done done done"},
+        {{"bind add --id 9" + b}, "done done done"},
+        {{"bind add --id 9 --store live" + a}, "done done done"},
+        {{"bind add --id 9 --store registry" + a}, "done done done done"},
+        {{"bind add --id 9" + a, "bind add --id 8 --flags 3" + b}, "done done"},
+        {{"bind add --id 9 --store registry" + a, "bind add --id 8 --store live" + b},
+         "done done done"},
+    };
+    for (const auto& one : kCases) {
+        SCOPED_TRACE(testing::PrintToString(one.before));
+        Wipe();
+        Restart();
+        for (const std::string& command : one.before) {
+            Expect(command, 0);
+        }
+        const json wasA = Target("scsi:3", kArrayA)["target"];
+        const json wasB = Target("scsi:3", kArrayB)["target"];
+        Expect(swap, 0, one.outcomes);
+        const json listed = Document("bind list -p scsi:3")["result"]["bindings"];
+        EXPECT_EQ(one.before.empty() ? 0u : 2u, listed.size()) << listed.dump();
+        for (const json& row : listed) {
+            EXPECT_EQ(row["stored_target"], row["live_target"]) << row.dump();
+            EXPECT_EQ(row["stored_flags"], row["live_flags"]) << row.dump();
+        }
+        for (int start = 0; start < (one.before.empty() ? 1 : 2); ++start) {
+            EXPECT_EQ(wasA, Target("scsi:3", kArrayB)["target"]) << start;
+            EXPECT_EQ(wasB, Target("scsi:3", kArrayA)["target"]) << start;
+            Restart();
+        }
+    }
+    // What the driver refuses leaves the store as it was.
+    const Bytes stored = StoredBytes(kPort0, "Data");
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code SwapTargets --do status 23").exit);
+    Expect(swap, 11, "unchanged failed");
+    EXPECT_EQ(stored, StoredBytes(kPort0, "Data"));
+    ASSERT_EQ(0u, Vxemu("fault clear").exit);
+    Expect(swap + " --dry-run", 0, "planned planned");
+    EXPECT_EQ(stored, StoredBytes(kPort0, "Data"));
+    // A new target that nobody has cannot have the place; one that is there takes that of a lost
+    // one.
+    Expect("bind swap --yes" + a + " --with 5000000000000001 --node 5100000000000001", 11,
+           "unchanged failed");
+    EXPECT_EQ(stored, StoredBytes(kPort0, "Data"));
+    const json place = Target("scsi:3", kArrayA)["target"];
+    ASSERT_EQ(0u, Vxemu(std::string("target set ") + kArrayA + " present=no").exit);
+    Expect(swap, 0, "done done");
+    EXPECT_EQ(place, Target("scsi:3", kArrayB)["target"]);
+    Restart();  // no driver has ever heard of the name that is stored now
+    Expect(
+        "bind add --id 40 --store registry -p scsi:3 -t 5000000000000001 --node 5100000000000001",
+        0);
+    Expect("bind swap --yes -p scsi:3 -t 0:40 --with " + std::string(kArrayA), 0, "done done");
+    EXPECT_EQ(40, Target("scsi:3", kArrayA)["target"]);
+}
+
+TEST_F(SystemPersist, AddressesAreTheDriversFirst) {
+    const auto told = [](const json& document, const char* text) {
+        return document["messages"].dump().find(text) != std::string::npos;
+    };
+    Expect(std::string("bind add --id 9 --store registry -p scsi:3 -t ") + kArrayA, 0);
+    json document = Expect("lunmask deny 1 --dry-run --store registry -p scsi:3 -t 0:9", 0);
+    EXPECT_TRUE(told(document, "0:9 is target 2b:00:02:45:4d:00:01:00, as stored"));
+    Expect(std::string("bind add --id 1 --store registry -p scsi:3 -t ") + kArrayA, 0);
+    document = Expect("lunmask deny 1 --dry-run --store registry -p scsi:3 -t 0:1", 0);
+    EXPECT_TRUE(told(document,
+                     "0:1 is target 2b:00:02:45:4d:00:02:00, as the driver has it now; "
+                     "in the store it is 2b:00:02:45:4d:00:01:00"));
+    EXPECT_EQ("2b0002454d000200", document["result"]["steps"][0]["target_wwn"]);
+
+    ASSERT_EQ(0u, Vxemu("link scsi:3 down").exit);
+    for (const char* command : {"scsi inquiry -t 0:0", "fc echo -t id:0x020100", "bind add -t 0:0",
+                                "lunmask deny 1 --yes --store live -t 0:1"}) {
+        document = Document(std::string(command) + " -p scsi:3");
+        EXPECT_EQ(3, document["exit"]) << command;
+        EXPECT_TRUE(told(document, "the link is down")) << document["messages"].dump();
+    }
+    EXPECT_TRUE(told(Document("target list -p scsi:3"), "the link is down"));
+    EXPECT_TRUE(told(Document("fc names -p scsi:3"), "the link is down"));
+    ASSERT_EQ(0u, Vxemu("link scsi:3 up").exit);
+}
+
 TEST_F(SystemPersist, UnknownTargetIsAddedByItsNames) {
     for (const std::string port : {"scsi:6", "scsi:9"}) {
         Restart();  // the emulated fabric has each address once, whichever port added it
@@ -171,10 +262,15 @@ TEST_F(SystemPersist, UnknownTargetIsAddedByItsNames) {
         const std::string add = "bind add -p " + port + " -t " + target;
         Expect(add, 3);
         Expect(add + " --node 510000000000000" + suffix, 2);  // no target ID
-        Expect(add + " --id 60 --port-id 0x02090" + suffix + " --node 510000000000000" + suffix, 0,
-               "done done");
-        EXPECT_EQ(60, Target(port, target)["target"]) << port;
+        // Nobody has the name: the binding waits in the store, and no target comes to be.
+        const std::string named = add + " --id 60 --node 510000000000000" + suffix;
+        Expect(named + " --store live", 3, "failed");
+        Expect(named, 0, "done pending");
+        EXPECT_EQ(json::object(), Target(port, target)) << port;
         Expect(std::string("bind add --id 60 -p ") + port + " -t " + kArrayA, 8);
+        ASSERT_EQ(0u, Vxemu("target add " + target).exit);
+        Expect("bind apply --yes -p " + port, 0, port == "scsi:6" ? "done" : "pending");
+        EXPECT_EQ(port == "scsi:6" ? json(60) : json(5), Target(port, target)["target"]) << port;
     }
 }
 

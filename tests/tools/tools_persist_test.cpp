@@ -168,6 +168,33 @@ TEST(ToolsBindings, SwapGivesThePlaceAway) {
     EXPECT_EQ(block.count, 2);
 }
 
+TEST(ToolsBindings, BothAreBoundWhereASwapLeavesThem) {
+    BindingSwap swap = SwapOf(Device(1, 10, 1), Device(2, 20, 0));
+    swap.newAfter.bindingFlags = 1;
+    swap.oldAfter.bindingFlags = 3;
+    HX_TARGET_DATA block{};
+    PutBinding(block, Device(2, 77, 5), std::nullopt);  // stored elsewhere than the driver has it
+    ASSERT_TRUE(PutSwap(block, swap, true));
+    EXPECT_EQ(block.count, 2);
+    EXPECT_EQ(FindRow(block, NameOf(2))->target, 10);
+    EXPECT_EQ(FindRow(block, NameOf(2))->bindingFlags, 1);
+    EXPECT_EQ(FindRow(block, NameOf(1))->target, 20);
+    EXPECT_EQ(FindRow(block, NameOf(1))->bindingFlags, 3);
+
+    HX_TARGET_DATA alone{};
+    ASSERT_TRUE(PutSwap(alone, swap, false));
+    EXPECT_EQ(FindRow(alone, NameOf(2))->target, 10);
+    EXPECT_EQ(FindRow(alone, NameOf(1)), nullptr) << "its place went with it";
+
+    HX_TARGET_DATA full{};
+    for (int i = 3; i < 258; ++i) {
+        HX_DEVICE_RECORD device = Device(static_cast<uint8_t>(i), 1);
+        device.portName[1] = static_cast<uint8_t>(1 + i / 256);
+        ASSERT_TRUE(PutBinding(full, device, std::nullopt));
+    }
+    EXPECT_FALSE(PutSwap(full, swap, true)) << "room for one of the two";
+}
+
 // Every byte random; node names differ and are sometimes zero.
 template <class Block>
 std::unique_ptr<Block> RandomBlock(std::mt19937& random, uint16_t count) {

@@ -58,97 +58,54 @@ DriverStatus WriteMask(Exchange& exchange) {
     return DriverStatus::Success;
 }
 
-bool SameDevice(const TargetProfile& device, const TargetProfile& wanted) {
-    return std::memcmp(device.portName, wanted.portName, sizeof wanted.portName) == 0;
-}
+// A device by its name, and the address and flags that it is to have.
+struct Wanted {
+    uint8_t portName[8];
+    Attachment at;
+};
 
-// A device by its port name, also one that the port does not see now.
-TargetProfile* FindKnown(const Fabric& fabric, const TargetProfile& wanted) {
+// A device by its port name, also one that the port does not see now. A name that nobody has stays
+// without a device: what a driver binds does not come to be.
+const TargetProfile* FindKnown(const Fabric& fabric, const Wanted& wanted) {
     for (uint32_t at = 0; at < fabric.profile->targetCount; ++at) {
-        if (SameDevice(fabric.profile->targets[at], wanted)) {
-            return &fabric.profile->targets[at];
+        const TargetProfile& device = fabric.profile->targets[at];
+        if (std::memcmp(device.portName, wanted.portName, sizeof wanted.portName) == 0) {
+            return &device;
         }
     }
     return nullptr;
 }
 
-// What a caller says about a device, the rest as it commonly is. Extended and legacy drivers take
-// the same members in different places.
+// What a caller says about a device. Extended and legacy drivers take the same members in different
+// places.
 template <typename Record>
-TargetProfile DeviceOf(const Port& port, const Record& record) {
-    TargetProfile device = DefaultTarget(*port.fabric->profile);
-    std::memcpy(device.nodeName, record.nodeName, sizeof device.nodeName);
-    std::memcpy(device.portName, record.portName, sizeof device.portName);
-    std::memcpy(device.portId, record.portId, sizeof device.portId);
-    device.bindingFlags = record.bindingFlags;
-    device.bus = static_cast<uint8_t>(record.bus);
-    device.target = record.target;
-    device.loopId = record.targetNumber;
-    device.portFlags = record.portFlags;
-    device.roleAndState = record.roleAndState;
-    device.seenBy = port.profile->scsiPort;
-    CopyText(device.symbolicName, "Added target");
-    return device;
+Wanted WantedBy(const Record& record) {
+    Wanted wanted = {};
+    std::memcpy(wanted.portName, record.portName, sizeof wanted.portName);
+    wanted.at.bindingFlags = record.bindingFlags;
+    wanted.at.bus = static_cast<uint8_t>(record.bus);
+    wanted.at.target = record.target;
+    wanted.at.loopId = record.targetNumber;
+    return wanted;
 }
 
-DriverStatus StatusOf(ProfileError error) {
-    switch (error) {
-        case ProfileError::None:
-            return DriverStatus::Success;
-        case ProfileError::TargetCount:
-            return DriverStatus::OutOfMemory;
-        default:
-            return DriverStatus::InvalidParameter;
-    }
-}
-
-Attachment AttachmentOf(const TargetProfile& wanted) {
-    Attachment at = {};
-    at.bus = wanted.bus;
-    at.bindingFlags = wanted.bindingFlags;
-    at.target = wanted.target;
-    at.loopId = wanted.loopId;
-    return at;
-}
-
-// A device that is known already takes the new address and flags at this port and keeps its LUNs;
-// where it stands in the fabric does not change.
-DriverStatus Add(const Port& port, const TargetProfile& wanted) {
-    Fabric& fabric = *port.fabric;
-    TargetProfile* device = FindKnown(fabric, wanted);
-    const bool isNew = device == nullptr;
-    if (isNew) {
-        if (const ProfileError error = AddDevice(fabric, wanted); error != ProfileError::None) {
-            return StatusOf(error);
-        }
-        device = FindKnown(fabric, wanted);
-    }
-    if (Attach(port, *device, AttachmentOf(wanted))) {
-        return DriverStatus::Success;
-    }
-    if (isNew) {
-        RemoveDevice(fabric, *device);
-    }
-    return DriverStatus::InvalidParameter;
-}
-
-// The new device gets the place (bus, target, loop identifier) of the old one, and a new device
-// that was known already gives the old one its own.
-DriverStatus Swap(const Port& port, const TargetProfile& oldDevice,
-                  const TargetProfile& newDevice) {
-    Fabric& fabric = *port.fabric;
-    TargetProfile* before = FindKnown(fabric, oldDevice);
-    const TargetProfile* after = FindKnown(fabric, newDevice);
-    if (before == nullptr) {
+// The device takes the new address and flags at this port and keeps its LUNs; where it stands in
+// the fabric does not change.
+DriverStatus Add(const Port& port, const Wanted& wanted) {
+    const TargetProfile* device = FindKnown(*port.fabric, wanted);
+    if (device == nullptr) {
         return DriverStatus::DeviceNotFound;
     }
-    if (after == nullptr) {
-        TargetProfile replaced = *before;
-        std::memcpy(replaced.nodeName, newDevice.nodeName, sizeof replaced.nodeName);
-        std::memcpy(replaced.portName, newDevice.portName, sizeof replaced.portName);
-        std::memcpy(replaced.portId, newDevice.portId, sizeof replaced.portId);
-        AttachmentOf(port, *before).bindingFlags = newDevice.bindingFlags;
-        return StatusOf(ReplaceDevice(fabric, *before, replaced));
+    return Attach(port, *device, wanted.at) ? DriverStatus::Success
+                                            : DriverStatus::InvalidParameter;
+}
+
+// The two devices exchange their places: bus, target, loop identifier.
+DriverStatus Swap(const Port& port, const Wanted& oldDevice, const Wanted& newDevice) {
+    const TargetProfile* before = FindKnown(*port.fabric, oldDevice);
+    const TargetProfile* after = FindKnown(*port.fabric, newDevice);
+    if (before == nullptr || after == nullptr) {
+        return DriverStatus::DeviceNotFound;
     }
     Attachment& first = AttachmentOf(port, *before);
     Attachment& second = AttachmentOf(port, *after);
@@ -193,7 +150,7 @@ DriverStatus AddTarget(Exchange& exchange) {
     if (!exchange.Read(entry)) {
         return DriverStatus::InvalidParameter;
     }
-    return Add(exchange.GetPort(), DeviceOf(exchange.GetPort(), entry));
+    return Add(exchange.GetPort(), WantedBy(entry));
 }
 
 DriverStatus SwapTargets(Exchange& exchange) {
@@ -202,7 +159,7 @@ DriverStatus SwapTargets(Exchange& exchange) {
         return DriverStatus::InvalidParameter;
     }
     const Port& port = exchange.GetPort();
-    return Swap(port, DeviceOf(port, request.oldDevice), DeviceOf(port, request.newDevice));
+    return Swap(port, WantedBy(request.oldDevice), WantedBy(request.newDevice));
 }
 
 bool LegacySetTarget(Exchange& exchange) {
@@ -231,7 +188,7 @@ bool LegacyAddTarget(Exchange& exchange) {
     }
     persist::LegacyDevice added;
     std::memcpy(&added, &request.entry, sizeof added);
-    return Add(port, DeviceOf(port, added)) == DriverStatus::Success;
+    return Add(port, WantedBy(added)) == DriverStatus::Success;
 }
 
 bool LegacySwapTargets(Exchange& exchange) {
@@ -240,7 +197,7 @@ bool LegacySwapTargets(Exchange& exchange) {
         return false;
     }
     const Port& port = exchange.GetPort();
-    return Swap(port, DeviceOf(port, request.oldDevice), DeviceOf(port, request.newDevice)) ==
+    return Swap(port, WantedBy(request.oldDevice), WantedBy(request.newDevice)) ==
            DriverStatus::Success;
 }
 

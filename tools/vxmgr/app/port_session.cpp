@@ -1,5 +1,7 @@
 #include "vxmgr/app/port_session.h"
 
+#include "common/status_codes.h"
+
 namespace vxmgr {
 
 PortSession OpenSelectedPort(tools::Invocation& invocation) {
@@ -22,6 +24,30 @@ PortSession OpenSelectedPort(tools::Invocation& invocation) {
 tools::Question QuestionAbout(const PortSession& session, const std::string& action,
                               const std::string& consequence) {
     return {{action, "  " + session.describe, consequence}, session.port.Serial()};
+}
+
+bool LinkIsDown(const PortSession& session) {
+    HX_PORT_PROPERTY port{};
+    // Older drivers write the state only of a link that is down.
+    port.state = HX_PORT_STATE_ONLINE;
+    return HXGetHbaDevicePortProperty(session.Handle(), 0, &port) == HXMGT_SUCCESS &&
+           port.state == HX_PORT_STATE_LINK_DOWN;
+}
+
+tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
+                                  const std::string& text) {
+    const bool unreached = status == HXMGT_DEVICE_NOT_FOUND || status == HXMGT_MS_NO_RESPONSE;
+    if (unreached && LinkIsDown(session)) {
+        return {tools::ExitCodeOf(status),
+                {tools::Severity::Error,
+                 text + ": the link is down",
+                 kLinkHint,
+                 session.port.Object(),
+                 {}}};
+    }
+    return {tools::ExitCodeOf(status),
+            {tools::Severity::Error, text + ": " + StatusMessage(status), tools::HintOf(status),
+             session.port.Object(), status}};
 }
 
 void AddData(tools::Invocation& invocation, const std::string& label, Bytes bytes) {

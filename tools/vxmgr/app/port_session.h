@@ -22,6 +22,15 @@ PortSession OpenSelectedPort(tools::Invocation& invocation);
 tools::Question QuestionAbout(const PortSession& session, const std::string& action,
                               const std::string& consequence);
 
+inline constexpr char kLinkHint[] = "`port show` tells more: is the cable in, the switch port on?";
+
+// Whether the port says now that it has no link: then it reaches nobody, whatever the status says.
+bool LinkIsDown(const PortSession& session);
+
+// A request to a remote port that failed, as the error that ends the command.
+tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
+                                  const std::string& text);
+
 // Bytes as they came, as rows of the result. With --redact they stay out: names and serial numbers
 // in them cannot be told from the rest.
 void AddData(tools::Invocation& invocation, const std::string& label, Bytes bytes);

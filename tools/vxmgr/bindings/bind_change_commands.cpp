@@ -88,10 +88,8 @@ HX_DEVICE_RECORD NamedTarget(tools::Invocation& invocation, const PortTargets& t
         invocation.Fail(ExitCode::Usage, NameAfter(invocation, "node") + " is no node name");
     }
     if (address.type != HX_ADDRESS_PORT_NAME || !node) {
-        invocation.Fail(ExitCode::NotFound,
-                        targets.OwnPort().Object() + ": " + NameAfter(invocation, option) +
-                            ": the driver does not know the target",
-                        "a target that is away is named with wwn:PORTNAME and --node NODENAME");
+        FailUnknown(invocation, targets, option, "is not known to the driver",
+                    "a target that is away is named with wwn:PORTNAME and --node NODENAME");
     }
     HX_DEVICE_RECORD record{};
     std::memcpy(record.portName, address.address, sizeof record.portName);
@@ -124,12 +122,20 @@ HX_DEVICE_RECORD RecordOf(const ChosenTarget& target) {
 
 HX_DEVICE_RECORD TargetAfter(tools::Invocation& invocation, PortTargets& targets,
                              const char* option) {
-    const auto chosen = FindTarget(targets, GivenAddress(invocation, option));
+    const auto chosen = FindTarget(invocation, targets, option);
     HX_DEVICE_RECORD record = chosen ? RecordOf(*chosen) : NamedTarget(invocation, targets, option);
     if (const auto id = invocation.Given().Number("port-id")) {
         SetPortId(static_cast<uint32_t>(*id), record.portId);
     }
     return record;
+}
+
+void CheckRange(tools::Invocation& invocation, const HX_DEVICE_RECORD& wanted) {
+    if (wanted.bus > UINT8_MAX || wanted.target > UINT8_MAX) {
+        invocation.Fail(ExitCode::NotSupported,
+                        "bus and target ID of a binding end at 255, and the driver gave others",
+                        "choose them with `bind add --bus --id`");
+    }
 }
 
 HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targets) {
@@ -145,11 +151,7 @@ HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targe
     }
     wanted.bus = static_cast<uint16_t>(given.Number("bus").value_or(wanted.bus));
     wanted.target = static_cast<uint16_t>(given.Number("id").value_or(wanted.target));
-    if (wanted.bus > UINT8_MAX || wanted.target > UINT8_MAX) {
-        invocation.Fail(ExitCode::NotSupported,
-                        "bus and target ID of a binding end at 255, and the driver gave others",
-                        "choose them with --bus and --id");
-    }
+    CheckRange(invocation, wanted);
     const HX_TARGET_ENTRY* stored = FindRow(*targets.bindings.block, name);
     const uint8_t before = wanted.bindingFlags != 0 ? wanted.bindingFlags
                            : stored != nullptr      ? stored->bindingFlags
@@ -159,9 +161,9 @@ HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targe
     return wanted;
 }
 
-void CheckAddress(tools::Invocation& invocation, const PortTargets& targets,
+void CheckAddress(tools::Invocation& invocation, const HX_TARGET_DATA& block,
                   const HX_DEVICE_RECORD& wanted) {
-    if (const auto holder = AddressHolder(*targets.bindings.block, wanted)) {
+    if (const auto holder = AddressHolder(block, wanted)) {
         invocation.Fail(ExitCode::Refused,
                         "bus:target " + std::to_string(wanted.bus) + ":" +
                             std::to_string(wanted.target) + " is bound to " + holder->Colons() +
@@ -170,16 +172,14 @@ void CheckAddress(tools::Invocation& invocation, const PortTargets& targets,
     }
 }
 
-// One step: the block as it was, edited and written unless nothing changed.
+// The block as it was, edited and written. False when nothing changed.
 template <class Edit>
-void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools::Wwn& name,
-                const std::string& what, Steps& steps, Edit edit) {
+bool ChangeStored(tools::Invocation& invocation, PortTargets& targets, Edit edit) {
     const HX_TARGET_DATA before = *targets.bindings.block;
     HX_TARGET_DATA& block = *targets.bindings.block;
     edit(block);
     if (targets.bindings.IsStored() && SameBytes(before, block)) {
-        steps.Add(kInRegistry, name, Outcome::Unchanged, what);
-        return;
+        return false;
     }
     if (targets.bindings.state == StoreState::Unusable) {
         TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
@@ -187,7 +187,81 @@ void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools
     if (!invocation.DryRun()) {
         WriteStored(invocation, targets, block);
     }
-    steps.Done(kInRegistry, name, what);
+    return true;
+}
+
+// The same as a step.
+template <class Edit>
+void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools::Wwn& name,
+                const std::string& what, Steps& steps, Edit edit) {
+    if (ChangeStored(invocation, targets, edit)) {
+        steps.Done(kInRegistry, name, what);
+    } else {
+        steps.Add(kInRegistry, name, Outcome::Unchanged, what);
+    }
+}
+
+[[noreturn]] void FailFull(const tools::Invocation& invocation) {
+    invocation.Fail(ExitCode::Refused, "the store of this port is full: 256 bindings",
+                    "remove one first");
+}
+
+uint8_t FirstFlags(std::initializer_list<uint8_t> flags) {
+    const auto found =
+        std::find_if(flags.begin(), flags.end(), [](uint8_t one) { return one != 0; });
+    return found == flags.end() ? kBound : *found;
+}
+
+// A swap in both stores, or in one of them: the targets, the block as it is to be stored, and
+// whether that differs at all.
+struct SwapPlan {
+    BindingSwap swap;
+    HX_TARGET_DATA block;
+    bool inStore = false;
+};
+
+// In the store alone the new target takes the old one's binding. In the driver it also gets its
+// flags. In both, the two are bound afterwards where they stand in the driver, unless neither of
+// them was bound before: its next start then changes nothing.
+SwapPlan PlanSwap(tools::Invocation& invocation, PortTargets& targets, const ChosenTarget& chosen,
+                  const HX_DEVICE_RECORD& newTarget, const StoreChoice& stores) {
+    const HX_DEVICE_RECORD oldTarget = RecordOf(chosen);
+    const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
+    SwapPlan plan{SwapOf(oldTarget, newTarget), *targets.bindings.block, false};
+    BindingSwap& swap = plan.swap;
+    const HX_TARGET_ENTRY* newRow = FindRow(plan.block, newName);
+    const auto storedFlags = [](const HX_TARGET_ENTRY* row) {
+        return row != nullptr ? row->bindingFlags : uint8_t{0};
+    };
+    const bool isBound = chosen.bound != nullptr || newRow != nullptr ||
+                         (oldTarget.bindingFlags | newTarget.bindingFlags) != 0;
+    if (stores.live && isBound) {
+        swap.newAfter.bindingFlags = FirstFlags({newTarget.bindingFlags, oldTarget.bindingFlags,
+                                                 storedFlags(chosen.bound), storedFlags(newRow)});
+    }
+    if (stores.registry && !stores.live) {
+        plan.inStore = SwapBindings(plan.block, chosen.portName, newTarget);
+        return plan;
+    }
+    if (!stores.registry || !isBound) {
+        return plan;
+    }
+    swap.oldAfter.bindingFlags = FirstFlags({oldTarget.bindingFlags, newTarget.bindingFlags,
+                                             storedFlags(chosen.bound), storedFlags(newRow)});
+    const bool oldHasPlace = targets.Known(newName) != nullptr || newRow != nullptr;
+    CheckRange(invocation, swap.newAfter);
+    if (oldHasPlace) {
+        CheckRange(invocation, swap.oldAfter);
+    }
+    if (!PutSwap(plan.block, swap, oldHasPlace)) {
+        FailFull(invocation);
+    }
+    CheckAddress(invocation, plan.block, swap.newAfter);
+    if (oldHasPlace) {
+        CheckAddress(invocation, plan.block, swap.oldAfter);
+    }
+    plan.inStore = true;
+    return plan;
 }
 
 }  // namespace
@@ -212,7 +286,7 @@ ExitCode BindAdd(tools::Invocation& invocation) {
     const tools::Wwn name = tools::Wwn::Of(wanted.portName);
     Steps steps(invocation, targets.OwnPort().Object());
     if (stores.registry) {
-        CheckAddress(invocation, targets, wanted);
+        CheckAddress(invocation, *targets.bindings.block, wanted);
         const auto lunBase = invocation.Given().Number("lun-base");
         const std::string what = "bind, bus:target " + std::to_string(wanted.bus) + ":" +
                                  std::to_string(wanted.target) + ", flags " +
@@ -221,13 +295,13 @@ ExitCode BindAdd(tools::Invocation& invocation) {
             if (!PutBinding(
                     block, wanted,
                     lunBase ? std::optional(static_cast<uint16_t>(*lunBase)) : std::nullopt)) {
-                invocation.Fail(ExitCode::Refused, "the store of this port is full: 256 bindings",
-                                "remove one first");
+                FailFull(invocation);
             }
         });
     }
     if (stores.live) {
-        BindLive(invocation, targets, wanted, steps);
+        BindLive(invocation, targets, wanted,
+                 stores.registry ? AwayTarget::Pending : AwayTarget::Failed, steps);
     }
     return steps.Finish();
 }
@@ -240,7 +314,7 @@ ExitCode BindRemove(tools::Invocation& invocation) {
     }
     CheckTargetOption(invocation);
     PortTargets targets = OpenPortTargets(invocation);
-    const auto chosen = FindTarget(targets, GivenAddress(invocation, "target"));
+    const auto chosen = FindTarget(invocation, targets, "target");
     if (!chosen || chosen->bound == nullptr) {
         TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
         invocation.Fail(ExitCode::NotFound,
@@ -264,16 +338,17 @@ ExitCode BindSwap(tools::Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
     PortTargets targets = OpenPortTargets(invocation);
     const ChosenTarget chosen = ChooseTarget(invocation, targets);
-    const HX_DEVICE_RECORD oldTarget = RecordOf(chosen);
     const HX_DEVICE_RECORD newTarget = TargetAfter(invocation, targets, "with");
     const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
     if (newName == chosen.portName) {
         invocation.Fail(ExitCode::Usage, "a target cannot take its own place");
     }
-    if (stores.registry && !stores.live && chosen.bound == nullptr) {
+    if (stores.registry && chosen.bound == nullptr && (!stores.live || chosen.known == nullptr)) {
         invocation.Fail(ExitCode::NotFound, chosen.Text() + " is not bound in the store",
                         "`bind list` shows what is");
     }
+    const HX_TARGET_DATA before = *targets.bindings.block;
+    const SwapPlan plan = PlanSwap(invocation, targets, chosen, newTarget, stores);
     if (!invocation.DryRun()) {
         invocation.Confirm(QuestionAbout(
             targets.session,
@@ -281,14 +356,21 @@ ExitCode BindSwap(tools::Invocation& invocation) {
             "I/O to the address goes to the new target, whose data may be another."));
     }
     Steps steps(invocation, targets.OwnPort().Object());
-    if (stores.registry && chosen.bound != nullptr) {
-        EditStored(invocation, targets, chosen.portName, SwapText(newName), steps,
-                   [&](HX_TARGET_DATA& block) { SwapBindings(block, chosen.portName, newTarget); });
+    // The store comes first, since it can be put back.
+    const bool stored =
+        plan.inStore &&
+        ChangeStored(invocation, targets, [&](HX_TARGET_DATA& block) { block = plan.block; });
+    const bool swapped = !stores.live || SwapLive(invocation, targets, plan.swap, steps);
+    if (stored && !swapped) {
+        *targets.bindings.block = before;
+        WriteStored(invocation, targets, *targets.bindings.block);
+        steps.Add(kInRegistry, chosen.portName, Outcome::Unchanged,
+                  "is as it was, since the driver did not swap them");
+    } else if (stored) {
+        steps.Done(kInRegistry, chosen.portName, SwapText(newName));
     } else if (stores.registry) {
-        steps.Add(kInRegistry, chosen.portName, Outcome::Unchanged, "is not bound in the store");
-    }
-    if (stores.live) {
-        SwapLive(invocation, targets, oldTarget, newTarget, steps);
+        steps.Add(kInRegistry, chosen.portName, Outcome::Unchanged,
+                  "neither of the two is bound in the store");
     }
     return steps.Finish();
 }

@@ -11,6 +11,20 @@ void CopyIdentity(To& to, const From& from) {
     std::memcpy(to.portId, from.portId, sizeof to.portId);
 }
 
+void SetPlace(HX_TARGET_ENTRY& entry, const HX_DEVICE_RECORD& wanted) {
+    entry.bus = static_cast<uint8_t>(wanted.bus);
+    entry.target = static_cast<uint8_t>(wanted.target);
+    entry.targetNumber = wanted.targetNumber;
+}
+
+HX_DEVICE_RECORD InPlaceOf(HX_DEVICE_RECORD target, const HX_DEVICE_RECORD& other) {
+    target.bus = other.bus;
+    target.target = other.target;
+    target.targetNumber = other.targetNumber;
+    target.bindingFlags = 0;
+    return target;
+}
+
 }  // namespace
 
 std::optional<tools::Wwn> AddressHolder(const HX_TARGET_DATA& block,
@@ -35,9 +49,7 @@ bool PutBinding(HX_TARGET_DATA& block, const HX_DEVICE_RECORD& wanted,
         return false;
     }
     CopyIdentity(*entry, wanted);
-    entry->bus = static_cast<uint8_t>(wanted.bus);
-    entry->target = static_cast<uint8_t>(wanted.target);
-    entry->targetNumber = wanted.targetNumber;
+    SetPlace(*entry, wanted);
     entry->bindingFlags = wanted.bindingFlags;
     entry->lunBase = lunBase.value_or(entry->lunBase);
     return true;
@@ -61,6 +73,26 @@ bool SwapBindings(HX_TARGET_DATA& block, const tools::Wwn& oldPortName,
         CopyIdentity(*after, HX_TARGET_ENTRY(*before));
     }
     CopyIdentity(*before, newTarget);
+    return true;
+}
+
+BindingSwap SwapOf(const HX_DEVICE_RECORD& oldTarget, const HX_DEVICE_RECORD& newTarget) {
+    return {oldTarget, newTarget, InPlaceOf(oldTarget, newTarget), InPlaceOf(newTarget, oldTarget)};
+}
+
+bool PutSwap(HX_TARGET_DATA& block, const BindingSwap& swap, bool oldHasPlace) {
+    if (!PutBinding(block, swap.oldTarget, std::nullopt) ||
+        (oldHasPlace && !PutBinding(block, swap.newTarget, std::nullopt))) {
+        return false;
+    }
+    // Masks count from a LUN byte of the slot, which goes with the place.
+    SwapBindings(block, tools::Wwn::Of(swap.oldTarget.portName), swap.newTarget);
+    for (const HX_DEVICE_RECORD& after : {swap.newAfter, swap.oldAfter}) {
+        if (HX_TARGET_ENTRY* const entry = FindRow(block, tools::Wwn::Of(after.portName))) {
+            SetPlace(*entry, after);
+            entry->bindingFlags = after.bindingFlags;
+        }
+    }
     return true;
 }
 

@@ -25,4 +25,20 @@ bool RemoveBinding(HX_TARGET_DATA& block, const tools::Wwn& portName);
 bool SwapBindings(HX_TARGET_DATA& block, const tools::Wwn& oldPortName,
                   const HX_DEVICE_RECORD& newTarget);
 
+// Two targets as they are, and as they are to be bound once they have exchanged their places (bus,
+// target ID, target number). Flags of 0 afterwards leave those that a target has.
+struct BindingSwap {
+    HX_DEVICE_RECORD oldTarget;
+    HX_DEVICE_RECORD newTarget;
+    HX_DEVICE_RECORD oldAfter;
+    HX_DEVICE_RECORD newAfter;
+};
+
+// Neither has flags afterwards.
+BindingSwap SwapOf(const HX_DEVICE_RECORD& oldTarget, const HX_DEVICE_RECORD& newTarget);
+
+// Binds the new target as the swap leaves it, and the old one unless it goes without a place. False
+// when the block is full.
+bool PutSwap(HX_TARGET_DATA& block, const BindingSwap& swap, bool oldHasPlace);
+
 }  // namespace vxmgr

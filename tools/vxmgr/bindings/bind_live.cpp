@@ -27,17 +27,36 @@ HX_STATUS SetFlags(uint32_t handle, const HX_DEVICE_RECORD& wanted) {
     return HXSetTargetData(handle, 0, block.get(), 0);
 }
 
-bool IsProven(const PortTargets& targets, const HX_DEVICE_RECORD& wanted) {
+bool HasPlace(const PortTargets& targets, const HX_DEVICE_RECORD& wanted) {
     const KnownTarget* now = targets.Known(tools::Wwn::Of(wanted.portName));
-    return now != nullptr && SameAddress(now->record, wanted) &&
+    return now != nullptr && SameAddress(now->record, wanted);
+}
+
+bool IsProven(const PortTargets& targets, const HX_DEVICE_RECORD& wanted) {
+    return HasPlace(targets, wanted) &&
            (!targets.OwnPort().IsCurrentGeneration() ||
-            now->record.bindingFlags == wanted.bindingFlags);
+            targets.Known(tools::Wwn::Of(wanted.portName))->record.bindingFlags ==
+                wanted.bindingFlags);
+}
+
+// A driver may exchange the addresses alone: both targets shall be as bound as was asked for.
+void BindAfterSwap(tools::Invocation& invocation, PortTargets& targets,
+                   const HX_DEVICE_RECORD& after, Steps& steps) {
+    const KnownTarget* now = targets.Known(tools::Wwn::Of(after.portName));
+    if (now == nullptr || after.bindingFlags == 0 ||
+        now->record.bindingFlags == after.bindingFlags ||
+        !targets.OwnPort().IsCurrentGeneration()) {
+        return;
+    }
+    HX_DEVICE_RECORD wanted = now->record;
+    wanted.bindingFlags = after.bindingFlags;
+    BindLive(invocation, targets, wanted, AwayTarget::Failed, steps);
 }
 
 }  // namespace
 
 void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVICE_RECORD& wanted,
-              Steps& steps) {
+              AwayTarget away, Steps& steps) {
     const tools::Wwn name = tools::Wwn::Of(wanted.portName);
     const KnownTarget* known = targets.Known(name);
     const bool current = targets.OwnPort().IsCurrentGeneration();
@@ -64,6 +83,12 @@ void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVI
     if (!sameAddress || (current && tools::ExitCodeOf(status) == ExitCode::NotSupported)) {
         status = HXAddTargetDevice(targets.Handle(), &wanted);
     }
+    // An older driver does not say why it refuses.
+    if (known == nullptr && status != HXMGT_SUCCESS &&
+        (status == HXMGT_DEVICE_NOT_FOUND || !current)) {
+        steps.Away(name, away, WhyAway(targets));
+        return;
+    }
     if (status == HXMGT_SUCCESS &&
         (targets.ReadKnown() != HXMGT_SUCCESS || !IsProven(targets, wanted))) {
         invocation.Changed();
@@ -78,48 +103,45 @@ std::string SwapText(const tools::Wwn& newTarget) {
     return "gives its place to " + newTarget.Colons();
 }
 
-void SwapLive(tools::Invocation& invocation, PortTargets& targets,
-              const HX_DEVICE_RECORD& oldTarget, HX_DEVICE_RECORD newTarget, Steps& steps) {
-    const tools::Wwn oldName = tools::Wwn::Of(oldTarget.portName);
-    const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
+bool SwapLive(tools::Invocation& invocation, PortTargets& targets, const BindingSwap& swap,
+              Steps& steps) {
+    const tools::Wwn oldName = tools::Wwn::Of(swap.oldTarget.portName);
+    const tools::Wwn newName = tools::Wwn::Of(swap.newTarget.portName);
     const std::string what = SwapText(newName);
-    if (targets.Known(oldName) == nullptr) {
-        steps.Away(oldName, AwayTarget::Failed);
-        return;
-    }
     if (invocation.DryRun()) {
         steps.Done(kLive, oldName, what);
-        return;
+        return true;
     }
-    if (targets.Known(newName) == nullptr) {
-        newTarget.bus = oldTarget.bus;
-        newTarget.target = oldTarget.target;
-        newTarget.targetNumber = oldTarget.targetNumber;
-        newTarget.bindingFlags = oldTarget.bindingFlags;
+    const bool known = targets.Known(newName) != nullptr;
+    const HX_DEVICE_RECORD& newTarget = known ? swap.newTarget : swap.newAfter;
+    const HX_STATUS status = HXSwapTargetDevice(targets.Handle(), &swap.oldTarget, &newTarget);
+    const bool refused = status == HXMGT_DEVICE_NOT_FOUND ||
+                         (status != HXMGT_SUCCESS && !targets.OwnPort().IsCurrentGeneration());
+    if (refused && targets.Known(oldName) == nullptr) {
+        // The old target has nothing to exchange: its place is free.
+        const bool waits = known && !targets.OwnPort().IsCurrentGeneration();
+        BindLive(invocation, targets, swap.newAfter, AwayTarget::Failed, steps);
+        return waits || HasPlace(targets, swap.newAfter);
     }
-    const HX_STATUS status = HXSwapTargetDevice(targets.Handle(), &oldTarget, &newTarget);
+    if (refused && !known) {
+        steps.Away(newName, AwayTarget::Failed, WhyAway(targets));
+        return false;
+    }
     if (status != HXMGT_SUCCESS) {
         steps.Tried(kLive, oldName, status, what);
-        return;
+        return false;
     }
-    const HX_STATUS read = targets.ReadKnown();
-    const KnownTarget* after = read == HXMGT_SUCCESS ? targets.Known(newName) : nullptr;
-    if (after == nullptr || !SameAddress(after->record, oldTarget)) {
+    if (targets.ReadKnown() != HXMGT_SUCCESS || !HasPlace(targets, swap.newAfter)) {
         invocation.Changed();
         steps.Fail(kLive, oldName, ExitCode::NotProven,
                    "the driver took the request, but does not show the new target there",
                    "see `target list`");
-        return;
+        return false;
     }
     steps.Tried(kLive, oldName, HXMGT_SUCCESS, what);
-    // A driver may exchange the addresses alone: the new target shall be as bound as the old one
-    // was.
-    if (oldTarget.bindingFlags != 0 && after->record.bindingFlags == 0 &&
-        targets.OwnPort().IsCurrentGeneration()) {
-        newTarget = after->record;
-        newTarget.bindingFlags = oldTarget.bindingFlags;
-        BindLive(invocation, targets, newTarget, steps);
-    }
+    BindAfterSwap(invocation, targets, swap.newAfter, steps);
+    BindAfterSwap(invocation, targets, swap.oldAfter, steps);
+    return true;
 }
 
 void ApplyBindings(tools::Invocation& invocation, PortTargets& targets, const HX_TARGET_DATA& block,
@@ -132,14 +154,14 @@ void ApplyBindings(tools::Invocation& invocation, PortTargets& targets, const HX
         }
         const KnownTarget* known = targets.Known(name);
         if (known == nullptr) {
-            steps.Away(name, away);
+            steps.Away(name, away, WhyAway(targets));
             continue;
         }
         HX_DEVICE_RECORD wanted = known->record;
         wanted.bus = entry.bus;
         wanted.target = entry.target;
         wanted.bindingFlags = entry.bindingFlags;
-        BindLive(invocation, targets, wanted, steps);
+        BindLive(invocation, targets, wanted, away, steps);
     }
 }
 

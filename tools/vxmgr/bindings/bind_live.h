@@ -1,6 +1,7 @@
 // Binding a target in the driver.
 #pragma once
 
+#include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/store_port.h"
 #include "vxmgr/bindings/store_steps.h"
 
@@ -8,13 +9,15 @@ namespace vxmgr {
 
 // Binds the target as wanted says (names, identifier, bus, target, flags) and proves it by reading
 // back, as one step. A driver below 7.05.03 changes the flags of a target that it knows, but not
-// its address.
+// its address. away: what it means that the driver finds no such target.
 void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVICE_RECORD& wanted,
-              Steps& steps);
+              AwayTarget away, Steps& steps);
 
-// Puts the new target in the place of the old one, in the same way.
-void SwapLive(tools::Invocation& invocation, PortTargets& targets,
-              const HX_DEVICE_RECORD& oldTarget, HX_DEVICE_RECORD newTarget, Steps& steps);
+// Exchanges the targets in the driver and proves it, in the same way. A new target takes the place
+// of an old one that the driver does not know. True when the new target has the place now, or will
+// have it: at the driver's next start, or behind a dry run.
+bool SwapLive(tools::Invocation& invocation, PortTargets& targets, const BindingSwap& swap,
+              Steps& steps);
 
 std::string SwapText(const tools::Wwn& newTarget);  // "gives its place to ..."
 

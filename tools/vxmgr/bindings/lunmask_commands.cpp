@@ -145,6 +145,10 @@ void ChangeLive(tools::Invocation& invocation, const PortTargets& targets,
     LunSet before;
     const HX_STATUS status =
         ReadLiveMask(targets.OwnPort(), targets.Handle(), target.portName, &before);
+    if (status == HXMGT_DEVICE_NOT_FOUND) {
+        steps.Away(target.portName, AwayTarget::Failed, WhyAway(targets));
+        return;
+    }
     if (status != HXMGT_SUCCESS) {
         steps.Tried(kLive, target.portName, status, "the mask cannot be read");
         return;

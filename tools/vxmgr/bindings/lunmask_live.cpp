@@ -46,7 +46,7 @@ void ApplyMasks(tools::Invocation& invocation, const PortTargets& targets, const
             const LunSet masked = MaskedOf(record) & FirstLuns(LunLimit(targets.OwnPort()));
             MaskLive(invocation, targets, target, masked, steps);
         } else {
-            steps.Away(target, away);
+            steps.Away(target, away, WhyAway(targets));
         }
     }
 }

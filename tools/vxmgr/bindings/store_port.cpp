@@ -141,9 +141,17 @@ ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf
             rows->push_back(failed(*one.port));
         } else {
             rowsOf(one.answer, rows);
+            if (one.answer.known.empty() && LinkIsDown(one.answer.session)) {
+                invocation.Note(one.port->Object() + ": the link is down: no target is reached",
+                                kLinkHint);
+            }
         }
     }
     return ReportFailures(invocation, selected);
+}
+
+const char* WhyAway(const PortTargets& targets) {
+    return LinkIsDown(targets.session) ? "the link is down" : "the target is away";
 }
 
 void TellState(tools::Invocation& invocation, const Port& port, StoreState state,

@@ -50,6 +50,9 @@ using RowOfFailure = std::function<tools::Record(const Port& port)>;
 tools::ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf,
                                 const RowOfFailure& failed, std::vector<tools::Record>* rows);
 
+// Why the driver does not know a target.
+const char* WhyAway(const PortTargets& targets);
+
 // Says why there is nothing to show; what: "bindings".
 void TellState(tools::Invocation& invocation, const Port& port, StoreState state,
                const std::string& what);

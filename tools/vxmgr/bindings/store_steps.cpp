@@ -41,7 +41,9 @@ void Steps::AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
     stored_ = stored_ || (inRegistry && outcome == Outcome::Done);
     live_ = live_ || !inRegistry;
     behind_ = behind_ || (!inRegistry && outcome > Outcome::Unchanged);
-    rows_.push_back(StepRow(store, target, outcome, what, status));
+    const size_t place = inRegistry ? registryRows_++ : rows_.size();
+    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(place),
+                 StepRow(store, target, outcome, what, status));
 }
 
 void Steps::Add(const char* store, const tools::Wwn& target, Outcome outcome,
@@ -84,13 +86,18 @@ void Steps::StoreWritten() {
     stored_ = !invocation_.DryRun();
 }
 
-void Steps::Away(const tools::Wwn& target, AwayTarget away) {
-    constexpr char kAway[] = "the target is away";
-    if (away == AwayTarget::Failed) {
-        Tried(kLive, target, HXMGT_DEVICE_NOT_FOUND, kAway);
-    } else {
-        Add(kLive, target, Outcome::Pending, kAway);
+void Steps::Away(const tools::Wwn& target, AwayTarget away, const char* why) {
+    if (away == AwayTarget::Pending) {
+        Add(kLive, target, Outcome::Pending, why);
+        return;
     }
+    invocation_.Add({tools::Severity::Error,
+                     std::string(kLive) + ", target " + target.Colons() + ": " + why,
+                     "`--store registry` leaves the driver alone",
+                     object_,
+                     {}});
+    first_ = failures_++ == 0 ? ExitCode::NotFound : first_;
+    AddRow(kLive, target, Outcome::Failed, why, HXMGT_DEVICE_NOT_FOUND);
 }
 
 ExitCode Steps::Finish() {

@@ -31,7 +31,8 @@ class Steps {
     void Fail(const char* store, const tools::Wwn& target, tools::ExitCode exit,
               const std::string& what, const std::string& hint);
 
-    void Away(const tools::Wwn& target, AwayTarget away);
+    // why: "the link is down", or the like.
+    void Away(const tools::Wwn& target, AwayTarget away, const char* why);
     // The whole store was written, or would be, which makes no row.
     void StoreWritten();
 
@@ -45,6 +46,7 @@ class Steps {
     tools::Invocation& invocation_;
     const std::string object_;
     std::vector<tools::Record> rows_;
+    size_t registryRows_ = 0;  // they come before the others
     size_t failures_ = 0;
     bool anythingToDo_ = false;
     bool stored_ = false;  // something was written to the registry

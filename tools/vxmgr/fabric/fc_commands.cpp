@@ -117,7 +117,7 @@ ExitCode LinkServiceFailed(tools::Invocation& invocation, const PortSession& ses
         invocation.Fail(ExitCode::Failed, what + ": the remote port rejects it: " + *text);
     }
     if (status != HXMGT_ELS_REJECTED) {
-        return invocation.Report(status, what, session.port.Object());
+        throw RemoteFailure(session, status, what);
     }
     invocation.Add({tools::Severity::Error, what + ": the remote port rejects it",
                     "the driver does not hand on why", session.port.Object(), status});
@@ -273,7 +273,7 @@ ExitCode FabricCt(tools::Invocation& invocation) {
         HXSendCTPassThru(session.Handle(), request.data(), static_cast<uint32_t>(request.size()),
                          response.data(), static_cast<uint32_t>(response.size()));
     if (status != HXMGT_SUCCESS) {
-        return invocation.Report(status, "the request", session.port.Object());
+        throw RemoteFailure(session, status, "the request");
     }
     invocation.Changed();
     const CtResponse answer = DecodeCtResponse(response).value_or(CtResponse{});

@@ -30,7 +30,7 @@ std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
         HXSendCTPassThru(session.Handle(), request.data(), static_cast<uint32_t>(request.size()),
                          response.data(), static_cast<uint32_t>(response.size()));
     if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the name server", session.port.Object());
+        throw RemoteFailure(session, status, "the name server");
     }
     const auto answer = DecodeCtResponse(response);
     if (answer && !answer->accepted && expected && answer->explanation == *expected) {

@@ -63,7 +63,9 @@ tools::ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text)
         invocation_.Result().AddGroup("sense", "Sense data", SenseRecord(*reply.sense));
         whole += ": " + SenseText(*reply.sense);
     }
-    return invocation_.Report(reply.status, whole, session_.port.Object());
+    const tools::CommandError error = RemoteFailure(session_, reply.status, whole);
+    invocation_.Add(error.message);
+    return error.exit;
 }
 
 }  // namespace vxmgr

@@ -102,14 +102,51 @@ std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRE
     return std::nullopt;
 }
 
+std::optional<ChosenTarget> FindTarget(tools::Invocation& invocation, PortTargets& targets,
+                                       const char* option) {
+    const HX_SCSI_ADDRESS address = GivenAddress(invocation, option);
+    const auto chosen = FindTarget(targets, address);
+    if (!chosen || address.type != HX_ADDRESS_BUS_TARGET) {
+        return chosen;
+    }
+    const std::string object = targets.OwnPort().Object();
+    const std::string means = invocation.Given().Text(option) + " is target " + chosen->Text();
+    const HX_TARGET_ENTRY* stored = FindIn(RowsOf(*targets.bindings.block), address);
+    if (FindIn(targets.known, address) == nullptr) {
+        invocation.Add({tools::Severity::Info,
+                        means + ", as stored: the driver has none there",
+                        {},
+                        object,
+                        {}});
+    } else if (stored != nullptr && tools::Wwn::Of(stored->portName) != chosen->portName) {
+        invocation.Add({tools::Severity::Warning,
+                        means + ", as the driver has it now; in the store it is " +
+                            tools::Wwn::Of(stored->portName).Colons(),
+                        "wwn:NAME says which one is meant",
+                        object,
+                        {}});
+    } else {
+        invocation.Add(
+            {tools::Severity::Info, means + ", as the driver has it now", {}, object, {}});
+    }
+    return chosen;
+}
+
+void FailUnknown(tools::Invocation& invocation, const PortTargets& targets, const char* option,
+                 const std::string& text, const std::string& hint) {
+    const bool down = LinkIsDown(targets.session);
+    invocation.Fail(tools::ExitCode::NotFound,
+                    targets.OwnPort().Object() + ": " +
+                        (down ? "the link is down, and so the driver knows no target: " : "") +
+                        "--" + option + " " + invocation.Given().Text(option) + " " + text,
+                    down ? kLinkHint : hint);
+}
+
 ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets) {
-    const auto chosen = FindTarget(targets, GivenAddress(invocation, "target"));
+    const auto chosen = FindTarget(invocation, targets, "target");
     if (!chosen) {
-        invocation.Fail(tools::ExitCode::NotFound,
-                        targets.OwnPort().Object() + ": the target " +
-                            invocation.Given().Text("target") +
-                            " is neither known to the driver nor stored",
-                        "`target list` and `bind list` show the targets");
+        FailUnknown(invocation, targets, "target", "is neither known to the driver nor stored",
+                    "`target list` and `bind list` show the targets");
     }
     return *chosen;
 }

@@ -25,9 +25,18 @@ struct ChosenTarget {
     std::string Text() const { return portName.Colons(); }
 };
 
+// Ends the command: the option names a target that nobody knows.
+[[noreturn]] void FailUnknown(tools::Invocation& invocation, const PortTargets& targets,
+                              const char* option, const std::string& text, const std::string& hint);
+
 // Looks in the driver first, then in the stored bindings, then (names alone) in the stored masks.
 // Nothing when the target is in none of them.
 std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address);
+
+// The same for an option like -t. An address on the bus is the driver's where it has one there,
+// else that of the store: what it means is told.
+std::optional<ChosenTarget> FindTarget(tools::Invocation& invocation, PortTargets& targets,
+                                       const char* option);
 
 // The same for -t; ends the command when there is no such target.
 ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets);
