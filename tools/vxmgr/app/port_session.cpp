@@ -1,6 +1,7 @@
 #include "vxmgr/app/port_session.h"
 
 #include "common/status_codes.h"
+#include "vxmgr/targets/map_behind.h"
 
 namespace vxmgr {
 
@@ -23,7 +24,9 @@ PortSession OpenSelectedPort(tools::Invocation& invocation) {
 
 tools::Question QuestionAbout(const PortSession& session, const std::string& action,
                               const std::string& consequence) {
-    return {{action, "  " + session.describe, consequence}, session.port.Serial()};
+    return {{action, "  " + session.describe, consequence}, session.port.Serial(), [&session] {
+                return DescribeVolumes(session.port, session.Handle());
+            }};
 }
 
 bool LinkIsDown(const PortSession& session) {

@@ -18,7 +18,8 @@ struct PortSession {
 
 PortSession OpenSelectedPort(tools::Invocation& invocation);
 
-// What a question says of the port, and what it stops.
+// What a question says of the port, what it stops, and which volumes are behind it. The session has
+// to live until the question is asked.
 tools::Question QuestionAbout(const PortSession& session, const std::string& action,
                               const std::string& consequence);
 

@@ -1,5 +1,7 @@
 #include "vxmgr/targets/map_rows.h"
 
+#include <algorithm>
+
 #include "common/text.h"
 #include "vxmgr/bindings/bind_document.h"
 
@@ -108,6 +110,31 @@ std::vector<Record> MapRows(const MapPort& port, const MappedUnit& unit) {
         rows.push_back(MapRow(port, &unit, nullptr));
     }
     return rows;
+}
+
+std::string VolumesText(std::vector<MappedUnit> units, bool whole) {
+    constexpr size_t kMostShown = 8;
+    std::erase_if(units, [](const MappedUnit& unit) { return !unit.device; });
+    std::stable_partition(units.begin(), units.end(),
+                          [](const MappedUnit& unit) { return !unit.volumes.empty(); });
+    std::string text;
+    for (size_t i = 0; i < units.size() && i < kMostShown; ++i) {
+        std::string name = tools::FieldText(units[i].device->name, sizeof units[i].device->name);
+        if (StartsWith(name, kDevicePrefix)) {
+            name.erase(0, kDevicePrefix.size());
+        }
+        std::string places;
+        for (const HX_VOLUME& volume : units[i].volumes) {
+            const std::string path = tools::FieldText(volume.path, sizeof volume.path);
+            places += (places.empty() ? "" : ", ") +
+                      (path.empty() ? std::string("a volume that is mounted nowhere") : path);
+        }
+        text += (text.empty() ? "" : ", ") + name + (places.empty() ? "" : " (" + places + ")");
+    }
+    if (units.size() > kMostShown) {
+        text += " and " + std::to_string(units.size() - kMostShown) + " more";
+    }
+    return text.empty() || whole ? text : text + ", and perhaps others";
 }
 
 }  // namespace vxmgr

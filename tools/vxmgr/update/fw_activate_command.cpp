@@ -111,9 +111,7 @@ void AddEnd(Record& result, bool activated, const AdapterSession& session) {
 }
 
 tools::Question Ask(const AdapterSession& session, const std::string& action) {
-    tools::Question question{{action}, session.Serial()};
-    const std::vector<std::string> adapter = DescribeAdapter(session);
-    question.lines.insert(question.lines.end(), adapter.begin(), adapter.end());
+    tools::Question question = QuestionAbout(session, action);
     question.lines.push_back(
         "The firmware of these ports restarts: their links go down, and I/O through them stops "
         "until they are back.");

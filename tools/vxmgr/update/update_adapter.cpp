@@ -1,6 +1,7 @@
 #include "vxmgr/update/update_adapter.h"
 
 #include "common/text.h"
+#include "vxmgr/targets/map_behind.h"
 
 namespace vxmgr {
 namespace {
@@ -84,19 +85,29 @@ std::string RunningBootCode(const Port& port) {
                : std::string();
 }
 
-std::vector<std::string> DescribeAdapter(const AdapterSession& session) {
+tools::Question QuestionAbout(const AdapterSession& session, const std::string& action) {
     const Port& first = session.First();
-    std::string model =
+    const std::string model =
         first.node ? tools::FieldText(first.node->model, sizeof first.node->model) : std::string();
-    std::vector<std::string> lines = {"  adapter serial " + session.Serial() + ", model " + model};
+    tools::Question question;
+    question.serial = session.Serial();
+    question.lines = {action, "  adapter serial " + session.Serial() + ", model " + model};
     for (const Port& port : session.ports) {
         std::string line = "  port " + std::to_string(port.index);
         if (port.port) {
             line += ", " + tools::Wwn::Of(port.port->portName).Colons();
         }
-        lines.push_back(line + ", firmware " + RunningFirmware(port));
+        question.lines.push_back(line + ", firmware " + RunningFirmware(port));
     }
-    return lines;
+    question.whenAsked = [&session] {
+        std::vector<std::string> lines;
+        for (size_t i = 0; i < session.ports.size(); ++i) {
+            const auto behind = DescribeVolumes(session.ports[i], session.devices[i].Handle());
+            lines.insert(lines.end(), behind.begin(), behind.end());
+        }
+        return lines;
+    };
+    return question;
 }
 
 }  // namespace vxmgr

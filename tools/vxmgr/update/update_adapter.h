@@ -29,7 +29,8 @@ AdapterSession OpenSelectedAdapter(tools::Invocation& invocation);
 std::string RunningFirmware(const Port& port);  // empty: not known
 std::string RunningBootCode(const Port& port);
 
-// What a question says of the adapter: serial number, model, ports.
-std::vector<std::string> DescribeAdapter(const AdapterSession& session);
+// A question about the adapter: the action, serial number, model, ports, and which volumes are
+// behind them. The session has to live until the question is asked.
+tools::Question QuestionAbout(const AdapterSession& session, const std::string& action);
 
 }  // namespace vxmgr

@@ -155,13 +155,10 @@ tools::Question QuestionAbout(const AdapterSession& session, const UpdatePlan& p
     const auto shown = [](const std::string& version) {
         return version.empty() ? std::string("without a version") : version;
     };
-    tools::Question question;
-    question.lines.push_back("Write " + plan.file + " (" + KindName(plan.image.kind) + ", " +
-                             shown(plan.image.version) + ") to region " +
-                             std::to_string(plan.region.code) + ", " +
-                             RegionName(plan.region.code) + " (" + shown(plan.stored) + ").");
-    const std::vector<std::string> adapter = DescribeAdapter(session);
-    question.lines.insert(question.lines.end(), adapter.begin(), adapter.end());
+    tools::Question question = QuestionAbout(
+        session, "Write " + plan.file + " (" + KindName(plan.image.kind) + ", " +
+                     shown(plan.image.version) + ") to region " + std::to_string(plan.region.code) +
+                     ", " + RegionName(plan.region.code) + " (" + shown(plan.stored) + ").");
     question.lines.push_back(
         plan.mayRestart ? "The firmware of all its ports may restart: I/O through them stops then."
                         : "I/O goes on.");
@@ -170,7 +167,6 @@ tools::Question QuestionAbout(const AdapterSession& session, const UpdatePlan& p
     for (const std::string& warning : plan.warnings) {
         question.lines.push_back("Warning: " + warning);
     }
-    question.serial = session.Serial();
     return question;
 }
 

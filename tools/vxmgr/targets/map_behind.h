@@ -1,0 +1,16 @@
+// What stands behind a port, for the question before I/O through it stops.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vxmgr/app/inventory.h"
+
+namespace vxmgr {
+
+// A line with the disks that the port leads to and where their volumes are mounted; none when there
+// are no disks, or nothing is known of them. Takes no more than about two seconds, and says so when
+// they were not enough.
+std::vector<std::string> DescribeVolumes(const Port& port, uint32_t handle);
+
+}  // namespace vxmgr
