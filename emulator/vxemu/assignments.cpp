@@ -52,4 +52,13 @@ void AddAssignment(const Assignment& assignment, tools::Record& result) {
                tools::Value::Text(FormatField(*assignment.field, assignment.change.value)));
 }
 
+tools::Shape WithAssignments(tools::Shape shape, FieldScope scope) {
+    for (const Field& field : ProfileFields()) {
+        if (field.scope == scope && field.settable) {
+            shape.push_back({.key = field.name, .type = tools::kText.OrAbsent()});
+        }
+    }
+    return shape;
+}
+
 }  // namespace vxemu

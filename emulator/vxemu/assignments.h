@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "common/fields.h"
 #include "common/invocation.h"
 #include "model/control.h"
 #include "model/profile/profile_fields.h"
@@ -20,5 +21,8 @@ std::vector<Assignment> RequireAssignments(tools::Invocation& invocation, FieldS
 
 // What was assigned, in the command's result.
 void AddAssignment(const Assignment& assignment, tools::Record& result);
+
+// The shape of such a result: what may be assigned, behind these fields.
+tools::Shape WithAssignments(tools::Shape shape, FieldScope scope);
 
 }  // namespace vxemu

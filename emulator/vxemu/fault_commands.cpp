@@ -1,5 +1,8 @@
 // fault add, list, clear.
+#include <algorithm>
+
 #include "commands.h"
+#include "common/fields.h"
 #include "common/text.h"
 #include "fault_text.h"
 #include "running_driver.h"
@@ -9,28 +12,61 @@ namespace {
 
 using tools::ExitCode;
 using tools::Invocation;
-using tools::Record;
+using tools::kInteger;
+using tools::kText;
 using tools::Value;
 
-Record FaultRow(uint32_t id, const FaultRule& rule, uint32_t matched, uint32_t acted) {
-    const bool anyPort = rule.port == kAnyPort;
-    const bool anySubCode = rule.subCode == kAnySubCode;
-    Record row;
-    row.Add("id", "Id", Value::Number(id), "ID");
-    row.Add("port", "Port", Value::Text(anyPort ? "all" : PortName(rule.port)), "PORT");
-    row.Add("request", "Request", Value::Text(FormatFaultCode(rule)), "REQUEST");
-    row.Add("code", "Code",
-            rule.code == kAnyCode ? Value() : Value::Text(tools::Hex(rule.code, 8)));
-    row.Add("sub_code", "Sub-code", anySubCode ? Value() : Value::Number(rule.subCode), "SUB");
-    row.Add("action", "Action", Value::Text(FormatFaultAction(rule)), "ACTION");
-    row.Add("after", "After", Value::Number(rule.after), "AFTER");
-    row.Add(
-        "times", "Times",
-        Value::Number(rule.times).Shown(rule.times == 0 ? "always" : std::to_string(rule.times)),
-        "TIMES");
-    row.Add("matched", "Requests matched", Value::Number(matched), "MATCHED");
-    row.Add("acted", "Requests changed", Value::Number(acted), "ACTED");
-    return row;
+Value Code(const FaultRule& rule) {
+    return rule.code == kAnyCode ? Value() : Value::Text(tools::Hex(rule.code, 8));
+}
+
+Value SubCode(const FaultRule& rule) {
+    return rule.subCode == kAnySubCode ? Value() : Value::Number(rule.subCode);
+}
+
+Value Times(const FaultRule& rule) {
+    return Value::Number(rule.times).Shown(rule.times == 0 ? "always" : std::to_string(rule.times));
+}
+
+const tools::Fields<FaultRule>& RuleFields() {
+    static const tools::Fields<FaultRule> kFields = {
+        {"port", "Port", "PORT", kText,
+         [](const FaultRule& r) { return r.port == kAnyPort ? "all" : PortName(r.port); }},
+        {"request", "Request", "REQUEST", kText, FormatFaultCode},
+        {"code", "Code", kText.OrNull(), Code},
+        {"sub_code", "Sub-code", "SUB", kInteger.OrNull(), SubCode},
+        {"action", "Action", "ACTION", kText, FormatFaultAction},
+        {"after", "After", "AFTER", kInteger, &FaultRule::after},
+        {"times", "Times", "TIMES", kInteger, Times, "0: always"},
+    };
+    return kFields;
+}
+
+const tools::Fields<FaultEntry>& FaultFields() {
+    static const tools::Fields<FaultEntry> kFields = {
+        {"id", "Id", "ID", kInteger, &FaultEntry::id, "0 in a dry run"},
+        {RuleFields(), &FaultEntry::rule},
+        {"matched", "Requests matched", "MATCHED", kInteger, &FaultEntry::matched},
+        {"acted", "Requests changed", "ACTED", kInteger, &FaultEntry::acted},
+    };
+    return kFields;
+}
+
+const tools::Fields<FaultListReply>& FaultListFields() {
+    static const tools::Fields<FaultListReply> kFields = {
+        {"faults", "Fault rules", FaultFields(),
+         [](const FaultListReply& reply) {
+             return std::span(reply.entries, std::min<size_t>(reply.count, kMaxFaults));
+         },
+         tools::ListLayout::Table, "No fault rules."},
+    };
+    return kFields;
+}
+
+const tools::Fields<uint32_t>& RemovedFields() {
+    static const tools::Fields<uint32_t> kFields = {
+        {"removed", "Rules removed", kInteger, [](uint32_t count) { return count; }}};
+    return kFields;
 }
 
 FaultRule RequireRule(Invocation& invocation) {
@@ -81,19 +117,15 @@ ExitCode RunFaultAdd(Invocation& invocation) {
         }
         invocation.Changed();
     }
-    invocation.Result() = FaultRow(id, rule, 0, 0);
+    FaultEntry entry = {};
+    entry.id = id;
+    entry.rule = rule;
+    invocation.Result() = FaultFields().Make(entry);
     return ExitCode::Done;
 }
 
 ExitCode RunFaultList(Invocation& invocation) {
-    const auto faults = RunningDriver(invocation, false).Faults();
-    std::vector<Record> rows;
-    for (uint32_t at = 0; at < faults->count && at < kMaxFaults; ++at) {
-        const FaultEntry& entry = faults->entries[at];
-        rows.push_back(FaultRow(entry.id, entry.rule, entry.matched, entry.acted));
-    }
-    invocation.Result().AddList("faults", "Fault rules", tools::ListLayout::Table,
-                                FaultRow(0, {}, 0, 0), "No fault rules.", std::move(rows));
+    invocation.Result() = FaultListFields().Make(*RunningDriver(invocation, false).Faults());
     return ExitCode::Done;
 }
 
@@ -112,8 +144,20 @@ ExitCode RunFaultClear(Invocation& invocation) {
             invocation.Changed();
         }
     }
-    invocation.Result().Add("removed", "Rules removed", Value::Number(removed));
+    invocation.Result() = RemovedFields().Make(removed);
     return ExitCode::Done;
+}
+
+tools::Shape FaultShape() {
+    return FaultFields().ShapeOfAll();
+}
+
+tools::Shape FaultListShape() {
+    return FaultListFields().ShapeOfAll();
+}
+
+tools::Shape FaultClearShape() {
+    return RemovedFields().ShapeOfAll();
 }
 
 }  // namespace vxemu

@@ -1,4 +1,5 @@
 // flash show, dump, image, corrupt, power-fail; lockdown, bfs.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -9,6 +10,7 @@
 #include "common/text.h"
 #include "flash_image.h"
 #include "model/profile/profile_fields.h"
+#include "port_rows.h"
 #include "running_driver.h"
 
 namespace vxemu {
@@ -16,7 +18,9 @@ namespace {
 
 using tools::ExitCode;
 using tools::Invocation;
-using tools::Record;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
 using tools::Tone;
 using tools::Value;
 
@@ -57,18 +61,52 @@ Value CheckValue(CheckState state) {
     return {};
 }
 
-Record RegionRow(const FlashRegionStatus& region) {
-    Record row;
-    row.Add("region", "Region", Value::Number(region.code), "REGION");
-    row.Add("content", "Content", Value::Text(NameOf(region.content)), "CONTENT");
-    row.Add("start", "Start", Value::Text(tools::Hex(region.start, 6)), "START");
-    row.Add("bytes", "Bytes", Value::Number(region.size), "BYTES");
-    row.Add("flags", "Flags", Value::Text(tools::Hex(region.flags, 2)));
-    row.Add("read_only", "Read-only", Value::Flag(region.readOnly != 0));
-    row.Add("version", "Version", Value::TextOrNull(region.version), "VERSION");
-    row.Add("checksum", "Checksum", CheckValue(region.checksum), "CHECKSUM");
-    row.Add("signature", "Signature", CheckValue(region.signature), "SIGNATURE");
-    return row;
+const tools::Fields<FlashRegionStatus>& RegionFields() {
+    using Region = FlashRegionStatus;
+    static constexpr const char* kChecks[] = {"ok", "bad"};
+    static const tools::Fields<Region> kFields = {
+        {"region", "Region", "REGION", kInteger, [](const Region& r) { return r.code; }},
+        {"content", "Content", "CONTENT", kText, [](const Region& r) { return NameOf(r.content); }},
+        {"start", "Start", "START", kText, [](const Region& r) { return tools::Hex(r.start, 6); }},
+        {"bytes", "Bytes", "BYTES", kInteger, [](const Region& r) { return r.size; }},
+        {"flags", "Flags", kText, [](const Region& r) { return tools::Hex(r.flags, 2); }},
+        {"read_only", "Read-only", kFlag, [](const Region& r) { return r.readOnly != 0; }},
+        {"version", "Version", "VERSION", kText.OrNull(),
+         [](const Region& r) { return std::string(r.version); }},
+        {"checksum", "Checksum", "CHECKSUM", tools::Choice(kChecks).OrNull(),
+         [](const Region& r) { return CheckValue(r.checksum); }},
+        {"signature", "Signature", "SIGNATURE", tools::Choice(kChecks).OrNull(),
+         [](const Region& r) { return CheckValue(r.signature); }},
+    };
+    return kFields;
+}
+
+struct ShownFlash {
+    uint32_t port;
+    const FlashReport* report;
+};
+
+const tools::Fields<ShownFlash>& FlashFields() {
+    using Flash = ShownFlash;
+    static const tools::Fields<Flash> kFields = {
+        {PortNameFields(), &Flash::port},
+        {"bytes", "Bytes", kInteger, [](const Flash& f) { return f.report->bytes; }},
+        {"powered", "Powered", kFlag, [](const Flash& f) { return f.report->withoutPower == 0; }},
+        {"power_fails_after", "Power fails after", tools::Integer("bytes").OrNull(),
+         [](const Flash& f) {
+             return f.report->failsSoon != 0 ? std::optional(f.report->bytesUntilFailure)
+                                             : std::nullopt;
+         }},
+        {"bank", "Bank of NVRAM and VPD", kInteger,
+         [](const Flash& f) { return f.report->secondBank != 0 ? 2 : 1; }},
+        {"regions", "Regions", RegionFields(),
+         [](const Flash& f) {
+             return std::span(f.report->regions,
+                              std::min<size_t>(f.report->count, kMaxFlashRegions));
+         },
+         tools::ListLayout::Table, "No regions."},
+    };
+    return kFields;
 }
 
 uint32_t GivenPort(Invocation& invocation) {
@@ -84,15 +122,73 @@ std::string NameOf(const FlashSelector& place) {
     return PortName(place.scsiPort) + " region " + std::to_string(place.region);
 }
 
-Record ResultOf(const FlashSelector& place) {
-    Record result;
-    result.Add("port", "Port", Value::Text(PortName(place.scsiPort)));
-    result.Add("region", "Region", Value::Number(place.region));
-    return result;
+const tools::Fields<FlashSelector>& PlaceFields() {
+    static const tools::Fields<FlashSelector> kFields = {
+        {PortNameFields(), [](const FlashSelector& place) { return place.scsiPort; }},
+        {"region", "Region", kInteger, [](const FlashSelector& place) { return place.region; }},
+    };
+    return kFields;
+}
+
+struct Saved {
+    FlashSelector place;
+    std::string version;  // of an image that was made
+    size_t bytes = 0;
+    std::string file{};
+};
+
+const tools::Fields<Saved>& SavedFields() {
+    static const tools::Fields<Saved> kFields = {
+        {PlaceFields(), &Saved::place},
+        {"version", "Version", kText.OrAbsent(), &Saved::version},
+        {"bytes", "Bytes", kInteger, &Saved::bytes},
+        {"file", "File", kText, &Saved::file},
+    };
+    return kFields;
+}
+
+const tools::Fields<FlashSelector>& CorruptedFields() {
+    static const tools::Fields<FlashSelector> kFields = {
+        {PlaceFields(), [](const FlashSelector& place) { return place; }},
+        {"at", "Byte inverted", kInteger, [](const FlashSelector& place) { return place.offset; }},
+    };
+    return kFields;
+}
+
+const tools::Fields<PowerFailRequest>& PowerFailFields() {
+    static const tools::Fields<PowerFailRequest> kFields = {
+        {PortNameFields(), [](const PowerFailRequest& request) { return request.scsiPort; }},
+        {"after_bytes", "Power fails after", tools::Integer("bytes"),
+         [](const PowerFailRequest& request) { return request.afterBytes; }},
+    };
+    return kFields;
+}
+
+struct Switched {
+    uint32_t port;
+    std::string state;
+};
+
+constexpr const char* kOnOff[] = {"on", "off"};
+
+const tools::Fields<Switched>& LockdownFields() {
+    static const tools::Fields<Switched> kFields = {
+        {PortNameFields(), &Switched::port},
+        {"lockdown", "Lockdown", tools::Choice(kOnOff), &Switched::state},
+    };
+    return kFields;
+}
+
+const tools::Fields<Switched>& BootFields() {
+    static const tools::Fields<Switched> kFields = {
+        {PortNameFields(), &Switched::port},
+        {"boots_from_san", "Boots from SAN", tools::Choice(kOnOff), &Switched::state},
+    };
+    return kFields;
 }
 
 // Writes the file unless this is a dry run, and completes the result.
-ExitCode Save(Invocation& invocation, Record result, const std::vector<uint8_t>& bytes) {
+ExitCode Save(Invocation& invocation, Saved saved, const std::vector<uint8_t>& bytes) {
     const std::string path = invocation.Given().Text("FILE");
     if (!invocation.DryRun()) {
         uint32_t error = 0;
@@ -105,14 +201,14 @@ ExitCode Save(Invocation& invocation, Record result, const std::vector<uint8_t>&
             invocation.Fail(ExitCode::Failed, path + " cannot be written", "is the disk full?");
         }
     }
-    result.Add("bytes", "Bytes", Value::Number(bytes.size()));
-    result.Add("file", "File", Value::Text(path));
-    invocation.Result() = std::move(result);
+    saved.bytes = bytes.size();
+    saved.file = path;
+    invocation.Result() = SavedFields().Make(saved);
     return ExitCode::Done;
 }
 
 // Sets a flag of the port, or of its adapter.
-ExitCode SetFlag(Invocation& invocation, const char* field, const char* key, const char* label) {
+ExitCode SetFlag(Invocation& invocation, const char* field, const tools::Fields<Switched>& result) {
     const uint32_t port = GivenPort(invocation);
     const std::string state = invocation.Given().Text("STATE");
     FieldRequest request = {port, {{}, 1, {}}};
@@ -123,8 +219,7 @@ ExitCode SetFlag(Invocation& invocation, const char* field, const char* key, con
         driver.SendForCount(control::kSetField, request, PortName(port));
         invocation.Changed();
     }
-    invocation.Result().Add("port", "Port", Value::Text(PortName(port)));
-    invocation.Result().Add(key, label, Value::Text(state));
+    invocation.Result() = result.Make({port, state});
     return ExitCode::Done;
 }
 
@@ -135,20 +230,7 @@ ExitCode RunFlashShow(Invocation& invocation) {
     const auto report =
         RunningDriver(invocation, false)
             .Fetch<FlashReport>(control::kFlashShow, PortSelector{port}, PortName(port));
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Text(PortName(port)));
-    result.Add("bytes", "Bytes", Value::Number(report->bytes));
-    result.Add("powered", "Powered", Value::Flag(report->withoutPower == 0));
-    result.Add(
-        "power_fails_after", "Power fails after",
-        report->failsSoon != 0 ? Value::Number(report->bytesUntilFailure, "bytes") : Value());
-    result.Add("bank", "Bank of NVRAM and VPD", Value::Number(report->secondBank != 0 ? 2 : 1));
-    std::vector<Record> rows;
-    for (uint32_t at = 0; at < report->count && at < kMaxFlashRegions; ++at) {
-        rows.push_back(RegionRow(report->regions[at]));
-    }
-    result.AddList("regions", "Regions", tools::ListLayout::Table, RegionRow({}), "No regions.",
-                   std::move(rows));
+    invocation.Result() = FlashFields().Make({port, report.get()});
     return ExitCode::Done;
 }
 
@@ -170,7 +252,7 @@ ExitCode RunFlashDump(Invocation& invocation) {
         }
         bytes.insert(bytes.end(), piece->bytes, piece->bytes + piece->length);
     } while (bytes.size() < size);
-    return Save(invocation, ResultOf(place), bytes);
+    return Save(invocation, {place, ""}, bytes);
 }
 
 ExitCode RunFlashImage(Invocation& invocation) {
@@ -183,9 +265,7 @@ ExitCode RunFlashImage(Invocation& invocation) {
         invocation.Fail(ExitCode::Refused, NameOf(place) + ": " + error,
                         "see `vxemu flash show " + std::to_string(place.scsiPort) + "`");
     }
-    Record result = ResultOf(place);
-    result.Add("version", "Version", Value::Text(version));
-    return Save(invocation, std::move(result), image);
+    return Save(invocation, {place, version}, image);
 }
 
 ExitCode RunFlashCorrupt(Invocation& invocation) {
@@ -197,9 +277,7 @@ ExitCode RunFlashCorrupt(Invocation& invocation) {
                             NameOf(place) + ", byte " + std::to_string(place.offset));
         invocation.Changed();
     }
-    Record result = ResultOf(place);
-    result.Add("at", "Byte inverted", Value::Number(place.offset));
-    invocation.Result() = std::move(result);
+    invocation.Result() = CorruptedFields().Make(place);
     return ExitCode::Done;
 }
 
@@ -212,18 +290,40 @@ ExitCode RunFlashPowerFail(Invocation& invocation) {
         driver.Send(control::kPowerFail, request, PortName(request.scsiPort));
         invocation.Changed();
     }
-    invocation.Result().Add("port", "Port", Value::Text(PortName(request.scsiPort)));
-    invocation.Result().Add("after_bytes", "Power fails after",
-                            Value::Number(request.afterBytes, "bytes"));
+    invocation.Result() = PowerFailFields().Make(request);
     return ExitCode::Done;
 }
 
 ExitCode RunLockdown(Invocation& invocation) {
-    return SetFlag(invocation, "lockdown", "lockdown", "Lockdown");
+    return SetFlag(invocation, "lockdown", LockdownFields());
 }
 
 ExitCode RunBootFromSan(Invocation& invocation) {
-    return SetFlag(invocation, "boots_from_san", "boots_from_san", "Boots from SAN");
+    return SetFlag(invocation, "boots_from_san", BootFields());
+}
+
+tools::Shape FlashShowShape() {
+    return FlashFields().ShapeOfAll();
+}
+
+tools::Shape FlashSavedShape() {
+    return SavedFields().ShapeOfAll();
+}
+
+tools::Shape FlashCorruptShape() {
+    return CorruptedFields().ShapeOfAll();
+}
+
+tools::Shape PowerFailShape() {
+    return PowerFailFields().ShapeOfAll();
+}
+
+tools::Shape LockdownShape() {
+    return LockdownFields().ShapeOfAll();
+}
+
+tools::Shape BootFromSanShape() {
+    return BootFields().ShapeOfAll();
 }
 
 }  // namespace vxemu

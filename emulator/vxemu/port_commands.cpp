@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "common/text.h"
 #include "model/event_codes.h"
+#include "port_rows.h"
 #include "running_driver.h"
 
 namespace vxemu {
@@ -11,7 +12,6 @@ namespace {
 using tools::ExitCode;
 using tools::Invocation;
 using tools::Record;
-using tools::Value;
 
 struct EventRow {
     const char* name;
@@ -43,17 +43,41 @@ uint32_t RequireEventCode(Invocation& invocation, const std::string& kind) {
     return static_cast<uint32_t>(*code);
 }
 
-Record PortResult(uint32_t scsiPort) {
-    Record result;
-    result.Add("port", "Port", Value::Text(PortName(scsiPort)));
-    return result;
+struct Raised {
+    uint32_t port;
+    uint32_t code;
+    bool queued;
+};
+
+const tools::Fields<Raised>& RaisedFields() {
+    static const tools::Fields<Raised> kFields = {
+        {PortNameFields(), &Raised::port},
+        {"code", "Event code", tools::kText,
+         [](const Raised& raised) { return tools::Hex(raised.code, 4); }},
+        {"queued", "Queued", tools::kFlag, &Raised::queued},
+    };
+    return kFields;
+}
+
+struct Linked {
+    uint32_t port;
+    std::string state;
+};
+
+const tools::Fields<Linked>& LinkFields() {
+    static constexpr const char* kUpDown[] = {"up", "down"};
+    static const tools::Fields<Linked> kFields = {
+        {PortNameFields(), &Linked::port},
+        {"link", "Link", tools::Choice(kUpDown), &Linked::state},
+    };
+    return kFields;
 }
 
 ExitCode Set(Invocation& invocation, FieldScope scope) {
     const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
     const std::vector<Assignment> assignments = RequireAssignments(invocation, scope);
     RunningDriver driver(invocation, true);
-    Record result = PortResult(port);
+    Record result = PortNameFields().Make(port);
     for (const Assignment& assignment : assignments) {
         if (!invocation.DryRun()) {
             driver.SendForCount(control::kSetField, FieldRequest{port, assignment.change},
@@ -75,7 +99,7 @@ ExitCode RunReset(Invocation& invocation) {
         driver.Send(control::kPortReset, PortSelector{port}, PortName(port));
         invocation.Changed();
     }
-    invocation.Result() = PortResult(port);
+    invocation.Result() = PortNameFields().Make(port);
     return ExitCode::Done;
 }
 
@@ -102,10 +126,7 @@ ExitCode RunEvent(Invocation& invocation) {
                             "the event is gone: watch first, then raise it");
         }
     }
-    Record result = PortResult(port);
-    result.Add("code", "Event code", Value::Text(tools::Hex(request.event.code, 4)));
-    result.Add("queued", "Queued", Value::Flag(queued));
-    invocation.Result() = std::move(result);
+    invocation.Result() = RaisedFields().Make({port, request.event.code, queued});
     return ExitCode::Done;
 }
 
@@ -117,9 +138,7 @@ ExitCode RunLink(Invocation& invocation) {
         driver.Send(control::kSetLink, LinkRequest{port, state == "up" ? 1u : 0u}, PortName(port));
         invocation.Changed();
     }
-    Record result = PortResult(port);
-    result.Add("link", "Link", Value::Text(state));
-    invocation.Result() = std::move(result);
+    invocation.Result() = LinkFields().Make({port, state});
     return ExitCode::Done;
 }
 
@@ -129,6 +148,26 @@ ExitCode RunAdapterSet(Invocation& invocation) {
 
 ExitCode RunPortSet(Invocation& invocation) {
     return Set(invocation, FieldScope::Port);
+}
+
+tools::Shape PortShape() {
+    return PortNameFields().ShapeOfAll();
+}
+
+tools::Shape EventShape() {
+    return RaisedFields().ShapeOfAll();
+}
+
+tools::Shape LinkShape() {
+    return LinkFields().ShapeOfAll();
+}
+
+tools::Shape AdapterSetShape() {
+    return WithAssignments(PortShape(), FieldScope::Adapter);
+}
+
+tools::Shape PortSetShape() {
+    return WithAssignments(PortShape(), FieldScope::Port);
 }
 
 }  // namespace vxemu

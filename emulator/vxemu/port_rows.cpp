@@ -1,5 +1,7 @@
 #include "port_rows.h"
 
+#include <algorithm>
+
 #include "common/text.h"
 #include "field_text.h"
 #include "running_driver.h"
@@ -7,44 +9,52 @@
 namespace vxemu {
 namespace {
 
-using tools::Record;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
 using tools::Tone;
 using tools::Value;
 
-std::string StateName(const PortState& state) {
+Value StateValue(const PortStatus& port) {
     const Field* field = FindField(FieldScope::Port, "state", sizeof "state");
-    return FormatField(*field, reinterpret_cast<const uint8_t*>(&state));
-}
-
-Record PortRow(const PortStatus& port) {
-    Record row;
-    row.Add("port", "Port", Value::Text(PortName(port.scsiPort)), "PORT");
-    row.Add("serial", "Serial number", Value::Serial(port.serial), "SERIAL");
-    row.Add("device_id", "Device ID", Value::Text(tools::Hex(port.deviceId, 4)), "DEVICE");
-    row.Add("port_name", "Port name", Value::Name(tools::Wwn::Of(port.portName)), "PORT NAME");
-    row.Add("driver", "Driver", Value::Text(port.driverName), "DRIVER");
-    row.Add("state", "State",
-            Value::Text(StateName(port.state))
-                .In(port.state == PortState::Online ? Tone::Good : Tone::Warning),
-            "STATE");
-    row.Add("event_delivery", "Event delivery", Value::Flag(port.delivery != 0));
-    row.Add("events_queued", "Events queued", Value::Number(port.eventsQueued), "EVENTS");
-    row.Add("events_dropped", "Events dropped", Value::Number(port.eventsDropped));
-    row.Add("open_handles", "Open handles", Value::Number(port.openHandles), "HANDLES");
-    row.Add("requests", "Requests served", Value::Number(port.requests), "REQUESTS");
-    row.Add("faults", "Faults", Value::Number(port.faults), "FAULTS");
-    return row;
+    return Value::Text(FormatField(*field, reinterpret_cast<const uint8_t*>(&port.state)))
+        .In(port.state == PortState::Online ? Tone::Good : Tone::Warning);
 }
 
 }  // namespace
 
-void AddPortList(const StatusReply& status, Record& result) {
-    std::vector<Record> rows;
-    for (uint32_t index = 0; index < status.portCount && index < kMaxPorts; ++index) {
-        rows.push_back(PortRow(status.ports[index]));
-    }
-    result.AddList("ports", "Ports", tools::ListLayout::Table, PortRow({}), "No ports.",
-                   std::move(rows));
+const tools::Fields<PortStatus>& PortFields() {
+    static const tools::Fields<PortStatus> kFields = {
+        {"port", "Port", "PORT", kText, [](const PortStatus& p) { return PortName(p.scsiPort); }},
+        {"serial", "Serial number", "SERIAL", tools::kSerial.OrNull(),
+         [](const PortStatus& p) { return std::string(p.serial); }},
+        {"device_id", "Device ID", "DEVICE", kText,
+         [](const PortStatus& p) { return tools::Hex(p.deviceId, 4); }},
+        {"port_name", "Port name", "PORT NAME", tools::kWwn,
+         [](const PortStatus& p) { return tools::Wwn::Of(p.portName); }},
+        {"driver", "Driver", "DRIVER", kText,
+         [](const PortStatus& p) { return std::string(p.driverName); }},
+        {"state", "State", "STATE", kText, StateValue},
+        {"event_delivery", "Event delivery", kFlag,
+         [](const PortStatus& p) { return p.delivery != 0; }},
+        {"events_queued", "Events queued", "EVENTS", kInteger, &PortStatus::eventsQueued},
+        {"events_dropped", "Events dropped", kInteger, &PortStatus::eventsDropped},
+        {"open_handles", "Open handles", "HANDLES", kInteger, &PortStatus::openHandles},
+        {"requests", "Requests served", "REQUESTS", tools::kCounter, &PortStatus::requests},
+        {"faults", "Faults", "FAULTS", tools::kCounter, &PortStatus::faults},
+    };
+    return kFields;
+}
+
+std::span<const PortStatus> PortsOf(const StatusReply* status) {
+    return status == nullptr
+               ? std::span<const PortStatus>()
+               : std::span(status->ports, std::min<uint32_t>(status->portCount, kMaxPorts));
+}
+
+const tools::Fields<uint32_t>& PortNameFields() {
+    static const tools::Fields<uint32_t> kFields = {{"port", "Port", "PORT", kText, PortName}};
+    return kFields;
 }
 
 }  // namespace vxemu

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "common/fields.h"
 #include "field_text.h"
 #include "profile_json.h"
 #include "running_driver.h"
@@ -11,27 +12,73 @@ namespace vxemu {
 namespace {
 
 using tools::ExitCode;
+using tools::kInteger;
+using tools::kText;
 using tools::ListLayout;
 using tools::Record;
 using tools::Value;
 
-Record SummaryRow(const Profile& profile, const char* description) {
-    Record row;
-    row.Add("name", "Name", Value::Text(profile.name), "NAME");
-    row.Add("adapters", "Adapters", Value::Number(profile.adapterCount), "ADAPTERS");
-    row.Add("ports", "Ports", Value::Number(profile.portCount), "PORTS");
-    row.Add("description", "Description", Value::TextOrNull(description), "DESCRIPTION");
-    return row;
+struct Summary {
+    const Profile* profile;
+    const char* description;
+};
+
+template <auto Member>
+auto Of(const Summary& summary) {
+    return (*summary.profile).*Member;
+}
+
+const tools::Fields<Summary>& SummaryFields() {
+    static const tools::Fields<Summary> kFields = {
+        {"name", "Name", "NAME", kText,
+         [](const Summary& s) { return std::string(s.profile->name); }},
+        {"adapters", "Adapters", "ADAPTERS", kInteger, Of<&Profile::adapterCount>},
+        {"ports", "Ports", "PORTS", kInteger, Of<&Profile::portCount>},
+        {"description", "Description", "DESCRIPTION", kText.OrNull(), &Summary::description},
+    };
+    return kFields;
+}
+
+const tools::Fields<Profile>& ValidFields() {
+    static const tools::Fields<Profile> kFields = {
+        {"valid", "Valid", tools::kFlag, [](const Profile&) { return true; }},
+        {"name", "Name", kText, [](const Profile& profile) { return std::string(profile.name); }},
+        {"adapters", "Adapters", kInteger, &Profile::adapterCount},
+        {"ports", "Ports", kInteger, &Profile::portCount},
+    };
+    return kFields;
+}
+
+tools::FieldType TypeOf(const Field& field) {
+    switch (field.kind) {
+        case FieldKind::Number:
+            return kInteger;
+        case FieldKind::Flag:
+            return tools::kFlag;
+        default:
+            return kText;
+    }
 }
 
 Value FieldValue(const Field& field, const uint8_t* bytes) {
-    if (field.kind == FieldKind::Number) {
-        return Value::Number(FieldNumber(field, bytes));
+    switch (TypeOf(field).base) {
+        case tools::FieldType::Base::Integer:
+            return Value::Number(FieldNumber(field, bytes));
+        case tools::FieldType::Base::Flag:
+            return Value::Flag(FieldNumber(field, bytes) != 0);
+        default:
+            return Value::Text(FormatField(field, bytes));
     }
-    if (field.kind == FieldKind::Flag) {
-        return Value::Flag(FieldNumber(field, bytes) != 0);
+}
+
+tools::Shape ShapeOf(FieldScope scope) {
+    tools::Shape shape;
+    for (const Field& field : ProfileFields()) {
+        if (field.scope == scope) {
+            shape.push_back({.key = field.name, .label = field.name, .type = TypeOf(field)});
+        }
     }
-    return Value::Text(FormatField(field, bytes));
+    return shape;
 }
 
 Record FieldsOf(FieldScope scope, const void* record) {
@@ -45,39 +92,62 @@ Record FieldsOf(FieldScope scope, const void* record) {
     return row;
 }
 
+// The records of a scope, and in each the list of those that belong to it.
+struct Level {
+    const char* key;
+    const char* label;
+    FieldScope scope;
+    const Level* below;
+};
+constexpr Level kPorts = {"ports", "Ports", FieldScope::Port, nullptr};
+constexpr Level kLuns = {"luns", "LUNs", FieldScope::Lun, nullptr};
+constexpr Level kTop[] = {{"adapters", "Adapters", FieldScope::Adapter, &kPorts},
+                          {"targets", "Targets", FieldScope::Target, &kLuns}};
+
+tools::FieldShape ListShape(const Level& level) {
+    tools::Shape shape = ShapeOf(level.scope);
+    if (level.below != nullptr) {
+        shape.push_back(ListShape(*level.below));
+    }
+    return {.key = level.key,
+            .label = level.label,
+            .kind = tools::FieldKind::List,
+            .children = std::move(shape),
+            .layout = ListLayout::Sections};
+}
+
+void AddList(const Level& level, std::vector<Record> records, Record& result) {
+    const tools::FieldShape shape = ListShape(level);
+    result.AddList(shape.key, shape.label, shape.layout, tools::PrototypeOf(shape.children), "",
+                   std::move(records));
+}
+
+// All `count` owners, each with those of the parts that name it as theirs.
+template <typename Owner, typename Part>
+void AddOwners(const Level& level, const Owner* owners, uint32_t count, const Part* parts,
+               uint32_t partCount, uint8_t Part::*owner, Record& result) {
+    std::vector<Record> records;
+    for (uint32_t index = 0; index < count; ++index) {
+        Record record = FieldsOf(level.scope, &owners[index]);
+        std::vector<Record> below;
+        for (uint32_t at = 0; at < partCount; ++at) {
+            if (parts[at].*owner == index) {
+                below.push_back(FieldsOf(level.below->scope, &parts[at]));
+            }
+        }
+        AddList(*level.below, std::move(below), record);
+        records.push_back(std::move(record));
+    }
+    AddList(level, std::move(records), result);
+}
+
 // The same values, under the same names, as in a profile file.
 void AddProfile(const Profile& profile, Record& result) {
     result.Add("name", "Name", Value::Text(profile.name));
-    std::vector<Record> adapters;
-    for (uint32_t index = 0; index < profile.adapterCount; ++index) {
-        Record adapter = FieldsOf(FieldScope::Adapter, &profile.adapters[index]);
-        std::vector<Record> ports;
-        for (uint32_t at = 0; at < profile.portCount; ++at) {
-            if (profile.ports[at].adapter == index) {
-                ports.push_back(FieldsOf(FieldScope::Port, &profile.ports[at]));
-            }
-        }
-        adapter.AddList("ports", "Ports", ListLayout::Sections,
-                        FieldsOf(FieldScope::Port, &profile.ports[0]), "", std::move(ports));
-        adapters.push_back(std::move(adapter));
-    }
-    result.AddList("adapters", "Adapters", ListLayout::Sections,
-                   FieldsOf(FieldScope::Adapter, &profile.adapters[0]), "", std::move(adapters));
-    std::vector<Record> targets;
-    for (uint32_t index = 0; index < profile.targetCount; ++index) {
-        Record target = FieldsOf(FieldScope::Target, &profile.targets[index]);
-        std::vector<Record> luns;
-        for (uint32_t at = 0; at < profile.lunCount; ++at) {
-            if (profile.luns[at].target == index) {
-                luns.push_back(FieldsOf(FieldScope::Lun, &profile.luns[at]));
-            }
-        }
-        target.AddList("luns", "LUNs", ListLayout::Sections,
-                       FieldsOf(FieldScope::Lun, &profile.luns[0]), "", std::move(luns));
-        targets.push_back(std::move(target));
-    }
-    result.AddList("targets", "Targets", ListLayout::Sections,
-                   FieldsOf(FieldScope::Target, &profile.targets[0]), "", std::move(targets));
+    AddOwners(kTop[0], profile.adapters, profile.adapterCount, profile.ports, profile.portCount,
+              &PortProfile::adapter, result);
+    AddOwners(kTop[1], profile.targets, profile.targetCount, profile.luns, profile.lunCount,
+              &LunProfile::target, result);
 }
 
 }  // namespace
@@ -87,10 +157,10 @@ ExitCode RunProfileList(tools::Invocation& invocation) {
     std::vector<Record> rows;
     for (const BuiltInProfile& row : kBuiltInProfileTable) {
         row.fill(*profile);
-        rows.push_back(SummaryRow(*profile, row.description));
+        rows.push_back(SummaryFields().Make({profile.get(), row.description}));
     }
-    invocation.Result().AddList("profiles", "Profiles", ListLayout::Table, SummaryRow({}, ""), "",
-                                std::move(rows));
+    invocation.Result().AddList("profiles", "Profiles", ListLayout::Table,
+                                SummaryFields().Prototype(), "", std::move(rows));
     return ExitCode::Done;
 }
 
@@ -113,12 +183,22 @@ ExitCode RunProfileShow(tools::Invocation& invocation) {
 ExitCode RunProfileValidate(tools::Invocation& invocation) {
     const auto profile = std::make_unique<Profile>();
     RequireProfileFile(invocation, invocation.Given().Text("FILE"), profile.get());
-    Record& result = invocation.Result();
-    result.Add("valid", "Valid", Value::Flag(true));
-    result.Add("name", "Name", Value::Text(profile->name));
-    result.Add("adapters", "Adapters", Value::Number(profile->adapterCount));
-    result.Add("ports", "Ports", Value::Number(profile->portCount));
+    invocation.Result() = ValidFields().Make(*profile);
     return ExitCode::Done;
+}
+
+tools::Shape ProfileListShape() {
+    return {{.key = "profiles",
+             .kind = tools::FieldKind::List,
+             .children = SummaryFields().ShapeOfAll()}};
+}
+
+tools::Shape ProfileShape() {
+    return {{.key = "name"}, ListShape(kTop[0]), ListShape(kTop[1])};
+}
+
+tools::Shape ProfileValidShape() {
+    return ValidFields().ShapeOfAll();
 }
 
 }  // namespace vxemu

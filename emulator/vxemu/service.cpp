@@ -44,12 +44,19 @@ ServiceState StateOf(DWORD state) {
     }
 }
 
+constexpr const char* kStateNames[] = {"not-installed", "stopped", "starting", "running",
+                                       "stopping"};
+
 }  // namespace
 
 const char* NameOf(ServiceState state) {
-    constexpr const char* kNames[] = {"not-installed", "stopped", "starting", "running",
-                                      "stopping"};
-    return kNames[static_cast<int>(state)];
+    return kStateNames[static_cast<int>(state)];
+}
+
+const tools::Fields<ServiceState>& ServiceFields() {
+    static const tools::Fields<ServiceState> kFields = {
+        {"service", "Service", tools::Choice(kStateNames), NameOf}};
+    return kFields;
 }
 
 std::string DriverService::DriverPath() {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "common/fields.h"
 #include "model/profile/profile.h"
 
 namespace vxemu {
@@ -12,6 +13,7 @@ namespace vxemu {
 enum class ServiceState : uint8_t { NotInstalled, Stopped, Starting, Running, Stopping };
 
 const char* NameOf(ServiceState state);
+const tools::Fields<ServiceState>& ServiceFields();
 
 // Functions return a Windows error code, 0 for success.
 class DriverService {

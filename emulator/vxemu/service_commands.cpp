@@ -14,7 +14,6 @@ namespace {
 
 using tools::ExitCode;
 using tools::Invocation;
-using tools::Value;
 
 constexpr std::chrono::seconds kPatience{10};
 constexpr const char* kDefaultProfile = "lab";
@@ -35,8 +34,24 @@ ServiceState Connect(Invocation& invocation, DriverService& service) {
 }
 
 ExitCode Report(Invocation& invocation, ServiceState state) {
-    invocation.Result().Add("service", "Service", Value::Text(NameOf(state)));
+    invocation.Result() = ServiceFields().Make(state);
     return ExitCode::Done;
+}
+
+struct Started {
+    std::string profile;
+    ServiceState state = ServiceState::Running;
+    std::unique_ptr<StatusReply> running{};  // null in a dry run
+};
+
+const tools::Fields<Started>& StartFields() {
+    static const tools::Fields<Started> kFields = {
+        {"profile", "Profile", tools::kText, &Started::profile},
+        {ServiceFields(), &Started::state},
+        {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
+         tools::ListLayout::Table, "No ports."},
+    };
+    return kFields;
 }
 
 void Install(Invocation& invocation, DriverService& service) {
@@ -145,12 +160,13 @@ ExitCode RunStart(Invocation& invocation) {
         Check(invocation, service.WaitFor(ServiceState::Running, kPatience, &state), kService);
         invocation.Changed();
     }
-    invocation.Result().Add("profile", "Profile", Value::Text(profile->name));
+    Started started = {profile->name};
     if (invocation.DryRun()) {
-        return Report(invocation, before);
+        started.state = before;
+    } else {
+        started.running = RunningDriver(invocation, false).Status();
     }
-    Report(invocation, ServiceState::Running);
-    AddPortList(*RunningDriver(invocation, false).Status(), invocation.Result());
+    invocation.Result() = StartFields().Make(started);
     return ExitCode::Done;
 }
 
@@ -166,6 +182,14 @@ ExitCode RunStop(Invocation& invocation) {
     }
     StopAndWait(invocation, service);
     return Report(invocation, ServiceState::Stopped);
+}
+
+tools::Shape ServiceShape() {
+    return ServiceFields().ShapeOfAll();
+}
+
+tools::Shape StartShape() {
+    return StartFields().ShapeOfAll();
 }
 
 }  // namespace vxemu

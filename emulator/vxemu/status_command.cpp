@@ -7,35 +7,66 @@
 #include "service.h"
 
 namespace vxemu {
+namespace {
 
 using tools::ExitCode;
+using tools::kInteger;
 using tools::Value;
+
+struct Status {
+    ServiceState state = ServiceState::NotInstalled;
+    std::unique_ptr<StatusReply> running;  // null unless the service runs
+};
+
+// A number of the running driver, or nothing.
+template <auto Member>
+std::optional<uint64_t> Count(const Status& status) {
+    return status.running != nullptr ? std::optional<uint64_t>((*status.running).*Member)
+                                     : std::nullopt;
+}
+
+Value Uptime(const Status& status) {
+    const auto uptime = Count<&StatusReply::uptime>(status);
+    return uptime ? Value::Number(*uptime).Shown(std::to_string(*uptime / 1000) + " s") : Value();
+}
+
+const tools::Fields<Status>& StatusFields() {
+    static const tools::Fields<Status> kFields = {
+        {ServiceFields(), &Status::state},
+        {"profile", "Profile", tools::kText.OrNull(),
+         [](const Status& s) {
+             return s.running != nullptr ? std::string(s.running->profileName) : std::string();
+         }},
+        {"uptime_ms", "Running for", tools::kCounter.OrAbsent(), Uptime},
+        {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
+        {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
+        {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
+         tools::ListLayout::Table, "No ports."},
+    };
+    return kFields;
+}
+
+}  // namespace
 
 ExitCode RunStatus(tools::Invocation& invocation) {
     DriverService service;
+    Status status;
     uint32_t error = service.Connect(false);
-    ServiceState state = ServiceState::NotInstalled;
     if (error == ERROR_SUCCESS) {
-        error = service.State(&state);
+        error = service.State(&status.state);
     }
     if (error != ERROR_SUCCESS) {
         invocation.Fail(error, "the driver service");
     }
-    tools::Record& result = invocation.Result();
-    result.Add("service", "Service", Value::Text(NameOf(state)));
-    if (state != ServiceState::Running) {
-        result.Add("profile", "", Value());
-        AddPortList({}, result);
-        return ExitCode::Done;
+    if (status.state == ServiceState::Running) {
+        status.running = RunningDriver(invocation, false).Status();
     }
-    const auto status = RunningDriver(invocation, false).Status();
-    result.Add("profile", "Profile", Value::Text(status->profileName));
-    result.Add("uptime_ms", "Running for",
-               Value::Number(status->uptime).Shown(std::to_string(status->uptime / 1000) + " s"));
-    result.Add("adapters", "Adapters", Value::Number(status->adapterCount));
-    result.Add("fault_rules", "Fault rules", Value::Number(status->faultCount));
-    AddPortList(*status, result);
+    invocation.Result() = StatusFields().Make(status);
     return ExitCode::Done;
+}
+
+tools::Shape StatusShape() {
+    return StatusFields().ShapeOfAll();
 }
 
 }  // namespace vxemu

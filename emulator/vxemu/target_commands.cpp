@@ -13,7 +13,6 @@ namespace {
 using tools::ExitCode;
 using tools::Invocation;
 using tools::Record;
-using tools::Value;
 
 TargetSelector RequireTarget(Invocation& invocation) {
     const Field* field = FindField(FieldScope::Target, "port_name", sizeof "port_name");
@@ -46,16 +45,27 @@ std::string NameOf(const LunSelector& lun) {
     return NameOf(lun.target) + " LUN " + std::to_string(lun.number);
 }
 
+const tools::Fields<TargetSelector>& TargetFields() {
+    static const tools::Fields<TargetSelector> kFields = {
+        {"target", "Target", tools::kText,
+         [](const TargetSelector& target) { return NameOf(target); }}};
+    return kFields;
+}
+
+const tools::Fields<LunSelector>& LunFields() {
+    static const tools::Fields<LunSelector> kFields = {
+        {TargetFields(), &LunSelector::target},
+        {"lun", "LUN", tools::kInteger, &LunSelector::number},
+    };
+    return kFields;
+}
+
 Record ResultOf(const TargetSelector& target) {
-    Record result;
-    result.Add("target", "Target", Value::Text(NameOf(target)));
-    return result;
+    return TargetFields().Make(target);
 }
 
 Record ResultOf(const LunSelector& lun) {
-    Record result = ResultOf(lun.target);
-    result.Add("lun", "LUN", Value::Number(lun.number));
-    return result;
+    return LunFields().Make(lun);
 }
 
 // Sends a change unless this is a dry run.
@@ -152,6 +162,22 @@ ExitCode RunLunRemove(Invocation& invocation) {
 ExitCode RunLunSet(Invocation& invocation) {
     return Set<LunSelector, LunFieldRequest>(invocation, FieldScope::Lun, control::kLunSet,
                                              RequireLun(invocation));
+}
+
+tools::Shape TargetShape() {
+    return TargetFields().ShapeOfAll();
+}
+
+tools::Shape TargetSetShape() {
+    return WithAssignments(TargetShape(), FieldScope::Target);
+}
+
+tools::Shape LunShape() {
+    return LunFields().ShapeOfAll();
+}
+
+tools::Shape LunSetShape() {
+    return WithAssignments(LunShape(), FieldScope::Lun);
 }
 
 }  // namespace vxemu

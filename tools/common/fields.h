@@ -175,6 +175,14 @@ class FieldRow {
         };
     }
 
+    // The fields of a part, among the source's own.
+    template <class Part, class Get>
+    FieldRow(const Fields<Part>& fields, Get get) : spliced_(fields.ShapeOfAll()) {
+        add_ = [&fields, get](const Source& source, Record& record) {
+            fields.AddTo(std::invoke(get, source), record);
+        };
+    }
+
     // A list. get gives a range of elements, or of pointers to them.
     template <class Element, class Get>
     requires(!std::is_pointer_v<std::invoke_result_t<Get, const Source&>>)
@@ -202,11 +210,17 @@ class FieldRow {
         };
     }
 
-    const FieldShape& ShapeOf() const { return shape_; }
+    void AppendShape(Shape& shape) const {
+        if (spliced_.empty()) {
+            shape.push_back(shape_);
+        }
+        shape.insert(shape.end(), spliced_.begin(), spliced_.end());
+    }
     void Add(const Source& source, Record& record) const { add_(source, record); }
 
   private:
     FieldShape shape_;
+    Shape spliced_;
     std::function<void(const Source&, Record&)> add_;
 };
 
@@ -225,16 +239,19 @@ class Fields {
         if (title_ != nullptr) {
             record.title = title_(source);
         }
+        AddTo(source, record);
+        return record;
+    }
+    void AddTo(const Source& source, Record& record) const {
         for (const FieldRow<Source>& row : rows_) {
             row.Add(source, record);
         }
-        return record;
     }
 
     Shape ShapeOfAll() const {
         Shape shape;
         for (const FieldRow<Source>& row : rows_) {
-            shape.push_back(row.ShapeOf());
+            row.AppendShape(shape);
         }
         return shape;
     }
