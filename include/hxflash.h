@@ -81,6 +81,12 @@ typedef struct HX_COMPANION_REQUEST {
     uint32_t capacity;  /* 12  information: room for data, in bytes */
 } HX_COMPANION_REQUEST;
 
+/* Where an NVRAM variable stands in its block, 4 bytes. */
+typedef struct HX_VARIABLE_FIELD {
+    uint16_t firstBit; /*  0  bit 0 is the lowest bit of the block's first byte */
+    uint16_t width;    /*  2  bits; 0: the chip has no such variable */
+} HX_VARIABLE_FIELD;
+
 #pragma pack(pop)
 
 enum HX_COMPANION_OPERATION {
@@ -266,6 +272,14 @@ uint32_t HXGetVariableValue(uint32_t handle, const void* block, uint32_t variabl
 /* Returns 1 when the block was changed, 0 when the value was there already or is unknown; value is
    cut to the variable's width. */
 uint32_t HXSetVariableValue(uint32_t handle, void* block, uint32_t variable, uint32_t value);
+/*
+ * Where the variables stand in a block of the handle's chip, all with one question to the driver:
+ * fields[N] is the place of variable N. *count is the room in records on entry and
+ * HX_NVRAM_VARIABLES on return; HXMGT_BUFFER_TOO_SMALL when the room was less (the first ones are
+ * written), with a room of 0 the list may be null. After any other failure *count is 0: that of the
+ * question for the chip.
+ */
+HX_STATUS HXGetVariableFields(uint32_t handle, HX_VARIABLE_FIELD* fields, uint32_t* count);
 /* What a variable is; null for HX_NVRAM_VARIABLES and above. */
 const char* HXGetVariableDescription(uint32_t reserved, uint32_t variable);
 /* Not 0 when a variable may not be changed on the chip family of a classic block. */

@@ -510,6 +510,10 @@ uint32_t HXSetVariableValue(uint32_t handle, void* block, uint32_t variable, uin
     return flash::SetVariable(handle, block, variable, value);
 }
 
+HX_STATUS HXGetVariableFields(uint32_t handle, HX_VARIABLE_FIELD* fields, uint32_t* count) {
+    return flash::GetVariableFields(handle, fields, count);
+}
+
 const char* HXGetVariableDescription(uint32_t, uint32_t variable) {
     return flash::DescribeVariable(variable);
 }

@@ -35,6 +35,7 @@ HX_STATUS UpdateNvram(uint32_t handle, uint32_t mode, void* buffer, uint32_t siz
 HX_STATUS VerifyNvram(uint32_t handle);
 uint32_t GetVariable(uint32_t handle, const void* block, uint32_t variable);
 uint32_t SetVariable(uint32_t handle, void* block, uint32_t variable, uint32_t value);
+HX_STATUS GetVariableFields(uint32_t handle, HX_VARIABLE_FIELD* fields, uint32_t* count);
 const char* DescribeVariable(uint32_t variable);
 bool IsReadOnlyVariable(const void* block, uint32_t variable);
 bool WriteNvramFile(const void* block, const char* path);

@@ -18,6 +18,7 @@ namespace {
 static_assert(HX_NVRAM_CLASSIC_BYTES == kClassicBlock);
 static_assert(HX_NVRAM_EXTENDED_BYTES == kExtendedBlock);
 static_assert(HX_NVRAM_VARIABLES == kVariables);
+static_assert(sizeof(HX_VARIABLE_FIELD) == 4);
 
 constexpr uint32_t kRestartWaitMs = 500;
 
@@ -214,6 +215,27 @@ uint32_t SetVariable(uint32_t handle, void* block, uint32_t variable, uint32_t v
     }
     return SetVariable({static_cast<uint8_t*>(block), BlockBytes(kind)}, kind, variable, value) ? 1
                                                                                                 : 0;
+}
+
+HX_STATUS GetVariableFields(uint32_t handle, HX_VARIABLE_FIELD* fields, uint32_t* count) {
+    if (frame::OpenRecord(handle) == nullptr) {
+        return HXMGT_INVALID_HANDLE;
+    }
+    if (count == nullptr || (fields == nullptr && *count != 0)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    const uint32_t room = *count;
+    *count = 0;
+    BlockKind kind{};
+    if (const HX_STATUS status = KindOfBlock(handle, kind); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    for (uint32_t variable = 0; variable < kVariables && variable < room; ++variable) {
+        const BitPlace place = PlaceOf(kind, variable);
+        fields[variable] = {place.first, place.width};
+    }
+    *count = kVariables;
+    return room < kVariables ? HX_STATUS{HXMGT_BUFFER_TOO_SMALL} : HX_STATUS{HXMGT_SUCCESS};
 }
 
 const char* DescribeVariable(uint32_t variable) {

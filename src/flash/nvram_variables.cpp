@@ -1,6 +1,7 @@
 #include "flash/nvram_variables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <iterator>
 #include <numeric>
@@ -64,6 +65,13 @@ bool SetVariable(std::span<uint8_t> block, BlockKind kind, uint32_t index, uint3
     const uint32_t word = cleared | ((value & field->mask) << field->shift);
     std::memcpy(block.data() + field->offset, &word, field->wordBytes);
     return true;
+}
+
+BitPlace PlaceOf(BlockKind kind, uint32_t index) {
+    const std::optional<Field> field = FieldOf(kind, index);
+    return field ? BitPlace{static_cast<uint16_t>(field->offset * 8 + field->shift),
+                            static_cast<uint16_t>(std::bit_width(field->mask))}
+                 : BitPlace{};
 }
 
 bool IsReadOnly(std::span<const uint8_t> classicBlock, uint32_t index) {

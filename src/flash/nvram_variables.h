@@ -53,6 +53,13 @@ uint32_t GetVariable(std::span<const uint8_t> block, BlockKind kind, uint32_t in
 // Stores a value, cut to the variable's width; false when it was there already.
 bool SetVariable(std::span<uint8_t> block, BlockKind kind, uint32_t index, uint32_t value);
 
+// Where a variable stands in a block, bit 0 being the lowest of its first byte. Width 0: nowhere.
+struct BitPlace {
+    uint16_t first;
+    uint16_t width;
+};
+BitPlace PlaceOf(BlockKind kind, uint32_t index);
+
 // True when a variable may not be changed on the family of a classic block.
 bool IsReadOnly(std::span<const uint8_t> classicBlock, uint32_t index);
 

@@ -238,6 +238,48 @@ TEST_F(NvramAccessTest, VariablesByChip) {
     EXPECT_NE(0u, HXIsVariableReadOnly(classic.Data(), 0));
 }
 
+// Each place is what setting all of the variable's bits changes in an empty block.
+TEST_F(NvramAccessTest, PlacesOfVariables) {
+    for (const uint16_t chip : {uint16_t{0x7300}, uint16_t{0x7740}}) {
+        Reopen("9.04.02", chip);
+        const size_t bytes = chip == 0x7300 ? 256 : 512;
+        GuardedBuffer room(HX_NVRAM_VARIABLES * sizeof(HX_VARIABLE_FIELD));
+        auto* const fields = reinterpret_cast<HX_VARIABLE_FIELD*>(room.Data());
+        uint32_t count = HX_NVRAM_VARIABLES;
+        port->Forget();
+        ASSERT_EQ(0u, HXGetVariableFields(handle, fields, &count));
+        EXPECT_EQ(1u, port->Requests().size());
+        EXPECT_EQ(188u, count);
+        for (uint32_t number = 0; number < count; ++number) {
+            Bytes made(bytes);
+            for (uint32_t i = 0; i < fields[number].width; ++i) {
+                const uint32_t bit = fields[number].firstBit + i;
+                ASSERT_LT(bit / 8, bytes) << number;
+                made[bit / 8] = static_cast<uint8_t>(made[bit / 8] | 1 << bit % 8);
+            }
+            Bytes block(bytes);
+            HXSetVariableValue(handle, block.data(), number, UINT32_MAX);
+            EXPECT_EQ(block, made) << number << " of " << chip;
+        }
+        GuardedBuffer few(10 * sizeof *fields);
+        count = 10;
+        EXPECT_EQ(
+            HXMGT_BUFFER_TOO_SMALL,
+            HXGetVariableFields(handle, reinterpret_cast<HX_VARIABLE_FIELD*>(few.Data()), &count));
+        EXPECT_EQ(188u, count);
+        EXPECT_EQ(0, memcmp(room.Data(), few.Data(), few.Size()));
+    }
+    uint32_t count = 0;
+    EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL, HXGetVariableFields(handle, nullptr, &count));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetVariableFields(handle, nullptr, &count));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetVariableFields(handle, nullptr, nullptr));
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetVariableFields(0, nullptr, &count));
+    port->On(command::ChipProperties, {.error = ERROR_GEN_FAILURE});
+    count = 0;
+    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_GEN_FAILURE),
+              HXGetVariableFields(handle, nullptr, &count));
+}
+
 TEST_F(NvramAccessTest, TextFile) {
     GuardedBuffer block(256, 0);
     for (uint32_t i = 4; i < 256; ++i) {

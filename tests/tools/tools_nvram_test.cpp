@@ -55,23 +55,6 @@ const NvramVariable& Named(const NvramMap& map, const char* name) {
     return variable != nullptr ? *variable : map.variables.front();
 }
 
-TEST(ToolsNvramFields, AreLearnedFromOneRunOfOnes) {
-    Block block(8);
-    EXPECT_FALSE(FieldOfOnes(block));
-    block[1] = 0x80;
-    block[2] = 0x03;
-    ASSERT_TRUE(FieldOfOnes(block));
-    EXPECT_EQ(FieldOfOnes(block)->first, 15u);
-    EXPECT_EQ(FieldOfOnes(block)->width, 3u);
-    block[7] = 1;  // a second run
-    EXPECT_FALSE(FieldOfOnes(block));
-    Block wide(8);
-    std::fill_n(wide.begin() + 2, 4, uint8_t{0xFF});
-    EXPECT_EQ(FieldOfOnes(wide)->width, 32u);
-    wide[6] = 1;
-    EXPECT_FALSE(FieldOfOnes(wide));
-}
-
 TEST(ToolsNvramFields, ValuesStayWithinTheirBits) {
     const NvramMap map = SmallMap();
     Block block(512, 0xFF);

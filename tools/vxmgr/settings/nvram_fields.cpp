@@ -7,7 +7,6 @@
 namespace vxmgr {
 namespace {
 
-constexpr uint32_t kWidest = 32;
 constexpr uint32_t kSignatureVariable = 0;
 constexpr std::string_view kReserved = "Reserved";
 constexpr size_t kNamesInError = 5;
@@ -69,22 +68,6 @@ std::string Quoted(std::string_view text) {
 }
 
 }  // namespace
-
-std::optional<BitField> FieldOfOnes(Bytes block) {
-    BitField field;
-    for (uint32_t bit = 0; bit < block.size() * 8; ++bit) {
-        if (!BitAt(block, bit)) {
-            continue;
-        }
-        if (field.width == 0) {
-            field.first = bit;
-        } else if (bit != field.first + field.width || field.width == kWidest) {
-            return std::nullopt;
-        }
-        ++field.width;
-    }
-    return field.width != 0 ? std::optional(field) : std::nullopt;
-}
 
 uint32_t NvramVariable::Most() const {
     return field ? static_cast<uint32_t>((uint64_t{1} << field->width) - 1) : 0;

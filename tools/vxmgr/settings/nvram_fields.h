@@ -19,10 +19,6 @@ struct BitField {
     uint32_t width = 0;
 };
 
-// The field that was filled with ones in an empty block: nothing unless it is one run of at most 32
-// bits.
-std::optional<BitField> FieldOfOnes(Bytes block);
-
 enum class NvramRole : uint8_t {
     Plain,
     Fixed,     // signature and checksum: made, never set

@@ -1,6 +1,6 @@
 #include "vxmgr/settings/nvram_port.h"
 
-#include <algorithm>
+#include <array>
 #include <set>
 
 #include "common/status_codes.h"
@@ -11,18 +11,6 @@ namespace {
 using tools::ExitCode;
 
 constexpr uint32_t kLargestRegion = 65536;
-
-// What setting all bits of a variable changes in an empty block.
-std::optional<BitField> LearnField(uint32_t handle, uint32_t number) {
-    uint8_t block[HX_NVRAM_EXTENDED_BYTES] = {};
-    // A failure changes nothing; its status would read as a value.
-    HXSetVariableValue(handle, block, number, UINT32_MAX);
-    const auto field = FieldOfOnes(block);
-    NvramVariable variable;
-    variable.field = field;
-    return field && HXGetVariableValue(handle, block, number) == variable.Most() ? field
-                                                                                 : std::nullopt;
-}
 
 // The library tells that a region is larger than the room, not how large: one of the layout's sizes
 // it is.
@@ -63,21 +51,25 @@ void MarkReadOnly(NvramMap& map, const std::vector<uint8_t>& block) {
 
 NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& session) {
     NvramMap map;
-    for (uint32_t number = 0; number < HX_NVRAM_VARIABLES; ++number) {
+    std::array<HX_VARIABLE_FIELD, HX_NVRAM_VARIABLES> fields{};
+    uint32_t count = HX_NVRAM_VARIABLES;
+    const HX_STATUS status = HXGetVariableFields(session.Handle(), fields.data(), &count);
+    if (status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the chip does not tell which NVRAM variables it has",
+                        session.port.Object());
+    }
+    for (uint32_t number = 0; number < fields.size(); ++number) {
         auto variable = DescribedVariable(number, HXGetVariableDescription(0, number));
         if (!variable) {
             continue;
         }
-        variable->field = LearnField(session.Handle(), number);
-        const bool beyond = variable->field && variable->field->first / 8 >= HX_NVRAM_CLASSIC_BYTES;
+        const HX_VARIABLE_FIELD& field = fields[number];
+        if (field.width != 0) {
+            variable->field = BitField{field.firstBit, field.width};
+        }
+        const bool beyond = field.width != 0 && field.firstBit / 8 >= HX_NVRAM_CLASSIC_BYTES;
         map.kind = beyond ? NvramKind::Extended : map.kind;
         map.variables.push_back(std::move(*variable));
-    }
-    const bool any = std::any_of(map.variables.begin(), map.variables.end(),
-                                 [](const NvramVariable& v) { return v.field.has_value(); });
-    if (!any) {
-        invocation.Fail(ExitCode::NotSupported, "the library knows no NVRAM variable of this chip",
-                        "its PCI identity may not be readable: see `port show`");
     }
     return map;
 }

@@ -11,8 +11,8 @@
 
 namespace vxmgr {
 
-// Learns from the library which variables the port's chip has and where they stand. Ends the
-// command when the library knows none.
+// Which variables the port's chip has and where they stand. Ends the command when the chip does
+// not tell.
 NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& session);
 
 struct PortNvram {
