@@ -5,7 +5,9 @@
  *
  * The operating system addresses a logical unit by SCSI port, bus, target and LUN; the SCSI port is
  * the handle's (dwScsiPort), bus and target are those of the discovered port (HX_DISCOVERED_PORT).
- * All answers are the operating system's at the time of the call. Devices that it refuses to tell
+ * All answers are the operating system's at the time of the call, which has to ask each of its
+ * devices: whoever wants to know about many logical units takes HXListOsDevices and
+ * HXListDiskVolumes, once, instead of a call for each. Devices that it refuses to tell
  * about are passed over; LUNs above 255 have no such address.
  *
  * Lists: *count is the room in records on entry and the true number on return;
@@ -69,6 +71,13 @@ typedef struct HX_DISK_EXTENT {
     uint64_t length;   /* 16  bytes */
 } HX_DISK_EXTENT;
 
+/* A disk that a volume lives on, 352 bytes. */
+typedef struct HX_DISK_VOLUME {
+    uint32_t disk;     /*  0  device number: N of "\\.\PhysicalDriveN" */
+    uint32_t reserved; /*  4 */
+    HX_VOLUME volume;  /*  8  with what of it is on this disk */
+} HX_DISK_VOLUME;
+
 #pragma pack(pop)
 
 /*
@@ -92,6 +101,20 @@ HX_STATUS HXMapVolumeToScsiTarget(uint32_t handle, const char* volume, HX_OS_DEV
 
 /* The stretches of disk that a volume consists of, of whatever adapter. Statuses as above. */
 HX_STATUS HXGetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count);
+
+/*
+ * Every disk, tape and changer of the operating system that has a SCSI address, of whatever
+ * adapter, ascending by SCSI port, bus, target and LUN. Nothing is said of remote ports (discovered
+ * is 0): they are those at bus and target in the port database. No adapter is asked. Statuses: or
+ * the Windows error of the list of devices.
+ */
+HX_STATUS HXListOsDevices(HX_OS_DEVICE* devices, uint32_t* count);
+
+/*
+ * Every volume with each disk that it lives on: a record for each pair, of whatever adapter. A
+ * volume that does not tell, such as an empty drive, is on no disk.
+ */
+HX_STATUS HXListDiskVolumes(HX_DISK_VOLUME* volumes, uint32_t* count);
 
 #ifdef __cplusplus
 }

@@ -599,6 +599,14 @@ HX_STATUS HXGetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t
     return mapping::GetDiskExtents(volume, extents, count);
 }
 
+HX_STATUS HXListOsDevices(HX_OS_DEVICE* devices, uint32_t* count) {
+    return mapping::ListOsDevices(devices, count);
+}
+
+HX_STATUS HXListDiskVolumes(HX_DISK_VOLUME* volumes, uint32_t* count) {
+    return mapping::ListDiskVolumes(volumes, count);
+}
+
 // The standard API: everything but this is called through the table it fills.
 
 HBA_STATUS HBA_RegisterLibrary(HBA_ENTRYPOINTS* entryPoints) {

@@ -16,9 +16,10 @@ namespace hbaapi {
 namespace {
 
 // Empty when the system has no device of the port, or cannot tell.
-void PutOsDeviceName(uint32_t scsiPort, const HX_DISCOVERED_DEVICE& port, HBA_PORTATTRIBUTES& out) {
+void PutOsDeviceName(uint32_t handle, uint32_t scsiPort, const HX_DISCOVERED_DEVICE& port,
+                     HBA_PORTATTRIBUTES& out) {
     mapping::OsDevices devices;
-    if (devices.Fetch(scsiPort) != HXMGT_SUCCESS) {
+    if (devices.FetchAt(handle, scsiPort, port.bus, port.target) != HXMGT_SUCCESS) {
         return;
     }
     if (const HX_OS_DEVICE* const device = devices.At(port.bus, port.target)) {
@@ -56,7 +57,7 @@ HBA_STATUS GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 portIndex,
     out.PortFcId = FcIdOf(port.portId);
     out.PortType = HBA_PORTTYPE_UNKNOWN;
     out.PortState = HBA_PORTSTATE_UNKNOWN;
-    PutOsDeviceName(device.dwScsiPort, port, out);
+    PutOsDeviceName(handle, device.dwScsiPort, port, out);
 
     VX_TRACE(handle, "HBAGetDiscoveredPortAttributes (Port %d, Disc Index %d)\n",
              static_cast<int>(portIndex), static_cast<int>(discoveredPortIndex));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 
 #include "hxmapping.h"
 
@@ -39,6 +40,13 @@ DeviceName ParseDeviceName(std::string_view name) {
         return whole && IsDigit(digits[0]) ? DeviceName{row.type, number} : kNone;
     }
     return kNone;
+}
+
+void WriteDiskName(uint32_t number, DiskNameText& out) {
+    const std::string_view prefix = kNames[0].prefix;
+    static_assert(kNames[0].type == HX_OS_DEVICE_DISK);
+    char* const digits = std::copy(prefix.begin(), prefix.end(), out);
+    *std::to_chars(digits, std::end(out) - 1, number).ptr = 0;
 }
 
 bool JoinText(std::string_view first, std::string_view second, std::span<char> out) {

@@ -19,6 +19,10 @@ struct DeviceName {
 // A name as the system lists it, without the prefix: "PhysicalDrive12".
 DeviceName ParseDeviceName(std::string_view name);
 
+// "PhysicalDrive12", terminated.
+using DiskNameText = char[24];
+void WriteDiskName(uint32_t number, DiskNameText& out);
+
 // Writes the names one after another, terminated. False when they do not fit; out is empty then.
 bool JoinText(std::string_view first, std::string_view second, std::span<char> out);
 

@@ -34,45 +34,48 @@ const HX_OS_DEVICE* FindDevice(std::span<const HX_OS_DEVICE> devices,
     return nullptr;
 }
 
-// False when no part of the volume is on the disk.
-bool Describe(const VolumeName& name, uint32_t disk, HX_VOLUME& volume) {
-    VolumeExtents extents;
-    // A volume that does not tell, such as an empty drive, is on no disk.
-    if (extents.Fetch(name) != HXMGT_SUCCESS) {
-        return false;
+// Visits the number of each disk once, in the extents' order.
+template <typename Visit>
+void ForEachDisk(std::span<const HX_DISK_EXTENT> extents, Visit visit) {
+    for (size_t i = 0; i < extents.size(); ++i) {
+        const uint32_t disk = extents[i].disk;
+        const auto isDisk = [disk](const HX_DISK_EXTENT& extent) { return extent.disk == disk; };
+        const auto before = extents.first(i);
+        if (std::none_of(before.begin(), before.end(), isDisk)) {
+            visit(disk);
+        }
     }
-    volume = {};
-    for (const HX_DISK_EXTENT& extent : extents.Records()) {
+}
+
+// What of the volume is on the disk.
+HX_VOLUME Describe(const VolumeName& name, std::span<const HX_DISK_EXTENT> extents, uint32_t disk) {
+    HX_VOLUME volume{};
+    for (const HX_DISK_EXTENT& extent : extents) {
         ++volume.extents;
         if (extent.disk == disk) {
             ++volume.extentsOnDisk;
             volume.bytesOnDisk += extent.length;
         }
     }
-    if (volume.extentsOnDisk == 0) {
-        return false;
-    }
     JoinText(FirstOf(name), {}, volume.name);
     PathOfVolume(name, volume.path);
-    return true;
+    return volume;
 }
 
-// A device for each disk of the extents that is among the devices, in the extents' order.
-void AddDisks(std::span<const HX_DISK_EXTENT> extents, std::span<const HX_OS_DEVICE> devices,
-              frame::CallerList<HX_OS_DEVICE>& out) {
-    for (size_t i = 0; i < extents.size(); ++i) {
-        const uint32_t disk = extents[i].disk;
-        const auto isDisk = [disk](const HX_DISK_EXTENT& extent) { return extent.disk == disk; };
-        const auto before = extents.first(i);
-        if (std::any_of(before.begin(), before.end(), isDisk)) {
-            continue;
-        }
-        const auto device =
-            std::find_if(devices.begin(), devices.end(), [disk](const HX_OS_DEVICE& candidate) {
-                return candidate.type == HX_OS_DEVICE_DISK && candidate.number == disk;
+// Visits every pair of a volume and a disk that it lives on and that the caller wants.
+template <typename Wants, typename Visit>
+void ForEachDiskVolume(Wants wants, Visit visit) {
+    VolumeSearch search;
+    VolumeName name;
+    while (search.Next(name)) {
+        VolumeExtents extents;
+        // A volume that does not tell, such as an empty drive, is on no disk.
+        if (extents.Fetch(name) == HXMGT_SUCCESS) {
+            ForEachDisk(extents.Records(), [&](uint32_t disk) {
+                if (wants(disk)) {
+                    visit(disk, Describe(name, extents.Records(), disk));
+                }
             });
-        if (device != devices.end()) {
-            out.Add(*device);
         }
     }
 }
@@ -99,7 +102,7 @@ HX_STATUS PortDevices::Fetch(uint32_t handle) {
     if (const HX_STATUS status = ports.Fetch(handle); status != HXMGT_SUCCESS) {
         return status;
     }
-    const HX_STATUS status = devices_.Fetch(device->dwScsiPort);
+    const HX_STATUS status = devices_.FetchBehind(handle, device->dwScsiPort);
     if (status == HXMGT_SUCCESS) {
         NamePorts(ports, devices_.Records());
     }
@@ -128,14 +131,8 @@ HX_STATUS MapTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* target, HX_
         *device = *found;
     }
     if (found->type == HX_OS_DEVICE_DISK) {
-        VolumeSearch search;
-        VolumeName name;
-        while (search.Next(name)) {
-            HX_VOLUME volume;
-            if (Describe(name, found->number, volume)) {
-                out.Add(volume);
-            }
-        }
+        ForEachDiskVolume([&](uint32_t disk) { return disk == found->number; },
+                          [&](uint32_t, const HX_VOLUME& volume) { out.Add(volume); });
     }
     return out.Close();
 }
@@ -159,7 +156,16 @@ HX_STATUS MapVolumeToTargets(uint32_t handle, const char* volume, HX_OS_DEVICE* 
     if (const HX_STATUS status = behindPort.Fetch(handle); status != HXMGT_SUCCESS) {
         return status;
     }
-    AddDisks(extents.Records(), behindPort.Records(), out);
+    ForEachDisk(extents.Records(), [&](uint32_t disk) {
+        const auto known = behindPort.Records();
+        const auto device =
+            std::find_if(known.begin(), known.end(), [disk](const HX_OS_DEVICE& candidate) {
+                return candidate.type == HX_OS_DEVICE_DISK && candidate.number == disk;
+            });
+        if (device != known.end()) {
+            out.Add(*device);
+        }
+    });
     return out.Found() != 0 ? out.Close() : HX_STATUS{HXMGT_DEVICE_NOT_FOUND};
 }
 
@@ -180,6 +186,33 @@ HX_STATUS GetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* 
     for (const HX_DISK_EXTENT& extent : found.Records()) {
         out.Add(extent);
     }
+    return out.Close();
+}
+
+HX_STATUS ListOsDevices(HX_OS_DEVICE* devices, uint32_t* count) {
+    if (!frame::CallerList<HX_OS_DEVICE>::Accepts(devices, count)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    frame::CallerList<HX_OS_DEVICE> out(devices, count);
+    OsDevices found;
+    if (const HX_STATUS status = found.FetchAll(); status != HXMGT_SUCCESS) {
+        return status;
+    }
+    for (const HX_OS_DEVICE& device : found.Records()) {
+        out.Add(device);
+    }
+    return out.Close();
+}
+
+HX_STATUS ListDiskVolumes(HX_DISK_VOLUME* volumes, uint32_t* count) {
+    if (!frame::CallerList<HX_DISK_VOLUME>::Accepts(volumes, count)) {
+        return HXMGT_INVALID_PARAMETER;
+    }
+    frame::CallerList<HX_DISK_VOLUME> out(volumes, count);
+    ForEachDiskVolume([](uint32_t) { return true; },
+                      [&](uint32_t disk, const HX_VOLUME& volume) {
+                          out.Add({disk, 0, volume});
+                      });
     return out.Close();
 }
 

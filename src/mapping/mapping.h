@@ -15,6 +15,8 @@ HX_STATUS MapTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* target, HX_
 HX_STATUS MapVolumeToTargets(uint32_t handle, const char* volume, HX_OS_DEVICE* devices,
                              uint32_t* count);
 HX_STATUS GetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count);
+HX_STATUS ListOsDevices(HX_OS_DEVICE* devices, uint32_t* count);
+HX_STATUS ListDiskVolumes(HX_DISK_VOLUME* volumes, uint32_t* count);
 
 // Puts the names of the port at each device's bus and target into the device.
 void NamePorts(const DiscoveredPorts& ports, std::span<HX_OS_DEVICE> devices);

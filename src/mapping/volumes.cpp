@@ -23,6 +23,8 @@ static_assert(sizeof(HX_VOLUME) == 344);
 static_assert(offsetof(HX_VOLUME, path) == 64);
 static_assert(offsetof(HX_VOLUME, extents) == 324);
 static_assert(offsetof(HX_VOLUME, bytesOnDisk) == 336);
+static_assert(sizeof(HX_DISK_VOLUME) == 352);
+static_assert(offsetof(HX_DISK_VOLUME, volume) == 8);
 
 constexpr size_t kLongestText = 259;
 constexpr uint32_t kFirstExtents = 16;

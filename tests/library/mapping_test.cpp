@@ -1,5 +1,6 @@
 // Target logical units, operating system devices and volumes.
 #include "mapping/device_names.h"
+#include "mapping/unit_list.h"
 #include "support/hbaapi_fixture.h"
 #include "support/system_devices.h"
 
@@ -32,6 +33,9 @@ TEST(MappingNames, Devices) {
         EXPECT_EQ(row.type, parsed.type) << row.name;
         EXPECT_EQ(row.number, parsed.number) << row.name;
     }
+    mapping::DiskNameText name;
+    mapping::WriteDiskName(UINT32_MAX, name);
+    EXPECT_STREQ("PhysicalDrive4294967295", name);
 }
 
 class MappingTest : public HbaApiTest {
@@ -250,6 +254,163 @@ TEST_F(MappingTest, DiskExtents) {
     EXPECT_EQ(0u, count);
 }
 
+TEST_F(MappingTest, EverythingAtOnce) {
+    devices.Add("PhysicalDrive5", {4, 0, 4, 0}, 5);
+    devices.Add("PhysicalDrive6", {3, 1, 0, 0}, 6);
+    devices.Add("PhysicalDrive7", {3, 0, 9, 1}, 7);
+    devices.Add("Tape0", {3, 0, 9, 0}, 0);
+    devices.Add("PhysicalDrive8", {3, 0, 9, 2}, 8).hasAddress = false;
+    system.opens.clear();
+    port->Forget();
+    Guarded<HX_OS_DEVICE[4]> room;
+    auto* const found = reinterpret_cast<HX_OS_DEVICE*>(room.Get());
+    uint32_t count = 4;
+    ASSERT_EQ(0u, HXListOsDevices(found, &count));
+    EXPECT_EQ(5u, system.opens.size()) << "each device once";
+    EXPECT_EQ(0u, port->Requests().size());
+    ASSERT_EQ(4u, count);
+    const char* const inOrder[] = {"Tape0", "PhysicalDrive7", "PhysicalDrive6", "PhysicalDrive5"};
+    for (uint32_t i = 0; i < count; ++i) {
+        EXPECT_EQ(std::string("\\\\.\\") + inOrder[i], found[i].name);
+        EXPECT_EQ(i < 3 ? 3 : 4, found[i].scsiPort);
+        EXPECT_EQ(0, found[i].discovered);
+    }
+    count = 0;
+    EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL, HXListOsDevices(nullptr, &count));
+    EXPECT_EQ(4u, count);
+    devices.listError = ERROR_ACCESS_DENIED;
+    EXPECT_EQ(ERROR_ACCESS_DENIED, HXListOsDevices(found, &count));
+    EXPECT_EQ(0u, count);
+
+    devices.AddVolume("1", {{5, 0, 1024, 4096}}, {"E:\\"});
+    devices.AddVolume("2", {{6, 0, 0, 10}, {5, 0, 0, 20}, {6, 0, 99, 30}});
+    devices.AddVolume("3", {{5, 0, 0, 7}}).error = ERROR_NOT_READY;
+    const struct {
+        uint32_t disk;
+        const char* name;
+        uint32_t extents;
+        uint64_t bytes;
+    } rows[] = {{5, "1", 1, 4096}, {6, "2", 2, 40}, {5, "2", 1, 20}};
+    system.opens.clear();
+    Guarded<HX_DISK_VOLUME[3]> volumeRoom;
+    auto* const volumes = reinterpret_cast<HX_DISK_VOLUME*>(volumeRoom.Get());
+    count = 3;
+    ASSERT_EQ(0u, HXListDiskVolumes(volumes, &count));
+    EXPECT_EQ(3u, system.opens.size()) << "volumes alone";
+    ASSERT_EQ(std::size(rows), count);
+    for (uint32_t i = 0; i < count; ++i) {
+        EXPECT_EQ(rows[i].disk, volumes[i].disk);
+        EXPECT_EQ(SystemDevices::VolumeName(rows[i].name), volumes[i].volume.name);
+        EXPECT_EQ(rows[i].extents, volumes[i].volume.extentsOnDisk);
+        EXPECT_EQ(rows[i].bytes, volumes[i].volume.bytesOnDisk);
+    }
+    EXPECT_STREQ("E:\\", volumes[0].volume.path);
+    EXPECT_EQ(3u, volumes[2].volume.extents);
+    count = 0;
+    EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL, HXListDiskVolumes(nullptr, &count));
+    EXPECT_EQ(3u, count);
+}
+
+struct ListedAs {
+    ScsiLocation at;
+    uint8_t peripheral;
+};
+
+// A port's list of units on as many buses as it takes; wide: more bytes than are asked for at
+// first.
+Bytes UnitList(const std::vector<ListedAs>& units, size_t inquiry = 36) {
+    constexpr uint8_t kBuses = 2;
+    Bytes list = {kBuses, 0, 0, 0};
+    list.resize(sizeof(mapping::UnitListHead) + kBuses * sizeof(mapping::UnitListBus));
+    for (uint8_t bus = 0; bus < kBuses; ++bus) {
+        size_t link = sizeof(mapping::UnitListHead) + bus * sizeof(mapping::UnitListBus) + 4;
+        for (const ListedAs& row : units) {
+            if (row.at.bus != bus) {
+                continue;
+            }
+            const auto place = static_cast<uint32_t>(list.size());
+            memcpy(list.data() + link, &place, sizeof place);
+            ++list[sizeof(mapping::UnitListHead) + bus * sizeof(mapping::UnitListBus)];
+            const mapping::ListedUnit unit = {
+                bus, row.at.target, row.at.lun, 1, static_cast<uint32_t>(inquiry), 0};
+            const Bytes bytes = BytesOf(unit);
+            list.insert(list.end(), bytes.begin(), bytes.end());
+            link = list.size() - 4;
+            list.resize(list.size() + inquiry);
+            list[place + sizeof unit] = row.peripheral;
+        }
+    }
+    return list;
+}
+
+TEST(MappingUnits, DamagedListsTellNothing) {
+    const Bytes whole = UnitList({{{3, 0, 4, 0}, 0}, {{3, 1, 5, 7}, 1}, {{3, 1, 5, 8}, 5}});
+    std::string seen;
+    const auto visit = [&](const mapping::ListedUnit& unit) {
+        seen += std::to_string(unit.bus) + ":" + std::to_string(unit.target) + ":" +
+                std::to_string(unit.lun) + " ";
+    };
+    EXPECT_TRUE(mapping::ForEachUnit(whole, visit));
+    EXPECT_EQ("0:4:0 1:5:7 ", seen) << "no CD drive";
+    for (size_t length = 0; length + 36 <= whole.size(); ++length) {
+        GuardedBuffer cut(length);
+        memcpy(cut.Data(), whole.data(), length);
+        EXPECT_FALSE(mapping::ForEachUnit({cut.Data(), length}, visit)) << length;
+    }
+    for (size_t at = 0; at < whole.size(); ++at) {
+        for (const uint8_t value : {uint8_t{20}, uint8_t{0xFF}}) {
+            GuardedBuffer bytes(whole.size());
+            memcpy(bytes.Data(), whole.data(), whole.size());
+            bytes.Data()[at] = value;
+            mapping::ForEachUnit({bytes.Data(), whole.size()}, [](const mapping::ListedUnit&) {});
+        }
+    }
+}
+
+// A port that lists its units spares the devices of other ports, and hides nothing for that.
+TEST_F(MappingTest, PortsThatTellTheirUnits) {
+    AnswerDiscovered({{1, 0, 4}, {2, 1, 5}, {3, 0, 9}});
+    for (uint8_t i = 0; i < 20; ++i) {
+        devices.Add("PhysicalDrive" + std::to_string(100 + i), {4, 0, i, 0}, 100u + i);
+    }
+    SystemDevices::Unit& moving = devices.Add("PhysicalDrive120", {3, 0, 4, 0}, 120);
+    devices.Add("PhysicalDrive121", {3, 1, 5, 7}, 121);
+    const auto asked = [&](HBA_UINT32 expected) {
+        system.opens.clear();
+        HBA_FCPTARGETMAPPING list[3];
+        list[0].NumberOfEntries = 2;
+        EXPECT_EQ(expected > 2 ? 7u : 0u, api.GetFcpTargetMappingHandler(handle, list));
+        EXPECT_EQ(expected, list[0].NumberOfEntries);
+        return system.opens.size();
+    };
+    EXPECT_EQ(22u, asked(2)) << "a port that tells nothing";
+    port->unitList = UnitList({{{3, 0, 4, 0}, 0}, {{3, 1, 5, 7}, 0}, {{3, 0, 4, 9}, 0x0C}});
+    asked(2);  // what other tests left behind this port is gone, and forgotten now
+    EXPECT_EQ(2u, asked(2)) << "an array controller is no device of the system";
+    const auto nameAt = [&](HBA_UINT32 index) {
+        HBA_PORTATTRIBUTES attributes{};
+        system.opens.clear();
+        EXPECT_EQ(0u, api.GetDiscoveredPortAttributesHandler(handle, 0, index, &attributes));
+        return std::string(attributes.OSDeviceName) + " " + std::to_string(system.opens.size());
+    };
+    EXPECT_EQ("\\\\.\\PhysicalDrive121 2", nameAt(1)) << "both of the port, no other";
+    EXPECT_EQ(" 0", nameAt(2)) << "the port has nothing there";
+
+    // What comes, moves or goes between two calls is seen.
+    devices.Add("PhysicalDrive5", {3, 0, 4, 1}, 5);
+    port->unitList = UnitList(
+        {{{3, 0, 4, 0}, 0}, {{3, 1, 5, 7}, 0}, {{3, 0, 4, 1}, 0}, {{3, 0, 9, 0}, 0}}, 4000);
+    moving.at = {3, 0, 9, 0};
+    EXPECT_EQ(25u, asked(3)) << "a unit without a device: all are asked";
+    EXPECT_EQ("\\\\.\\PhysicalDrive120 2", nameAt(2));
+    moving.at = {4, 7, 7, 7};
+    port->unitList = UnitList({{{3, 1, 5, 7}, 0}, {{3, 0, 4, 1}, 0}});
+    EXPECT_EQ(3u, asked(2)) << "the one that has moved to another port is asked once more";
+    EXPECT_EQ(2u, asked(2));
+    port->unitList.resize(20);
+    EXPECT_EQ(23u, asked(2)) << "a list that is cut off tells nothing";
+}
+
 TEST_F(MappingTest, BadArguments) {
     uint32_t count = 1;
     HX_VOLUME volume;
@@ -276,6 +437,10 @@ TEST_F(MappingTest, BadArguments) {
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetDiskExtents("E:", &extent, nullptr));
     count = 1;
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetDiskExtents("E:", nullptr, &count));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListOsDevices(nullptr, &count));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListOsDevices(&device, nullptr));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListDiskVolumes(nullptr, &count));
+    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXListDiskVolumes(nullptr, nullptr));
     HXCloseDevice(static_cast<int32_t>(handle));
     for (const uint32_t bad : {0u, handle, 65u}) {
         EXPECT_EQ(HXMGT_INVALID_HANDLE,

@@ -1,5 +1,9 @@
 #include "support/scripted_port.h"
 
+#include <winioctl.h>
+
+#include <ntddscsi.h>
+
 #include <algorithm>
 
 #include "properties/chip_families.h"
@@ -160,6 +164,10 @@ Reply ScriptedPort::Answer(const SentRequest& request) {
 
 uint32_t ScriptedPort::Control(uint32_t code, const void* input, uint32_t inputSize, void* output,
                                uint32_t outputSize, uint32_t* returned) {
+    if (code == IOCTL_SCSI_GET_INQUIRY_DATA && !unitList.empty()) {
+        *returned = outputSize < unitList.size() ? 0 : Put(output, outputSize, 0, unitList);
+        return *returned != 0 ? 0 : ERROR_INSUFFICIENT_BUFFER;
+    }
     if (code != transport::kIoctlScsiMiniport) {
         return ERROR_INVALID_FUNCTION;
     }

@@ -84,6 +84,9 @@ class ScriptedPort : public Device {
     SentRequest Last() const;
     void Forget();
 
+    // Answers IOCTL_SCSI_GET_INQUIRY_DATA; empty: the port does not know the request.
+    Bytes unitList;
+
     uint32_t Control(uint32_t code, const void* input, uint32_t inputSize, void* output,
                      uint32_t outputSize, uint32_t* returned) override;
 
