@@ -74,11 +74,14 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout l
     if (!library.Load(*file, &error)) {
         invocation.Fail(ExitCode::Failed, error);
     }
+    // To select among them takes their attributes, not everything that can be asked.
+    const bool selects = invocation.Given().Has("adapter") || invocation.Given().Has("port");
     std::vector<HbaAdapter> adapters;
     const HBA_UINT32 count = library.Api().GetNumberOfAdaptersHandler();
     for (HBA_UINT32 index = 0; index < count; ++index) {
         invocation.CheckStop();
-        HbaAdapter adapter = ReadHbaAdapter(library.Api(), index, HbaDepth::Attributes);
+        HbaAdapter adapter =
+            ReadHbaAdapter(library.Api(), index, selects ? HbaDepth::Attributes : depth);
         // It may have gone since it was counted.
         if (adapter.named != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
             adapters.push_back(std::move(adapter));
@@ -88,7 +91,7 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout l
     std::vector<Record> records;
     for (HbaAdapter& adapter : adapters) {
         invocation.CheckStop();
-        if (depth == HbaDepth::Everything) {
+        if (selects && depth == HbaDepth::Everything) {
             adapter = ReadHbaAdapter(library.Api(), adapter.index, depth);
         }
         records.push_back(recordOf(adapter));

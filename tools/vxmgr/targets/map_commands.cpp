@@ -92,12 +92,20 @@ class Mapper {
     bool found_ = false;
 };
 
-// Visits the units of a target, in order of their LUNs, until the visitor has seen enough.
-using VisitUnit = std::function<bool(MappedUnit& unit)>;
-HX_STATUS VisitUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
-                     const KnownTarget& target, const VisitUnit& visit) {
+SystemDevices ReadSystem(tools::Invocation& invocation) {
+    SystemDevices system;
+    if (const HX_STATUS status = system.Read(); status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the system's devices cannot be listed");
+    }
+    return system;
+}
+
+// The units that a target reports, in order of their LUNs.
+void AddUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
+              const KnownTarget& target, const SystemDevices& system,
+              std::vector<MappedUnit>* units) {
     if (!target.present) {
-        return HXMGT_SUCCESS;
+        return;
     }
     const LunSet luns =
         ReportedLuns(invocation, port, handle, target.PortName()).value_or(LunSet());
@@ -105,22 +113,44 @@ HX_STATUS VisitUnits(tools::Invocation& invocation, const Port& port, uint32_t h
         if (!luns[lun]) {
             continue;
         }
-        invocation.CheckStop();
-        MappedUnit unit;
+        MappedUnit& unit = units->emplace_back();
         unit.portName = target.PortName();
         unit.nodeName = target.NodeName();
         unit.portId = PortIdOf(target.record.portId);
         unit.bus = target.record.bus;
         unit.target = target.record.target;
         unit.lun = lun;
-        HX_SCSI_ADDRESS address = AddressByPortName(target.PortName());
-        address.lun = lun;
-        const HX_STATUS status = ReadDevice(handle, address, &unit);
-        if (status != HXMGT_SUCCESS || visit(unit)) {
-            return status;
+        if (port.scsiPort) {
+            system.Complete(*port.scsiPort, &unit);
         }
     }
-    return HXMGT_SUCCESS;
+}
+
+// Those of the disks that are behind the port, as units of its targets. A port that has none of
+// them is asked nothing.
+HX_STATUS AddDisks(const Port& port, uint32_t handle, const std::vector<uint32_t>& disks,
+                   const SystemDevices& system, std::vector<MappedUnit>* units) {
+    for (const uint32_t disk : disks) {
+        for (const HX_OS_DEVICE& device : port.scsiPort ? system.DisksBehind(*port.scsiPort, disk)
+                                                        : std::vector<HX_OS_DEVICE>()) {
+            units->emplace_back(UnitOf(device)).volumes = system.VolumesOn(device);
+        }
+    }
+    std::vector<KnownTarget> targets;
+    const HX_STATUS status =
+        units->empty() ? HX_STATUS{HXMGT_SUCCESS} : ReadKnownTargets(port, handle, &targets);
+    for (MappedUnit& unit : *units) {
+        for (const KnownTarget& target : targets) {
+            if (target.present && target.record.bus == unit.bus &&
+                target.record.target == unit.target) {
+                unit.portName = target.PortName();
+                unit.nodeName = target.NodeName();
+                unit.portId = PortIdOf(target.record.portId);
+                break;
+            }
+        }
+    }
+    return status;
 }
 
 // The path in the library's interface; folders may have names beyond ASCII.
@@ -151,18 +181,17 @@ ExitCode MapTarget(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, text + ": " + error, "`target list` shows the targets");
     }
     Mapper mapper(invocation);
+    const SystemDevices system = ReadSystem(invocation);
     bool known = false;
     mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
         std::vector<KnownTarget> targets;
-        HX_STATUS status = ReadKnownTargets(port, handle, &targets);
+        const HX_STATUS status = ReadKnownTargets(port, handle, &targets);
         const KnownTarget* only = all ? nullptr : FindKnown(targets, address);
-        for (size_t i = 0; i < targets.size() && status == HXMGT_SUCCESS; ++i) {
-            if (all || only == &targets[i]) {
+        for (const KnownTarget& target : targets) {
+            if (all || only == &target) {
+                invocation.CheckStop();
                 known = true;
-                status = VisitUnits(invocation, port, handle, targets[i], [&](MappedUnit& unit) {
-                    units->push_back(std::move(unit));
-                    return false;
-                });
+                AddUnits(invocation, port, handle, target, system, units);
             }
         }
         return status;
@@ -182,14 +211,16 @@ std::span<const Argument> MapVolumeArguments() {
 ExitCode MapVolume(tools::Invocation& invocation) {
     const std::string volume = GivenVolume(invocation);
     const std::string shown = invocation.Given().Text("VOLUME");
-    std::vector<uint32_t> elsewhere;
-    const HX_STATUS told = ReadDisksOfVolume(volume, &elsewhere);
+    std::vector<uint32_t> disks;
+    const HX_STATUS told = ReadDisksOfVolume(volume, &disks);
     if (told != HXMGT_SUCCESS) {
         invocation.Fail(told, "the disks of " + shown + " are not known");
     }
+    std::vector<uint32_t> elsewhere = disks;
     Mapper mapper(invocation);
-    mapper.Run([&](const Port&, uint32_t handle, std::vector<MappedUnit>* units) {
-        const HX_STATUS status = ReadUnitsOfVolume(handle, volume, units);
+    const SystemDevices system = ReadSystem(invocation);
+    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
+        const HX_STATUS status = AddDisks(port, handle, disks, system, units);
         for (const MappedUnit& unit : *units) {
             std::erase_if(elsewhere, [&](uint32_t disk) { return unit.IsDisk(disk); });
         }
@@ -218,22 +249,9 @@ ExitCode MapDisk(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no disk", "N or PhysicalDriveN");
     }
     Mapper mapper(invocation);
+    const SystemDevices system = ReadSystem(invocation);
     mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
-        // A disk has one address: behind the one that was found there is nothing to look for.
-        if (mapper.Found()) {
-            return HX_STATUS{HXMGT_SUCCESS};
-        }
-        std::vector<KnownTarget> targets;
-        HX_STATUS status = ReadKnownTargets(port, handle, &targets);
-        for (size_t i = 0; i < targets.size() && status == HXMGT_SUCCESS && units->empty(); ++i) {
-            status = VisitUnits(invocation, port, handle, targets[i], [&](MappedUnit& unit) {
-                if (unit.IsDisk(*disk)) {
-                    units->push_back(std::move(unit));
-                }
-                return !units->empty();
-            });
-        }
-        return status;
+        return AddDisks(port, handle, {*disk}, system, units);
     });
     const ExitCode exit = mapper.Finish();
     if (!mapper.Found() && exit == ExitCode::Done) {

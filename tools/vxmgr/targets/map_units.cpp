@@ -2,17 +2,21 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace vxmgr {
 namespace {
 
-constexpr uint32_t kFirstRoom = 8;
+// Room that is mostly enough: a second turn asks the system for everything again.
+constexpr uint32_t kDevicesAtFirst = 2048;
+constexpr uint32_t kVolumesAtFirst = 256;
+constexpr uint32_t kExtentsAtFirst = 16;
 constexpr int kMostTurns = 4;  // of a list that is longer whenever it is asked for
 
 // Calls read(records, &count) with more room until everything fits.
 template <typename Row, typename Read>
-HX_STATUS ReadList(std::vector<Row>* rows, Read read) {
-    uint32_t count = kFirstRoom;
+HX_STATUS ReadList(std::vector<Row>* rows, uint32_t roomAtFirst, Read read) {
+    uint32_t count = roomAtFirst;
     HX_STATUS status = HXMGT_BUFFER_TOO_SMALL;
     for (int turn = 0; turn < kMostTurns && status == HXMGT_BUFFER_TOO_SMALL; ++turn) {
         rows->assign(count, Row{});
@@ -22,49 +26,79 @@ HX_STATUS ReadList(std::vector<Row>* rows, Read read) {
     return status;
 }
 
-HX_SCSI_ADDRESS AddressOf(const HX_OS_DEVICE& device) {
-    HX_SCSI_ADDRESS address{};
-    address.type = HX_ADDRESS_BUS_TARGET;
-    const uint16_t numbers[] = {device.bus, device.target};
-    std::memcpy(address.address, numbers, sizeof numbers);
-    address.lun = device.lun;
-    return address;
+bool IsDiskBehind(const HX_OS_DEVICE& device, uint32_t scsiPort, uint32_t number) {
+    return device.scsiPort == scsiPort && device.type == HX_OS_DEVICE_DISK &&
+           device.number == number;
 }
 
 }  // namespace
 
-HX_STATUS ReadDevice(uint32_t handle, const HX_SCSI_ADDRESS& address, MappedUnit* unit) {
-    HX_OS_DEVICE device{};
-    const HX_STATUS status = ReadList(&unit->volumes, [&](HX_VOLUME* volumes, uint32_t* count) {
-        return HXMapScsiTargetToVolumes(handle, &address, &device, volumes, count);
-    });
+HX_STATUS SystemDevices::Read() {
+    HX_STATUS status = ReadList(&devices_, kDevicesAtFirst, HXListOsDevices);
     if (status == HXMGT_SUCCESS) {
-        unit->device = device;
-    }
-    return status == HXMGT_DEVICE_NOT_FOUND ? HX_STATUS{HXMGT_SUCCESS} : status;
-}
-
-HX_STATUS ReadUnitsOfVolume(uint32_t handle, const std::string& volume,
-                            std::vector<MappedUnit>* units) {
-    std::vector<HX_OS_DEVICE> devices;
-    HX_STATUS status = ReadList(&devices, [&](HX_OS_DEVICE* records, uint32_t* count) {
-        return HXMapVolumeToScsiTarget(handle, volume.c_str(), records, count);
-    });
-    if (status == HXMGT_DEVICE_NOT_FOUND) {
-        return HXMGT_SUCCESS;
-    }
-    for (size_t i = 0; i < devices.size() && status == HXMGT_SUCCESS; ++i) {
-        MappedUnit& unit = units->emplace_back(UnitOf(devices[i]));
-        status = ReadDevice(handle, AddressOf(devices[i]), &unit);
+        status = ReadList(&volumes_, kVolumesAtFirst, HXListDiskVolumes);
     }
     return status;
 }
 
+const HX_OS_DEVICE* SystemDevices::At(uint32_t scsiPort, uint32_t bus, uint32_t target,
+                                      uint32_t lun) const {
+    const auto found =
+        std::find_if(devices_.begin(), devices_.end(), [&](const HX_OS_DEVICE& device) {
+            return device.scsiPort == scsiPort && device.bus == bus && device.target == target &&
+                   device.lun == lun;
+        });
+    return found != devices_.end() ? &*found : nullptr;
+}
+
+std::vector<HX_VOLUME> SystemDevices::VolumesOn(const HX_OS_DEVICE& device) const {
+    std::vector<HX_VOLUME> volumes;
+    for (const HX_DISK_VOLUME& volume : volumes_) {
+        if (device.type == HX_OS_DEVICE_DISK && volume.disk == device.number) {
+            volumes.push_back(volume.volume);
+        }
+    }
+    return volumes;
+}
+
+std::vector<HX_VOLUME> SystemDevices::VolumesBehind(uint32_t scsiPort) const {
+    std::vector<HX_VOLUME> volumes;
+    for (const HX_DISK_VOLUME& volume : volumes_) {
+        const auto isDisk = [&](const HX_OS_DEVICE& device) {
+            return IsDiskBehind(device, scsiPort, volume.disk);
+        };
+        const auto isKnown = [&](const HX_VOLUME& known) {
+            return std::strcmp(known.name, volume.volume.name) == 0;
+        };
+        if (std::any_of(devices_.begin(), devices_.end(), isDisk) &&
+            std::none_of(volumes.begin(), volumes.end(), isKnown)) {
+            volumes.push_back(volume.volume);
+        }
+    }
+    return volumes;
+}
+
+std::vector<HX_OS_DEVICE> SystemDevices::DisksBehind(uint32_t scsiPort, uint32_t number) const {
+    std::vector<HX_OS_DEVICE> disks;
+    std::copy_if(
+        devices_.begin(), devices_.end(), std::back_inserter(disks),
+        [&](const HX_OS_DEVICE& device) { return IsDiskBehind(device, scsiPort, number); });
+    return disks;
+}
+
+void SystemDevices::Complete(uint32_t scsiPort, MappedUnit* unit) const {
+    if (const HX_OS_DEVICE* const device = At(scsiPort, unit->bus, unit->target, unit->lun)) {
+        unit->device = *device;
+        unit->volumes = VolumesOn(*device);
+    }
+}
+
 HX_STATUS ReadDisksOfVolume(const std::string& volume, std::vector<uint32_t>* disks) {
     std::vector<HX_DISK_EXTENT> extents;
-    const HX_STATUS status = ReadList(&extents, [&](HX_DISK_EXTENT* records, uint32_t* count) {
-        return HXGetDiskExtents(volume.c_str(), records, count);
-    });
+    const HX_STATUS status =
+        ReadList(&extents, kExtentsAtFirst, [&](HX_DISK_EXTENT* records, uint32_t* count) {
+            return HXGetDiskExtents(volume.c_str(), records, count);
+        });
     for (const HX_DISK_EXTENT& extent : extents) {
         if (std::find(disks->begin(), disks->end(), extent.disk) == disks->end()) {
             disks->push_back(extent.disk);

@@ -1,4 +1,5 @@
-// What the library knows of logical units, devices and volumes, read with as much room as it takes.
+// What the operating system and the library know of logical units, devices and volumes, read with
+// as much room as it takes.
 #pragma once
 
 #include <string>
@@ -8,14 +9,28 @@
 
 namespace vxmgr {
 
-// The device of a logical unit and the volumes on it; the unit's names and numbers stay as they
-// are. A unit without a device is no failure.
-HX_STATUS ReadDevice(uint32_t handle, const HX_SCSI_ADDRESS& address, MappedUnit* unit);
+// The operating system's devices and volumes, listed once for all units that are looked up in it.
+class SystemDevices {
+  public:
+    // Asks the system anew.
+    HX_STATUS Read();
 
-// The units behind the port that a volume lives on, each with all of its volumes. A volume that is
-// on none of them is no failure.
-HX_STATUS ReadUnitsOfVolume(uint32_t handle, const std::string& volume,
-                            std::vector<MappedUnit>* units);
+    // Null: the operating system has none.
+    const HX_OS_DEVICE* At(uint32_t scsiPort, uint32_t bus, uint32_t target, uint32_t lun) const;
+    std::vector<HX_VOLUME> VolumesOn(const HX_OS_DEVICE& device) const;
+    // Those that live, in part or whole, on disks behind the port, each once.
+    std::vector<HX_VOLUME> VolumesBehind(uint32_t scsiPort) const;
+
+    // Disks of the number behind the port: one, unless the system is odd.
+    std::vector<HX_OS_DEVICE> DisksBehind(uint32_t scsiPort, uint32_t number) const;
+
+    // Puts the unit's device and its volumes into it; its names and numbers stay as they are.
+    void Complete(uint32_t scsiPort, MappedUnit* unit) const;
+
+  private:
+    std::vector<HX_OS_DEVICE> devices_;
+    std::vector<HX_DISK_VOLUME> volumes_;
+};
 
 // Numbers of the disks that a volume lives on, each once.
 HX_STATUS ReadDisksOfVolume(const std::string& volume, std::vector<uint32_t>* disks);
