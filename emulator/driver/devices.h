@@ -4,6 +4,8 @@
 
 #include "delayed_completion.h"
 #include "kernel.h"
+#include "locks.h"
+#include "model/access.h"
 #include "model/model.h"
 
 namespace driver {
@@ -11,8 +13,8 @@ namespace driver {
 // What all devices share; lives as long as the driver.
 struct Shared {
     vxemu::Model* model;
-    FAST_MUTEX lock;  // guards the model
-    bool stopping;    // guarded by lock; requests are refused from now on
+    vxemu::AccessLocks<Resource, FastMutex> access;  // to the model
+    bool stopping;  // written alone; requests are refused from now on
     DelayedCompletions delayed;
     uint64_t mapped;  // bit n: the key of SCSI port n was written by this driver
 };

@@ -11,6 +11,7 @@ namespace {
 
 constexpr wchar_t kDiskObject[] = L"\\Device\\VxemuDisk";
 constexpr wchar_t kDiskLink[] = L"\\DosDevices\\PhysicalDrive";
+constexpr ULONG kInquiryBytes = 36;
 // Numbers below are left to the disks of the system, which come and go.
 constexpr uint32_t kFirstDiskNumber = 32;
 
@@ -126,6 +127,56 @@ void CreateDisks(DRIVER_OBJECT* driver, Shared* shared) {
     }
 }
 
+NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp) {
+    const auto& parameters = IoGetCurrentIrpStackLocation(irp)->Parameters.DeviceIoControl;
+    const ULONG room = parameters.OutputBufferLength;
+    auto* const reply = static_cast<UCHAR*>(irp->AssociatedIrp.SystemBuffer);
+    // One bus head serves for all: each unit says which bus it is on.
+    constexpr ULONG kHead = sizeof(SCSI_ADAPTER_BUS_INFO);
+    constexpr ULONG kUnit = offsetof(SCSI_INQUIRY_DATA, InquiryData) + kInquiryBytes;
+    static_assert(kHead % alignof(SCSI_INQUIRY_DATA) == 0);
+    static_assert(kUnit % alignof(SCSI_INQUIRY_DATA) == 0);
+    if (room < kHead) {
+        return STATUS_BUFFER_TOO_SMALL;
+    }
+    std::memset(reply, 0, room);
+    auto& head = *reinterpret_cast<SCSI_ADAPTER_BUS_INFO*>(reply);
+    head.NumberOfBuses = 1;
+    Shared& shared = *port.shared;
+    ULONG end = kHead;
+    ULONG* link = &head.BusData[0].InquiryDataOffset;
+    shared.access.WithinPort(port.port, [&] {
+        for (uint32_t index = 0; index < shared.model->DiskKeys(); ++index) {
+            vxemu::DiskKey key;
+            vxemu::OsDisk disk;
+            if (shared.stopping || !shared.model->GetDiskKey(port.port, index, key) ||
+                !shared.model->FindDisk(port.port, key, disk)) {
+                continue;
+            }
+            if (room - end >= kUnit) {
+                auto& unit = *reinterpret_cast<SCSI_INQUIRY_DATA*>(reply + end);
+                unit.PathId = disk.bus;
+                unit.TargetId = disk.target;
+                unit.Lun = disk.lun;
+                unit.DeviceClaimed = TRUE;
+                unit.InquiryDataLength = kInquiryBytes;  // zeros: a disk
+                *link = end;
+                link = &unit.NextInquiryDataOffset;
+                ++head.BusData[0].NumberOfLogicalUnits;
+                end += kUnit;
+            } else {
+                end = room + 1;
+                break;
+            }
+        }
+    });
+    if (end > room) {
+        return STATUS_BUFFER_TOO_SMALL;
+    }
+    irp->IoStatus.Information = end;
+    return STATUS_SUCCESS;
+}
+
 void UnlinkDisk(const DeviceExtension& extension) {
     ObjectName link(kDiskLink, extension.diskNumber);
     IoDeleteSymbolicLink(link.Get());
@@ -139,10 +190,10 @@ bool IsDiskThere(const DeviceExtension& extension) {
 NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp) {
     Shared& shared = *extension.shared;
     vxemu::OsDisk disk = {};
-    ExAcquireFastMutex(&shared.lock);
-    const bool there =
-        !shared.stopping && shared.model->FindDisk(extension.port, extension.disk, disk);
-    ExReleaseFastMutex(&shared.lock);
+    bool there = false;
+    shared.access.WithinPort(extension.port, [&] {
+        there = !shared.stopping && shared.model->FindDisk(extension.port, extension.disk, disk);
+    });
     if (!there) {
         return STATUS_NO_SUCH_DEVICE;
     }

@@ -12,10 +12,13 @@ namespace driver {
 
 void CreateDisks(DRIVER_OBJECT* driver, Shared* shared);
 
+// What a port lists of its units (IOCTL_SCSI_GET_INQUIRY_DATA): the disks that it sees.
+NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp);
+
 // To be called for each device before it is deleted.
 void UnlinkDisk(const DeviceExtension& extension);
 
-// Whether a disk can be opened now; with the model's lock held.
+// Whether a disk can be opened now; within its port.
 bool IsDiskThere(const DeviceExtension& extension);
 
 NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp);

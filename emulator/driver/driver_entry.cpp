@@ -39,18 +39,22 @@ uint64_t Milliseconds(void*) {
     return ticks / perSecond * 1000 + ticks % perSecond * 1000 / perSecond;
 }
 
-constexpr vxemu::Host kHost = {nullptr, AllocateForModel, ReleaseForModel, Milliseconds};
+void EnterCommon(void* shared) {
+    static_cast<Shared*>(shared)->access.Common().lock();
+}
+void LeaveCommon(void* shared) {
+    static_cast<Shared*>(shared)->access.Common().unlock();
+}
 
 // Takes down whatever has been set up. Where the system stops a driver whose devices are still
 // open, their users meet a refusal first and a missing device then.
 void TearDown(DRIVER_OBJECT* object, Shared* shared) {
-    ExAcquireFastMutex(&shared->lock);
-    shared->stopping = true;
-    ExReleaseFastMutex(&shared->lock);
+    shared->access.Alone([&] { shared->stopping = true; });
     shared->delayed.Finish();
     RemoveDeviceMap(*shared);
     RemoveDevices(object);
     vxemu::Model::Destroy(shared->model);
+    shared->access.Delete();
     Release(shared);
 }
 
@@ -65,12 +69,14 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
     if (shared == nullptr) {
         return STATUS_INSUFFICIENT_RESOURCES;
     }
-    ExInitializeFastMutex(&shared->lock);
+    shared->access.Initialize();
     shared->delayed.Initialize();
     vxemu::Profile* profile = nullptr;
     NTSTATUS status = LoadProfile(registryPath, &profile);
     if (NT_SUCCESS(status)) {
-        shared->model = vxemu::Model::Create(kHost, *profile);
+        const vxemu::Host host = {shared,       AllocateForModel, ReleaseForModel,
+                                  Milliseconds, EnterCommon,      LeaveCommon};
+        shared->model = vxemu::Model::Create(host, *profile);
         Release(profile);
         status = STATUS_INSUFFICIENT_RESOURCES;
         if (shared->model != nullptr) {

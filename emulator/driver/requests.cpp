@@ -1,5 +1,7 @@
 #include "requests.h"
 
+#include <ntddscsi.h>
+
 #include "devices.h"
 #include "disks.h"
 #include "transport/ext_ioctl.h"
@@ -38,16 +40,17 @@ NTSTATUS NTAPI OpenOrClose(DEVICE_OBJECT* device, IRP* irp) {
     const DeviceExtension& extension = ExtensionOf(device);
     const bool opens = IoGetCurrentIrpStackLocation(irp)->MajorFunction == IRP_MJ_CREATE;
     Shared& shared = *extension.shared;
-    ExAcquireFastMutex(&shared.lock);
     NTSTATUS status = STATUS_SUCCESS;
-    if (opens && shared.stopping) {
-        status = STATUS_DELETE_PENDING;
-    } else if (opens && extension.kind == DeviceKind::Disk && !IsDiskThere(extension)) {
-        status = STATUS_NO_SUCH_DEVICE;
-    } else if (extension.kind == DeviceKind::Port) {
-        shared.model->CountHandle(extension.port, opens ? 1 : -1);
-    }
-    ExReleaseFastMutex(&shared.lock);
+    // The control device counts as one of the first port, which it does not change.
+    shared.access.WithinPort(extension.port, [&] {
+        if (opens && shared.stopping) {
+            status = STATUS_DELETE_PENDING;
+        } else if (opens && extension.kind == DeviceKind::Disk && !IsDiskThere(extension)) {
+            status = STATUS_NO_SUCH_DEVICE;
+        } else if (extension.kind == DeviceKind::Port) {
+            shared.model->CountHandle(extension.port, opens ? 1 : -1);
+        }
+    });
     return Complete(irp, status, 0);
 }
 
@@ -61,6 +64,11 @@ NTSTATUS NTAPI DeviceControl(DEVICE_OBJECT* device, IRP* irp) {
         return Complete(irp, answered, static_cast<uint32_t>(irp->IoStatus.Information));
     }
     const bool control = extension.kind == DeviceKind::Control;
+    if (!control && parameters.IoControlCode == IOCTL_SCSI_GET_INQUIRY_DATA) {
+        irp->IoStatus.Information = 0;
+        const NTSTATUS answered = ListUnits(extension, irp);
+        return Complete(irp, answered, static_cast<uint32_t>(irp->IoStatus.Information));
+    }
     if (!control && parameters.IoControlCode != transport::kIoctlScsiMiniport) {
         return Complete(irp, STATUS_INVALID_DEVICE_REQUEST, 0);
     }
@@ -68,16 +76,19 @@ NTSTATUS NTAPI DeviceControl(DEVICE_OBJECT* device, IRP* irp) {
     uint32_t returned = 0;
     uint32_t delay = 0;
     NTSTATUS status = STATUS_DELETE_PENDING;
-    ExAcquireFastMutex(&shared.lock);
-    if (!shared.stopping) {
-        status = StatusOf(
-            control ? shared.model->Control(parameters.IoControlCode, buffer,
-                                            parameters.InputBufferLength,
-                                            parameters.OutputBufferLength, &returned)
-                    : shared.model->Request(extension.port, buffer, parameters.InputBufferLength,
-                                            parameters.OutputBufferLength, &returned, &delay));
-    }
-    ExReleaseFastMutex(&shared.lock);
+    const vxemu::Reach reach =
+        control ? vxemu::Reach::Model : vxemu::ReachOf(buffer, parameters.InputBufferLength);
+    shared.access.As(reach, extension.port, [&] {
+        if (!shared.stopping) {
+            status =
+                StatusOf(control ? shared.model->Control(parameters.IoControlCode, buffer,
+                                                         parameters.InputBufferLength,
+                                                         parameters.OutputBufferLength, &returned)
+                                 : shared.model->Request(
+                                       extension.port, buffer, parameters.InputBufferLength,
+                                       parameters.OutputBufferLength, &returned, &delay));
+        }
+    });
     if (delay != 0) {
         irp->IoStatus.Status = status;
         irp->IoStatus.Information = returned;

@@ -12,7 +12,23 @@ struct Host {
     void (*release)(void* context, void* block);
     uint64_t (*milliseconds)(void* context);  // a clock that never goes back
 
+    // Around what requests change together that run side by side (access.h); null where the host
+    // lets one run at a time.
+    void (*enter)(void* context) = nullptr;
+    void (*leave)(void* context) = nullptr;
+
     uint64_t Now() const { return milliseconds(context); }
+
+    template <typename Action>
+    auto Together(Action action) const {
+        if (enter == nullptr) {
+            return action();
+        }
+        enter(context);
+        const auto result = action();
+        leave(context);
+        return result;
+    }
 };
 
 }  // namespace vxemu

@@ -187,7 +187,8 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
         std::memcpy(&request, buffer, sizeof request);
         subCode = request.ext.subCode;
     }
-    const FaultAction fault = faults_.Match(target.profile->scsiPort, srb.controlCode, subCode);
+    const FaultAction fault = host_.Together(
+        [&] { return faults_.Match(target.profile->scsiPort, srb.controlCode, subCode); });
     if (fault.kind != FaultKind::None) {
         ++target.faults;
     }

@@ -4,7 +4,8 @@
 // global mutable state, and memory from the host alone. The same profile and the same requests
 // give the same bytes.
 //
-// The host serialises the calls per model.
+// The host sees to it that calls do not meet that must not: access.h says which, and how. A host
+// that lets one call run at a time has done enough.
 #pragma once
 
 #include <cstddef>

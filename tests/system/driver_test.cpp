@@ -1,5 +1,7 @@
 // The driver itself against user mode: hostile requests, and open handles when it is stopped.
+#include <atomic>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 #include "emulated_driver.h"
@@ -13,9 +15,9 @@ using transport::ExtRequest;
 
 class SystemDriver : public EmulatedDriver {
   protected:
-    static HANDLE OpenPort() {
-        return CreateFileA("\\\\.\\scsi3:", GENERIC_READ | GENERIC_WRITE,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    static HANDLE OpenPort(const char* name = "\\\\.\\scsi3:") {
+        return CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                           nullptr, OPEN_EXISTING, 0, nullptr);
     }
 
     static bool Send(HANDLE port, void* input, DWORD inputSize, void* output, DWORD outputSize) {
@@ -99,6 +101,27 @@ TEST_F(SystemDriver, StopsWithAnOpenHandleAndStartsAgain) {
     ASSERT_NE(INVALID_HANDLE_VALUE, again);
     ExpectHealthy(again);
     CloseHandle(again);
+}
+
+TEST_F(SystemDriver, APortThatHangsStopsNoOther) {
+    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code ChipProperties --do hang 6000").exit);
+    const HANDLE slow = OpenPort("\\\\.\\scsi4:");
+    const HANDLE port = OpenPort();
+    std::atomic<bool> answered = false;
+    std::thread waiting([&] {
+        ExtRequest request = Envelope(transport::command::ChipProperties, 0);
+        EXPECT_TRUE(Send(slow, &request, sizeof request, &request, sizeof request));
+        answered = true;
+    });
+    // Once the request is in the driver.
+    EXPECT_TRUE(PortReaches("scsi:4", "faults", 1));
+    ExpectHealthy(port);
+    ExtRequest write = Envelope(transport::command::FlashWrite, 0);
+    EXPECT_TRUE(Send(port, &write, sizeof write, &write, sizeof write)) << "one that runs alone";
+    EXPECT_FALSE(answered);
+    waiting.join();
+    CloseHandle(slow);
+    CloseHandle(port);
 }
 
 TEST_F(SystemDriver, SixtyThreePorts) {
