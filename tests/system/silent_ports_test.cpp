@@ -73,14 +73,11 @@ TEST_F(SystemSilentPorts, KeepTheirIndexAndHoldUpNobodyElse) {
     EXPECT_NE(std::string::npos, missed["messages"].dump().find("index:1 does not answer"));
 
     // Every command over several ports goes on without it.
-    for (const char* command :
-         {"port stats", "target list", "lunmask show", "bind list", "sfp show", "fw show",
-          "dump list", "nvram verify", "adapter show", "driver show", "map target all",
-          "flash lock show", "bind stores"}) {
-        const json document = Document(std::string("--timeout 1 ") + command);
-        EXPECT_TRUE(document["exit"] == 11 || document["exit"] == 0) << command << document;
+    for (const char* command : {"port stats", "target list", "sfp show", "fw show", "dump list",
+                                "nvram verify", "map target 0:0", "adapter show"}) {
+        EXPECT_EQ(11, Document(std::string("--timeout 2 ") + command)["exit"]) << command;
     }
-    EXPECT_EQ(1, Document("--timeout 1 diag run")["exit"]);
+    EXPECT_EQ(1, Document("--timeout 2 diag run")["exit"]);
 }
 
 // The silent port has no serial number, so it counts as an adapter of its own: a number behind it
@@ -109,24 +106,27 @@ TEST_F(SystemSilentPorts, ADeviceThatIsMissingKeepsItsRow) {
 
 // Two readings, an event that never comes: the driver stops in the middle, or starts anew.
 TEST_F(SystemSilentPorts, ADriverThatGoesAwayIsSaidTo) {
-    for (const char* watch : {"event watch -p scsi:3", "port stats -p scsi:3 --interval 1",
-                              "sfp watch -p scsi:3 --interval 1"}) {
-        for (const bool again : {false, true}) {
-            support::Program watcher("vxmgr.exe", watch);
-            for (int i = 0; i < 100 && watcher.Out().find("TIME") == std::string::npos; ++i) {
-                Sleep(100);
-            }
-            StopDriver();
-            if (again) {
-                StartDriver();
-            }
-            const support::Ended ended = watcher.Wait();
-            EXPECT_EQ(3u, ended.exit) << watch << again << ended.err;
-            EXPECT_NE(std::string::npos, ended.err.find("the driver was stopped")) << ended.err;
-            EXPECT_EQ(std::string::npos, ended.err.find("elevated")) << ended.err;
-            if (!again) {
-                StartDriver();
-            }
+    struct Case {
+        const char* watch;
+        bool again;  // the driver starts anew at once
+    };
+    for (const Case& one :
+         {Case{"event watch -p scsi:3", false}, Case{"sfp watch -p scsi:3 --interval 1", false},
+          Case{"port stats -p scsi:3 --interval 1", true}}) {
+        support::Program watcher("vxmgr.exe", one.watch);
+        for (int i = 0; i < 100 && watcher.Out().find("TIME") == std::string::npos; ++i) {
+            Sleep(100);
+        }
+        StopDriver();
+        if (one.again) {
+            StartDriver();
+        }
+        const support::Ended ended = watcher.Wait();
+        EXPECT_EQ(3u, ended.exit) << one.watch << ended.err;
+        EXPECT_NE(std::string::npos, ended.err.find("the driver was stopped")) << ended.err;
+        EXPECT_EQ(std::string::npos, ended.err.find("elevated")) << ended.err;
+        if (!one.again) {
+            StartDriver();
         }
     }
     Fault("scsi:6 --code FlashWrite --do hang 1500");
