@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "emulator/emulator_model_fixture.h"
+#include "hxflash.h"
 #include "model/access.h"
 
 namespace {
@@ -123,12 +124,16 @@ TEST(EmulatorAccess, RequestsOfAllPortsAtOnce) {
                 for (size_t at = 0; at < 32; ++at) {
                     buffer[sizeof(ExtRequest) + at] = static_cast<uint8_t>(random() % 4);
                 }
+                // Every other one goes to the settings in the flash that two of the ports share.
+                constexpr Command kShared[] = {{command::FlashWrite.code, HX_REGION_NVRAM_0},
+                                               {command::FlashRead.code, HX_REGION_NVRAM_0}};
                 const auto& rows = transport::kExtendedCommands;
                 const auto& row = rows[random() % std::size(rows)];
                 const bool selects = row.kind != transport::SubCode::Fixed;
-                const ExtRequest request = Envelope(
-                    {row.code, static_cast<uint16_t>(selects ? random() % 40 : row.subCode)}, 1024,
-                    1024);
+                const Command any = {row.code,
+                                     static_cast<uint16_t>(selects ? random() % 40 : row.subCode)};
+                const ExtRequest request =
+                    Envelope(i % 2 == 0 ? any : kShared[random() % std::size(kShared)], 256, 1024);
                 std::memcpy(buffer.data(), &request, sizeof request);
                 const auto length = static_cast<uint32_t>(buffer.size());
                 host.locks.As(ReachOf(buffer.data(), length), port, [&] {
