@@ -136,6 +136,31 @@ class SystemFlash : public EmulatedDriver {
     fs::path folder_;
 };
 
+TEST_F(SystemFlash, DamagedCodeIsAFailure) {
+    EXPECT_EQ(0, Document("fw show")["exit"]);
+    EXPECT_EQ(0, Document("diag run")["exit"]);
+    ASSERT_EQ(0u, Vxemu("flash corrupt scsi:3 1 0x1000").exit);
+    const json shown = Document("fw show");
+    EXPECT_EQ(1, shown["exit"]);
+    EXPECT_EQ("error", shown["messages"][0]["severity"]);
+    EXPECT_EQ("damaged", Code(kBanked, 1)["state"]);
+    const json checked = Document("diag run");
+    EXPECT_EQ(1, checked["exit"]);
+    std::string outcomes;
+    for (const json& row : checked["result"]["checks"]) {
+        if (row["check"] == "stored code") {
+            outcomes += row["outcome"].get<std::string>() + " ";
+        }
+    }
+    EXPECT_EQ("failed skipped passed skipped ", outcomes) << "each adapter once";
+    EXPECT_EQ(1, Document("diag run -p scsi:4")["exit"]) << "the same flash";
+    EXPECT_EQ(0, Document("diag run -p scsi:6")["exit"]);
+    ASSERT_EQ(0u, Vxemu("flash corrupt scsi:3 1 0x1000").exit);
+
+    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --do status 23").exit);
+    EXPECT_NE(0, Document(std::string("fw show") + kBanked)["exit"]) << "what cannot be read";
+}
+
 TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
     const json layout = Document(std::string("flash layout") + kBanked)["result"];
     const std::map<std::string, Data> regions = AllRegions("all");

@@ -134,6 +134,18 @@ TEST_F(SystemStats, BothGenerationsAreReadAndCleared) {
     EXPECT_EQ(2, Document("port stats clear")["exit"]) << "one port at a time";
 }
 
+TEST_F(SystemStats, ALinkThatIsDownIsAFailedCheck) {
+    EXPECT_EQ(0, Document("diag run -p scsi:4")["exit"]);
+    ASSERT_EQ(0u, Vxemu("link 4 down").exit);
+    const json document = Document("diag run -p scsi:4");
+    ASSERT_EQ(0u, Vxemu("link 4 up").exit);
+    EXPECT_EQ(1, document["exit"]);
+    const json& said = document["messages"][0];
+    EXPECT_EQ("link: link down", said["text"]) << said.dump();
+    EXPECT_EQ("index:1", said["object"]);
+    Vxmgr("port stats clear -p scsi:4");
+}
+
 TEST_F(SystemStats, RowsKeepComing) {
     const support::Ended ended =
         Vxmgr("port stats -p scsi:3 --interval 1 --count 2 --delta -o jsonl");

@@ -304,15 +304,15 @@ const Command kCommands[] = {
 
 int main() {
     const tools::Tool tool{
-        "vxmgr",
-        "1.0.0",
-        "Manages Fibre Channel host bus adapters.",
-        vxmgr::kCommands,
-        vxmgr::kGroups,
-        vxmgr::kOptions,
-        vxmgr::LibraryVersion,
-        vxmgr::StatusMessage,
-        vxmgr::CauseOf,
+        .name = "vxmgr",
+        .version = "1.0.0",
+        .summary = "Manages Fibre Channel host bus adapters.",
+        .commands = vxmgr::kCommands,
+        .groups = vxmgr::kGroups,
+        .options = vxmgr::kOptions,
+        .libraryVersion = vxmgr::LibraryVersion,
+        .statusText = vxmgr::StatusMessage,
+        .cause = vxmgr::CauseOf,
     };
     return tools::RunTool(tool);
 }

@@ -25,7 +25,7 @@ PortSession OpenSelectedPort(tools::Invocation& invocation) {
 tools::Question QuestionAbout(const PortSession& session, const std::string& action,
                               const std::string& consequence) {
     return {{action, "  " + session.describe, consequence}, session.port.Serial(), [&session] {
-                return DescribeVolumes(session.port, session.Handle());
+                return DescribeVolumes(session.port);
             }};
 }
 

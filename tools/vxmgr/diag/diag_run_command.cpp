@@ -1,4 +1,7 @@
 // diag run: every check that does no harm.
+#include <map>
+#include <optional>
+
 #include "common/status_codes.h"
 #include "common/text.h"
 #include "vxmgr/app/port_walk.h"
@@ -9,6 +12,7 @@
 #include "vxmgr/fabric/fc_services.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/ports/stats_counters.h"
+#include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
@@ -23,6 +27,9 @@ constexpr tools::Argument kArguments[] = {
      "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
 };
 
+// The fabric and remote ports get their time as well, and whole regions are read.
+constexpr std::chrono::seconds kCheckTime{60};
+
 enum class Outcome : uint8_t { Passed, Warning, Failed, Skipped };
 
 struct Finding {
@@ -31,9 +38,11 @@ struct Finding {
 };
 
 struct Subject {
+    PortTask& task;
     const Port& port;
     uint32_t handle;
-    const HX_SCSI_ADDRESS* target;  // null: none given
+    const HX_SCSI_ADDRESS* target;    // null: none given
+    std::optional<uint32_t> sibling;  // the port whose check of the adapter's flash counts
 
     bool IsOnline() const { return port.port && port.port->state == HX_PORT_STATE_ONLINE; }
 };
@@ -69,15 +78,45 @@ Finding CheckFirmware(const Subject& subject) {
                         : Finding{Outcome::Passed, "version " + text};
 }
 
+Finding CheckStoredCode(const Subject& subject) {
+    if (subject.sibling) {
+        return {Outcome::Skipped, "as of port " + std::to_string(*subject.sibling)};
+    }
+    FlashLayout layout;
+    const HX_STATUS status = QueryFlashLayout(subject.handle, &layout);
+    if (status != HXMGT_SUCCESS) {
+        return OfStatus(status);
+    }
+    Finding finding;
+    for (const StoredCode& code : ReadStoredCode(
+             subject.handle, layout, [&subject] { subject.task.Answered(kCheckTime); })) {
+        const std::string running = RunningVersion(subject.port, code.region.code);
+        const std::string damage = DamageOf(code, running);
+        if (code.status != HXMGT_SUCCESS) {
+            return OfStatus(code.status);
+        }
+        if (!damage.empty()) {
+            finding.outcome = Outcome::Failed;
+            finding.detail += (finding.detail.empty() ? "" : "; ") + damage;
+        }
+    }
+    return finding;
+}
+
 Finding CheckLink(const Subject& subject) {
     if (!subject.port.port) {
         return {Outcome::Failed, "the port's properties cannot be read"};
     }
     const Value state = StateValue(subject.port);
     const std::string* text = std::get_if<std::string>(&state.Content());
-    return {subject.IsOnline() && !subject.port.disabled.value_or(false) ? Outcome::Passed
-                                                                         : Outcome::Warning,
-            text == nullptr ? "unknown state" : *text};
+    const std::string shown = !state.Shown().empty() ? state.Shown()
+                              : text != nullptr      ? *text
+                                                     : "unknown state";
+    // Somebody wanted a disabled port to be down.
+    if (subject.port.disabled.value_or(false)) {
+        return {Outcome::Warning, shown};
+    }
+    return {subject.IsOnline() ? Outcome::Passed : Outcome::Failed, shown};
 }
 
 Finding CheckLinkErrors(const Subject& subject) {
@@ -142,17 +181,17 @@ Finding CheckEcho(const Subject& subject) {
     return IsEchoOf(request, answer) ? Finding{} : Finding{Outcome::Failed, "other data came back"};
 }
 
-// The fabric and remote ports get their time as well.
-constexpr std::chrono::seconds kCheckTime{30};
-
 struct Check {
     const char* name;
     Finding (*run)(const Subject& subject);
+    const char* advice = "";  // when it fails
 };
 constexpr Check kChecks[] = {
-    {"driver", CheckDriver},
+    {"driver", CheckDriver, "`port show` tells what can be read"},
     {"firmware", CheckFirmware},
-    {"link", CheckLink},
+    {"stored code", CheckStoredCode,
+     "write it again with `flash write` before the adapter is restarted"},
+    {"link", CheckLink, "look at the cable, the transceiver (`sfp show`) and the switch"},
     {"link errors", CheckLinkErrors},
     {"diagnostic mode", CheckDiagnosticMode},
     {"name server", CheckNameServer},
@@ -173,6 +212,24 @@ Record CheckRow(const Port& port, const char* check, const Finding& finding) {
     return row;
 }
 
+// Ports that share an adapter with an earlier one, which looks at its flash for them: by index.
+std::map<uint32_t, uint32_t> SiblingsOf(const std::vector<Port*>& ports) {
+    std::map<std::string, uint32_t> first;
+    std::map<uint32_t, uint32_t> siblings;
+    for (const Port* port : ports) {
+        const std::string serial = port->Serial();
+        // A port that does not answer looks at nothing.
+        if (serial.empty() || !port->answers) {
+            continue;
+        }
+        const auto [known, isFirst] = first.try_emplace(serial, port->index);
+        if (!isFirst) {
+            siblings.emplace(port->index, known->second);
+        }
+    }
+    return siblings;
+}
+
 }  // namespace
 
 std::span<const tools::Argument> DiagRunArguments() {
@@ -188,30 +245,45 @@ ExitCode DiagRun(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Record> rows;
     size_t failed = 0;
-    const AskPort<std::vector<Finding>> check =
-        [hasTarget, target](PortVisit& visit, std::vector<Finding>* findings) {
-            for (const Check& one : kChecks) {
-                findings->push_back(
-                    one.run({visit.port, visit.Handle(), hasTarget ? &target : nullptr}));
-                visit.task.Answered(kCheckTime);
-            }
-            return HX_STATUS{HXMGT_SUCCESS};
-        };
-    for (const auto& one : ForEachPort(invocation, SelectPorts(invocation, ports), check)) {
-        if (one.status != HXMGT_SUCCESS) {
-            rows.push_back(CheckRow(*one.port, "driver", DriverFailed(one.status, one.query)));
+    const auto add = [&](const Port& port, const Check& check, const Finding& finding) {
+        rows.push_back(CheckRow(port, check.name, finding));
+        if (finding.outcome == Outcome::Failed) {
             ++failed;
+            const std::string& detail = finding.detail;
+            invocation.Add({tools::Severity::Error,
+                            std::string(check.name) + ": " + (detail.empty() ? "failed" : detail),
+                            check.advice,
+                            port.Object(),
+                            {}});
+        }
+    };
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
+    const AskPort<std::vector<Finding>> ask = [hasTarget, target, siblings = SiblingsOf(selected)](
+                                                  PortVisit& visit,
+                                                  std::vector<Finding>* findings) {
+        const auto sibling = siblings.find(visit.port.index);
+        for (const Check& check : kChecks) {
+            findings->push_back(check.run(
+                {visit.task, visit.port, visit.Handle(), hasTarget ? &target : nullptr,
+                 sibling != siblings.end() ? std::optional(sibling->second) : std::nullopt}));
+            visit.task.Answered(kCheckTime);
+        }
+        return HX_STATUS{HXMGT_SUCCESS};
+    };
+    for (const auto& one : ForEachPort(invocation, selected, ask)) {
+        if (one.status != HXMGT_SUCCESS) {
+            add(*one.port, kChecks[0], DriverFailed(one.status, one.query));
             continue;
         }
         for (size_t i = 0; i < one.answer.size(); ++i) {
-            failed += one.answer[i].outcome == Outcome::Failed ? 1 : 0;
-            rows.push_back(CheckRow(*one.port, kChecks[i].name, one.answer[i]));
+            add(*one.port, kChecks[i], one.answer[i]);
         }
     }
     invocation.Result().AddList("checks", "Checks", tools::ListLayout::Table, CheckRow({}, "", {}),
                                 "no ports", std::move(rows));
     if (failed != 0) {
-        invocation.Fail(ExitCode::Failed, std::to_string(failed) + " checks failed");
+        invocation.Fail(ExitCode::Failed,
+                        failed == 1 ? "1 check failed" : std::to_string(failed) + " checks failed");
     }
     return ExitCode::Done;
 }

@@ -9,8 +9,7 @@
 namespace vxmgr {
 
 // A line with the disks that the port leads to and where their volumes are mounted; none when there
-// are no disks, or nothing is known of them. Takes no more than about two seconds, and says so when
-// they were not enough.
-std::vector<std::string> DescribeVolumes(const Port& port, uint32_t handle);
+// are no disks, or nothing is known of them. Asks the operating system alone.
+std::vector<std::string> DescribeVolumes(const Port& port);
 
 }  // namespace vxmgr

@@ -112,7 +112,7 @@ std::vector<Record> MapRows(const MapPort& port, const MappedUnit& unit) {
     return rows;
 }
 
-std::string VolumesText(std::vector<MappedUnit> units, bool whole) {
+std::string VolumesText(std::vector<MappedUnit> units) {
     constexpr size_t kMostShown = 8;
     std::erase_if(units, [](const MappedUnit& unit) { return !unit.device; });
     std::stable_partition(units.begin(), units.end(),
@@ -134,7 +134,7 @@ std::string VolumesText(std::vector<MappedUnit> units, bool whole) {
     if (units.size() > kMostShown) {
         text += " and " + std::to_string(units.size() - kMostShown) + " more";
     }
-    return text.empty() || whole ? text : text + ", and perhaps others";
+    return text;
 }
 
 }  // namespace vxmgr

@@ -47,7 +47,7 @@ std::vector<tools::Record> MapRows(const MapPort& port, const MappedUnit& unit);
 tools::Record MapRow(const MapPort& port, const MappedUnit* unit, const HX_VOLUME* volume);
 
 // The disks and tapes among the units, with the places where their volumes are mounted, those
-// first; empty when there is none. whole: these are all of them.
-std::string VolumesText(std::vector<MappedUnit> units, bool whole);
+// first; empty when there is none.
+std::string VolumesText(std::vector<MappedUnit> units);
 
 }  // namespace vxmgr

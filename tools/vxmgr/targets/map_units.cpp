@@ -1,7 +1,6 @@
 #include "vxmgr/targets/map_units.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 namespace vxmgr {
@@ -61,21 +60,16 @@ std::vector<HX_VOLUME> SystemDevices::VolumesOn(const HX_OS_DEVICE& device) cons
     return volumes;
 }
 
-std::vector<HX_VOLUME> SystemDevices::VolumesBehind(uint32_t scsiPort) const {
-    std::vector<HX_VOLUME> volumes;
-    for (const HX_DISK_VOLUME& volume : volumes_) {
-        const auto isDisk = [&](const HX_OS_DEVICE& device) {
-            return IsDiskBehind(device, scsiPort, volume.disk);
-        };
-        const auto isKnown = [&](const HX_VOLUME& known) {
-            return std::strcmp(known.name, volume.volume.name) == 0;
-        };
-        if (std::any_of(devices_.begin(), devices_.end(), isDisk) &&
-            std::none_of(volumes.begin(), volumes.end(), isKnown)) {
-            volumes.push_back(volume.volume);
+std::vector<MappedUnit> SystemDevices::UnitsBehind(uint32_t scsiPort) const {
+    std::vector<MappedUnit> units;
+    for (const HX_OS_DEVICE& device : devices_) {
+        if (device.scsiPort == scsiPort) {
+            MappedUnit& unit = units.emplace_back();
+            unit.device = device;
+            unit.volumes = VolumesOn(device);
         }
     }
-    return volumes;
+    return units;
 }
 
 std::vector<HX_OS_DEVICE> SystemDevices::DisksBehind(uint32_t scsiPort, uint32_t number) const {

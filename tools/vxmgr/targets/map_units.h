@@ -18,8 +18,8 @@ class SystemDevices {
     // Null: the operating system has none.
     const HX_OS_DEVICE* At(uint32_t scsiPort, uint32_t bus, uint32_t target, uint32_t lun) const;
     std::vector<HX_VOLUME> VolumesOn(const HX_OS_DEVICE& device) const;
-    // Those that live, in part or whole, on disks behind the port, each once.
-    std::vector<HX_VOLUME> VolumesBehind(uint32_t scsiPort) const;
+    // The devices behind the port, with their volumes.
+    std::vector<MappedUnit> UnitsBehind(uint32_t scsiPort) const;
 
     // Disks of the number behind the port: one, unless the system is odd.
     std::vector<HX_OS_DEVICE> DisksBehind(uint32_t scsiPort, uint32_t number) const;

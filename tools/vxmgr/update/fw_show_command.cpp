@@ -77,7 +77,7 @@ class Shower {
             const std::string running = RunningVersion(adapter.First(), code.region.code);
             const CodeState state = StateOf(code, running);
             rows_.push_back(CodeRow(adapter, code.region.code, running, code, state));
-            Report(adapter, code, state);
+            Report(adapter, code, state, DamageOf(code, running));
         }
     }
 
@@ -85,6 +85,9 @@ class Shower {
         invocation_.Result().AddList("code", "Firmware and boot code", tools::ListLayout::Table,
                                      CodeRow({}, 0, {}, {}, CodeState::Unknown), "No adapters.",
                                      std::move(rows_));
+        if (damaged_) {
+            return ExitCode::Failed;
+        }
         return failures_ != 0 && failures_ < adapters ? ExitCode::Partial : first_;
     }
 
@@ -108,7 +111,8 @@ class Shower {
         first_ = failures_++ == 0 ? exit : first_;
     }
 
-    void Report(const Adapter& adapter, const StoredCode& code, CodeState state) {
+    void Report(const Adapter& adapter, const StoredCode& code, CodeState state,
+                const std::string& damage) {
         const std::string object = adapter.First().Object();
         const std::string name = RegionName(code.region.code);
         if (state == CodeState::Pending) {
@@ -117,22 +121,23 @@ class Shower {
                              "see `fw activate`",
                              object,
                              {}});
-        } else if (state == CodeState::Damaged) {
-            const bool known = !code.image.problem.empty();
-            invocation_.Add(
-                {tools::Severity::Warning,
-                 name + " is damaged: " +
-                     (known ? code.image.problem
-                            : "the region holds " + std::string(KindName(code.image.kind))),
-                 "write it again with `flash write`",
-                 object,
-                 {}});
+        } else if (!damage.empty()) {
+            damaged_ = true;
+            invocation_.Add({tools::Severity::Error,
+                             damage,
+                             "write it again with `flash write` before the adapter is restarted",
+                             object,
+                             {}});
+        } else if (code.status != HXMGT_SUCCESS) {
+            const ExitCode exit = invocation_.Report(code.status, name + " cannot be read", object);
+            first_ = failures_++ == 0 ? exit : first_;
         }
     }
 
     tools::Invocation& invocation_;
     std::vector<Record> rows_;
-    size_t failures_ = 0;
+    size_t failures_ = 0;  // adapters and regions that cannot be read
+    bool damaged_ = false;
     ExitCode first_ = ExitCode::Done;
 };
 

@@ -102,7 +102,7 @@ tools::Question QuestionAbout(const AdapterSession& session, const std::string& 
     question.whenAsked = [&session] {
         std::vector<std::string> lines;
         for (size_t i = 0; i < session.ports.size(); ++i) {
-            const auto behind = DescribeVolumes(session.ports[i], session.devices[i].Handle());
+            const auto behind = DescribeVolumes(session.ports[i]);
             lines.insert(lines.end(), behind.begin(), behind.end());
         }
         return lines;

@@ -76,4 +76,15 @@ CodeState StateOf(const StoredCode& code, const std::string& running) {
     return *order == 0 ? CodeState::Running : CodeState::Pending;
 }
 
+std::string DamageOf(const StoredCode& code, const std::string& running) {
+    const bool unused = code.image.kind == ImageKind::Erased && running.empty();
+    if (StateOf(code, running) != CodeState::Damaged || unused) {
+        return {};
+    }
+    return std::string(RegionName(code.region.code)) + " is damaged: " +
+           (!code.image.problem.empty()
+                ? code.image.problem
+                : "the region holds " + std::string(KindName(code.image.kind)));
+}
+
 }  // namespace vxmgr

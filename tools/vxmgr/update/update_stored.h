@@ -37,4 +37,8 @@ enum class CodeState : uint8_t { Stored, Running, Pending, Damaged, Unknown };
 const char* StateName(CodeState state);
 CodeState StateOf(const StoredCode& code, const std::string& running);
 
+// What is wrong with the code of a region, for people: "firmware is damaged: ...". Empty: nothing,
+// or the region is erased and nothing is started from there.
+std::string DamageOf(const StoredCode& code, const std::string& running);
+
 }  // namespace vxmgr
