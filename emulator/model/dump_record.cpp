@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "formats/version_numbers.h"
 #include "model/bytes/pattern.h"
-#include "model/bytes/version_numbers.h"
 #include "properties/chip_families.h"
 
 namespace vxemu {

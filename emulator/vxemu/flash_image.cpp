@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "formats/version_numbers.h"
 #include "model/bytes/bytes.h"
-#include "model/bytes/version_numbers.h"
 #include "model/storage/flash_content.h"
 
 namespace vxemu {

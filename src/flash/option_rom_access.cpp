@@ -5,7 +5,7 @@
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_rules.h"
-#include "flash/rom_image.h"
+#include "formats/rom_image.h"
 #include "frame/owned.h"
 #include "properties/chip_families.h"
 #include "properties/generation.h"

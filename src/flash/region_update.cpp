@@ -2,15 +2,15 @@
 
 #include <cstring>
 
-#include "flash/firmware_image.h"
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_rules.h"
 #include "flash/region_transfer.h"
 #include "flash/restart.h"
-#include "flash/rom_image.h"
 #include "flash/update_lock.h"
 #include "flash/version_records.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 #include "frame/owned.h"
 #include "properties/generation.h"
 #include "properties/properties.h"

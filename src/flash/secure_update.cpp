@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "flash/crc32.h"
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_transfer.h"
 #include "flash/region_update.h"
+#include "formats/crc32.h"
 #include "transport/requests.h"
 
 namespace flash {

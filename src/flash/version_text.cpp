@@ -5,8 +5,8 @@
 #include <iterator>
 #include <optional>
 
-#include "flash/firmware_image.h"
-#include "flash/rom_image.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 
 namespace flash {
 namespace {

@@ -3,8 +3,8 @@
 
 #include "flash/nvram_variables.h"
 #include "flash/region_rules.h"
-#include "flash/rom_image.h"
 #include "flash/version_text.h"
+#include "formats/rom_image.h"
 #include "model/storage/nvram_content.h"
 #include "support/rom_builder.h"
 

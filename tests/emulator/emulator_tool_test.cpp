@@ -7,9 +7,9 @@
 
 #include "fault_text.h"
 #include "field_text.h"
-#include "flash/firmware_image.h"
 #include "flash/version_text.h"
 #include "flash_image.h"
+#include "formats/firmware_image.h"
 #include "model/control.h"
 #include "model/profile/profile_fields.h"
 #include "profile_json.h"

@@ -5,12 +5,12 @@
 #include <set>
 #include <string>
 
-#include "flash/crc32.h"
-#include "flash/firmware_image.h"
 #include "flash/firmware_version.h"
 #include "flash/region_rules.h"
-#include "flash/rom_image.h"
 #include "flash/version_text.h"
+#include "formats/crc32.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 #include "support/rom_builder.h"
 
 namespace {

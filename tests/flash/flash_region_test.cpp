@@ -1,5 +1,5 @@
 // Regions: reading, updating, preparing.
-#include "flash/crc32.h"
+#include "formats/crc32.h"
 #include "support/flash_driver.h"
 #include "support/rom_builder.h"
 #include "support/scratch_file.h"

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <vector>
 
-#include "flash/firmware_image.h"
-#include "flash/rom_image.h"
 #include "flash/version_text.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 #include "require.h"
 
 namespace {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "emulator/emulator_model_fixture.h"
-#include "flash/crc32.h"
-#include "flash/firmware_image.h"
 #include "flash/flash_records.h"
+#include "formats/crc32.h"
+#include "formats/firmware_image.h"
 #include "model/storage/flash_content.h"
 #include "model/storage/flash_signature.h"
 

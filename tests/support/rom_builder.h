@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "flash/rom_image.h"
+#include "formats/rom_image.h"
 
 namespace support {
 

@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "emulated_driver.h"
-#include "flash/crc32.h"
+#include "formats/crc32.h"
 
 namespace system_test {
 namespace {

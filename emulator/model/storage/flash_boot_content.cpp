@@ -1,6 +1,6 @@
 // Boot code: a chain of PCI expansion ROM images, then erased flash.
 #include "flash/region_rules.h"
-#include "flash/rom_image.h"
+#include "formats/rom_image.h"
 #include "model/storage/flash_content.h"
 #include "model/storage/nvram_content.h"
 

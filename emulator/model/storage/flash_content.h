@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "flash/rom_image.h"
+#include "formats/rom_image.h"
+#include "formats/version_numbers.h"
 #include "model/bytes/byte_window.h"
-#include "model/bytes/version_numbers.h"
 #include "model/profile/profile.h"
 #include "model/storage/flash_regions.h"
 

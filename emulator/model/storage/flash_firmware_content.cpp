@@ -1,5 +1,5 @@
 // Firmware: two segments of big-endian words, each adding up to 0, then erased flash.
-#include "flash/firmware_image.h"
+#include "formats/firmware_image.h"
 #include "model/storage/flash_content.h"
 
 namespace vxemu {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "flash/firmware_image.h"
-#include "flash/rom_image.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 #include "model/fabric/fabric.h"
 #include "model/storage/flash_signature.h"
 #include "model/storage/nvram_content.h"

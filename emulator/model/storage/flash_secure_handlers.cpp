@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "flash/crc32.h"
 #include "flash/flash_records.h"
+#include "formats/crc32.h"
 #include "model/fabric/fabric.h"
 #include "model/handlers.h"
 #include "model/port_settings.h"

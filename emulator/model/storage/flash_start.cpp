@@ -2,8 +2,8 @@
 
 #include <iterator>
 
-#include "flash/firmware_image.h"
-#include "flash/rom_image.h"
+#include "formats/firmware_image.h"
+#include "formats/rom_image.h"
 #include "model/bytes/bytes.h"
 #include "model/fabric/fabric.h"
 #include "model/port_settings.h"

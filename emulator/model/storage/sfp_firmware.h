@@ -6,7 +6,7 @@
 #include <cstring>
 #include <span>
 
-#include "flash/crc32.h"
+#include "formats/crc32.h"
 #include "model/profile/profile.h"
 #include "model/storage/sfp_content.h"
 

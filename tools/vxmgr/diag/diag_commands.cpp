@@ -5,9 +5,9 @@
 
 #include "common/text.h"
 #include "vxmgr/app/bytes.h"
+#include "vxmgr/app/code_text.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/scsi_code_text.h"
 
 namespace vxmgr {
 namespace {

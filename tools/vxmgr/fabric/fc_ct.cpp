@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/text.h"
-#include "vxmgr/fabric/scsi_code_text.h"
+#include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {

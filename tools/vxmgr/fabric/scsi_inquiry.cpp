@@ -1,7 +1,7 @@
 #include "vxmgr/fabric/scsi_inquiry.h"
 
 #include "common/text.h"
-#include "vxmgr/fabric/scsi_code_text.h"
+#include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <numeric>
 
-#include "vxmgr/fabric/scsi_code_text.h"
+#include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "model/bytes/text_writer.h"
+#include "formats/text_writer.h"
 
 namespace vxemu {
 

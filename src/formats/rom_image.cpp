@@ -1,4 +1,4 @@
-#include "flash/rom_image.h"
+#include "formats/rom_image.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "flash/firmware_image.h"
+#include "formats/firmware_image.h"
 
 #include <algorithm>
 
