@@ -64,7 +64,7 @@ struct LegacySwapRequest {
 static_assert(sizeof(LegacySwapRequest) == 76);
 static_assert(offsetof(LegacySwapRequest, newDevice) == 44);
 
-// AddTarget and AddTargetCommit send one device, SwapTargetsOld and SwapTargets two.
+// AddTargetOld and AddTarget send one device, SwapTargetsOld and SwapTargets two.
 struct SwapRequest {
     properties::PortDatabaseEntry oldDevice;
     properties::PortDatabaseEntry newDevice;

@@ -77,9 +77,9 @@ HX_STATUS AddTarget(uint32_t handle, const HX_DEVICE_RECORD* device) {
             return SendTargetAndMask(handle, transport::command::LegacyAddTarget,
                                      std::bit_cast<HX_TARGET_ENTRY>(LegacyPayloadOf(*device)), {});
         case Generation::Middle:
-            return transport::Tell(handle, transport::command::AddTarget, PayloadOf(*device));
+            return transport::Tell(handle, transport::command::AddTargetOld, PayloadOf(*device));
         default:
-            return transport::Tell(handle, transport::command::AddTargetCommit, PayloadOf(*device));
+            return transport::Tell(handle, transport::command::AddTarget, PayloadOf(*device));
     }
 }
 

@@ -194,7 +194,7 @@ struct Command {
     ROW(SetTargetLunMask,        0xF0001008, 103, Fixed,      "update target LUN mask")            \
     ROW(SetManagementAddress,    0xF0001008, 109, Fixed,      "set management address")            \
     ROW(SetTargetLunMaskFc,      0xF0001008, 111, Fixed,      "update target LUN mask, FC form")   \
-    ROW(AddTarget,               0xF0001008, 112, Fixed,      "add a target device")               \
+    ROW(AddTargetOld,            0xF0001008, 112, Fixed,      "add a target, older drivers")       \
     ROW(SwapTargetsOld,          0xF0001008, 113, Fixed,      "swap targets, older drivers")       \
     ROW(SetLunQos,               0xF0001008, 114, Fixed,      "set LUN QoS")                       \
     ROW(ScmManagement,           0xF0001008, 115, Fixed,      "SCM management")                    \
@@ -203,7 +203,7 @@ struct Command {
     ROW(DestinationStatistics,   0xF000100B,   0, Fixed,      "port statistics by destination")    \
     ROW(Loopback,                0xF000100C,   0, Fixed,      "diagnostic loopback")               \
     ROW(FlashWrite,              0xF000100D,   0, Region,     "write a flash region")              \
-    ROW(AddTargetCommit,         0xF000100E,   0, Fixed,      "add a target device, second step")  \
+    ROW(AddTarget,               0xF000100E,   0, Fixed,      "add a target device")               \
     ROW(NvramRead,               0xF000100F,   0, Range,      "read NVRAM")                        \
     ROW(NvramWrite,              0xF0001010,   0, Region,     "write NVRAM")                       \
     ROW(SwapTargets,             0xF0001011,   0, Fixed,      "swap targets")                      \

@@ -21,7 +21,7 @@ Bytes BytesOf(const Record& record, const Bytes& behind = {}) {
 class EmulatorBinding : public ModelFixture {
   protected:
     DriverStatus Add(const properties::PortDatabaseEntry& entry) {
-        return Ask(kNewest, command::AddTargetCommit, 0, BytesOf(entry)).Status();
+        return Ask(kNewest, command::AddTarget, 0, BytesOf(entry)).Status();
     }
 
     Bytes Mask(uint8_t target, uint32_t port = kNewest, uint32_t room = 256) {
@@ -145,12 +145,13 @@ TEST_F(EmulatorBinding, TargetsAreBoundAndSwapped) {
     EXPECT_NE(+Database(1)[4].target, 9) << "a binding is the port's own";
     // Once more: the same device takes the new address.
     entry.target = 10;
-    EXPECT_EQ(Ask(kNewest, command::AddTarget, 0, BytesOf(entry)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, command::AddTargetOld, 0, BytesOf(entry)).Status(),
+              DriverStatus::Success);
     EXPECT_EQ(+Database()[4].target, 10);
     // An address that is taken, too short.
     entry.target = 0;
     EXPECT_EQ(Add(entry), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(kNewest, command::AddTarget, 0, Bytes(171)).Status(),
+    EXPECT_EQ(Ask(kNewest, command::AddTargetOld, 0, Bytes(171)).Status(),
               DriverStatus::InvalidParameter);
 
     entries = Database();

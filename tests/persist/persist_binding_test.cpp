@@ -230,7 +230,7 @@ TEST_F(PersistBindingTest, AddAndSwapByDriverVersion) {
         }
         EXPECT_EQ(2u, port->Requests().size());
     }
-    port->On(command::AddTargetCommit, Reply{.status = 9});
+    port->On(command::AddTarget, Reply{.status = 9});
     EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, HXAddTargetDevice(handle, &oldDevice));
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXAddTargetDevice(0, &oldDevice));
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXSwapTargetDevice(65, &oldDevice, &newDevice));
