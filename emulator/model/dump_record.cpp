@@ -41,7 +41,7 @@ dumps::RecordHeader DumpRecord::Header() const {
     header.fileTime = kFirstDumpTime + port_.dumpsForced * kHour;
     std::memcpy(header.portName, port_.profile->portName, sizeof header.portName);
     header.function = port_.profile->pciFunction;
-    const VersionNumbers version = ParseVersion(adapter.firmwareVersion);
+    const formats::VersionNumbers version = formats::ParseVersion(adapter.firmwareVersion);
     static_assert(sizeof header.firmwareVersion <= sizeof version.parts);
     std::memcpy(header.firmwareVersion, version.parts, sizeof header.firmwareVersion);
     header.firmwareAttributes = adapter.firmwareAttributes;

@@ -13,7 +13,7 @@ namespace {
 // Whether the version is so written that the image tells it: numbers of a byte, as many as the
 // content has.
 bool IsVersion(const std::string& text, uint32_t least, uint32_t most) {
-    const VersionNumbers version = ParseVersion(text.c_str());
+    const formats::VersionNumbers version = formats::ParseVersion(text.c_str());
     std::string written;
     uint32_t count = 0;
     for (size_t at = 0; at <= text.size() && count < most; ++count) {

@@ -12,7 +12,7 @@ namespace {
 
 // The first record whose serial is that text; an empty one finds an unassigned record.
 std::optional<uint32_t> FindSerial(std::string_view serial) {
-    for (uint32_t number = 0; number < frame::kFlashLocks; ++number) {
+    for (uint32_t number = 0; number < formats::kFlashLocks; ++number) {
         if (properties::TextOf(CopyOfLock(number).serial) == serial) {
             return number;
         }

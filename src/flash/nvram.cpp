@@ -105,7 +105,7 @@ HX_STATUS UpdatePortRegion(uint32_t handle, const PortIdentity& port, uint32_t m
     if (mode < HX_NVRAM_BLOCK || mode > HX_NVRAM_RESTART || size < kExtendedBlock) {
         return HXMGT_INVALID_PARAMETER;
     }
-    UpdateExtendedChecksum(std::span<uint8_t, kExtendedBlock>(block, kExtendedBlock));
+    formats::MakeChecksum(BlockKind::Extended, {block, kExtendedBlock});
     uint32_t region = 0;
     HX_STATUS status = ChoosePortRegion(handle, kNvramRegions, port, Direction::Write, region);
     if (status == HXMGT_SUCCESS) {

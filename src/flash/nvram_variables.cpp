@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <iterator>
-#include <numeric>
 
 namespace flash {
 namespace {
@@ -81,14 +79,6 @@ bool IsReadOnly(std::span<const uint8_t> classicBlock, uint32_t index) {
     const uint32_t family =
         std::min(GetVariable(classicBlock, BlockKind::Classic, kFamilyVariable), kLastFamily);
     return (kVariableTable[index].readOnlyFamilies & kFamilies[family]) != 0;
-}
-
-void UpdateExtendedChecksum(std::span<uint8_t, kExtendedBlock> block) {
-    uint32_t words[kExtendedBlock / sizeof(uint32_t)];
-    std::memcpy(words, block.data(), sizeof words);
-    uint32_t& checksum = words[std::size(words) - 1];
-    checksum = 0 - std::accumulate(std::begin(words), std::end(words) - 1, 0u);
-    std::memcpy(block.data(), words, sizeof words);
 }
 
 }  // namespace flash

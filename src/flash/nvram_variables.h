@@ -7,12 +7,17 @@
 #include <optional>
 #include <span>
 
+#include "formats/nvram_block.h"
+
 namespace flash {
 
+using formats::BlockBytes;
+using formats::BlockKind;
+using formats::kClassicBlock;
+using formats::kExtendedBlock;
+using formats::kNvramSignature;
+
 inline constexpr size_t kVariables = 188;
-inline constexpr size_t kClassicBlock = 256;   // 16-bit words
-inline constexpr size_t kExtendedBlock = 512;  // 32-bit words
-inline constexpr char kNvramSignature[4] = {'K', 'P', 'U', ' '};
 
 inline constexpr uint32_t kSignatureVariable = 0;
 inline constexpr uint32_t kFamilyVariable = 128;  // chip family of a classic block
@@ -42,11 +47,6 @@ constexpr uint32_t MaskOf(uint8_t width) {
     return static_cast<uint32_t>((uint64_t{1} << width) - 1);
 }
 
-enum class BlockKind { Classic, Extended };
-constexpr size_t BlockBytes(BlockKind kind) {
-    return kind == BlockKind::Classic ? kClassicBlock : kExtendedBlock;
-}
-
 // Value of a variable; 0 when there is none at that index. The block has BlockBytes(kind) bytes.
 uint32_t GetVariable(std::span<const uint8_t> block, BlockKind kind, uint32_t index);
 
@@ -62,8 +62,5 @@ BitPlace PlaceOf(BlockKind kind, uint32_t index);
 
 // True when a variable may not be changed on the family of a classic block.
 bool IsReadOnly(std::span<const uint8_t> classicBlock, uint32_t index);
-
-// Makes the checksum of an extended block: all its words add up to 0.
-void UpdateExtendedChecksum(std::span<uint8_t, kExtendedBlock> block);
 
 }  // namespace flash

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "flash/carried_identity.h"
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_rules.h"
-#include "formats/rom_image.h"
 #include "frame/owned.h"
 #include "properties/chip_families.h"
 #include "properties/generation.h"

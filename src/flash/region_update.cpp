@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "flash/carried_identity.h"
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_rules.h"
@@ -28,10 +29,10 @@ HX_STATUS CheckFirmwareOf(const Chip& chip, uint32_t regionCode, uint32_t region
     if (!chip.Has(ChipTrait::LargeRom) || regionCode != kFirmwareRegion) {
         return HXMGT_SUCCESS;
     }
-    switch (CheckFirmware(image, regionBytes)) {
-        case FirmwareCheck::Good:
+    switch (formats::CheckFirmware(image, regionBytes)) {
+        case formats::FirmwareCheck::Good:
             return HXMGT_SUCCESS;
-        case FirmwareCheck::BadSegments:
+        case formats::FirmwareCheck::BadSegments:
             return HXMGT_OPTION_ROM_INCOMPATIBLE_FIRMWARE;
         default:
             return HXMGT_OPTION_ROM_CHECKSUM_ERROR;
@@ -69,7 +70,7 @@ HX_STATUS WriteToLayout(uint32_t handle, const Chip& chip, uint32_t regionCode, 
 
 // Carries the adapter's identity over into boot code.
 HX_STATUS PrepareBootCode(uint32_t handle, const Chip& chip, std::span<uint8_t> image) {
-    if (!FindImage(image, RomCode::Bios)) {
+    if (!formats::FindImage(image, formats::RomCode::Bios)) {
         return HXMGT_SUCCESS;
     }
     const uint32_t currentBytes = FlashImageBytes(chip);

@@ -23,7 +23,7 @@ HX_STATUS Announce(uint32_t handle, uint32_t regionCode, Image image) {
     SecureHeaderRecord header{};
     header.region = regionCode;
     header.imageSize = static_cast<uint32_t>(image.size());
-    header.crc = Crc32(image);
+    header.crc = formats::Crc32(image);
     std::copy_n(image.begin(), std::min(image.size(), sizeof header.imageHead), header.imageHead);
     return transport::Tell(handle, transport::command::SecureFlashHeader, header);
 }

@@ -22,7 +22,7 @@ HX_STATUS StartUpdate(uint32_t handle, uint32_t* lockKey) {
     const frame::FlashLock lock = CopyOfLock(*number);
     const bool held = lock.owner != 0;
     // Unsigned differences survive the wrap of the tick count.
-    if (held && (GetTickCount() - lock.startTick) / 1000 <= kLongestHoldSeconds) {
+    if (held && (GetTickCount() - lock.startTick) / 1000 <= formats::kLongestHoldSeconds) {
         return HXMGT_SESSION_IN_PROGRESS;
     }
     const uint32_t self = GetCurrentProcessId();

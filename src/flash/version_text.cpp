@@ -7,27 +7,30 @@
 
 #include "formats/firmware_image.h"
 #include "formats/rom_image.h"
+#include "formats/version_numbers.h"
 
 namespace flash {
 namespace {
 
+using formats::RomCode;
+
 void FormatFirmware(std::span<const uint8_t> image, VersionText& text) {
-    uint32_t numbers[3];
-    for (uint32_t i = 0; i < std::size(numbers); ++i) {
-        numbers[i] = FirmwareWord(image, kVersionWord + i);
+    formats::VersionNumbers version{};
+    for (uint32_t i = 0; i < 3; ++i) {
+        version.parts[i] = formats::FirmwareWord(image, formats::kVersionWord + i);
     }
     // Anything above a byte is no version.
-    const uint32_t highest = *std::max_element(std::begin(numbers), std::end(numbers));
+    const uint32_t highest = *std::max_element(std::begin(version.parts), std::end(version.parts));
     if (highest != 0 && highest <= UINT8_MAX) {
-        std::snprintf(text, sizeof text, "%u.%02u.%02u", static_cast<unsigned>(numbers[0]),
-                      static_cast<unsigned>(numbers[1]), static_cast<unsigned>(numbers[2]));
+        formats::FormatFirmwareVersion(version, text);
     }
 }
 
 void FormatBoot(std::span<const uint8_t> image, RomCode code, VersionText& text) {
-    const std::optional<RomImage> found = FindImage(image, code);
+    const std::optional<formats::RomImage> found = formats::FindImage(image, code);
     if (found && (found->majorRevision != 0 || found->revision != 0)) {
-        std::snprintf(text, sizeof text, "%d.%02d", found->majorRevision, found->revision);
+        formats::TextWriter writer(text);
+        formats::WriteBootVersion(writer, found->majorRevision, found->revision);
     }
 }
 

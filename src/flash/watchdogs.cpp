@@ -14,7 +14,7 @@
 namespace flash {
 namespace {
 
-constexpr uint32_t kSleepMs = kLongestHoldSeconds * 1000;
+constexpr uint32_t kSleepMs = formats::kLongestHoldSeconds * 1000;
 
 // How long a stop waits for a watchdog that asks its driver: longer than a driver may stay busy.
 constexpr uint32_t kLongestWaitMs = 100000;

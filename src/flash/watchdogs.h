@@ -7,8 +7,6 @@
 
 namespace flash {
 
-inline constexpr uint32_t kLongestHoldSeconds = 900;
-
 // Starts the watchdog of a lock that this process has taken. It looks the lock of the handle's
 // adapter up by itself. Returns its thread handle, 0 when it could not be started.
 uint64_t StartWatchdog(uint32_t lock, uint32_t handle);

@@ -1,21 +1,34 @@
-// CRC-32 as Ethernet has it (IEEE 802.3), which images are announced with. Free of platform
-// headers.
+// CRC-32 as Ethernet has it (IEEE 802.3), which images are announced with.
 #pragma once
 
-#include <cstdint>
-#include <span>
+#include <array>
 
-namespace flash {
+#include "formats/bytes.h"
 
-constexpr uint32_t Crc32(std::span<const uint8_t> bytes) {
-    uint32_t crc = 0xFFFFFFFF;
-    for (const uint8_t byte : bytes) {
-        crc ^= byte;
+namespace formats {
+
+inline constexpr std::array<uint32_t, 256> kCrc32Table = [] {
+    std::array<uint32_t, 256> table{};
+    for (uint32_t i = 0; i < table.size(); ++i) {
+        uint32_t value = i;
         for (int bit = 0; bit < 8; ++bit) {
-            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320u : 0);
+            value = (value >> 1) ^ ((value & 1) != 0 ? 0xEDB88320u : 0);
         }
+        table[i] = value;
     }
-    return ~crc;
+    return table;
+}();
+
+// The remainder after more bytes, neither inverted before nor after.
+constexpr uint32_t Crc32Remainder(uint32_t remainder, Bytes bytes) {
+    for (const uint8_t byte : bytes) {
+        remainder = kCrc32Table[(remainder ^ byte) & 0xFF] ^ (remainder >> 8);
+    }
+    return remainder;
 }
 
-}  // namespace flash
+constexpr uint32_t Crc32(Bytes bytes) {
+    return ~Crc32Remainder(0xFFFFFFFF, bytes);
+}
+
+}  // namespace formats

@@ -1,13 +1,11 @@
-// PCI expansion ROM images: the chain they form in a flash, what an update carries over from the
-// adapter, and their checksum. Free of platform headers.
+// PCI expansion ROM images: the chain they form in a file or a flash, and their checksum.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <span>
 
-namespace flash {
+#include "formats/bytes.h"
+
+namespace formats {
 
 #pragma pack(push, 1)
 
@@ -28,13 +26,20 @@ static_assert(sizeof(RomHeader) == 34);
 static_assert(offsetof(RomHeader, dataOffset) == 24);
 static_assert(offsetof(RomHeader, subsystemMark) == 28);
 
+// Up to where the description is told.
+inline constexpr size_t kShortestRom =
+    offsetof(RomHeader, dataOffset) + sizeof RomHeader::dataOffset;
+
 inline constexpr char kRomDataMark[4] = {'P', 'C', 'I', 'R'};
 
 struct RomData {
     char mark[4];
     uint16_t vendorId;
     uint16_t deviceId;
-    uint8_t reserved8[8];
+    uint16_t deviceList;  // from here to more device IDs that end with 0; 0: none
+    uint16_t dataLength;
+    uint8_t dataRevision;
+    uint8_t classCode[3];
     uint16_t length;  // of the image, in kRomUnit
     uint8_t revision;
     uint8_t majorRevision;
@@ -46,7 +51,7 @@ static_assert(offsetof(RomData, length) == 16);
 static_assert(offsetof(RomData, codeType) == 20);
 inline constexpr uint8_t kLastImage = 0x80;
 
-enum class RomCode : uint8_t { Bios = 0, Fcode = 1, Efi = 3 };
+enum class RomCode : uint8_t { Bios = 0, Fcode = 1, PaRisc = 2, Efi = 3 };
 
 #pragma pack(pop)
 
@@ -64,28 +69,22 @@ struct RomImage {
     bool last;
 };
 
+// Whether the bytes begin with the signature; an image takes kShortestRom of them.
+bool BeginsRom(Bytes bytes);
+
 // The image at a position of a flash, or nothing when none begins there.
-std::optional<RomImage> ImageAt(std::span<const uint8_t> flash, size_t start);
+std::optional<RomImage> ImageAt(Bytes flash, size_t start);
 
 // The image behind another one of the same chain, or nothing when that was the last.
-std::optional<RomImage> NextImage(std::span<const uint8_t> flash, const RomImage& image);
+std::optional<RomImage> NextImage(Bytes flash, const RomImage& image);
 
 inline constexpr uint32_t kLongestChain = 11;  // images that a walk looks at
 
 // The first image of a code type among the first kLongestChain of the chain at the flash's start.
-std::optional<RomImage> FindImage(std::span<const uint8_t> flash, RomCode code);
+std::optional<RomImage> FindImage(Bytes flash, RomCode code);
 
 // Makes the checksum of an image that begins a span. False when its length byte tells 0 or more
 // than there is; nothing is changed then.
 bool UpdateChecksum(std::span<uint8_t> image);
 
-// Carries the adapter's subsystem vendor ID and NVRAM block over from its current flash into a
-// whole flash image. An image that was changed gets its checksum; false when it cannot have one.
-bool CarryOverIdentity(std::span<uint8_t> image, std::span<const uint8_t> current);
-
-// The same for boot code: for the first BIOS image of the chain, and for the image behind it when
-// that has a place for both. Chains without a BIOS image are left as they are.
-bool CarryOverBootIdentity(std::span<uint8_t> image, std::span<const uint8_t> current,
-                           size_t nvramBytes);
-
-}  // namespace flash
+}  // namespace formats

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace vxemu {
+namespace formats {
 
 class TextWriter {
   public:
@@ -46,4 +46,4 @@ class TextWriter {
     size_t length_ = 0;
 };
 
-}  // namespace vxemu
+}  // namespace formats

@@ -5,7 +5,7 @@
 
 #include "formats/text_writer.h"
 
-namespace vxemu {
+namespace formats {
 
 struct VersionNumbers {
     uint32_t parts[4];
@@ -43,4 +43,4 @@ inline TextWriter& WriteBootVersion(TextWriter& writer, uint32_t major, uint32_t
     return writer.Number(major).Text(".").Number(minor, 2);
 }
 
-}  // namespace vxemu
+}  // namespace formats

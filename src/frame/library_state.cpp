@@ -9,7 +9,6 @@ namespace {
 
 constexpr char kOpenMutexName[] = "HXMGT_OpenDeviceMutex";
 constexpr char kEventAreaName[] = "Global\\HXMGT_GetAENMapFile";
-constexpr char kFlashLockAreaName[] = "Global\\HXMGT_FlashUpdateLocksMapFile";
 
 VX_SHARED_BETWEEN_PROCESSES uint32_t sharedRegistrations[kHandleRecords] = {0};
 
@@ -81,7 +80,7 @@ bool CreateSharedObjects() {
     }
     openMutex.Reset(CreateMutexA(attributes, FALSE, kOpenMutexName));
     return openMutex.Valid() && events.Create(kEventAreaName, attributes) &&
-           flashLocks.Create(kFlashLockAreaName, attributes);
+           flashLocks.Create(formats::kFlashLockAreaName, attributes);
 }
 
 }  // namespace

@@ -6,12 +6,17 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "formats/flash_lock.h"
+
 namespace frame {
+
+// The second mapping.
+using formats::FlashLock;
+using formats::FlashLockArea;
 
 inline constexpr uint32_t kHandleRecords = 65;  // device handles 0 to 64
 inline constexpr uint32_t kProcessSlots = 8;
 inline constexpr uint32_t kRingCapacity = 32;
-inline constexpr uint32_t kFlashLocks = 256;
 
 #pragma pack(push, 1)
 
@@ -45,25 +50,6 @@ struct EventArea {
 };
 static_assert(sizeof(EventArea) == 274852);
 static_assert(offsetof(EventArea, registrations) == 274592);
-
-// One flash update lock, bound to a physical adapter by its serial.
-struct FlashLock {
-    uint32_t owner;  // process id, 0 = free
-    uint32_t startTick;
-    char serial[32];
-    uint64_t watchdog;  // thread handle in the owner's process
-    uint8_t reserved[256];
-};
-static_assert(sizeof(FlashLock) == 304);
-static_assert(offsetof(FlashLock, serial) == 8);
-static_assert(offsetof(FlashLock, watchdog) == 40);
-
-// "Global\HXMGT_FlashUpdateLocksMapFile"
-struct FlashLockArea {
-    FlashLock locks[kFlashLocks];
-    uint8_t reserved[256];
-};
-static_assert(sizeof(FlashLockArea) == 78080);
 
 #pragma pack(pop)
 

@@ -1,8 +1,8 @@
 // Common Transport, and topology discovery with RNID.
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 
+#include "formats/link_services.h"
 #include "hbaapi/handlers.h"
 #include "hbaapi/status.h"
 #include "passthru/passthru.h"
@@ -12,7 +12,6 @@ namespace hbaapi {
 namespace {
 
 constexpr uint32_t kAddressRoom = 256;
-constexpr uint8_t kTopologyFormat = 0xDF;  // general topology discovery (FC-LS)
 
 struct WwnTypeRow {
     HBA_WWNTYPE type;
@@ -23,29 +22,12 @@ constexpr WwnTypeRow kWwnTypes[] = {
     {PORT_WWN, HX_ADDRESS_PORT_NAME},
 };
 
-// First words of an RNID accept payload (FC-LS).
-struct RnidAccept {
-    uint8_t command[4];
-    uint8_t format;
-    uint8_t commonLength;
-};
-static_assert(offsetof(RnidAccept, commonLength) == 5);
-
 constexpr uint32_t kAcceptLength = 56;  // of an accept without common data
 
-template <typename Number, size_t Size>
-Number FromBigEndian(const uint8_t (&bytes)[Size]) {
-    static_assert(sizeof(Number) == Size);
-    Number value = 0;
-    for (const uint8_t byte : bytes) {
-        value = static_cast<Number>(value << 8 | byte);
-    }
-    return value;
-}
-
-void PutBigEndian(uint16_t value, uint8_t (&bytes)[2]) {
-    bytes[0] = static_cast<uint8_t>(value >> 8);
-    bytes[1] = static_cast<uint8_t>(value);
+template <typename Number, size_t size>
+Number FromBigEndian(const uint8_t (&bytes)[size]) {
+    static_assert(sizeof(Number) == size);
+    return static_cast<Number>(formats::BigEndian(bytes));
 }
 
 }  // namespace
@@ -60,8 +42,8 @@ HBA_STATUS SetRnidMgmtInfo(HBA_HANDLE handle, HBA_MGMTINFO* info) {
         return status;
     }
     HX_MGMT_ADDRESS_SETTING setting;
-    PutBigEndian(info->IPVersion, setting.ipVersion);
-    PutBigEndian(info->UDPPort, setting.udpPort);
+    formats::PutBigEndian(info->IPVersion, setting.ipVersion);
+    formats::PutBigEndian(info->UDPPort, setting.udpPort);
     std::memcpy(setting.ipAddress, info->IPAddress, sizeof setting.ipAddress);
     return MapStatus(statistics::SetManagementAddress(handle, &setting));
 }
@@ -104,10 +86,10 @@ HBA_STATUS SendRnid(HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* r
         }
     }
     std::memcpy(destination.address, wwn.wwn, sizeof destination.address);
-    const HX_STATUS status = passthru::SendRnid(handle, &destination, kTopologyFormat,
+    const HX_STATUS status = passthru::SendRnid(handle, &destination, formats::kTopologyFormat,
                                                 static_cast<uint8_t*>(response), *responseSize);
-    if (status == HXMGT_SUCCESS && *responseSize >= sizeof(RnidAccept)) {
-        const auto& accept = *static_cast<const RnidAccept*>(response);
+    if (status == HXMGT_SUCCESS && *responseSize >= offsetof(formats::NodeIdHead, reserved6)) {
+        const auto& accept = *static_cast<const formats::NodeIdHead*>(response);
         *responseSize = std::min(*responseSize, kAcceptLength + accept.commonLength);
     }
     return MapStatus(status);

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "formats/common_transport.h"
 #include "frame/owned.h"
 #include "frame/trace.h"
 #include "passthru/fabric_records.h"
@@ -57,8 +58,8 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
     if (IsOldestChip(*device)) {
         return HXMGT_NOT_SUPPORTED;
     }
-    if (request == nullptr || response == nullptr || requestSize < sizeof(CtPreamble) ||
-        responseSize < sizeof(CtPreamble)) {
+    if (request == nullptr || response == nullptr || requestSize < formats::kCtPreamble ||
+        responseSize < formats::kCtPreamble) {
         return HXMGT_INVALID_PARAMETER;
     }
     VX_TRACE(handle, "CT Request buffer to DeviceIoControl\n");
@@ -73,7 +74,7 @@ HX_STATUS SendCt(uint32_t handle, const void* request, uint32_t requestSize, voi
     if (status != HXMGT_SUCCESS) {
         return status;
     }
-    if (std::memcmp(request, response, sizeof(CtPreamble)) != 0) {
+    if (std::memcmp(request, response, formats::kCtPreamble) != 0) {
         return HXMGT_MS_NO_RESPONSE;
     }
     VX_TRACE(handle, "CT Response buffer from DeviceIoControl\n");

@@ -10,17 +10,6 @@ namespace passthru {
 
 #pragma pack(push, 1)
 
-// First words of a Common Transport information unit (FC-GS).
-struct CtPreamble {
-    uint8_t revision;
-    uint8_t inId[3];
-    uint8_t gsType;
-    uint8_t gsSubtype;
-    uint8_t options;
-    uint8_t reserved7;
-};
-static_assert(sizeof(CtPreamble) == 8);
-
 // LegacyCtPassThrough has an envelope of its own; request and response area follow.
 struct LegacyCtRequest {
     transport::SrbIoControl srb;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "formats/scsi_data.h"
 #include "frame/owned.h"
 #include "frame/trace.h"
 #include "passthru/passthru.h"
@@ -16,6 +17,7 @@
 namespace passthru {
 namespace {
 
+using namespace formats;
 using properties::LegacyTargetEntry;
 
 constexpr uint32_t kLongestCdb = 255;  // what the request's length byte can say
@@ -149,37 +151,16 @@ HX_STATUS SendLegacy(uint32_t handle, const ScsiCall& call) {
         call.senseLength >= sizeof(FixedSense)) {
         // The response code stays as the caller had it: intended.
         FixedSense& sense = *reinterpret_cast<FixedSense*>(call.sense);
-        sense.senseKey = request->senseKey;
+        sense.key = request->senseKey;
         sense.additionalLength = 6;
-        std::memcpy(sense.additionalSense, request->additionalSense, sizeof sense.additionalSense);
+        sense.code = request->additionalSense[0];
+        sense.qualifier = request->additionalSense[1];
     }
     VX_TRACE(handle, "HXSendScsiPassThru(Old) returned 0x%x\n", result);
     return result;
 }
 
-// SCSI operation codes (SPC, SBC).
-constexpr uint8_t kInquiry = 0x12;
-constexpr uint8_t kReadCapacity10 = 0x25;
-constexpr uint8_t kReportLuns = 0xA0;
-constexpr uint8_t kNoDevice = 0x7F;  // first byte of INQUIRY data of an absent LUN
-
 constexpr uint16_t kProbedLuns = 8;
-
-#pragma pack(push, 1)
-struct LunListHeader {
-    uint8_t length[4];  // big-endian
-    uint8_t reserved[4];
-};
-struct LunListEntry {
-    uint8_t bytes[8];  // single-level address: the LUN in byte 1
-};
-#pragma pack(pop)
-
-void PutBigEndian(uint32_t value, uint8_t (&bytes)[4]) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
-    }
-}
 
 bool LunAnswers(uint32_t handle, const HX_SCSI_ADDRESS& target, uint16_t lun) {
     HX_SCSI_ADDRESS address = target;
@@ -199,9 +180,9 @@ HX_STATUS ProbeLuns(uint32_t handle, const HX_SCSI_ADDRESS& target, uint8_t* lis
             continue;
         }
         ++counted;
-        const uint32_t position = sizeof(LunListHeader) + written * sizeof(LunListEntry);
-        if (position + sizeof(LunListEntry) <= listLength) {
-            const LunListEntry entry{{0, static_cast<uint8_t>(lun), 0, 0, 0, 0, 0, 0}};
+        const uint32_t position = sizeof(LunListHead) + written * sizeof(LunAddress);
+        if (position + sizeof(LunAddress) <= listLength) {
+            const LunAddress entry{{0, static_cast<uint8_t>(lun)}, {}};
             std::memcpy(list + position, &entry, sizeof entry);
             ++written;
         }
@@ -209,9 +190,9 @@ HX_STATUS ProbeLuns(uint32_t handle, const HX_SCSI_ADDRESS& target, uint8_t* lis
     if (counted == 0) {
         return reportLunsStatus;
     }
-    if (listLength >= sizeof LunListHeader::length) {
+    if (listLength >= sizeof LunListHead::length) {
         uint8_t length[4];
-        PutBigEndian(written * sizeof(LunListEntry), length);
+        PutBigEndian(written * sizeof(LunAddress), length);
         std::memcpy(list, length, sizeof length);
     }
     return written < counted ? HXMGT_BUFFER_TOO_SMALL : HXMGT_BUILT_BY_API;

@@ -54,19 +54,6 @@ static_assert(offsetof(LegacyScsiRequest, scsiStatus) == 8);
 static_assert(offsetof(LegacyScsiRequest, cdbLength) == 12);
 static_assert(offsetof(LegacyScsiRequest, data) == 32);
 
-// Fixed-format sense data (SPC) as far as it is made from a legacy reply.
-struct FixedSense {
-    uint8_t responseCode;
-    uint8_t reserved1;
-    uint8_t senseKey;
-    uint8_t information[4];
-    uint8_t additionalLength;
-    uint8_t commandSpecific[4];
-    uint8_t additionalSense[2];
-};
-static_assert(sizeof(FixedSense) == 14);
-static_assert(offsetof(FixedSense, additionalSense) == 12);
-
 #pragma pack(pop)
 
 }  // namespace passthru

@@ -1,27 +1,8 @@
 #include "persist/blocks.h"
 
-#include <array>
+#include "formats/crc32.h"
 
 namespace persist {
-namespace {
-
-constexpr uint32_t kPolynomial = 0xEDB88320;
-
-constexpr std::array<uint32_t, 256> MakeChecksumTable() {
-    std::array<uint32_t, 256> table{};
-    for (uint32_t i = 0; i < table.size(); ++i) {
-        uint32_t value = i;
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value >> 1) ^ ((value & 1) != 0 ? kPolynomial : 0);
-        }
-        table[i] = value;
-    }
-    return table;
-}
-
-constexpr std::array<uint32_t, 256> kChecksumTable = MakeChecksumTable();
-
-}  // namespace
 
 uint16_t VersionOf(std::span<const uint8_t> block) {
     BlockHead head{};
@@ -32,12 +13,8 @@ uint16_t VersionOf(std::span<const uint8_t> block) {
 }
 
 uint32_t TargetDataChecksum(const HX_TARGET_DATA& block) {
-    const std::span bytes(reinterpret_cast<const uint8_t*>(&block), sizeof block);
-    uint32_t checksum = 0;
-    for (const uint8_t byte : bytes) {
-        checksum = kChecksumTable[(checksum ^ byte) & 0xFF] ^ (checksum >> 8);
-    }
-    return checksum;
+    // From 0 and not inverted, unlike the usual one: intended.
+    return formats::Crc32Remainder(0, formats::BytesOf(block));
 }
 
 void PackLuns(const uint8_t (&luns)[HX_MAX_LUNS], uint8_t (&mask)[HX_LUN_MASK_SIZE]) {

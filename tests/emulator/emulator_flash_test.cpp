@@ -76,26 +76,26 @@ TEST_F(EmulatorFlash, LayoutCoversTheFlashOfEveryChip) {
 }
 
 void ExpectBootChain(const Bytes& bytes, uint16_t deviceId, bool embeddedNvram) {
-    auto image = flash::ImageAt(bytes, 0);
-    for (const flash::RomCode code :
-         {flash::RomCode::Bios, flash::RomCode::Fcode, flash::RomCode::Efi}) {
+    auto image = formats::ImageAt(bytes, 0);
+    for (const formats::RomCode code :
+         {formats::RomCode::Bios, formats::RomCode::Fcode, formats::RomCode::Efi}) {
         ASSERT_TRUE(image.has_value());
         EXPECT_EQ(image->codeType, static_cast<uint8_t>(code));
-        EXPECT_EQ(image->last, code == flash::RomCode::Efi);
+        EXPECT_EQ(image->last, code == formats::RomCode::Efi);
         EXPECT_TRUE(support::ChecksumHolds(bytes, image->start));
-        flash::RomHeader header;
-        flash::RomData data;
+        formats::RomHeader header;
+        formats::RomData data;
         std::memcpy(&header, &bytes[image->start], sizeof header);
         std::memcpy(&data, &bytes[image->start + header.dataOffset], sizeof data);
         EXPECT_EQ(+data.vendorId, properties::kVendorId);
         EXPECT_EQ(+data.deviceId, deviceId);
         EXPECT_EQ(image->length, header.length * 512u);
         EXPECT_EQ(+header.subsystemVendor, properties::kVendorId);
-        image = flash::NextImage(bytes, *image);
+        image = formats::NextImage(bytes, *image);
     }
     EXPECT_FALSE(image.has_value());
-    const auto mark = std::search(bytes.begin(), bytes.end(), std::begin(flash::kNvramMark),
-                                  std::end(flash::kNvramMark));
+    const auto mark = std::search(bytes.begin(), bytes.end(), std::begin(formats::kNvramMark),
+                                  std::end(formats::kNvramMark));
     EXPECT_EQ(mark != bytes.end(), embeddedNvram);
 }
 
@@ -149,11 +149,11 @@ TEST_F(EmulatorFlash, WhatEveryChipIsDeliveredWith) {
         flash::FormatVersion(boot, flash::VersionKind::Bios, version);
         EXPECT_STREQ(version, adapter.optionRomVersion);
         const Bytes firmware = ReadRegion(port, kFirmware);
-        EXPECT_EQ(flash::CheckFirmware(firmware, firmware.size()), flash::FirmwareCheck::Good);
+        EXPECT_EQ(formats::CheckFirmware(firmware, firmware.size()), formats::FirmwareCheck::Good);
         flash::FormatVersion(firmware, flash::VersionKind::Firmware, version);
         EXPECT_STREQ(version, adapter.firmwareVersion);
         const Bytes recovery = ReadRegion(port, kRecovery);
-        EXPECT_EQ(flash::CheckFirmware(recovery, recovery.size()), flash::FirmwareCheck::Good);
+        EXPECT_EQ(formats::CheckFirmware(recovery, recovery.size()), formats::FirmwareCheck::Good);
 
         const flash::PortIdentity identity = {chip, 0, 0, 0};
         const auto nvram = flash::RegionOfPort(flash::kNvramRegions, identity, flash::Bank::First);
@@ -360,7 +360,7 @@ TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
         // differs had been written.
         const bool sound =
             cut == 0 || expected[kFirmware] == image ||
-            flash::CheckFirmware(expected[kFirmware], size) == flash::FirmwareCheck::Good;
+            formats::CheckFirmware(expected[kFirmware], size) == formats::FirmwareCheck::Good;
         EXPECT_EQ(RunningFirmware(kNewest) == "9.00.00", !sound);
         EXPECT_EQ(StatusOf(3, kFirmware).checksum, sound ? CheckState::Good : CheckState::Bad);
         // The next attempt gets through.
@@ -411,7 +411,7 @@ TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
     EXPECT_EQ(ReadRegion(kNewest, kFirmware), image) << "only that byte was damaged";
     // So does firmware of another chip, however sound it is.
     Bytes other = image;
-    SetWord(other, vxemu::kDeviceWord, 0x7404);
+    SetWord(other, formats::kDeviceWord, 0x7404);
     other = WithVersion(other, 9, 14, 0, 0x7740);
     EXPECT_EQ(WriteRegion(kNewest, kFirmware, other).Status(), DriverStatus::Success);
     EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::FirmwareState);
@@ -425,11 +425,11 @@ TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
 
 TEST_F(EmulatorFlash, BootCodeTellsTheOptionRomVersion) {
     Bytes boot = ReadRegion(kLargeRom, kBoot);
-    flash::RomHeader header;
+    formats::RomHeader header;
     std::memcpy(&header, boot.data(), sizeof header);
-    boot[header.dataOffset + offsetof(flash::RomData, majorRevision)] = 4;
-    boot[header.dataOffset + offsetof(flash::RomData, revision)] = 7;
-    ASSERT_TRUE(flash::UpdateChecksum(boot));
+    boot[header.dataOffset + offsetof(formats::RomData, majorRevision)] = 4;
+    boot[header.dataOffset + offsetof(formats::RomData, revision)] = 7;
+    ASSERT_TRUE(formats::UpdateChecksum(boot));
     EXPECT_EQ(WriteRegion(kLargeRom, kBoot, boot).Status(), DriverStatus::Success);
     EXPECT_STREQ(StatusOf(6, kBoot).version, "BIOS 4.07, FCODE 4.11, EFI 7.24");
     EXPECT_EQ(StatusOf(6, kBoot).checksum, CheckState::Good);
@@ -512,7 +512,7 @@ class EmulatorSecureUpdate : public EmulatorFlashFixture {
         flash::SecureHeaderRecord header = {};
         header.region = region;
         header.imageSize = static_cast<uint32_t>(image.size());
-        header.crc = flash::Crc32(image);
+        header.crc = formats::Crc32(image);
         std::copy_n(image.begin(), std::min<size_t>(image.size(), 512), header.imageHead);
         return Ask(kNewest, command::SecureFlashHeader, 0, BytesOfRecord(header)).Status();
     }

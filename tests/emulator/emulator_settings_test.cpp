@@ -29,8 +29,7 @@ class EmulatorSettings : public EmulatorFlashFixture {
     }
     static Bytes WithThrottle(Bytes block, uint32_t value) {
         flash::SetVariable(block, flash::BlockKind::Extended, variable::kExecutionThrottle, value);
-        flash::UpdateExtendedChecksum(
-            std::span<uint8_t, flash::kExtendedBlock>(block.data(), flash::kExtendedBlock));
+        formats::MakeChecksum(flash::BlockKind::Extended, block);
         return block;
     }
     // An adapter of the lab profile as a classic chip with the newer driver.
@@ -291,7 +290,7 @@ TEST_F(EmulatorTwoWire, FirmwareForTheTransceiver) {
     std::memcpy(head.revision, "2.10", 4);
     const auto make = [&](size_t bytes) {
         Bytes image(bytes, 0x3C);
-        head.crc = flash::Crc32(std::span(image).subspan(sizeof head));
+        head.crc = formats::Crc32(std::span(image).subspan(sizeof head));
         std::memcpy(image.data(), &head, sizeof head);
         return image;
     };

@@ -107,7 +107,7 @@ TEST(EmulatorFlashImage, IsOfTheVersionThatWasAskedFor) {
         flash::FormatVersion(
             image, region == 1 ? flash::VersionKind::Firmware : flash::VersionKind::Bios, text);
         if (region == 1 && !image.empty()) {
-            EXPECT_EQ(flash::CheckFirmware(image, image.size()), flash::FirmwareCheck::Good);
+            EXPECT_EQ(formats::CheckFirmware(image, image.size()), formats::FirmwareCheck::Good);
         }
         return std::string(text);
     };

@@ -251,7 +251,7 @@ TEST_F(FlashRegionTest, FirmwareOfLargeRomChipsIsChecked) {
 TEST_F(FlashRegionTest, VersionsAreRecorded) {
     const Bytes boot =
         Chain({MakeRom({.units = 1, .last = false, .major = 3, .minor = 7}),
-               MakeRom({.code = flash::RomCode::Efi, .units = 1, .major = 2, .minor = 1})});
+               MakeRom({.code = formats::RomCode::Efi, .units = 1, .major = 2, .minor = 1})});
     const auto size = static_cast<uint32_t>(boot.size());
     StartWith(0x7500, {{7, size}, {17, size}});
     port->On({command::FlashRead.code, 0xFFFF}, Reply{});
@@ -341,7 +341,7 @@ TEST_F(FlashRegionTest, SecureUpdate) {
     memcpy(words, header.data(), sizeof words);
     EXPECT_EQ(2u, words[0]);
     EXPECT_EQ(size, words[1]);
-    EXPECT_EQ(flash::Crc32(image), words[2]);
+    EXPECT_EQ(formats::Crc32(image), words[2]);
     EXPECT_TRUE(std::equal(image.begin(), image.begin() + 512, header.begin() + 14));
     EXPECT_EQ((std::vector<FlashAccess>{{2, Chunk(64, 0), 65536, 65536, 65536},
                                         {2, Chunk(1, 1), 1024, 1024, 1024}}),

@@ -114,7 +114,7 @@ TEST(NvramPure, ExtendedChecksum) {
     std::minstd_rand random(7);
     std::generate(block.begin(), block.end(), random);
     const ExtendedBlock before = block;
-    UpdateExtendedChecksum(block);
+    formats::MakeChecksum(BlockKind::Extended, block);
     EXPECT_TRUE(std::equal(before.begin(), before.end() - 4, block.begin()));
     uint32_t sum = 0;
     for (size_t offset = 0; offset < block.size(); offset += 4) {
@@ -124,7 +124,7 @@ TEST(NvramPure, ExtendedChecksum) {
     }
     EXPECT_EQ(0u, sum);
     const ExtendedBlock once = block;
-    UpdateExtendedChecksum(block);
+    formats::MakeChecksum(BlockKind::Extended, block);
     EXPECT_EQ(once, block);
 }
 

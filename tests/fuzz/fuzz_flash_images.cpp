@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "flash/carried_identity.h"
 #include "flash/version_text.h"
 #include "formats/firmware_image.h"
 #include "formats/rom_image.h"
@@ -21,15 +22,15 @@ Bytes WithMarks(const uint8_t* data, size_t size, uint8_t places) {
             std::memcpy(bytes.data() + at, mark, length);
         }
     };
-    const uint16_t signature = flash::kRomSignature;
+    const uint16_t signature = formats::kRomSignature;
     put(0, &signature, sizeof signature);
     const size_t where = size > 25 ? bytes[24] + bytes[25] * size_t{256} : 0;
-    put(where, flash::kRomDataMark, sizeof flash::kRomDataMark);
+    put(where, formats::kRomDataMark, sizeof formats::kRomDataMark);
     if ((places & 1) != 0) {
-        put(28, flash::kSubsystemMark, sizeof flash::kSubsystemMark);
+        put(28, formats::kSubsystemMark, sizeof formats::kSubsystemMark);
     }
     if ((places & 2) != 0) {
-        put(size / 2, flash::kNvramMark, sizeof flash::kNvramMark);
+        put(size / 2, formats::kNvramMark, sizeof formats::kNvramMark);
     }
     return bytes;
 }
@@ -54,9 +55,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Require(flash::CarryOverIdentity(same, {}) && flash::CarryOverBootIdentity(same, {}, 256) &&
             same == image);
 
-    for (const flash::RomCode code :
-         {flash::RomCode::Bios, flash::RomCode::Fcode, flash::RomCode::Efi}) {
-        const auto found = flash::FindImage(image, code);
+    for (const formats::RomCode code :
+         {formats::RomCode::Bios, formats::RomCode::Fcode, formats::RomCode::Efi}) {
+        const auto found = formats::FindImage(image, code);
         Require(!found || (found->start < image.size() && found->length != 0 &&
                            found->codeType == static_cast<uint8_t>(code)));
     }
@@ -68,8 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(record[sizeof record - 1] == 0);
     }
     const size_t region = data[0] * size_t{16};
-    if (flash::CheckFirmware(image, region) == flash::FirmwareCheck::Good) {
-        const size_t words = flash::FirmwareWord(image, flash::kSegmentLengthWord);
+    if (formats::CheckFirmware(image, region) == formats::FirmwareCheck::Good) {
+        const size_t words = formats::FirmwareWord(image, formats::kSegmentLengthWord);
         Require(words * 4 <= std::min(region, image.size()));
     }
     return 0;

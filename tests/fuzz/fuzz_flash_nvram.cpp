@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const uint32_t mask = MaskOf(kVariableTable[index].extendedWidth);
         Require(GetVariable(extended, BlockKind::Extended, index) == (value & mask));
     }
-    UpdateExtendedChecksum(extended);
+    formats::MakeChecksum(BlockKind::Extended, extended);
 
     // Lines of any kind leave read-only variables alone.
     const std::array<uint8_t, kClassicBlock> before = classic;

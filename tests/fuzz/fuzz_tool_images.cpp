@@ -5,8 +5,8 @@
 #include <cstring>
 #include <vector>
 
-#include "flash_image.h"
 #include "require.h"
+#include "vxmgr/flash/flash_image.h"
 #include "vxmgr/settings/vpd_pci.h"
 #include "vxmgr/sfp/sfp_identity.h"
 
@@ -42,7 +42,7 @@ void InspectFlash(Bytes bytes) {
     const vxmgr::ImageInfo info = vxmgr::InspectImage(bytes);
     Require(info.size == bytes.size());
     Require(info.boot.bytes <= bytes.size() || !info.boot.problem.empty());
-    Require(info.boot.images.size() <= vxmgr::kMostRoms);
+    Require(info.boot.images.size() <= formats::kLongestChain);
     for (const vxmgr::RomImage& image : info.boot.images) {
         Require(image.offset < bytes.size());
     }
@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     // Random bytes hardly ever begin a chain.
     std::vector<uint8_t> chain(data, data + size);
-    std::memcpy(chain.data(), &vxmgr::kRomSignature, sizeof vxmgr::kRomSignature);
+    std::memcpy(chain.data(), &formats::kRomSignature, sizeof formats::kRomSignature);
     const size_t at = (chain[24] + chain[25] * size_t{256}) % size;
     std::memcpy(chain.data() + at, "PCIR", std::min<size_t>(4, size - at));
     chain[24] = static_cast<uint8_t>(at);

@@ -45,13 +45,13 @@ inline void Sign(Bytes& image, uint16_t deviceId, uint16_t region) {
 // The image with another version, its checksum and signature right.
 inline Bytes WithVersion(Bytes image, uint32_t major, uint32_t minor, uint32_t patch,
                          uint16_t deviceId) {
-    SetWord(image, flash::kVersionWord, major);
-    SetWord(image, flash::kVersionWord + 1, minor);
-    SetWord(image, flash::kVersionWord + 2, patch);
-    const size_t last = flash::FirmwareWord(image, flash::kSegmentLengthWord) - 1;
+    SetWord(image, formats::kVersionWord, major);
+    SetWord(image, formats::kVersionWord + 1, minor);
+    SetWord(image, formats::kVersionWord + 2, patch);
+    const size_t last = formats::FirmwareWord(image, formats::kSegmentLengthWord) - 1;
     uint32_t sum = 0;
     for (size_t at = 0; at < last; ++at) {
-        sum += flash::FirmwareWord(image, at);
+        sum += formats::FirmwareWord(image, at);
     }
     SetWord(image, last, 0 - sum);
     Sign(image, deviceId, 1);

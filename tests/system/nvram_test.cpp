@@ -30,7 +30,8 @@ void Write(const std::string& path, const std::string& bytes) {
 // An image for the transceivers of the first adapter, longer than one request carries.
 std::string TransceiverImage(const char (&revision)[5]) {
     const std::string code(40000, 'f');
-    const uint32_t crc = flash::Crc32({reinterpret_cast<const uint8_t*>(code.data()), code.size()});
+    const uint32_t crc =
+        formats::Crc32({reinterpret_cast<const uint8_t*>(code.data()), code.size()});
     std::string image = "EMUSFPFW\x03\x07" + std::string(revision) + std::string(2, '\0');
     for (int shift = 0; shift < 32; shift += 8) {
         image += static_cast<char>(crc >> shift);

@@ -15,7 +15,8 @@
 namespace {
 
 using namespace vxmgr;
-using flash::RomCode;
+using formats::FirmwareHead;
+using formats::RomCode;
 using Data = std::vector<uint8_t>;
 
 constexpr uint16_t kVendor = 0x1ED0;
@@ -384,14 +385,12 @@ TEST(ToolsFlashRegions, AreNamedByKeyOrCode) {
 }
 
 TEST(ToolsFlashLock, RecordsAreFoundAndAged) {
-    const auto table = std::make_unique<LockTable>();
-    LockRecord& last = table->records[kLockRecords - 1];
+    const auto table = std::make_unique<FlashLockArea>();
+    FlashLock& last = table->locks[formats::kFlashLocks - 1];
     std::memset(last.serial, 'S', sizeof last.serial);  // no terminator
-    last.hasSerial = 1;
-    table->records[3].hasSerial = 1;
-    std::memcpy(table->records[3].serial, "EMU1", 5);
-    std::memcpy(table->records[4].serial, "EMU2", 5);  // not in use
-    EXPECT_EQ(&table->records[3], FindLock(*table, "EMU1"));
+    std::memcpy(table->locks[3].serial, "\1EMU1", 6);
+    std::memcpy(table->locks[4].serial, "\0EMU2", 6);  // not in use
+    EXPECT_EQ(&table->locks[3], FindLock(*table, "EMU1"));
     EXPECT_EQ(&last, FindLock(*table, std::string(31, 'S')));
     EXPECT_EQ(nullptr, FindLock(*table, "EMU"));
     EXPECT_EQ(nullptr, FindLock(*table, "EMU2"));

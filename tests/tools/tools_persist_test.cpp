@@ -7,6 +7,7 @@
 #include <random>
 
 #include "support/json_schema.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/lunmask_document.h"

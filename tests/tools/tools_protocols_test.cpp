@@ -6,6 +6,7 @@
 
 #include "common/redaction.h"
 #include "common/render.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/fabric/fc_ct.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/scsi_inquiry.h"

@@ -23,6 +23,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/settings/nvram_fields.cpp
     tools/vxmgr/settings/nvram_text.cpp
     tools/vxmgr/app/bytes.cpp
+    tools/vxmgr/app/size_text.cpp
     tools/vxmgr/fabric/scsi_inquiry.cpp
     tools/vxmgr/fabric/scsi_sense.cpp
     tools/vxmgr/fabric/scsi_target.cpp

@@ -2,10 +2,11 @@
 // reply knows how long it would have been.
 #pragma once
 
-#include <cstdint>
-#include <cstring>
+#include "formats/bytes.h"
 
 namespace vxemu {
+
+using formats::BigEndian;
 
 class ByteWriter {
   public:
@@ -22,6 +23,10 @@ class ByteWriter {
         for (; count != 0; --count) {
             Put8(0);
         }
+    }
+    template <typename Record>
+    void PutRecord(const Record& record) {
+        Put(&record, sizeof record);
     }
     void Put8(uint8_t value) { Put(&value, sizeof value); }
     // Big-endian, as on the wire.
@@ -42,14 +47,5 @@ class ByteWriter {
     uint32_t room_;
     uint32_t length_ = 0;
 };
-
-// A big-endian number of up to eight bytes.
-inline uint64_t BigEndian(const uint8_t* bytes, uint32_t size) {
-    uint64_t value = 0;
-    for (uint32_t at = 0; at < size; ++at) {
-        value = value << 8 | bytes[at];
-    }
-    return value;
-}
 
 }  // namespace vxemu

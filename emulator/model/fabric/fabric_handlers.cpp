@@ -1,6 +1,7 @@
 // Common Transport, link services and SCM settings.
 #include <cstring>
 
+#include "formats/link_services.h"
 #include "model/bytes/byte_writer.h"
 #include "model/fabric/name_server.h"
 #include "model/handlers.h"
@@ -10,21 +11,13 @@
 namespace vxemu {
 namespace {
 
+using namespace formats;
 using transport::DriverStatus;
-
-// Link service commands (FC-LS).
-constexpr uint8_t kReject = 0x01;
-constexpr uint8_t kAccept = 0x02;
-constexpr uint8_t kReadLinkErrors = 0x0F;
-constexpr uint8_t kEcho = 0x10;
-constexpr uint8_t kDiscoverAddress = 0x52;
-constexpr uint8_t kReadPortStatus = 0x56;
 
 constexpr uint32_t kLongestElsAnswer = 256;
 
 void PutAccept(ByteWriter& out) {
-    out.Put8(kAccept);
-    out.Zeros(3);
+    out.PutRecord(ElsHead{kElsAccept, {}});
 }
 
 // A remote port's link error block: what the emulated ones would have counted.
@@ -52,21 +45,18 @@ bool AnswerEls(const FabricPort& remote, const uint8_t* payload, uint32_t length
             out.Put32(0);
             PutLinkErrors(out, remote);
             return true;
-        case kDiscoverAddress:
-            PutAccept(out);
-            out.Put32(0);  // hard address
-            out.Put(remote.portName, 8);
-            out.Put(remote.nodeName, 8);
-            out.Put8(0);
-            out.Put(remote.portId, 3);
+        case kDiscoverAddress: {
+            AddressAnswer address = {};
+            address.head.command = kElsAccept;
+            std::memcpy(address.portName, remote.portName, sizeof address.portName);
+            std::memcpy(address.nodeName, remote.nodeName, sizeof address.nodeName);
+            std::memcpy(address.portId, remote.portId, sizeof address.portId);
+            out.PutRecord(address);
             return true;
+        }
         default:
-            out.Put8(kReject);
-            out.Zeros(3);
-            out.Put8(0);
-            out.Put8(0x0B);  // command not supported
-            out.Put8(0x2C);  // request not supported
-            out.Put8(0);
+            // Command and request are not supported.
+            out.PutRecord(RejectAnswer{{kElsReject, {}}, 0, 0x0B, 0x2C, 0});
             return false;
     }
 }
@@ -165,9 +155,8 @@ DriverStatus ElsRnid(Exchange& exchange) {
     if (!port.LinkUp() || !FindRnidDestination(port, request, remote)) {
         return DriverStatus::DeviceNotFound;
     }
-    constexpr uint8_t kTopologyFormat = 0xDF;
-    constexpr uint8_t kCommonLength = 16;
-    constexpr uint8_t kTopologyLength = 52;
+    constexpr uint8_t kCommonLength = sizeof(NodeIdNames);
+    constexpr uint8_t kTopologyLength = sizeof(NodeIdTopology);
     const bool topology = request.format == kTopologyFormat;
     uint8_t answer[4 + kCommonLength + kTopologyLength];
     ByteWriter out(answer, sizeof answer);

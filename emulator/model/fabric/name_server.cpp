@@ -2,32 +2,19 @@
 
 #include <cstring>
 
+#include "formats/common_transport.h"
 #include "model/bytes/byte_writer.h"
-#include "passthru/fabric_records.h"
 
 namespace vxemu {
 namespace {
 
-constexpr uint8_t kDirectoryService = 0xFC;
-constexpr uint8_t kNameServer = 0x02;
-constexpr uint16_t kReject = 0x8001;
-constexpr uint16_t kAccept = 0x8002;
+using namespace formats;
+
+constexpr uint32_t kSymbolicLength = sizeof SymbolicName::text;
 constexpr uint8_t kFcp = 0x08;    // FC-4 type
 constexpr uint8_t kNPort = 0x01;  // port type
-constexpr uint32_t kSymbolicLength = 255;
 
 #pragma pack(push, 1)
-struct CtHeader {
-    passthru::CtPreamble preamble;
-    uint8_t command[2];       // or response code
-    uint8_t residualSize[2];  // words that a response was too long for the room
-    uint8_t reserved12;
-    uint8_t reason;
-    uint8_t explanation;
-    uint8_t vendor;
-};
-static_assert(sizeof(CtHeader) == 16);
-
 // The longest request known carries a name.
 struct CtRequest {
     CtHeader header;
@@ -178,7 +165,6 @@ Rejection GetIdOfPortName(const Query& query) {
 
 // Identifiers of all ports within a domain and area; zero stands for any.
 Rejection ListPorts(const Query& query, uint8_t domain, uint8_t area, const Rejection& none) {
-    constexpr uint8_t kLast = 0x80;
     auto within = [&](const FabricPort& port) {
         return (domain == 0 || port.portId[0] == domain) && (area == 0 || port.portId[1] == area);
     };
@@ -197,7 +183,7 @@ Rejection ListPorts(const Query& query, uint8_t domain, uint8_t area, const Reje
     if (pending == nullptr) {
         return none;
     }
-    query.out.Put8(kLast);
+    query.out.Put8(kLastPortId);
     query.out.Put(pending, 3);
     return kAccepted;
 }
@@ -220,26 +206,26 @@ struct QueryRow {
     Rejection (*answer)(const Query& query);
 };
 constexpr QueryRow kQueries[] = {
-    {0x0100, 4, GetAllNext},
-    {0x0112, 4, GetById<PutPortName>},
-    {0x0113, 4, GetById<PutNodeName>},
-    {0x0117, 4, GetById<PutFc4TypesOf>},
-    {0x0118, 4, GetById<PutSymbolicPortName>},
-    {0x011A, 4, GetById<PutPortType>},
-    {0x0121, 8, GetIdOfPortName},
-    {0x0171, 4, GetIdsOfFc4Type},
-    {0x01A1, 4, GetIdsOfPortType},
+    {kGetAllNext, 4, GetAllNext},
+    {kGetPortName, 4, GetById<PutPortName>},
+    {kGetNodeName, 4, GetById<PutNodeName>},
+    {kGetFc4Types, 4, GetById<PutFc4TypesOf>},
+    {kGetSymbolicPortName, 4, GetById<PutSymbolicPortName>},
+    {kGetPortType, 4, GetById<PutPortType>},
+    {kGetIdOfPortName, 8, GetIdOfPortName},
+    {kGetIdsOfFc4Type, 4, GetIdsOfFc4Type},
+    {kGetIdsOfPortType, 4, GetIdsOfPortType},
 };
 
 Rejection Answer(const Query& query, uint32_t payloadLength) {
-    const passthru::CtPreamble& preamble = query.request.header.preamble;
-    if (preamble.revision == 0 || preamble.revision > 3) {
+    const CtHeader& header = query.request.header;
+    if (header.revision == 0 || header.revision > 3) {
         return kInvalidVersion;
     }
-    if (preamble.gsType != kDirectoryService || preamble.gsSubtype != kNameServer) {
+    if (header.gsType != kDirectoryService || header.gsSubtype != kNameServer) {
         return kLogicalError;
     }
-    const uint64_t command = BigEndian(query.request.header.command, 2);
+    const uint64_t command = BigEndian(header.command);
     for (const QueryRow& row : kQueries) {
         if (row.command == command) {
             return payloadLength < row.payloadLength ? kInvalidSize : row.answer(query);
@@ -284,15 +270,14 @@ uint32_t AnswerCt(const Fabric& fabric, const uint8_t* bytes, uint32_t length, u
     const bool accepted = rejection.reason == 0;
 
     CtHeader header = request.header;
-    ByteWriter rest(header.command, kHeader - offsetof(CtHeader, command));
     const uint32_t whole = accepted ? out.Length() : 0;
     const uint32_t fitting = whole < room - kHeader ? whole : room - kHeader;
-    rest.Put16(accepted ? kAccept : kReject);
-    rest.Put16((whole - fitting + 3) / 4);
-    rest.Put8(0);
-    rest.Put8(rejection.reason);
-    rest.Put8(rejection.explanation);
-    rest.Put8(0);
+    PutBigEndian(accepted ? kCtAccept : kCtReject, header.command);
+    PutBigEndian((whole - fitting + 3) / 4, header.residual);
+    header.reserved12 = 0;
+    header.reason = rejection.reason;
+    header.explanation = rejection.explanation;
+    header.vendor = 0;
     std::memcpy(response, &header, kHeader);
     return kHeader + fitting;
 }

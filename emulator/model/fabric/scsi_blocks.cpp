@@ -64,8 +64,7 @@ void ReadCapacity10(ScsiTask& task) {
 }
 
 void ServiceActionIn16(ScsiTask& task) {
-    constexpr uint8_t kReadCapacity16 = 0x10;
-    if ((task.cdb[1] & 0x1F) != kReadCapacity16) {
+    if ((task.cdb[1] & 0x1F) != formats::kReadCapacity16) {
         return Fail(task, kInvalidFieldInCdb);
     }
     if (task.lun->blocks == 0) {

@@ -6,8 +6,7 @@
 
 namespace vxemu {
 
-inline constexpr uint8_t kDisk = 0x00;      // peripheral device types
-inline constexpr uint8_t kNoDevice = 0x7F;  // qualifier 3 and type 1Fh: no LUN here
+inline constexpr uint8_t kDisk = 0x00;  // peripheral device type
 
 inline void Fail(ScsiTask& task, const Sense& sense) {
     task.status = ScsiStatus::CheckCondition;

@@ -6,53 +6,52 @@
 namespace vxemu {
 namespace {
 
+using namespace formats;
+
 constexpr uint8_t kVitalProductData = 0x01;  // EVPD of INQUIRY
 constexpr uint32_t kInquiryLength = 96;
-constexpr uint32_t kAbsentInquiryLength = 36;
 
 // A text, filled up with blanks.
-void PutText(DataIn& data, const char* text, uint32_t size) {
-    const auto length = static_cast<uint32_t>(std::strlen(text));
-    data->Put(text, length < size ? length : size);
-    for (uint32_t at = length; at < size; ++at) {
-        data->Put8(' ');
-    }
+void FillText(char* field, size_t size, const char* text) {
+    const size_t length = std::strlen(text);
+    std::memset(field, ' ', size);
+    std::memcpy(field, text, length < size ? length : size);
+}
+
+InquiryData InquiryOf(uint8_t peripheral, size_t length) {
+    InquiryData inquiry = {};
+    inquiry.peripheral = peripheral;
+    inquiry.version = 0x06;         // SPC-4
+    inquiry.responseFormat = 0x12;  // hierarchical LUNs, response format 2
+    inquiry.additionalLength = static_cast<uint8_t>(length - offsetof(InquiryData, flags5));
+    return inquiry;
 }
 
 void PutStandard(DataIn& data, const LunProfile& lun) {
-    data->Put8(lun.deviceType);
-    data->Put8(0);
-    data->Put8(0x06);  // SPC-4
-    data->Put8(0x12);  // hierarchical LUNs, response format 2
-    data->Put8(kInquiryLength - 5);
-    data->Put16(0);
-    data->Put8(0x02);  // command queuing
-    PutText(data, lun.vendor, 8);
-    PutText(data, lun.product, 16);
-    PutText(data, lun.revision, 4);
+    InquiryData inquiry = InquiryOf(lun.deviceType, kInquiryLength);
+    inquiry.flags7 = 0x02;  // command queuing
+    FillText(inquiry.vendor, sizeof inquiry.vendor, lun.vendor);
+    FillText(inquiry.product, sizeof inquiry.product, lun.product);
+    FillText(inquiry.revision, sizeof inquiry.revision, lun.revision);
+    data->PutRecord(inquiry);
     data->Zeros(kInquiryLength - data->Length());
 }
 
 void PutAbsent(DataIn& data) {
-    data->Put8(kNoDevice);
-    data->Put8(0);
-    data->Put8(0x06);
-    data->Put8(0x12);
-    data->Put8(kAbsentInquiryLength - 5);
-    data->Zeros(kAbsentInquiryLength - data->Length());
+    data->PutRecord(InquiryOf(kNoDevice, sizeof(InquiryData)));
 }
 
 void PutPageHead(DataIn& data, const ScsiTask& task, uint8_t page, uint32_t length) {
-    data->Put8(task.lun->deviceType);
-    data->Put8(page);
-    data->Put16(length);
+    VpdPageHead head = {task.lun->deviceType, page, {}};
+    PutBigEndian(length, head.length);
+    data->PutRecord(head);
 }
 
 void PutSupportedPages(DataIn& data, const ScsiTask& task);
 
 void PutSerialNumber(DataIn& data, const ScsiTask& task) {
     const auto length = static_cast<uint32_t>(std::strlen(task.lun->serial));
-    PutPageHead(data, task, 0x80, length);
+    PutPageHead(data, task, kSerialPage, length);
     data->Put(task.lun->serial, length);
 }
 
@@ -60,24 +59,20 @@ void PutSerialNumber(DataIn& data, const ScsiTask& task) {
 // places that built-in names leave free.
 void PutIdentification(DataIn& data, const ScsiTask& task) {
     const auto serialLength = static_cast<uint32_t>(std::strlen(task.lun->serial));
-    constexpr uint32_t kVendorLength = 8;
-    const uint32_t textLength = kVendorLength + serialLength;
+    char vendor[sizeof InquiryData::vendor];
+    FillText(vendor, sizeof vendor, task.lun->vendor);
+    const uint32_t textLength = sizeof vendor + serialLength;
     uint8_t name[8];
     std::memcpy(name, task.target->portName, sizeof name);
     name[0] = static_cast<uint8_t>(0x30 | (name[0] & 0x0F));
     name[1] = static_cast<uint8_t>(name[1] ^ (task.lun->number >> 8));
     name[7] = static_cast<uint8_t>(name[7] ^ task.lun->number);
-    PutPageHead(data, task, 0x83, 4 + sizeof name + 4 + textLength);
-    data->Put8(0x01);  // binary
-    data->Put8(0x03);  // NAA, of the LUN
-    data->Put8(0);
-    data->Put8(sizeof name);
-    data->Put(name, sizeof name);
-    data->Put8(0x02);  // ASCII
-    data->Put8(0x01);  // T10 vendor identification, of the LUN
-    data->Put8(0);
-    data->Put8(static_cast<uint8_t>(textLength));
-    PutText(data, task.lun->vendor, kVendorLength);
+    PutPageHead(data, task, kIdentificationPage,
+                2 * sizeof(DesignatorHead) + sizeof name + textLength);
+    data->PutRecord(DesignatorHead{kBinary, kNaa, 0, sizeof name});
+    data->PutRecord(name);
+    data->PutRecord(DesignatorHead{kAscii, kT10Vendor, 0, static_cast<uint8_t>(textLength)});
+    data->PutRecord(vendor);
     data->Put(task.lun->serial, serialLength);
 }
 
@@ -86,13 +81,13 @@ struct PageRow {
     void (*put)(DataIn& data, const ScsiTask& task);
 };
 constexpr PageRow kPages[] = {
-    {0x00, PutSupportedPages},
-    {0x80, PutSerialNumber},
-    {0x83, PutIdentification},
+    {kSupportedPages, PutSupportedPages},
+    {kSerialPage, PutSerialNumber},
+    {kIdentificationPage, PutIdentification},
 };
 
 void PutSupportedPages(DataIn& data, const ScsiTask& task) {
-    PutPageHead(data, task, 0x00, sizeof kPages / sizeof kPages[0]);
+    PutPageHead(data, task, kSupportedPages, sizeof kPages / sizeof kPages[0]);
     for (const PageRow& row : kPages) {
         data->Put8(row.page);
     }

@@ -17,14 +17,22 @@ struct CommandRow {
     void (*run)(ScsiTask& task);
 };
 constexpr CommandRow kCommands[] = {
-    {0x00, kLun, TestUnitReady},       {0x03, kNothing, RequestSense},
-    {0x08, kBlocks, ReadBlocks},       {0x0A, kBlocks, WriteBlocks},
-    {0x12, kNothing, Inquiry},         {0x1A, kLun, ModeSense6},
-    {0x25, kBlocks, ReadCapacity10},   {0x28, kBlocks, ReadBlocks},
-    {0x2A, kBlocks, WriteBlocks},      {0x35, kBlocks, SynchronizeCache},
-    {0x88, kBlocks, ReadBlocks},       {0x8A, kBlocks, WriteBlocks},
-    {0x91, kBlocks, SynchronizeCache}, {0x9E, kBlocks, ServiceActionIn16},
-    {0xA0, kNothing, ReportLuns},      {0xA8, kBlocks, ReadBlocks},
+    {0x00, kLun, TestUnitReady},
+    {0x03, kNothing, RequestSense},
+    {0x08, kBlocks, ReadBlocks},
+    {0x0A, kBlocks, WriteBlocks},
+    {formats::kInquiry, kNothing, Inquiry},
+    {0x1A, kLun, ModeSense6},
+    {formats::kReadCapacity10, kBlocks, ReadCapacity10},
+    {0x28, kBlocks, ReadBlocks},
+    {0x2A, kBlocks, WriteBlocks},
+    {0x35, kBlocks, SynchronizeCache},
+    {0x88, kBlocks, ReadBlocks},
+    {0x8A, kBlocks, WriteBlocks},
+    {0x91, kBlocks, SynchronizeCache},
+    {formats::kServiceActionIn16, kBlocks, ServiceActionIn16},
+    {formats::kReportLuns, kNothing, ReportLuns},
+    {0xA8, kBlocks, ReadBlocks},
     {0xAA, kBlocks, WriteBlocks},
 };
 
@@ -32,11 +40,11 @@ constexpr CommandRow kCommands[] = {
 
 SenseData SenseDataOf(const Sense& sense) {
     SenseData data = {};
-    data.responseCode = 0x70;
-    data.key = sense.key;
-    data.additionalLength = sizeof data - offsetof(SenseData, commandSpecific);
-    data.code = sense.code;
-    data.qualifier = sense.qualifier;
+    data.fixed.response = formats::kCurrentSense;
+    data.fixed.key = sense.key;
+    data.fixed.additionalLength = sizeof data - offsetof(formats::FixedSense, commandSpecific);
+    data.fixed.code = sense.code;
+    data.fixed.qualifier = sense.qualifier;
     return data;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "formats/scsi_data.h"
 #include "model/fabric/fabric.h"
 
 namespace vxemu {
@@ -28,14 +29,7 @@ inline constexpr Sense kSpaceAllocationFailed = {0x7, 0x27, 0x07};
 #pragma pack(push, 1)
 // Sense data in fixed format, as far as targets fill it.
 struct SenseData {
-    uint8_t responseCode;  // 0x70: current error
-    uint8_t segment;
-    uint8_t key;
-    uint8_t information[4];
-    uint8_t additionalLength;
-    uint8_t commandSpecific[4];
-    uint8_t code;
-    uint8_t qualifier;
+    formats::FixedSense fixed;
     uint8_t fieldReplaceableUnit;
     uint8_t keySpecific[3];
 };

@@ -7,14 +7,14 @@
 namespace vxemu {
 namespace {
 
-using flash::RomCode;
+using formats::RomCode;
 using properties::ChipTrait;
 
 constexpr uint8_t kErased = 0xFF;
 constexpr uint32_t kDataAt = 0x40;
 constexpr uint32_t kTextAt = 0x60;
 constexpr uint32_t kNvramMarkAt = 0x200;
-constexpr uint32_t kNvramAt = kNvramMarkAt + flash::kNvramMarkLead;
+constexpr uint32_t kNvramAt = kNvramMarkAt + formats::kNvramMarkLead;
 
 // What the bytes behind the header's length are on an EFI image.
 #pragma pack(push, 1)
@@ -33,7 +33,7 @@ struct RomRow {
     RomCode code;
     uint8_t units;
     const char* name;
-    VersionNumbers version;  // 0: the adapter's option ROM version
+    formats::VersionNumbers version;  // 0: the adapter's option ROM version
 };
 constexpr RomRow kChain[] = {
     {RomCode::Bios, 64, "Emulated BIOS ", {}},
@@ -46,7 +46,7 @@ class Rom {
     Rom(const FlashOrigin& origin, const RomRow& row, bool last)
         : origin_(origin), row_(row), last_(last) {}
 
-    uint32_t Bytes() const { return row_.units * flash::kRomUnit; }
+    uint32_t Bytes() const { return row_.units * formats::kRomUnit; }
 
     void Put(ByteWindow window) const {
         PutBody(window);
@@ -56,7 +56,7 @@ class Rom {
     }
 
   private:
-    VersionNumbers Version() const { return BootVersion(origin_.Adapter(), row_.code); }
+    formats::VersionNumbers Version() const { return BootVersion(origin_.Adapter(), row_.code); }
 
     // The byte before the checksum is left out of some sums, so it is 0.
     void PutBody(ByteWindow window) const {
@@ -65,8 +65,9 @@ class Rom {
         PutHeader(window);
         PutData(window);
         char text[32];
-        const VersionNumbers version = Version();
-        WriteBootVersion(TextWriter(text).Text(row_.name), version.parts[0], version.parts[1]);
+        const formats::VersionNumbers version = Version();
+        formats::WriteBootVersion(formats::TextWriter(text).Text(row_.name), version.parts[0],
+                                  version.parts[1]);
         window.PutRecord(kTextAt, text);
         if (row_.code == RomCode::Bios) {
             PutNvramBlock(window);
@@ -74,11 +75,11 @@ class Rom {
     }
 
     void PutHeader(ByteWindow window) const {
-        flash::RomHeader header = {};
-        header.signature = flash::kRomSignature;
+        formats::RomHeader header = {};
+        header.signature = formats::kRomSignature;
         header.length = row_.units;
         header.dataOffset = kDataAt;
-        std::memcpy(header.subsystemMark, flash::kSubsystemMark, sizeof header.subsystemMark);
+        std::memcpy(header.subsystemMark, formats::kSubsystemMark, sizeof header.subsystemMark);
         header.subsystemVendor = origin_.Adapter().subsystemVendorId;
         window.PutRecord(0, header);
         if (row_.code == RomCode::Efi) {
@@ -89,19 +90,19 @@ class Rom {
     }
 
     void PutData(ByteWindow window) const {
-        const VersionNumbers version = Version();
-        flash::RomData data = {};
-        std::memcpy(data.mark, flash::kRomDataMark, sizeof data.mark);
+        const formats::VersionNumbers version = Version();
+        formats::RomData data = {};
+        std::memcpy(data.mark, formats::kRomDataMark, sizeof data.mark);
         data.vendorId = properties::kVendorId;
         data.deviceId = origin_.Adapter().deviceId;
-        data.reserved8[2] = sizeof data + sizeof(uint16_t);  // length of the structure
-        data.reserved8[6] = 0x04;                            // class: serial bus, Fibre Channel
-        data.reserved8[7] = 0x0C;
+        data.dataLength = sizeof data + sizeof(uint16_t);
+        data.classCode[1] = 0x04;  // serial bus, Fibre Channel
+        data.classCode[2] = 0x0C;
         data.length = row_.units;
         data.revision = static_cast<uint8_t>(version.parts[1]);
         data.majorRevision = static_cast<uint8_t>(version.parts[0]);
         data.codeType = static_cast<uint8_t>(row_.code);
-        data.indicator = last_ ? flash::kLastImage : 0;
+        data.indicator = last_ ? formats::kLastImage : 0;
         window.PutRecord(kDataAt, data);
         window.Fill(kDataAt + sizeof data, sizeof(uint16_t), 0);
     }
@@ -110,10 +111,10 @@ class Rom {
     void PutNvramBlock(ByteWindow window) const {
         const properties::Chip chip = properties::ChipOf(origin_.Adapter().deviceId);
         if (chip.Has(ChipTrait::RegionLayout) ||
-            window.Part(kNvramMarkAt, flash::kNvramMarkLead + flash::kExtendedBlock).Empty()) {
+            window.Part(kNvramMarkAt, formats::kNvramMarkLead + flash::kExtendedBlock).Empty()) {
             return;
         }
-        window.Put(kNvramMarkAt, flash::kNvramMark, flash::kNvramMarkLead);
+        window.Put(kNvramMarkAt, formats::kNvramMark, formats::kNvramMarkLead);
         const PortProfile* port = origin_.profile->ports;
         while (port->adapter != origin_.adapter) {
             ++port;  // every adapter has one
@@ -142,13 +143,13 @@ class Rom {
 
 }  // namespace
 
-VersionNumbers BootVersion(const AdapterProfile& adapter, RomCode code) {
+formats::VersionNumbers BootVersion(const AdapterProfile& adapter, RomCode code) {
     for (const RomRow& row : kChain) {
-        if (row.code == code && row.version != VersionNumbers{}) {
+        if (row.code == code && row.version != formats::VersionNumbers{}) {
             return row.version;
         }
     }
-    return ParseVersion(adapter.optionRomVersion);
+    return formats::ParseVersion(adapter.optionRomVersion);
 }
 
 void PutBootCode(const FlashOrigin& origin, bool biosAlone, uint32_t regionBytes,

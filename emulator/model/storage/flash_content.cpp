@@ -54,8 +54,8 @@ void PutVpd(const FlashOrigin& origin, const FlashRegion& region, ByteWindow win
 }
 
 // Versions of what is not the running firmware.
-VersionNumbers VersionOf(const FlashOrigin& origin, RegionContent content) {
-    const VersionNumbers running = ParseVersion(origin.Adapter().firmwareVersion);
+formats::VersionNumbers VersionOf(const FlashOrigin& origin, RegionContent content) {
+    const formats::VersionNumbers running = formats::ParseVersion(origin.Adapter().firmwareVersion);
     switch (content) {
         case RegionContent::RecoveryFirmware:
             return {{running.parts[0], 0, 0, 0}};

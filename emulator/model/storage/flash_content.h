@@ -26,13 +26,8 @@ void PutFlash(const FlashOrigin& origin, const FlashRegions& regions, ByteWindow
 // Fills a window of one region.
 void PutRegion(const FlashOrigin& origin, const FlashRegion& region, ByteWindow window);
 
-// Words of a firmware image beside those that the library knows: flash/firmware_image.h.
-inline constexpr uint32_t kBuildWord = 7;
-inline constexpr uint32_t kDeviceWord = 8;
-inline constexpr uint32_t kAttributesWord = 9;
-
 struct FirmwareSpec {
-    VersionNumbers version;
+    formats::VersionNumbers version;
     uint16_t deviceId;
     uint32_t attributes;
 };
@@ -41,7 +36,7 @@ struct FirmwareSpec {
 void PutFirmware(const FirmwareSpec& spec, uint32_t regionBytes, ByteWindow window);
 
 // Version of a kind of boot code: major and minor.
-VersionNumbers BootVersion(const AdapterProfile& adapter, flash::RomCode code);
+formats::VersionNumbers BootVersion(const AdapterProfile& adapter, formats::RomCode code);
 
 // Fills a window of a region that begins with boot code.
 void PutBootCode(const FlashOrigin& origin, bool biosAlone, uint32_t regionBytes,

@@ -20,20 +20,20 @@ class Segment {
 
   private:
     uint32_t PlainWord(uint32_t index) const {
-        if (index == flash::kSegmentLengthWord) {
+        if (index == formats::kSegmentLengthWord) {
             return words_;
         }
         if (first_ == 0) {
             switch (index) {
-                case flash::kVersionWord:
-                case flash::kVersionWord + 1:
-                case flash::kVersionWord + 2:
-                    return spec_.version.parts[index - flash::kVersionWord];
-                case kBuildWord:
+                case formats::kVersionWord:
+                case formats::kVersionWord + 1:
+                case formats::kVersionWord + 2:
+                    return spec_.version.parts[index - formats::kVersionWord];
+                case formats::kBuildWord:
                     return spec_.version.parts[3];
-                case kDeviceWord:
+                case formats::kDeviceWord:
                     return spec_.deviceId;
-                case kAttributesWord:
+                case formats::kAttributesWord:
                     return spec_.attributes;
                 default:
                     break;
@@ -66,9 +66,8 @@ void PutFirmware(const FirmwareSpec& spec, uint32_t regionBytes, ByteWindow wind
     const ByteWindow part = window.Part(0, words * kWord);
     for (uint32_t at = part.Begin() / kWord; at * kWord < part.End(); ++at) {
         const uint32_t word = at < firstWords ? first.Word(at) : second.Word(at - firstWords);
-        const uint8_t bytes[kWord] = {static_cast<uint8_t>(word >> 24),
-                                      static_cast<uint8_t>(word >> 16),
-                                      static_cast<uint8_t>(word >> 8), static_cast<uint8_t>(word)};
+        uint8_t bytes[kWord];
+        formats::PutBigEndian(word, bytes);
         window.Put(at * kWord, bytes, sizeof bytes);
     }
 }

@@ -13,13 +13,13 @@ namespace vxemu {
 namespace {
 
 struct BootRow {
-    flash::RomCode code;
+    formats::RomCode code;
     const char* name;
 };
 constexpr BootRow kBootKinds[] = {
-    {flash::RomCode::Bios, "BIOS "},
-    {flash::RomCode::Fcode, "FCODE "},
-    {flash::RomCode::Efi, "EFI "},
+    {formats::RomCode::Bios, "BIOS "},
+    {formats::RomCode::Fcode, "FCODE "},
+    {formats::RomCode::Efi, "EFI "},
 };
 
 CheckState Checked(bool good) {
@@ -29,15 +29,15 @@ CheckState Checked(bool good) {
 // Checksums of the images are made anew to see whether they change; the copy is not needed any
 // more afterwards.
 CheckState CheckBoot(std::span<uint8_t> region, char (&text)[48]) {
-    TextWriter writer(text);
-    std::optional<flash::RomImage> image = flash::ImageAt(region, 0);
+    formats::TextWriter writer(text);
+    std::optional<formats::RomImage> image = formats::ImageAt(region, 0);
     bool good = image.has_value();
     bool first = true;
-    for (uint32_t seen = 0; image && seen < flash::kLongestChain; ++seen) {
+    for (uint32_t seen = 0; image && seen < formats::kLongestChain; ++seen) {
         for (const BootRow& row : kBootKinds) {
             if (static_cast<uint8_t>(row.code) == image->codeType) {
                 writer.Text(first ? "" : ", ").Text(row.name);
-                WriteBootVersion(writer, image->majorRevision, image->revision);
+                formats::WriteBootVersion(writer, image->majorRevision, image->revision);
                 first = false;
             }
         }
@@ -46,22 +46,22 @@ CheckState CheckBoot(std::span<uint8_t> region, char (&text)[48]) {
         }
         const std::span<uint8_t> bytes = region.subspan(image->start, image->length);
         const uint8_t checksum = bytes.back();
-        good = flash::UpdateChecksum(bytes) && bytes.back() == checksum && good;
+        good = formats::UpdateChecksum(bytes) && bytes.back() == checksum && good;
         const bool last = image->last;
-        image = flash::NextImage(region, *image);
+        image = formats::NextImage(region, *image);
         good = good && (last || image.has_value());
     }
     return Checked(good);
 }
 
 CheckState CheckFirmware(std::span<const uint8_t> region, char (&text)[48]) {
-    const bool good = flash::CheckFirmware(region, region.size()) == flash::FirmwareCheck::Good;
+    const bool good = formats::CheckFirmware(region, region.size()) == formats::FirmwareCheck::Good;
     if (good) {
-        FormatFirmwareVersion({{flash::FirmwareWord(region, flash::kVersionWord),
-                                flash::FirmwareWord(region, flash::kVersionWord + 1),
-                                flash::FirmwareWord(region, flash::kVersionWord + 2),
-                                flash::FirmwareWord(region, kBuildWord)}},
-                              text);
+        formats::FormatFirmwareVersion({{formats::FirmwareWord(region, formats::kVersionWord),
+                                         formats::FirmwareWord(region, formats::kVersionWord + 1),
+                                         formats::FirmwareWord(region, formats::kVersionWord + 2),
+                                         formats::FirmwareWord(region, formats::kBuildWord)}},
+                                       text);
     }
     return Checked(good);
 }

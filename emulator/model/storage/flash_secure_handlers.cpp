@@ -51,7 +51,7 @@ flash::SecureResult Verify(const Port& port) {
     if (staging.received != staging.size) {
         return kIncomplete;
     }
-    if (flash::Crc32(image) != staging.crc || HeadHash(image) != staging.headHash) {
+    if (formats::Crc32(image) != staging.crc || HeadHash(image) != staging.headHash) {
         return kNotAsAnnounced;
     }
     const PlacedRegion placed = port.flash->memory.Regions().WithCode(staging.region);

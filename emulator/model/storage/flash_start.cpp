@@ -23,20 +23,22 @@ DriverStatus RunFirmware(Port& port, const PlacedRegion& placed) {
     if (!image.Valid()) {
         return DriverStatus::OutOfMemory;
     }
-    if (flash::CheckFirmware(image.Bytes(), image.Bytes().size()) != flash::FirmwareCheck::Good ||
-        flash::FirmwareWord(image.Bytes(), kDeviceWord) != port.adapter->deviceId) {
+    if (formats::CheckFirmware(image.Bytes(), image.Bytes().size()) !=
+            formats::FirmwareCheck::Good ||
+        formats::FirmwareWord(image.Bytes(), formats::kDeviceWord) != port.adapter->deviceId) {
         return DriverStatus::FirmwareState;
     }
-    VersionNumbers version;
+    formats::VersionNumbers version;
     for (uint32_t at = 0; at < std::size(version.parts); ++at) {
-        version.parts[at] = flash::FirmwareWord(image.Bytes(), flash::kVersionWord + at);
+        version.parts[at] = formats::FirmwareWord(image.Bytes(), formats::kVersionWord + at);
     }
-    static_assert(flash::kVersionWord + 3 == kBuildWord);
+    static_assert(formats::kVersionWord + 3 == formats::kBuildWord);
     // The same version keeps its own way of being written.
-    if (version != ParseVersion(port.adapter->firmwareVersion)) {
-        FormatFirmwareVersion(version, port.adapter->firmwareVersion);
+    if (version != formats::ParseVersion(port.adapter->firmwareVersion)) {
+        formats::FormatFirmwareVersion(version, port.adapter->firmwareVersion);
     }
-    port.adapter->firmwareAttributes = flash::FirmwareWord(image.Bytes(), kAttributesWord);
+    port.adapter->firmwareAttributes =
+        formats::FirmwareWord(image.Bytes(), formats::kAttributesWord);
     return DriverStatus::Success;
 }
 
@@ -47,14 +49,14 @@ void RunBootCode(Port& port) {
         return;
     }
     const FlashCopy image(port.fabric->host, port.flash->memory, placed);
-    const auto bios = flash::FindImage(image.Bytes(), flash::RomCode::Bios);
+    const auto bios = formats::FindImage(image.Bytes(), formats::RomCode::Bios);
     if (!bios) {
         return;
     }
-    const VersionNumbers version = {{bios->majorRevision, bios->revision, 0, 0}};
-    if (version != ParseVersion(port.adapter->optionRomVersion)) {
-        TextWriter writer(port.adapter->optionRomVersion);
-        WriteBootVersion(writer, version.parts[0], version.parts[1]);
+    const formats::VersionNumbers version = {{bios->majorRevision, bios->revision, 0, 0}};
+    if (version != formats::ParseVersion(port.adapter->optionRomVersion)) {
+        formats::TextWriter writer(port.adapter->optionRomVersion);
+        formats::WriteBootVersion(writer, version.parts[0], version.parts[1]);
     }
 }
 

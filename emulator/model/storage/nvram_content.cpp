@@ -53,24 +53,6 @@ BlockKind KindOf(std::span<const uint8_t> block) {
     return block.size() == flash::kExtendedBlock ? BlockKind::Extended : BlockKind::Classic;
 }
 
-uint8_t ByteSum(std::span<const uint8_t> block) {
-    uint32_t sum = 0;
-    for (const uint8_t byte : block) {
-        sum += byte;
-    }
-    return static_cast<uint8_t>(sum);
-}
-
-uint32_t WordSum(std::span<const uint8_t> block) {
-    uint32_t sum = 0;
-    for (size_t at = 0; at + sizeof(uint32_t) <= block.size(); at += sizeof(uint32_t)) {
-        uint32_t word;
-        std::memcpy(&word, block.data() + at, sizeof word);
-        sum += word;
-    }
-    return sum;
-}
-
 }  // namespace
 
 BlockKind NvramKindOf(const properties::Chip& chip) {
@@ -85,7 +67,7 @@ void FillNvram(const AdapterProfile& adapter, const PortProfile& port, BlockKind
         flash::SetVariable(block, kind, variable, value);
     };
     uint32_t signature;
-    std::memcpy(&signature, flash::kNvramSignature, sizeof signature);
+    std::memcpy(&signature, formats::kNvramSignature, sizeof signature);
     set(flash::kSignatureVariable, signature);
     for (const UsualRow& row : kUsual) {
         set(row.variable, row.value);
@@ -100,27 +82,14 @@ void FillNvram(const AdapterProfile& adapter, const PortProfile& port, BlockKind
     set(variable::kNvme, (port.protocolFlags & kProtocolNvme) != 0 ? 1 : 0);
     set(variable::kSubsystemVendor, adapter.subsystemVendorId);
     set(variable::kSubsystemDevice, adapter.subsystemDeviceId);
-    if (kind == BlockKind::Extended) {
-        flash::UpdateExtendedChecksum(
-            std::span<uint8_t, flash::kExtendedBlock>(bytes, flash::kExtendedBlock));
-        return;
+    if (kind == BlockKind::Classic) {
+        set(flash::kFamilyVariable, FamilyNumber(properties::ChipOf(adapter.deviceId)));
     }
-    set(flash::kFamilyVariable, FamilyNumber(properties::ChipOf(adapter.deviceId)));
-    UpdateClassicChecksum(std::span<uint8_t, flash::kClassicBlock>(bytes, flash::kClassicBlock));
-}
-
-void UpdateClassicChecksum(std::span<uint8_t, flash::kClassicBlock> block) {
-    uint8_t& checksum = block.back();
-    checksum = 0;
-    checksum = static_cast<uint8_t>(0 - ByteSum(block));
+    formats::MakeChecksum(kind, block);
 }
 
 bool NvramHolds(std::span<const uint8_t> block) {
-    if (block.size() < sizeof flash::kNvramSignature ||
-        std::memcmp(block.data(), flash::kNvramSignature, sizeof flash::kNvramSignature) != 0) {
-        return false;
-    }
-    return KindOf(block) == BlockKind::Extended ? WordSum(block) == 0 : ByteSum(block) == 0;
+    return formats::HasSignature(block) && formats::ChecksumHolds(KindOf(block), block);
 }
 
 void ApplyNvram(std::span<const uint8_t> block, PortProfile& port) {

@@ -43,9 +43,6 @@ flash::BlockKind NvramKindOf(const properties::Chip& chip);
 void FillNvram(const AdapterProfile& adapter, const PortProfile& port, flash::BlockKind kind,
                uint8_t* block);
 
-// Makes the checksum of a classic block: all its bytes add up to 0.
-void UpdateClassicChecksum(std::span<uint8_t, flash::kClassicBlock> block);
-
 // Signature and checksum of a block of one of the two sizes.
 bool NvramHolds(std::span<const uint8_t> block);
 

@@ -32,7 +32,7 @@ bool PutNvram(Exchange& exchange, uint32_t at, const uint8_t* bytes, uint32_t le
     }
     std::memcpy(eeprom->nvram + at, bytes, length);
     if (length != sizeof eeprom->nvram) {
-        UpdateClassicChecksum(eeprom->nvram);
+        formats::MakeChecksum(flash::BlockKind::Classic, eeprom->nvram);
     }
     port.nvramChanged = true;
     exchange.KeepReply(0);

@@ -14,18 +14,19 @@ namespace {
 
 constexpr uint8_t kControlIdle = 0x10;
 
-void WriteVersion(const AdapterProfile& adapter, flash::VersionKind kind, TextWriter& writer) {
-    const auto boot = [&](flash::RomCode code) {
-        const VersionNumbers version = BootVersion(adapter, code);
-        WriteBootVersion(writer, version.parts[0], version.parts[1]);
+void WriteVersion(const AdapterProfile& adapter, flash::VersionKind kind,
+                  formats::TextWriter& writer) {
+    const auto boot = [&](formats::RomCode code) {
+        const formats::VersionNumbers version = BootVersion(adapter, code);
+        formats::WriteBootVersion(writer, version.parts[0], version.parts[1]);
     };
     switch (kind) {
         case flash::VersionKind::Efi:
-            return boot(flash::RomCode::Efi);
+            return boot(formats::RomCode::Efi);
         case flash::VersionKind::Fcode:
-            return boot(flash::RomCode::Fcode);
+            return boot(formats::RomCode::Fcode);
         case flash::VersionKind::Bios:
-            return boot(flash::RomCode::Bios);
+            return boot(formats::RomCode::Bios);
         case flash::VersionKind::Firmware:
             writer.Text(adapter.firmwareVersion);
             return;
@@ -36,7 +37,7 @@ void WriteVersion(const AdapterProfile& adapter, flash::VersionKind kind, TextWr
 void PutVersionRecords(const AdapterProfile& adapter, uint8_t (&records)[kVersionRecordBytes]) {
     for (const flash::VersionKindRow& row : flash::kVersionKinds) {
         flash::VersionRecord record;
-        TextWriter writer(record);
+        formats::TextWriter writer(record);
         writer.Text("V:");
         WriteVersion(adapter, row.kind, writer);
         const char letter[] = {row.letter, 0};

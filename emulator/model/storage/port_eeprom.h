@@ -17,8 +17,8 @@ inline constexpr uint32_t kVersionRecordBytes = 2048;
 struct PortEeprom {
     uint8_t nvram[flash::kClassicBlock];
     uint8_t vpd[kClassicVpdBytes];
-    TransceiverIdentity identity;
-    TransceiverDiagnostics diagnostics;
+    formats::SfpIdentity identity;
+    formats::SfpDiagnostics diagnostics;
     uint8_t versionRecords[kVersionRecordBytes];
     uint8_t control;  // bit 4 rises when the adapter is to read the version records
 };

@@ -30,20 +30,6 @@ void PutBlank(char* field, size_t size, const char* text) {
     std::memcpy(field, text, length < size ? length : size);
 }
 
-void PutNumber(uint32_t number, uint8_t (&bytes)[2]) {
-    bytes[0] = static_cast<uint8_t>(number >> 8);
-    bytes[1] = static_cast<uint8_t>(number);
-}
-
-uint8_t SumOf(const void* record, size_t begin, size_t end) {
-    const auto* const bytes = static_cast<const uint8_t*>(record);
-    uint32_t sum = 0;
-    for (size_t at = begin; at < end; ++at) {
-        sum += bytes[at];
-    }
-    return static_cast<uint8_t>(sum);
-}
-
 // Usual value, how far it moves, and limits: high and low alarm, high and low warning.
 struct QuantityRow {
     uint16_t usual;
@@ -95,23 +81,17 @@ uint32_t GigabitsOf(const PortProfile& port) {
 
 }  // namespace
 
-void UpdateChecksums(TransceiverIdentity& identity) {
-    identity.baseChecksum = SumOf(&identity, 0, offsetof(TransceiverIdentity, baseChecksum));
-    identity.extendedChecksum = SumOf(&identity, offsetof(TransceiverIdentity, options),
-                                      offsetof(TransceiverIdentity, extendedChecksum));
-}
-
 void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
-                     TransceiverIdentity& identity) {
+                     formats::SfpIdentity& identity) {
     std::memset(&identity, 0, sizeof identity);
     const uint32_t gigabits = GigabitsOf(port);
     identity.identifier = port.transceiverType[0];
     identity.extendedIdentifier = kTwoWireOnly;
     identity.connector = port.transceiverType[1];
-    identity.compliance[4] = kShortDistance;
-    identity.compliance[5] = kShortWaveLaser;
-    identity.compliance[6] = kMultimode;
-    identity.compliance[7] = SpeedBits(gigabits);
+    identity.fibreChannelLink = kShortDistance;
+    identity.fibreChannelTechnology = kShortWaveLaser;
+    identity.fibreChannelMedia = kMultimode;
+    identity.fibreChannelSpeeds = SpeedBits(gigabits);
     identity.encoding = gigabits > kLowerRateGigabits ? k64b66b : k8b10b;
     // A link of 8 gigabits runs at 8.5 GBd.
     const uint32_t rate = gigabits * 1000 + gigabits * 1000 / 16;
@@ -119,13 +99,13 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
         rate >= kRateBeyondByte * 100 ? kRateBeyondByte : static_cast<uint8_t>(rate / 100);
     identity.maxRate =
         identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
-    identity.lengths[2] = 3;  // of 10 m, 50 um fibre
-    identity.lengths[5] = 7;  // of 10 m, OM3
+    identity.lengthOm2 = 3;  // of 10 m, 50 um fibre
+    identity.lengthOm3 = 7;  // of 10 m, OM3
     PutBlank(identity.vendor, sizeof identity.vendor, "EMULATED OPTICS");
     std::memcpy(identity.vendorOui, kOui, sizeof identity.vendorOui);
     PutBlank(identity.part, sizeof identity.part, "EMU-SFP-SW");
     PutBlank(identity.revision, sizeof identity.revision, "1.00");
-    PutNumber(850, identity.wavelength);
+    formats::PutBigEndian(850, identity.wavelength);
     identity.options[1] = 0x1A;  // loss of signal, fault, disable
     char serial[sizeof identity.serial] = {};
     // The end of the adapter's serial tells adapters apart; the port's number, its ports.
@@ -136,36 +116,38 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
     serial[tail] = 'P';
     serial[tail + 1] = static_cast<char>('0' + port.pciFunction);
     PutBlank(identity.serial, sizeof identity.serial, serial);
-    PutBlank(identity.dateCode, sizeof identity.dateCode, "240101");
+    PutBlank(identity.date, sizeof identity.date, "240101");
     identity.monitoring = kInternallyCalibrated;
     identity.enhancedOptions = kAlarmsAndFlags;
-    identity.complianceVersion = kComplianceVersion;
+    identity.compliance = kComplianceVersion;
     UpdateChecksums(identity);
 }
 
-void FillTransceiver(TransceiverDiagnostics& diagnostics) {
+void FillTransceiver(formats::SfpDiagnostics& diagnostics) {
     std::memset(&diagnostics, 0, sizeof diagnostics);
     for (uint32_t at = 0; at < std::size(kQuantities); ++at) {
         for (uint32_t limit = 0; limit < std::size(kQuantities[at].limits); ++limit) {
-            PutNumber(kQuantities[at].limits[limit], diagnostics.limits.bytes[at][limit]);
+            formats::PutBigEndian(kQuantities[at].limits[limit], diagnostics.limits[at][limit]);
         }
     }
     // Slopes of 1 and offsets of 0, as internally calibrated modules have them.
     constexpr uint8_t kReceivedPowerSlope[] = {0x3F, 0x80, 0, 0};
-    std::memcpy(diagnostics.calibration + 12, kReceivedPowerSlope, sizeof kReceivedPowerSlope);
-    for (const uint32_t slope : {20u, 24u, 28u, 32u}) {
-        diagnostics.calibration[slope] = 1;
+    std::memcpy(diagnostics.receivedPower[3], kReceivedPowerSlope, sizeof kReceivedPowerSlope);
+    for (auto* calibration : {&diagnostics.bias, &diagnostics.sentPower, &diagnostics.temperature,
+                              &diagnostics.voltage}) {
+        (*calibration)[0][0] = 1;
     }
-    diagnostics.checksum = SumOf(&diagnostics, 0, offsetof(TransceiverDiagnostics, checksum));
+    UpdateChecksum(diagnostics);
     Measure(0, true, diagnostics);
 }
 
-void Measure(uint32_t turn, bool link, TransceiverDiagnostics& diagnostics) {
+void Measure(uint32_t turn, bool link, formats::SfpDiagnostics& diagnostics) {
     for (uint32_t at = 0; at < std::size(kQuantities); ++at) {
         const QuantityRow& row = kQuantities[at];
         const uint32_t move = PatternWord(turn, at) % (2u * row.swing + 1);
         const bool dark = at == kReceivedPower && !link;
-        PutNumber(dark ? kDarkness : row.usual - row.swing + move, diagnostics.values.bytes[at]);
+        formats::PutBigEndian(dark ? kDarkness : row.usual - row.swing + move,
+                              diagnostics.values[at]);
     }
     diagnostics.status = link ? 0 : kSignalLost;
     // The last quantity's low bits: alarm 0x40 and warning 0x40 of the second byte.

@@ -42,10 +42,10 @@ inline bool SuitsTransceiver(std::span<const uint8_t> image, const PortProfile& 
 
 // The image is one that suits; false, and nothing changed, when it is damaged.
 inline bool InstallTransceiverFirmware(std::span<const uint8_t> image,
-                                       TransceiverIdentity& identity) {
+                                       formats::SfpIdentity& identity) {
     TransceiverFirmwareHead head;
     std::memcpy(&head, image.data(), sizeof head);
-    if (flash::Crc32(image.subspan(sizeof head)) != head.crc) {
+    if (formats::Crc32(image.subspan(sizeof head)) != head.crc) {
         return false;
     }
     std::memcpy(identity.revision, head.revision, sizeof identity.revision);

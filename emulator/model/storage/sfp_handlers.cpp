@@ -37,10 +37,10 @@ struct DeviceRow {
     uint32_t writable;
 };
 constexpr DeviceRow kDevices[] = {
-    {0xA0, false, offsetof(PortEeprom, identity), sizeof(TransceiverIdentity),
-     offsetof(TransceiverIdentity, vendorSpecific)},
-    {0xA2, false, offsetof(PortEeprom, diagnostics), sizeof(TransceiverDiagnostics),
-     offsetof(TransceiverDiagnostics, writable)},
+    {0xA0, false, offsetof(PortEeprom, identity), sizeof(formats::SfpIdentity),
+     offsetof(formats::SfpIdentity, vendorSpecific)},
+    {0xA2, false, offsetof(PortEeprom, diagnostics), sizeof(formats::SfpDiagnostics),
+     offsetof(formats::SfpDiagnostics, writable)},
     {0xA0, true, offsetof(PortEeprom, versionRecords), kVersionRecordBytes, 0},
     {0xE0, true, offsetof(PortEeprom, control), sizeof(PortEeprom::control), 0},
 };

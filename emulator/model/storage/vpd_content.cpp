@@ -2,26 +2,14 @@
 
 #include <cstring>
 
+#include "formats/sums.h"
+#include "formats/vpd_tags.h"
+
 namespace vxemu {
 namespace {
 
-constexpr uint8_t kIdentifierTag = 0x82;
-constexpr uint8_t kReadOnlyTag = 0x90;
-constexpr uint8_t kEndTag = 0x78;
-constexpr uint8_t kLargeTag = 0x80;
-
-#pragma pack(push, 1)
-struct LargeTag {
-    uint8_t tag;
-    uint16_t length;
-};
-struct Keyword {
-    char name[2];
-    uint8_t length;
-};
-#pragma pack(pop)
-
-constexpr char kChecksumKeyword[2] = {'R', 'V'};
+using formats::KeywordHead;
+using formats::LargeTag;
 
 class VpdWriter {
   public:
@@ -33,7 +21,7 @@ class VpdWriter {
     }
     void Text(const char* text) { Put(text, std::strlen(text)); }
     void Field(const char (&name)[3], const char* text) {
-        Put(Keyword{{name[0], name[1]}, static_cast<uint8_t>(std::strlen(text))});
+        Put(KeywordHead{{name[0], name[1]}, static_cast<uint8_t>(std::strlen(text))});
         Text(text);
     }
     template <typename Record>
@@ -42,19 +30,17 @@ class VpdWriter {
     }
     // A large tag whose length is set once its contents are written, but for a last few bytes.
     uint32_t Begin(uint8_t tag) {
-        Put(LargeTag{tag, 0});
+        Put(LargeTag{tag, {}});
         return length_;
     }
     void End(uint32_t begin, uint32_t toCome = 0) {
-        const auto length = static_cast<uint16_t>(length_ - begin + toCome);
-        std::memcpy(bytes_ + begin - sizeof length, &length, sizeof length);
+        const uint32_t length = length_ - begin + toCome;
+        uint8_t* const place = bytes_ + begin - sizeof LargeTag::length;
+        place[0] = static_cast<uint8_t>(length);
+        place[1] = static_cast<uint8_t>(length >> 8);
     }
     uint8_t NegativeSum() const {
-        uint32_t sum = 0;
-        for (uint32_t at = 0; at < length_; ++at) {
-            sum += bytes_[at];
-        }
-        return static_cast<uint8_t>(0 - sum);
+        return static_cast<uint8_t>(0 - formats::ByteSum({bytes_, length_}));
     }
 
   private:
@@ -63,30 +49,22 @@ class VpdWriter {
 };
 
 // What the keywords can take at most fits the smallest room.
-static_assert(4 * sizeof(LargeTag) + 5 * sizeof(Keyword) + sizeof(AdapterProfile::description) +
+static_assert(4 * sizeof(LargeTag) + 5 * sizeof(KeywordHead) + sizeof(AdapterProfile::description) +
                   sizeof(AdapterProfile::model) + sizeof(AdapterProfile::serial) +
                   sizeof(AdapterProfile::manufacturer) + 8 <
               256);
 
-uint8_t SumOf(std::span<const uint8_t> bytes) {
-    uint32_t sum = 0;
-    for (const uint8_t byte : bytes) {
-        sum += byte;
-    }
-    return static_cast<uint8_t>(sum);
-}
-
-// Looks for the checksum among the keywords from begin to end; true when it holds.
-bool ChecksumHolds(std::span<const uint8_t> bytes, size_t begin, size_t end) {
-    Keyword keyword;
-    for (size_t at = begin; end - at >= sizeof keyword; at += sizeof keyword + keyword.length) {
-        std::memcpy(&keyword, bytes.data() + at, sizeof keyword);
-        if (keyword.length > end - at - sizeof keyword) {
+// Looks for the checksum among the keywords of a section; true when it holds.
+bool SectionHolds(std::span<const uint8_t> bytes, const formats::VpdPart& section) {
+    for (size_t at = section.data; at < section.End();) {
+        const auto keyword = formats::KeywordAt(bytes, at, section.End());
+        if (!keyword) {
             return false;
         }
-        if (std::memcmp(keyword.name, kChecksumKeyword, sizeof kChecksumKeyword) == 0) {
-            return keyword.length != 0 && SumOf(bytes.first(at + sizeof keyword + 1)) == 0;
+        if (std::memcmp(&bytes[at], formats::kChecksumKeyword, sizeof KeywordHead::name) == 0) {
+            return formats::ChecksumHolds(bytes, *keyword);
         }
+        at = keyword->End();
     }
     return false;
 }
@@ -96,44 +74,39 @@ bool ChecksumHolds(std::span<const uint8_t> bytes, size_t begin, size_t end) {
 void FillVpd(const AdapterProfile& adapter, uint8_t* bytes, uint32_t length) {
     std::memset(bytes, 0, length);
     VpdWriter writer(bytes);
-    const uint32_t identifier = writer.Begin(kIdentifierTag);
+    const uint32_t identifier = writer.Begin(formats::kIdentifierTag);
     writer.Text(adapter.description);
     writer.End(identifier);
 
-    const uint32_t readOnly = writer.Begin(kReadOnlyTag);
+    const uint32_t readOnly = writer.Begin(formats::kReadOnlyTag);
     writer.Field("PN", adapter.model);
     writer.Field("EC", "E1");
     writer.Field("SN", adapter.serial);
     writer.Field("MN", adapter.manufacturer);
-    writer.Put(Keyword{{kChecksumKeyword[0], kChecksumKeyword[1]}, 1});
+    writer.Put(KeywordHead{{'R', 'V'}, 1});
     // The sum covers the tag's length, which covers the checksum.
     writer.End(readOnly, sizeof(uint8_t));
     writer.Put(writer.NegativeSum());
-    writer.Put(kEndTag);
+    writer.Put(formats::kEndTag);
 }
 
 bool VpdHolds(std::span<const uint8_t> bytes) {
     bool checked = false;
     for (size_t at = 0; at < bytes.size();) {
-        if (bytes[at] == kEndTag) {
+        if (bytes[at] == formats::kEndTag) {
             return checked;
         }
-        LargeTag tag;
-        if ((bytes[at] & kLargeTag) == 0 || bytes.size() - at < sizeof tag) {
+        const auto tag = formats::TagAt(bytes, at);
+        if (!tag || (bytes[at] & formats::kLargeTag) == 0) {
             return false;
         }
-        std::memcpy(&tag, bytes.data() + at, sizeof tag);
-        at += sizeof tag;
-        if (tag.length > bytes.size() - at) {
-            return false;
-        }
-        if (tag.tag == kReadOnlyTag) {
-            checked = ChecksumHolds(bytes, at, at + tag.length);
+        if (bytes[at] == formats::kReadOnlyTag) {
+            checked = SectionHolds(bytes, *tag);
             if (!checked) {
                 return false;
             }
         }
-        at += tag.length;
+        at = tag->End();
     }
     return false;
 }

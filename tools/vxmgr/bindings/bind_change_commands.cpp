@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "common/text.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"

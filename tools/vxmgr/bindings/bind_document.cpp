@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "common/text.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_rows.h"
 
@@ -40,14 +41,6 @@ void ReadRow(const DocumentObject& row, HX_TARGET_ENTRY& entry) {
 }
 
 }  // namespace
-
-uint32_t PortIdOf(const uint8_t (&bytes)[3]) {
-    return static_cast<uint32_t>(BigEndian(bytes));
-}
-
-void SetPortId(uint32_t id, uint8_t (&bytes)[3]) {
-    PutBigEndian(id, bytes);
-}
 
 std::string BindDocument(const DocumentPort& port, const HX_TARGET_DATA& block) {
     DocumentJson document = DocumentHead(kKind, port);

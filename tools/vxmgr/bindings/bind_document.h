@@ -14,8 +14,4 @@ std::string BindDocument(const DocumentPort& port, const HX_TARGET_DATA& block);
 // Throws DocumentError.
 DocumentPort ReadBindDocument(std::string_view text, HX_TARGET_DATA* block);
 
-// A port identifier as the three bytes of a record, and as the number that people write.
-uint32_t PortIdOf(const uint8_t (&bytes)[3]);
-void SetPortId(uint32_t id, uint8_t (&bytes)[3]);
-
 }  // namespace vxmgr

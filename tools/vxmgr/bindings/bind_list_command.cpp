@@ -1,6 +1,7 @@
 // bind list.
 #include <set>
 
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_document.h"

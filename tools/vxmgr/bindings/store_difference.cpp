@@ -1,6 +1,7 @@
 #include "vxmgr/bindings/store_difference.h"
 
 #include "common/text.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"

@@ -5,9 +5,9 @@
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/diag/dump_kinds.h"
-#include "vxmgr/fabric/scsi_units.h"
 
 namespace vxmgr {
 namespace {

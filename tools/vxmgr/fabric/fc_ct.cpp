@@ -8,35 +8,7 @@
 namespace vxmgr {
 namespace {
 
-constexpr uint8_t kDirectoryService = 0xFC;
-constexpr uint8_t kNameServer = 0x02;
-constexpr uint16_t kAccept = 0x8002;
-constexpr size_t kFc4Types = 256;
-
-#pragma pack(push, 1)
-struct SymbolicName {
-    uint8_t length;
-    char text[255];
-};
-struct AllNext {
-    uint8_t type;
-    uint8_t portId[3];
-    uint8_t portName[8];
-    SymbolicName port;
-    uint8_t nodeName[8];
-    SymbolicName node;
-    uint8_t processAssociator[8];
-    uint8_t nodeAddress[16];
-    uint8_t serviceClasses[4];
-    uint8_t fc4Types[kFc4Types / 32][4];  // type t: bit t mod 32 of word t div 32
-    uint8_t portAddress[16];
-    uint8_t fabricPortName[8];
-    uint8_t reserved612;
-    uint8_t hardAddress[3];
-};
-#pragma pack(pop)
-static_assert(offsetof(AllNext, fc4Types) == 560);
-static_assert(sizeof(AllNext) == kGetAllNextLength);
+using namespace formats;
 
 constexpr CodeText kReasons[] = {
     {0x01, "invalid command code"},
@@ -113,7 +85,7 @@ std::optional<CtResponse> DecodeCtResponse(Bytes response) {
     }
     const auto header = Padded<CtHeader>(response);
     const auto code = static_cast<uint16_t>(BigEndian(header.command));
-    return CtResponse{code == kAccept, code, header.reason, header.explanation, header.vendor};
+    return CtResponse{code == kCtAccept, code, header.reason, header.explanation, header.vendor};
 }
 
 std::string CtRejectText(const CtResponse& response) {

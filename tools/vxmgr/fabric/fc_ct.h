@@ -6,31 +6,14 @@
 #include <string>
 
 #include "common/wwn.h"
+#include "formats/common_transport.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {
 
-#pragma pack(push, 1)
-struct CtHeader {
-    uint8_t revision;
-    uint8_t inId[3];
-    uint8_t gsType;
-    uint8_t gsSubtype;
-    uint8_t options;
-    uint8_t reserved7;
-    uint8_t command[2];   // or the response code
-    uint8_t residual[2];  // words: the most to receive, or those left over
-    uint8_t reserved12;
-    uint8_t reason;
-    uint8_t explanation;
-    uint8_t vendor;
-};
-#pragma pack(pop)
-static_assert(sizeof(CtHeader) == 16);
-
-// The name server's commands used here.
-inline constexpr uint16_t kGetAllNext = 0x0100;
-inline constexpr uint16_t kGetIdOfPortName = 0x0121;
+using formats::CtHeader;
+using formats::kGetAllNext;
+using formats::kGetIdOfPortName;
 
 std::vector<uint8_t> NameServerRequest(uint16_t command, Bytes payload, size_t answerLength);
 
@@ -52,7 +35,7 @@ std::string CtRejectText(const CtResponse& response);
 std::string CtServiceName(uint8_t gsType, uint8_t gsSubtype);
 
 // The answer to kGetAllNext, whole.
-inline constexpr size_t kGetAllNextLength = 620;
+inline constexpr size_t kGetAllNextLength = sizeof(formats::AllNext);
 struct NamedPort {
     uint32_t portId = 0;
     uint8_t type = 0;

@@ -2,61 +2,15 @@
 
 #include "common/text.h"
 #include "common/wwn.h"
+#include "formats/link_services.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
+using namespace formats;
 using tools::Record;
 using tools::Value;
-
-constexpr uint8_t kReject = 0x01;
-constexpr uint8_t kAccept = 0x02;
-constexpr uint8_t kReadLinkErrors = 0x0F;
-constexpr uint8_t kEcho = 0x10;
-
-#pragma pack(push, 1)
-struct LinkErrorsCall {
-    uint8_t command;
-    uint8_t reserved1[4];
-    uint8_t portId[3];
-};
-struct LinkErrorsAnswer {
-    uint8_t command;
-    uint8_t reserved1[3];
-    uint8_t counters[6][4];
-};
-struct RejectAnswer {
-    uint8_t command;
-    uint8_t reserved1[4];
-    uint8_t reason;
-    uint8_t explanation;
-    uint8_t vendor;
-};
-struct NodeIdHead {
-    uint8_t command;
-    uint8_t reserved1[3];
-    uint8_t format;
-    uint8_t commonLength;
-    uint8_t reserved6;
-    uint8_t specificLength;
-};
-struct NodeIdNames {
-    uint8_t portName[8];
-    uint8_t nodeName[8];
-};
-struct NodeIdTopology {
-    uint8_t vendorSpecific[16];
-    uint8_t unitType[4];
-    uint8_t portNumber[4];
-    uint8_t attachedNodes[4];
-    uint8_t rest[24];
-};
-#pragma pack(pop)
-static_assert(sizeof(LinkErrorsCall) == 8 && sizeof(RejectAnswer) == 8);
-static_assert(sizeof(LinkErrorsAnswer) == 28);
-static_assert(sizeof(NodeIdHead) == 8 && sizeof(NodeIdNames) == 16);
-static_assert(sizeof(NodeIdTopology) == 52);
 
 constexpr CodeText kServices[] = {
     {0x01, "LS_RJT"}, {0x02, "LS_ACC"}, {0x03, "PLOGI"}, {0x04, "FLOGI"}, {0x05, "LOGO"},
@@ -122,20 +76,20 @@ std::vector<uint8_t> EchoRequest(size_t length, uint8_t seed) {
 bool IsEchoOf(Bytes request, Bytes answer) {
     const Bytes sent = Part(request, kElsWord);
     const Bytes back = Part(answer, kElsWord, sent.size());
-    return !answer.empty() && answer[0] == kAccept &&
+    return !answer.empty() && answer[0] == kElsAccept &&
            std::equal(sent.begin(), sent.end(), back.begin(), back.end());
 }
 
 std::vector<uint8_t> LinkErrorsRequest(uint32_t portId) {
     LinkErrorsCall call{};
-    call.command = kReadLinkErrors;
+    call.head.command = kReadLinkErrors;
     PutBigEndian(portId, call.portId);
     const Bytes bytes = BytesOf(call);
     return {bytes.begin(), bytes.end()};
 }
 
 std::optional<LinkErrors> DecodeLinkErrors(Bytes answer) {
-    if (answer.size() < sizeof(LinkErrorsAnswer) || answer[0] != kAccept) {
+    if (answer.size() < sizeof(LinkErrorsAnswer) || answer[0] != kElsAccept) {
         return std::nullopt;
     }
     const auto reply = Padded<LinkErrorsAnswer>(answer);
@@ -156,7 +110,7 @@ Record LinkErrorsRecord(const LinkErrors& errors) {
 }
 
 std::optional<std::string> ElsRejectText(Bytes answer) {
-    if (answer.size() < sizeof(RejectAnswer) || answer[0] != kReject) {
+    if (answer.size() < sizeof(RejectAnswer) || answer[0] != kElsReject) {
         return std::nullopt;
     }
     const auto reject = Padded<RejectAnswer>(answer);

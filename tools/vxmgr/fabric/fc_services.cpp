@@ -3,22 +3,9 @@
 #include "vxmgr/fabric/fc_els.h"
 
 namespace vxmgr {
-namespace {
 
+using formats::PortIdAnswer;
 using tools::ExitCode;
-
-#pragma pack(push, 1)
-struct IdAnswer {
-    uint8_t reserved;
-    uint8_t portId[3];
-};
-// The address of a remote port by identifier.
-struct PortIdAddress {
-    uint8_t portId[3];
-};
-#pragma pack(pop)
-
-}  // namespace
 
 std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
                                                   const PortSession& session, uint16_t command,
@@ -48,15 +35,15 @@ uint32_t PortIdOf(tools::Invocation& invocation, const PortSession& session,
                   const HX_SCSI_ADDRESS& address) {
     constexpr uint8_t kNotRegistered = 0x02;
     if (address.type == HX_ADDRESS_PORT_ID) {
-        return static_cast<uint32_t>(BigEndian(Padded<PortIdAddress>(address.address).portId));
+        return static_cast<uint32_t>(BigEndian(address.address, 3));
     }
     const auto answer = AskNameServer(invocation, session, kGetIdOfPortName, address.address,
-                                      sizeof(IdAnswer), kNotRegistered);
+                                      sizeof(PortIdAnswer), kNotRegistered);
     if (!answer) {
         invocation.Fail(ExitCode::NotFound, "the name server does not know this port",
                         "`fc names` shows those that it knows");
     }
-    return static_cast<uint32_t>(BigEndian(Padded<IdAnswer>(*answer).portId));
+    return static_cast<uint32_t>(BigEndian(Padded<PortIdAnswer>(*answer).portId));
 }
 
 HX_STATUS SendLinkService(uint32_t handle, const HX_SCSI_ADDRESS& address, Bytes request,

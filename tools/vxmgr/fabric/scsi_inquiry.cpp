@@ -1,43 +1,15 @@
 #include "vxmgr/fabric/scsi_inquiry.h"
 
 #include "common/text.h"
+#include "formats/scsi_data.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
+using namespace formats;
 using tools::Record;
 using tools::Value;
-
-#pragma pack(push, 1)
-struct InquiryData {
-    uint8_t peripheral;  // qualifier in the high three bits, device type below
-    uint8_t removable;   // bit 7
-    uint8_t version;
-    uint8_t responseFormat;
-    uint8_t additionalLength;
-    uint8_t flags5;
-    uint8_t flags6;
-    uint8_t flags7;
-    char vendor[8];
-    char product[16];
-    char revision[4];
-};
-struct VpdHead {
-    uint8_t peripheral;
-    uint8_t page;
-    uint8_t length[2];
-};
-struct DesignatorHead {
-    uint8_t codeSet;      // low four bits; protocol above
-    uint8_t association;  // bit 7: the protocol is valid; association, type
-    uint8_t reserved;
-    uint8_t length;
-};
-#pragma pack(pop)
-static_assert(sizeof(InquiryData) == 36);
-static_assert(sizeof(VpdHead) == 4);
-static_assert(sizeof(DesignatorHead) == 4);
 
 constexpr CodeText kTypes[] = {
     {0x00, "disk"},
@@ -89,12 +61,6 @@ constexpr CodeText kAssociations[] = {
     {1, "target port"},
     {2, "target device"},
 };
-
-constexpr uint8_t kSupportedPages = 0x00;
-constexpr uint8_t kSerialPage = 0x80;
-constexpr uint8_t kIdentificationPage = 0x83;
-constexpr uint8_t kBinary = 1;  // code set
-constexpr uint8_t kNaa = 3;
 
 std::string TextOf(Bytes bytes) {
     return tools::FieldText(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -170,7 +136,7 @@ size_t InquiryLength(Bytes data) {
 }
 
 size_t VpdLength(Bytes data) {
-    return sizeof(VpdHead) + BigEndian(Padded<VpdHead>(data).length);
+    return sizeof(VpdPageHead) + BigEndian(Padded<VpdPageHead>(data).length);
 }
 
 Record InquiryRecord(Bytes data) {
@@ -199,7 +165,7 @@ Record InquiryRecord(Bytes data) {
 }
 
 Record VpdRecord(Bytes data) {
-    const auto head = Padded<VpdHead>(data);
+    const auto head = Padded<VpdPageHead>(data);
     const Bytes body = Part(data, sizeof head, BigEndian(head.length));
     Record record;
     record.Add("page", "Page", Value::Text(tools::Hex(head.page, 2)));

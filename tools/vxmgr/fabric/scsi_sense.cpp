@@ -3,45 +3,13 @@
 #include <cstdio>
 
 #include "common/text.h"
+#include "formats/scsi_data.h"
 
 namespace vxmgr {
 namespace {
 
+using namespace formats;
 using tools::Value;
-
-#pragma pack(push, 1)
-struct FixedSense {
-    uint8_t response;  // bit 7: the information is valid
-    uint8_t segment;
-    uint8_t key;  // low four bits
-    uint8_t information[4];
-    uint8_t additionalLength;  // of what follows
-    uint8_t commandSpecific[4];
-    uint8_t code;
-    uint8_t qualifier;
-};
-struct DescriptorSense {
-    uint8_t response;
-    uint8_t key;
-    uint8_t code;
-    uint8_t qualifier;
-    uint8_t reserved4[3];
-    uint8_t additionalLength;
-};
-struct DescriptorHead {
-    uint8_t type;
-    uint8_t length;  // of what follows
-};
-struct InformationDescriptor {
-    DescriptorHead head;
-    uint8_t valid;  // bit 7
-    uint8_t reserved;
-    uint8_t information[8];
-};
-#pragma pack(pop)
-static_assert(sizeof(FixedSense) == 14 && offsetof(FixedSense, code) == 12);
-static_assert(sizeof(DescriptorSense) == 8);
-static_assert(sizeof(InformationDescriptor) == 12);
 
 constexpr uint8_t kValid = 0x80;
 constexpr uint8_t kResponseMask = 0x7F;

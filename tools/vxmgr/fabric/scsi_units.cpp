@@ -1,32 +1,13 @@
 #include "vxmgr/fabric/scsi_units.h"
 
-#include <cstdio>
+#include "formats/scsi_data.h"
+#include "vxmgr/app/size_text.h"
 
 namespace vxmgr {
 namespace {
 
+using namespace formats;
 using tools::Value;
-
-#pragma pack(push, 1)
-struct Capacity10 {
-    uint8_t lastBlock[4];
-    uint8_t blockBytes[4];
-};
-struct Capacity16 {
-    uint8_t lastBlock[8];
-    uint8_t blockBytes[4];
-};
-struct LunListHead {
-    uint8_t length[4];
-    uint8_t reserved[4];
-};
-struct LunAddress {
-    uint8_t first[2];  // addressing method in the two highest bits
-    uint8_t rest[6];
-};
-#pragma pack(pop)
-static_assert(sizeof(Capacity10) == 8 && sizeof(Capacity16) == 12);
-static_assert(sizeof(LunListHead) == 8 && sizeof(LunAddress) == 8);
 
 template <typename Layout>
 std::optional<Capacity> Decode(Bytes data) {
@@ -35,18 +16,6 @@ std::optional<Capacity> Decode(Bytes data) {
     }
     const auto reply = Padded<Layout>(data);
     return Capacity{BigEndian(reply.lastBlock), BigEndian(reply.blockBytes)};
-}
-
-std::string Scaled(uint64_t bytes, double step, const char* const (&units)[6]) {
-    double value = static_cast<double>(bytes) / step;
-    size_t unit = 0;
-    while (value >= step && unit + 1 < std::size(units)) {
-        value /= step;
-        ++unit;
-    }
-    char text[40];
-    std::snprintf(text, sizeof text, "%.2f %s", value, units[unit]);
-    return text;
 }
 
 }  // namespace
@@ -73,15 +42,6 @@ std::optional<Capacity> DecodeCapacity16(Bytes data) {
 
 bool NeedsLongForm(const Capacity& capacity) {
     return capacity.lastBlock == UINT32_MAX;
-}
-
-std::string SizeText(uint64_t bytes) {
-    constexpr const char* kDecimal[] = {"kB", "MB", "GB", "TB", "PB", "EB"};
-    constexpr const char* kBinary[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-    if (bytes < 1000) {
-        return std::to_string(bytes) + " bytes";
-    }
-    return Scaled(bytes, 1000, kDecimal) + " (" + Scaled(bytes, 1024, kBinary) + ")";
 }
 
 tools::Record CapacityRecord(const Capacity& capacity) {

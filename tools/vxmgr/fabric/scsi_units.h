@@ -22,9 +22,6 @@ std::optional<Capacity> DecodeCapacity10(Bytes data);
 std::optional<Capacity> DecodeCapacity16(Bytes data);
 bool NeedsLongForm(const Capacity& capacity);
 
-// "2.20 TB (2.00 TiB)"; "512 bytes" below a thousand.
-std::string SizeText(uint64_t bytes);
-
 tools::Record CapacityRecord(const Capacity& capacity);
 
 // The bytes that the whole list takes, its header with it.

@@ -3,35 +3,26 @@
 #include <algorithm>
 #include <iterator>
 
+#include "formats/sums.h"
+#include "formats/version_numbers.h"
+
 namespace vxmgr {
 namespace {
+
+using formats::FirmwareHead;
 
 constexpr size_t kWord = sizeof(uint32_t);
 constexpr uint32_t kMostWords = 16u << 20;  // no flash is larger than 64 MiB
 
-struct Word {
-    uint8_t bytes[kWord];
-};
-
-uint32_t SumOfWords(Bytes bytes) {
-    uint32_t sum = 0;
-    for (size_t at = 0; at + kWord <= bytes.size(); at += kWord) {
-        sum += static_cast<uint32_t>(BigEndian(Padded<Word>(Part(bytes, at)).bytes));
-    }
-    return sum;
-}
-
-std::string TwoDigits(uint32_t number) {
-    return (number < 10 ? "0" : "") + std::to_string(number);
-}
-
 std::string VersionOf(const FirmwareHead& head, bool withBuild) {
-    std::string version = std::to_string(BigEndian(head.version[0]));
-    for (size_t i = 1; i < std::size(head.version); ++i) {
-        version += "." + TwoDigits(static_cast<uint32_t>(BigEndian(head.version[i])));
+    formats::VersionNumbers version{};
+    for (size_t i = 0; i < std::size(head.version); ++i) {
+        version.parts[i] = static_cast<uint32_t>(BigEndian(head.version[i]));
     }
-    const uint64_t build = BigEndian(head.build);
-    return withBuild && build != 0 ? version + "." + std::to_string(build) : version;
+    version.parts[3] = withBuild ? static_cast<uint32_t>(BigEndian(head.build)) : 0;
+    char text[48];
+    formats::FormatFirmwareVersion(version, text);
+    return text;
 }
 
 // The segment at offset as far as the bytes have it; false when they do not have all of it.
@@ -43,8 +34,8 @@ bool DecodeSegment(Bytes bytes, size_t offset, FirmwareSegment* segment) {
         segment->length > bytes.size() - offset) {
         return false;
     }
-    segment->checksum =
-        SumOfWords(Part(bytes, offset, segment->length)) == 0 ? Sum::Good : Sum::Bad;
+    const uint32_t sum = formats::BigEndianWordSum(Part(bytes, offset, segment->length));
+    segment->checksum = sum == 0 ? Sum::Good : Sum::Bad;
     return true;
 }
 

@@ -1,25 +1,14 @@
 #include "vxmgr/flash/flash_image.h"
 
 #include <algorithm>
-#include <iterator>
+
+#include "formats/nvram_block.h"
+#include "formats/vpd_tags.h"
 
 namespace vxmgr {
 namespace {
 
 constexpr uint8_t kErasedByte = 0xFF;
-constexpr char kNvramMark[4] = {'K', 'P', 'U', ' '};
-constexpr size_t kClassicNvram = 256;
-constexpr size_t kExtendedNvram = 512;
-
-// First tag of vital product data (PCI Local Bus): a large resource, the identifier string.
-#pragma pack(push, 1)
-struct VpdHead {
-    uint8_t tag;  // kIdentifierTag
-    uint16_t length;
-};
-#pragma pack(pop)
-static_assert(sizeof(VpdHead) == 3);
-constexpr uint8_t kIdentifierTag = 0x82;
 
 struct KindRow {
     ImageKind kind;
@@ -38,14 +27,13 @@ constexpr const KindRow& RowOf(ImageKind kind) {
 static_assert(RowOf(ImageKind::Vpd).kind == ImageKind::Vpd);
 
 bool BeginsNvram(Bytes bytes) {
-    return bytes.size() >= kClassicNvram &&
-           std::equal(std::begin(kNvramMark), std::end(kNvramMark), bytes.begin());
+    return bytes.size() >= formats::kClassicBlock && formats::HasSignature(bytes);
 }
 
 bool BeginsVpd(Bytes bytes) {
-    const auto head = Padded<VpdHead>(bytes);
-    return bytes.size() > sizeof head && head.tag == kIdentifierTag && head.length != 0 &&
-           head.length < bytes.size() - sizeof head;
+    const auto tag = formats::TagAt(bytes, 0);
+    return tag && bytes[0] == formats::kIdentifierTag && tag->length != 0 &&
+           tag->End() < bytes.size();
 }
 
 bool IsErased(Bytes bytes) {
@@ -58,7 +46,7 @@ struct StartRow {
     bool (*begins)(Bytes bytes);
 };
 constexpr StartRow kStarts[] = {
-    {ImageKind::Erased, IsErased},         {ImageKind::BootCode, BeginsRom},
+    {ImageKind::Erased, IsErased},         {ImageKind::BootCode, formats::BeginsRom},
     {ImageKind::Nvram, BeginsNvram},       {ImageKind::Vpd, BeginsVpd},
     {ImageKind::Firmware, BeginsFirmware},
 };
@@ -108,14 +96,8 @@ void InspectFirmware(Bytes bytes, ImageInfo& info) {
 
 // Little-endian words that add up to 0. Blocks of older chips are summed in ways of their own.
 void InspectNvram(Bytes bytes, ImageInfo& info) {
-    if (bytes.size() < kExtendedNvram) {
-        return;
-    }
-    uint32_t sum = 0;
-    for (size_t at = 0; at < kExtendedNvram; at += sizeof sum) {
-        sum += Padded<uint32_t>(Part(bytes, at));
-    }
-    if (sum != 0) {
+    if (bytes.size() >= formats::kExtendedBlock &&
+        !formats::ChecksumHolds(formats::BlockKind::Extended, bytes)) {
         info.problem = "the checksum of the settings is wrong";
     }
 }

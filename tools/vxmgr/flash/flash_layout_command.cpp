@@ -1,6 +1,6 @@
 // flash layout
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/scsi_units.h"
 #include "vxmgr/flash/flash_commands.h"
 #include "vxmgr/flash/flash_layout.h"
 #include "vxmgr/flash/flash_regions.h"

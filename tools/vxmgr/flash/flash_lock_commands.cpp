@@ -62,11 +62,12 @@ Record RecordOf(const LockRow& row) {
     return record;
 }
 
-std::vector<LockRow> LocksOf(const LockTable& table, const std::vector<const Adapter*>& adapters) {
+std::vector<LockRow> LocksOf(const FlashLockArea& table,
+                             const std::vector<const Adapter*>& adapters) {
     std::vector<LockRow> rows;
     for (const Adapter* adapter : adapters) {
         LockRow row{adapter, adapter->First().Serial(), {}};
-        if (const LockRecord* record = FindLock(table, row.serial)) {
+        if (const FlashLock* record = FindLock(table, row.serial)) {
             row.state = StateOf(*record);
         }
         rows.push_back(std::move(row));
@@ -75,9 +76,9 @@ std::vector<LockRow> LocksOf(const LockTable& table, const std::vector<const Ada
 }
 
 // Held locks of adapters that are not there: nobody but their owner can give them back.
-void AddGone(const LockTable& table, const std::vector<Adapter>& adapters,
+void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters,
              std::vector<LockRow>& rows) {
-    for (const LockRecord& record : table.records) {
+    for (const FlashLock& record : table.locks) {
         const std::string serial = SerialOf(record);
         const bool known = std::any_of(adapters.begin(), adapters.end(), [&](const Adapter& one) {
             return one.First().Serial() == serial;
@@ -170,7 +171,7 @@ ExitCode FlashLockRelease(tools::Invocation& invocation) {
     }
     const ExitCode ended = EndLockInChild(invocation, lock.adapter->First().index, owner);
     const auto table = ReadLockTable(invocation);
-    const LockRecord* now = FindLock(*table, lock.serial);
+    const FlashLock* now = FindLock(*table, lock.serial);
     const bool released = now == nullptr || now->owner != owner;
     AddRelease(invocation, lock, released);
     if (!released) {

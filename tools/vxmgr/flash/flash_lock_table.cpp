@@ -4,13 +4,13 @@
 
 namespace vxmgr {
 
-std::string SerialOf(const LockRecord& record) {
-    return record.hasSerial == 0 ? std::string()
-                                 : tools::FieldText(record.serial, sizeof record.serial);
+std::string SerialOf(const FlashLock& record) {
+    return record.serial[0] == 0 ? std::string()
+                                 : tools::FieldText(record.serial + 1, sizeof record.serial - 1);
 }
 
-const LockRecord* FindLock(const LockTable& table, const std::string& serial) {
-    for (const LockRecord& record : table.records) {
+const FlashLock* FindLock(const FlashLockArea& table, const std::string& serial) {
+    for (const FlashLock& record : table.locks) {
         if (!serial.empty() && SerialOf(record) == serial) {
             return &record;
         }

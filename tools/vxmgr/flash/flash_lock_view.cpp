@@ -57,29 +57,29 @@ bool LifeOf(uint32_t processId, uint64_t* ms) {
 
 }  // namespace
 
-std::unique_ptr<LockTable> ReadLockTable(tools::Invocation& invocation) {
-    const Handle section(OpenFileMappingA(FILE_MAP_READ, FALSE, kLockTableName));
-    const void* view = section.Get() == nullptr
-                           ? nullptr
-                           : MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0, sizeof(LockTable));
+std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation) {
+    const Handle section(OpenFileMappingA(FILE_MAP_READ, FALSE, formats::kFlashLockAreaName));
+    const void* view = section.Get() == nullptr ? nullptr
+                                                : MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0,
+                                                                sizeof(FlashLockArea));
     if (view == nullptr) {
         invocation.Fail(static_cast<uint32_t>(GetLastError()),
                         "the update locks cannot be looked at");
     }
-    auto table = std::make_unique<LockTable>();
+    auto table = std::make_unique<FlashLockArea>();
     std::memcpy(table.get(), view, sizeof *table);
     UnmapViewOfFile(view);
     return table;
 }
 
-LockState StateOf(const LockRecord& record) {
+LockState StateOf(const FlashLock& record) {
     LockState state;
     state.held = record.owner != 0;
     state.owner = record.owner;
     if (state.held) {
         const uint32_t heldMs = HeldMs(record, GetTickCount());
         state.heldSeconds = heldMs / 1000;
-        state.expired = state.heldSeconds > kLongestHoldSeconds;
+        state.expired = state.heldSeconds > formats::kLongestHoldSeconds;
         uint64_t lifeMs = 0;
         state.ownerLives = LifeOf(record.owner, &lifeMs) && MayOwn(lifeMs, heldMs);
     }

@@ -10,7 +10,7 @@
 namespace vxmgr {
 
 // A copy of the table; ends the command when it cannot be read.
-std::unique_ptr<LockTable> ReadLockTable(tools::Invocation& invocation);
+std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation);
 
 // A lock as it stands now.
 struct LockState {
@@ -21,6 +21,6 @@ struct LockState {
     bool expired = false;  // held for so long that anybody may take it over
 };
 
-LockState StateOf(const LockRecord& record);
+LockState StateOf(const FlashLock& record);
 
 }  // namespace vxmgr

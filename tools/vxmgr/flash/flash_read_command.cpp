@@ -4,8 +4,8 @@
 
 #include "common/text.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/scsi_units.h"
 #include "vxmgr/flash/flash_commands.h"
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"

@@ -1,13 +1,15 @@
 #include "vxmgr/flash/flash_rom.h"
 
-#include <numeric>
-
+#include "formats/sums.h"
+#include "formats/version_numbers.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
-constexpr char kDataMark[4] = {'P', 'C', 'I', 'R'};
+using formats::kRomUnit;
+using formats::RomData;
+
 constexpr size_t kMostDevices = 64;
 
 constexpr CodeText kCodeTypes[] = {
@@ -17,21 +19,11 @@ constexpr CodeText kCodeTypes[] = {
     {3, "EFI"},
 };
 
-template <typename Layout>
-bool Holds(Bytes bytes, size_t offset) {
-    return offset <= bytes.size() && bytes.size() - offset >= sizeof(Layout);
-}
-
-uint8_t SumOf(Bytes bytes) {
-    return std::accumulate(bytes.begin(), bytes.end(), uint8_t{0},
-                           [](auto a, auto b) { return static_cast<uint8_t>(a + b); });
-}
-
 Sum ChecksumOf(Bytes rom, size_t length) {
     if (length == 0 || length > rom.size()) {
         return Sum::Bad;
     }
-    const uint8_t sum = SumOf(Part(rom, 0, length));
+    const uint8_t sum = formats::ByteSum(Part(rom, 0, length));
     // An adapter that carries its identity over into an image leaves the byte before the checksum
     // out of the sum: what was read back from one is just as good.
     return sum == 0 || sum == rom[length - 2] ? Sum::Good : Sum::Bad;
@@ -54,27 +46,29 @@ std::vector<uint16_t> DevicesOf(Bytes data, const RomData& head) {
 }
 
 std::string VersionOf(const RomData& data) {
-    const std::string minor = std::to_string(data.minorRevision);
-    return std::to_string(data.majorRevision) + "." + (minor.size() < 2 ? "0" : "") + minor;
+    char text[8];
+    formats::TextWriter writer(text);
+    formats::WriteBootVersion(writer, data.majorRevision, data.revision);
+    return text;
 }
 
 // Decodes the image at offset; a text tells why there is none.
 std::string DecodeRom(Bytes bytes, size_t offset, RomImage* image) {
     const Bytes rom = Part(bytes, offset);
-    if (!Holds<RomHead>(rom, 0) || !BeginsRom(rom)) {
+    if (rom.size() < formats::kShortestRom || !formats::BeginsRom(rom)) {
         return "no image begins";
     }
-    const auto head = Padded<RomHead>(rom);
+    const auto head = Padded<formats::RomHeader>(rom);
     if (!Holds<RomData>(rom, head.dataOffset)) {
         return "the image ends before its description";
     }
     const Bytes description = Part(rom, head.dataOffset);
     const auto data = Padded<RomData>(description);
-    if (std::memcmp(data.mark, kDataMark, sizeof kDataMark) != 0 || data.length == 0) {
+    if (std::memcmp(data.mark, formats::kRomDataMark, sizeof data.mark) != 0 || data.length == 0) {
         return "the image has no description";
     }
     image->offset = offset;
-    image->length = data.length * kRomUnit;
+    image->length = data.length * size_t{kRomUnit};
     if (image->length > rom.size()) {
         return "the image is longer than what there is";
     }
@@ -82,9 +76,9 @@ std::string DecodeRom(Bytes bytes, size_t offset, RomImage* image) {
     image->version = VersionOf(data);
     image->vendorId = data.vendorId;
     image->devices = DevicesOf(Part(description, 0, image->length), data);
-    image->last = (data.indicator & kLastRom) != 0;
+    image->last = (data.indicator & formats::kLastImage) != 0;
     if (data.codeType == kBiosCode) {
-        image->checksum = ChecksumOf(Part(rom, 0, image->length), head.length * kRomUnit);
+        image->checksum = ChecksumOf(Part(rom, 0, image->length), head.length * size_t{kRomUnit});
     }
     return {};
 }
@@ -104,10 +98,6 @@ std::string CodeTypeName(uint8_t codeType) {
     return TextOfCode(kCodeTypes, codeType, "other code");
 }
 
-bool BeginsRom(Bytes bytes) {
-    return Padded<uint16_t>(bytes) == kRomSignature;
-}
-
 RomChain DecodeRomChain(Bytes bytes) {
     RomChain chain;
     while (chain.problem.empty()) {
@@ -123,9 +113,9 @@ RomChain DecodeRomChain(Bytes bytes) {
         if (image.last) {
             break;
         }
-        if (chain.images.size() == kMostRoms) {
-            chain.problem =
-                "none of the first " + std::to_string(kMostRoms) + " images is marked as the last";
+        if (chain.images.size() == formats::kLongestChain) {
+            chain.problem = "none of the first " + std::to_string(formats::kLongestChain) +
+                            " images is marked as the last";
         }
     }
     return chain;

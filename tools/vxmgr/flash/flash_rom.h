@@ -2,53 +2,17 @@
 // region holds it.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "formats/rom_image.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {
 
-#pragma pack(push, 1)
-
-struct RomHead {
-    uint16_t signature;  // kRomSignature
-    uint8_t length;      // of the bytes that add up to 0, in kRomUnit
-    uint8_t reserved3[21];
-    uint16_t dataOffset;  // of the RomData
-};
-static_assert(sizeof(RomHead) == 26);
-static_assert(offsetof(RomHead, dataOffset) == 24);
-
-struct RomData {
-    char mark[4];  // "PCIR"
-    uint16_t vendorId;
-    uint16_t deviceId;
-    uint16_t deviceList;  // from here to more device IDs that end with 0; 0: none
-    uint16_t dataLength;
-    uint8_t dataRevision;
-    uint8_t classCode[3];
-    uint16_t length;  // of the image, in kRomUnit
-    uint8_t minorRevision;
-    uint8_t majorRevision;
-    uint8_t codeType;
-    uint8_t indicator;  // kLastRom
-};
-static_assert(sizeof(RomData) == 22);
-static_assert(offsetof(RomData, length) == 16);
-static_assert(offsetof(RomData, codeType) == 20);
-
-#pragma pack(pop)
-
-inline constexpr uint16_t kRomSignature = 0xAA55;
-inline constexpr size_t kRomUnit = 512;
-inline constexpr uint8_t kLastRom = 0x80;
-inline constexpr uint8_t kBiosCode = 0;
-inline constexpr size_t kMostRoms = 11;  // the library looks no further
-
 enum class Sum : uint8_t { None, Good, Bad };  // None: the format has none
+
+inline constexpr uint8_t kBiosCode = static_cast<uint8_t>(formats::RomCode::Bios);
 
 struct RomImage {
     size_t offset = 0;
@@ -71,7 +35,6 @@ struct RomChain {
 
 std::string CodeTypeName(uint8_t codeType);  // "BIOS"
 
-bool BeginsRom(Bytes bytes);
 RomChain DecodeRomChain(Bytes bytes);
 
 }  // namespace vxmgr

@@ -1,37 +1,19 @@
 #include "vxmgr/settings/vpd_pci.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "common/text.h"
+#include "formats/vpd_tags.h"
 
 namespace vxmgr {
 namespace {
 
-// A large tag has its length in the two bytes behind it, a small one in its low three bits.
-constexpr uint8_t kLarge = 0x80;
-constexpr uint8_t kIdentifierTag = 0x82;
-constexpr uint8_t kReadOnlyTag = 0x90;
-constexpr uint8_t kWritableTag = 0x91;
-constexpr uint8_t kEndTag = 0x78;
-constexpr uint8_t kSmallLength = 0x07;
-constexpr std::string_view kChecksum = "RV";
+using formats::kEndTag;
+using formats::kIdentifierTag;
+using formats::kReadOnlyTag;
+using formats::kWritableTag;
+
 constexpr std::string_view kRest = "RW";  // what is left of the writable section
-
-#pragma pack(push, 1)
-struct LargeTag {
-    uint8_t tag;
-    uint8_t lengthLow;
-    uint8_t lengthHigh;
-
-    size_t Length() const { return lengthLow | size_t{lengthHigh} << 8; }
-};
-struct KeywordHead {
-    char name[2];
-    uint8_t length;
-};
-#pragma pack(pop)
-static_assert(sizeof(LargeTag) == 3 && sizeof(KeywordHead) == 3);
 
 struct KeywordRow {
     std::string_view keyword;
@@ -55,12 +37,8 @@ std::string At(size_t offset) {
     return " at " + tools::Hex(offset, 4);
 }
 
-uint8_t SumOf(Bytes bytes) {
-    return static_cast<uint8_t>(std::accumulate(bytes.begin(), bytes.end(), 0u));
-}
-
-bool IsKeyword(const char (&name)[2]) {
-    return std::all_of(std::begin(name), std::end(name), [](char letter) {
+bool IsKeyword(std::string_view name) {
+    return std::all_of(name.begin(), name.end(), [](char letter) {
         return (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9');
     });
 }
@@ -99,45 +77,44 @@ class Decoder {
     // The offset behind the tag; 0 when it leads out of the bytes, which ends the decoding.
     size_t Tag(size_t at) {
         const uint8_t tag = bytes_[at];
-        const bool large = (tag & kLarge) != 0;
-        const size_t head = large ? sizeof(LargeTag) : 1;
-        const auto read = Padded<LargeTag>(Part(bytes_, at, head));
-        const size_t length = large ? read.Length() : tag & kSmallLength;
-        if (head > bytes_.size() - at || length > bytes_.size() - at - head) {
+        const auto part = formats::TagAt(bytes_, at);
+        if (!part) {
             Fault("the tag " + tools::Hex(tag, 2) + At(at) + " is longer than the data");
             return 0;
         }
-        const size_t data = at + head;
         if (tag == kIdentifierTag) {
-            vpd_.items.push_back({VpdSection::Identifier, "", data, Part(bytes_, data, length)});
+            Add(VpdSection::Identifier, "", *part);
         } else if (tag == kReadOnlyTag || tag == kWritableTag) {
-            Keywords(tag == kReadOnlyTag ? VpdSection::ReadOnly : VpdSection::Writable, data,
-                     data + length);
-        } else if (!large && (tag & ~kSmallLength) == kEndTag) {
+            Keywords(tag == kReadOnlyTag ? VpdSection::ReadOnly : VpdSection::Writable, *part);
+        } else if ((tag & ~formats::kSmallLength) == kEndTag) {
             ended_ = true;
         } else {
             Fault("the tag " + tools::Hex(tag, 2) + At(at) + " is unknown");
         }
-        return data + length;
+        return part->End();
     }
 
-    void Keywords(VpdSection section, size_t begin, size_t end) {
-        for (size_t at = begin; at < end;) {
-            const auto head = Padded<KeywordHead>(Part(bytes_, at, end - at));
-            if (end - at < sizeof head || !IsKeyword(head.name) ||
-                head.length > end - at - sizeof head) {
+    void Keywords(VpdSection section, const formats::VpdPart& all) {
+        for (size_t at = all.data; at < all.End();) {
+            const auto part = formats::KeywordAt(bytes_, at, all.End());
+            const Bytes name = Part(bytes_, at, sizeof formats::KeywordHead::name);
+            const std::string keyword(name.begin(), name.end());
+            if (!part || !IsKeyword(keyword)) {
                 Fault("there is no whole keyword" + At(at));
                 return;
             }
-            const size_t data = at + sizeof head;
-            const std::string keyword(head.name, sizeof head.name);
-            vpd_.items.push_back({section, keyword, data, Part(bytes_, data, head.length)});
-            if (keyword == kChecksum && section == VpdSection::ReadOnly && !vpd_.checksumHolds) {
-                // All bytes up to the first one of its data add up to 0.
-                vpd_.checksumHolds = head.length != 0 && SumOf(bytes_.first(data + 1)) == 0;
+            Add(section, keyword, *part);
+            if (keyword == formats::kChecksumKeyword && section == VpdSection::ReadOnly &&
+                !vpd_.checksumHolds) {
+                vpd_.checksumHolds = formats::ChecksumHolds(bytes_, *part);
             }
-            at = data + head.length;
+            at = part->End();
         }
+    }
+
+    void Add(VpdSection section, std::string keyword, const formats::VpdPart& part) {
+        vpd_.items.push_back(
+            {section, std::move(keyword), part.data, Part(bytes_, part.data, part.length)});
     }
 
     const Bytes bytes_;
@@ -153,7 +130,7 @@ const char* NameOf(VpdSection section) {
 }
 
 bool VpdItem::IsText() const {
-    return keyword != kChecksum && keyword != kRest &&
+    return keyword != formats::kChecksumKeyword && keyword != kRest &&
            std::all_of(data.begin(), data.end(),
                        [](uint8_t byte) { return byte >= ' ' && byte <= '~'; });
 }

@@ -4,7 +4,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
-#include <numeric>
 #include <utility>
 
 namespace vxmgr {
@@ -153,11 +152,6 @@ bool IsPower(SfpQuantity quantity) {
 }
 
 }  // namespace
-
-bool ChecksumHolds(const SfpDiagnostics& page) {
-    const Bytes summed = Part(BytesOf(page), 0, offsetof(SfpDiagnostics, checksum));
-    return static_cast<uint8_t>(std::accumulate(summed.begin(), summed.end(), 0u)) == page.checksum;
-}
 
 const char* NameOf(SfpState state) {
     return kStates[static_cast<size_t>(state)].name;

@@ -1,7 +1,5 @@
 #include "vxmgr/sfp/sfp_identity.h"
 
-#include <numeric>
-
 #include "common/text.h"
 #include "vxmgr/app/code_text.h"
 
@@ -174,25 +172,11 @@ Value ChecksumValue(bool holds) {
     return Value::Flag(holds).Shown(holds ? "good" : "wrong").In(holds ? Tone::Plain : Tone::Bad);
 }
 
-uint8_t SumOf(const SfpIdentity& identity, size_t begin, size_t end) {
-    const Bytes bytes = Part(BytesOf(identity), begin, end - begin);
-    return static_cast<uint8_t>(std::accumulate(bytes.begin(), bytes.end(), 0u));
-}
-
 const char* CalibrationOf(const SfpIdentity& identity) {
     return identity.ExternallyCalibrated() ? "external" : "internal";
 }
 
 }  // namespace
-
-bool BaseChecksumHolds(const SfpIdentity& identity) {
-    return SumOf(identity, 0, offsetof(SfpIdentity, baseChecksum)) == identity.baseChecksum;
-}
-
-bool ExtendedChecksumHolds(const SfpIdentity& identity) {
-    return SumOf(identity, offsetof(SfpIdentity, options),
-                 offsetof(SfpIdentity, extendedChecksum)) == identity.extendedChecksum;
-}
 
 std::string SfpDate(const char (&date)[8]) {
     constexpr size_t kDigits = 6;
@@ -244,9 +228,10 @@ Record SfpIdentityRecord(const SfpIdentity& identity) {
         monitored ? Value::Text(identity.AveragePower() ? "average" : "amplitude") : Value());
     record.Add("compliance", "SFF-8472 revision",
                Value::Text(TextOrNumber(kRevisions, identity.compliance, "revision")));
-    record.Add("base_checksum_good", "Base checksum", ChecksumValue(BaseChecksumHolds(identity)));
+    record.Add("base_checksum_good", "Base checksum",
+               ChecksumValue(formats::BaseChecksumHolds(identity)));
     record.Add("extended_checksum_good", "Ext. checksum",
-               ChecksumValue(ExtendedChecksumHolds(identity)));
+               ChecksumValue(formats::ExtendedChecksumHolds(identity)));
     record.AddGroup("lengths", "Lengths", LengthsRecord(identity));
     return record;
 }

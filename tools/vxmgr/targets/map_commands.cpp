@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "common/console.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/fabric/scsi_target.h"
 #include "vxmgr/targets/map_units.h"
 #include "vxmgr/targets/target_reported.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/text.h"
-#include "vxmgr/bindings/bind_document.h"
+#include "vxmgr/app/port_id.h"
 
 namespace vxmgr {
 namespace {

@@ -1,8 +1,8 @@
 #include "vxmgr/targets/target_records.h"
 
 #include "common/text.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/bind_document.h"
 
 namespace vxmgr {
 namespace {

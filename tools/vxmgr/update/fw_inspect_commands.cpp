@@ -1,7 +1,7 @@
 // fw inspect, fw check
 #include "common/text.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/scsi_units.h"
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/update/fw_commands.h"
 #include "vxmgr/update/update_plan.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "vxmgr/app/files.h"
-#include "vxmgr/fabric/scsi_units.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_stored.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "common/status_codes.h"
+#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/scsi_units.h"
 #include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
