@@ -15,10 +15,8 @@ namespace {
 using formats::RomCode;
 
 void FormatFirmware(std::span<const uint8_t> image, VersionText& text) {
-    formats::VersionNumbers version{};
-    for (uint32_t i = 0; i < 3; ++i) {
-        version.parts[i] = formats::FirmwareWord(image, formats::kVersionWord + i);
-    }
+    formats::VersionNumbers version = formats::FirmwareVersion(image);
+    version.parts[3] = 0;
     // Anything above a byte is no version.
     const uint32_t highest = *std::max_element(std::begin(version.parts), std::end(version.parts));
     if (highest != 0 && highest <= UINT8_MAX) {

@@ -1,5 +1,7 @@
 #include "formats/firmware_image.h"
 
+#include <iterator>
+
 #include "formats/sums.h"
 
 namespace formats {
@@ -13,6 +15,15 @@ uint32_t FirmwareWord(Bytes image, size_t index) {
     return index < image.size() / kWord
                ? static_cast<uint32_t>(BigEndian(image.data() + index * kWord, kWord))
                : 0;
+}
+
+VersionNumbers FirmwareVersion(Bytes image) {
+    static_assert(kVersionWord + 3 == kBuildWord);
+    VersionNumbers version{};
+    for (uint32_t i = 0; i < std::size(version.parts); ++i) {
+        version.parts[i] = FirmwareWord(image, kVersionWord + i);
+    }
+    return version;
 }
 
 FirmwareCheck CheckFirmware(Bytes image, size_t regionBytes) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "formats/bytes.h"
+#include "formats/version_numbers.h"
 
 namespace formats {
 
@@ -41,5 +42,8 @@ FirmwareCheck CheckFirmware(Bytes image, size_t regionBytes);
 
 // Big-endian word of an image; 0 beyond its end.
 uint32_t FirmwareWord(Bytes image, size_t index);
+
+// Version and build, whatever numbers stand there.
+VersionNumbers FirmwareVersion(Bytes image);
 
 }  // namespace formats

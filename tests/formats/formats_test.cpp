@@ -103,7 +103,7 @@ TEST(Formats, FirmwareImage) {
     EXPECT_EQ(CheckFirmware(image, image.size()), FirmwareCheck::Good);
     EXPECT_EQ(CheckFirmware(image, image.size() - 1), FirmwareCheck::BadSegments);
     EXPECT_EQ(FirmwareWord(image, kVersionWord), 9u);
-    EXPECT_EQ(FirmwareWord(image, kVersionWord + 2), 1u);
+    EXPECT_EQ(FirmwareVersion(image), (VersionNumbers{{9, 12, 1, 0xFFFFFFDC}}));
     EXPECT_EQ(FirmwareWord(image, 13), 0u);
     image[32] = 0x81;
     EXPECT_EQ(CheckFirmware(image, image.size()), FirmwareCheck::BadChecksum);

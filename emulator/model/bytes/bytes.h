@@ -23,6 +23,14 @@ void CopyOpenText(char (&field)[size], const char* text) {
     std::memcpy(field, text, length < size ? length : size);
 }
 
+// The same, the rest blank.
+template <size_t size>
+void CopyPadded(char (&field)[size], const char* text) {
+    const size_t length = std::strlen(text);
+    std::memset(field, ' ', size);
+    std::memcpy(field, text, length < size ? length : size);
+}
+
 // Whether a field of size bytes holds a terminated text of printable ASCII characters.
 bool IsText(const char* field, size_t size);
 

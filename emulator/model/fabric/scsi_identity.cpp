@@ -1,6 +1,7 @@
 // What a LUN is: INQUIRY, REPORT LUNS, sense and mode data.
 #include <cstring>
 
+#include "model/bytes/bytes.h"
 #include "model/fabric/scsi_commands.h"
 
 namespace vxemu {
@@ -10,13 +11,6 @@ using namespace formats;
 
 constexpr uint8_t kVitalProductData = 0x01;  // EVPD of INQUIRY
 constexpr uint32_t kInquiryLength = 96;
-
-// A text, filled up with blanks.
-void FillText(char* field, size_t size, const char* text) {
-    const size_t length = std::strlen(text);
-    std::memset(field, ' ', size);
-    std::memcpy(field, text, length < size ? length : size);
-}
 
 InquiryData InquiryOf(uint8_t peripheral, size_t length) {
     InquiryData inquiry = {};
@@ -30,9 +24,9 @@ InquiryData InquiryOf(uint8_t peripheral, size_t length) {
 void PutStandard(DataIn& data, const LunProfile& lun) {
     InquiryData inquiry = InquiryOf(lun.deviceType, kInquiryLength);
     inquiry.flags7 = 0x02;  // command queuing
-    FillText(inquiry.vendor, sizeof inquiry.vendor, lun.vendor);
-    FillText(inquiry.product, sizeof inquiry.product, lun.product);
-    FillText(inquiry.revision, sizeof inquiry.revision, lun.revision);
+    CopyPadded(inquiry.vendor, lun.vendor);
+    CopyPadded(inquiry.product, lun.product);
+    CopyPadded(inquiry.revision, lun.revision);
     data->PutRecord(inquiry);
     data->Zeros(kInquiryLength - data->Length());
 }
@@ -60,7 +54,7 @@ void PutSerialNumber(DataIn& data, const ScsiTask& task) {
 void PutIdentification(DataIn& data, const ScsiTask& task) {
     const auto serialLength = static_cast<uint32_t>(std::strlen(task.lun->serial));
     char vendor[sizeof InquiryData::vendor];
-    FillText(vendor, sizeof vendor, task.lun->vendor);
+    CopyPadded(vendor, task.lun->vendor);
     const uint32_t textLength = sizeof vendor + serialLength;
     uint8_t name[8];
     std::memcpy(name, task.target->portName, sizeof name);

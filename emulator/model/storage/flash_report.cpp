@@ -57,11 +57,7 @@ CheckState CheckBoot(std::span<uint8_t> region, char (&text)[48]) {
 CheckState CheckFirmware(std::span<const uint8_t> region, char (&text)[48]) {
     const bool good = formats::CheckFirmware(region, region.size()) == formats::FirmwareCheck::Good;
     if (good) {
-        formats::FormatFirmwareVersion({{formats::FirmwareWord(region, formats::kVersionWord),
-                                         formats::FirmwareWord(region, formats::kVersionWord + 1),
-                                         formats::FirmwareWord(region, formats::kVersionWord + 2),
-                                         formats::FirmwareWord(region, formats::kBuildWord)}},
-                                       text);
+        formats::FormatFirmwareVersion(formats::FirmwareVersion(region), text);
     }
     return Checked(good);
 }

@@ -1,7 +1,5 @@
 #include "model/storage/flash_start.h"
 
-#include <iterator>
-
 #include "formats/firmware_image.h"
 #include "formats/rom_image.h"
 #include "model/bytes/bytes.h"
@@ -28,11 +26,7 @@ DriverStatus RunFirmware(Port& port, const PlacedRegion& placed) {
         formats::FirmwareWord(image.Bytes(), formats::kDeviceWord) != port.adapter->deviceId) {
         return DriverStatus::FirmwareState;
     }
-    formats::VersionNumbers version;
-    for (uint32_t at = 0; at < std::size(version.parts); ++at) {
-        version.parts[at] = formats::FirmwareWord(image.Bytes(), formats::kVersionWord + at);
-    }
-    static_assert(formats::kVersionWord + 3 == formats::kBuildWord);
+    const formats::VersionNumbers version = formats::FirmwareVersion(image.Bytes());
     // The same version keeps its own way of being written.
     if (version != formats::ParseVersion(port.adapter->firmwareVersion)) {
         formats::FormatFirmwareVersion(version, port.adapter->firmwareVersion);

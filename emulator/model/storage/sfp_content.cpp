@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "hxmgtapi.h"
+#include "model/bytes/bytes.h"
 #include "model/bytes/pattern.h"
 
 namespace vxemu {
@@ -23,12 +24,6 @@ constexpr uint8_t kSignalLost = 0x02;
 constexpr uint8_t kOui[3] = {0x02, 0x45, 0x4D};
 
 constexpr uint32_t kLowerRateGigabits = 8;  // below it 8b/10b
-
-void PutBlank(char* field, size_t size, const char* text) {
-    const size_t length = std::strlen(text);
-    std::memset(field, ' ', size);
-    std::memcpy(field, text, length < size ? length : size);
-}
 
 // Usual value, how far it moves, and limits: high and low alarm, high and low warning.
 struct QuantityRow {
@@ -101,10 +96,10 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
         identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
     identity.lengthOm2 = 3;  // of 10 m, 50 um fibre
     identity.lengthOm3 = 7;  // of 10 m, OM3
-    PutBlank(identity.vendor, sizeof identity.vendor, "EMULATED OPTICS");
+    CopyPadded(identity.vendor, "EMULATED OPTICS");
     std::memcpy(identity.vendorOui, kOui, sizeof identity.vendorOui);
-    PutBlank(identity.part, sizeof identity.part, "EMU-SFP-SW");
-    PutBlank(identity.revision, sizeof identity.revision, "1.00");
+    CopyPadded(identity.part, "EMU-SFP-SW");
+    CopyPadded(identity.revision, "1.00");
     formats::PutBigEndian(850, identity.wavelength);
     identity.options[1] = 0x1A;  // loss of signal, fault, disable
     char serial[sizeof identity.serial] = {};
@@ -115,8 +110,8 @@ void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
     std::memcpy(serial, adapter.serial + length - tail, tail);
     serial[tail] = 'P';
     serial[tail + 1] = static_cast<char>('0' + port.pciFunction);
-    PutBlank(identity.serial, sizeof identity.serial, serial);
-    PutBlank(identity.date, sizeof identity.date, "240101");
+    CopyPadded(identity.serial, serial);
+    CopyPadded(identity.date, "240101");
     identity.monitoring = kInternallyCalibrated;
     identity.enhancedOptions = kAlarmsAndFlags;
     identity.compliance = kComplianceVersion;

@@ -2,6 +2,7 @@
 
 #include "common/status_codes.h"
 #include "common/text.h"
+#include "formats/scsi_data.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/fabric/scsi_inquiry.h"
 #include "vxmgr/fabric/scsi_unit.h"
@@ -10,6 +11,7 @@
 namespace vxmgr {
 namespace {
 
+using namespace formats;
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
@@ -46,12 +48,6 @@ constexpr Argument kRawArguments[] = {
     {"--out-file", ArgumentKind::Text, "FILE", "where the received data goes"},
     {"--data-file", ArgumentKind::Text, "FILE", "data to send"},
 };
-
-// Operation codes (SPC, SBC).
-constexpr uint8_t kInquiry = 0x12;
-constexpr uint8_t kReadCapacity10 = 0x25;
-constexpr uint8_t kServiceActionIn = 0x9E;
-constexpr uint8_t kReadCapacity16 = 0x10;
 
 // Commands that change nothing in the unit: no question is asked for them.
 constexpr uint8_t kHarmless[] = {
@@ -169,7 +165,7 @@ ExitCode ScsiCapacity(tools::Invocation& invocation) {
     std::optional<Capacity> capacity = DecodeCapacity10(reply.data);
     if (reply.status == HXMGT_SUCCESS && capacity && NeedsLongForm(*capacity)) {
         const uint8_t longCdb[16] = {
-            kServiceActionIn, kReadCapacity16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, kLong};
+            kServiceActionIn16, kReadCapacity16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, kLong};
         reply = unit.Send(longCdb, kLong);
         capacity = DecodeCapacity16(reply.data);
     }

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "formats/sums.h"
-#include "formats/version_numbers.h"
 
 namespace vxmgr {
 namespace {
@@ -14,12 +13,11 @@ using formats::FirmwareHead;
 constexpr size_t kWord = sizeof(uint32_t);
 constexpr uint32_t kMostWords = 16u << 20;  // no flash is larger than 64 MiB
 
-std::string VersionOf(const FirmwareHead& head, bool withBuild) {
-    formats::VersionNumbers version{};
-    for (size_t i = 0; i < std::size(head.version); ++i) {
-        version.parts[i] = static_cast<uint32_t>(BigEndian(head.version[i]));
+std::string VersionOf(Bytes bytes, bool withBuild) {
+    formats::VersionNumbers version = formats::FirmwareVersion(bytes);
+    if (!withBuild) {
+        version.parts[3] = 0;
     }
-    version.parts[3] = withBuild ? static_cast<uint32_t>(BigEndian(head.build)) : 0;
     char text[48];
     formats::FormatFirmwareVersion(version, text);
     return text;
@@ -63,7 +61,7 @@ FirmwareImage DecodeFirmware(Bytes bytes) {
     if (tellsDevice) {
         image.deviceId = static_cast<uint16_t>(device);
     }
-    image.version = VersionOf(head, tellsDevice && BigEndian(head.build) <= UINT16_MAX);
+    image.version = VersionOf(bytes, tellsDevice && BigEndian(head.build) <= UINT16_MAX);
     size_t offset = 0;
     for (size_t i = 0; i < std::size(image.segments); ++i) {
         const std::string name = "segment " + std::to_string(i + 1);
