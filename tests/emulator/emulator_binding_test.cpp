@@ -8,15 +8,6 @@
 namespace {
 
 using namespace emulator_test;
-using Bytes = std::vector<uint8_t>;
-
-template <typename Record>
-Bytes BytesOf(const Record& record, const Bytes& behind = {}) {
-    Bytes bytes(sizeof record);
-    std::memcpy(bytes.data(), &record, sizeof record);
-    bytes.insert(bytes.end(), behind.begin(), behind.end());
-    return bytes;
-}
 
 class EmulatorBinding : public ModelFixture {
   protected:
@@ -27,9 +18,9 @@ class EmulatorBinding : public ModelFixture {
     Bytes Mask(uint8_t target, uint32_t port = kNewest, uint32_t room = 256) {
         Bytes address(16);
         address[2] = target;
-        const Answer answer = Send(port, Envelope(command::TargetLunMask, 16, room), address,
-                                   sizeof(ExtRequest) + room);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer =
+            Send(port, Envelope(TargetLunMask, 16, room), address, sizeof(ExtRequest) + room);
+        EXPECT_EQ(answer.Status(), Success);
         return answer.data;
     }
 
@@ -39,7 +30,7 @@ class EmulatorBinding : public ModelFixture {
         const Completion completion =
             model_->Control(code, buffer.data(), static_cast<uint32_t>(buffer.size()),
                             static_cast<uint32_t>(buffer.size()), &returned);
-        EXPECT_EQ(completion, Completion::Done);
+        EXPECT_EQ(completion, Done);
         vxemu::ChangeReply reply = {};
         std::memcpy(&reply, buffer.data(), sizeof reply);
         return reply.error;
@@ -52,8 +43,8 @@ TEST_F(EmulatorBinding, DiscoveredDevicesAndDatabase) {
     const auto entries = Database();
     ASSERT_EQ(entries.size(), 4u);
     for (uint32_t index = 0; index < 4; ++index) {
-        const Answer port = Ask(kNewest, command::DiscoveredPort, 60,
-                                BytesOf(properties::DiscoveredRequest{index, {}}));
+        const Answer port =
+            Ask(kNewest, DiscoveredPort, 60, BytesOf(properties::DiscoveredRequest{index, {}}));
         EXPECT_EQ(port.data.size(), 60u);
         EXPECT_EQ(std::memcmp(port.data.data(), &entries[index], 26), 0);
         EXPECT_EQ(std::memcmp(entries[index].portName, lab->targets[index].portName, 8), 0);
@@ -62,25 +53,23 @@ TEST_F(EmulatorBinding, DiscoveredDevicesAndDatabase) {
     EXPECT_STREQ(entries[1].symbolicName, "Emulated array B");
     const uint32_t luns[] = {4, 3, 2};
     for (uint32_t index = 0; index < 3; ++index) {
-        const auto target = Ask(kNewest, command::DiscoveredTarget, 64,
-                                BytesOf(properties::DiscoveredRequest{index, {}}))
-                                .As<HX_DISCOVERED_TARGET>();
+        const auto target =
+            Ask(kNewest, DiscoveredTarget, 64, BytesOf(properties::DiscoveredRequest{index, {}}))
+                .As<HX_DISCOVERED_TARGET>();
         EXPECT_EQ(+target.numberOfLuns, luns[index]);
     }
     for (uint32_t index : {4u, 0xFFFFFFFFu}) {
         const Bytes request = BytesOf(properties::DiscoveredRequest{index, {}});
-        EXPECT_EQ(Ask(kNewest, command::DiscoveredPort, 60, request).Status(),
-                  DriverStatus::DeviceNotFound);
-        EXPECT_EQ(Ask(kNewest, command::DiscoveredTarget, 64, request).Status(),
-                  DriverStatus::DeviceNotFound);
+        EXPECT_EQ(Ask(kNewest, DiscoveredPort, 60, request).Status(), DeviceNotFound);
+        EXPECT_EQ(Ask(kNewest, DiscoveredTarget, 64, request).Status(), DeviceNotFound);
     }
 
     // Room for one device: the count is that of all.
-    const Answer cut = Ask(kNewest, command::PortDatabase, 8 + 172, {7, 0, 0, 0});
-    EXPECT_EQ(cut.Status(), DriverStatus::BufferTooSmall);
+    const Answer cut = Ask(kNewest, PortDatabase, 8 + 172, {7, 0, 0, 0});
+    EXPECT_EQ(cut.Status(), BufferTooSmall);
     EXPECT_EQ(cut.envelope.ext.responseLen, 8u + 4 * 172);
     EXPECT_EQ(cut.data[4], 4);
-    EXPECT_EQ(Ask(kNewest, command::PortDatabase, 8, {7}).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, PortDatabase, 8, {7}).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorBinding, MasksArePerPortAndTarget) {
@@ -90,8 +79,7 @@ TEST_F(EmulatorBinding, MasksArePerPortAndTarget) {
     Bytes byAddress(16);
     byAddress[2] = 1;
     byAddress.insert(byAddress.end(), {0x01, 0x02});
-    EXPECT_EQ(Ask(kNewest, command::SetTargetLunMask, 0, byAddress).Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, SetTargetLunMask, 0, byAddress).Status(), Success);
     Bytes expected(256, 0xFF);
     expected[0] = 0x01;
     expected[1] = 0x02;
@@ -102,23 +90,18 @@ TEST_F(EmulatorBinding, MasksArePerPortAndTarget) {
     persist::FcAddressBlock byName = {};
     std::memcpy(byName.address, lab->targets[1].portName, 8);
     byName.driverType = 2;
-    EXPECT_EQ(Ask(kNewest, command::TargetLunMaskFc, 256, BytesOf(byName)).data, expected);
-    EXPECT_EQ(Ask(kNewest, command::SetTargetLunMaskFc, 0, BytesOf(byName, Bytes(300))).Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, TargetLunMaskFc, 256, BytesOf(byName)).data, expected);
+    EXPECT_EQ(Ask(kNewest, SetTargetLunMaskFc, 0, BytesOf(byName, Bytes(300))).Status(), Success);
     EXPECT_EQ(Mask(1), Bytes(256, 0));
     EXPECT_EQ(Mask(2), Bytes(256, 0xFF));
-    EXPECT_EQ(Ask(kNewest, command::SetTargetLunMaskFc, 0, BytesOf(byName)).Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, SetTargetLunMaskFc, 0, BytesOf(byName)).Status(), Success);
     EXPECT_EQ(Mask(1), Bytes(256, 0)) << "a mask without bytes changes nothing";
 
     byName.driverType = 4;
-    EXPECT_EQ(Ask(kNewest, command::TargetLunMaskFc, 256, BytesOf(byName)).Status(),
-              DriverStatus::DeviceNotFound);
+    EXPECT_EQ(Ask(kNewest, TargetLunMaskFc, 256, BytesOf(byName)).Status(), DeviceNotFound);
     byAddress[2] = 3;  // a host has no mask
-    EXPECT_EQ(Ask(kNewest, command::SetTargetLunMask, 0, byAddress).Status(),
-              DriverStatus::DeviceNotFound);
-    EXPECT_EQ(Ask(kNewest, command::TargetLunMask, 256, Bytes(15)).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, SetTargetLunMask, 0, byAddress).Status(), DeviceNotFound);
+    EXPECT_EQ(Ask(kNewest, TargetLunMask, 256, Bytes(15)).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorBinding, TargetsAreBoundAndSwapped) {
@@ -156,7 +139,7 @@ TEST_F(EmulatorBinding, TargetsAreBoundAndSwapped) {
 
     entries = Database();
     persist::SwapRequest swap = {entries[0], entries[1]};
-    EXPECT_EQ(Ask(kNewest, command::SwapTargets, 0, BytesOf(swap)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, SwapTargets, 0, BytesOf(swap)).Status(), Success);
     EXPECT_EQ(+Database()[0].target, 1);
     EXPECT_EQ(+Database()[1].target, 0);
     EXPECT_EQ(+Database(1)[0].target, 0) << "a binding is the port's own";
@@ -190,7 +173,7 @@ TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
     auto lunList = [&] {
         Bytes selector(12);
         selector[4] = 12;
-        const Bytes data = AskPlain(kLegacy, command::LegacyQuery, selector, 73760);
+        const Bytes data = AskPlain(kLegacy, LegacyQuery, selector, 73760);
         auto list = std::make_unique<persist::LunDataV1>();
         EXPECT_EQ(data.size(), sizeof *list);
         std::memcpy(list.get(), data.data(), std::min(data.size(), sizeof *list));
@@ -210,26 +193,26 @@ TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
     std::memcpy(request.nodeName, request.entry.nodeName, 8);
     std::memcpy(request.portName, request.entry.portName, 8);
     request.visible[0] = 0xFE;
-    AskPlain(kLegacy, command::LegacySetTarget, BytesOf(request), 0);
+    AskPlain(kLegacy, LegacySetTarget, BytesOf(request), 0);
     EXPECT_EQ(lunList()->records[1].visible[0], 0xFE);
     EXPECT_EQ(lunList()->records[1].visible[1], 0);
     EXPECT_EQ(lunList()->records[0].visible[0], 0xFF);
     request.visible[0] = 0x7F;
-    AskPlain(kLegacy, command::LegacyAddTarget, BytesOf(request), 0);
+    AskPlain(kLegacy, LegacyAddTarget, BytesOf(request), 0);
     EXPECT_EQ(lunList()->records[1].visible[0], 0x7F);
 
     request.portName[7] ^= 0xFF;
-    AskPlain(kLegacy, command::LegacySetTarget, BytesOf(request), 0, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacySetTarget, Bytes(363), 0, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacySwapTargets, Bytes(75), 0, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacySwapTargets, Bytes(76), 0, Completion::Invalid);
+    AskPlain(kLegacy, LegacySetTarget, BytesOf(request), 0, Invalid);
+    AskPlain(kLegacy, LegacySetTarget, Bytes(363), 0, Invalid);
+    AskPlain(kLegacy, LegacySwapTargets, Bytes(75), 0, Invalid);
+    AskPlain(kLegacy, LegacySwapTargets, Bytes(76), 0, Invalid);
 }
 
 TEST_F(EmulatorBinding, ACurrentDriverTakesAppliedTargetData) {
     Bytes selector(12);
     selector[4] = static_cast<uint8_t>(properties::LegacySelector::TargetList);
-    const Bytes data = AskPlain(kNewest, command::LegacyQuery, selector,
-                                sizeof(properties::LegacyTargetListReply));
+    const Bytes data =
+        AskPlain(kNewest, LegacyQuery, selector, sizeof(properties::LegacyTargetListReply));
     auto list = std::make_unique<properties::LegacyTargetListReply>();
     ASSERT_EQ(data.size(), sizeof *list);
     std::memcpy(list.get(), data.data(), sizeof *list);
@@ -239,60 +222,57 @@ TEST_F(EmulatorBinding, ACurrentDriverTakesAppliedTargetData) {
     std::memcpy(request.portName, request.entry.portName, 8);
     request.entry.bindingFlags = 5;
     request.visible[0] = 0xFE;
-    AskPlain(kNewest, command::LegacySetTarget, BytesOf(request), 0);
+    AskPlain(kNewest, LegacySetTarget, BytesOf(request), 0);
     EXPECT_EQ(Database()[1].bindingFlags, 5);
     EXPECT_EQ(Mask(1)[0], 0xFE);
     selector[4] = static_cast<uint8_t>(properties::LegacySelector::LinkValue);
-    AskPlain(kNewest, command::LegacyQuery, selector, 64, Completion::Invalid);
+    AskPlain(kNewest, LegacyQuery, selector, 64, Invalid);
 }
 
 TEST_F(EmulatorBinding, TheFabricChangesWhileItRuns) {
     using vxemu::ProfileError;
     auto target = vxemu::DefaultTarget(*lab);
     target.portName[7] = 1;
-    EXPECT_EQ(Change(vxemu::control::kTargetAdd, BytesOf(target)), ProfileError::None);
+    EXPECT_EQ(Change(control::kTargetAdd, BytesOf(target)), ProfileError::None);
     EXPECT_EQ(Database().size(), 5u);
-    EXPECT_EQ(Change(vxemu::control::kTargetAdd, BytesOf(target)), ProfileError::DuplicatePortName);
+    EXPECT_EQ(Change(control::kTargetAdd, BytesOf(target)), ProfileError::DuplicatePortName);
     target.portName[7] = 2;
-    EXPECT_EQ(Change(vxemu::control::kTargetAdd, BytesOf(target)),
-              ProfileError::DuplicateTargetAddress);
+    EXPECT_EQ(Change(control::kTargetAdd, BytesOf(target)), ProfileError::DuplicateTargetAddress);
     EXPECT_EQ(Database().size(), 5u);
 
-    vxemu::TargetSelector selector = {};
+    TargetSelector selector = {};
     selector.portName[7] = 1;
     vxemu::LunRequest lun = {selector, vxemu::DefaultLun(0, 17)};
     lun.lun.masked = 1;
-    EXPECT_EQ(Change(vxemu::control::kLunAdd, BytesOf(lun)), ProfileError::None);
-    EXPECT_EQ(Change(vxemu::control::kLunAdd, BytesOf(lun)), ProfileError::DuplicateLun);
+    EXPECT_EQ(Change(control::kLunAdd, BytesOf(lun)), ProfileError::None);
+    EXPECT_EQ(Change(control::kLunAdd, BytesOf(lun)), ProfileError::DuplicateLun);
     const auto number = static_cast<uint8_t>(+Database()[4].target);
     EXPECT_EQ(Mask(number)[2], 0xFD);
     const vxemu::LunFieldRequest unmask = {{selector, 17}, {"masked", 1, {0}}};
-    EXPECT_EQ(Change(vxemu::control::kLunSet, BytesOf(unmask)), ProfileError::None);
+    EXPECT_EQ(Change(control::kLunSet, BytesOf(unmask)), ProfileError::None);
     EXPECT_EQ(Mask(number)[2], 0xFF);
     vxemu::TargetFieldRequest field = {selector, {"target", 2, {0, 0}}};
-    EXPECT_EQ(Change(vxemu::control::kTargetSet, BytesOf(field)),
-              ProfileError::DuplicateTargetAddress);
+    EXPECT_EQ(Change(control::kTargetSet, BytesOf(field)), ProfileError::DuplicateTargetAddress);
     EXPECT_EQ(+Database()[4].target, number);
     field = {selector, {"portName", 8, {}}};
-    EXPECT_EQ(Control(vxemu::control::kTargetSet, field), Completion::ShortBuffer);
-    EXPECT_EQ(Control(vxemu::control::kLunRemove, vxemu::LunSelector{selector, 18}),
-              Completion::NoDevice);
+    EXPECT_EQ(Control(control::kTargetSet, field), ShortBuffer);
+    EXPECT_EQ(Control(control::kLunRemove, vxemu::LunSelector{selector, 18}), NoDevice);
 
     // What stands behind a target that is removed keeps its LUNs and masks.
     Bytes hide(17);
     hide[2] = 2;
-    Ask(kNewest, command::SetTargetLunMask, 0, hide);
+    Ask(kNewest, SetTargetLunMask, 0, hide);
     std::memcpy(selector.portName, lab->targets[0].portName, 8);
-    EXPECT_EQ(Change(vxemu::control::kTargetRemove, BytesOf(selector)), ProfileError::None);
+    EXPECT_EQ(Change(control::kTargetRemove, BytesOf(selector)), ProfileError::None);
     ASSERT_EQ(Database().size(), 4u);
     EXPECT_EQ(Mask(2)[0], 0);
     EXPECT_EQ(Mask(1)[0], 0xFF);
     const auto second =
-        Ask(kNewest, command::DiscoveredTarget, 64, BytesOf(properties::DiscoveredRequest{0, {}}))
+        Ask(kNewest, DiscoveredTarget, 64, BytesOf(properties::DiscoveredRequest{0, {}}))
             .As<HX_DISCOVERED_TARGET>();
     EXPECT_EQ(std::memcmp(second.device.portName, lab->targets[1].portName, 8), 0);
     EXPECT_EQ(+second.numberOfLuns, 3u);
-    EXPECT_EQ(Control(vxemu::control::kTargetRemove, selector), Completion::NoDevice);
+    EXPECT_EQ(Control(control::kTargetRemove, selector), NoDevice);
 }
 
 }  // namespace

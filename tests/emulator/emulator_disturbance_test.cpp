@@ -1,9 +1,6 @@
 // What disturbs the emulated adapters: events, faults, changes while they run.
 #include "emulator/emulator_model_fixture.h"
 
-#include <string>
-#include <vector>
-
 namespace {
 
 using namespace emulator_test;
@@ -13,14 +10,14 @@ using EmulatorDisturbance = ModelFixture;
 TEST_F(EmulatorDisturbance, EventsAreHandedOutOnce) {
     EXPECT_TRUE(FetchCodes(kNewest).empty());
     // Without delivery an event is gone.
-    EXPECT_EQ(Ask(kNewest, command::ForceEvent, 1, {0}).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, ForceEvent, 1, {0}).Status(), Success);
     Delivery(kNewest, true);
     EXPECT_TRUE(FetchCodes(kNewest).empty());
 
-    EXPECT_EQ(Ask(kNewest, command::ForceEvent, 1, {0}).Status(), DriverStatus::Success);
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0});
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0});  // no change, no event
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 1});
+    EXPECT_EQ(Ask(kNewest, ForceEvent, 1, {0}).Status(), Success);
+    Link(3, 0);
+    Link(3, 0);  // no change, no event
+    Link(3, 1);
     // Room for two and a bit: two now, the third next time.
     EXPECT_EQ(FetchCodes(kNewest, 47), (std::vector<uint32_t>{0x8080, 0x8012}));
     EXPECT_EQ(FetchCodes(kNewest, 47), (std::vector<uint32_t>{0x8011}));
@@ -28,20 +25,19 @@ TEST_F(EmulatorDisturbance, EventsAreHandedOutOnce) {
     EXPECT_TRUE(FetchCodes(1).empty()) << "another port's queue";
 
     // Off discards, and a reset switches off.
-    Ask(kNewest, command::ForceEvent, 1, {0});
+    Ask(kNewest, ForceEvent, 1, {0});
     Delivery(kNewest, false);
     Delivery(kNewest, true);
     EXPECT_TRUE(FetchCodes(kNewest).empty());
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0});
-    Control(vxemu::control::kPortReset, vxemu::PortSelector{3});
+    Link(3, 0);
+    Control(control::kPortReset, PortSelector{3});
     EXPECT_EQ(+Status().ports[0].delivery, 0);
     EXPECT_EQ(Status().ports[0].state, vxemu::PortState::Online);
     EXPECT_TRUE(FetchCodes(kNewest).empty());
 
-    const Answer mask = Ask(kNewest, command::EventDelivery, 0, {1, 0, 0, 0, 0, 0, 0, 0});
-    EXPECT_EQ(mask.Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(kNewest, command::EventDelivery, 0, {0, 0, 0, 0}).Status(),
-              DriverStatus::InvalidParameter);
+    const Answer mask = Ask(kNewest, EventDelivery, 0, {1, 0, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(mask.Status(), InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, EventDelivery, 0, {0, 0, 0, 0}).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorDisturbance, FullQueueDropsItsOldest) {
@@ -49,7 +45,7 @@ TEST_F(EmulatorDisturbance, FullQueueDropsItsOldest) {
     for (uint32_t number = 0; number < 70; ++number) {
         uint32_t queued = 0;
         const vxemu::EventRequest request = {3, {0x9000 + number, {number, 2, 3}}};
-        Control(vxemu::control::kRaiseEvent, request, &queued);
+        Control(control::kRaiseEvent, request, &queued);
         EXPECT_EQ(queued, 1u);
     }
     EXPECT_EQ(+Status().ports[0].eventsQueued, 64u);
@@ -61,16 +57,16 @@ TEST_F(EmulatorDisturbance, FullQueueDropsItsOldest) {
 }
 
 TEST_F(EmulatorDisturbance, FaultsActWhenTheyAreDue) {
-    const uint32_t code = command::NodeProperties.code;
+    const uint32_t code = NodeProperties.code;
     AddFault({3, code, 1, 2, 3, FaultKind::Busy, 0, 0});
     const auto ask = [&](uint32_t port, Command which) {
         return Ask(port, which, 696).completion == Completion::Busy;
     };
     std::string busy;
     for (int turn = 0; turn < 7; ++turn) {
-        busy += ask(kNewest, command::NodeProperties) ? 'B' : '-';
-        EXPECT_FALSE(ask(1, command::NodeProperties)) << "another port";
-        EXPECT_FALSE(ask(kNewest, command::PortProperties)) << "another sub-code";
+        busy += ask(kNewest, NodeProperties) ? 'B' : '-';
+        EXPECT_FALSE(ask(1, NodeProperties)) << "another port";
+        EXPECT_FALSE(ask(kNewest, PortProperties)) << "another sub-code";
     }
     EXPECT_EQ(busy, "--BBB--");
     EXPECT_EQ(+Status().ports[0].faults, 3u);
@@ -79,27 +75,27 @@ TEST_F(EmulatorDisturbance, FaultsActWhenTheyAreDue) {
     // The oldest rule that is due acts; the later one has counted meanwhile.
     const uint32_t first = AddFault({kAnyPort, kAnyCode, kAnySubCode, 0, 1, FaultKind::Busy, 0, 0});
     AddFault({kAnyPort, kAnyCode, kAnySubCode, 1, 0, FaultKind::Status, 35, 0});
-    EXPECT_EQ(Ask(1, command::PortProperties, 56).completion, Completion::Busy);
-    EXPECT_EQ(Ask(1, command::PortProperties, 56).Status(), DriverStatus::NoDump);
-    AskPlain(kLegacy, command::LegacyPortAndNode, {}, 64, Completion::Invalid);
+    EXPECT_EQ(Ask(1, PortProperties, 56).completion, Completion::Busy);
+    EXPECT_EQ(Ask(1, PortProperties, 56).Status(), NoDump);
+    AskPlain(kLegacy, LegacyPortAndNode, {}, 64, Invalid);
 
     uint32_t removed = 0;
-    Control(vxemu::control::kFaultClear, vxemu::FaultClear{first}, &removed);
+    Control(control::kFaultClear, FaultClear{first}, &removed);
     EXPECT_EQ(removed, 1u);
-    Control(vxemu::control::kFaultClear, vxemu::FaultClear{first}, &removed);
+    Control(control::kFaultClear, FaultClear{first}, &removed);
     EXPECT_EQ(removed, 0u);
-    Control(vxemu::control::kFaultClear, vxemu::FaultClear{0}, &removed);
+    Control(control::kFaultClear, FaultClear{0}, &removed);
     EXPECT_EQ(removed, 2u);
-    EXPECT_EQ(Ask(1, command::PortProperties, 56).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(1, PortProperties, 56).Status(), Success);
 }
 
 TEST_F(EmulatorDisturbance, WhatFaultsDoToAReply) {
-    const Answer plain = Ask(kNewest, command::ChipProperties, 80);
+    const Answer plain = Ask(kNewest, ChipProperties, 80);
     auto with = [&](FaultKind kind, uint32_t value, uint32_t status = 0) {
         const uint32_t id = AddFault({3, kAnyCode, kAnySubCode, 0, 0, kind, value, status});
         EXPECT_NE(id, 0u);
-        Answer answer = Ask(kNewest, command::ChipProperties, 80);
-        Control(vxemu::control::kFaultClear, vxemu::FaultClear{id});
+        Answer answer = Ask(kNewest, ChipProperties, 80);
+        Control(control::kFaultClear, FaultClear{id});
         return answer;
     };
     EXPECT_EQ(with(FaultKind::Short, 30).envelope.ext.responseLen, 50u);
@@ -121,10 +117,10 @@ TEST_F(EmulatorDisturbance, WhatFaultsDoToAReply) {
     EXPECT_EQ(hang.data, plain.data);
 
     const Answer detail = with(FaultKind::Detail, 0x4005, 11);
-    EXPECT_EQ(detail.Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(detail.Status(), MailboxFailed);
     EXPECT_EQ(detail.envelope.ext.detailStatus, 0x4005u);
-    EXPECT_EQ(with(FaultKind::Detail, 2, 15).Status(), DriverStatus::ScsiStatus);
-    EXPECT_EQ(Ask(kNewest, command::ChipProperties, 80).data, plain.data);
+    EXPECT_EQ(with(FaultKind::Detail, 2, 15).Status(), ScsiStatus);
+    EXPECT_EQ(Ask(kNewest, ChipProperties, 80).data, plain.data);
 }
 
 TEST_F(EmulatorDisturbance, FaultRulesThatAreRefused) {
@@ -136,7 +132,7 @@ TEST_F(EmulatorDisturbance, FaultRulesThatAreRefused) {
         {3, 0, 0, 0, 0, FaultKind::Hang, vxemu::kMaxHangMilliseconds + 1, 0},
     };
     for (const FaultRule& rule : refused) {
-        EXPECT_EQ(Control(vxemu::control::kFaultAdd, rule), Completion::ShortBuffer);
+        EXPECT_EQ(Control(control::kFaultAdd, rule), ShortBuffer);
     }
     for (uint32_t number = 0; number < vxemu::kMaxFaults; ++number) {
         EXPECT_EQ(AddFault({3, 1, 1, 0, 0, FaultKind::Busy, 0, 0}), number + 1);
@@ -145,48 +141,44 @@ TEST_F(EmulatorDisturbance, FaultRulesThatAreRefused) {
 }
 
 TEST_F(EmulatorDisturbance, FieldsOfARunningAdapter) {
-    vxemu::FieldRequest text = {4, "firmware_version", 32, "8.1.1"};
-    EXPECT_EQ(Control(vxemu::control::kSetField, text), Completion::Done);
+    FieldRequest text = {4, "firmware_version", 32, "8.1.1"};
+    EXPECT_EQ(Control(control::kSetField, text), Done);
     // An adapter's value changes for all of its ports.
     for (uint32_t port : {0u, 1u}) {
-        EXPECT_STREQ(
-            Ask(port, command::FirmwareProperties, 200).As<properties::FirmwareReply>().version,
-            "8.1.1");
+        EXPECT_STREQ(Ask(port, FirmwareProperties, 200).As<properties::FirmwareReply>().version,
+                     "8.1.1");
     }
-    const auto refused = [&](vxemu::FieldRequest request) {
-        EXPECT_EQ(Control(vxemu::control::kSetField, request), Completion::ShortBuffer)
-            << request.change.name;
+    const auto refused = [&](FieldRequest request) {
+        EXPECT_EQ(Control(control::kSetField, request), ShortBuffer) << request.change.name;
     };
     refused({3, "serial", 32, "EMUX"});
     refused({3, "no_such_field", 1, {}});
     refused({3, "current_speed", 2, {1, 0}});
     refused({3, "fec_active", 1, {2}});
     refused({3, "state", 2, {3, 0}});
-    vxemu::FieldRequest unterminated = {3, "firmware_version", 32, {}};
+    FieldRequest unterminated = {3, "firmware_version", 32, {}};
     std::memset(unterminated.change.value, '1', sizeof unterminated.change.value);
     refused(unterminated);
     std::memset(unterminated.change.name, 's', sizeof unterminated.change.name);
-    EXPECT_EQ(Control(vxemu::control::kSetField, unterminated), Completion::ShortBuffer);
-    EXPECT_EQ(Control(vxemu::control::kSetField, vxemu::FieldRequest{5, "state", 2, {}}),
-              Completion::NoDevice);
+    EXPECT_EQ(Control(control::kSetField, unterminated), ShortBuffer);
+    EXPECT_EQ(Control(control::kSetField, FieldRequest{5, "state", 2, {}}), NoDevice);
 }
 
 TEST_F(EmulatorDisturbance, ControlRequestsCheckTheirLengths) {
     uint8_t byte = 0;
     uint32_t returned = 9;
     for (uint32_t code :
-         {vxemu::control::kStatus, vxemu::control::kFaultList, vxemu::control::kReadProfile,
-          vxemu::control::kFaultAdd, vxemu::control::kFaultClear, vxemu::control::kPortReset,
-          vxemu::control::kRaiseEvent, vxemu::control::kSetLink, vxemu::control::kSetField,
-          vxemu::control::kTargetAdd, vxemu::control::kTargetRemove, vxemu::control::kTargetSet,
-          vxemu::control::kLunAdd, vxemu::control::kLunRemove, vxemu::control::kLunSet}) {
-        EXPECT_EQ(model_->Control(code, &byte, 1, 1, &returned), Completion::ShortBuffer);
-        EXPECT_EQ(model_->Control(code, nullptr, 0, 0, &returned), Completion::ShortBuffer);
+         {control::kStatus, control::kFaultList, control::kReadProfile, control::kFaultAdd,
+          control::kFaultClear, control::kPortReset, control::kRaiseEvent, control::kSetLink,
+          control::kSetField, control::kTargetAdd, control::kTargetRemove, control::kTargetSet,
+          control::kLunAdd, control::kLunRemove, control::kLunSet}) {
+        EXPECT_EQ(model_->Control(code, &byte, 1, 1, &returned), ShortBuffer);
+        EXPECT_EQ(model_->Control(code, nullptr, 0, 0, &returned), ShortBuffer);
         EXPECT_EQ(returned, 0u);
     }
-    EXPECT_EQ(model_->Control(0, &byte, 1, 1, &returned), Completion::Invalid);
-    EXPECT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{5, 1}), Completion::NoDevice);
-    EXPECT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 2}), Completion::ShortBuffer);
+    EXPECT_EQ(model_->Control(0, &byte, 1, 1, &returned), Invalid);
+    EXPECT_EQ(Control(control::kSetLink, LinkRequest{5, 1}), NoDevice);
+    EXPECT_EQ(Control(control::kSetLink, LinkRequest{3, 2}), ShortBuffer);
 
     model_->CountHandle(0, 1);
     model_->CountHandle(0, 1);

@@ -4,11 +4,11 @@
 #include "dumps/dump_format.h"
 #include "dumps/dump_records.h"
 #include "properties/chip_families.h"
+#include "support/has.h"
 
 namespace {
 
 using namespace emulator_test;
-using Bytes = std::vector<uint8_t>;
 
 class EmulatorDump : public ModelFixture {
   protected:
@@ -24,7 +24,7 @@ class EmulatorDump : public ModelFixture {
     Bytes Whole(Command command, Header header, uint32_t pieceSize, uint32_t port = kNewest) {
         header.length = 0;
         const Answer query = Fetch(command, header, 1, port);
-        EXPECT_EQ(query.Status(), DriverStatus::Success);
+        EXPECT_EQ(query.Status(), Success);
         std::memcpy(&header, query.data.data(), sizeof header);
         Bytes dump;
         const uint32_t size = header.length;
@@ -32,7 +32,7 @@ class EmulatorDump : public ModelFixture {
             header.length = pieceSize;
             header.offset = static_cast<uint32_t>(dump.size());
             const Answer piece = Fetch(command, header, pieceSize, port);
-            if (piece.Status() != DriverStatus::Success || piece.data.size() <= sizeof header) {
+            if (piece.Status() != Success || piece.data.size() <= sizeof header) {
                 ADD_FAILURE() << "at " << dump.size();
                 break;
             }
@@ -51,83 +51,71 @@ class EmulatorDump : public ModelFixture {
         return header;
     }
 
-    void Force(uint32_t port = kNewest) {
-        EXPECT_EQ(Ask(port, command::ForceDump, 0).Status(), DriverStatus::Success);
-    }
-    void Set(const char* name, uint32_t value, uint32_t size = 4, uint32_t scsiPort = 3) {
-        vxemu::FieldRequest request = {scsiPort, {}};
-        std::strcpy(request.change.name, name);
-        request.change.length = size;
-        std::memcpy(request.change.value, &value, size);
-        EXPECT_EQ(Control(vxemu::control::kSetField, request), Completion::Done) << name;
-    }
+    void Force(uint32_t port = kNewest) { EXPECT_EQ(Ask(port, ForceDump, 0).Status(), Success); }
 };
 
 TEST_F(EmulatorDump, NoneBeforeOneIsForced) {
     const dumps::RawHeader raw = {};
-    EXPECT_EQ(Fetch(command::RawFirmwareDump, raw, 1).Status(), DriverStatus::NoDump);
-    EXPECT_EQ(Fetch(command::RawMpiDump, raw, 1).Status(), DriverStatus::NoDump);
-    EXPECT_EQ(Fetch(command::MctpDump, dumps::MctpHeader{}, 1).Status(), DriverStatus::NoDump);
-    EXPECT_EQ(Fetch(command::MiniDump, Mini(1), 1).Status(), DriverStatus::NoDump);
-    EXPECT_EQ(Fetch(command::FirmwareDump, dumps::TextHeader{}, 4).Status(), DriverStatus::NoDump);
+    EXPECT_EQ(Fetch(RawFirmwareDump, raw, 1).Status(), NoDump);
+    EXPECT_EQ(Fetch(RawMpiDump, raw, 1).Status(), NoDump);
+    EXPECT_EQ(Fetch(MctpDump, dumps::MctpHeader{}, 1).Status(), NoDump);
+    EXPECT_EQ(Fetch(MiniDump, Mini(1), 1).Status(), NoDump);
+    EXPECT_EQ(Fetch(FirmwareDump, dumps::TextHeader{}, 4).Status(), NoDump);
     Force();
-    EXPECT_EQ(Fetch(command::RawFirmwareDump, raw, 1).Status(), DriverStatus::Success);
-    EXPECT_EQ(Fetch(command::RawFirmwareDump, raw, 1, 1).Status(), DriverStatus::NoDump)
+    EXPECT_EQ(Fetch(RawFirmwareDump, raw, 1).Status(), Success);
+    EXPECT_EQ(Fetch(RawFirmwareDump, raw, 1, 1).Status(), NoDump)
         << "the other port of the adapter has none";
-    Set("raw_dump_bytes", 0);
-    EXPECT_EQ(Fetch(command::RawFirmwareDump, raw, 1).Status(), DriverStatus::NoDump);
-    Set("dump_present", 1, 1, 6);
-    EXPECT_EQ(Fetch(command::MctpDump, dumps::MctpHeader{}, 1, kLargeRom).Status(),
-              DriverStatus::Success);
+    Set(3, "raw_dump_bytes", 0, 4);
+    EXPECT_EQ(Fetch(RawFirmwareDump, raw, 1).Status(), NoDump);
+    Set(6, "dump_present", 1);
+    EXPECT_EQ(Fetch(MctpDump, dumps::MctpHeader{}, 1, kLargeRom).Status(), Success);
 }
 
 TEST_F(EmulatorDump, PiecesMakeTheSameDumpWhateverTheirSize) {
     Force();
     for (uint32_t size : {32767u, 32768u, 32769u, 1u}) {
-        Set("raw_dump_bytes", size);
-        const Bytes whole = Whole(command::RawFirmwareDump, dumps::RawHeader{}, 32768);
+        Set(3, "raw_dump_bytes", size, 4);
+        const Bytes whole = Whole(RawFirmwareDump, dumps::RawHeader{}, 32768);
         EXPECT_EQ(whole.size(), size);
-        EXPECT_EQ(Whole(command::RawFirmwareDump, dumps::RawHeader{}, 1001), whole);
+        EXPECT_EQ(Whole(RawFirmwareDump, dumps::RawHeader{}, 1001), whole);
     }
-    const Bytes part1 = Whole(command::MiniDump, Mini(1), 32768);
-    const Bytes part2 = Whole(command::MiniDump, Mini(2), 32768);
+    const Bytes part1 = Whole(MiniDump, Mini(1), 32768);
+    const Bytes part2 = Whole(MiniDump, Mini(2), 32768);
     EXPECT_EQ(part1.size(), 32768u);
     EXPECT_EQ(part2.size(), 1000u);
     EXPECT_NE(Bytes(part1.begin(), part1.begin() + 1000), part2);
-    EXPECT_EQ(Whole(command::MctpDump, dumps::MctpHeader{}, 32768).size(), 32769u);
-    EXPECT_EQ(Whole(command::RawMpiDump, dumps::RawHeader{}, 32768).size(), 65536u);
+    EXPECT_EQ(Whole(MctpDump, dumps::MctpHeader{}, 32768).size(), 32769u);
+    EXPECT_EQ(Whole(RawMpiDump, dumps::RawHeader{}, 32768).size(), 65536u);
     // Another dump holds something else.
-    const Bytes before = Whole(command::RawMpiDump, dumps::RawHeader{}, 32768);
+    const Bytes before = Whole(RawMpiDump, dumps::RawHeader{}, 32768);
     Force();
-    EXPECT_NE(Whole(command::RawMpiDump, dumps::RawHeader{}, 32768), before);
+    EXPECT_NE(Whole(RawMpiDump, dumps::RawHeader{}, 32768), before);
 }
 
 TEST_F(EmulatorDump, HeadersThatLie) {
     Force();
-    Set("raw_dump_bytes", 100);
+    Set(3, "raw_dump_bytes", 100, 4);
     auto fetch = [&](uint32_t length, uint32_t offset, uint32_t room) {
         dumps::RawHeader header = {};
         header.length = length;
         header.offset = offset;
-        const Answer answer = Fetch(command::RawFirmwareDump, header, room);
+        const Answer answer = Fetch(RawFirmwareDump, header, room);
         if (answer.data.size() >= sizeof header) {
             std::memcpy(&header, answer.data.data(), sizeof header);
         }
         return std::pair{answer.Status(), uint32_t{header.length}};
     };
-    EXPECT_EQ(fetch(32768, 99, 32768), (std::pair{DriverStatus::Success, 1u}));
-    EXPECT_EQ(fetch(32768, 100, 32768), (std::pair{DriverStatus::Success, 0u}));
-    EXPECT_EQ(fetch(32768, 101, 32768).first, DriverStatus::InvalidParameter);
-    EXPECT_EQ(fetch(32768, 0xFFFFFFFF, 32768).first, DriverStatus::InvalidParameter);
-    EXPECT_EQ(fetch(0xFFFFFFFF, 1, 50), (std::pair{DriverStatus::Success, 50u}));
-    EXPECT_EQ(fetch(0, 0, 0), (std::pair{DriverStatus::Success, 100u}));
+    EXPECT_EQ(fetch(32768, 99, 32768), (std::pair{Success, 1u}));
+    EXPECT_EQ(fetch(32768, 100, 32768), (std::pair{Success, 0u}));
+    EXPECT_EQ(fetch(32768, 101, 32768).first, InvalidParameter);
+    EXPECT_EQ(fetch(32768, 0xFFFFFFFF, 32768).first, InvalidParameter);
+    EXPECT_EQ(fetch(0xFFFFFFFF, 1, 50), (std::pair{Success, 50u}));
+    EXPECT_EQ(fetch(0, 0, 0), (std::pair{Success, 100u}));
     for (uint8_t part : {0, 3, 255}) {
-        EXPECT_EQ(Fetch(command::MiniDump, Mini(part), 1).Status(), DriverStatus::InvalidParameter);
+        EXPECT_EQ(Fetch(MiniDump, Mini(part), 1).Status(), InvalidParameter);
     }
-    EXPECT_EQ(Ask(kNewest, command::RawFirmwareDump, 71, Bytes(72)).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(kNewest, command::RawFirmwareDump, 72, Bytes(71)).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, RawFirmwareDump, 71, Bytes(72)).Status(), InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, RawFirmwareDump, 72, Bytes(71)).Status(), InvalidParameter);
 }
 
 // Every chip that has a layout: the record is as long as its sections say, and its marker stands
@@ -136,7 +124,7 @@ TEST_F(EmulatorDump, TextRecordsOfEveryLayout) {
     Start("full");
     uint32_t layouts = 0;
     for (uint32_t port = 0; port < 26; ++port) {
-        const auto chip = Ask(port, command::ChipProperties, 80).As<properties::ChipReply>();
+        const auto chip = Ask(port, ChipProperties, 80).As<properties::ChipReply>();
         const properties::Chip row = properties::ChipOf(chip.deviceId);
         if (!row.Has(properties::ChipTrait::Newer)) {
             continue;
@@ -145,12 +133,11 @@ TEST_F(EmulatorDump, TextRecordsOfEveryLayout) {
         Force(port);
         const uint8_t layout = row.Has(properties::ChipTrait::Newest) ? 200 : row.dumpLayout;
         if (layout == 0) {
-            EXPECT_EQ(Fetch(command::FirmwareDump, dumps::TextHeader{}, 4, port).Status(),
-                      DriverStatus::InvalidRequest);
+            EXPECT_EQ(Fetch(FirmwareDump, dumps::TextHeader{}, 4, port).Status(), InvalidRequest);
             continue;
         }
         ++layouts;
-        const Bytes dump = Whole(command::FirmwareDump, dumps::TextHeader{}, 32768, port);
+        const Bytes dump = Whole(FirmwareDump, dumps::TextHeader{}, 32768, port);
         EXPECT_EQ(dump.size(),
                   dumps::RecordBytes(dumps::ColumnOfLayout(layout), {4096, 256, 256, 2}));
         std::vector<uint32_t> words(dump.size() / 4);
@@ -163,12 +150,12 @@ TEST_F(EmulatorDump, TextRecordsOfEveryLayout) {
 }
 
 TEST_F(EmulatorDump, TextRecordFollowsItsSizes) {
-    Set("dump_words", 8);
-    Set("dump_trace_words", 0);
-    Set("dump_fce_words", 16);
-    Set("dump_queues", 0);
+    Set(3, "dump_words", 8, 4);
+    Set(3, "dump_trace_words", 0, 4);
+    Set(3, "dump_fce_words", 16, 4);
+    Set(3, "dump_queues", 0, 4);
     Force();
-    const Answer query = Fetch(command::FirmwareDump, dumps::TextHeader{}, 4);
+    const Answer query = Fetch(FirmwareDump, dumps::TextHeader{}, 4);
     dumps::TextHeader header;
     std::memcpy(&header, query.data.data(), sizeof header);
     EXPECT_EQ(+header.externalMemoryWords, 8u);
@@ -177,10 +164,10 @@ TEST_F(EmulatorDump, TextRecordFollowsItsSizes) {
     const uint32_t column = dumps::ColumnOfLayout(dumps::kNewestLayout);
     EXPECT_EQ(+header.length, dumps::RecordBytes(column, {8, 0, 16, 0}));
     // Pieces at odd places.
-    const Bytes whole = Whole(command::FirmwareDump, dumps::TextHeader{}, 32768);
-    EXPECT_EQ(Whole(command::FirmwareDump, dumps::TextHeader{}, 97), whole);
+    const Bytes whole = Whole(FirmwareDump, dumps::TextHeader{}, 32768);
+    EXPECT_EQ(Whole(FirmwareDump, dumps::TextHeader{}, 97), whole);
     Force();
-    EXPECT_NE(Whole(command::FirmwareDump, dumps::TextHeader{}, 32768), whole);
+    EXPECT_NE(Whole(FirmwareDump, dumps::TextHeader{}, 32768), whole);
 }
 
 }  // namespace

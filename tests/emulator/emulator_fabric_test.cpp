@@ -7,15 +7,6 @@
 namespace {
 
 using namespace emulator_test;
-using Bytes = std::vector<uint8_t>;
-
-template <typename Record>
-Bytes BytesOf(const Record& record, const Bytes& behind = {}) {
-    Bytes bytes(sizeof record);
-    std::memcpy(bytes.data(), &record, sizeof record);
-    bytes.insert(bytes.end(), behind.begin(), behind.end());
-    return bytes;
-}
 
 class EmulatorFabric : public ModelFixture {
   protected:
@@ -29,8 +20,8 @@ class EmulatorFabric : public ModelFixture {
 
     Bytes Ct(uint16_t query, const Bytes& payload, uint32_t room = 1024) {
         const Bytes request = CtRequest(query, payload);
-        const Answer answer = Ask(kNewest, command::CtPassThrough, room, request);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(kNewest, CtPassThrough, room, request);
+        EXPECT_EQ(answer.Status(), Success);
         EXPECT_TRUE(std::equal(request.begin(), request.begin() + 8, answer.data.begin()));
         return answer.data;
     }
@@ -47,7 +38,7 @@ class EmulatorFabric : public ModelFixture {
         std::memcpy(request.portName, remote.portName, 8);
         std::memcpy(request.portId, remote.portId, 3);
         request.addressFlags = flags;
-        return Ask(kNewest, command::ElsPassThrough, room, BytesOf(request, payload));
+        return Ask(kNewest, ElsPassThrough, room, BytesOf(request, payload));
     }
 
     const vxemu::TargetProfile target = MakeProfile("lab")->targets[1];
@@ -82,11 +73,11 @@ TEST_F(EmulatorFabric, NameServerKnowsPortsAndDevices) {
     EXPECT_EQ(payloadOf(Ct(0x0117, id))[2], 1);
 
     // A port whose link is down is not registered.
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{4, 0});
+    Link(4, 0);
     EXPECT_EQ(Ct(0x0171, {0, 0, 0, 8}).size(), 16u + 7 * 4);
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0});
-    EXPECT_EQ(Ask(kNewest, command::CtPassThrough, 64, CtRequest(0x0171, {0, 0, 0, 8})).Status(),
-              DriverStatus::ManagementServerSilent);
+    Link(3, 0);
+    EXPECT_EQ(Ask(kNewest, CtPassThrough, 64, CtRequest(0x0171, {0, 0, 0, 8})).Status(),
+              ManagementServerSilent);
 }
 
 TEST_F(EmulatorFabric, GetAllNextGoesRound) {
@@ -115,9 +106,9 @@ TEST_F(EmulatorFabric, CtRequestsThatAreWrong) {
     ExpectCtReject(Ct(0x0112, {}), 4, 0);
     Bytes other = CtRequest(0x0171, {0, 0, 0, 8});
     other[4] = 0xFA;
-    EXPECT_EQ(Ask(kNewest, command::CtPassThrough, 64, other).data[13], 3);
+    EXPECT_EQ(Ask(kNewest, CtPassThrough, 64, other).data[13], 3);
     other[0] = 0;
-    EXPECT_EQ(Ask(kNewest, command::CtPassThrough, 64, other).data[13], 2);
+    EXPECT_EQ(Ask(kNewest, CtPassThrough, 64, other).data[13], 2);
 
     // What does not fit is cut and told in words.
     const Bytes whole = Ct(0x0171, {0, 0, 0, 8});
@@ -127,25 +118,24 @@ TEST_F(EmulatorFabric, CtRequestsThatAreWrong) {
     EXPECT_TRUE(std::equal(cut.begin() + 16, cut.end(), whole.begin() + 16));
     EXPECT_EQ(Ct(0x0100, Bytes(4), 16).size(), 16u);
     for (uint32_t room : {0u, 8u, 15u}) {
-        EXPECT_EQ(Send(kNewest, Envelope(command::CtPassThrough, 20, room),
-                       CtRequest(0x0171, Bytes(4)), 116 + room)
+        EXPECT_EQ(Send(kNewest, Envelope(CtPassThrough, 20, room), CtRequest(0x0171, Bytes(4)),
+                       116 + room)
                       .Status(),
-                  DriverStatus::InvalidParameter);
+                  InvalidParameter);
     }
-    EXPECT_EQ(Ask(kNewest, command::CtPassThrough, 64, Bytes(15)).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, CtPassThrough, 64, Bytes(15)).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorFabric, LegacyCtHasItsOwnEnvelope) {
     auto send = [&](uint32_t requestSize, uint32_t responseSize, uint32_t whole,
-                    Completion expected = Completion::Done) {
+                    Completion expected = Done) {
         Bytes input(whole);
         const uint32_t sizes[] = {requestSize, responseSize};
         const Bytes request = CtRequest(0x0171, {0, 0, 0, 8});
         std::memcpy(input.data(), sizes, sizeof sizes);
         std::copy_n(request.begin(), std::min<size_t>(request.size(), whole - 8),
                     input.begin() + 8);
-        return AskPlain(kLegacy, command::LegacyCtPassThrough, input, whole, expected);
+        return AskPlain(kLegacy, LegacyCtPassThrough, input, whole, expected);
     };
     const Bytes answer = send(20, 64, 8 + 20 + 64);
     ASSERT_EQ(answer.size(), 92u);
@@ -154,7 +144,7 @@ TEST_F(EmulatorFabric, LegacyCtHasItsOwnEnvelope) {
     for (const auto& [requestSize, responseSize] :
          {std::pair{20u, 65u}, std::pair{85u, 0u}, std::pair{0xFFFFFFFFu, 0xFFFFFFFFu},
           std::pair{20u, 0xFFFFFFF0u}, std::pair{15u, 64u}, std::pair{20u, 15u}}) {
-        send(requestSize, responseSize, 92, Completion::Invalid);
+        send(requestSize, responseSize, 92, Invalid);
     }
 }
 
@@ -162,7 +152,7 @@ TEST_F(EmulatorFabric, LinkServices) {
     const uint32_t flags[] = {passthru::kElsByPortName, passthru::kElsByPortId};
     for (uint32_t flag : flags) {
         const Answer echo = Els({0x10, 0, 0, 0, 'e', 'c', 'h', 'o'}, flag, target);
-        EXPECT_EQ(echo.Status(), DriverStatus::Success);
+        EXPECT_EQ(echo.Status(), Success);
         EXPECT_EQ(echo.data[26], 0);
         EXPECT_EQ(Bytes(echo.data.begin() + 36, echo.data.end()),
                   (Bytes{2, 0, 0, 0, 'e', 'c', 'h', 'o'}));
@@ -170,7 +160,7 @@ TEST_F(EmulatorFabric, LinkServices) {
     Bytes longest(252, 0x42);
     longest[0] = 0x10;
     EXPECT_EQ(Els(longest, 1, target).data.size(), 36u + 252);
-    EXPECT_EQ(Els(longest, 1, target, 36 + 251).Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(Els(longest, 1, target, 36 + 251).Status(), BufferTooSmall);
     EXPECT_EQ(Els({0x0F, 0, 0, 0, 0, 0, 0, 0}, 1, target).data.size(), 36u + 28);
     EXPECT_EQ(Els({0x56, 0, 0, 0}, 1, target).data.size(), 36u + 32);
     const Answer rejected = Els({0x03, 0, 0, 0}, 1, target);
@@ -178,12 +168,12 @@ TEST_F(EmulatorFabric, LinkServices) {
     EXPECT_EQ(Bytes(rejected.data.begin() + 36, rejected.data.end()),
               (Bytes{1, 0, 0, 0, 0, 0x0B, 0x2C, 0}));
 
-    EXPECT_EQ(Els({0x10}, 0, target).Status(), DriverStatus::DeviceNotFound);
+    EXPECT_EQ(Els({0x10}, 0, target).Status(), DeviceNotFound);
     vxemu::TargetProfile nobody = target;
     nobody.portName[0] ^= 1;
-    EXPECT_EQ(Els({0x10}, 1, nobody).Status(), DriverStatus::DeviceNotFound);
-    EXPECT_EQ(Els({}, 1, target).Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Els(Bytes(257, 0x10), 1, target).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Els({0x10}, 1, nobody).Status(), DeviceNotFound);
+    EXPECT_EQ(Els({}, 1, target).Status(), InvalidParameter);
+    EXPECT_EQ(Els(Bytes(257, 0x10), 1, target).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorFabric, NodeIdentification) {
@@ -191,30 +181,29 @@ TEST_F(EmulatorFabric, NodeIdentification) {
     request.format = 0xDF;
     request.destinationType = 2;
     std::memcpy(request.name, target.portName, 8);
-    const Bytes topology = Ask(kNewest, command::ElsRnid, 80, BytesOf(request)).data;
+    const Bytes topology = Ask(kNewest, ElsRnid, 80, BytesOf(request)).data;
     ASSERT_EQ(topology.size(), 72u);
     EXPECT_EQ(Bytes(topology.begin(), topology.begin() + 4), (Bytes{0xDF, 16, 0, 52}));
     EXPECT_EQ(std::memcmp(topology.data() + 4, target.portName, 8), 0);
     EXPECT_EQ(std::memcmp(topology.data() + 12, target.nodeName, 8), 0);
     request.format = 0;
-    EXPECT_EQ(Ask(kNewest, command::ElsRnid, 72, BytesOf(request)).data.size(), 20u);
+    EXPECT_EQ(Ask(kNewest, ElsRnid, 72, BytesOf(request)).data.size(), 20u);
     request.destinationType = passthru::kRnidToAttachedPort;
-    EXPECT_EQ(Ask(kNewest, command::ElsRnid, 80, BytesOf(request)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, ElsRnid, 80, BytesOf(request)).Status(), Success);
     request.destinationType = 0;
-    EXPECT_EQ(Ask(kNewest, command::ElsRnid, 80, BytesOf(request)).Status(),
-              DriverStatus::DeviceNotFound);
+    EXPECT_EQ(Ask(kNewest, ElsRnid, 80, BytesOf(request)).Status(), DeviceNotFound);
 
     passthru::ScmRequest setting = {};
     setting.values[0] = 0x17;
-    Ask(kNewest, command::ScmManagement, 0, BytesOf(setting));
+    Ask(kNewest, ScmManagement, 0, BytesOf(setting));
     setting = {passthru::kScmRead, {}};
-    EXPECT_EQ(Ask(kNewest, command::ScmManagement, 24, BytesOf(setting)).data[1], 0x17);
-    EXPECT_EQ(Ask(1, command::ScmManagement, 24, BytesOf(setting)).data[1], 0);
+    EXPECT_EQ(Ask(kNewest, ScmManagement, 24, BytesOf(setting)).data[1], 0x17);
+    EXPECT_EQ(Ask(1, ScmManagement, 24, BytesOf(setting)).data[1], 0);
 }
 
 TEST_F(EmulatorFabric, StatisticsMoveAndReset) {
     auto words = [&] {
-        const Bytes data = Ask(kNewest, command::LinkStatistics, 112).data;
+        const Bytes data = Ask(kNewest, LinkStatistics, 112).data;
         std::vector<uint32_t> values(28);
         EXPECT_EQ(data.size(), 112u);
         std::memcpy(values.data(), data.data(), std::min<size_t>(data.size(), 112));
@@ -227,11 +216,11 @@ TEST_F(EmulatorFabric, StatisticsMoveAndReset) {
     EXPECT_EQ(second[0], 5u);
     EXPECT_EQ(second[1], first[1] + 6);
     EXPECT_EQ(second[2], first[2] + 7);
-    EXPECT_EQ(Ask(kNewest, command::ResetStatistics, 0).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, ResetStatistics, 0).Status(), Success);
     EXPECT_EQ(words()[0], 0u);
     EXPECT_EQ(words()[1], 2u);
-    AskPlain(kLegacy, command::LegacyResetStatistics, {}, 0);
-    AskPlain(kLegacy, command::LegacyResetStatistics2, {}, 0);
+    AskPlain(kLegacy, LegacyResetStatistics, {}, 0);
+    AskPlain(kLegacy, LegacyResetStatistics2, {}, 0);
 }
 
 TEST_F(EmulatorFabric, LoopbackEchoes) {
@@ -240,11 +229,11 @@ TEST_F(EmulatorFabric, LoopbackEchoes) {
     request.length = 5;
     request.iterations = 3;
     const uint32_t size = sizeof request + 128;
-    auto run = [&] { return Ask(kNewest, command::Loopback, size, BytesOf(request, data)).data; };
+    auto run = [&] { return Ask(kNewest, Loopback, size, BytesOf(request, data)).data; };
     const Bytes echo = run();
     EXPECT_EQ(echo[12] | echo[13] << 8, 0x4000);
     EXPECT_EQ(Bytes(echo.begin() + 40, echo.begin() + 45), data);
-    Control(vxemu::control::kSetField, vxemu::FieldRequest{3, "loopback_errors", 1, {2}});
+    Control(control::kSetField, FieldRequest{3, "loopback_errors", 1, {2}});
     const Bytes damaged = run();
     EXPECT_EQ(Bytes(damaged.begin() + 40, damaged.begin() + 45), (Bytes{0xFE, 0xFD, 3, 4, 5}));
     EXPECT_EQ(damaged[14], 2);
@@ -263,7 +252,7 @@ TEST_F(EmulatorFabric, LoopbackEchoes) {
     legacy.iterations = 7;
     legacy.sendData[2047] = 0x99;
     auto runLegacy = [&](uint32_t port) {
-        const Bytes reply = AskPlain(port, command::LegacyLoopback, BytesOf(legacy), sizeof legacy);
+        const Bytes reply = AskPlain(port, LegacyLoopback, BytesOf(legacy), sizeof legacy);
         passthru::LegacyLoopback record = {};
         EXPECT_EQ(reply.size(), sizeof record);
         std::memcpy(&record, reply.data(), std::min(reply.size(), sizeof record));
@@ -277,25 +266,24 @@ TEST_F(EmulatorFabric, LoopbackEchoes) {
     legacy.sendLength = legacy.sendLengthAgain = 2048;
     legacy.receiveLength = 0xFFFF;
     EXPECT_EQ(runLegacy(kLegacy).receiveData[2047], 0x99);
-    AskPlain(kLegacy, command::LegacyLoopback, Bytes(4275), 4276, Completion::Invalid);
+    AskPlain(kLegacy, LegacyLoopback, Bytes(4275), 4276, Invalid);
 }
 
 TEST_F(EmulatorFabric, DportAndMailbox) {
-    EXPECT_EQ(Ask(kNewest, command::DportResults, 1088).Status(), DriverStatus::TestRunning);
-    const Answer results = Ask(kNewest, command::DportResults, 1088);
-    EXPECT_EQ(results.Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, DportResults, 1088).Status(), TestRunning);
+    const Answer results = Ask(kNewest, DportResults, 1088);
+    EXPECT_EQ(results.Status(), Success);
     EXPECT_EQ(results.data.size(), 1088u);
-    EXPECT_EQ(Ask(kNewest, command::DportDiagnostic, 72).Status(), DriverStatus::TestRunning);
-    EXPECT_EQ(Ask(kNewest, command::DportDiagnostic, 72).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(kLargeRom, command::DportDiagnostic, 72).Status(),
-              DriverStatus::UnsupportedSubCode);
+    EXPECT_EQ(Ask(kNewest, DportDiagnostic, 72).Status(), TestRunning);
+    EXPECT_EQ(Ask(kNewest, DportDiagnostic, 72).Status(), Success);
+    EXPECT_EQ(Ask(kLargeRom, DportDiagnostic, 72).Status(), UnsupportedSubCode);
 
     passthru::MailboxRequest request = {};
     request.inCount = 4;
     request.outCount = 4;
     request.in[0] = 0x06;
     request.in[31] = 0xBEEF;
-    auto run = [&] { return Ask(kNewest, command::Mailbox, sizeof request, BytesOf(request)); };
+    auto run = [&] { return Ask(kNewest, Mailbox, sizeof request, BytesOf(request)); };
     const auto echo = run().As<passthru::MailboxRequest>();
     EXPECT_EQ(echo.out[0], 0x4000);
     EXPECT_EQ(echo.out[31], 0xBEEF);
@@ -303,14 +291,14 @@ TEST_F(EmulatorFabric, DportAndMailbox) {
     EXPECT_EQ(run().As<passthru::MailboxRequest>().out[2], 12);
     request.in[0] = 0x7E;
     const Answer unknown = run();
-    EXPECT_EQ(unknown.Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(unknown.Status(), MailboxFailed);
     EXPECT_EQ(unknown.envelope.ext.detailStatus, 0x4001u);
     EXPECT_EQ(unknown.As<passthru::MailboxRequest>().out[0], 0x4001);
     request.inCount = 33;
-    EXPECT_EQ(run().Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(run().Status(), InvalidParameter);
     request.inCount = 1;
     request.outCount = 65;
-    EXPECT_EQ(run().Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(run().Status(), InvalidParameter);
 }
 
 }  // namespace

@@ -6,12 +6,12 @@
 #include "flash/version_text.h"
 #include "formats/rom_image.h"
 #include "model/storage/nvram_content.h"
+#include "support/has.h"
 #include "support/rom_builder.h"
 
 namespace {
 
 using namespace emulator_test;
-using vxemu::CheckState;
 
 constexpr uint16_t kFirmware = 1;
 constexpr uint16_t kBoot = 7;
@@ -36,7 +36,7 @@ TEST_F(EmulatorFlash, LayoutCoversTheFlashOfEveryChip) {
     Start("full");
     ForEachChip([&](uint32_t port, const properties::Chip& chip) {
         const auto regions = Layout(port);
-        const auto extended = Layout(port, command::FlashLayoutEx);
+        const auto extended = Layout(port, FlashLayoutEx);
         ASSERT_EQ(extended.size(), regions.size());
         EXPECT_EQ(std::memcmp(extended.data(), regions.data(), regions.size() * 16), 0);
         uint32_t end = 0;
@@ -70,8 +70,8 @@ TEST_F(EmulatorFlash, LayoutCoversTheFlashOfEveryChip) {
             }
         }
         // The flash ends there.
-        EXPECT_EQ(ReadAt(port, end - 256, 256, 256).Status(), DriverStatus::Success);
-        EXPECT_EQ(ReadAt(port, end - 256, 257, 257).Status(), DriverStatus::InvalidParameter);
+        EXPECT_EQ(ReadAt(port, end - 256, 256, 256).Status(), Success);
+        EXPECT_EQ(ReadAt(port, end - 256, 257, 257).Status(), InvalidParameter);
     });
 }
 
@@ -227,17 +227,16 @@ TEST_F(EmulatorFlash, RangesThatDoNotExist) {
     const std::pair<uint32_t, uint32_t> badChunks[] = {
         {65, 0}, {64, chunks}, {1, 0xFFFF}, {0, 1}, {0xFFFF, 0xFFFF}};
     for (const auto& [kib, index] : badChunks) {
-        EXPECT_EQ(ReadChunk(kNewest, kFirmware, kib, index, 65536).Status(),
-                  DriverStatus::InvalidParameter)
+        EXPECT_EQ(ReadChunk(kNewest, kFirmware, kib, index, 65536).Status(), InvalidParameter)
             << kib << " " << index;
-        EXPECT_NE(WriteChunk(kNewest, kFirmware, kib, index, full).Status(), DriverStatus::Success)
+        EXPECT_NE(WriteChunk(kNewest, kFirmware, kib, index, full).Status(), Success)
             << kib << " " << index;
     }
     EXPECT_EQ(ReadChunk(kNewest, 21, 1, 0, 1024).data.size(), 1024u) << "filled up to a KiB";
-    EXPECT_EQ(ReadChunk(kNewest, 21, 2, 0, 2048).Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(ReadChunk(kNewest, 999, 1, 0, 1024).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(ReadChunk(kNewest, 21, 2, 0, 2048).Status(), InvalidParameter);
+    EXPECT_EQ(ReadChunk(kNewest, 999, 1, 0, 1024).Status(), InvalidParameter);
     const Answer small = ReadChunk(kNewest, kFirmware, 64, 0, 100);
-    EXPECT_EQ(small.Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(small.Status(), BufferTooSmall);
     EXPECT_EQ(+small.envelope.ext.responseLen, 65536u);
     EXPECT_EQ(small.data.size(), 100u);
     const uint32_t flashBytes = Report(3)->bytes;
@@ -245,30 +244,24 @@ TEST_F(EmulatorFlash, RangesThatDoNotExist) {
         {flashBytes, 256},        {flashBytes - 256, 512}, {0xFFFFFF00, 0x200},
         {0xFFFFFF00, 0xFFFFFFFF}, {0, flashBytes + 1},     {128, 256}};
     for (const auto& [offset, length] : badRanges) {
-        EXPECT_EQ(ReadAt(kNewest, offset, length, 1024).Status(), DriverStatus::InvalidParameter)
+        EXPECT_EQ(ReadAt(kNewest, offset, length, 1024).Status(), InvalidParameter)
             << offset << " " << length;
-        EXPECT_EQ(WriteAt(kNewest, offset, full, length).Status(), DriverStatus::InvalidParameter)
+        EXPECT_EQ(WriteAt(kNewest, offset, full, length).Status(), InvalidParameter)
             << offset << " " << length;
     }
     // An older chip has no alignment to keep.
-    EXPECT_EQ(ReadAt(kLargeRom, 128, 256, 256).Status(), DriverStatus::Success);
+    EXPECT_EQ(ReadAt(kLargeRom, 128, 256, 256).Status(), Success);
     // Writing less than the request says, or more than the region holds.
-    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65535)).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(
-        AskFlash(kNewest, command::FlashWrite, kFirmware, 64 << 16, Bytes(512), 65536, 4).Status(),
-        DriverStatus::InvalidParameter);
-    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(512), 65536).Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(AskFlash(kNewest, command::FlashWrite, 21, 0, Bytes(513), 513, 0).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65535)).Status(), InvalidParameter);
+    EXPECT_EQ(AskFlash(kNewest, FlashWrite, kFirmware, 64 << 16, Bytes(512), 65536, 4).Status(),
+              InvalidParameter);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(512), 65536).Status(), InvalidParameter);
+    EXPECT_EQ(AskFlash(kNewest, FlashWrite, 21, 0, Bytes(513), 513, 0).Status(), InvalidParameter);
     // The end marker of a write by offset, and requests of chips without numbered regions.
-    EXPECT_EQ(WriteAt(kNewest, 0, {}, 0).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(kNewest, {command::FlashRead.code, 0}, 131072).Status(),
-              DriverStatus::InvalidRequest);
-    EXPECT_EQ(Ask(kNewest, command::OptionRomReadOld, 131072).Status(),
-              DriverStatus::InvalidRequest);
-    EXPECT_EQ(Ask(kNewest, command::FlashLayout, 64, Bytes(4)).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(WriteAt(kNewest, 0, {}, 0).Status(), Success);
+    EXPECT_EQ(Ask(kNewest, {FlashRead.code, 0}, 131072).Status(), InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, OptionRomReadOld, 131072).Status(), InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, FlashLayout, 64, Bytes(4)).Status(), InvalidParameter);
     EXPECT_EQ(ReadAll(kNewest), before) << "something was written";
 }
 
@@ -276,17 +269,17 @@ TEST_F(EmulatorFlash, WritesStayAndBothPortsSeeThem) {
     auto expected = ReadAll(kNewest);
     Bytes& parameters = expected[103];
     std::reverse(parameters.begin(), parameters.end());
-    EXPECT_EQ(WriteRegion(kNewest, 103, parameters).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 103, parameters).Status(), Success);
     // A piece across the border of two pages and two regions, and one that is shorter than its
     // region.
     const auto regions = Layout(kNewest);
     const uint32_t border = regions[7].start;
     ASSERT_EQ(+regions[7].code, 20);
     const Bytes mark(512, 0xA5);
-    EXPECT_EQ(WriteAt(kNewest, border - 256, mark, 512).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteAt(kNewest, border - 256, mark, 512).Status(), Success);
     std::copy_n(mark.begin(), 256, parameters.end() - 256);
     std::copy_n(mark.begin(), 256, expected[20].begin());
-    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(100, 0x11)).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(100, 0x11)).Status(), Success);
     std::fill_n(expected[102].begin(), 100, 0x11);
     EXPECT_EQ(ReadAll(kNewest), expected);
     EXPECT_EQ(ReadAll(1), expected) << "one flash per adapter";
@@ -297,41 +290,32 @@ TEST_F(EmulatorFlash, WritesStayAndBothPortsSeeThem) {
     const Bytes before = ReadRegion(kNewest, kFirmware);
     for (const int failing : {0, 1, 7}) {
         host_.failAt = failing;
-        EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(),
-                  DriverStatus::OutOfMemory);
+        EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(), OutOfMemory);
         host_.failAt = -1;
         EXPECT_EQ(ReadRegion(kNewest, kFirmware), before);
     }
 }
 
 TEST_F(EmulatorFlash, ClassicChipIsReadAndWrittenAsAWhole) {
-    const auto profile = MakeProfile("lab");
-    profile->adapters[2] = vxemu::DefaultAdapter(0x7300, vxemu::DriverGeneration::Extended);
-    std::strcpy(profile->adapters[2].serial, "EMU7300");
-    vxemu::Model::Destroy(model_);
-    model_ = vxemu::Model::Create(host_.Get(), *profile);
-    ASSERT_NE(model_, nullptr);
+    StartClassic();
     const uint32_t port = kLegacy;
-    const Answer whole = Ask(port, {command::FlashRead.code, 0}, 131072);
-    ASSERT_EQ(whole.Status(), DriverStatus::Success);
+    const Answer whole = Ask(port, {FlashRead.code, 0}, 131072);
+    ASSERT_EQ(whole.Status(), Success);
     ASSERT_EQ(whole.data.size(), 131072u);
     ExpectBootChain(whole.data, 0x7300, true);
-    EXPECT_EQ(Ask(port, command::OptionRomReadOld, 131072).data, whole.data);
+    EXPECT_EQ(Ask(port, OptionRomReadOld, 131072).data, whole.data);
     EXPECT_EQ(ReadRegion(port, 255), whole.data);
     Bytes image = whole.data;
     image[70000] ^= 0xFF;
-    EXPECT_EQ(Ask(port, {command::FlashWrite.code, 0}, 0, image).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(port, command::OptionRomReadOld, 131072).data, image);
+    EXPECT_EQ(Ask(port, {FlashWrite.code, 0}, 0, image).Status(), Success);
+    EXPECT_EQ(Ask(port, OptionRomReadOld, 131072).data, image);
     image[0] = 0;
-    EXPECT_EQ(Ask(port, command::OptionRomWriteOld, 0, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(port, OptionRomWriteOld, 0, image).Status(), Success);
     EXPECT_EQ(ReadRegion(port, 255), image);
     image.push_back(0);
-    EXPECT_EQ(Ask(port, command::OptionRomWriteOld, 0, image).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(port, command::ActiveRegions, 37, Bytes(37, '3')).Status(),
-              DriverStatus::UnsupportedSubCode);
-    EXPECT_EQ(Ask(port, command::LockdownState, 64, Bytes(64)).Status(),
-              DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(port, OptionRomWriteOld, 0, image).Status(), InvalidParameter);
+    EXPECT_EQ(Ask(port, ActiveRegions, 37, Bytes(37, '3')).Status(), UnsupportedSubCode);
+    EXPECT_EQ(Ask(port, LockdownState, 64, Bytes(64)).Status(), InvalidRequest);
 }
 
 // Wherever the power goes, the other regions are whole and the adapter comes back.
@@ -347,12 +331,11 @@ TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
         SCOPED_TRACE(cut);
         Start("lab");
         auto expected = before;
-        ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{3, cut}),
-                  Completion::Done);
-        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, Completion::NoDevice);
-        EXPECT_EQ(Ask(kNewest, command::DriverProperties, 200).completion, Completion::NoDevice);
-        EXPECT_EQ(Ask(1, command::DriverProperties, 200).completion, Completion::NoDevice);
-        EXPECT_EQ(Ask(kLargeRom, command::DriverProperties, 200).completion, Completion::Done);
+        ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{3, cut}), Done);
+        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, NoDevice);
+        EXPECT_EQ(Ask(kNewest, DriverProperties, 200).completion, NoDevice);
+        EXPECT_EQ(Ask(1, DriverProperties, 200).completion, NoDevice);
+        EXPECT_EQ(Ask(kLargeRom, DriverProperties, 200).completion, Done);
         Reset(4);
         std::copy_n(image.begin(), cut, expected[kFirmware].begin());
         EXPECT_EQ(ReadAll(kNewest), expected);
@@ -364,35 +347,33 @@ TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
         EXPECT_EQ(RunningFirmware(kNewest) == "9.00.00", !sound);
         EXPECT_EQ(StatusOf(3, kFirmware).checksum, sound ? CheckState::Good : CheckState::Bad);
         // The next attempt gets through.
-        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
-        EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+        EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), Success);
+        EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
         EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
     }
     // A write that ends where the power would go is whole; the next one finds none.
     Start("lab");
-    ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{3, 512}),
-              Completion::Done);
+    ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{3, 512}), Done);
     EXPECT_EQ(+Report(3)->bytesUntilFailure, 512u);
-    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(512)).Status(), DriverStatus::Success);
-    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(1)).completion, Completion::NoDevice);
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(512)).Status(), Success);
+    EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(1)).completion, NoDevice);
     EXPECT_EQ(Report(4)->withoutPower, 1);
-    EXPECT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{5, 1}),
-              Completion::NoDevice);
+    EXPECT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{5, 1}), NoDevice);
 }
 
 TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
     const Bytes factory = ReadRegion(kNewest, kFirmware);
     const Bytes image = WithVersion(factory, 9, 13, 4, 0x7740);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), Success);
     EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
     // Not while the system's disk is behind the port.
     Set(3, "boots_from_san", 1);
-    EXPECT_EQ(Ask(kNewest, command::BootFromSan, 1, {0}).data, Bytes{1});
-    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, BootFromSan, 1, {0}).data, Bytes{1});
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), InvalidRequest);
     Set(3, "boots_from_san", 0);
-    EXPECT_EQ(Ask(kNewest, command::BootFromSan, 1, {0}).data, Bytes{0});
+    EXPECT_EQ(Ask(kNewest, BootFromSan, 1, {0}).data, Bytes{0});
     Delivery(kNewest, true);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
     EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
     EXPECT_EQ(RunningFirmware(1), "9.13.04");
     EXPECT_EQ(FetchCodes(kNewest).size(), 2u) << "the link goes and comes";
@@ -400,26 +381,26 @@ TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
     // Damaged firmware does not start; what runs goes on, and the recovery firmware takes over with
     // the next start.
     vxemu::FlashSelector place = {3, kFirmware, 4096};
-    EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::Done);
+    EXPECT_EQ(Control(control::kFlashCorrupt, place), Done);
     EXPECT_EQ(StatusOf(3, kFirmware).checksum, CheckState::Bad);
     EXPECT_EQ(StatusOf(3, kFirmware).signature, CheckState::Bad);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::FirmwareState);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), FirmwareState);
     EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
     Reset(3);
     EXPECT_EQ(RunningFirmware(kNewest), "9.00.00");
-    EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::Done);
+    EXPECT_EQ(Control(control::kFlashCorrupt, place), Done);
     EXPECT_EQ(ReadRegion(kNewest, kFirmware), image) << "only that byte was damaged";
     // So does firmware of another chip, however sound it is.
     Bytes other = image;
-    SetWord(other, formats::kDeviceWord, 0x7404);
+    support::PutWord(other, formats::kDeviceWord, 0x7404);
     other = WithVersion(other, 9, 14, 0, 0x7740);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, other).Status(), DriverStatus::Success);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::FirmwareState);
-    EXPECT_EQ(Restart(kNewest, flash::Restart{5}), DriverStatus::InvalidParameter);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, other).Status(), Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), FirmwareState);
+    EXPECT_EQ(Restart(kNewest, flash::Restart{5}), InvalidParameter);
 
     for (const uint32_t offset : {SizeOf(kNewest, kFirmware), 0xFFFFFFFFu}) {
         place.offset = offset;
-        EXPECT_EQ(Control(vxemu::control::kFlashCorrupt, place), Completion::NoDevice);
+        EXPECT_EQ(Control(control::kFlashCorrupt, place), NoDevice);
     }
 }
 
@@ -430,12 +411,12 @@ TEST_F(EmulatorFlash, BootCodeTellsTheOptionRomVersion) {
     boot[header.dataOffset + offsetof(formats::RomData, majorRevision)] = 4;
     boot[header.dataOffset + offsetof(formats::RomData, revision)] = 7;
     ASSERT_TRUE(formats::UpdateChecksum(boot));
-    EXPECT_EQ(WriteRegion(kLargeRom, kBoot, boot).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kLargeRom, kBoot, boot).Status(), Success);
     EXPECT_STREQ(StatusOf(6, kBoot).version, "BIOS 4.07, FCODE 4.11, EFI 7.24");
     EXPECT_EQ(StatusOf(6, kBoot).checksum, CheckState::Good);
     Reset(6);
-    const auto node = Ask(kLargeRom, command::NodeProperties, sizeof(properties::NodeReply))
-                          .As<properties::NodeReply>();
+    const auto node =
+        Ask(kLargeRom, NodeProperties, sizeof(properties::NodeReply)).As<properties::NodeReply>();
     EXPECT_STREQ(node.optionRomVersion, "4.07");
     EXPECT_STREQ(node.firmwareVersion, "8.01.02");
 }
@@ -443,25 +424,23 @@ TEST_F(EmulatorFlash, BootCodeTellsTheOptionRomVersion) {
 TEST_F(EmulatorFlash, NothingIsWrittenInLockdownOrToReadOnlyRegions) {
     const auto before = ReadAll(kNewest);
     const Answer readOnly = WriteRegion(kNewest, kRecovery, Bytes(131072));
-    EXPECT_EQ(readOnly.Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(readOnly.Status(), MailboxFailed);
     EXPECT_EQ(+readOnly.envelope.ext.detailStatus, 0x4006u);
     const uint32_t start = StatusOf(3, kRecovery).start;
-    EXPECT_EQ(WriteAt(kNewest, start - 256, Bytes(512), 512).Status(), DriverStatus::MailboxFailed)
+    EXPECT_EQ(WriteAt(kNewest, start - 256, Bytes(512), 512).Status(), MailboxFailed)
         << "not even in part";
     Set(3, "lockdown", 1);
-    const Answer state = Ask(kNewest, command::LockdownState, 64, Bytes(64));
-    EXPECT_EQ(state.Status(), DriverStatus::Lockdown);
+    const Answer state = Ask(kNewest, LockdownState, 64, Bytes(64));
+    EXPECT_EQ(state.Status(), Lockdown);
     EXPECT_EQ(state.data.at(0), 1);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, before.at(kFirmware)).Status(),
-              DriverStatus::Lockdown);
-    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), DriverStatus::Lockdown);
-    EXPECT_EQ(Ask(1, {command::NvramWrite.code, 2}, 0, Bytes(512)).Status(),
-              DriverStatus::Lockdown);
-    EXPECT_EQ(Ask(1, command::VpdWrite, 0, Bytes(512)).Status(), DriverStatus::Lockdown);
-    EXPECT_EQ(Ask(1, command::SecureFlashBegin, 0).Status(), DriverStatus::Lockdown);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, before.at(kFirmware)).Status(), Lockdown);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), Lockdown);
+    EXPECT_EQ(Ask(1, {NvramWrite.code, 2}, 0, Bytes(512)).Status(), Lockdown);
+    EXPECT_EQ(Ask(1, VpdWrite, 0, Bytes(512)).Status(), Lockdown);
+    EXPECT_EQ(Ask(1, SecureFlashBegin, 0).Status(), Lockdown);
     EXPECT_EQ(ReadAll(kNewest), before);
     Set(3, "lockdown", 0);
-    EXPECT_EQ(Ask(kNewest, command::LockdownState, 64, Bytes(64)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, LockdownState, 64, Bytes(64)).Status(), Success);
 }
 
 // Envelopes and records of any numbers: no byte beside the request is touched, and recovery
@@ -474,14 +453,12 @@ TEST_F(EmulatorFlash, SurvivesAnyRequest) {
         return (seed >> 8) % below;
     };
     const Command commands[] = {
-        command::FlashLayout,       command::FlashRead,         command::FlashWrite,
-        command::OptionRomWriteOld, command::ActiveRegions,     command::LockdownState,
-        command::BootFromSan,       command::RestartFirmware,   command::SecureFlashBegin,
-        command::SecureFlashHeader, command::SecureFlashVerify, command::SecureFlashStatus,
-        command::SecureFlashCommit, command::NvramRead,         command::NvramWrite,
-        command::VpdRead,           command::VpdWrite,          command::SfpRead,
-        command::I2cRead,           command::I2cWrite,          command::LoadSfpFirmware,
-        command::AuxiliaryFirmware};
+        FlashLayout,       FlashRead,         FlashWrite,        OptionRomWriteOld,
+        ActiveRegions,     LockdownState,     BootFromSan,       RestartFirmware,
+        SecureFlashBegin,  SecureFlashHeader, SecureFlashVerify, SecureFlashStatus,
+        SecureFlashCommit, NvramRead,         NvramWrite,        VpdRead,
+        VpdWrite,          SfpRead,           I2cRead,           I2cWrite,
+        LoadSfpFirmware,   AuxiliaryFirmware};
     const uint16_t subCodes[] = {0, 1, 2, 3, 4, 7, 8, 21, 254, 255, 269, 0xFFFF};
     const uint32_t numbers[] = {0,      1,      2,       3,       100,        256,
                                 512,    0xA0,   0xA2,    0x10000, 0x10001,    0x400000,
@@ -514,18 +491,18 @@ class EmulatorSecureUpdate : public EmulatorFlashFixture {
         header.imageSize = static_cast<uint32_t>(image.size());
         header.crc = formats::Crc32(image);
         std::copy_n(image.begin(), std::min<size_t>(image.size(), 512), header.imageHead);
-        return Ask(kNewest, command::SecureFlashHeader, 0, BytesOfRecord(header)).Status();
+        return Ask(kNewest, SecureFlashHeader, 0, BytesOf(header)).Status();
     }
     // A whole session up to its result.
     uint32_t Try(uint16_t region, const Bytes& image) {
-        EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
-        EXPECT_EQ(Announce(region, image), DriverStatus::Success);
-        EXPECT_EQ(WriteRegion(kNewest, region, image).Status(), DriverStatus::Success);
-        EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+        EXPECT_EQ(Step(SecureFlashBegin), Success);
+        EXPECT_EQ(Announce(region, image), Success);
+        EXPECT_EQ(WriteRegion(kNewest, region, image).Status(), Success);
+        EXPECT_EQ(Step(SecureFlashVerify), Success);
         return Result();
     }
     uint32_t Result() {
-        return Ask(kNewest, command::SecureFlashStatus, 40, Bytes(40))
+        return Ask(kNewest, SecureFlashStatus, 40, Bytes(40))
             .As<flash::SecureStatusRecord>()
             .result;
     }
@@ -536,10 +513,10 @@ TEST_F(EmulatorSecureUpdate, TakesEffectWithItsCommit) {
     const Bytes image = WithVersion(factory, 9, 13, 4, 0x7740);
     EXPECT_EQ(Try(kFirmware, image), 0u);
     EXPECT_EQ(ReadRegion(kNewest, kFirmware), factory);
-    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::Success);
+    EXPECT_EQ(Step(SecureFlashCommit), Success);
     EXPECT_EQ(ReadRegion(kNewest, kFirmware), image);
-    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::InvalidRequest) << "twice";
-    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), DriverStatus::Success);
+    EXPECT_EQ(Step(SecureFlashCommit), InvalidRequest) << "twice";
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
     EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
     // Settings need no signature, but have to be sound.
     Bytes block = ReadRegion(kNewest, 269);
@@ -554,7 +531,7 @@ TEST_F(EmulatorSecureUpdate, RefusedImagesLeaveEverythingAsItWas) {
     Bytes damaged = image;
     damaged[1000] ^= 1;
     EXPECT_EQ(Try(kFirmware, damaged), 1u);
-    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Step(SecureFlashCommit), InvalidRequest);
     Bytes otherChip = image;
     Sign(otherChip, 0x7742, kFirmware);
     EXPECT_EQ(Try(kFirmware, otherChip), 1u);
@@ -562,59 +539,55 @@ TEST_F(EmulatorSecureUpdate, RefusedImagesLeaveEverythingAsItWas) {
     Sign(otherRegion, 0x7740, kBoot);
     EXPECT_EQ(Try(kFirmware, otherRegion), 1u);
     // Not what was announced.
-    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
-    EXPECT_EQ(Announce(kFirmware, damaged), DriverStatus::Success);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), DriverStatus::Success);
-    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+    EXPECT_EQ(Step(SecureFlashBegin), Success);
+    EXPECT_EQ(Announce(kFirmware, damaged), Success);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), Success);
+    EXPECT_EQ(Step(SecureFlashVerify), Success);
     EXPECT_EQ(Result(), 2u);
     // Not all of it.
-    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
-    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::Success);
-    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 1, Bytes(65536)).Status(),
-              DriverStatus::InvalidParameter)
+    EXPECT_EQ(Step(SecureFlashBegin), Success);
+    EXPECT_EQ(Announce(kFirmware, image), Success);
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 1, Bytes(65536)).Status(), InvalidParameter)
         << "out of order";
-    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(), DriverStatus::Success);
-    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::Success);
+    EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(), Success);
+    EXPECT_EQ(Step(SecureFlashVerify), Success);
     EXPECT_EQ(Result(), 3u);
-    EXPECT_EQ(Step(command::SecureFlashAbort), DriverStatus::Success);
-    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::InvalidRequest);
-    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Step(SecureFlashAbort), Success);
+    EXPECT_EQ(Step(SecureFlashVerify), InvalidRequest);
+    EXPECT_EQ(Announce(kFirmware, image), InvalidRequest);
     // Headers of no region, of the wrong size, of a read-only region; chips without it.
-    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
-    EXPECT_EQ(Announce(999, image), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Announce(kFirmware, Bytes(image.size() - 1)), DriverStatus::InvalidParameter);
-    EXPECT_EQ(Announce(kRecovery, before.at(kRecovery)), DriverStatus::MailboxFailed);
-    EXPECT_EQ(Ask(kLargeRom, command::SecureFlashBegin, 0).Status(), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Step(SecureFlashBegin), Success);
+    EXPECT_EQ(Announce(999, image), InvalidParameter);
+    EXPECT_EQ(Announce(kFirmware, Bytes(image.size() - 1)), InvalidParameter);
+    EXPECT_EQ(Announce(kRecovery, before.at(kRecovery)), MailboxFailed);
+    EXPECT_EQ(Ask(kLargeRom, SecureFlashBegin, 0).Status(), InvalidRequest);
     EXPECT_EQ(ReadAll(kNewest), before);
 }
 
 TEST_F(EmulatorSecureUpdate, NeedsNoPowerToKeepTheOldImage) {
     const auto before = ReadAll(kNewest);
     const Bytes image = WithVersion(before.at(kFirmware), 9, 13, 4, 0x7740);
-    EXPECT_EQ(Step(command::SecureFlashBegin), DriverStatus::Success);
-    EXPECT_EQ(Announce(kFirmware, image), DriverStatus::Success);
-    ASSERT_EQ(Control(vxemu::control::kPowerFail, vxemu::PowerFailRequest{4, 100'000}),
-              Completion::Done);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, Completion::NoDevice);
+    EXPECT_EQ(Step(SecureFlashBegin), Success);
+    EXPECT_EQ(Announce(kFirmware, image), Success);
+    ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{4, 100'000}), Done);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).completion, NoDevice);
     Reset(3);
     EXPECT_EQ(ReadAll(kNewest), before);
-    EXPECT_EQ(Step(command::SecureFlashVerify), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Step(SecureFlashVerify), InvalidRequest);
     EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
 }
 
 TEST_F(EmulatorSecureUpdate, OnceInForceItIsTheOnlyWayToWriteCode) {
     const Bytes factory = ReadRegion(kNewest, kFirmware);
-    const auto state = [&] {
-        return Ask(kNewest, command::SecureFlashState, 8, Bytes(8)).data.at(0);
-    };
+    const auto state = [&] { return Ask(kNewest, SecureFlashState, 8, Bytes(8)).data.at(0); };
     EXPECT_EQ(state(), 0);
     Set(3, "secure_updates", 1);
     EXPECT_EQ(state(), 1);
-    EXPECT_EQ(WriteRegion(kNewest, kFirmware, factory).Status(), DriverStatus::MailboxFailed);
-    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), DriverStatus::MailboxFailed);
-    EXPECT_EQ(WriteRegion(kNewest, 269, ReadRegion(kNewest, 21)).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, factory).Status(), MailboxFailed);
+    EXPECT_EQ(WriteAt(kNewest, 0, Bytes(256), 256).Status(), MailboxFailed);
+    EXPECT_EQ(WriteRegion(kNewest, 269, ReadRegion(kNewest, 21)).Status(), Success);
     EXPECT_EQ(Try(kFirmware, factory), 0u);
-    EXPECT_EQ(Step(command::SecureFlashCommit), DriverStatus::Success);
+    EXPECT_EQ(Step(SecureFlashCommit), Success);
     EXPECT_EQ(ReadRegion(kNewest, kFirmware), factory);
 }
 

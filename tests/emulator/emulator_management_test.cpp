@@ -6,12 +6,11 @@
 namespace {
 
 using namespace emulator_test;
-using Bytes = std::vector<uint8_t>;
 
 class EmulatorManagement : public ModelFixture {
   protected:
     HX_STATISTICS Statistics(uint32_t port) {
-        return Ask(port, command::LinkStatistics, sizeof(HX_STATISTICS)).As<HX_STATISTICS>();
+        return Ask(port, LinkStatistics, sizeof(HX_STATISTICS)).As<HX_STATISTICS>();
     }
     HX_STATISTICS LegacyStatistics() {
         return AskLegacy<statistics::LegacyStatisticsReply>(
@@ -19,13 +18,9 @@ class EmulatorManagement : public ModelFixture {
                        statistics::LegacyStatisticsSelector::Statistics))
             .counters;
     }
-    void Link(uint32_t scsiPort, uint32_t up) {
-        ASSERT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{scsiPort, up}),
-                  Completion::Done);
-    }
     HX_MGMT_ADDRESS Address(uint32_t port) {
-        const Answer answer = Ask(port, command::ManagementAddress, 256);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(port, ManagementAddress, 256);
+        EXPECT_EQ(answer.Status(), Success);
         EXPECT_EQ(answer.data.size(), sizeof(HX_MGMT_ADDRESS)) << "no more than there is";
         return answer.As<HX_MGMT_ADDRESS>();
     }
@@ -33,14 +28,12 @@ class EmulatorManagement : public ModelFixture {
                             size_t length = sizeof(statistics::SetAddressRequest)) {
         Bytes input(length);
         std::memcpy(input.data(), &setting, std::min(length, sizeof setting));
-        return Ask(port, command::SetManagementAddress, 0, input).Status();
+        return Ask(port, SetManagementAddress, 0, input).Status();
     }
     void StartWithoutTransceiver() {
         const auto profile = MakeProfile("lab");
         profile->ports[kNewest].transceiverType[0] = 0;
-        vxemu::Model::Destroy(model_);
-        model_ = vxemu::Model::Create(host_.Get(), *profile);
-        ASSERT_NE(model_, nullptr);
+        Start(*profile);
     }
 };
 
@@ -71,7 +64,7 @@ TEST_F(EmulatorManagement, BothGenerationsCountAlike) {
 
     // Either of the two resets clears; the ports do not share them.
     host_.clock += 2000;
-    for (const auto reset : {command::LegacyResetStatistics, command::LegacyResetStatistics2}) {
+    for (const auto reset : {LegacyResetStatistics, LegacyResetStatistics2}) {
         AskPlain(kLegacy, reset, {}, 0);
         EXPECT_EQ(LegacyStatistics().linkFailures, 0u);
         EXPECT_EQ(LegacyStatistics().secondsSinceReset, 0u);
@@ -80,9 +73,9 @@ TEST_F(EmulatorManagement, BothGenerationsCountAlike) {
         EXPECT_EQ(LegacyStatistics().linkFailures, 1u);
     }
     EXPECT_EQ(Statistics(kNewest).linkFailures, 2u);
-    EXPECT_EQ(Ask(kNewest, command::ResetStatistics, 0).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, ResetStatistics, 0).Status(), Success);
     EXPECT_EQ(Statistics(kNewest).linkFailures, 0u);
-    EXPECT_EQ(Ask(kNewest, command::LinkStatistics, 111).Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(Ask(kNewest, LinkStatistics, 111).Status(), BufferTooSmall);
 }
 
 TEST_F(EmulatorManagement, AddressIsThePortsOwnAndCanBeSet) {
@@ -98,7 +91,7 @@ TEST_F(EmulatorManagement, AddressIsThePortsOwnAndCanBeSet) {
 
     const HX_MGMT_ADDRESS_SETTING setting = {
         {0, 2}, {0xAB, 0xCD}, {0x20, 1, 0xD, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF}};
-    EXPECT_EQ(SetAddress(kNewest, setting), DriverStatus::Success);
+    EXPECT_EQ(SetAddress(kNewest, setting), Success);
     const HX_MGMT_ADDRESS now = Address(kNewest);
     EXPECT_EQ(std::memcmp(now.ipVersion, setting.ipVersion, 2), 0);
     EXPECT_EQ(std::memcmp(now.udpPort, setting.udpPort, 2), 0);
@@ -108,40 +101,39 @@ TEST_F(EmulatorManagement, AddressIsThePortsOwnAndCanBeSet) {
 
     HX_MGMT_ADDRESS_SETTING wrong = setting;
     wrong.udpPort[0] = 1;
-    EXPECT_EQ(SetAddress(kNewest, wrong, 83), DriverStatus::InvalidParameter);
+    EXPECT_EQ(SetAddress(kNewest, wrong, 83), InvalidParameter);
     for (const uint8_t version : {0, 3}) {
         wrong.ipVersion[1] = version;
-        EXPECT_EQ(SetAddress(kNewest, wrong), DriverStatus::InvalidParameter);
+        EXPECT_EQ(SetAddress(kNewest, wrong), InvalidParameter);
     }
     wrong.ipVersion[0] = 1;
     wrong.ipVersion[1] = 1;
-    EXPECT_EQ(SetAddress(kNewest, wrong), DriverStatus::InvalidParameter);
+    EXPECT_EQ(SetAddress(kNewest, wrong), InvalidParameter);
     EXPECT_EQ(Address(kNewest).udpPort[0], 0xAB) << "refused, nothing set";
-    EXPECT_EQ(Ask(kNewest, command::ManagementAddress, 51).Status(), DriverStatus::BufferTooSmall);
-    EXPECT_EQ(Ask(kLegacy, command::ManagementAddress, 256).Status(), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, ManagementAddress, 51).Status(), BufferTooSmall);
+    EXPECT_EQ(Ask(kLegacy, ManagementAddress, 256).Status(), InvalidRequest);
 }
 
 TEST_F(EmulatorManagement, EmptyCageHasNoTransceiver) {
     StartWithoutTransceiver();
-    const Answer pages = Ask(kNewest, command::SfpRead, 512, Bytes(512));
-    EXPECT_EQ(pages.Status(), DriverStatus::MailboxFailed);
+    const Answer pages = Ask(kNewest, SfpRead, 512, Bytes(512));
+    EXPECT_EQ(pages.Status(), MailboxFailed);
     EXPECT_EQ(pages.envelope.ext.detailStatus, 0x4005u);
     flash::TwoWireRecord request = {};
     request.device = 0xA0;
     request.length = 1;
     Bytes input(sizeof request);
     std::memcpy(input.data(), &request, sizeof request);
-    const Answer byte = Ask(kNewest, command::I2cRead, sizeof request, input);
-    EXPECT_EQ(byte.Status(), DriverStatus::MailboxFailed);
+    const Answer byte = Ask(kNewest, I2cRead, sizeof request, input);
+    EXPECT_EQ(byte.Status(), MailboxFailed);
     EXPECT_EQ(byte.envelope.ext.detailStatus, 0x4002u);
     EXPECT_EQ(byte.As<flash::TwoWireRecord>().deviceStatus, 1) << "nobody acknowledges";
 
     // The adapter's own devices are still there, and so is the other port's transceiver.
     request.options = 0x2000;
     std::memcpy(input.data(), &request, sizeof request);
-    EXPECT_EQ(Ask(kNewest, command::I2cRead, sizeof request, input).Status(),
-              DriverStatus::Success);
-    EXPECT_EQ(Ask(1, command::SfpRead, 512, Bytes(512)).data.size(), 512u);
+    EXPECT_EQ(Ask(kNewest, I2cRead, sizeof request, input).Status(), Success);
+    EXPECT_EQ(Ask(1, SfpRead, 512, Bytes(512)).data.size(), 512u);
 }
 
 }  // namespace

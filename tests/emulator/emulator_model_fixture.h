@@ -23,13 +23,35 @@ using transport::Command;
 using transport::DriverStatus;
 using transport::ExtRequest;
 using transport::SrbIoControl;
+using enum transport::DriverStatus;
+using vxemu::CheckState;
 using vxemu::Completion;
+using vxemu::FaultClear;
 using vxemu::FaultKind;
 using vxemu::FaultRule;
+using vxemu::FieldRequest;
 using vxemu::kAnyCode;
 using vxemu::kAnyPort;
 using vxemu::kAnySubCode;
+using vxemu::LinkRequest;
+using vxemu::PortSelector;
+using vxemu::TargetSelector;
+using vxemu::Completion::Done;
+using vxemu::Completion::Invalid;
+using vxemu::Completion::NoDevice;
+using vxemu::Completion::ShortBuffer;
 namespace command = transport::command;
+using namespace transport::command;
+namespace control = vxemu::control;
+using Bytes = std::vector<uint8_t>;
+
+template <typename Record>
+Bytes BytesOf(const Record& record, const Bytes& behind = {}) {
+    Bytes bytes(sizeof record);
+    std::memcpy(bytes.data(), &record, sizeof record);
+    bytes.insert(bytes.end(), behind.begin(), behind.end());
+    return bytes;
+}
 
 // Ports of the lab profile by their index, which is also the order of their SCSI ports.
 inline constexpr uint32_t kNewest = 0;  // SCSI port 3
@@ -67,11 +89,11 @@ inline std::unique_ptr<vxemu::Profile> MakeProfile(const char* name) {
 
 // What came back from an extended request.
 struct Answer {
-    Completion completion = Completion::Done;
+    Completion completion = Done;
     uint32_t returned = 0;
     uint32_t delay = 0;
     ExtRequest envelope = {};
-    std::vector<uint8_t> data;  // the bytes handed back behind the envelope
+    Bytes data;  // the bytes handed back behind the envelope
 
     DriverStatus Status() const { return static_cast<DriverStatus>(envelope.ext.status); }
 
@@ -107,14 +129,22 @@ class ModelFixture : public testing::Test {
         EXPECT_EQ(host_.blocks, 0) << "memory that was never released";
     }
 
-    void Start(const char* profile) {
+    void Start(const char* profile) { Start(*MakeProfile(profile)); }
+    void Start(const vxemu::Profile& profile) {
         vxemu::Model::Destroy(model_);
-        model_ = vxemu::Model::Create(host_.Get(), *MakeProfile(profile));
+        model_ = vxemu::Model::Create(host_.Get(), profile);
         ASSERT_NE(model_, nullptr);
+    }
+    // The lab, its last port with a classic chip and the newer driver.
+    void StartClassic() {
+        const auto profile = MakeProfile("lab");
+        profile->adapters[2] = vxemu::DefaultAdapter(0x7300, vxemu::DriverGeneration::Extended);
+        std::strcpy(profile->adapters[2].serial, "EMU7300");
+        Start(*profile);
     }
 
     // Sends an envelope with input bytes, as the library does: one buffer, output length included.
-    Answer Send(uint32_t port, const ExtRequest& request, const std::vector<uint8_t>& input,
+    Answer Send(uint32_t port, const ExtRequest& request, const Bytes& input,
                 uint32_t outputLength) {
         const auto inputLength = static_cast<uint32_t>(sizeof request + input.size());
         const uint32_t length = std::max(inputLength, outputLength);
@@ -126,7 +156,7 @@ class ModelFixture : public testing::Test {
         answer.completion = model_->Request(port, buffer.get(), inputLength, outputLength,
                                             &answer.returned, &answer.delay);
         EXPECT_LE(answer.returned, outputLength);
-        if (answer.completion == Completion::Done) {
+        if (answer.completion == Done) {
             EXPECT_GE(answer.returned, sizeof answer.envelope);
             std::memcpy(&answer.envelope, buffer.get(), sizeof answer.envelope);
             answer.data.assign(buffer.get() + sizeof request, buffer.get() + answer.returned);
@@ -136,15 +166,15 @@ class ModelFixture : public testing::Test {
         return answer;
     }
 
-    Answer Ask(uint32_t port, Command command, uint32_t output, std::vector<uint8_t> input = {}) {
+    Answer Ask(uint32_t port, Command command, uint32_t output, Bytes input = {}) {
         const auto inputLength = static_cast<uint32_t>(input.size());
         return Send(port, Envelope(command, inputLength, output), input,
                     static_cast<uint32_t>(sizeof(ExtRequest)) + std::max(inputLength, output));
     }
 
     // A plain request; the reply data, or nothing when it did not complete as expected.
-    std::vector<uint8_t> AskPlain(uint32_t port, uint32_t code, std::vector<uint8_t> input,
-                                  uint32_t output, Completion expected = Completion::Done) {
+    Bytes AskPlain(uint32_t port, uint32_t code, Bytes input, uint32_t output,
+                   Completion expected = Done) {
         SrbIoControl srb = Envelope({code, 0}, 0, 0).srb;
         srb.length = std::max(static_cast<uint32_t>(input.size()), output);
         const auto inputLength = static_cast<uint32_t>(sizeof srb + input.size());
@@ -155,7 +185,7 @@ class ModelFixture : public testing::Test {
         uint32_t returned = 0;
         EXPECT_EQ(model_->Request(port, buffer.get(), inputLength, outputLength, &returned),
                   expected);
-        if (expected != Completion::Done) {
+        if (expected != Done) {
             return {};
         }
         return {buffer.get() + sizeof srb, buffer.get() + returned};
@@ -163,13 +193,10 @@ class ModelFixture : public testing::Test {
 
     template <typename Reply>
     Reply AskLegacy(properties::LegacySelector selector) {
-        std::vector<uint8_t> input(sizeof(transport::SelectorRecord));
         transport::SelectorRecord record = {};
         record.option = transport::kSelectorOption;
         record.selector = static_cast<uint32_t>(selector);
-        std::memcpy(input.data(), &record, sizeof record);
-        const std::vector<uint8_t> data =
-            AskPlain(kLegacy, command::LegacyQuery, input, sizeof(Reply));
+        const Bytes data = AskPlain(kLegacy, LegacyQuery, BytesOf(record), sizeof(Reply));
         Reply reply = {};
         EXPECT_EQ(data.size(), sizeof reply);
         std::memcpy(&reply, data.data(), std::min(data.size(), sizeof reply));
@@ -193,20 +220,33 @@ class ModelFixture : public testing::Test {
 
     uint32_t AddFault(const FaultRule& rule) {
         uint32_t id = 0;
-        EXPECT_EQ(Control(vxemu::control::kFaultAdd, rule, &id), Completion::Done);
+        EXPECT_EQ(Control(control::kFaultAdd, rule, &id), Done);
         return id;
+    }
+
+    void Set(uint32_t scsiPort, const char* name, uint32_t value, uint32_t size = 1) {
+        FieldRequest request = {scsiPort, {}};
+        std::strcpy(request.change.name, name);
+        request.change.length = size;
+        std::memcpy(request.change.value, &value, size);
+        ASSERT_EQ(Control(control::kSetField, request), Done) << name;
+    }
+    void Link(uint32_t scsiPort, uint32_t up) {
+        ASSERT_EQ(Control(control::kSetLink, LinkRequest{scsiPort, up}), Done);
+    }
+    void Reset(uint32_t scsiPort) {
+        ASSERT_EQ(Control(control::kPortReset, PortSelector{scsiPort}), Done);
     }
 
     void Delivery(uint32_t port, bool on) {
         const uint8_t byte = on ? 0xFF : 0;
-        const Answer answer =
-            Ask(port, command::EventDelivery, 0, {byte, byte, byte, byte, 0, 0, 0, 0});
-        ASSERT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(port, EventDelivery, 0, {byte, byte, byte, byte, 0, 0, 0, 0});
+        ASSERT_EQ(answer.Status(), Success);
     }
 
     std::vector<uint32_t> FetchCodes(uint32_t port, uint32_t bytes = 512) {
-        const Answer answer = Ask(port, command::FetchEvents, bytes);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(port, FetchEvents, bytes);
+        EXPECT_EQ(answer.Status(), Success);
         std::vector<uint32_t> codes(answer.data.size() / sizeof(properties::DriverEvent));
         for (size_t at = 0; at < codes.size(); ++at) {
             std::memcpy(&codes[at], &answer.data[at * sizeof(properties::DriverEvent)],
@@ -218,17 +258,16 @@ class ModelFixture : public testing::Test {
     vxemu::StatusReply Status() {
         auto reply = std::make_unique<vxemu::StatusReply>();
         uint32_t returned = 0;
-        EXPECT_EQ(model_->Control(vxemu::control::kStatus, reinterpret_cast<uint8_t*>(reply.get()),
-                                  0, sizeof *reply, &returned),
-                  Completion::Done);
+        EXPECT_EQ(model_->Control(control::kStatus, reinterpret_cast<uint8_t*>(reply.get()), 0,
+                                  sizeof *reply, &returned),
+                  Done);
         EXPECT_EQ(returned, sizeof *reply);
         return *reply;
     }
 
     std::vector<properties::PortDatabaseEntry> Database(uint32_t port = kNewest) {
-        const std::vector<uint8_t> data =
-            Ask(port, command::PortDatabase, sizeof(properties::PortDatabaseReply), {7, 0, 0, 0})
-                .data;
+        const Bytes data =
+            Ask(port, PortDatabase, sizeof(properties::PortDatabaseReply), {7, 0, 0, 0}).data;
         std::vector<properties::PortDatabaseEntry> entries((data.size() - 8) / 172);
         std::memcpy(entries.data(), data.data() + 8, entries.size() * 172);
         EXPECT_EQ(data[0], 7);

@@ -1,9 +1,6 @@
 // The emulated adapters: exact replies and hostile requests.
 #include "emulator/emulator_model_fixture.h"
 
-#include <string>
-#include <vector>
-
 #include "properties/chip_families.h"
 
 namespace {
@@ -26,13 +23,13 @@ TEST_F(EmulatorModel, LabAndFullHaveTheirPorts) {
     EXPECT_EQ(model_->PortCount(), 63u);
     for (uint32_t port = 0; port < 63; ++port) {
         EXPECT_EQ(model_->ScsiPortNumber(port), port);
-        EXPECT_EQ(Ask(port, command::NodeProperties, 696).Status(), DriverStatus::Success);
+        EXPECT_EQ(Ask(port, NodeProperties, 696).Status(), Success);
     }
 }
 
 TEST_F(EmulatorModel, NodeReply) {
-    const Answer answer = Ask(kNewest, command::NodeProperties, sizeof(properties::NodeReply));
-    EXPECT_EQ(answer.Status(), DriverStatus::Success);
+    const Answer answer = Ask(kNewest, NodeProperties, sizeof(properties::NodeReply));
+    EXPECT_EQ(answer.Status(), Success);
     EXPECT_EQ(answer.envelope.ext.responseLen, 696u);
     EXPECT_EQ(answer.returned, 116u + 696u);
     const auto node = answer.As<properties::NodeReply>();
@@ -51,37 +48,34 @@ TEST_F(EmulatorModel, NodeReply) {
 
     // An adapter whose serial is not a text leaves the field empty, and a legacy driver answers
     // the probe all the same.
-    const Answer legacy = Ask(kLegacy, command::NodeProperties, 696);
+    const Answer legacy = Ask(kLegacy, NodeProperties, 696);
     EXPECT_EQ(legacy.As<properties::NodeReply>().manufacturerAndSerial[0], 0);
     EXPECT_STREQ(legacy.As<properties::NodeReply>().driverVersion, "7.04.11");
 
     // With input, as the vendor attribute query sends it: the input changes nothing.
-    const Answer again =
-        Ask(kNewest, command::NodeProperties, 696, std::vector<uint8_t>(696, 0xA5));
+    const Answer again = Ask(kNewest, NodeProperties, 696, Bytes(696, 0xA5));
     EXPECT_EQ(again.data, answer.data);
 }
 
 TEST_F(EmulatorModel, ChipDriverAndFirmwareReplies) {
-    const auto chip = Ask(1, command::ChipProperties, 80).As<properties::ChipReply>();
+    const auto chip = Ask(1, ChipProperties, 80).As<properties::ChipReply>();
     EXPECT_EQ(chip.vendorId, properties::kVendorId);
     EXPECT_EQ(chip.deviceId, 0x7740);
     EXPECT_EQ(chip.classWord, 0x0C04);
     EXPECT_EQ(chip.functionBits, 1 << 5);
     EXPECT_EQ(chip.busLocation, 256u);
 
-    const auto driver =
-        Ask(kLargeRom, command::DriverProperties, 200).As<properties::DriverReply>();
+    const auto driver = Ask(kLargeRom, DriverProperties, 200).As<properties::DriverReply>();
     EXPECT_STREQ(driver.version, "8.02.03 build 2");
     EXPECT_EQ(std::memcmp(driver.buildText, "emulated\0\0\0\0\0\0\0\0", 16), 0);
 
-    const auto firmware =
-        Ask(kLargeRom, command::FirmwareProperties, 200).As<properties::FirmwareReply>();
+    const auto firmware = Ask(kLargeRom, FirmwareProperties, 200).As<properties::FirmwareReply>();
     EXPECT_STREQ(firmware.version, "8.01.02");
     EXPECT_EQ(firmware.attributes, firmware.activationAttributes);
 }
 
 TEST_F(EmulatorModel, PortRepliesFollowTheLink) {
-    const auto up = Ask(kNewest, command::PortPropertiesV2, 108).As<properties::PortReplyV2>();
+    const auto up = Ask(kNewest, PortPropertiesV2, 108).As<properties::PortReplyV2>();
     EXPECT_EQ(up.base.portName[0], 0x21);
     EXPECT_EQ(up.base.state, 0);
     EXPECT_EQ(up.base.topology, 4);
@@ -89,29 +83,28 @@ TEST_F(EmulatorModel, PortRepliesFollowTheLink) {
     EXPECT_EQ(up.base.portId[0], 1);
     EXPECT_EQ(up.base.discoveredDevices, 4);
     EXPECT_EQ(up.protocolFlags, 0x06);
-    const auto first = Ask(kNewest, command::PortProperties, 56).As<properties::PortReply>();
+    const auto first = Ask(kNewest, PortProperties, 56).As<properties::PortReply>();
     EXPECT_EQ(std::memcmp(&first.base, &up.base, sizeof up.base), 0);
 
-    EXPECT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0}), Completion::Done);
-    const auto down = Ask(kNewest, command::PortPropertiesV2, 108).As<properties::PortReplyV2>();
+    Link(3, 0);
+    const auto down = Ask(kNewest, PortPropertiesV2, 108).As<properties::PortReplyV2>();
     EXPECT_EQ(down.base.state, 2);
     EXPECT_EQ(down.base.currentSpeed, 0);
     EXPECT_EQ(down.base.supportedSpeeds, 50);
     EXPECT_EQ(down.base.portId[0] | down.base.portId[1] | down.base.portId[2], 0);
     EXPECT_EQ(down.base.discoveredDevices, 0);
     // The other port of the adapter is not concerned.
-    EXPECT_EQ(Ask(1, command::PortProperties, 56).As<properties::PortReply>().base.state, 0);
+    EXPECT_EQ(Ask(1, PortProperties, 56).As<properties::PortReply>().base.state, 0);
 
-    EXPECT_EQ(Ask(kLargeRom, command::PortPropertiesV2, 108).Status(),
-              DriverStatus::UnsupportedSubCode);
+    EXPECT_EQ(Ask(kLargeRom, PortPropertiesV2, 108).Status(), UnsupportedSubCode);
 }
 
 TEST_F(EmulatorModel, PortDisableInfoNeedsItsByte) {
-    EXPECT_EQ(Ask(kNewest, command::PortDisableInfo, 1, {0}).data, std::vector<uint8_t>{0});
-    vxemu::FieldRequest field = {3, "port_disabled", 1, {1}};
-    EXPECT_EQ(Control(vxemu::control::kSetField, field), Completion::Done);
-    EXPECT_EQ(Ask(kNewest, command::PortDisableInfo, 1, {0}).data, std::vector<uint8_t>{1});
-    EXPECT_EQ(Ask(kNewest, command::PortDisableInfo, 1).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, PortDisableInfo, 1, {0}).data, Bytes{0});
+    FieldRequest field = {3, "port_disabled", 1, {1}};
+    EXPECT_EQ(Control(control::kSetField, field), Done);
+    EXPECT_EQ(Ask(kNewest, PortDisableInfo, 1, {0}).data, Bytes{1});
+    EXPECT_EQ(Ask(kNewest, PortDisableInfo, 1).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorModel, LegacyReplies) {
@@ -144,23 +137,23 @@ TEST_F(EmulatorModel, LegacyReplies) {
     }
 
     EXPECT_GE(AskLegacy<properties::LegacyLinkReply>(LegacySelector::LinkValue).linkValue, 0x8000);
-    EXPECT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{9, 0}), Completion::Done);
+    Link(9, 0);
     EXPECT_LT(AskLegacy<properties::LegacyLinkReply>(LegacySelector::LinkValue).linkValue, 0x8000);
 
-    const std::vector<uint8_t> record = AskPlain(kLegacy, command::LegacyPortAndNode, {}, 64);
+    const Bytes record = AskPlain(kLegacy, LegacyPortAndNode, {}, 64);
     ASSERT_EQ(record.size(), 64u);
     EXPECT_EQ(record[12], 0x21);
     EXPECT_EQ(record[20], 2 << 4);
 }
 
 TEST_F(EmulatorModel, WhatADriverDoesNotKnow) {
-    const std::vector<uint8_t> selector(12, 0);
+    const Bytes selector(12, 0);
     // Plain requests: no status, so the transfer fails.
-    AskPlain(kLegacy, command::LegacyQuery, selector, 36, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacyQuery, {}, 36, Completion::Invalid);
-    AskPlain(kNewest, command::LegacyNvramRead, selector, 12, Completion::Invalid);
-    AskPlain(kNewest, command::LegacyPortAndNode, {}, 64, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacyPortAndNode, {}, 63, Completion::ShortBuffer);
+    AskPlain(kLegacy, LegacyQuery, selector, 36, Invalid);
+    AskPlain(kLegacy, LegacyQuery, {}, 36, Invalid);
+    AskPlain(kNewest, LegacyNvramRead, selector, 12, Invalid);
+    AskPlain(kNewest, LegacyPortAndNode, {}, 64, Invalid);
+    AskPlain(kLegacy, LegacyPortAndNode, {}, 63, ShortBuffer);
 
     struct Case {
         uint32_t port;
@@ -168,11 +161,11 @@ TEST_F(EmulatorModel, WhatADriverDoesNotKnow) {
         DriverStatus status;
     };
     const Case cases[] = {
-        {kNewest, {0xF0001001, 77}, DriverStatus::UnsupportedSubCode},
-        {kNewest, {0xF0001FFF, 0}, DriverStatus::InvalidRequest},
-        {kNewest, {0, 0}, DriverStatus::InvalidRequest},
-        {kLegacy, command::PortProperties, DriverStatus::InvalidRequest},
-        {kLegacy, command::EventDelivery, DriverStatus::InvalidRequest},
+        {kNewest, {0xF0001001, 77}, UnsupportedSubCode},
+        {kNewest, {0xF0001FFF, 0}, InvalidRequest},
+        {kNewest, {0, 0}, InvalidRequest},
+        {kLegacy, PortProperties, InvalidRequest},
+        {kLegacy, EventDelivery, InvalidRequest},
     };
     for (const Case& test : cases) {
         const Answer answer = Ask(test.port, test.command, 64);
@@ -180,65 +173,60 @@ TEST_F(EmulatorModel, WhatADriverDoesNotKnow) {
         EXPECT_EQ(answer.envelope.ext.responseLen, 0u);
         EXPECT_EQ(answer.returned, 116u);
     }
-    for (const Command& known :
-         {command::NodeProperties, command::DriverProperties, command::ChipProperties}) {
-        EXPECT_EQ(Ask(kLegacy, known, 696).Status(), DriverStatus::Success);
+    for (const Command& known : {NodeProperties, DriverProperties, ChipProperties}) {
+        EXPECT_EQ(Ask(kLegacy, known, 696).Status(), Success);
     }
 }
 
 TEST_F(EmulatorModel, ReplyThatDoesNotFit) {
-    const Answer whole = Ask(kNewest, command::NodeProperties, 696);
+    const Answer whole = Ask(kNewest, NodeProperties, 696);
     // Refused room, given buffer: the smaller of the two counts.
-    ExtRequest request = Envelope(command::NodeProperties, 0, 100);
+    ExtRequest request = Envelope(NodeProperties, 0, 100);
     const Answer small = Send(kNewest, request, {}, 116 + 100);
-    EXPECT_EQ(small.Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(small.Status(), BufferTooSmall);
     EXPECT_EQ(small.envelope.ext.responseLen, 696u);
     EXPECT_EQ(small.returned, 216u);
     EXPECT_TRUE(std::equal(small.data.begin(), small.data.end(), whole.data.begin()));
 
-    request = Envelope(command::NodeProperties, 0, 100);
+    request = Envelope(NodeProperties, 0, 100);
     request.ext.responseLen = 0xFFFFFFFF;
     const Answer lying = Send(kNewest, request, {}, 116 + 100);
-    EXPECT_EQ(lying.Status(), DriverStatus::BufferTooSmall);
+    EXPECT_EQ(lying.Status(), BufferTooSmall);
     EXPECT_EQ(lying.data, small.data);
 
-    const Answer none = Ask(kNewest, command::NodeProperties, 0);
-    EXPECT_EQ(none.Status(), DriverStatus::BufferTooSmall);
+    const Answer none = Ask(kNewest, NodeProperties, 0);
+    EXPECT_EQ(none.Status(), BufferTooSmall);
     EXPECT_EQ(none.returned, 116u);
 
-    const Answer roomy = Ask(kNewest, command::NodeProperties, 1000);
-    EXPECT_EQ(roomy.Status(), DriverStatus::Success);
+    const Answer roomy = Ask(kNewest, NodeProperties, 1000);
+    EXPECT_EQ(roomy.Status(), Success);
     EXPECT_EQ(roomy.envelope.ext.responseLen, 696u);
     EXPECT_EQ(roomy.data, whole.data);
 }
 
 TEST_F(EmulatorModel, EnvelopesThatLie) {
-    const ExtRequest good = Envelope(command::NodeProperties, 0, 80);
+    const ExtRequest good = Envelope(NodeProperties, 0, 80);
     auto expect = [&](const char* what, Completion completion, auto change) {
         ExtRequest request = good;
         change(request);
         EXPECT_EQ(Send(kNewest, request, {}, 196).completion, completion) << what;
     };
-    expect("unchanged", Completion::Done, [](ExtRequest&) {});
-    expect("SRB signature", Completion::Invalid, [](ExtRequest& r) { r.srb.signature[7] = 1; });
-    expect("header length", Completion::ShortBuffer,
-           [](ExtRequest& r) { r.srb.headerLength = 29; });
-    expect("one byte too long", Completion::ShortBuffer, [](ExtRequest& r) { ++r.srb.length; });
-    expect("longest length", Completion::ShortBuffer, [](ExtRequest& r) { r.srb.length = ~0u; });
-    expect("length without body", Completion::ShortBuffer,
-           [](ExtRequest& r) { r.srb.length = 87; });
-    expect("body signature", Completion::Invalid, [](ExtRequest& r) { r.ext.signature[0] = 'z'; });
-    EXPECT_EQ(model_->Request(99, nullptr, 0, 0, std::make_unique<uint32_t>().get()),
-              Completion::NoDevice);
+    expect("unchanged", Done, [](ExtRequest&) {});
+    expect("SRB signature", Invalid, [](ExtRequest& r) { r.srb.signature[7] = 1; });
+    expect("header length", ShortBuffer, [](ExtRequest& r) { r.srb.headerLength = 29; });
+    expect("one byte too long", ShortBuffer, [](ExtRequest& r) { ++r.srb.length; });
+    expect("longest length", ShortBuffer, [](ExtRequest& r) { r.srb.length = ~0u; });
+    expect("length without body", ShortBuffer, [](ExtRequest& r) { r.srb.length = 87; });
+    expect("body signature", Invalid, [](ExtRequest& r) { r.ext.signature[0] = 'z'; });
+    EXPECT_EQ(model_->Request(99, nullptr, 0, 0, std::make_unique<uint32_t>().get()), NoDevice);
 
     ExtRequest version = good;
     version.ext.levelAndVersion = 0x00060001;
-    EXPECT_EQ(Send(kNewest, version, {}, 196).Status(), DriverStatus::UnsupportedVersion);
+    EXPECT_EQ(Send(kNewest, version, {}, 196).Status(), UnsupportedVersion);
 
     // The discovery probe leaves signature and version empty, and is the only one that may.
     for (const auto& [command, completion] :
-         {std::pair{command::DriverProperties, Completion::Done},
-          std::pair{command::FirmwareProperties, Completion::Invalid}}) {
+         {std::pair{DriverProperties, Done}, std::pair{FirmwareProperties, Invalid}}) {
         ExtRequest probe = Envelope(command, 0, 200);
         std::memset(probe.ext.signature, 0, sizeof probe.ext.signature);
         probe.ext.levelAndVersion = 0;
@@ -251,10 +239,9 @@ TEST_F(EmulatorModel, SurvivesAnyRequest) {
     Delivery(kNewest, true);
     uint32_t seed = 1;
     auto random = [&seed] { return seed = seed * 1664525u + 1013904223u; };
-    const Command commands[] = {command::NodeProperties,   command::PortPropertiesV2,
-                                command::EventDelivery,    command::FetchEvents,
-                                command::ForceEvent,       command::PortDisableInfo,
-                                {command::LegacyQuery, 0}, {command::LegacyPortAndNode, 0}};
+    const Command commands[] = {
+        NodeProperties, PortPropertiesV2, EventDelivery,    FetchEvents,
+        ForceEvent,     PortDisableInfo,  {LegacyQuery, 0}, {LegacyPortAndNode, 0}};
     const uint32_t lengths[] = {0, 1, 27, 28, 29, 39, 40, 60, 115, 116, 117, 128, 132, 300};
     for (uint32_t input : lengths) {
         for (uint32_t output : lengths) {
@@ -279,7 +266,7 @@ TEST_F(EmulatorModel, SurvivesAnyRequest) {
                     model_->Request(round % 4, buffer.get(), input, output, &returned);
                 EXPECT_LE(returned, output);
                 EXPECT_EQ(buffer[length], guard);
-                if (completion != Completion::Done) {
+                if (completion != Done) {
                     EXPECT_EQ(returned, 0u);
                 }
             }
@@ -289,7 +276,7 @@ TEST_F(EmulatorModel, SurvivesAnyRequest) {
 
 TEST_F(EmulatorModel, BytesThatWereNotSentReadAsZero) {
     AddFault({kAnyPort, kAnyCode, kAnySubCode, 0, 0, FaultKind::Status, 1, 0});
-    const Answer answer = Ask(kNewest, command::NodeProperties, 40, {1, 2, 3});
+    const Answer answer = Ask(kNewest, NodeProperties, 40, {1, 2, 3});
     ASSERT_EQ(answer.data.size(), 40u);
     EXPECT_EQ(answer.data[2], 3);
     EXPECT_EQ(std::count(answer.data.begin() + 3, answer.data.end(), 0), 37);

@@ -1,8 +1,6 @@
 // Profiles: what is accepted, and what is not.
 #include "emulator/emulator_model_fixture.h"
 
-#include <cstring>
-
 namespace {
 
 using namespace emulator_test;

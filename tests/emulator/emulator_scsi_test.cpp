@@ -10,7 +10,6 @@ namespace {
 using namespace emulator_test;
 using passthru::DriverAddress;
 using passthru::ScsiRequest;
-using Bytes = std::vector<uint8_t>;
 
 struct ScsiAnswer {
     Answer answer;
@@ -42,8 +41,7 @@ class EmulatorScsi : public ModelFixture {
         std::memcpy(input.data(), &request, sizeof request);
         std::copy(out.begin(), out.end(), input.begin() + sizeof request);
         ScsiAnswer result;
-        result.answer =
-            Ask(port, command::ScsiPassThrough, static_cast<uint32_t>(input.size()), input);
+        result.answer = Ask(port, ScsiPassThrough, static_cast<uint32_t>(input.size()), input);
         const Bytes& data = result.answer.data;
         if (data.size() >= sizeof result.head) {
             std::memcpy(&result.head, data.data(), sizeof result.head);
@@ -60,7 +58,7 @@ class EmulatorScsi : public ModelFixture {
     static size_t BigEndian16(const Bytes& page) { return page[2] * 256u + page[3]; }
 
     void ExpectSense(const ScsiAnswer& result, uint8_t key, uint8_t code, uint8_t qualifier = 0) {
-        EXPECT_EQ(result.answer.Status(), DriverStatus::ScsiStatus);
+        EXPECT_EQ(result.answer.Status(), ScsiStatus);
         EXPECT_EQ(result.answer.envelope.ext.detailStatus, 2u);
         EXPECT_EQ(result.head.sense[0], 0x70);
         EXPECT_EQ(result.Key(), key);
@@ -105,23 +103,23 @@ TEST_F(EmulatorScsi, EveryAddressTypeNamesTheTarget) {
         std::memcpy(request.address, test.bytes, test.size);
         request.addressType = static_cast<uint16_t>(test.type);
         const ScsiAnswer found = Scsi(request, 96);
-        EXPECT_EQ(found.answer.Status(), DriverStatus::Success);
+        EXPECT_EQ(found.answer.Status(), Success);
         EXPECT_EQ(std::string(found.data.begin() + 8, found.data.begin() + 36),
                   "EMULATEDEmulated disk   1.00");
         request.address[0] ^= 0x55;
-        EXPECT_EQ(Scsi(request, 96).answer.Status(), DriverStatus::DeviceNotFound);
+        EXPECT_EQ(Scsi(request, 96).answer.Status(), DeviceNotFound);
     }
     // No address, an unknown type, a host, a device that has gone, and nobody at all.
     for (uint16_t type : {0, 4, 6, 0xFFFF}) {
         request.addressType = type;
-        EXPECT_EQ(Scsi(request, 96).answer.Status(), DriverStatus::DeviceNotFound) << type;
+        EXPECT_EQ(Scsi(request, 96).answer.Status(), DeviceNotFound) << type;
     }
     for (uint16_t number : {kOtherHost, kLost, uint16_t{5}, uint16_t{256}}) {
-        EXPECT_EQ(Scsi(number, 0, inquiry, 96).answer.Status(), DriverStatus::DeviceNotFound);
+        EXPECT_EQ(Scsi(number, 0, inquiry, 96).answer.Status(), DeviceNotFound);
     }
-    Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0});
-    EXPECT_EQ(Scsi(kArrayA, 0, inquiry, 96).answer.Status(), DriverStatus::DeviceNotFound);
-    EXPECT_EQ(Scsi(kArrayA, 0, inquiry, 96, {}, 1).answer.Status(), DriverStatus::Success);
+    Link(3, 0);
+    EXPECT_EQ(Scsi(kArrayA, 0, inquiry, 96).answer.Status(), DeviceNotFound);
+    EXPECT_EQ(Scsi(kArrayA, 0, inquiry, 96, {}, 1).answer.Status(), Success);
 }
 
 TEST_F(EmulatorScsi, InquiryAndItsPages) {
@@ -133,7 +131,7 @@ TEST_F(EmulatorScsi, InquiryAndItsPages) {
     EXPECT_EQ(Scsi(kArrayA, 0, {0x12, 0, 0, 0, 0, 0}, 96).data.size(), 0u);
     // More than the buffer holds.
     const ScsiAnswer cut = Scsi(kArrayA, 0, inquiry, 95);
-    EXPECT_EQ(cut.answer.Status(), DriverStatus::DataOverrun);
+    EXPECT_EQ(cut.answer.Status(), DataOverrun);
     EXPECT_EQ(cut.data, Bytes(standard.data.begin(), standard.data.begin() + 95));
 
     auto page = [&](uint8_t code, uint16_t lun = 2) {
@@ -152,7 +150,7 @@ TEST_F(EmulatorScsi, InquiryAndItsPages) {
 
     // No LUN there: the qualifier says so, and there are no pages.
     const ScsiAnswer absent = Scsi(kArrayA, 4, inquiry, 255);
-    EXPECT_EQ(absent.answer.Status(), DriverStatus::Success);
+    EXPECT_EQ(absent.answer.Status(), Success);
     EXPECT_EQ(absent.data[0], 0x7F);
     ExpectSense(page(0x80, 4), 5, 0x24);
 }
@@ -177,7 +175,7 @@ TEST_F(EmulatorScsi, LunListsFollowTargetAndMask) {
     Bytes mask(16 + 1);
     mask[2] = kArrayB;
     mask[16] = 0xFD;
-    EXPECT_EQ(Ask(kNewest, command::SetTargetLunMask, 0, mask).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, SetTargetLunMask, 0, mask).Status(), Success);
     EXPECT_EQ(Scsi(kArrayB, 0, reportLuns, 256).data[3], 16);
     EXPECT_EQ(Scsi(kArrayB, 1, inquiry, 96).data[0], 0x7F);
     ExpectSense(Scsi(kArrayB, 1, Bytes(6), 0), 5, 0x25);
@@ -189,7 +187,7 @@ TEST_F(EmulatorScsi, SenseOfCommandsThatCannotBe) {
     ExpectSense(Scsi(kArrayA, 9, {0xFE, 0, 0, 0, 0, 0}, 16), 5, 0x25);
     ExpectSense(Scsi(kArrayA, 2048, Bytes(6), 0), 5, 0x25);
     ExpectSense(Scsi(kArrayA, 0xFFFF, Bytes(6), 0), 5, 0x25);
-    EXPECT_EQ(Scsi(kArrayA, 0, Bytes(6), 0).answer.Status(), DriverStatus::Success);
+    EXPECT_EQ(Scsi(kArrayA, 0, Bytes(6), 0).answer.Status(), Success);
     // Sense data as data: nothing wrong, or no LUN.
     EXPECT_EQ(Scsi(kArrayA, 0, {0x03, 0, 0, 0, 18, 0}, 18).data[2], 0);
     EXPECT_EQ(Scsi(kArrayA, 9, {0x03, 0, 0, 0, 18, 0}, 18).data[12], 0x25);
@@ -227,7 +225,7 @@ TEST_F(EmulatorScsi, BlocksKeepWhatIsWritten) {
         written[at] = static_cast<uint8_t>(at * 7);
     }
     EXPECT_EQ(Scsi(kArrayA, 0, {0x2A, 0, 0, 0, 0, 7, 0, 0, 2, 0}, 0, written).answer.Status(),
-              DriverStatus::Success);
+              Success);
     Bytes expected = before;
     std::copy(written.begin(), written.end(), expected.begin() + 512);
     EXPECT_EQ(Scsi(kArrayA, 0, read, 2048).data, expected);
@@ -241,20 +239,20 @@ TEST_F(EmulatorScsi, BlocksKeepWhatIsWritten) {
 
     // Less data than the command speaks of, or less room.
     EXPECT_EQ(Scsi(kArrayA, 0, {0x2A, 0, 0, 0, 0, 7, 0, 0, 3, 0}, 0, written).answer.Status(),
-              DriverStatus::DataOverrun);
+              DataOverrun);
     EXPECT_EQ(Scsi(kArrayA, 0, read, 2048).data, expected);
     const ScsiAnswer cut = Scsi(kArrayA, 0, read, 700);
-    EXPECT_EQ(cut.answer.Status(), DriverStatus::DataOverrun);
+    EXPECT_EQ(cut.answer.Status(), DataOverrun);
     EXPECT_EQ(cut.data, Bytes(expected.begin(), expected.begin() + 700));
 
     // A LUN that is taken away forgets.
     vxemu::LunSelector lun = {{}, 0};
     const auto profile = MakeProfile("lab");
     std::memcpy(lun.target.portName, profile->targets[kArrayA].portName, 8);
-    EXPECT_EQ(Control(vxemu::control::kLunRemove, lun), Completion::Done);
+    EXPECT_EQ(Control(control::kLunRemove, lun), Done);
     EXPECT_EQ(Scsi(kArrayA, 0, inquiry, 96).data[0], 0x7F);
     const vxemu::LunRequest again = {lun.target, profile->luns[0]};
-    EXPECT_EQ(Control(vxemu::control::kLunAdd, again), Completion::Done);
+    EXPECT_EQ(Control(control::kLunAdd, again), Done);
     EXPECT_EQ(Scsi(kArrayA, 0, read, 2048).data, before);
 }
 
@@ -262,10 +260,9 @@ TEST_F(EmulatorScsi, BlocksBeyondTheDisk) {
     const uint64_t blocks = 8'589'934'592;
     const Bytes block(512, 0x5A);
     EXPECT_EQ(Scsi(kArrayA, 3, ReadOrWrite16(0x8A, blocks - 1, 1), 0, block).answer.Status(),
-              DriverStatus::Success);
+              Success);
     EXPECT_EQ(Scsi(kArrayA, 3, ReadOrWrite16(0x88, blocks - 1, 1), 512).data, block);
-    EXPECT_EQ(Scsi(kArrayA, 3, ReadOrWrite16(0x88, blocks, 0), 512).answer.Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Scsi(kArrayA, 3, ReadOrWrite16(0x88, blocks, 0), 512).answer.Status(), Success);
     struct Case {
         uint64_t address;
         uint32_t count;
@@ -279,44 +276,39 @@ TEST_F(EmulatorScsi, BlocksBeyondTheDisk) {
     }
     // A transfer longer than any buffer.
     EXPECT_EQ(Scsi(kArrayA, 3, ReadOrWrite16(0x88, 0, 0xFFFFFFFF), 512).answer.Status(),
-              DriverStatus::DataOverrun);
+              DataOverrun);
 }
 
 TEST_F(EmulatorScsi, FullMemoryIsASenseCode) {
     Bytes cluster(4096, 1);
     for (uint32_t at = 0; at < vxemu::kMaxStoreChunks; ++at) {
         ASSERT_EQ(Scsi(kArrayA, 2, ReadOrWrite16(0x8A, at, 1), 0, cluster).answer.Status(),
-                  DriverStatus::Success);
+                  Success);
     }
     ExpectSense(Scsi(kArrayA, 2, ReadOrWrite16(0x8A, 5000, 1), 0, cluster), 7, 0x27, 7);
     // What has its place already can still be written.
-    EXPECT_EQ(Scsi(kArrayA, 2, ReadOrWrite16(0x8A, 7, 1), 0, cluster).answer.Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Scsi(kArrayA, 2, ReadOrWrite16(0x8A, 7, 1), 0, cluster).answer.Status(), Success);
 }
 
 TEST_F(EmulatorScsi, RequestsThatLie) {
     ScsiRequest request = Request(kArrayA, 0, inquiry);
     for (uint8_t length : {0, 79, 255}) {
         request.cdbLength = length;
-        EXPECT_EQ(Scsi(request, 96).answer.Status(), DriverStatus::InvalidParameter);
+        EXPECT_EQ(Scsi(request, 96).answer.Status(), InvalidParameter);
     }
     request.cdbLength = 78;
-    EXPECT_EQ(Scsi(request, 96).answer.Status(), DriverStatus::Success);
+    EXPECT_EQ(Scsi(request, 96).answer.Status(), Success);
     request.direction = 3;
     Bytes input(sizeof request);
     std::memcpy(input.data(), &request, sizeof request);
-    EXPECT_EQ(Ask(kNewest, command::ScsiPassThrough, 352, input).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, ScsiPassThrough, 352, input).Status(), InvalidParameter);
     request.direction = 1;
     std::memcpy(input.data(), &request, sizeof request);
     // No room for the head, and none for data.
-    EXPECT_EQ(Ask(kNewest, command::ScsiPassThrough, 351, input).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(kNewest, command::ScsiPassThrough, 352, input).Status(),
-              DriverStatus::DataOverrun);
+    EXPECT_EQ(Ask(kNewest, ScsiPassThrough, 351, input).Status(), InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, ScsiPassThrough, 352, input).Status(), DataOverrun);
     input.pop_back();
-    EXPECT_EQ(Ask(kNewest, command::ScsiPassThrough, 352, input).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, ScsiPassThrough, 352, input).Status(), InvalidParameter);
 
     uint32_t seed = 7;
     auto random = [&seed] { return seed = seed * 1664525u + 1013904223u; };
@@ -335,8 +327,7 @@ TEST_F(EmulatorScsi, RequestsThatLie) {
 
 // Through a legacy driver: loop identifiers, and sense in three bytes.
 TEST_F(EmulatorScsi, LegacyPassThrough) {
-    auto send = [&](uint16_t loopId, uint8_t lun, const Bytes& cdb,
-                    Completion expected = Completion::Done) {
+    auto send = [&](uint16_t loopId, uint8_t lun, const Bytes& cdb, Completion expected = Done) {
         Bytes input(sizeof(passthru::LegacyScsiRequest));
         auto& request = *reinterpret_cast<passthru::LegacyScsiRequest*>(input.data());
         request.loopId = loopId;
@@ -344,7 +335,7 @@ TEST_F(EmulatorScsi, LegacyPassThrough) {
         request.flags = passthru::kLegacyFlagsIn;
         request.cdbLength = static_cast<uint32_t>(cdb.size());
         std::copy_n(cdb.begin(), std::min<size_t>(cdb.size(), 16), request.cdb);
-        return AskPlain(kLegacy, command::LegacyScsiPassThrough, input, 4128, expected);
+        return AskPlain(kLegacy, LegacyScsiPassThrough, input, 4128, expected);
     };
     const auto list = std::make_unique<properties::LegacyTargetListReply>(
         AskLegacy<properties::LegacyTargetListReply>(properties::LegacySelector::TargetList));
@@ -356,11 +347,11 @@ TEST_F(EmulatorScsi, LegacyPassThrough) {
     const Bytes bad = send(loopId, 0, {0xFE});
     EXPECT_EQ(Bytes(bad.begin() + 8, bad.begin() + 12), (Bytes{2, 5, 0x20, 0}));
     EXPECT_EQ(send(loopId, 0, {0x28, 0, 0, 0, 0, 0, 0, 0, 8, 0}).size(), 4128u);
-    send(loopId, 0, {0x28, 0, 0, 0, 0, 0, 0, 0, 9, 0}, Completion::Invalid);
-    send(list->entries[4].loopId, 0, inquiry, Completion::Invalid);  // stale
-    send(0xFFFF, 0, inquiry, Completion::Invalid);
-    send(loopId, 0, Bytes(17), Completion::Invalid);
-    send(loopId, 0, {}, Completion::Invalid);
+    send(loopId, 0, {0x28, 0, 0, 0, 0, 0, 0, 0, 9, 0}, Invalid);
+    send(list->entries[4].loopId, 0, inquiry, Invalid);  // stale
+    send(0xFFFF, 0, inquiry, Invalid);
+    send(loopId, 0, Bytes(17), Invalid);
+    send(loopId, 0, {}, Invalid);
 }
 
 }  // namespace

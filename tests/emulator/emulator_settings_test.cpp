@@ -13,33 +13,24 @@ namespace variable = vxemu::nvram_variable;
 class EmulatorSettings : public EmulatorFlashFixture {
   protected:
     uint8_t ActiveBank(uint32_t port) {
-        const Answer answer = Ask(port, command::ActiveRegions, 37, Bytes(37, '3'));
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(port, ActiveRegions, 37, Bytes(37, '3'));
+        EXPECT_EQ(answer.Status(), Success);
         return answer.data.at(2);
     }
     uint16_t Throttle(uint32_t port) {
-        return Ask(port, command::PortPropertiesV2, sizeof(properties::PortReplyV2))
+        return Ask(port, PortPropertiesV2, sizeof(properties::PortReplyV2))
             .As<properties::PortReplyV2>()
             .executionThrottle;
     }
     Bytes Nvram(uint32_t port, uint16_t subCode, uint32_t room) {
-        const Answer answer = Ask(port, {command::NvramRead.code, subCode}, room);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Ask(port, {NvramRead.code, subCode}, room);
+        EXPECT_EQ(answer.Status(), Success);
         return answer.data;
     }
     static Bytes WithThrottle(Bytes block, uint32_t value) {
         flash::SetVariable(block, flash::BlockKind::Extended, variable::kExecutionThrottle, value);
         formats::MakeChecksum(flash::BlockKind::Extended, block);
         return block;
-    }
-    // An adapter of the lab profile as a classic chip with the newer driver.
-    void StartClassic() {
-        const auto profile = MakeProfile("lab");
-        profile->adapters[2] = vxemu::DefaultAdapter(0x7300, vxemu::DriverGeneration::Extended);
-        std::strcpy(profile->adapters[2].serial, "EMU7300");
-        vxemu::Model::Destroy(model_);
-        model_ = vxemu::Model::Create(host_.Get(), *profile);
-        ASSERT_NE(model_, nullptr);
     }
 };
 
@@ -56,36 +47,36 @@ TEST_F(EmulatorSettings, WrittenBankIsTakenOverByAReload) {
     const Bytes vpd = ReadRegion(kNewest, 20);
     EXPECT_EQ(ActiveBank(kNewest), 1);
     EXPECT_EQ(ReadRegion(kNewest, 269), first) << "delivered with both banks alike";
-    EXPECT_EQ(WriteRegion(kNewest, 269, WithThrottle(first, 77)).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 269, WithThrottle(first, 77)).Status(), Success);
     EXPECT_EQ(Nvram(kNewest, 1, 512), first) << "not in use yet";
     EXPECT_EQ(Throttle(kNewest), 65535);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), DriverStatus::Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), Success);
     EXPECT_EQ(ActiveBank(kNewest), 2);
     EXPECT_EQ(Nvram(kNewest, 1, 512), WithThrottle(first, 77));
     EXPECT_EQ(Throttle(kNewest), 77);
     EXPECT_EQ(ActiveBank(1), 1) << "each port has its own bank";
-    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), DriverStatus::Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), Success);
     EXPECT_EQ(ActiveBank(kNewest), 2) << "nothing to take over";
 
     // VPD alone: the NVRAM in use goes along to the other bank.
     Bytes changed = vpd;
     changed[5] ^= 0x20;
-    EXPECT_EQ(WriteRegion(kNewest, 20, changed).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(kNewest, command::VpdRead, 512).data, vpd);
-    EXPECT_EQ(Ask(kNewest, command::VpdWrite, 0, changed).Status(), DriverStatus::Success);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 20, changed).Status(), Success);
+    EXPECT_EQ(Ask(kNewest, VpdRead, 512).data, vpd);
+    EXPECT_EQ(Ask(kNewest, VpdWrite, 0, changed).Status(), Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), Success);
     EXPECT_EQ(ActiveBank(kNewest), 1);
     EXPECT_EQ(ReadRegion(kNewest, 21), WithThrottle(first, 77));
-    EXPECT_EQ(Ask(kNewest, command::VpdRead, 512).data, changed);
+    EXPECT_EQ(Ask(kNewest, VpdRead, 512).data, changed);
 
     // A block that does not hold is never taken over.
     Bytes bad = first;
     bad[12] ^= 1;
-    EXPECT_EQ(WriteRegion(kNewest, 269, bad).Status(), DriverStatus::Success);
-    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), DriverStatus::NvramChecksum);
+    EXPECT_EQ(WriteRegion(kNewest, 269, bad).Status(), Success);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), NvramChecksum);
     EXPECT_EQ(ActiveBank(kNewest), 1);
     EXPECT_EQ(Throttle(kNewest), 77);
-    EXPECT_EQ(WriteRegion(kNewest, 269, WithThrottle(first, 78)).Status(), DriverStatus::Success);
+    EXPECT_EQ(WriteRegion(kNewest, 269, WithThrottle(first, 78)).Status(), Success);
     Reset(3);
     EXPECT_EQ(Throttle(kNewest), 78) << "a start reads the settings as well";
 }
@@ -94,21 +85,16 @@ TEST_F(EmulatorSettings, LargeRomPortHasItsBlockInTheFlash) {
     const Bytes block = ReadRegion(kLargeRom, 21);
     EXPECT_EQ(Nvram(kLargeRom, 0, 512), block);
     EXPECT_EQ(Nvram(kLargeRom, 1, 256), Bytes(block.begin(), block.begin() + 256));
-    EXPECT_EQ(Ask(kLargeRom, {command::NvramWrite.code, 0}, 0, block).Status(),
-              DriverStatus::InvalidRequest);
-    EXPECT_EQ(Ask(kLargeRom, {command::NvramRead.code, 2}, 512).Status(),
-              DriverStatus::UnsupportedSubCode);
+    EXPECT_EQ(Ask(kLargeRom, {NvramWrite.code, 0}, 0, block).Status(), InvalidRequest);
+    EXPECT_EQ(Ask(kLargeRom, {NvramRead.code, 2}, 512).Status(), UnsupportedSubCode);
     Bytes bad = block;
     bad[100] ^= 1;
-    EXPECT_EQ(WriteRegion(kLargeRom, 21, bad).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(kLargeRom, {command::NvramRead.code, 1}, 512).Status(),
-              DriverStatus::NvramChecksum);
+    EXPECT_EQ(WriteRegion(kLargeRom, 21, bad).Status(), Success);
+    EXPECT_EQ(Ask(kLargeRom, {NvramRead.code, 1}, 512).Status(), NvramChecksum);
     EXPECT_EQ(Nvram(kLargeRom, 0, 512), bad);
-    EXPECT_EQ(Ask(kLargeRom, {command::NvramWrite.code, 2}, 0, bad).Status(),
-              DriverStatus::NvramChecksum);
-    EXPECT_EQ(WriteRegion(kLargeRom, 21, WithThrottle(block, 3)).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(kLargeRom, {command::NvramWrite.code, 2}, 0, block).Status(),
-              DriverStatus::Success);
+    EXPECT_EQ(Ask(kLargeRom, {NvramWrite.code, 2}, 0, bad).Status(), NvramChecksum);
+    EXPECT_EQ(WriteRegion(kLargeRom, 21, WithThrottle(block, 3)).Status(), Success);
+    EXPECT_EQ(Ask(kLargeRom, {NvramWrite.code, 2}, 0, block).Status(), Success);
 }
 
 TEST_F(EmulatorSettings, ClassicPortKeepsItsOwnBlocks) {
@@ -124,68 +110,65 @@ TEST_F(EmulatorSettings, ClassicPortKeepsItsOwnBlocks) {
     flash::SetVariable(changed, flash::BlockKind::Classic, variable::kExecutionThrottle, 16);
     changed[0] = 'X';
     changed[200] = 0x77;
-    EXPECT_EQ(Ask(port, {command::NvramWrite.code, 1}, 0, changed).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(port, {NvramWrite.code, 1}, 0, changed).Status(), Success);
     const Bytes after = Nvram(port, 1, 256);
     EXPECT_EQ(after[0], 'K');
     EXPECT_EQ(after[200], block[200]);
     EXPECT_EQ(flash::GetVariable(after, flash::BlockKind::Classic, variable::kExecutionThrottle),
               16u);
     // The whole block as it is.
-    EXPECT_EQ(Ask(port, {command::NvramWrite.code, 0}, 0, changed).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(port, {NvramWrite.code, 0}, 0, changed).Status(), Success);
     EXPECT_EQ(Nvram(port, 0, 256), changed);
-    EXPECT_EQ(Ask(port, {command::NvramRead.code, 1}, 256).Status(), DriverStatus::NvramChecksum);
-    EXPECT_EQ(Ask(port, {command::NvramWrite.code, 0}, 0, Bytes(255)).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(port, {command::NvramWrite.code, 2}, 0, block).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(port, {command::NvramWrite.code, 3}, 0, block).Status(),
-              DriverStatus::UnsupportedSubCode);
+    EXPECT_EQ(Ask(port, {NvramRead.code, 1}, 256).Status(), NvramChecksum);
+    EXPECT_EQ(Ask(port, {NvramWrite.code, 0}, 0, Bytes(255)).Status(), InvalidParameter);
+    EXPECT_EQ(Ask(port, {NvramWrite.code, 2}, 0, block).Status(), Success);
+    EXPECT_EQ(Ask(port, {NvramWrite.code, 3}, 0, block).Status(), UnsupportedSubCode);
 
-    const Answer query = Ask(port, command::VpdRead, 0);
-    EXPECT_EQ(query.Status(), DriverStatus::BufferTooSmall);
+    const Answer query = Ask(port, VpdRead, 0);
+    EXPECT_EQ(query.Status(), BufferTooSmall);
     EXPECT_EQ(+query.envelope.ext.responseLen, 256u);
-    Bytes vpd = Ask(port, command::VpdRead, 256).data;
+    Bytes vpd = Ask(port, VpdRead, 256).data;
     ASSERT_EQ(vpd.size(), 256u);
     vpd[100] ^= 1;
-    EXPECT_EQ(Ask(port, command::VpdWrite, 0, vpd).Status(), DriverStatus::Success);
-    EXPECT_EQ(Ask(port, command::VpdRead, 256).data, vpd);
-    EXPECT_EQ(Ask(port, command::VpdWrite, 0, Bytes(257)).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(port, VpdWrite, 0, vpd).Status(), Success);
+    EXPECT_EQ(Ask(port, VpdRead, 256).data, vpd);
+    EXPECT_EQ(Ask(port, VpdWrite, 0, Bytes(257)).Status(), InvalidParameter);
 
     // No memory is a status, not a fault.
     StartClassic();
     host_.failAt = 0;
-    EXPECT_EQ(Ask(port, {command::NvramRead.code, 0}, 256).Status(), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(port, {NvramRead.code, 0}, 256).Status(), InvalidRequest);
 }
 
 TEST_F(EmulatorSettings, LegacyDriverHasPlainRequests) {
-    const Bytes block = AskPlain(kLegacy, command::LegacyNvramRead, Bytes(256), 256);
+    const Bytes block = AskPlain(kLegacy, LegacyNvramRead, Bytes(256), 256);
     ASSERT_EQ(block.size(), 256u);
     EXPECT_EQ(SumOf(block, 0, 256), 0u);
-    EXPECT_EQ(AskPlain(kLegacy, command::LegacyNvramRead, Bytes(300), 300).size(), 256u);
+    EXPECT_EQ(AskPlain(kLegacy, LegacyNvramRead, Bytes(300), 300).size(), 256u);
     const auto part = [&](flash::LegacyNvramSelector selector, uint32_t size) {
         transport::SelectorRecord record = {};
         record.selector = static_cast<uint32_t>(selector);
-        const Bytes reply =
-            AskPlain(kLegacy, command::LegacyQuery, BytesOfRecord(record), 12 + size);
+        const Bytes reply = AskPlain(kLegacy, LegacyQuery, BytesOf(record), 12 + size);
         return Bytes(reply.begin() + 12, reply.end());
     };
     using flash::LegacyNvramSelector;
     EXPECT_EQ(part(LegacyNvramSelector::Settings, 64),
               Bytes(block.begin() + 6, block.begin() + 70));
     EXPECT_EQ(part(LegacyNvramSelector::Tail, 16), Bytes(block.begin() + 70, block.begin() + 86));
-    AskPlain(kLegacy, command::LegacyNvramWrite64, Bytes(64, 0x31), 0);
-    AskPlain(kLegacy, command::LegacyNvramWrite16, Bytes(16, 0x32), 0);
+    AskPlain(kLegacy, LegacyNvramWrite64, Bytes(64, 0x31), 0);
+    AskPlain(kLegacy, LegacyNvramWrite16, Bytes(16, 0x32), 0);
     Bytes expected = block;
     std::fill_n(expected.begin() + 6, 64, 0x31);
     std::fill_n(expected.begin() + 70, 16, 0x32);
-    Bytes found = AskPlain(kLegacy, command::LegacyNvramRead, Bytes(256), 256);
+    Bytes found = AskPlain(kLegacy, LegacyNvramRead, Bytes(256), 256);
     EXPECT_EQ(SumOf(found, 0, 256), 0u);
     found.back() = expected.back();
     EXPECT_EQ(found, expected);
-    AskPlain(kLegacy, command::LegacyNvramWrite, block, 256);
-    EXPECT_EQ(AskPlain(kLegacy, command::LegacyNvramRead, Bytes(256), 256), block);
-    AskPlain(kLegacy, command::LegacyNvramWrite64, Bytes(63), 0, Completion::Invalid);
-    AskPlain(kLegacy, command::LegacyNvramWrite, {}, 0, Completion::Invalid);
-    AskPlain(kNewest, command::LegacyNvramRead, Bytes(256), 256, Completion::Invalid);
+    AskPlain(kLegacy, LegacyNvramWrite, block, 256);
+    EXPECT_EQ(AskPlain(kLegacy, LegacyNvramRead, Bytes(256), 256), block);
+    AskPlain(kLegacy, LegacyNvramWrite64, Bytes(63), 0, Invalid);
+    AskPlain(kLegacy, LegacyNvramWrite, {}, 0, Invalid);
+    AskPlain(kNewest, LegacyNvramRead, Bytes(256), 256, Invalid);
 }
 
 class EmulatorTwoWire : public EmulatorFlashFixture {
@@ -198,12 +181,12 @@ class EmulatorTwoWire : public EmulatorFlashFixture {
         record.length = length;
         record.options = options;
         std::copy_n(data.begin(), std::min(data.size(), sizeof record.data), record.data);
-        return Ask(port, command, sizeof record, BytesOfRecord(record));
+        return Ask(port, command, sizeof record, BytesOf(record));
     }
     Bytes Read(uint16_t device, uint16_t offset, uint16_t length, uint16_t options = 0,
                uint32_t port = kNewest) {
-        const Answer answer = Move(command::I2cRead, device, offset, length, options, {}, port);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        const Answer answer = Move(I2cRead, device, offset, length, options, {}, port);
+        EXPECT_EQ(answer.Status(), Success);
         const auto record = answer.As<flash::TwoWireRecord>();
         EXPECT_EQ(+record.deviceStatus, 0);
         return {record.data, record.data + length};
@@ -232,15 +215,14 @@ TEST_F(EmulatorTwoWire, TransceiverPagesHold) {
         }
         EXPECT_EQ(page[110], 0);
     }
-    const Bytes both = Ask(kNewest, command::SfpRead, 512, Bytes(512)).data;
+    const Bytes both = Ask(kNewest, SfpRead, 512, Bytes(512)).data;
     ASSERT_EQ(both.size(), 512u);
     EXPECT_EQ(Bytes(both.begin(), both.begin() + 256), Read(0xA0, 0, 256));
     EXPECT_EQ(Bytes(both.begin() + 256, both.begin() + 352), Read(0xA2, 0, 96));
-    EXPECT_EQ(Ask(kNewest, command::SfpRead, 96, Bytes(96)).data,
-              Bytes(both.begin(), both.begin() + 96));
+    EXPECT_EQ(Ask(kNewest, SfpRead, 96, Bytes(96)).data, Bytes(both.begin(), both.begin() + 96));
     EXPECT_NE(Read(0xA0, 68, 16), Read(0xA0, 68, 16, 0, 1)) << "serial numbers";
     EXPECT_NE(Read(0xA2, 96, 10), Read(0xA2, 96, 10)) << "values move";
-    ASSERT_EQ(Control(vxemu::control::kSetLink, vxemu::LinkRequest{3, 0}), Completion::Done);
+    Link(3, 0);
     const Bytes dark = Read(0xA2, 96, 22);
     EXPECT_EQ(dark[8] * 256 + dark[9], 1) << "no light";
     EXPECT_EQ(dark[14], 0x02) << "loss of signal";
@@ -257,18 +239,18 @@ TEST_F(EmulatorTwoWire, OnlyWhatIsThereIsMoved) {
                         {0xA0, 256, 1, 0, 0x4006},         {0xA0, 255, 2, 0, 0x4006},
                         {0xA0, 0xFFFF, 0xFFFF, 0, 0x4006}, {0xA0, 2047, 2, 0x2000, 0x4006}};
     for (const Row& row : rows) {
-        for (const Command command : {command::I2cRead, command::I2cWrite}) {
+        for (const Command command : {I2cRead, I2cWrite}) {
             const Answer answer = Move(command, row.device, row.offset, row.length, row.options);
-            EXPECT_EQ(answer.Status(), DriverStatus::MailboxFailed) << row.device;
+            EXPECT_EQ(answer.Status(), MailboxFailed) << row.device;
             EXPECT_EQ(+answer.envelope.ext.detailStatus, row.detail) << row.device;
         }
     }
     EXPECT_EQ(Read(0xA0, 256, 0).size(), 0u);
     const Bytes before = Read(0xA0, 0, 256);
-    EXPECT_EQ(Move(command::I2cWrite, 0xA0, 0, 1, 0, {0xFF}).Status(), DriverStatus::MailboxFailed);
+    EXPECT_EQ(Move(I2cWrite, 0xA0, 0, 1, 0, {0xFF}).Status(), MailboxFailed);
     EXPECT_EQ(Read(0xA0, 0, 256), before) << "identity is read-only";
-    EXPECT_EQ(Move(command::I2cWrite, 0xA2, 128, 3, 0, {1, 2, 3}).Status(), DriverStatus::Success);
-    EXPECT_EQ(Move(command::I2cWrite, 0xA2, 129, 3, 1, {9, 9, 9}).Status(), DriverStatus::Success);
+    EXPECT_EQ(Move(I2cWrite, 0xA2, 128, 3, 0, {1, 2, 3}).Status(), Success);
+    EXPECT_EQ(Move(I2cWrite, 0xA2, 129, 3, 1, {9, 9, 9}).Status(), Success);
     EXPECT_EQ(Read(0xA2, 128, 4), (Bytes{1, 2, 3, 0})) << "no data phase, nothing written";
     EXPECT_EQ(Read(0xA2, 128, 3, 0, 1), (Bytes{0, 0, 0})) << "the other port's own";
     // Version records, and the byte that has them read.
@@ -276,10 +258,9 @@ TEST_F(EmulatorTwoWire, OnlyWhatIsThereIsMoved) {
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(record.data())),
               "V:3.61,D:00000000,A:Y,T:B");
     EXPECT_EQ(Read(0xE0, 0, 1, 0x2001), Bytes{0x10});
-    EXPECT_EQ(Move(command::I2cWrite, 0xE0, 0, 1, 0x2000, {0x00}).Status(), DriverStatus::Success);
+    EXPECT_EQ(Move(I2cWrite, 0xE0, 0, 1, 0x2000, {0x00}).Status(), Success);
     EXPECT_EQ(Read(0xE0, 0, 1, 0x2001), Bytes{0x00});
-    EXPECT_EQ(Ask(kNewest, command::I2cRead, 266, Bytes(265)).Status(),
-              DriverStatus::InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, I2cRead, 266, Bytes(265)).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorTwoWire, FirmwareForTheTransceiver) {
@@ -297,9 +278,9 @@ TEST_F(EmulatorTwoWire, FirmwareForTheTransceiver) {
     const auto piece = [&](uint32_t flags, uint32_t size, uint32_t offset, uint32_t length,
                            Bytes data) {
         const flash::TransceiverLoadRecord record = {flags, size, length, offset, {}};
-        const Bytes bytes = BytesOfRecord(record);
+        const Bytes bytes = BytesOf(record);
         data.insert(data.begin(), bytes.begin(), bytes.end());
-        return Ask(kNewest, command::LoadSfpFirmware, sizeof(flash::TransceiverLoadReply), data);
+        return Ask(kNewest, LoadSfpFirmware, sizeof(flash::TransceiverLoadReply), data);
     };
     // Loads an image in pieces; the last result.
     const auto load = [&](const Bytes& bytes) {
@@ -310,7 +291,7 @@ TEST_F(EmulatorTwoWire, FirmwareForTheTransceiver) {
             const uint32_t flags = (at == 0 ? 1u : 0u) | (at + length == size ? 2u : 0u);
             const Answer answer =
                 piece(flags, size, at, length, {bytes.begin() + at, bytes.begin() + at + length});
-            EXPECT_EQ(answer.Status(), DriverStatus::Success);
+            EXPECT_EQ(answer.Status(), Success);
             result = answer.As<flash::TransceiverLoadReply>().result;
         }
         return result;
@@ -339,22 +320,20 @@ TEST_F(EmulatorTwoWire, FirmwareForTheTransceiver) {
     EXPECT_EQ(resultOf(piece(2, 100, 51, 49, Bytes(49))), 2u);
     EXPECT_EQ(resultOf(piece(3, 100, 0, 50, {whole.begin(), whole.begin() + 50})), 2u);
     // Lengths that the request does not have.
-    EXPECT_EQ(piece(1, 0xFFFFFFFF, 0, 50, Bytes(50)).Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(piece(1, 100, 0, 51, Bytes(50)).Status(), DriverStatus::InvalidParameter);
-    EXPECT_EQ(piece(1, 100, 0, 0, Bytes(50)).Status(), DriverStatus::InvalidParameter);
+    EXPECT_EQ(piece(1, 0xFFFFFFFF, 0, 50, Bytes(50)).Status(), InvalidParameter);
+    EXPECT_EQ(piece(1, 100, 0, 51, Bytes(50)).Status(), InvalidParameter);
+    EXPECT_EQ(piece(1, 100, 0, 0, Bytes(50)).Status(), InvalidParameter);
 }
 
 TEST_F(EmulatorTwoWire, CompanionChip) {
-    const auto operation = [](uint16_t number) {
-        return Command{command::AuxiliaryFirmware.code, number};
-    };
+    const auto operation = [](uint16_t number) { return Command{AuxiliaryFirmware.code, number}; };
     const auto version = [&] { return Ask(kNewest, operation(2), 4, Bytes(4)).As<uint32_t>(); };
     const uint32_t delivered = version();
     const auto segment = [&](uint32_t offset, uint32_t size, uint32_t total, uint32_t address,
                              bool last) {
         const flash::CompanionSegmentRecord record = {
             last ? flash::kCompanionLastSegment : 0, 1, 0x00020500, address, total, size, offset};
-        Bytes input = BytesOfRecord(record);
+        Bytes input = BytesOf(record);
         input.resize(input.size() + size);
         const Answer answer =
             Ask(kNewest, operation(3), static_cast<uint32_t>(input.size()), input);
@@ -365,24 +344,24 @@ TEST_F(EmulatorTwoWire, CompanionChip) {
         return std::pair{answer.Status(), uint32_t{reply.exchangeAddress}};
     };
     const auto [status, address] = segment(0, 3952, 5000, 0, false);
-    EXPECT_EQ(status, DriverStatus::Success);
+    EXPECT_EQ(status, Success);
     EXPECT_NE(address, 0u);
-    EXPECT_EQ(segment(3952, 1048, 5000, address + 1, true).first, DriverStatus::InvalidParameter);
-    EXPECT_EQ(segment(3952, 1048, 5000, address, true).first, DriverStatus::InvalidParameter)
+    EXPECT_EQ(segment(3952, 1048, 5000, address + 1, true).first, InvalidParameter);
+    EXPECT_EQ(segment(3952, 1048, 5000, address, true).first, InvalidParameter)
         << "the update is over";
-    EXPECT_EQ(segment(0, 3952, 5000, 0, false).first, DriverStatus::Success);
-    EXPECT_EQ(segment(3952, 1048, 5000, address, true).first, DriverStatus::Success);
+    EXPECT_EQ(segment(0, 3952, 5000, 0, false).first, Success);
+    EXPECT_EQ(segment(3952, 1048, 5000, address, true).first, Success);
     EXPECT_EQ(version(), delivered) << "until its reset";
-    EXPECT_EQ(Ask(kNewest, operation(1), 4, Bytes(4)).Status(), DriverStatus::Success);
+    EXPECT_EQ(Ask(kNewest, operation(1), 4, Bytes(4)).Status(), Success);
     EXPECT_EQ(version(), 0x00020500u);
 
     Bytes information;
     flash::CompanionInformationRecord record = {0, 65536, 32768, 0, 0};
     do {
         record.offset = static_cast<uint32_t>(information.size());
-        Bytes input = BytesOfRecord(record);
+        Bytes input = BytesOf(record);
         const Answer answer = Ask(kNewest, operation(4), sizeof record + 32768, input);
-        ASSERT_EQ(answer.Status(), DriverStatus::Success);
+        ASSERT_EQ(answer.Status(), Success);
         std::memcpy(&record, answer.data.data(), sizeof record);
         ASSERT_EQ(answer.data.size(), sizeof record + record.returned);
         information.insert(information.end(), answer.data.begin() + sizeof record,
@@ -390,10 +369,9 @@ TEST_F(EmulatorTwoWire, CompanionChip) {
     } while (record.returned == 32768);
     EXPECT_EQ(information.size(), record.total);
     record.offset = record.total + 1;
-    EXPECT_EQ(Ask(kNewest, operation(4), 1000, BytesOfRecord(record)).Status(),
-              DriverStatus::InvalidParameter);
-    EXPECT_EQ(Ask(kNewest, operation(5), 4, Bytes(4)).Status(), DriverStatus::UnsupportedSubCode);
-    EXPECT_EQ(Ask(kLargeRom, operation(2), 4, Bytes(4)).Status(), DriverStatus::InvalidRequest);
+    EXPECT_EQ(Ask(kNewest, operation(4), 1000, BytesOf(record)).Status(), InvalidParameter);
+    EXPECT_EQ(Ask(kNewest, operation(5), 4, Bytes(4)).Status(), UnsupportedSubCode);
+    EXPECT_EQ(Ask(kLargeRom, operation(2), 4, Bytes(4)).Status(), InvalidRequest);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ using namespace flash;
 using namespace formats;
 using support::Chain;
 using support::ChecksumHolds;
+using support::MakeFirmware;
 using support::MakeRom;
 using Bytes = std::vector<uint8_t>;
 
@@ -113,8 +114,7 @@ TEST(FlashPure, WholeImageTakesTheAdaptersIdentity) {
     EXPECT_TRUE(ChecksumHolds(image, 0));
 
     struct Row {
-        support::RomSpec image;
-        support::RomSpec current;
+        support::RomSpec image, current;
         bool changes;
     };
     const Row rows[] = {
@@ -219,29 +219,6 @@ TEST(FlashPure, BootChainTakesTheAdaptersIdentity) {
     }
 }
 
-// A firmware image of two segments with these lengths in words; the sums are right.
-Bytes MakeFirmware(uint32_t first, uint32_t second, size_t words) {
-    std::vector<uint32_t> image(words);
-    std::iota(image.begin(), image.end(), 100u);
-    image[3] = first;
-    image[first + 3] = second;
-    const auto fix = [&](size_t start, size_t count) {
-        uint32_t& last = image[start + count - 1];
-        last = 0;
-        last = 0 - std::accumulate(image.begin() + static_cast<ptrdiff_t>(start),
-                                   image.begin() + static_cast<ptrdiff_t>(start + count), 0u);
-    };
-    fix(0, first);
-    fix(first, second);
-    Bytes bytes;
-    for (const uint32_t word : image) {
-        for (int shift = 24; shift >= 0; shift -= 8) {
-            bytes.push_back(static_cast<uint8_t>(word >> shift));
-        }
-    }
-    return bytes;
-}
-
 TEST(FlashPure, FirmwareSegments) {
     const Bytes good = MakeFirmware(40, 24, 64);
     EXPECT_EQ(FirmwareCheck::Good, CheckFirmware(good, 256));
@@ -255,9 +232,7 @@ TEST(FlashPure, FirmwareSegments) {
     }
     const auto withWord = [&](size_t word, uint32_t value) {
         Bytes bytes = good;
-        for (size_t i = 0; i < 4; ++i) {
-            bytes[word * 4 + i] = static_cast<uint8_t>(value >> (24 - 8 * i));
-        }
+        support::PutWord(bytes, word, value);
         return CheckFirmware(bytes, 256);
     };
     for (const uint32_t length : {0u, 61u, 63u, 64u, 65u, 0x40000000u, 0xFFFFFFFFu}) {

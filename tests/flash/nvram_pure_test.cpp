@@ -210,8 +210,7 @@ TEST(NvramPure, LinesThatSayLittle) {
     const Block empty = EmptyBlock();
     struct Row {
         std::string line;
-        uint32_t index;
-        uint32_t value;
+        uint32_t index, value;
     };
     const Row rows[] = {
         {"port name 0 [0-255] = 300", kPortName0, 44},

@@ -5,11 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "support/dump_text_reader.h"
+#include "support/has.h"
 
 namespace {
 
@@ -138,10 +136,11 @@ TEST(DumpText, TextsAndNumbersOfTheHeader) {
     memset(&dump[56], 0xFF, 4);
     memset(&dump[76], 0xFF, 20);
     const std::string text = Render(dump, 36, {}).text;
-    EXPECT_NE(std::string::npos, text.find("DriverVersion " + std::string(32, 'v') +
-                                           " CompressVersion ffffffff TimeStamp"));
-    EXPECT_NE(std::string::npos, text.find("FunctionNumber -1\n"
-                                           "KPU FW Version -1.-1.-1 Attributes FFFFFFFF\n"));
+    EXPECT_TRUE(support::Has(
+        text, "DriverVersion " + std::string(32, 'v') + " CompressVersion ffffffff TimeStamp"));
+    EXPECT_TRUE(support::Has(text,
+                             "FunctionNumber -1\n"
+                             "KPU FW Version -1.-1.-1 Attributes FFFFFFFF\n"));
 }
 
 TEST(DumpText, SeveralRecordsAndWhatFollowsThem) {

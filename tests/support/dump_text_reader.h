@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <set>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace support {
@@ -39,67 +43,54 @@ std::string Format(const char* format, Values... values) {
 // What the sections are called, in their order, and how their lines look.
 enum class DumpShape { One, Four, SevenOrEight, Eight, Halves, Addressed, Trace, Fce, Queues };
 struct DumpSection {
-    const char* title;
+    std::string_view title;
     DumpShape shape;
     uint32_t address = 0;
 };
-inline const DumpSection kDumpSections[] = {
-    {"HCCR Register", DumpShape::One},
-    {"R2H Status Register", DumpShape::One},
-    {"HostRisc registers", DumpShape::Eight},
-    {"PCIe registers", DumpShape::Four},
-    {"Queue #0 Pointers", DumpShape::Eight},
-    {"Queue #1 Pointers", DumpShape::Eight},
-    {"Queue #2 Pointers", DumpShape::Eight},
-    {"Queue #3 Pointers", DumpShape::Eight},
-    {"Host Interface Registers", DumpShape::Eight},
-    {"Shadow registers", DumpShape::SevenOrEight},
-    {"RISC IO Register", DumpShape::Eight},
-    {"Mailbox Registers", DumpShape::Halves},
-    {"XSEQ GP Registers", DumpShape::Eight},
-    {"XSEQ-0 Registers", DumpShape::Eight},
-    {"XSEQ-1 Registers", DumpShape::Eight},
-    {"XSEQ-2 Registers", DumpShape::Eight},
-    {"RSEQ GP Registers", DumpShape::Eight},
-    {"RSEQ-0 registers", DumpShape::Eight},
-    {"RSEQ-1 registers", DumpShape::Eight},
-    {"RSEQ-2 registers", DumpShape::Eight},
-    {"RSEQ-3 registers", DumpShape::Eight},
-    {"ASEQ GP Registers", DumpShape::Eight},
-    {"ASEQ-0 Registers", DumpShape::Eight},
-    {"ASEQ-1 Registers", DumpShape::Eight},
-    {"ASEQ-2 Registers", DumpShape::Eight},
-    {"ASEQ-3 Registers", DumpShape::Eight},
-    {"Command DMA registers", DumpShape::Eight},
-    {"Request0 Queue DMA Channel registers", DumpShape::Eight},
-    {"Response0 Queue DMA Channel registers", DumpShape::Eight},
-    {"Request1 Queue DMA Channel registers", DumpShape::Eight},
-    {"XMT0 Data DMA registers", DumpShape::Eight},
-    {"XMT1 Data DMA registers", DumpShape::Eight},
-    {"XMT2 Data DMA registers", DumpShape::Eight},
-    {"XMT3 Data DMA registers", DumpShape::Eight},
-    {"XMT4 Data DMA registers", DumpShape::Eight},
-    {"XMT Data DMA Common registers", DumpShape::Eight},
-    {"RCV Thread 0 Data DMA registers", DumpShape::Eight},
-    {"RCV Thread 1 Data DMA registers", DumpShape::Eight},
-    {"RISC GP registers", DumpShape::Eight},
-    {"LMC registers", DumpShape::Eight},
-    {"FPM Hardware registers", DumpShape::Eight},
-    {"RQ0 Array registers", DumpShape::Eight},
-    {"RQ1 Array registers", DumpShape::Eight},
-    {"RP0 Array registers", DumpShape::Eight},
-    {"RP1 Array registers", DumpShape::Eight},
-    {"AT0 Array registers", DumpShape::Eight},
-    {"Queue Control registers", DumpShape::Eight},
-    {"FB Hardware registers", DumpShape::Eight},
-    {"Code RAM", DumpShape::Addressed, 0x20000},
-    {"External Memory", DumpShape::Addressed, 0x100000},
-    {"Extended Trace Buffer", DumpShape::Trace},
-    {"FCE Trace Buffer", DumpShape::Fce},
-    {"Request Queue", DumpShape::Queues},
-    {"Priority Queue", DumpShape::Queues},
-    {"Response Queue", DumpShape::Queues},
-};
+// The titles in their order; lines of eight words but where the shape says otherwise.
+inline constexpr std::string_view kDumpTitles =
+    "HCCR Register|R2H Status Register|HostRisc registers|PCIe registers|Queue #0 Pointers|"
+    "Queue #1 Pointers|Queue #2 Pointers|Queue #3 Pointers|Host Interface Registers|"
+    "Shadow registers|RISC IO Register|Mailbox Registers|XSEQ GP Registers|XSEQ-0 Registers|"
+    "XSEQ-1 Registers|XSEQ-2 Registers|RSEQ GP Registers|RSEQ-0 registers|RSEQ-1 registers|"
+    "RSEQ-2 registers|RSEQ-3 registers|ASEQ GP Registers|ASEQ-0 Registers|ASEQ-1 Registers|"
+    "ASEQ-2 Registers|ASEQ-3 Registers|Command DMA registers|"
+    "Request0 Queue DMA Channel registers|Response0 Queue DMA Channel registers|"
+    "Request1 Queue DMA Channel registers|XMT0 Data DMA registers|XMT1 Data DMA registers|"
+    "XMT2 Data DMA registers|XMT3 Data DMA registers|XMT4 Data DMA registers|"
+    "XMT Data DMA Common registers|RCV Thread 0 Data DMA registers|"
+    "RCV Thread 1 Data DMA registers|RISC GP registers|LMC registers|FPM Hardware registers|"
+    "RQ0 Array registers|RQ1 Array registers|RP0 Array registers|RP1 Array registers|"
+    "AT0 Array registers|Queue Control registers|FB Hardware registers|Code RAM|"
+    "External Memory|Extended Trace Buffer|FCE Trace Buffer|Request Queue|Priority Queue|"
+    "Response Queue";
+inline const std::map<std::string_view, std::pair<DumpShape, uint32_t>> kDumpShapes = {
+    {"HCCR Register", {DumpShape::One, 0}},
+    {"R2H Status Register", {DumpShape::One, 0}},
+    {"PCIe registers", {DumpShape::Four, 0}},
+    {"Shadow registers", {DumpShape::SevenOrEight, 0}},
+    {"Mailbox Registers", {DumpShape::Halves, 0}},
+    {"Code RAM", {DumpShape::Addressed, 0x20000}},
+    {"External Memory", {DumpShape::Addressed, 0x100000}},
+    {"Extended Trace Buffer", {DumpShape::Trace, 0}},
+    {"FCE Trace Buffer", {DumpShape::Fce, 0}},
+    {"Request Queue", {DumpShape::Queues, 0}},
+    {"Priority Queue", {DumpShape::Queues, 0}},
+    {"Response Queue", {DumpShape::Queues, 0}}};
+
+inline const std::vector<DumpSection> kDumpSections = [] {
+    std::vector<DumpSection> sections;
+    for (std::string_view rest = kDumpTitles; !rest.empty();) {
+        const std::string_view title = rest.substr(0, rest.find('|'));
+        const auto shape = kDumpShapes.find(title);
+        sections.push_back({title, DumpShape::Eight, 0});
+        if (shape != kDumpShapes.end()) {
+            std::tie(sections.back().shape, sections.back().address) = shape->second;
+        }
+        rest.remove_prefix(std::min(rest.size(), title.size() + 1));
+    }
+    return sections;
+}();
 
 // Reads a text of one record with the words of DumpWord() back and reports every line that is not
 // the one expected.

@@ -12,23 +12,9 @@
 #include "formats/firmware_image.h"
 #include "model/storage/flash_content.h"
 #include "model/storage/flash_signature.h"
+#include "support/rom_builder.h"
 
 namespace emulator_test {
-
-using Bytes = std::vector<uint8_t>;
-
-template <typename Record>
-Bytes BytesOfRecord(const Record& record) {
-    Bytes bytes(sizeof record);
-    std::memcpy(bytes.data(), &record, sizeof record);
-    return bytes;
-}
-
-inline void SetWord(Bytes& image, size_t index, uint32_t word) {
-    for (size_t at = 0; at < sizeof word; ++at) {
-        image[index * sizeof word + at] = static_cast<uint8_t>(word >> (24 - 8 * at));
-    }
-}
 
 inline void Sign(Bytes& image, uint16_t deviceId, uint16_t region) {
     const size_t body = image.size() - sizeof(vxemu::CodeSignature);
@@ -45,15 +31,10 @@ inline void Sign(Bytes& image, uint16_t deviceId, uint16_t region) {
 // The image with another version, its checksum and signature right.
 inline Bytes WithVersion(Bytes image, uint32_t major, uint32_t minor, uint32_t patch,
                          uint16_t deviceId) {
-    SetWord(image, formats::kVersionWord, major);
-    SetWord(image, formats::kVersionWord + 1, minor);
-    SetWord(image, formats::kVersionWord + 2, patch);
-    const size_t last = formats::FirmwareWord(image, formats::kSegmentLengthWord) - 1;
-    uint32_t sum = 0;
-    for (size_t at = 0; at < last; ++at) {
-        sum += formats::FirmwareWord(image, at);
-    }
-    SetWord(image, last, 0 - sum);
+    support::PutWord(image, formats::kVersionWord, major);
+    support::PutWord(image, formats::kVersionWord + 1, minor);
+    support::PutWord(image, formats::kVersionWord + 2, patch);
+    support::SealSegment(image, 0, formats::FirmwareWord(image, formats::kSegmentLengthWord));
     Sign(image, deviceId, 1);
     return image;
 }
@@ -72,27 +53,26 @@ class EmulatorFlashFixture : public ModelFixture {
     }
     Answer ReadChunk(uint32_t port, uint16_t region, uint32_t kib, uint32_t index,
                      uint32_t output) {
-        return AskFlash(port, command::FlashRead, region, kib << 16 | index, Bytes(4), 4, output);
+        return AskFlash(port, FlashRead, region, kib << 16 | index, Bytes(4), 4, output);
     }
     Answer ReadAt(uint32_t port, uint32_t offset, uint32_t length, uint32_t output) {
-        return AskFlash(port, command::FlashRead, flash::kByOffset, offset, Bytes(8), length,
-                        output);
+        return AskFlash(port, FlashRead, flash::kByOffset, offset, Bytes(8), length, output);
     }
     Answer WriteAt(uint32_t port, uint32_t offset, const Bytes& data, uint32_t length) {
-        return AskFlash(port, command::FlashWrite, flash::kByOffset, offset, data, length, 8);
+        return AskFlash(port, FlashWrite, flash::kByOffset, offset, data, length, 8);
     }
     Answer WriteChunk(uint32_t port, uint16_t region, uint32_t kib, uint32_t index,
                       const Bytes& data) {
-        return AskFlash(port, command::FlashWrite, region, kib << 16 | index, data,
+        return AskFlash(port, FlashWrite, region, kib << 16 | index, data,
                         static_cast<uint32_t>(data.size()), 4);
     }
 
-    std::vector<flash::DriverRegion> Layout(uint32_t port, Command command = command::FlashLayout) {
+    std::vector<flash::DriverRegion> Layout(uint32_t port, Command command = FlashLayout) {
         const flash::LayoutHead head = {sizeof(flash::LayoutTable), flash::kAskedRegions};
         Bytes input(sizeof(flash::LayoutTable));
         std::memcpy(input.data(), &head, sizeof head);
         const Answer answer = Ask(port, command, sizeof(flash::LayoutTable), input);
-        EXPECT_EQ(answer.Status(), DriverStatus::Success);
+        EXPECT_EQ(answer.Status(), Success);
         flash::LayoutHead found = {};
         std::memcpy(&found, answer.data.data(), sizeof found);
         std::vector<flash::DriverRegion> regions(found.count);
@@ -116,8 +96,8 @@ class EmulatorFlashFixture : public ModelFixture {
     }
     Bytes ReadRegion(uint32_t port, uint16_t region, uint32_t size) {
         if (size <= flash::kChunkBytes) {
-            const Answer answer = AskFlash(port, command::FlashRead, region, 0, {}, 0, size);
-            EXPECT_EQ(answer.Status(), DriverStatus::Success) << region;
+            const Answer answer = AskFlash(port, FlashRead, region, 0, {}, 0, size);
+            EXPECT_EQ(answer.Status(), Success) << region;
             return answer.data;
         }
         Bytes all;
@@ -125,7 +105,7 @@ class EmulatorFlashFixture : public ModelFixture {
             const auto rest = static_cast<uint32_t>(size - all.size());
             const uint32_t kib = std::min(64u, (rest + 1023) / 1024);
             const Answer answer = ReadChunk(port, region, kib, index, kib * 1024);
-            if (answer.Status() != DriverStatus::Success || answer.data.empty()) {
+            if (answer.Status() != Success || answer.data.empty()) {
                 ADD_FAILURE() << region << " chunk " << index;
                 break;
             }
@@ -147,7 +127,7 @@ class EmulatorFlashFixture : public ModelFixture {
     Answer WriteRegion(uint32_t port, uint16_t region, const Bytes& image) {
         const auto size = static_cast<uint32_t>(image.size());
         if (size <= flash::kChunkBytes) {
-            return AskFlash(port, command::FlashWrite, region, 0, image, size, 0);
+            return AskFlash(port, FlashWrite, region, 0, image, size, 0);
         }
         Answer answer;
         for (uint32_t at = 0, index = 0; at < size; at += flash::kChunkBytes, ++index) {
@@ -156,7 +136,7 @@ class EmulatorFlashFixture : public ModelFixture {
             Bytes chunk(image.begin() + at, image.begin() + end);
             chunk.resize(kib * 1024);
             answer = WriteChunk(port, region, kib, index, chunk);
-            if (answer.completion != Completion::Done || answer.Status() != DriverStatus::Success) {
+            if (answer.completion != Done || answer.Status() != Success) {
                 break;
             }
         }
@@ -164,32 +144,20 @@ class EmulatorFlashFixture : public ModelFixture {
     }
 
     DriverStatus Restart(uint32_t port, flash::Restart kind) {
-        return Ask(port, command::RestartFirmware, 0, {static_cast<uint8_t>(kind)}).Status();
+        return Ask(port, RestartFirmware, 0, {static_cast<uint8_t>(kind)}).Status();
     }
     std::string RunningFirmware(uint32_t port) {
-        return Ask(port, command::FirmwareProperties, sizeof(properties::FirmwareReply))
+        return Ask(port, FirmwareProperties, sizeof(properties::FirmwareReply))
             .As<properties::FirmwareReply>()
             .version;
-    }
-    void Set(uint32_t scsiPort, const char* name, uint32_t value, uint32_t size = 1) {
-        vxemu::FieldRequest request = {scsiPort, {}};
-        std::strcpy(request.change.name, name);
-        request.change.length = size;
-        std::memcpy(request.change.value, &value, size);
-        ASSERT_EQ(Control(vxemu::control::kSetField, request), Completion::Done) << name;
-    }
-    void Reset(uint32_t scsiPort) {
-        ASSERT_EQ(Control(vxemu::control::kPortReset, vxemu::PortSelector{scsiPort}),
-                  Completion::Done);
     }
     std::unique_ptr<vxemu::FlashReport> Report(uint32_t scsiPort) {
         auto report = std::make_unique<vxemu::FlashReport>();
         std::memcpy(report.get(), &scsiPort, sizeof scsiPort);
         uint32_t returned = 0;
-        EXPECT_EQ(
-            model_->Control(vxemu::control::kFlashShow, reinterpret_cast<uint8_t*>(report.get()),
-                            sizeof scsiPort, sizeof *report, &returned),
-            Completion::Done);
+        EXPECT_EQ(model_->Control(control::kFlashShow, reinterpret_cast<uint8_t*>(report.get()),
+                                  sizeof scsiPort, sizeof *report, &returned),
+                  Done);
         EXPECT_EQ(returned, sizeof *report);
         return report;
     }

@@ -10,8 +10,7 @@ namespace support {
 
 struct Ended {
     DWORD exit = 0;
-    std::string out;
-    std::string err;
+    std::string out, err;
 };
 
 class Program {

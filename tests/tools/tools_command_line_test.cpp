@@ -5,6 +5,7 @@
 #include <optional>
 #include <thread>
 
+#include "support/has.h"
 #include "tools/common/command_line.h"
 #include "tools/common/completion.h"
 #include "tools/common/confirm.h"
@@ -66,7 +67,7 @@ TEST(ToolsCommandLine, ACommandMayHaveOthersBelowIt) {
     EXPECT_EQ(below.error, "");
     EXPECT_STREQ(below.command->path, "event watch stop");
     EXPECT_EQ(below.options.Text("port"), "3");
-    EXPECT_NE(Parse("event watch --help").help.find("stop"), std::string::npos);
+    EXPECT_TRUE(support::Has(Parse("event watch --help").help, "stop"));
     EXPECT_TRUE(NextWords(kTool).at("event watch").contains("stop"));
 }
 
@@ -110,7 +111,7 @@ TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
         EXPECT_NE(line.hint, "") << row.words;
         EXPECT_STREQ(line.command == nullptr ? nullptr : line.command->path, row.path) << row.words;
     }
-    EXPECT_NE(Parse("event wtch").error.find("wtch"), std::string::npos);
+    EXPECT_TRUE(support::Has(Parse("event wtch").error, "wtch"));
 }
 
 TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
@@ -131,8 +132,8 @@ TEST(ToolsCompletion, OffersEveryCommandAndOption) {
     for (const char* word : {"--kind", "--count", "--port", "-p", "--json", "-o", "--output"}) {
         EXPECT_TRUE(next.at("event watch").contains(word)) << word;
     }
-    EXPECT_NE(BashCompletion(kTool).find("[':event']='"), std::string::npos);
-    EXPECT_NE(PowerShellCompletion(kTool).find("'event watch' = @("), std::string::npos);
+    EXPECT_TRUE(support::Has(BashCompletion(kTool), "[':event']='"));
+    EXPECT_TRUE(support::Has(PowerShellCompletion(kTool), "'event watch' = @("));
 }
 
 TEST(ToolsConfirm, EachRiskAsksItsQuestion) {

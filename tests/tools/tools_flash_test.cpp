@@ -17,6 +17,7 @@ namespace {
 using namespace vxmgr;
 using formats::FirmwareHead;
 using formats::RomCode;
+using support::PutWord;
 using Data = std::vector<uint8_t>;
 
 constexpr uint16_t kVendor = 0x1ED0;
@@ -28,12 +29,6 @@ void Put16(Data& bytes, size_t at, uint32_t value) {
     bytes[at + 1] = static_cast<uint8_t>(value >> 8);
 }
 
-void PutWord(Data& bytes, size_t word, uint32_t value) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[word * 4 + static_cast<size_t>(i)] = static_cast<uint8_t>(value >> (24 - 8 * i));
-    }
-}
-
 // The last byte makes all bytes add up to 0.
 void FixSum(Data& rom) {
     rom.back() = 0;
@@ -42,14 +37,12 @@ void FixSum(Data& rom) {
 
 Data Rom(RomCode code, bool last, uint8_t major, uint8_t minor, uint16_t device = kChip,
          uint16_t another = 0) {
-    support::RomSpec spec;
-    spec.code = code;
-    spec.last = last;
-    spec.major = major;
-    spec.minor = minor;
-    Data rom = support::MakeRom(spec);
-    Put16(rom, kDataAt + 4, kVendor);
-    Put16(rom, kDataAt + 6, device);
+    Data rom = support::MakeRom({.code = code,
+                                 .last = last,
+                                 .major = major,
+                                 .minor = minor,
+                                 .vendor = kVendor,
+                                 .device = device});
     if (another != 0) {
         Put16(rom, kDataAt + 8, 0x30);  // from the description on
         Put16(rom, kDataAt + 0x30, another);
@@ -70,29 +63,7 @@ Data BootCode(uint8_t major = 3, uint8_t minor = 61, uint16_t device = kChip) {
 
 Data Firmware(uint32_t major = 9, uint32_t minor = 12, uint32_t patch = 1, uint32_t build = 0,
               uint32_t device = kChip) {
-    constexpr uint32_t kFirst = 64;
-    constexpr uint32_t kSecond = 32;
-    Data image(1024, 0xFF);
-    for (uint32_t word = 0; word < kFirst + kSecond; ++word) {
-        PutWord(image, word, 0x01020304u * (word + 7));
-    }
-    const uint32_t head[] = {kFirst, major, minor, patch, build, device};
-    for (uint32_t i = 0; i < std::size(head); ++i) {
-        PutWord(image, 3 + i, head[i]);
-    }
-    PutWord(image, kFirst + 3, kSecond);
-    const auto seal = [&](uint32_t begin, uint32_t words) {
-        uint32_t sum = 0;
-        for (uint32_t word = begin; word + 1 < begin + words; ++word) {
-            for (uint32_t i = 0; i < 4; ++i) {
-                sum += uint32_t{image[word * 4 + i]} << (24 - 8 * i);
-            }
-        }
-        PutWord(image, begin + words - 1, 0 - sum);
-    };
-    seal(0, kFirst);
-    seal(kFirst, kSecond);
-    return image;
+    return support::MakeFirmware(64, 32, 256, {major, minor, patch, build, device});
 }
 
 TEST(ToolsFlashRom, ChainTellsEveryImage) {

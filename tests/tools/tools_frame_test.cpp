@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "hxstatus.h"
+#include "support/has.h"
 #include "support/json_schema.h"
 #include "tools/common/exit_codes.h"
 #include "tools/common/json_document.h"
@@ -48,7 +49,7 @@ TEST(ToolsCodes, ExitCodesAreDistinctAndInTheManual) {
         EXPECT_TRUE(names.insert(row.name).second) << row.name;
         const std::string line =
             "| " + std::to_string(Number(row.code)) + " | " + row.meaning + " |\n";
-        EXPECT_NE(manual.find(line), std::string::npos) << "not in the manual: " << line;
+        EXPECT_TRUE(support::Has(manual, line)) << "not in the manual: " << line;
         EXPECT_EQ(FindExitCode(Number(row.code)), &row);
     }
     EXPECT_EQ(FindExitCode(12), nullptr);
@@ -237,7 +238,7 @@ TEST(ToolsRender, TablesAlignWhatIsSeen) {
         "x\n  Name     x\n\n  Link\n    Speed  8\n");
     const std::string colored =
         RenderText(ListOf({Row("x", Value::Text("bad").In(Tone::Bad))}), {true, &open});
-    EXPECT_NE(colored.find("\x1b[31mbad\x1b[0m"), std::string::npos) << colored;
+    EXPECT_TRUE(support::Has(colored, "\x1b[31mbad\x1b[0m")) << colored;
 }
 
 TEST(ToolsRedaction, SameNameSamePseudonymInEveryNotation) {

@@ -3,24 +3,14 @@
 
 #include <cstring>
 
-#include "common/redaction.h"
-#include "common/render.h"
+#include "support/shown.h"
 #include "vxmgr/hbaapi/hbaapi_records.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"
 
 namespace {
 
 using namespace vxmgr;
-
-std::string Shown(const tools::Record& record, const std::string& key) {
-    tools::Redactor redactor(false);
-    for (const tools::FlatField& field : tools::Flatten(record)) {
-        if (field.path == key) {
-            return tools::ShownText(field.field->value, redactor);
-        }
-    }
-    return "(none)";
-}
+using support::Shown;
 
 HBA_UINT64 Lun(std::initializer_list<uint8_t> bytes) {
     uint8_t lun[8] = {};

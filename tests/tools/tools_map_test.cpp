@@ -3,23 +3,13 @@
 
 #include <cstring>
 
-#include "common/redaction.h"
-#include "common/render.h"
+#include "support/shown.h"
 #include "vxmgr/targets/map_rows.h"
 
 namespace {
 
 using namespace vxmgr;
-
-std::string Shown(const tools::Record& record, const std::string& key) {
-    tools::Redactor redactor(false);
-    for (const tools::FlatField& field : tools::Flatten(record)) {
-        if (field.path == key) {
-            return tools::ShownText(field.field->value, redactor);
-        }
-    }
-    return "(none)";
-}
+using support::Shown;
 
 HX_OS_DEVICE Disk(uint32_t number, uint8_t discovered) {
     HX_OS_DEVICE device{};

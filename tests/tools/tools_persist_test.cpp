@@ -6,6 +6,7 @@
 #include <functional>
 #include <random>
 
+#include "support/has.h"
 #include "support/json_schema.h"
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_document.h"
@@ -285,7 +286,7 @@ void ExpectRefused(DocumentPort (*read)(std::string_view, Block*), const std::st
         nlohmann::json document = nlohmann::json::parse(good);
         one.change(document);
         const std::string error = ErrorOf(read, document.dump());
-        EXPECT_NE(error.find(one.says), std::string::npos)
+        EXPECT_TRUE(support::Has(error, one.says))
             << "\"" << error << "\" does not say \"" << one.says << "\"\n"
             << document.dump();
     }
@@ -370,7 +371,7 @@ TEST(ToolsDocuments, DamagedTextIsSurvived) {
     HX_TARGET_DATA block{};
     PutBinding(block, Device(1, 10), std::nullopt);
     const std::string good = BindDocument(kPort, block);
-    EXPECT_NE(ErrorOf(ReadBindDocument, "").find("no JSON"), std::string::npos);
+    EXPECT_TRUE(support::Has(ErrorOf(ReadBindDocument, ""), "no JSON"));
     EXPECT_NE(ErrorOf(ReadBindDocument, std::string("{\"version\":1\0}", 14)), "");
     EXPECT_NE(ErrorOf(ReadBindDocument, std::string(100000, '[')), "");
     EXPECT_NE(ErrorOf(ReadBindDocument, good + "{}"), "");

@@ -4,8 +4,7 @@
 
 #include <random>
 
-#include "common/redaction.h"
-#include "common/render.h"
+#include "support/shown.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/fabric/fc_ct.h"
 #include "vxmgr/fabric/fc_els.h"
@@ -17,18 +16,8 @@
 namespace {
 
 using namespace vxmgr;
+using support::Shown;
 using Data = std::vector<uint8_t>;
-
-// What a person reads under the key; "(none)" when the record has no such field.
-std::string Shown(const tools::Record& record, const std::string& key) {
-    tools::Redactor redactor(false);
-    for (const tools::FlatField& field : tools::Flatten(record)) {
-        if (field.path == key) {
-            return tools::ShownText(field.field->value, redactor);
-        }
-    }
-    return "(none)";
-}
 
 Data FixedSenseData(uint8_t key, uint8_t code, uint8_t qualifier) {
     return {0x70, 0, key, 0, 0, 0, 0, 10, 0, 0, 0, 0, code, qualifier, 0, 0, 0, 0};

@@ -5,25 +5,15 @@
 #include <cstring>
 #include <limits>
 
-#include "common/redaction.h"
-#include "common/render.h"
+#include "support/shown.h"
 #include "vxmgr/sfp/sfp_diagnostics.h"
 #include "vxmgr/sfp/sfp_identity.h"
 
 namespace {
 
 using namespace vxmgr;
+using support::Shown;
 using Word = uint8_t[2];
-
-std::string Shown(const tools::Record& record, const std::string& key) {
-    tools::Redactor redactor(false);
-    for (const tools::FlatField& field : tools::Flatten(record)) {
-        if (field.path == key) {
-            return tools::ShownText(field.field->value, redactor);
-        }
-    }
-    return "(none)";
-}
 
 void Put(Word& word, int value) {
     PutBigEndian(static_cast<uint16_t>(value), word);

@@ -6,6 +6,7 @@
 
 #include "common/redaction.h"
 #include "common/render.h"
+#include "support/has.h"
 #include "vxmgr/ports/stats_counters.h"
 
 namespace {
@@ -57,8 +58,8 @@ TEST(ToolsStats, EveryWordWithAMeaningHasItsCounter) {
     AddCounters(record, &statistics);
     tools::Redactor redactor(false);
     const std::string text = tools::RenderText(record, {false, &redactor});
-    EXPECT_NE(text.find("1000 s"), std::string::npos) << text;
-    EXPECT_NE(text.find("CRC errors                  1011\n"), std::string::npos) << text;
+    EXPECT_TRUE(support::Has(text, "1000 s")) << text;
+    EXPECT_TRUE(support::Has(text, "CRC errors                  1011\n")) << text;
     tools::Record none;
     AddCounters(none, nullptr);
     for (const tools::Field& field : none.Fields()) {
@@ -77,7 +78,7 @@ TEST(ToolsStats, OnlyErrorsAreErrors) {
               "1 link failure, 2 losses of synchronisation, 4294967295 CRC errors");
     statistics.reserved[0] = 9;
     statistics.primitiveSequenceErrors = 1;
-    EXPECT_NE(LinkErrorsText(statistics).find("1 primitive sequence error,"), std::string::npos);
+    EXPECT_TRUE(support::Has(LinkErrorsText(statistics), "1 primitive sequence error,"));
 }
 
 }  // namespace

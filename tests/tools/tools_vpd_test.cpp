@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "support/has.h"
 #include "vxmgr/settings/vpd_pci.h"
 
 namespace {
@@ -103,22 +104,22 @@ TEST(ToolsVpd, WhatIsMissingIsSaid) {
     Data noEnd = Sample(0);
     noEnd.pop_back();
     EXPECT_EQ(Faults(noEnd), "there is no end tag");
-    EXPECT_NE(Faults(Data(512)).find("is unknown"), std::string::npos);
+    EXPECT_TRUE(support::Has(Faults(Data(512)), "is unknown"));
 }
 
 TEST(ToolsVpd, LengthsStayWithinTheirSection) {
     // A keyword that ends beyond its section, but within the data.
     Data data = {0x82, 1, 0, 'A', 0x90, 5, 0, 'P', 'N', 3, 'x', 'y', 'z', 0x78};
-    EXPECT_NE(Faults(data).find("there is no whole keyword at 0x0007"), std::string::npos);
+    EXPECT_TRUE(support::Has(Faults(data), "there is no whole keyword at 0x0007"));
     EXPECT_TRUE(DecodeVpd(data).Text("PN").empty());
     // The same with two bytes of a keyword's head, and with none of the length bytes of a tag.
-    EXPECT_NE(Faults({0x82, 1, 0, 'A', 0x90, 2, 0, 'P', 'N', 0x78}).find("no whole keyword"),
-              std::string::npos);
-    EXPECT_NE(Faults({0x82}).find("longer than the data"), std::string::npos);
-    EXPECT_NE(Faults({0x82, 0}).find("longer than the data"), std::string::npos);
+    EXPECT_TRUE(
+        support::Has(Faults({0x82, 1, 0, 'A', 0x90, 2, 0, 'P', 'N', 0x78}), "no whole keyword"));
+    EXPECT_TRUE(support::Has(Faults({0x82}), "longer than the data"));
+    EXPECT_TRUE(support::Has(Faults({0x82, 0}), "longer than the data"));
     // A checksum without a byte.
-    EXPECT_NE(Faults({0x82, 1, 0, 'A', 0x90, 3, 0, 'R', 'V', 0, 0x78}).find("checksum is wrong"),
-              std::string::npos);
+    EXPECT_TRUE(support::Has(Faults({0x82, 1, 0, 'A', 0x90, 3, 0, 'R', 'V', 0, 0x78}),
+                             "checksum is wrong"));
     // Every cut of a good one, and random bytes: items always lie within the data.
     const Data good = Sample(0);
     std::mt19937 random(7);

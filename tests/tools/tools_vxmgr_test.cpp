@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "support/has.h"
 #include "support/json_schema.h"
 #include "support/program.h"
 
@@ -168,7 +169,7 @@ TEST_F(VxmgrTest, ListsAreDocumentsWhateverTheMachineHas) {
             }
         }
         const Ended csv = RunVxmgr(std::string(arguments) + " -o csv");
-        EXPECT_NE(csv.out.find("\r\n"), std::string::npos) << "no header: " << arguments;
+        EXPECT_TRUE(support::Has(csv.out, "\r\n")) << "no header: " << arguments;
     }
 }
 
@@ -180,7 +181,7 @@ TEST_F(VxmgrTest, ResultAndDiagnosticsTakeTheirOwnWays) {
     const Ended wrong = RunVxmgr("nonsense");
     EXPECT_EQ(wrong.exit, 2u);
     EXPECT_EQ(wrong.out, "");
-    EXPECT_NE(wrong.err.find("nonsense"), std::string::npos);
+    EXPECT_TRUE(support::Has(wrong.err, "nonsense"));
 
     const std::string file = support::ScratchPath(".json");
     const Ended filed = RunVxmgr("version --json --out \"" + file + "\"");
