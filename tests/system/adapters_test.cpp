@@ -23,7 +23,7 @@ TEST_F(SystemAdapters, AreListedAndDescribed) {
         EXPECT_EQ(nullptr, port["status"]) << port.dump();
         const std::string selector = port["port_wwn"].get<std::string>();
         const json shown = Document("port show -p wwn:" + selector)["result"];
-        EXPECT_NE(std::string::npos, shown.dump().find(selector));
+        EXPECT_TRUE(support::Has(shown.dump(), selector));
     }
     EXPECT_EQ((std::set<int>{3, 4, 6, 9}), scsiPorts);
 }
@@ -66,10 +66,9 @@ TEST_F(SystemAdapters, TraceShowsTheRequests) {
     EXPECT_EQ(0u, Vxmgr("--trace \"" + path + "\" port show -p scsi:3").exit);
     const std::string text = support::TextOfFile(path);
     DeleteFileA(path.c_str());
-    EXPECT_NE(std::string::npos, text.find("executor.cpp("));
-    EXPECT_NE(std::string::npos, text.find("Input buffer to DeviceIoControl"));
-    EXPECT_NE(std::string::npos,
-              text.find("SRB_IO_CONTROL 28, 0x54524e5a, 60, Code 0xf0001001, Length "));
+    EXPECT_TRUE(support::Has(text, "executor.cpp("));
+    EXPECT_TRUE(support::Has(text, "Input buffer to DeviceIoControl"));
+    EXPECT_TRUE(support::Has(text, "SRB_IO_CONTROL 28, 0x54524e5a, 60, Code 0xf0001001, Length "));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/has.h"
 #include "support/json_schema.h"
 #include "support/program.h"
 
@@ -49,6 +50,8 @@ class EmulatedDriver : public testing::Test {
         EXPECT_EQ(document.value("exit", -1), static_cast<int>(ended.exit)) << arguments;
         return document;
     }
+
+    int ExitOf(const std::string& arguments) { return Document(arguments).value("exit", -1); }
 
     // What the driver says of a port, e.g. PortStatus("scsi:3")["event_delivery"].
     static json PortStatus(const std::string& port) {

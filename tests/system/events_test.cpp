@@ -52,13 +52,6 @@ TEST_F(SystemEvents, TwoProcessesSeeEachEventOnce) {
     EXPECT_EQ(false, PortStatus("scsi:3")["event_delivery"]);
 }
 
-TEST_F(SystemEvents, TestEventArrives) {
-    const auto watcher = Watch("--count 1");
-    ASSERT_TRUE(PortReaches("scsi:3", "event_delivery", true));
-    EXPECT_EQ(0u, Vxmgr("event test -p scsi:3").exit);
-    EXPECT_EQ(std::vector<std::string>{"test"}, Kinds(watcher->Wait().out));
-}
-
 TEST_F(SystemEvents, ADriverWithoutEventsLeavesAnEmptyList) {
     const json document = Document("event watch -p scsi:9 --count 1");
     EXPECT_EQ(4, document["exit"]);

@@ -12,9 +12,9 @@ namespace {
 namespace fs = std::filesystem;
 using Data = std::vector<char>;
 
-constexpr const char* kBanked = " -a serial:EMU7740A0001";
-constexpr const char* kLargeRom = " -a serial:EMU7404A0002";
-constexpr const char* kYes = " --yes --confirm EMU7740A0001";
+const std::string kBanked = " -a serial:EMU7740A0001";
+const std::string kLargeRom = " -a serial:EMU7404A0002";
+const std::string kYes = " --yes --confirm EMU7740A0001";
 
 Data BytesOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -70,7 +70,7 @@ class SystemFlash : public EmulatedDriver {
     // Every region of the banked adapter, by file name.
     std::map<std::string, Data> AllRegions(const std::string& name) {
         const fs::path folder = folder_ / name;
-        EXPECT_EQ(0, Document("flash read all \"" + folder.string() + "\"" + kBanked)["exit"]);
+        EXPECT_EQ(0, ExitOf("flash read all \"" + folder.string() + "\"" + kBanked));
         std::map<std::string, Data> regions;
         for (const auto& entry : fs::directory_iterator(folder)) {
             regions[entry.path().filename().string()] = BytesOf(entry.path());
@@ -162,7 +162,7 @@ TEST_F(SystemFlash, DamagedCodeIsAFailure) {
 }
 
 TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
-    const json layout = Document(std::string("flash layout") + kBanked)["result"];
+    const json layout = Document("flash layout" + kBanked)["result"];
     const std::map<std::string, Data> regions = AllRegions("all");
     EXPECT_EQ(layout["regions"].size(), regions.size());
     uint64_t bytes = 0;
@@ -175,23 +175,20 @@ TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
     const std::string start = layout["regions"][1]["start"];
     const std::string file = File("range.bin");
     ASSERT_EQ("firmware", layout["regions"][1]["key"]);
-    EXPECT_EQ(0, Document("flash read \"" + file + "\" --length 131073 --offset " + start +
-                          kBanked)["exit"]);
+    EXPECT_EQ(0, ExitOf("flash read \"" + file + "\" --length 131073 --offset " + start + kBanked));
     const Data& firmware = regions.at("001-firmware.bin");
     EXPECT_EQ(Data(firmware.begin(), firmware.begin() + 131073), BytesOf(file));
     EXPECT_EQ(firmware, Region("0x1"));
 
     // Nothing of a failed read is left behind, and an older file stays.
     const Data before = BytesOf(file);
-    EXPECT_EQ(1,
-              Document("flash read \"" + file + "\" --length 16 --offset 255" + kBanked)["exit"]);
-    EXPECT_EQ(1, Document("flash read \"" + file + "\" --length 16 --offset 0x40000000" +
-                          kBanked)["exit"]);
+    EXPECT_EQ(1, ExitOf("flash read \"" + file + "\" --length 16 --offset 255" + kBanked));
+    EXPECT_EQ(1, ExitOf("flash read \"" + file + "\" --length 16 --offset 0x40000000" + kBanked));
     EXPECT_EQ(before, BytesOf(file));
-    EXPECT_EQ(3, Document("flash read nothing \"" + file + "\"" + kBanked)["exit"]);
-    EXPECT_EQ(2, Document("flash read 1" + std::string(kBanked))["exit"]);
-    EXPECT_EQ(2, Document("flash layout")["exit"]);  // of which adapter?
-    EXPECT_EQ(4, Document("flash layout -p scsi:9")["exit"]);
+    EXPECT_EQ(3, ExitOf("flash read nothing \"" + file + "\"" + kBanked));
+    EXPECT_EQ(2, ExitOf("flash read 1" + kBanked));
+    EXPECT_EQ(2, ExitOf("flash layout"));  // of which adapter?
+    EXPECT_EQ(4, ExitOf("flash layout -p scsi:9"));
 }
 
 TEST_F(SystemFlash, OneRegionThatFailsLeavesTheOthers) {
@@ -217,11 +214,11 @@ TEST_F(SystemFlash, WrongImagesAreRefusedBeforeAnythingIsWritten) {
     for (const std::string& file : {damaged, half, File("empty.img"), Image("scsi:6", 1, "9.13.00"),
                                     Image("scsi:3", 1, "9.11.00"), Image("scsi:3", 7, "3.62")}) {
         EXPECT_EQ(8, Write("firmware", file)["exit"]) << file;
-        EXPECT_EQ(8, Document("fw check \"" + file + "\" --region 1" + kBanked)["exit"]) << file;
+        EXPECT_EQ(8, ExitOf("fw check \"" + file + "\" --region 1" + kBanked)) << file;
     }
     EXPECT_EQ(8, Write("firmware", half, " --pad")["exit"]);
     EXPECT_EQ(3, Write("firmware", File("missing.img"))["exit"]);
-    EXPECT_EQ(8, Document("fw inspect \"" + damaged + "\"")["exit"]);
+    EXPECT_EQ(8, ExitOf("fw inspect \"" + damaged + "\""));
 
     const std::string write = "flash write firmware \"" + good + "\" ";
     EXPECT_EQ(2, Document(write + kBanked)["exit"]);  // nobody can be asked
@@ -270,7 +267,7 @@ TEST_F(SystemFlash, ChipWithoutOnlineStartKeepsTheImagePending) {
         EXPECT_EQ(1u, document["pending"].size());
         EXPECT_EQ("pending", Code(kLargeRom, region)["state"]);
     }
-    EXPECT_EQ(4, Document(std::string("fw activate --yes") + kLargeRom)["exit"]);
+    EXPECT_EQ(4, ExitOf("fw activate --yes" + kLargeRom));
     ASSERT_EQ(0u, Vxemu("reset scsi:6").exit);
     EXPECT_EQ("8.02.00", Code(kLargeRom, 1)["running"]);
     EXPECT_EQ("running", Code(kLargeRom, 7)["state"]);
@@ -302,16 +299,16 @@ TEST_F(SystemFlash, FirmwareIsStartedLaterWhenThePortBootsTheHost) {
     EXPECT_EQ(true, written["result"]["verified"]);
     EXPECT_EQ("9.12.01", written["result"]["running_after"]);
     EXPECT_EQ("pending", Code(kBanked, 1)["state"]);
-    EXPECT_EQ(4, Document(std::string("fw activate --yes") + kBanked)["exit"]);
+    EXPECT_EQ(4, ExitOf("fw activate --yes" + kBanked));
     EXPECT_EQ("9.12.01", Code(kBanked, 1)["running"]);
 
     ASSERT_EQ(0u, Vxemu("bfs scsi:3 off").exit);
-    EXPECT_EQ(2, Document(std::string("fw activate") + kBanked)["exit"]);
-    const json started = Document(std::string("fw activate --yes") + kBanked);
+    EXPECT_EQ(2, ExitOf("fw activate" + kBanked));
+    const json started = Document("fw activate --yes" + kBanked);
     EXPECT_EQ(0, started["exit"]);
     EXPECT_EQ(true, started["result"]["activated"]);
     EXPECT_EQ("9.14.00", started["result"]["after"]);
-    EXPECT_EQ(false, Document(std::string("fw activate --yes") + kBanked)["changed"]);
+    EXPECT_EQ(false, Document("fw activate --yes" + kBanked)["changed"]);
 }
 
 TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
@@ -341,8 +338,8 @@ TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
         if (cut.state != nullptr) {
             EXPECT_EQ(cut.state, Code(kBanked, 1)["state"]);
         }
-        EXPECT_EQ(0, Document("flash write 1 \"" + File("before/001-firmware.bin") + "\"" +
-                              kBanked + kYes + " --allow-older --allow-same")["exit"]);
+        EXPECT_EQ(0, ExitOf("flash write 1 \"" + File("before/001-firmware.bin") + "\"" + kBanked +
+                            kYes + " --allow-older --allow-same"));
     }
 }
 
@@ -425,11 +422,11 @@ TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     EXPECT_EQ(true, left["held"]);
     EXPECT_EQ(false, left["owner_lives"]);
     EXPECT_EQ(6, Write("firmware", image)["exit"]);
-    EXPECT_EQ(3, Document(release + kLargeRom)["exit"]);
+    EXPECT_EQ(3, ExitOf(release + kLargeRom));
     EXPECT_EQ(false, Document(release + " --dry-run")["result"]["released"]);
     EXPECT_EQ(true, Document(release)["result"]["released"]);
     EXPECT_EQ(false, Lock("EMU7740A0001")["held"]);
-    EXPECT_EQ(3, Document(release)["exit"]);
+    EXPECT_EQ(3, ExitOf(release));
     EXPECT_TRUE(keeper.Running());
     EXPECT_EQ(0, Write("firmware", image)["exit"]) << "what a killed program held is taken over";
     CloseHandle(guard);

@@ -260,7 +260,7 @@ TEST_F(SystemHbaApi, VxmgrShowsAllOfIt) {
             Document("hbaapi list -p wwn:" + adapter["port"]["port_wwn"].get<std::string>());
         EXPECT_EQ(index, alone["result"]["adapters"][0]["index"].dump());
     }
-    EXPECT_EQ(3, Document("hbaapi show -p scsi:5")["exit"]);
+    EXPECT_EQ(3, ExitOf("hbaapi show -p scsi:5"));
 
     // A driver that fails is told under the names of this interface; the other adapters stay.
     ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code PortProperties --do status 23").exit);
@@ -285,7 +285,7 @@ TEST_F(SystemHbaApi, RegistrationLeadsTheCommonLibraryHere) {
     EXPECT_NE(nullptr, reinterpret_cast<void*>(GetProcAddress(module, "HBA_RegisterLibrary")));
     FreeLibrary(module);
     EXPECT_EQ(false, Document("hbaapi register")["changed"]);
-    EXPECT_EQ(30, Document("hbaapi register --detailed-exitcode")["exit"]);
+    EXPECT_EQ(30, ExitOf("hbaapi register --detailed-exitcode"));
 
     // Another file is replaced, and told.
     constexpr char kOther[] = "C:\\other.dll";

@@ -13,7 +13,7 @@
 namespace system_test {
 namespace {
 
-constexpr char kArrayA[] = "wwn:2b:00:02:45:4d:00:01:00";
+const std::string kArrayA = "wwn:2b:00:02:45:4d:00:01:00";
 
 class SystemMap : public EmulatedDriver {
   protected:
@@ -57,17 +57,16 @@ TEST_F(SystemMap, EveryDiskIsFoundBothWays) {
         ASSERT_EQ(1u, found.size());
         EXPECT_EQ(disks[number], found[0]);
     }
-    EXPECT_EQ(4u, Units(std::string("target ") + kArrayA + " -p scsi:3").size());
-    EXPECT_EQ(Units(std::string("target ") + kArrayA + " -p scsi:3"),
-              Units("target 0:0 -p scsi:3"));
+    EXPECT_EQ(4u, Units("target " + kArrayA + " -p scsi:3").size());
+    EXPECT_EQ(Units("target " + kArrayA + " -p scsi:3"), Units("target 0:0 -p scsi:3"));
 }
 
 TEST_F(SystemMap, WhatIsHiddenIsGone) {
-    const std::string target = std::string("target ") + kArrayA + " -p scsi:6";
+    const std::string target = "target " + kArrayA + " -p scsi:6";
     const json before = Units(target);
     ASSERT_EQ(4u, before.size());
     const std::string disk = before[1]["disk"].dump();
-    const std::string mask = std::string(" 1 -p scsi:6 --store live -t ") + kArrayA;
+    const std::string mask = " 1 -p scsi:6 --store live -t " + kArrayA;
     ASSERT_EQ(0u, Vxmgr("lunmask deny --yes" + mask).exit);
     EXPECT_EQ(3u, Units(target).size());
     Units("disk " + disk, 3);
@@ -131,7 +130,7 @@ TEST_F(SystemStats, BothGenerationsAreReadAndCleared) {
         EXPECT_LT(after["tx_frames"], cleared["result"]["before"]["tx_frames"]);
         EXPECT_EQ("passed", LinkErrorCheck(selector));
     }
-    EXPECT_EQ(2, Document("port stats clear")["exit"]) << "one port at a time";
+    EXPECT_EQ(2, ExitOf("port stats clear")) << "one port at a time";
 }
 
 TEST_F(SystemStats, ALinkThatIsDownIsAFailedCheck) {
@@ -172,9 +171,9 @@ TEST_F(SystemStats, RowsKeepComing) {
 
 TEST_F(SystemStats, DriversWithoutCountersAreTold) {
     ASSERT_EQ(0u, Vxemu("fault add scsi:6 --code LinkStatistics --do status 12").exit);
-    EXPECT_EQ(4, Document("port stats -p scsi:6")["exit"]);
-    EXPECT_EQ(4, Document("port stats --count 1 -p scsi:6")["exit"]);
-    EXPECT_EQ(4, Document("port stats clear -p scsi:6")["exit"]);
+    EXPECT_EQ(4, ExitOf("port stats -p scsi:6"));
+    EXPECT_EQ(4, ExitOf("port stats --count 1 -p scsi:6"));
+    EXPECT_EQ(4, ExitOf("port stats clear -p scsi:6"));
     const json all = Document("port stats");
     EXPECT_EQ(11, all["exit"]);
     ASSERT_EQ(4u, all["result"]["readings"].size());

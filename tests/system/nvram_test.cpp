@@ -11,12 +11,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kBanked = " -p scsi:3";
-constexpr const char* kLargeRom = " -p scsi:6";
-constexpr const char* kLegacy = " -p scsi:9";
-constexpr const char* kYes = " -p scsi:3 --yes --confirm EMU7740A0001";
-constexpr const char* kYesLargeRom = " -p scsi:6 --yes --confirm EMU7404A0002";
-constexpr const char* kYesLegacy = " -p scsi:9 --yes --confirm E00003";
+const std::string kBanked = " -p scsi:3";
+const std::string kLargeRom = " -p scsi:6";
+const std::string kLegacy = " -p scsi:9";
+const std::string kYes = " -p scsi:3 --yes --confirm EMU7740A0001";
+const std::string kYesLargeRom = " -p scsi:6 --yes --confirm EMU7404A0002";
+const std::string kYesLegacy = " -p scsi:9 --yes --confirm E00003";
 
 std::string BytesOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -91,7 +91,7 @@ class SystemNvram : public EmulatedDriver {
 
 TEST_F(SystemNvram, BankedSettingsWaitForTheReset) {
     const int before = Value("login_timeout", kBanked);
-    json document = Document("nvram set login_timeout=77 reset_delay=9" + std::string(kYes));
+    json document = Document("nvram set login_timeout=77 reset_delay=9" + kYes);
     EXPECT_EQ(0, document["exit"]);
     EXPECT_EQ(true, document["changed"]);
     EXPECT_EQ("second", document["result"]["bank"]);
@@ -100,51 +100,50 @@ TEST_F(SystemNvram, BankedSettingsWaitForTheReset) {
     ASSERT_EQ(1u, document["pending"].size());
     EXPECT_EQ("port_reset", document["pending"][0]["action"]);
     EXPECT_EQ(before, Value("login_timeout", kBanked));
-    EXPECT_EQ(77, Value("login_timeout", std::string(kBanked) + " --bank other"));
+    EXPECT_EQ(77, Value("login_timeout", kBanked + " --bank other"));
     // The other port of the adapter has its own.
     EXPECT_EQ(before, Value("login_timeout", " -p scsi:4 --bank other"));
 
     // A further change starts from the waiting settings when it is told to.
-    document = Document("nvram set execution_throttle=55 --bank other" + std::string(kYes));
+    document = Document("nvram set execution_throttle=55 --bank other" + kYes);
     EXPECT_EQ(0, document["exit"]);
-    document = Document("nvram activate --yes" + std::string(kBanked));
+    document = Document("nvram activate --yes" + kBanked);
     EXPECT_EQ(0, document["exit"]);
     EXPECT_EQ("second", document["result"]["bank"]);
     EXPECT_EQ(77, Value("login_timeout", kBanked));
     EXPECT_EQ(9, Value("reset_delay", kBanked));
     EXPECT_EQ(55, Value("execution_throttle", kBanked));
-    EXPECT_EQ(0, Document("nvram verify")["exit"]);
-    EXPECT_EQ(
-        30, Document("nvram set login_timeout=77 --detailed-exitcode" + std::string(kYes))["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram verify"));
+    EXPECT_EQ(30, ExitOf("nvram set login_timeout=77 --detailed-exitcode" + kYes));
     EXPECT_TRUE(LockIsFree());
 }
 
 TEST_F(SystemNvram, OtherChipsAreWrittenInPlace) {
-    json document = Document("nvram set login_timeout=6 --activate" + std::string(kYesLargeRom));
+    json document = Document("nvram set login_timeout=6 --activate" + kYesLargeRom);
     EXPECT_EQ(0, document["exit"]);
     EXPECT_EQ(nullptr, document["result"]["bank"]);
     EXPECT_EQ(true, document["result"]["active"]);
     EXPECT_TRUE(document["pending"].empty());
     EXPECT_EQ(6, Value("login_timeout", kLargeRom));
-    EXPECT_EQ(4, Document("nvram show --bank other" + std::string(kLargeRom))["exit"]);
+    EXPECT_EQ(4, ExitOf("nvram show --bank other" + kLargeRom));
 
     // The classic block of an old driver gets its checksum from the tool.
-    EXPECT_EQ(0, Document("nvram set login_timeout=6" + std::string(kYesLegacy))["exit"]);
-    const json verified = Document("nvram verify" + std::string(kLegacy))["result"]["ports"][0];
+    EXPECT_EQ(0, ExitOf("nvram set login_timeout=6" + kYesLegacy));
+    const json verified = Document("nvram verify" + kLegacy)["result"]["ports"][0];
     EXPECT_EQ("classic", verified["kind"]);
     EXPECT_EQ(true, verified["checksum_good"]);
     EXPECT_EQ(true, verified["verified"]);
     // It cannot restart its firmware: written all the same, and said so.
-    document = Document("nvram set login_timeout=7 --activate" + std::string(kYesLegacy));
+    document = Document("nvram set login_timeout=7 --activate" + kYesLegacy);
     EXPECT_EQ(4, document["exit"]);
     EXPECT_EQ(true, document["result"]["stored"]);
     EXPECT_EQ(1u, document["pending"].size());
-    EXPECT_EQ(8, Document("nvram set adapter_family=2" + std::string(kYesLegacy))["exit"]);
+    EXPECT_EQ(8, ExitOf("nvram set adapter_family=2" + kYesLegacy));
 }
 
 TEST_F(SystemNvram, WrongSettingsAreRefusedBeforeAnythingIsWritten) {
-    const auto exitOf = [&](const std::string& settings, const char* rest) {
-        return Document("nvram set " + settings + rest)["exit"];
+    const auto exitOf = [&](const std::string& settings, const std::string& rest) {
+        return ExitOf("nvram set " + settings + rest);
     };
     EXPECT_EQ(2, exitOf("login_timeout=256", kYes));
     EXPECT_EQ(2, exitOf("login_timeout=1 34=2", kYes));
@@ -158,48 +157,46 @@ TEST_F(SystemNvram, WrongSettingsAreRefusedBeforeAnythingIsWritten) {
     EXPECT_EQ(8, exitOf("login_timeout=1", kYes));
     ASSERT_EQ(0u, Vxemu("lockdown scsi:3 off").exit);
     // No requests that write have reached the driver.
-    EXPECT_EQ(0, Document("nvram export" + Quoted("a.json") + kBanked)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram export" + Quoted("a.json") + kBanked));
     EXPECT_EQ(true,
               Document("nvram diff --bank other" + Quoted("a.json") + kBanked)["result"]["equal"]);
     // A damaged block is not made to look whole.
     ASSERT_EQ(0u, Vxemu("flash corrupt scsi:3 21 100").exit);
-    EXPECT_EQ(1, Document("nvram verify" + std::string(kBanked))["exit"]);
+    EXPECT_EQ(1, ExitOf("nvram verify" + kBanked));
     EXPECT_EQ(8, exitOf("login_timeout=1", kYes));
-    EXPECT_EQ(0, Document("nvram import" + Quoted("a.json") + " --activate" + kYes)["exit"]);
-    EXPECT_EQ(true, Document("nvram show" + std::string(kBanked))["result"]["sound"]);
+    EXPECT_EQ(0, ExitOf("nvram import" + Quoted("a.json") + " --activate" + kYes));
+    EXPECT_EQ(true, Document("nvram show" + kBanked)["result"]["sound"]);
 }
 
 TEST_F(SystemNvram, ExportsComeBackByteForByte) {
-    ASSERT_EQ(0, Document("nvram export" + Quoted("old.json") + kBanked)["exit"]);
+    ASSERT_EQ(0, ExitOf("nvram export" + Quoted("old.json") + kBanked));
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
     for (const std::string& error :
          schemas.Check(json::parse(BytesOf(File("old.json"))), "vxmgr.nvram.json")) {
         ADD_FAILURE() << error;
     }
-    EXPECT_EQ(0, Document("nvram set login_timeout=70 --activate" + std::string(kYes))["exit"]);
-    EXPECT_EQ(
-        0, Document("nvram set login_timeout=71 --backup" + Quoted("backup.json") + kYes)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram set login_timeout=70 --activate" + kYes));
+    EXPECT_EQ(0, ExitOf("nvram set login_timeout=71 --backup" + Quoted("backup.json") + kYes));
     const json difference = Document("nvram diff" + Quoted("old.json") + kBanked)["result"];
     ASSERT_EQ(1u, difference["changes"].size());
     EXPECT_EQ(70, difference["changes"][0]["adapter"]);
     EXPECT_EQ(0, difference["other_bytes"]);
     EXPECT_EQ(true, Document("nvram diff" + Quoted("backup.json") + kBanked)["result"]["equal"]);
-    EXPECT_EQ(0, Document("nvram import --activate" + Quoted("old.json") + kYes)["exit"]);
-    ASSERT_EQ(0, Document("nvram export" + Quoted("new.json") + kBanked)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram import --activate" + Quoted("old.json") + kYes));
+    ASSERT_EQ(0, ExitOf("nvram export" + Quoted("new.json") + kBanked));
     EXPECT_EQ(BytesOf(File("old.json")), BytesOf(File("new.json")));
 
     // Of another chip, of another port, damaged.
-    EXPECT_EQ(8, Document("nvram import" + Quoted("old.json") + kYesLargeRom)["exit"]);
+    EXPECT_EQ(8, ExitOf("nvram import" + Quoted("old.json") + kYesLargeRom));
     const std::string second = " -p scsi:4 --yes --confirm EMU7740A0001";
-    EXPECT_EQ(8, Document("nvram import" + Quoted("old.json") + second)["exit"]);
+    EXPECT_EQ(8, ExitOf("nvram import" + Quoted("old.json") + second));
     std::string text = BytesOf(File("backup.json"));
     text[text.rfind("\"block\"") + 80] ^= 1;
     Write(File("damaged.json"), text);
-    EXPECT_EQ(8, Document("nvram import" + Quoted("damaged.json") + kYes)["exit"]);
+    EXPECT_EQ(8, ExitOf("nvram import" + Quoted("damaged.json") + kYes));
     // The names of a port stay its own.
     const json before = Document("nvram show -p scsi:4")["result"];
-    EXPECT_EQ(
-        0, Document("nvram import --as-port --activate" + Quoted("backup.json") + second)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram import --as-port --activate" + Quoted("backup.json") + second));
     const json after = Document("nvram show -p scsi:4")["result"];
     EXPECT_EQ(before["port_wwn"], after["port_wwn"]);
     EXPECT_EQ(before["node_wwn"], after["node_wwn"]);
@@ -207,31 +204,31 @@ TEST_F(SystemNvram, ExportsComeBackByteForByte) {
 }
 
 TEST_F(SystemNvram, TheTextFormOfClassicBlocksIsCheckedLineByLine) {
-    EXPECT_EQ(4, Document("nvram export --text" + Quoted("a.txt") + kBanked)["exit"]);
-    ASSERT_EQ(0, Document("nvram export --text" + Quoted("a.txt") + kLegacy)["exit"]);
+    EXPECT_EQ(4, ExitOf("nvram export --text" + Quoted("a.txt") + kBanked));
+    ASSERT_EQ(0, ExitOf("nvram export --text" + Quoted("a.txt") + kLegacy));
     EXPECT_EQ(true, Document("nvram diff" + Quoted("a.txt") + kLegacy)["result"]["equal"]);
     Write(File("b.txt"), "; a change\nlogin timeout [0-255] = 44\n");
-    EXPECT_EQ(0, Document("nvram import" + Quoted("b.txt") + kYesLegacy)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram import" + Quoted("b.txt") + kYesLegacy));
     EXPECT_EQ(44, Value("login_timeout", kLegacy));
     Write(File("c.txt"), "login timeout [0-255] = 45\nlogin timeout [0-255] = 46\n");
     json document = Document("nvram import" + Quoted("c.txt") + kYesLegacy);
     EXPECT_EQ(8, document["exit"]);
-    EXPECT_NE(std::string::npos, Error(document).find("line 2"));
+    EXPECT_TRUE(support::Has(Error(document), "line 2"));
     Write(File("d.txt"), "login timeout = 300\n");
-    EXPECT_EQ(8, Document("nvram import" + Quoted("d.txt") + kYesLegacy)["exit"]);
-    EXPECT_EQ(8, Document("nvram import" + Quoted("b.txt") + kYes)["exit"]);
+    EXPECT_EQ(8, ExitOf("nvram import" + Quoted("d.txt") + kYesLegacy));
+    EXPECT_EQ(8, ExitOf("nvram import" + Quoted("b.txt") + kYes));
     EXPECT_EQ(44, Value("login_timeout", kLegacy));
-    EXPECT_EQ(0, Document("nvram import" + Quoted("a.txt") + kYesLegacy)["exit"]);
+    EXPECT_EQ(0, ExitOf("nvram import" + Quoted("a.txt") + kYesLegacy));
     EXPECT_EQ(true, Document("nvram diff" + Quoted("a.txt") + kLegacy)["result"]["equal"]);
 }
 
 TEST_F(SystemNvram, AFailedWriteSaysWhatStandsThere) {
-    const std::string set = "nvram set login_timeout=90" + std::string(kYes);
+    const std::string set = "nvram set login_timeout=90" + kYes;
     Fault("scsi:3 --code FlashWrite --do status 11");
     json document = Document(set);
     EXPECT_EQ(1, document["exit"]);
     EXPECT_EQ(false, document["changed"]);
-    EXPECT_NE(std::string::npos, Error(document).find("was not written"));
+    EXPECT_TRUE(support::Has(Error(document), "was not written"));
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
 
     // Cut off in the middle: the bank in use is whole, the other one is not, nothing takes it over.
@@ -239,42 +236,42 @@ TEST_F(SystemNvram, AFailedWriteSaysWhatStandsThere) {
     ASSERT_EQ(0u, Vxemu("flash power-fail scsi:3 --after-bytes 200").exit);
     document = Document(set);
     EXPECT_NE(0, document["exit"]);
-    EXPECT_NE(std::string::npos,
-              document["messages"].back()["hint"].get<std::string>().find("bank, which is in use"));
+    EXPECT_TRUE(support::Has(document["messages"].back()["hint"].get<std::string>(),
+                             "bank, which is in use"));
     ASSERT_EQ(0u, Vxemu("reset scsi:3").exit);
     EXPECT_EQ(before, Value("login_timeout", kBanked));
     EXPECT_TRUE(LockIsFree());
 
     // Written, but the driver cannot show it any more: not proven.
-    EXPECT_EQ(0, Document(set)["exit"]);
-    EXPECT_EQ(0, Document("nvram activate --yes" + std::string(kBanked))["exit"]);
+    EXPECT_EQ(0, ExitOf(set));
+    EXPECT_EQ(0, ExitOf("nvram activate --yes" + kBanked));
     EXPECT_EQ(90, Value("login_timeout", kBanked));
     Fault("scsi:6 --code FlashRead --after 3 --do status 11");
-    document = Document("nvram set login_timeout=91" + std::string(kYesLargeRom));
+    document = Document("nvram set login_timeout=91" + kYesLargeRom);
     EXPECT_EQ(9, document["exit"]);
     EXPECT_EQ(true, document["changed"]);
 }
 
 TEST_F(SystemNvram, AHangingWriteIsGivenUpAndTheLockGivenBack) {
     Fault("scsi:3 --code FlashWrite --times 1 --do hang 9000");
-    const json document = Document("--timeout 2 nvram set login_timeout=90" + std::string(kYes));
+    const json document = Document("--timeout 2 nvram set login_timeout=90" + kYes);
     EXPECT_EQ(7, document["exit"]);
-    EXPECT_NE(std::string::npos, document["messages"].dump().find("was being written"));
+    EXPECT_TRUE(support::Has(document["messages"].dump(), "was being written"));
     EXPECT_TRUE(LockIsFree());
 }
 
 TEST_F(SystemNvram, ProductDataIsCheckedAndGoesToTheOtherBank) {
-    ASSERT_EQ(0, Document("vpd read" + Quoted("a.bin") + kBanked)["exit"]);
-    const json shown = Document("vpd show" + std::string(kBanked))["result"];
+    ASSERT_EQ(0, ExitOf("vpd read" + Quoted("a.bin") + kBanked));
+    const json shown = Document("vpd show" + kBanked)["result"];
     EXPECT_EQ(true, shown["checksum_good"]);
     EXPECT_EQ("Emulated 7740", shown["items"][0]["value"]);
     const std::string good = BytesOf(File("a.bin"));
     const size_t level = good.find("EC\x02") + 4;
     const size_t checksum = good.find("RV\x01") + 3;
 
-    const auto exitOf = [&](const std::string& bytes, const char* rest) {
+    const auto exitOf = [&](const std::string& bytes, const std::string& rest) {
         Write(File("b.bin"), bytes);
-        return Document("vpd write" + Quoted("b.bin") + rest)["exit"];
+        return ExitOf("vpd write" + Quoted("b.bin") + rest);
     };
     std::string image = good;
     image[level] = '7';
@@ -284,7 +281,7 @@ TEST_F(SystemNvram, ProductDataIsCheckedAndGoesToTheOtherBank) {
     EXPECT_EQ(8, exitOf(image + '\0', kYes));
     EXPECT_EQ(8, exitOf(std::string(good.size(), '\xFF'), kYes));
     EXPECT_EQ(8, exitOf(image, kYesLargeRom));  // of another adapter
-    EXPECT_EQ(3, Document("vpd write" + Quoted("none.bin") + kYes)["exit"]);
+    EXPECT_EQ(3, ExitOf("vpd write" + Quoted("none.bin") + kYes));
     EXPECT_EQ(0, exitOf(good, kYes));
     EXPECT_EQ(false, Document("vpd write" + Quoted("a.bin") + kYes)["changed"]);
 
@@ -293,10 +290,10 @@ TEST_F(SystemNvram, ProductDataIsCheckedAndGoesToTheOtherBank) {
         return Document("vpd show" + rest)["result"]["items"][2]["value"];
     };
     EXPECT_EQ("E1", shownLevel(kBanked));
-    EXPECT_EQ("E7", shownLevel(std::string(kBanked) + " --bank other"));
-    EXPECT_EQ(0, Document("nvram activate --yes" + std::string(kBanked))["exit"]);
+    EXPECT_EQ("E7", shownLevel(kBanked + " --bank other"));
+    EXPECT_EQ(0, ExitOf("nvram activate --yes" + kBanked));
     EXPECT_EQ("E7", shownLevel(kBanked));
-    EXPECT_EQ(4, Document("vpd show" + std::string(kLegacy))["exit"]);
+    EXPECT_EQ(4, ExitOf("vpd show" + kLegacy));
 }
 
 TEST_F(SystemNvram, TransceiversAreShownWatchedAndWritten) {
@@ -307,25 +304,23 @@ TEST_F(SystemNvram, TransceiversAreShownWatchedAndWritten) {
     EXPECT_EQ(5u, modules[0]["readings"].size());
     EXPECT_EQ("EMULATED OPTICS", modules[0]["identity"]["vendor"]);
     EXPECT_EQ(true, modules[0]["identity"]["extended_checksum_good"]);
-    EXPECT_EQ(4, Document("sfp show" + std::string(kLegacy))["exit"]);
-    EXPECT_EQ(2u, Document("sfp watch --count 2 --interval 1" +
-                           std::string(kBanked))["result"]["readings"]
-                      .size());
+    EXPECT_EQ(4, ExitOf("sfp show" + kLegacy));
+    EXPECT_EQ(2u,
+              Document("sfp watch --count 2 --interval 1" + kBanked)["result"]["readings"].size());
     ASSERT_EQ(0u, Vxemu("link scsi:3 down").exit);
-    EXPECT_NE(std::string::npos, Document("sfp show" + std::string(kBanked))["result"].dump().find(
-                                     "received power low alarm, signal lost"));
+    EXPECT_TRUE(support::Has(Document("sfp show" + kBanked)["result"].dump(),
+                             "received power low alarm, signal lost"));
 
     const auto exitOf = [&](const std::string& arguments) {
-        return Document("sfp write " + arguments + kYes)["exit"];
+        return ExitOf("sfp write " + arguments + kYes);
     };
     EXPECT_EQ(0, exitOf("a2 128 0102 03"));
-    EXPECT_NE(std::string::npos,
-              Document("sfp dump --page a2" + std::string(kBanked)).dump().find("01 02 03 00"));
+    EXPECT_TRUE(support::Has(Document("sfp dump --page a2" + kBanked).dump(), "01 02 03 00"));
     EXPECT_EQ(0, exitOf("a2 255 00"));
     EXPECT_EQ(2, exitOf("a2 255 0001"));
     EXPECT_EQ(2, exitOf("a2 256 00"));
     EXPECT_EQ(2, exitOf("a2 0 0x1"));
-    json refused = Document("sfp write a0 20 58" + std::string(kYes));  // protected by the module
+    json refused = Document("sfp write a0 20 58" + kYes);  // protected by the module
     EXPECT_EQ(1, refused["exit"]);
     EXPECT_EQ(false, refused["changed"]);
     EXPECT_TRUE(LockIsFree());
@@ -337,20 +332,20 @@ TEST_F(SystemNvram, TransceiverFirmwareIsTheTransceiversToJudge) {
     Write(File("damaged.bin"), good.substr(0, good.size() - 1) + 'x');
     Write(File("wrong.bin"), std::string(64, 'x'));
     Write(File("empty.bin"), "");
-    EXPECT_EQ(8, Document("sfp load" + Quoted("wrong.bin") + kYes)["exit"]);
-    EXPECT_EQ(8, Document("sfp load" + Quoted("empty.bin") + kYes)["exit"]);
-    EXPECT_EQ(2, Document("sfp load" + Quoted("good.bin") + kBanked)["exit"]);
+    EXPECT_EQ(8, ExitOf("sfp load" + Quoted("wrong.bin") + kYes));
+    EXPECT_EQ(8, ExitOf("sfp load" + Quoted("empty.bin") + kYes));
+    EXPECT_EQ(2, ExitOf("sfp load" + Quoted("good.bin") + kBanked));
     const json loaded = Document("sfp load" + Quoted("good.bin") + kYes);
     EXPECT_EQ(0, loaded["exit"]);
     EXPECT_EQ("1.00", loaded["result"]["revision_before"]);
     EXPECT_EQ("2.40", loaded["result"]["revision"]);
     const json damaged = Document("sfp load" + Quoted("damaged.bin") + kYes);
     EXPECT_EQ(1, damaged["exit"]);
-    EXPECT_NE(std::string::npos, Error(damaged).find("revision 2.40"));
+    EXPECT_TRUE(support::Has(Error(damaged), "revision 2.40"));
     Fault("scsi:3 --code LoadSfpFirmware --after 1 --do status 44");
     const json stopped = Document("sfp load" + Quoted("good.bin") + kYes);
     EXPECT_EQ(1, stopped["exit"]);
-    EXPECT_NE(std::string::npos, Error(stopped).find("it answers as"));
+    EXPECT_TRUE(support::Has(Error(stopped), "it answers as"));
     EXPECT_TRUE(LockIsFree());
 }
 

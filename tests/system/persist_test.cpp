@@ -9,8 +9,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr char kArrayA[] = "2b:00:02:45:4d:00:01:00";
-constexpr char kArrayB[] = "2b:00:02:45:4d:00:02:00";
+const std::string kArrayA = "2b:00:02:45:4d:00:01:00";
+const std::string kArrayB = "2b:00:02:45:4d:00:02:00";
 constexpr char kPort0[] = "21-00-02-45-4d-00-01-00";
 constexpr char kNobody[] = "21-00-02-45-4d-00-ff-ff";
 
@@ -87,7 +87,7 @@ class SystemPersist : public EmulatedDriver {
 TEST_F(SystemPersist, BindingsAndMasksSurviveARestart) {
     // The current driver, and one below 7.05.03 that stores in the older form.
     for (const std::string port : {"scsi:3", "scsi:9"}) {
-        const std::string on = std::string(" -t ") + kArrayA + " -p " + port;
+        const std::string on = " -t " + kArrayA + " -p " + port;
         const bool current = port == "scsi:3";
         Expect("bind add --id 9" + on, 0, current ? "done done" : "done pending");
         EXPECT_EQ(json(current ? 9 : 0), Target(port, kArrayA)["target"]);
@@ -107,7 +107,7 @@ TEST_F(SystemPersist, BindingsAndMasksSurviveARestart) {
         EXPECT_EQ(true, target["bound_stored"]) << port;
         EXPECT_EQ(port == "scsi:3" ? json(true) : json(), target["bound_live"]) << port;
         // Both ways out: a mask at once, a binding with the next start.
-        const std::string on = std::string(" -t ") + kArrayA + " -p " + port;
+        const std::string on = " -t " + kArrayA + " -p " + port;
         Expect("lunmask allow all" + on, 0, "done done");
         EXPECT_EQ(4u, LunsOf(port, kArrayA).size());
         const json removed = Expect("bind remove" + on, 0, "done pending");
@@ -119,7 +119,7 @@ TEST_F(SystemPersist, BindingsAndMasksSurviveARestart) {
 }
 
 TEST_F(SystemPersist, OneStoreLeavesTheOtherAlone) {
-    const std::string on = std::string(" -p scsi:3 -t ") + kArrayA;
+    const std::string on = " -p scsi:3 -t " + kArrayA;
     const json stored = Expect("lunmask deny 1 --yes --store registry" + on, 0, "done");
     EXPECT_EQ(1u, stored["pending"].size());
     EXPECT_EQ(4u, LunsOf("scsi:3", kArrayA).size());
@@ -138,10 +138,10 @@ TEST_F(SystemPersist, OneStoreLeavesTheOtherAlone) {
 }
 
 TEST_F(SystemPersist, DryRunsChangeNothing) {
-    const std::string on = std::string(" -p scsi:3 --dry-run -t ") + kArrayA;
+    const std::string on = " -p scsi:3 --dry-run -t " + kArrayA;
     Expect("bind add --id 9" + on, 0, "planned planned");
     Expect("lunmask deny 0-7" + on, 0, "planned planned");
-    Expect(std::string("bind swap --with ") + kArrayB + on, 0, "unchanged planned");
+    Expect("bind swap --with " + kArrayB + on, 0, "unchanged planned");
     EXPECT_EQ(Bytes(), StoredBytes(kPort0, "Data"));
     EXPECT_EQ(Bytes(), StoredBytes(kPort0, "LunData"));
     EXPECT_EQ(0, Target("scsi:3", kArrayA)["target"]);
@@ -149,9 +149,8 @@ TEST_F(SystemPersist, DryRunsChangeNothing) {
 }
 
 TEST_F(SystemPersist, SwapExchangesPlaces) {
-    Expect(std::string("bind add --id 9 -p scsi:3 -t ") + kArrayA, 0, "done done");
-    const std::string swap =
-        std::string("bind swap --yes -p scsi:3 -t ") + kArrayA + " --with " + kArrayB;
+    Expect("bind add --id 9 -p scsi:3 -t " + kArrayA, 0, "done done");
+    const std::string swap = "bind swap --yes -p scsi:3 -t " + kArrayA + " --with " + kArrayB;
     EXPECT_EQ(0, Expect(swap, 0)["exit"]);
     for (int start = 0; start < 2; ++start) {
         EXPECT_EQ(9, Target("scsi:3", kArrayB)["target"]) << start;
@@ -159,8 +158,8 @@ TEST_F(SystemPersist, SwapExchangesPlaces) {
         EXPECT_NE(9, Target("scsi:3", kArrayA)["target"]) << start;
         Restart();
     }
-    Expect(std::string("bind swap --yes -p scsi:3 -t 0:77 --with ") + kArrayB, 3);
-    Expect(std::string("bind swap --yes -p scsi:3 -t ") + kArrayB + " --with " + kArrayB, 2);
+    Expect("bind swap --yes -p scsi:3 -t 0:77 --with " + kArrayB, 3);
+    Expect("bind swap --yes -p scsi:3 -t " + kArrayB + " --with " + kArrayB, 2);
 }
 
 // Store and driver agree after a swap, whichever of the two targets was bound before, and where.
@@ -275,13 +274,13 @@ TEST_F(SystemPersist, UnknownTargetIsAddedByItsNames) {
 }
 
 TEST_F(SystemPersist, ExportWipeImportGivesTheSameBytes) {
-    Expect(std::string("bind add --id 9 --lun-base 3 -p scsi:3 -t ") + kArrayA, 0);
+    Expect("bind add --id 9 --lun-base 3 -p scsi:3 -t " + kArrayA, 0);
     Expect(
         "bind add --id 40 --store registry --node 5000000000000002 -p scsi:3 -t "
         "wwn:5000000000000001",
         0, "done");
     Expect("bind remove -t 0:9 -p scsi:3", 0);  // leaves a hole
-    Expect(std::string("lunmask deny 2,256-300 --yes -p scsi:3 -t ") + kArrayB, 0);
+    Expect("lunmask deny 2,256-300 --yes -p scsi:3 -t " + kArrayB, 0);
     const Bytes data = StoredBytes(kPort0, "Data");
     const Bytes luns = StoredBytes(kPort0, "LunData");
     ASSERT_EQ(8224u, data.size());
@@ -319,20 +318,20 @@ TEST_F(SystemPersist, ExportWipeImportGivesTheSameBytes) {
 }
 
 TEST_F(SystemPersist, DamagedStoreIsToldAndMended) {
-    Expect(std::string("bind add -p scsi:3 -t ") + kArrayA, 0);
+    Expect("bind add -p scsi:3 -t " + kArrayA, 0);
     const DWORD wrong = 1;
     ASSERT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_LOCAL_MACHINE, KeyOf("vxfc2", kPort0).c_str(),
                                              "Checksum", REG_DWORD, &wrong, sizeof wrong));
     const json listed = Expect("bind list -p scsi:3 --store registry", 0);
     EXPECT_TRUE(listed["result"]["bindings"].empty());
-    EXPECT_NE(std::string::npos, listed["messages"].dump().find("damaged"));
+    EXPECT_TRUE(support::Has(listed["messages"].dump(), "damaged"));
     Expect("bind export -p scsi:3 nowhere.json", 3);
-    Expect(std::string("bind add -p scsi:3 --store registry -t ") + kArrayB, 0, "done");
+    Expect("bind add -p scsi:3 --store registry -t " + kArrayB, 0, "done");
     EXPECT_EQ(1u, Document("bind list -p scsi:3 --store registry")["result"]["bindings"].size());
 }
 
 TEST_F(SystemPersist, CleanTakesAbsentPortsAlone) {
-    Expect(std::string("bind add -p scsi:3 -t ") + kArrayA, 0);
+    Expect("bind add -p scsi:3 -t " + kArrayA, 0);
     const std::string absent = KeyOf("vxfc2", kNobody);
     const Bytes data = StoredBytes(kPort0, "Data");
     const DWORD length = static_cast<DWORD>(data.size());
@@ -359,7 +358,7 @@ TEST_F(SystemPersist, CleanTakesAbsentPortsAlone) {
 }
 
 TEST_F(SystemPersist, FailingRequestsAreTold) {
-    const std::string on = std::string(" -p scsi:3 -t ") + kArrayA;
+    const std::string on = " -p scsi:3 -t " + kArrayA;
     ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code SetTargetLunMaskFc --do status 23").exit);
     const json failed = Expect("lunmask deny 1 --yes" + on, 11, "done failed");
     EXPECT_EQ(true, failed["changed"]);
