@@ -7,7 +7,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 using flash::TwoWireRecord;
 
 class FlashAuxiliaryTest : public FlashTest {
@@ -31,7 +30,7 @@ TEST_F(FlashAuxiliaryTest, TwoWireRead) {
         uint16_t status = 0;
         ASSERT_EQ(0u, HXReadSFPData(handle, 0, 0xA2, buffer.Data(), length, 96, 0x2001, &status));
         EXPECT_EQ(0x1234, status);
-        EXPECT_EQ(Counting(length), Bytes(buffer.Data(), buffer.Data() + length));
+        EXPECT_EQ(Counting(length), buffer.First(length));
         Bytes expected(266, 0);
         expected[0] = 0xA2;
         memcpy(&expected[2], &length, 2);
@@ -53,8 +52,6 @@ TEST_F(FlashAuxiliaryTest, TwoWireRead) {
         EXPECT_EQ(HXMGT_INVALID_PARAMETER,
                   HXReadSFPData(handle, 0, 0xA0, buffer.Data(), length, 0, 0, &status));
     }
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXReadSFPData(handle, 0, 0xA0, nullptr, 1, 0, 0, &status));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXReadSFPData(0, 0, 0xA0, buffer.Data(), 1, 0, 0, &status));
     EXPECT_TRUE(port->Requests().empty());
 }
 
@@ -69,13 +66,10 @@ TEST_F(FlashAuxiliaryTest, TwoWireWrite) {
     EXPECT_EQ(0x66, As<TwoWireRecord>(port->Last()).data[255]);
     EXPECT_EQ(HXMGT_INVALID_PARAMETER,
               HXWriteSFPData(handle, 0, 0xA2, data.Data(), 257, 0, 0x2000, &status));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER,
-              HXWriteSFPData(handle, 0, 0xA2, nullptr, 1, 0, 0x2000, &status));
     // Without a data phase neither data nor their length are looked at.
     ASSERT_EQ(0u, HXWriteSFPData(handle, 0, 0xA2, nullptr, 0xFFFF, 0, 0x2001, &status));
     EXPECT_EQ(0xFFFF, As<TwoWireRecord>(port->Last()).length);
     EXPECT_EQ(0, As<TwoWireRecord>(port->Last()).data[0]);
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXWriteSFPData(0, 0, 0xA2, data.Data(), 1, 0, 0, &status));
 }
 
 TEST_F(FlashAuxiliaryTest, TransceiverMemory) {
@@ -86,7 +80,7 @@ TEST_F(FlashAuxiliaryTest, TransceiverMemory) {
         uint32_t size = room;
         EXPECT_EQ(0u, HXGetSFPData(handle, 0, buffer.Data(), &size)) << room;
         EXPECT_EQ(read, size);
-        EXPECT_EQ(Counting(read), Bytes(buffer.Data(), buffer.Data() + read));
+        EXPECT_EQ(Counting(read), buffer.First(read));
         EXPECT_EQ(Bytes(read, 0), port->Last().Data());
         EXPECT_EQ(read, port->Last().Envelope().ext.responseLen);
     }
@@ -102,10 +96,6 @@ TEST_F(FlashAuxiliaryTest, TransceiverMemory) {
     port->Forget();
     size = 0;
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, buffer.Data(), &size));
-    size = 512;
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, nullptr, &size));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetSFPData(handle, 0, buffer.Data(), nullptr));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetSFPData(0, 0, buffer.Data(), &size));
     EXPECT_TRUE(port->Requests().empty());
 }
 
@@ -120,7 +110,6 @@ TEST_F(FlashAuxiliaryTest, BootFromSan) {
         EXPECT_EQ(status, HXGetBFSInfo(handle));
     }
     EXPECT_EQ(Bytes{0}, port->Last().Data());
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetBFSInfo(0));
 }
 
 TEST_F(FlashAuxiliaryTest, TransceiverFirmware) {
@@ -159,9 +148,7 @@ TEST_F(FlashAuxiliaryTest, TransceiverFirmware) {
     EXPECT_EQ(HXMGT_SFP_FIRMWARE_UPDATE_ERROR, HXLoadSFPFirmware(handle, 0, image.data(), 70000));
     port->On(command::LoadSfpFirmware, Reply{.status = 44});
     EXPECT_EQ(HXMGT_SFP_FIRMWARE_UPDATE_ERROR, HXLoadSFPFirmware(handle, 0, image.data(), 1));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXLoadSFPFirmware(handle, 0, nullptr, 1));
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXLoadSFPFirmware(handle, 0, image.data(), 0));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXLoadSFPFirmware(0, 0, image.data(), 1));
 }
 
 class CompanionTest : public FlashAuxiliaryTest {
@@ -202,12 +189,10 @@ TEST_F(CompanionTest, ResetAndVersion) {
     for (const uint32_t operation : {0u, 5u, 0x10001u}) {
         EXPECT_EQ(HXMGT_INVALID_REQUEST, Manage(operation, request));
     }
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXOrvoMgt(handle, 1, nullptr));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXOrvoMgt(0, 1, request.Head()));
     HXEnableDebugTrace(&handle, nullptr, 0);
     const std::string text = trace.Contents();
-    EXPECT_NE(std::string::npos, text.find("HXOrvoMgt: Orvo Reset Operation (Flags 11)\n"));
-    EXPECT_NE(std::string::npos, text.find("HXOrvoMgt: Return HXMGT_INVALID_REQUEST to caller\n"));
+    EXPECT_TRUE(Has(text, "HXOrvoMgt: Orvo Reset Operation (Flags 11)\n"));
+    EXPECT_TRUE(Has(text, "HXOrvoMgt: Return HXMGT_INVALID_REQUEST to caller\n"));
 }
 
 TEST_F(CompanionTest, UpdateInSegments) {
@@ -271,8 +256,7 @@ TEST_F(CompanionTest, InformationInPieces) {
         return reply;
     });
     struct Row {
-        uint32_t capacity;
-        uint32_t available;
+        uint32_t capacity, available;
         std::vector<uint32_t> pieces;
     };
     const Row rows[] = {

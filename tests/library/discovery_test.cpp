@@ -1,14 +1,11 @@
-#include <string>
 #include <thread>
 #include <tuple>
-#include <vector>
 
 #include "support/library_fixture.h"
 
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 class DiscoveryTest : public LibraryTest {
   protected:

@@ -1,5 +1,3 @@
-#include <optional>
-#include <string>
 
 #include "frame/driver_parameters.h"
 #include "support/library_fixture.h"

@@ -1,5 +1,4 @@
 // The library over the emulated adapters: what one side asks and the other answers fits together.
-#include <functional>
 
 #include "support/emulated_adapters.h"
 #include "support/event_peer.h"
@@ -91,17 +90,6 @@ TEST_F(EmulatedAdaptersTest, LabIsSeenThroughTheLibrary) {
     EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, HXOpenDevice(4, &handle));
 }
 
-TEST_F(EmulatedAdaptersTest, SixtyThreePorts) {
-    Start("full");
-    for (uint32_t index = 0; index < 63; ++index) {
-        const uint32_t handle = Open(index);
-        ASSERT_EQ(index + 1, handle);
-        HX_PORT_PROPERTY port = {};
-        EXPECT_EQ(0u, HXGetHbaDevicePortProperty(handle, 0, &port));
-        EXPECT_EQ(0, memcmp(profile->ports[index].portName, port.portName, 8));
-    }
-}
-
 TEST_F(EmulatedAdaptersTest, LinkGoesDownAndUp) {
     Start("lab");
     const uint32_t handle = Open(0);
@@ -140,15 +128,6 @@ TEST_F(EmulatedAdaptersTest, DriverWithoutTheSecondPortVersion) {
     EXPECT_EQ(0u, HXGetHbaDevicePortProperty(handle, 0, port.Get()));
     EXPECT_EQ(0, memcmp(profile->ports[0].portName, port->portName, 8));
     EXPECT_TRUE(port.Raw().Holds(0xEE, 82, 112));
-}
-
-TEST_F(EmulatedAdaptersTest, BusyDriverCostsPauses) {
-    Start("lab");
-    const uint32_t handle = Open(0);
-    system.sleeps.clear();
-    Break(FaultKind::Busy, 0, 3);
-    EXPECT_EQ(0u, HXVerifyHbaState(handle));
-    EXPECT_EQ(3u, system.sleeps.size());
 }
 
 // Whatever a driver does, no query writes outside its record, hangs or ends the process.

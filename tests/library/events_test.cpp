@@ -9,7 +9,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 TEST_F(EventsTest, EnableAndDisableSwitchTheDriverOnce) {
     EXPECT_EQ(0u, HXEnableAen(handle));
@@ -98,8 +97,7 @@ TEST_F(EventsTest, DriverThatReportsMoreThanItWasAskedFor) {
     const properties::DriverEvent event = {0x8011, {1, 2, 3}};
     Bytes many;
     for (int i = 0; i < 8; ++i) {
-        const Bytes bytes = BytesOf(event);
-        many.insert(many.end(), bytes.begin(), bytes.end());
+        Append(many, BytesOf(event));
     }
     for (const uint32_t claimed : {128u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         driver.port.Next({.data = many, .responseLength = claimed});
@@ -132,7 +130,7 @@ TEST_F(EventsTest, WhoMayAsk) {
     EXPECT_EQ(0u, area->registrations[1]);
     // A closed handle's record still names its driver, but requests fail.
     const uint32_t closed = Open(0);
-    HXCloseDevice(static_cast<int32_t>(closed));
+    Close(closed);
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXEnableAen(closed));
     EXPECT_EQ(HXMGT_DEVICE_BUSY, HXGetAen(closed, buffer, 16, &count));
     EXPECT_EQ(0u, area->registrations[0]);
@@ -191,12 +189,12 @@ TEST_F(EventsTest, PortOpenedWithoutCounting) {
     EXPECT_EQ(Masks{0}, later.TakeMasks());
 
     // The record's next holder starts without index and mutex.
-    HXCloseDevice(static_cast<int32_t>(uncounted));
+    Close(uncounted);
     uint32_t next = 0;
     ASSERT_EQ(0u, HXOpenScsiPort(3, &next));
     ASSERT_EQ(uncounted, next);
     EXPECT_EQ(HXMGT_INVALID_REQUEST, Fetch(next, 4).status);
-    HXCloseDevice(static_cast<int32_t>(next));
+    Close(next);
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXEnableAen(next));
     EXPECT_EQ(HXMGT_INVALID_HANDLE, HXDisableAen(next));
 }

@@ -55,8 +55,7 @@ TEST_F(ExecutorStatusTest, StatusMapping) {
 TEST_F(ExecutorStatusTest, RepliesThatAreShortLongOrLie) {
     struct Row {
         Reply reply;
-        uint32_t room;
-        uint32_t count;
+        uint32_t room, count;
         Bytes copied;
     };
     const Bytes data = Counting(32);
@@ -87,11 +86,10 @@ TEST_F(ExecutorStatusTest, RepliesThatAreShortLongOrLie) {
             port->Next(reply);
             GuardedBuffer buffer(row.room);
             EXPECT_EQ(status == 0 ? 0u : 0x20000072u,
-                      SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, nullptr, 0,
-                                                   row.room == 0 ? nullptr : buffer.Data(),
-                                                   row.room, &returned));
+                      Extended(handle, 0xF0001054, 0, nullptr, 0,
+                               row.room == 0 ? nullptr : buffer.Data(), row.room, &returned));
             EXPECT_EQ(row.count, returned);
-            EXPECT_EQ(row.copied, Bytes(buffer.Data(), buffer.Data() + row.count));
+            EXPECT_EQ(row.copied, buffer.First(row.count));
             EXPECT_TRUE(buffer.Holds(0xEE, row.count, row.room));
         }
     }
@@ -104,8 +102,7 @@ TEST_F(ExecutorStatusTest, RepliesThatAreShortLongOrLie) {
 TEST_F(ExecutorStatusTest, BusyDriver) {
     for (const bool plain : {false, true}) {
         const auto send = [&] {
-            return plain ? SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, &handle, 4,
-                                               nullptr, 0)
+            return plain ? Plain(handle, 0xF0000017, &handle, 4, nullptr, 0)
                          : Send(0xF0001054, 0, {1, 2, 3}, 0);
         };
         port->Forget();
@@ -136,7 +133,7 @@ TEST_F(ExecutorStatusTest, BusyDriver) {
         system.sleeps.clear();
         port->NextBusy(1);
         port->Next({.error = ERROR_SEM_TIMEOUT});
-        EXPECT_EQ(static_cast<HX_STATUS>(ERROR_SEM_TIMEOUT), send());
+        EXPECT_EQ(Windows(ERROR_SEM_TIMEOUT), send());
         EXPECT_EQ(1u, system.sleeps.size());
         system.sleeps.clear();
     }

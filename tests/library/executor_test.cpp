@@ -1,5 +1,4 @@
 // What the executors send, and what they ask of their caller.
-#include <array>
 #include <thread>
 
 #include "support/executor_fixture.h"
@@ -7,7 +6,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 TEST_F(ExecutorTest, ExtendedEnvelopeByteForByte) {
     port->Next({.data = Counting(9)});
@@ -36,11 +34,7 @@ TEST_F(ExecutorTest, ExtendedEnvelopeByteForByte) {
 
 TEST_F(ExecutorTest, ExtendedSizes) {
     struct Row {
-        uint32_t input;
-        uint32_t output;
-        uint32_t length;
-        uint32_t inputSize;
-        uint32_t outputSize;
+        uint32_t input, output, length, inputSize, outputSize;
     };
     const Row rows[] = {{4, 176136, 176224, 120, 176252},
                         {0, 0, 88, 116, 116},
@@ -70,7 +64,7 @@ TEST_F(ExecutorTest, OnlyCtPassThroughWaitsLonger) {
     }
     for (const transport::PlainCommandRow& row : transport::kPlainCommands) {
         port->Next({});
-        SendMiniPortControl(static_cast<int32_t>(handle), row.code, nullptr, 0, nullptr, 0);
+        Plain(handle, row.code, nullptr, 0, nullptr, 0);
         EXPECT_EQ(60u, port->Last().Envelope().srb.timeout) << row.name;
     }
 }
@@ -84,9 +78,7 @@ TEST_F(ExecutorTest, Rewrites) {
         Bytes input;
         Bytes record;  // in the output buffer
         uint16_t sentSubCode;
-        uint32_t detailStatus;
-        uint32_t parameter;
-        uint32_t requestLen;
+        uint32_t detailStatus, parameter, requestLen;
         uint16_t resyncFlag;
     };
     const uint32_t read = 0xF0001012;
@@ -132,15 +124,13 @@ TEST_F(ExecutorTest, Rewrites) {
     EXPECT_EQ(10u, SentBody().requestLen);
     // A record whose buffer has length 0 counts, and is not sent.
     port->Next({});
-    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, read, 0x90, chunk.data(), 0, nullptr, 0,
-                                               &returned));
+    EXPECT_EQ(0u, Extended(handle, read, 0x90, chunk.data(), 0, nullptr, 0, &returned));
     EXPECT_EQ(0x00400003u, SentBody().parameter);
     EXPECT_EQ(0u, SentBody().requestLen);
     EXPECT_EQ(Bytes(), port->Last().Data());
     Bytes writable = place;
     port->Next({});
-    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, write, 0xFFFD, data.data(), 10,
-                                               writable.data(), 0, &returned));
+    EXPECT_EQ(0u, Extended(handle, write, 0xFFFD, data.data(), 10, writable.data(), 0, &returned));
     EXPECT_EQ(0xFFFFu, SentBody().subCode);
     EXPECT_EQ(1u, SentBody().detailStatus);
     EXPECT_EQ(0x00ABC000u, SentBody().parameter);
@@ -155,10 +145,10 @@ TEST_F(ExecutorTest, FlashRecordCutShortIsRefused) {
     const auto refused = [&](uint32_t code, uint16_t subCode, GuardedBuffer& buffer) {
         const bool isRead = code == 0xF0001012;
         const auto length = static_cast<uint32_t>(buffer.Size());
-        EXPECT_EQ(HXMGT_INVALID_PARAMETER,
-                  SRBWithHeaderDeviceIoControl(
-                      handle, code, subCode, isRead ? buffer.Data() : nullptr, isRead ? length : 0,
-                      isRead ? nullptr : buffer.Data(), isRead ? 0 : length, &returned));
+        EXPECT_EQ(
+            HXMGT_INVALID_PARAMETER,
+            Extended(handle, code, subCode, isRead ? buffer.Data() : nullptr, isRead ? length : 0,
+                     isRead ? nullptr : buffer.Data(), isRead ? 0 : length, &returned));
     };
     refused(0xF0001012, 0x90, three);
     refused(0xF0001012, 0xFFFF, seven);
@@ -172,9 +162,8 @@ TEST_F(ExecutorTest, NvramWriteFlag) {
     const auto write = [&](uint32_t flag, const Bytes& input) {
         returned = flag;
         port->Next({});
-        EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, 0xF0001010, 3, input.data(),
-                                                   static_cast<uint32_t>(input.size()), nullptr, 0,
-                                                   &returned));
+        EXPECT_EQ(0u, Extended(handle, 0xF0001010, 3, input.data(),
+                               static_cast<uint32_t>(input.size()), nullptr, 0, &returned));
         EXPECT_EQ(0u, returned);
         return SentBody().detailStatus;
     };
@@ -185,17 +174,15 @@ TEST_F(ExecutorTest, NvramWriteFlag) {
     // The word is a flag of that one code.
     returned = 1;
     port->Next({});
-    SRBWithHeaderDeviceIoControl(handle, 0xF0001017, 0, &handle, 4, nullptr, 0, &returned);
+    Extended(handle, 0xF0001017, 0, &handle, 4, nullptr, 0, &returned);
     EXPECT_EQ(0u, SentBody().detailStatus);
 }
 
 TEST_F(ExecutorTest, BuffersAndLengths) {
     uint8_t byte = 0;
     const auto send = [&](const void* in, uint32_t inLength, void* out, uint32_t outLength) {
-        return std::pair(SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, in, inLength, out,
-                                                      outLength, &returned),
-                         SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, in, inLength,
-                                             out, outLength));
+        return std::pair(Extended(handle, 0xF0001054, 0, in, inLength, out, outLength, &returned),
+                         Plain(handle, 0xF0000017, in, inLength, out, outLength));
     };
     const std::pair invalid(HX_STATUS{HXMGT_INVALID_PARAMETER}, HX_STATUS{HXMGT_INVALID_PARAMETER});
     const std::pair noMemory(HX_STATUS{HXMGT_OUT_OF_MEMORY}, HX_STATUS{HXMGT_OUT_OF_MEMORY});
@@ -206,19 +193,18 @@ TEST_F(ExecutorTest, BuffersAndLengths) {
     EXPECT_EQ(noMemory, send(&byte, 0xFFFFFFFF, nullptr, 0));
     EXPECT_EQ(noMemory, send(nullptr, 0, &byte, 0xFFFFFFFF));
     EXPECT_EQ(noMemory, send(nullptr, 0, &byte, 0xFFFFFFFF - 27));
-    EXPECT_EQ(HXMGT_OUT_OF_MEMORY, SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, nullptr, 0,
-                                                                &byte, 0xFFFFFFFF - 115, nullptr));
+    EXPECT_EQ(HXMGT_OUT_OF_MEMORY,
+              Extended(handle, 0xF0001054, 0, nullptr, 0, &byte, 0xFFFFFFFF - 115, nullptr));
     EXPECT_TRUE(port->Requests().empty());
 
     // Without a place for the count.
     port->Next({.data = {7}});
-    EXPECT_EQ(0u,
-              SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, nullptr, 0, &byte, 1, nullptr));
+    EXPECT_EQ(0u, Extended(handle, 0xF0001054, 0, nullptr, 0, &byte, 1, nullptr));
     EXPECT_EQ(7, byte);
     // Pointers with length 0 are not looked at.
     port->Next({});
-    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, reinterpret_cast<void*>(1), 0,
-                                               reinterpret_cast<void*>(1), 0, &returned));
+    EXPECT_EQ(0u, Extended(handle, 0xF0001054, 0, reinterpret_cast<void*>(1), 0,
+                           reinterpret_cast<void*>(1), 0, &returned));
 }
 
 void* NoMemory(size_t) {
@@ -232,26 +218,23 @@ TEST_F(ExecutorTest, MemoryThatRunsOut) {
     uint8_t bytes[8];
     const auto malloc = RedirectLibrary("malloc", &NoMemory);
     const auto calloc = RedirectLibrary("calloc", &NoClearedMemory);
-    EXPECT_EQ(HXMGT_OUT_OF_MEMORY,
-              SRBWithHeaderDeviceIoControl(handle, 0xF0001054, 0, bytes, 8, bytes, 8, &returned));
-    EXPECT_EQ(HXMGT_OUT_OF_MEMORY,
-              SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, bytes, 8, bytes, 8));
+    EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Extended(handle, 0xF0001054, 0, bytes, 8, bytes, 8, &returned));
+    EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Plain(handle, 0xF0000017, bytes, 8, bytes, 8));
     EXPECT_TRUE(port->Requests().empty());
 }
 
 TEST_F(ExecutorTest, InputAndOutputMayBeOneBuffer) {
     GuardedBuffer buffer(100, 0x11);
     port->Next({.data = Counting(40)});
-    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(handle, 0xF000104A, 0, buffer.Data(), 100,
-                                               buffer.Data(), 100, &returned));
+    EXPECT_EQ(0u,
+              Extended(handle, 0xF000104A, 0, buffer.Data(), 100, buffer.Data(), 100, &returned));
     EXPECT_EQ(Bytes(100, 0x11), port->Last().Data());
-    EXPECT_EQ(Counting(40), Bytes(buffer.Data(), buffer.Data() + 40));
+    EXPECT_EQ(Counting(40), buffer.First(40));
     EXPECT_TRUE(buffer.Holds(0x11, 40, 100));
 
     port->OnPlain(0xF0000017, {.data = Counting(40)});
-    EXPECT_EQ(0u, SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, buffer.Data(), 100,
-                                      buffer.Data(), 100));
-    EXPECT_EQ(Counting(40), Bytes(buffer.Data(), buffer.Data() + 40));
+    EXPECT_EQ(0u, Plain(handle, 0xF0000017, buffer.Data(), 100, buffer.Data(), 100));
+    EXPECT_EQ(Counting(40), buffer.First(40));
     EXPECT_TRUE(buffer.Holds(0, 40, 100));
 }
 
@@ -259,8 +242,7 @@ TEST_F(ExecutorTest, PlainFormByteForByte) {
     GuardedBuffer reply(16);
     port->Next({.data = Counting(5), .returned = 33});
     const Bytes input = {0, 0, 0x80, 0, 5, 0, 0, 0, 0, 0, 0, 0};
-    EXPECT_EQ(0u, SendMiniPortControl(static_cast<int32_t>(handle), 0xF000000B, input.data(), 12,
-                                      reply.Data(), 16));
+    EXPECT_EQ(0u, Plain(handle, 0xF000000B, input.data(), 12, reply.Data(), 16));
     const SentRequest request = port->Last();
     EXPECT_FALSE(request.oneBuffer);
     EXPECT_EQ(28u + 12u, request.inputSize);
@@ -275,7 +257,7 @@ TEST_F(ExecutorTest, PlainFormByteForByte) {
     memcpy(&expected[28], input.data(), 12);
     EXPECT_EQ(expected, request.bytes);
     // All the room is written: what the driver left open is zero.
-    EXPECT_EQ(Counting(5), Bytes(reply.Data(), reply.Data() + 5));
+    EXPECT_EQ(Counting(5), reply.First(5));
     EXPECT_TRUE(reply.Holds(0, 5, 16));
 }
 
@@ -300,8 +282,8 @@ TEST_F(ExecutorTest, ReturnCodeOfTheHeaderMeansNothing) {
     uint8_t byte = 0;
     EXPECT_EQ(0u, SendMiniPortControl(own, 0xF0000017, nullptr, 0, &byte, 1));
     EXPECT_EQ(9, byte);
-    EXPECT_EQ(0u, SRBWithHeaderDeviceIoControl(static_cast<uint32_t>(own), 0xF0001001, 1, nullptr,
-                                               0, nullptr, 0, &returned));
+    EXPECT_EQ(
+        0u, Extended(static_cast<uint32_t>(own), 0xF0001001, 1, nullptr, 0, nullptr, 0, &returned));
     HXCloseDevice(own);
 }
 
@@ -317,8 +299,8 @@ TEST_F(ExecutorTest, ThreadsShareAHandle) {
                 const Bytes input(196, static_cast<uint8_t>(index * 50 + round % 50));
                 Bytes reply(196);
                 uint32_t count = 0;
-                const HX_STATUS status = SRBWithHeaderDeviceIoControl(
-                    handle, 0xF000104A, 0, input.data(), 196, reply.data(), 196, &count);
+                const HX_STATUS status =
+                    Extended(handle, 0xF000104A, 0, input.data(), 196, reply.data(), 196, &count);
                 wrong[index] += status != 0 || count != 196 || reply != input;
             }
         });

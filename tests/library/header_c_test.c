@@ -1,5 +1,5 @@
 /* The public header by itself, for a C compiler: records as an application compiled against them.
- */
+   Their sizes and last members; the library asserts the rest. */
 #include "hxmgtapi.h"
 
 #include <stddef.h>
@@ -9,48 +9,26 @@
     _Static_assert(offsetof(record, field) == (offset), #record "." #field)
 
 SIZE(HXMGT_API_HANDLE, 120);
-AT(HXMGT_API_HANDLE, szModel, 8);
-AT(HXMGT_API_HANDLE, pTraceFile, 40);
 AT(HXMGT_API_HANDLE, dwTraceLevel, 48);
-AT(HXMGT_API_HANDLE, szDeviceName, 52);
-AT(HXMGT_API_HANDLE, dwDriverVersion, 84);
 AT(HXMGT_API_HANDLE, dwAdapterIndex, 88);
 AT(HXMGT_API_HANDLE, dwScsiPort, 92);
 AT(HXMGT_API_HANDLE, qwFlashUpdateCapabilities, 112);
 SIZE(HX_NODE_PROPERTY, 388);
-AT(HX_NODE_PROPERTY, model, 88);
-AT(HX_NODE_PROPERTY, serialPresent, 120);
-AT(HX_NODE_PROPERTY, firmwareVersion, 184);
-AT(HX_NODE_PROPERTY, optionRomVersion, 216);
-AT(HX_NODE_PROPERTY, numberOfPorts, 248);
-AT(HX_NODE_PROPERTY, flags, 260);
 AT(HX_NODE_PROPERTY, serialBytes, 264);
 SIZE(HX_PORT_PROPERTY, 112);
-AT(HX_PORT_PROPERTY, role, 11);
-AT(HX_PORT_PROPERTY, deviceName, 18);
-AT(HX_PORT_PROPERTY, currentSpeed, 50);
-AT(HX_PORT_PROPERTY, supportedSpeeds, 62);
-AT(HX_PORT_PROPERTY, maxTargets, 82);
-AT(HX_PORT_PROPERTY, featureMask, 102);
 AT(HX_PORT_PROPERTY, diagnosticState, 108);
 SIZE(HX_CHIP_PROPERTY, 80);
-AT(HX_CHIP_PROPERTY, linkCapabilities, 48);
 AT(HX_CHIP_PROPERTY, flashRegionCode, 58);
 SIZE(HX_DRIVER_PROPERTY, 74);
-AT(HX_DRIVER_PROPERTY, maxTransferLength, 38);
 AT(HX_DRIVER_PROPERTY, buildNumber, 70);
 SIZE(HX_FIRMWARE_PROPERTY, 40);
 AT(HX_FIRMWARE_PROPERTY, activationAttributes, 36);
 SIZE(HX_EVENT, 16);
 
 SIZE(HX_TARGET_ENTRY, 32);
-AT(HX_TARGET_ENTRY, nodeName, 16);
 SIZE(HX_TARGET_DATA, 8224);
-AT(HX_TARGET_DATA, entries, 32);
 SIZE(HX_LUN_RECORD, 2080);
-AT(HX_LUN_RECORD, luns, 32);
 SIZE(HX_LUN_DATA, 532512);
-AT(HX_LUN_DATA, records, 32);
 SIZE(HX_WWN_LIST, 2048);
 SIZE(HX_DEVICE_RECORD, 290);
 AT(HX_DEVICE_RECORD, roleAndState, 154);

@@ -1,6 +1,4 @@
 // SCSI pass-through over drivers below 7.05.03.
-#include <memory>
-#include <string>
 
 #include "support/scratch_file.h"
 #include "support/scsi_fixture.h"
@@ -8,7 +6,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 using properties::LegacySelector;
 
 // A driver below 7.05.03 with three targets, the second without a loop identifier.
@@ -73,8 +70,7 @@ TEST_F(LegacyScsiTest, RequestByteForByte) {
         EXPECT_EQ((Bytes{0, 0, 0x80, 0, 11, 0, 0, 0, 0, 0, 0, 0}), port->Requests()[0].Data());
         EXPECT_EQ(28u + 32812u, port->Requests()[0].outputSize);
         Bytes expected = {0x01, 0x34, 0x34, 0xFF, 0, 0, 0, 0x10, 0, 0, 0, 0, 16, 0, 0, 0};
-        const Bytes cdb = Counting(16, 0xA0);
-        expected.insert(expected.end(), cdb.begin(), cdb.end());
+        Append(expected, Counting(16, 0xA0));
         expected.insert(expected.end(), out.begin(), out.begin() + 4096);
         EXPECT_EQ(expected, port->Last().Data());
         EXPECT_EQ(0xF00060C4u, port->Last().Code());
@@ -112,7 +108,7 @@ TEST_F(LegacyScsiTest, TargetsThatAreNotThere) {
     List(targets);
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, Send({.target = Named(0x51, 2)}));
     port->OnSelector(LegacySelector::TargetList, {.error = ERROR_NOT_READY});
-    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_NOT_READY), Send({.target = Named(0x51, 2)}));
+    EXPECT_EQ(Windows(ERROR_NOT_READY), Send({.target = Named(0x51, 2)}));
 }
 
 TEST_F(LegacyScsiTest, CountBeyondTheList) {
@@ -128,11 +124,10 @@ TEST_F(LegacyScsiTest, CountBeyondTheList) {
 TEST_F(LegacyScsiTest, DataIn) {
     GuardedBuffer in(10000);
     EXPECT_EQ(0u, Send({.target = Named(0x51, 2), .dataIn = in.Data(), .dataInLength = 10000}));
-    EXPECT_EQ(Counting(4096, 101), Bytes(in.Data(), in.Data() + 4096));
-    EXPECT_TRUE(in.Holds(0xEE, 4096, 10000));
+    EXPECT_TRUE(in.Is(Counting(4096, 101)));
     GuardedBuffer tight(3);
     EXPECT_EQ(0u, Send({.target = Named(0x51, 2), .dataIn = tight.Data(), .dataInLength = 3}));
-    EXPECT_EQ(Counting(3, 101), Bytes(tight.Data(), tight.Data() + 3));
+    EXPECT_EQ(Counting(3, 101), tight.First(3));
 }
 
 TEST_F(LegacyScsiTest, StatusAndSense) {
@@ -167,7 +162,7 @@ TEST_F(LegacyScsiTest, StatusAndSense) {
             expected[12] = 0x24;
             expected[13] = 0x01;
         }
-        EXPECT_EQ(expected, Bytes(sense.Data(), sense.Data() + 14));
+        EXPECT_EQ(expected, sense.First(14));
     }
     GuardedBuffer narrow(13);
     EXPECT_EQ(HXMGT_SCSI_CHECK_CONDITION,
@@ -181,7 +176,7 @@ TEST_F(LegacyScsiTest, TraceLines) {
     Answer(8);
     EXPECT_EQ(HXMGT_SCSI_BUSY, Send({.target = Named(0x51, 2)}));
     port->OnPlain(command::LegacyScsiPassThrough, {.error = ERROR_IO_DEVICE});
-    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_IO_DEVICE), Send({.target = Named(0x51, 2)}));
+    EXPECT_EQ(Windows(ERROR_IO_DEVICE), Send({.target = Named(0x51, 2)}));
     EXPECT_EQ(HXMGT_INVALID_PARAMETER, Send({.target = Named(0x54, 2)}));
     HXEnableDebugTrace(&handle, nullptr, 0);
     const std::string trace = file.Contents();
@@ -189,7 +184,7 @@ TEST_F(LegacyScsiTest, TraceLines) {
     ASSERT_NE(std::string::npos, returned);
     EXPECT_EQ(std::string::npos, trace.find("HXSendScsiPassThru", returned + 1))
         << "a call that fails before its result says so in no further line";
-    EXPECT_NE(std::string::npos, trace.find("SendMiniPortControl() failed with status 0x45d\n"));
+    EXPECT_TRUE(Has(trace, "SendMiniPortControl() failed with status 0x45d\n"));
 }
 
 }  // namespace

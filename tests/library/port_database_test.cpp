@@ -3,7 +3,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 using properties::PortDatabaseEntry;
 
 class PortDatabaseTest : public PersistTest {
@@ -67,8 +66,7 @@ TEST_F(PortDatabaseTest, BuffersThatAreTooSmall) {
 
 TEST_F(PortDatabaseTest, RepliesThatPromiseTooMuch) {
     Bytes reply = BytesOf(properties::PortDatabaseHeader{7, 500});
-    const Bytes entry = BytesOf(Patterned(1));
-    reply.insert(reply.end(), entry.begin(), entry.end());
+    Append(reply, BytesOf(Patterned(1)));
     reply.resize(reply.size() + 171);
     port->On(command::PortDatabase, {.data = reply});
     GuardedBuffer buffer(8 + 500 * 290);
@@ -79,8 +77,6 @@ TEST_F(PortDatabaseTest, RepliesThatPromiseTooMuch) {
     EXPECT_EQ(HXMGT_UNKNOWN_ERROR, HXGetPortDatabase(handle, 7, buffer.Data(), 298));
     port->On(command::PortDatabase, Reply{.status = 21});
     EXPECT_EQ(HXMGT_DEVICE_NOT_READY, HXGetPortDatabase(handle, 7, buffer.Data(), 298));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetPortDatabase(0, 7, buffer.Data(), 298));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetPortDatabase(handle, 7, nullptr, 298));
 }
 
 TEST_F(PortDatabaseTest, OlderDriver) {
@@ -145,9 +141,6 @@ TEST_F(PortDatabaseTest, DiscoveredPortsAndTargets) {
     EXPECT_EQ(0, record->device.bus) << "what a short reply lacks is zero";
     port->On(command::DiscoveredPort, Reply{.status = 9});
     EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, HXGetDiscPortProperty(handle, 0, 0, 0, record.Get()));
-    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXGetDiscPortProperty(64, 0, 0, 0, record.Get()));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetDiscPortProperty(handle, 0, 0, 0, nullptr));
-    EXPECT_EQ(HXMGT_INVALID_PARAMETER, HXGetDiscTargetProperty(handle, 0, 0, 0, nullptr));
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include <string>
 
 #include "frame/trace.h"
 #include "support/library_fixture.h"
@@ -7,7 +6,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 class TraceTest : public OneAdapterTest {
   protected:
@@ -60,8 +58,7 @@ TEST_F(TraceTest, EnableAndDisable) {
 TEST_F(TraceTest, FileThatCannotBeOpened) {
     Trace();
     const std::string missing = file.Path() + ".missing\\trace.txt";
-    EXPECT_EQ(static_cast<HX_STATUS>(ERROR_PATH_NOT_FOUND),
-              HXEnableDebugTrace(&handle, missing.c_str(), 3));
+    EXPECT_EQ(Windows(ERROR_PATH_NOT_FOUND), HXEnableDebugTrace(&handle, missing.c_str(), 3));
     EXPECT_EQ(nullptr, Record(handle).pTraceFile) << "the earlier trace ended";
     EXPECT_EQ(0u, Record(handle).dwTraceLevel);
     EXPECT_NE(0u, HXEnableDebugTrace(&handle, "", 3));
@@ -71,7 +68,7 @@ TEST_F(TraceTest, FileThatCannotBeOpened) {
 TEST_F(TraceTest, CloseEndsTheTrace) {
     Trace();
     HXfprintf("x", 1, Record(handle).pTraceFile, "kept\n");
-    HXCloseDevice(static_cast<int32_t>(handle));
+    Close(handle);
     EXPECT_EQ(nullptr, Record(handle).pTraceFile);
     EXPECT_EQ(7u, Record(handle).dwTraceLevel);
     EXPECT_EQ("x(0001): kept\n", file.Contents());
@@ -125,8 +122,7 @@ TEST_F(TraceTest, ExtendedRequest) {
     Trace();
     uint8_t byte = 0x42;
     uint32_t returned = 0;
-    EXPECT_EQ(0u,
-              SRBWithHeaderDeviceIoControl(handle, 0xF0001061, 0, &byte, 1, &byte, 1, &returned));
+    EXPECT_EQ(0u, Extended(handle, 0xF0001061, 0, &byte, 1, &byte, 1, &returned));
     const std::string header =
         "SRB_IO_CONTROL 28, 0x54524e5a, 60, Code 0xf0001061, Length 89\n"
         "EXT_IOCTL SubCode 0x00000000, Instance 0, ReqLen 1\n"
@@ -154,8 +150,7 @@ TEST_F(TraceTest, ShortReplies) {
                     .detailStatus = 2,
                     .data = {0x41, 0x42, 0x43},
                     .responseLength = 20});
-        SRBWithHeaderDeviceIoControl(handle, 0xF0001009, 1, request.data(), 40, reply.data(), 20,
-                                     &returned);
+        Extended(handle, 0xF0001009, 1, request.data(), 40, reply.data(), 20, &returned);
         EXPECT_EQ(20u, returned);
         const std::string text = WithoutLines(End());
         EXPECT_TRUE(
@@ -173,14 +168,13 @@ TEST_F(TraceTest, ShortReplies) {
         const Bytes used(length, 0xA5);
         Bytes out(length);
         port->Next({.data = Bytes(length, 0xA5)});
-        SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, used.data(), length, out.data(), length,
-                                     &returned);
+        Extended(handle, 0xF0001057, 0, used.data(), length, out.data(), length, &returned);
     }
     End();
     Trace();
     port->Next({});
     Bytes out(128);
-    SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, nullptr, 0, out.data(), 128, &returned);
+    Extended(handle, 0xF0001057, 0, nullptr, 0, out.data(), 128, &returned);
     std::string expected = "Length Showing = 128\n";
     for (const char* const row : {"00", "10", "20", "30", "40", "50", "60", "70"}) {
         expected += std::string("  00") + row + " : " + zeros + zeros + nothing;
@@ -193,8 +187,7 @@ TEST_F(TraceTest, PlainRequest) {
     port->OnPlain(0xF0000017, {.data = {0x41, 0x42}});
     Trace();
     uint8_t reply[2];
-    EXPECT_EQ(0u, SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, nullptr, 0, reply,
-                                      sizeof reply));
+    EXPECT_EQ(0u, Plain(handle, 0xF0000017, nullptr, 0, reply, sizeof reply));
     // The input's dump runs over header and data from behind the header: 28 bytes of zeros here.
     const std::string zeros = " 00 00 00 00 00 00 00 00 00 00 00 00";
     EXPECT_EQ(
@@ -219,17 +212,16 @@ TEST_F(TraceTest, RetriesAndFailures) {
     Trace();
     port->NextBusy(2);
     port->Next({.error = 31});
-    EXPECT_EQ(31u, SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, nullptr, 0, nullptr, 0,
-                                                &returned));
+    EXPECT_EQ(31u, Extended(handle, 0xF0001057, 0, nullptr, 0, nullptr, 0, &returned));
     port->Next({.status = 11, .detailStatus = 0x4005, .data = Counting(4)});
-    SRBWithHeaderDeviceIoControl(handle, 0xF0001057, 0, nullptr, 0, nullptr, 0, &returned);
+    Extended(handle, 0xF0001057, 0, nullptr, 0, nullptr, 0, &returned);
     port->Next({.status = 15, .detailStatus = 2, .data = Counting(4)});
     Bytes sense(32);
-    SRBWithHeaderDeviceIoControl(handle, 0xF0001009, 1, nullptr, 0, sense.data(), 32, &returned);
+    Extended(handle, 0xF0001009, 1, nullptr, 0, sense.data(), 32, &returned);
     // Retries of a plain request leave no line.
     port->Next({.error = ERROR_BUSY});
     port->Next({.error = 31});
-    SendMiniPortControl(static_cast<int32_t>(handle), 0xF0000017, nullptr, 0, nullptr, 0);
+    Plain(handle, 0xF0000017, nullptr, 0, nullptr, 0);
 
     const std::string request =
         "SRB_IO_CONTROL 28, 0x54524e5a, 60, Code 0xf0001057, Length 88\n"

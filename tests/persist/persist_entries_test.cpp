@@ -1,5 +1,4 @@
 // Lists and deletes over the stores of every driver service.
-#include <algorithm>
 #include <set>
 
 #include "support/byte_fields.h"
@@ -23,8 +22,7 @@ class PersistEntriesTest : public PersistTest {
 
     // Values of a port, in a subkey or (with a leaf) in the names of one key's values.
     struct Place {
-        std::string key;
-        std::string prefix;
+        std::string key, prefix;
     };
     static Place At(const std::string& service, uint8_t last, const char* leaf = nullptr) {
         return leaf == nullptr ? Place{ServiceKey(service) + "\\" + PortText(last), ""}

@@ -4,7 +4,6 @@
 namespace {
 
 using namespace support;
-namespace command = transport::command;
 
 class PersistStoredMasksTest : public PersistMasksTest {
   protected:
@@ -66,7 +65,7 @@ TEST_F(PersistStoredMasksTest, StoredMasks) {
     GuardedBuffer whole(256);
     const HX_BUS_TARGET_LUN second = {1, 2, 3};
     ASSERT_EQ(0u, HXGetHbaTargetLunMask(handle, 0, &second, 9, whole.Data(), 1));
-    EXPECT_EQ(expected, Bytes(whole.Data(), whole.Data() + 256));
+    EXPECT_EQ(expected, whole.First(256));
     for (const DESTINATIONADDRESS& address : Strangers()) {
         EXPECT_EQ(HXMGT_DEVICE_NOT_FOUND, Check(address, 1)) << address.type;
     }

@@ -13,18 +13,16 @@ class ExecutorTest : public OneAdapterTest {
     HX_STATUS Send(uint32_t code, uint16_t subCode, const Bytes& input, uint32_t outputLength) {
         output.assign(outputLength, 0xEE);
         returned = 0xCCCCCCCC;
-        return SRBWithHeaderDeviceIoControl(
-            handle, code, subCode, input.empty() ? nullptr : input.data(),
-            static_cast<uint32_t>(input.size()), output.empty() ? nullptr : output.data(),
-            outputLength, &returned);
+        return Extended(handle, code, subCode, input.empty() ? nullptr : input.data(),
+                        static_cast<uint32_t>(input.size()),
+                        output.empty() ? nullptr : output.data(), outputLength, &returned);
     }
     // Sends with data in the output buffer, as a flash write does.
     HX_STATUS SendWithRecord(uint32_t code, uint16_t subCode, const Bytes& input, Bytes record) {
         output = std::move(record);
         returned = 0;
-        return SRBWithHeaderDeviceIoControl(handle, code, subCode, input.data(),
-                                            static_cast<uint32_t>(input.size()), output.data(),
-                                            static_cast<uint32_t>(output.size()), &returned);
+        return Extended(handle, code, subCode, input.data(), static_cast<uint32_t>(input.size()),
+                        output.data(), static_cast<uint32_t>(output.size()), &returned);
     }
     transport::ExtIoctl SentBody() { return port->Last().Envelope().ext; }
 

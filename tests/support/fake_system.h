@@ -25,10 +25,7 @@ class Device {
 
 struct OpenCall {
     std::string name;
-    DWORD access;
-    DWORD sharing;
-    DWORD disposition;
-    DWORD flags;
+    DWORD access, sharing, disposition, flags;
 };
 
 // One at a time may exist. Names without a device do not exist for the library.
@@ -53,8 +50,7 @@ class FakeSystem {
 
   private:
     struct OpenFailure {
-        uint32_t error;
-        uint32_t after;
+        uint32_t error, after;
     };
 
     static HANDLE WINAPI CreateFileHook(LPCSTR name, DWORD access, DWORD sharing,

@@ -24,8 +24,7 @@ inline Bytes LayoutReply(const std::vector<RegionSpec>& regions, uint32_t buffer
     for (const RegionSpec& region : regions) {
         const flash::DriverRegion entry = {region.code, region.flags,       0x99,
                                            region.size, region.code * 256u, 0xE0E0E0E0};
-        const Bytes bytes = BytesOf(entry);
-        reply.insert(reply.end(), bytes.begin(), bytes.end());
+        Append(reply, BytesOf(entry));
     }
     return reply;
 }
@@ -33,8 +32,7 @@ inline Bytes LayoutReply(const std::vector<RegionSpec>& regions, uint32_t buffer
 // One flash request as the driver sees it.
 struct FlashAccess {
     uint16_t subCode;
-    uint32_t parameter;
-    uint32_t requestLen;
+    uint32_t parameter, requestLen;
     uint32_t inputSize;   // data behind the envelope
     uint32_t outputSize;  // room behind the envelope
     bool operator==(const FlashAccess&) const = default;
@@ -103,8 +101,7 @@ class FlashTest : public OneAdapterTest {
     Bytes Written() const {
         Bytes all;
         for (const SentRequest& request : Sent(transport::command::FlashWrite)) {
-            const Bytes data = request.Data();
-            all.insert(all.end(), data.begin(), data.end());
+            Append(all, request.Data());
         }
         return all;
     }

@@ -1,10 +1,12 @@
 // Memory that ends where an inaccessible page begins: a write or read one byte too far faults.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace support {
 
@@ -29,6 +31,7 @@ class GuardedBuffer {
     uint8_t* Data() { return data_; }
     size_t Size() const { return size_; }
     uint8_t operator[](size_t index) const { return data_[index]; }
+    std::vector<uint8_t> First(size_t count) const { return {data_, data_ + count}; }
     void Fill(uint8_t value) { memset(data_, value, size_); }
     // Whether bytes [from, to) all still have the value.
     bool Holds(uint8_t value, size_t from, size_t to) const {
@@ -40,6 +43,14 @@ class GuardedBuffer {
         return true;
     }
     bool Holds(uint8_t value) const { return Holds(value, 0, size_); }
+    // These bytes, and behind them what the buffer was filled with.
+    testing::AssertionResult Is(std::vector<uint8_t> bytes, uint8_t fill = 0xEE) const {
+        bytes.resize(size_, fill);
+        return First(size_) == bytes ? testing::AssertionSuccess()
+                                     : testing::AssertionFailure()
+                                           << testing::PrintToString(First(size_)) << " is not "
+                                           << testing::PrintToString(bytes);
+    }
 
   private:
     size_t size_;

@@ -10,7 +10,6 @@
 
 namespace support {
 
-namespace command = transport::command;
 using properties::LegacySelector;
 
 inline HBA_ENTRYPOINTS RegisteredHandlers() {
@@ -32,8 +31,7 @@ class HbaApiTest : public OneAdapterTest {
   protected:
     struct DiscoveredPort {
         uint8_t last;  // of its names; the node name begins with 0x20
-        uint16_t bus;
-        uint16_t target;
+        uint16_t bus, target;
     };
 
     // Fails the request from the given time on that it is sent (0 = the first).
@@ -55,8 +53,7 @@ class HbaApiTest : public OneAdapterTest {
             entry.portId[2] = row.last;
             entry.bus = row.bus;
             entry.target = row.target;
-            const Bytes bytes = BytesOf(entry);
-            list.insert(list.end(), bytes.begin(), bytes.end());
+            Append(list, BytesOf(entry));
         }
         port->On(command::PortDatabase, Reply{.data = list});
         port->On(command::DiscoveredPort, [=](const SentRequest& request) {

@@ -32,8 +32,7 @@ class ImportRedirection {
 };
 
 struct Import {
-    std::string library;
-    std::string function;
+    std::string library, function;
     void** slot;
 };
 

@@ -11,10 +11,28 @@
 #include "hxmgtapi.h"
 #include "support/fake_system.h"
 #include "support/guarded_buffer.h"
+#include "support/has.h"
 #include "support/scratch_registry.h"
 #include "support/scripted_port.h"
 
 namespace support {
+
+// The status of a call that a Windows error ended.
+constexpr HX_STATUS Windows(DWORD error) {
+    return static_cast<HX_STATUS>(error);
+}
+// The two executors.
+inline constexpr auto Extended = [](auto... arguments) {
+    return SRBWithHeaderDeviceIoControl(arguments...);
+};
+inline HX_STATUS Plain(uint32_t handle, uint32_t code, const void* input, uint32_t inputSize,
+                       void* output, uint32_t outputSize) {
+    return SendMiniPortControl(static_cast<int32_t>(handle), code, input, inputSize, output,
+                               outputSize);
+}
+inline HX_STATUS Close(uint32_t handle) {
+    return HXCloseDevice(static_cast<int32_t>(handle));
+}
 
 class LibraryTest : public testing::Test {
   protected:
@@ -38,7 +56,7 @@ class LibraryTest : public testing::Test {
     void TearDown() override {
         for (uint32_t handle = 1; handle < HX_MAX_HANDLE_RECORDS; ++handle) {
             if (!IsFree(handle)) {
-                HXCloseDevice(static_cast<int32_t>(handle));
+                Close(handle);
             }
         }
         EXPECT_EQ(0u, system.OpenHandles()) << "device handles left open";
@@ -68,7 +86,7 @@ class OneAdapterTest : public LibraryTest {
 
     // The same adapter under another driver.
     void Reopen(std::string_view driverVersion, uint16_t deviceId = 0x7740) {
-        HXCloseDevice(static_cast<int32_t>(handle));
+        Close(handle);
         Start(driverVersion, deviceId);
     }
 

@@ -106,8 +106,7 @@ class PersistTest : public OneAdapterTest {
     void AnswerDatabase(const std::vector<properties::PortDatabaseEntry>& entries) {
         Bytes reply = BytesOf(properties::PortDatabaseHeader{7, uint32_t(entries.size())});
         for (const auto& entry : entries) {
-            const Bytes bytes = BytesOf(entry);
-            reply.insert(reply.end(), bytes.begin(), bytes.end());
+            Append(reply, BytesOf(entry));
         }
         port->On(transport::command::PortDatabase, {.data = reply});
     }

@@ -9,7 +9,6 @@
 
 namespace support {
 
-namespace command = transport::command;
 using properties::LegacySelector;
 
 // Every byte of a reply has a value of its own (modulo 251), so that a field from a wrong place

@@ -17,12 +17,17 @@
 
 namespace support {
 
+namespace command = transport::command;
 using Bytes = std::vector<uint8_t>;
 
 template <typename Record>
 Bytes BytesOf(const Record& record) {
     const auto* first = reinterpret_cast<const uint8_t*>(&record);
     return Bytes(first, first + sizeof record);
+}
+
+inline void Append(Bytes& bytes, const Bytes& more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
 // Length bytes that count up from first, so that a byte in the wrong place shows.
@@ -36,8 +41,7 @@ void SetText(char (&field)[Size], std::string_view text) {
 
 struct SentRequest {
     Bytes bytes;  // the whole input buffer
-    uint32_t inputSize;
-    uint32_t outputSize;
+    uint32_t inputSize, outputSize;
     bool oneBuffer;  // input and output are the same memory
 
     bool IsExtended() const;

@@ -11,10 +11,7 @@
 namespace support {
 
 struct ScsiLocation {
-    uint8_t port;
-    uint8_t bus;
-    uint8_t target;
-    uint8_t lun;
+    uint8_t port, bus, target, lun;
 };
 
 // One at a time may exist, beside a FakeSystem.
