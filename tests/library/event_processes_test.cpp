@@ -1,5 +1,4 @@
 // Events among processes: fan-out, rings, slots.
-#include <memory>
 
 #include "support/events_fixture.h"
 
@@ -10,33 +9,33 @@ using namespace support;
 class EventProcessesTest : public EventsTest {};
 
 TEST_F(EventProcessesTest, FanOutToAnotherProcess) {
-    EventPeer peer;
+    Peer peer;
     HXEnableAen(handle);
-    EXPECT_EQ(0u, peer.Enable());
-    EXPECT_EQ("", peer.Masks()) << "the driver was on already";
+    EXPECT_EQ("0", peer.Ask("enable"));
+    EXPECT_EQ("", peer.Ask("masks")) << "the driver was on already";
     EXPECT_EQ(2u, area->registrations[0]);
 
     driver.Raise(0x8011, 1, 2);
     driver.Raise(0x8016, 0);
     driver.Raise(0x8012, 3);
     EXPECT_EQ("2:1 2:2 3:3", Get(10));
-    EXPECT_EQ("2:1 2:2", peer.Fetch(2));
-    EXPECT_EQ("3:3", peer.Fetch(2)) << "the unknown record used up a place";
-    EXPECT_EQ("", peer.Fetch(10));
+    EXPECT_EQ("2:1 2:2", peer.Ask("fetch 2"));
+    EXPECT_EQ("3:3", peer.Ask("fetch 2")) << "the unknown record used up a place";
+    EXPECT_EQ("", peer.Ask("fetch 10"));
 
     EXPECT_EQ(0u, HXDisableAen(handle));
     EXPECT_EQ(Masks({0, 0xFFFFFFFF}), driver.TakeMasks()) << "the other one still listens";
-    peer.Raise(0x8011, 9, 1);
-    EXPECT_EQ("2:9", peer.Fetch(4));
+    peer.Ask("raise 32785 9 1");
+    EXPECT_EQ("2:9", peer.Ask("fetch 4"));
     EXPECT_EQ("", Get(4)) << "disabled: nothing is kept";
-    EXPECT_EQ(0u, peer.Disable());
-    EXPECT_EQ("0 ", peer.Masks());
+    EXPECT_EQ("0", peer.Ask("disable"));
+    EXPECT_EQ("0 ", peer.Ask("masks"));
     EXPECT_EQ(0u, peer.Finish());
 }
 
 TEST_F(EventProcessesTest, PortOpenedWithoutCountingSharesWithOtherProcesses) {
-    EventPeer peer;  // opens by index
-    EXPECT_EQ(0u, peer.Enable());
+    Peer peer;  // opens by index
+    EXPECT_EQ("0", peer.Ask("enable"));
     uint32_t uncounted = 0;
     ASSERT_EQ(0u, HXOpenScsiPort(3, &uncounted));
     EXPECT_EQ(0u, HXEnableAen(uncounted));
@@ -44,9 +43,9 @@ TEST_F(EventProcessesTest, PortOpenedWithoutCountingSharesWithOtherProcesses) {
     EXPECT_EQ(Masks{}, driver.TakeMasks()) << "the peer switched it on";
     driver.Raise(0x8011, 1, 2);
     EXPECT_EQ("2:1 2:2", Fetch(uncounted, 10).Text());
-    EXPECT_EQ("2:1 2:2", peer.Fetch(10));
-    peer.Raise(0x8012, 3, 1);
-    EXPECT_EQ("3:3", peer.Fetch(10));
+    EXPECT_EQ("2:1 2:2", peer.Ask("fetch 10"));
+    peer.Ask("raise 32786 3 1");
+    EXPECT_EQ("3:3", peer.Ask("fetch 10"));
     EXPECT_EQ("3:3", Fetch(uncounted, 10).Text());
     EXPECT_EQ("3:3", Get(10)) << "opened by index in this process";
     EXPECT_EQ(0u, HXDisableAen(uncounted));
@@ -54,15 +53,15 @@ TEST_F(EventProcessesTest, PortOpenedWithoutCountingSharesWithOtherProcesses) {
 }
 
 TEST_F(EventProcessesTest, QueuedEventsComeFirstAndTheRestIsQueued) {
-    EventPeer peer;
+    Peer peer;
     HXEnableAen(handle);
-    peer.Enable();
+    peer.Ask("enable");
     Queue(peer, 1, 3);
     // Room for five: three were queued, two of five new ones are delivered, three are kept.
     driver.Raise(0x8012, 10, 5);
     EXPECT_EQ("2:1 2:2 2:3 3:10 3:11", Get(5));
     EXPECT_EQ("3:12 3:13 3:14", Get(5));
-    EXPECT_EQ(Numbers(10, 5, 3), peer.Fetch(32)) << "the others get all of them";
+    EXPECT_EQ(Numbers(10, 5, 3), peer.Ask("fetch 32")) << "the others get all of them";
 
     // A fetch that fails keeps what was delivered before it.
     Queue(peer, 20, 2);
@@ -86,25 +85,25 @@ TEST_F(EventProcessesTest, OtherAdaptersGetNothing) {
     EventDriver other;
     system.AttachScsiPort(5, &other.port);
     const uint32_t second = Open(1);
-    EventPeer peer;  // adapter 0
+    Peer peer;  // adapter 0
     HXEnableAen(handle);
     HXEnableAen(second);
-    peer.Enable();
+    peer.Ask("enable");
     other.Raise(0x8011, 7, 2);
     EXPECT_EQ("2:7 2:8", Fetch(second, 8).Text());
-    EXPECT_EQ("", peer.Fetch(8));
+    EXPECT_EQ("", peer.Ask("fetch 8"));
     driver.Raise(0x8011, 1, 1);
     EXPECT_EQ("2:1", Get(8));
-    EXPECT_EQ("2:1", peer.Fetch(8));
+    EXPECT_EQ("2:1", peer.Ask("fetch 8"));
     HXDisableAen(second);
     EXPECT_EQ((Masks{0, 0xFFFFFFFF, 0}), other.TakeMasks()) << "counted per adapter";
     EXPECT_EQ(0u, area->registrations[1]);
 }
 
 TEST_F(EventProcessesTest, FullRingKeepsTheNewestThirtyOne) {
-    EventPeer peer;
+    Peer peer;
     HXEnableAen(handle);
-    peer.Enable();
+    peer.Ask("enable");
     Queue(peer, 1, 31);
     EXPECT_EQ(Numbers(1, 31), Get(32));
     Queue(peer, 101, 40);
@@ -129,9 +128,9 @@ TEST_F(EventProcessesTest, FullRingKeepsTheNewestThirtyOne) {
 }
 
 TEST_F(EventProcessesTest, DamagedRingsAreSurvived) {
-    EventPeer peer;
+    Peer peer;
     HXEnableAen(handle);
-    peer.Enable();
+    peer.Ask("enable");
     frame::EventSlot& slot = OwnSlot();
     for (const uint32_t bad : {32u, 33u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         for (uint32_t* index :
@@ -150,20 +149,20 @@ TEST_F(EventProcessesTest, DamagedRingsAreSurvived) {
 
 TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
     area->registrations[63] = 77;  // whoever comes later finds the area as it is
-    std::vector<std::unique_ptr<EventPeer>> peers;
+    std::vector<std::unique_ptr<Peer>> peers;
     for (int i = 0; i < 7; ++i) {
-        peers.push_back(std::make_unique<EventPeer>());
-        ASSERT_EQ(0u, peers.back()->Enable());
+        peers.push_back(std::make_unique<Peer>());
+        ASSERT_EQ("0", peers.back()->Ask("enable"));
     }
     EXPECT_EQ(8u, SlotsInUse());
     EXPECT_EQ(77u, area->registrations[63]);
     area->registrations[63] = 0;
     {
-        EventPeer ninth;
-        EXPECT_EQ(0u, ninth.Enable()) << "it can enable, but not fetch";
+        Peer ninth;
+        EXPECT_EQ("0", ninth.Ask("enable")) << "it can enable, but not fetch";
         EXPECT_EQ(8u, area->registrations[0]);
-        EXPECT_EQ("status 0x20000067", ninth.Fetch(4));
-        EXPECT_EQ(0u, ninth.Disable());
+        EXPECT_EQ("status 0x20000067", ninth.Ask("fetch 4"));
+        EXPECT_EQ("0", ninth.Ask("disable"));
         EXPECT_EQ(0u, ninth.Finish());
         EXPECT_EQ(8u, SlotsInUse()) << "it took nobody's slot with it";
     }
@@ -171,17 +170,17 @@ TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
     driver.Raise(0x8015, 5);
     EXPECT_EQ("5:5", Get(4));
     for (const auto& peer : peers) {
-        EXPECT_EQ("5:5", peer->Fetch(4));
+        EXPECT_EQ("5:5", peer->Ask("fetch 4"));
     }
     // A process that ends frees its slot, and the next one finds it empty.
     driver.Raise(0x8015, 6);
     Get(4);
     EXPECT_EQ(0u, peers[3]->Finish());
     EXPECT_EQ(7u, SlotsInUse());
-    peers[3] = std::make_unique<EventPeer>();
-    EXPECT_EQ(0u, peers[3]->Enable());
+    peers[3] = std::make_unique<Peer>();
+    EXPECT_EQ("0", peers[3]->Ask("enable"));
     EXPECT_EQ(8u, SlotsInUse());
-    EXPECT_EQ("", peers[3]->Fetch(4));
+    EXPECT_EQ("", peers[3]->Ask("fetch 4"));
     for (const auto& peer : peers) {
         EXPECT_EQ(0u, peer->Finish());
     }
@@ -190,19 +189,19 @@ TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
 
 TEST_F(EventProcessesTest, SlotsOfKilledProcessesAreTakenBack) {
     HXEnableAen(handle);
-    EventPeer living;
-    living.Enable();
+    Peer living;
+    living.Ask("enable");
     for (uint32_t i = 0; i < 9; ++i) {
-        EventPeer killed;
-        EXPECT_EQ(0u, killed.Enable());
-        EXPECT_EQ("", killed.Fetch(4)) << "process " << i << " has a slot, and an empty one";
+        Peer killed;
+        EXPECT_EQ("0", killed.Ask("enable"));
+        EXPECT_EQ("", killed.Ask("fetch 4")) << "process " << i << " has a slot, and an empty one";
         driver.Raise(0x8011, i);
         EXPECT_EQ("2:" + std::to_string(i), Get(4));
-        EXPECT_EQ("2:" + std::to_string(i), living.Fetch(4)) << "the living keep theirs";
+        EXPECT_EQ("2:" + std::to_string(i), living.Ask("fetch 4")) << "the living keep theirs";
         killed.Kill();
     }
     EXPECT_EQ(8u, SlotsInUse());
-    EXPECT_EQ(0u, living.Disable());
+    EXPECT_EQ("0", living.Ask("disable"));
     EXPECT_EQ(0u, HXDisableAen(handle));
     EXPECT_EQ(9u, area->registrations[0]) << "the driver goes on: nobody knows whose they were";
 }
@@ -211,9 +210,9 @@ TEST_F(EventProcessesTest, KilledProcessKeepsItsSlot) {
     SharedView<frame::FlashLockArea> locks(kFlashLockAreaName);
     const auto taken = [&](uint32_t record) { return locks->locks[record].owner != 0; };
     {
-        EventPeer killed;
-        killed.Enable();
-        killed.TakeFlashLock(5);
+        Peer killed;
+        killed.Ask("enable");
+        killed.Ask("lock 5");
         killed.Kill();
     }
     EXPECT_EQ(2u, SlotsInUse());
@@ -224,8 +223,8 @@ TEST_F(EventProcessesTest, KilledProcessKeepsItsSlot) {
     EXPECT_EQ("2:1", Get(4));
 
     // One that ends in good order leaves neither slot nor locks.
-    EventPeer orderly;
-    orderly.TakeFlashLock(200);
+    Peer orderly;
+    orderly.Ask("lock 200");
     EXPECT_TRUE(taken(200));
     EXPECT_EQ(0u, orderly.Finish());
     EXPECT_FALSE(taken(200));

@@ -1,7 +1,5 @@
 // Loading and unloading beside other processes, and into mappings that others made.
 #include <algorithm>
-#include <memory>
-#include <vector>
 
 #include "support/event_peer.h"
 #include "support/private_library.h"
@@ -13,6 +11,13 @@ namespace {
 using namespace support;
 
 constexpr uint32_t kMark = 0x4D41524B;
+
+// A process that loads and unloads the library.
+struct LibraryLoader : Peer {
+    LibraryLoader() : Peer("process") {}
+    std::string Load(const PrivateLibrary& library) { return Ask("load " + library.Path()); }
+    void LoadAtGate(const PrivateLibrary& library) { Send("load-at-gate " + library.Path()); }
+};
 
 class LibraryLoadTest : public testing::Test {
   protected:
@@ -53,7 +58,7 @@ TEST_F(LibraryLoadTest, ProcessesThatLoadTogetherGetASlotEach) {
         }
         gate.Open(kProcesses);
         for (LibraryLoader& loader : loaders) {
-            ASSERT_EQ("loaded", loader.Loaded());
+            ASSERT_EQ("loaded", loader.Answer());
         }
         {
             EventArea area(PrivateLibrary::kEventAreaName);
@@ -61,7 +66,7 @@ TEST_F(LibraryLoadTest, ProcessesThatLoadTogetherGetASlotEach) {
         }
         // Nobody holds the mappings after this: each round makes them anew.
         for (LibraryLoader& loader : loaders) {
-            loader.Unload();
+            loader.Ask("unload");
         }
     }
 }
@@ -84,22 +89,22 @@ TEST_F(LibraryLoadTest, SlotsOfProcessesThatAreGone) {
     LibraryLoader tenth;
     EXPECT_EQ("loaded", tenth.Load(library));
     EXPECT_TRUE(ClaimedSlots(area).empty());
-    tenth.Unload();
+    tenth.Ask("unload");
     EXPECT_EQ(8u, SlotsInUse(area));
 
     // A process with the ID of the owner that started at another time is another process.
     const std::span<uint8_t> section = SharedSection(own);
     std::span<uint64_t> words(reinterpret_cast<uint64_t*>(section.data()), section.size() / 8);
-    const uint32_t third = owners[3]->ProcessId();
+    const uint32_t third = owners[3]->Number("process");
     const auto record = std::ranges::find_if(
         words, [&](uint64_t word) { return static_cast<uint32_t>(word) == third; });
     ASSERT_NE(words.end(), record);
     *record += uint64_t{1} << 32;
     EXPECT_EQ("loaded", tenth.Load(library));
     EXPECT_EQ((std::vector<uint32_t>{3}), ClaimedSlots(area));
-    owners[3]->Unload();
+    owners[3]->Ask("unload");
     EXPECT_EQ(8u, SlotsInUse(area)) << "what it gave up was not its own any more";
-    tenth.Unload();
+    tenth.Ask("unload");
     EXPECT_EQ(7u, SlotsInUse(area));
     ASSERT_EQ("loaded", owners[3]->Load(library));
 
@@ -115,7 +120,7 @@ TEST_F(LibraryLoadTest, SlotsOfProcessesThatAreGone) {
     }
     gate.Open(3);
     for (LibraryLoader& other : others) {
-        EXPECT_EQ("loaded", other.Loaded());
+        EXPECT_EQ("loaded", other.Answer());
     }
     EXPECT_EQ(3u, ClaimedSlots(area).size()) << "a slot each";
     EXPECT_EQ(8u, SlotsInUse(area));
@@ -132,8 +137,7 @@ TEST_F(LibraryLoadTest, SlotsOfProcessesThatAreGone) {
 TEST_F(LibraryLoadTest, MappingsThatCannotHoldTheAreas) {
     struct {
         const char* name;
-        DWORD size;
-        DWORD kind;
+        DWORD size, kind;
     } const cases[] = {
         {PrivateLibrary::kEventAreaName, 65536, 0},
         {PrivateLibrary::kEventAreaName, 274432, 0},
@@ -144,8 +148,8 @@ TEST_F(LibraryLoadTest, MappingsThatCannotHoldTheAreas) {
     };
     LibraryLoader loader;
     EXPECT_EQ("loaded", loader.Load(library));
-    loader.Unload();
-    const uint32_t handles = loader.Handles();
+    loader.Ask("unload");
+    const uint32_t handles = loader.Number("handles");
     for (const auto& bad : cases) {
         SCOPED_TRACE(std::string(bad.name) + " " + std::to_string(bad.size));
         const HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr,
@@ -154,7 +158,7 @@ TEST_F(LibraryLoadTest, MappingsThatCannotHoldTheAreas) {
         for (int i = 0; i < 2; ++i) {
             EXPECT_EQ("error 1114", loader.Load(library));  // the library's own load failed
         }
-        EXPECT_EQ(handles, loader.Handles());
+        EXPECT_EQ(handles, loader.Number("handles"));
         CloseHandle(mapping);
     }
     // An area that others use does not keep a claim of a load that failed.
@@ -162,7 +166,7 @@ TEST_F(LibraryLoadTest, MappingsThatCannotHoldTheAreas) {
     EXPECT_EQ("loaded", other.Load(library));
     {
         EventArea area(PrivateLibrary::kEventAreaName);
-        other.Unload();
+        other.Ask("unload");
         const HANDLE locks = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
                                                 4096, PrivateLibrary::kFlashLockAreaName);
         EXPECT_EQ("error 1114", loader.Load(library));

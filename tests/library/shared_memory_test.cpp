@@ -1,11 +1,11 @@
 // The shared mappings and the shared section are written by anybody, at any moment: a process
 // works while threads of its own damage them.
 #include <atomic>
-#include <cstring>
 #include <random>
 #include <sstream>
 #include <thread>
 
+#include "support/event_peer.h"
 #include "support/events_fixture.h"
 #include "support/flash_peer.h"
 #include "support/private_library.h"
@@ -178,8 +178,8 @@ TEST_F(SharedMemoryTest, WorkWhileEverythingIsDamaged) {
     ChildProcess process("shared-memory-victim");
     ASSERT_TRUE(process.Send("work 2000"));
     for (int i = 0; i < 5; ++i) {
-        LibraryLoader other;  // it loads the library when it starts and unloads it at its end
-        EXPECT_NE(0u, other.ProcessId());
+        Peer other("process");  // it loads the library when it starts and unloads it at its end
+        EXPECT_NE(0u, other.Number("process"));
         EXPECT_EQ(0u, other.Finish());
     }
     EXPECT_TRUE(process.Answer().ends_with(" rounds"));

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
+#include <map>
 #include <sstream>
 #include <utility>
 
-namespace support {
+#include "support/flash_peer.h"
+#include "support/private_library.h"
 
-namespace command = transport::command;
+namespace support {
 
 EventDriver::EventDriver() {
     port.On(command::EventDelivery, [this](const SentRequest& request) {
@@ -22,8 +25,7 @@ EventDriver::EventDriver() {
         const std::lock_guard hold(lock_);
         Reply reply;
         while (!events_.empty() && reply.data.size() + 16 <= request.Envelope().ext.responseLen) {
-            const Bytes event = BytesOf(events_.front());
-            reply.data.insert(reply.data.end(), event.begin(), event.end());
+            Append(reply.data, BytesOf(events_.front()));
             events_.pop_front();
         }
         return reply;
@@ -62,12 +64,9 @@ Fetched Fetch(uint32_t handle, uint32_t room) {
     return result;
 }
 
-void EventPeer::Raise(uint32_t code, uint32_t first, uint32_t count) {
-    child_.Ask("raise " + std::to_string(code) + " " + std::to_string(first) + " " +
-               std::to_string(count));
-}
-
 namespace {
+
+constexpr DWORD kLongEnough = 10000;
 
 std::string Hex(uint32_t value) {
     char text[16];
@@ -75,61 +74,197 @@ std::string Hex(uint32_t value) {
     return text;
 }
 
-struct ChildState {
-    FakeSystem system;
+// What a peer keeps from line to line. Never taken down: the process may end with a watchdog still
+// asleep, and an unloaded library's imports must not be put back.
+struct PeerState {
+    FakeSystem* system = nullptr;
+    UpdateClock* clock = nullptr;
     EventDriver driver;
     uint32_t handle = 0;
-};
-ChildState* child = nullptr;
+    HMODULE library = LibraryModule();
+    std::string path;  // of a library that was loaded besides
+    HANDLE watchdog = nullptr;
+    const DWORD self = GetCurrentThreadId();
+    const HANDLE inside = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE answer = CreateEventA(nullptr, TRUE, FALSE, nullptr);
 
-std::string AnswerPeer(const std::string& line) {
-    std::istringstream words(line);
-    std::string verb;
-    uint32_t a = 0;
-    uint32_t b = 0;
-    uint32_t c = 0;
-    words >> verb >> a >> b >> c;
-    if (verb == "enable") {
-        return Hex(HXEnableAen(child->handle));
+    template <typename Function>
+    Function* Call(const char* name) const {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
     }
-    if (verb == "disable") {
-        return Hex(HXDisableAen(child->handle));
-    }
-    if (verb == "raise") {
-        child->driver.Raise(a, b, c);
-        return "raised";
-    }
-    if (verb == "fetch") {
-        const Fetched fetched = Fetch(child->handle, a);
-        return fetched.status == 0 ? fetched.Text() : "status 0x" + Hex(fetched.status);
-    }
-    if (verb == "masks") {
-        std::string text;
-        for (const uint32_t mask : child->driver.TakeMasks()) {
-            text += Hex(mask) + " ";
+    std::string Open(const std::string& serial) {
+        system = new FakeSystem;
+        clock = new UpdateClock;
+        if (!serial.empty()) {
+            SetSerial(driver.port, serial);
         }
-        return text;
+        system->AttachScsiPort(3, &driver.port);
+        return Hex(Call<decltype(HXOpenDevice)>("HXOpenDevice")(0, &handle));
     }
-    if (verb == "lock") {
-        SharedView<frame::FlashLockArea> locks(kFlashLockAreaName);
-        locks->locks[a].owner = GetCurrentProcessId();
-        locks->locks[a].watchdog = 0x1234;
-        return "locked";
+    std::string Copy(const std::string& serial) {
+        SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+        char folder[MAX_PATH];
+        GetTempPathA(sizeof folder, folder);
+        char original[MAX_PATH];
+        GetModuleFileNameA(library, original, sizeof original);
+        const std::string copy =
+            std::string(folder) + "vxmgmt-" + std::to_string(GetCurrentProcessId()) + ".dll";
+        CopyFileA(original, copy.c_str(), FALSE);
+        Load(copy);
+        UseLibrary(library);
+        return Open(serial);
     }
-    return "what?";
+    std::string Load(const std::string& file) {
+        path = file;
+        library = LoadLibraryA(file.c_str());
+        return library != nullptr ? "loaded" : "error " + std::to_string(GetLastError());
+    }
+    std::string Unload() {
+        FreeLibrary(library);
+        return Presence();
+    }
+    std::string Start() {
+        uint32_t key = 0xEEEEEEEE;
+        const HX_STATUS status =
+            Call<decltype(HXStartFlashUpdate)>("HXStartFlashUpdate")(handle, 0, &key);
+        return Hex(status) + " " + Hex(key);
+    }
+    std::string Guard(bool hang) {
+        if (hang) {
+            driver.port.On(command::NodeProperties, [this](const SentRequest&) {
+                if (GetCurrentThreadId() != self) {
+                    SetEvent(inside);
+                    WaitForSingleObject(answer, INFINITE);
+                }
+                return Reply{.data = BytesOf(driver.port.node)};
+            });
+        }
+        const std::string started = Start();
+        const bool there = hang ? WaitForSingleObject(inside, kLongEnough) == WAIT_OBJECT_0
+                                : UpdateClock::AwaitSleeper();
+        SharedView<frame::FlashLockArea> area(kFlashLockAreaName);
+        for (const frame::FlashLock& lock : area->locks) {
+            if (lock.owner == GetCurrentProcessId()) {
+                DuplicateHandle(GetCurrentProcess(),
+                                reinterpret_cast<HANDLE>(static_cast<uintptr_t>(lock.watchdog)),
+                                GetCurrentProcess(), &watchdog, 0, FALSE, DUPLICATE_SAME_ACCESS);
+            }
+        }
+        return there && watchdog != nullptr ? started : "no watchdog";
+    }
+    std::string Presence() const {
+        return GetModuleHandleA(path.c_str()) == nullptr ? "gone" : "loaded";
+    }
+    // The last reference may be given back by another thread.
+    std::string AwaitUnload() const {
+        for (DWORD waited = 0; waited < kLongEnough && Presence() != "gone"; waited += 10) {
+            Sleep(10);
+        }
+        return Presence() + " ";
+    }
+    std::string Watchdog() {
+        const bool ended = WaitForSingleObject(watchdog, kLongEnough) == WAIT_OBJECT_0;
+        DeleteFileA(path.c_str());
+        return ended ? "ended" : "alive";
+    }
+};
+PeerState* peer = nullptr;
+
+using Words = std::vector<std::string>;
+uint32_t Number(const std::string& word) {
+    return static_cast<uint32_t>(std::stoul(word));
 }
 
-int RunEventPeer() {
-    ChildState state;
-    child = &state;
-    state.system.AttachScsiPort(3, &state.driver.port);
-    if (HXOpenDevice(0, &state.handle) != 0) {
-        return 5;
+const std::map<std::string, std::string (*)(const Words&)> kVerbs = {
+    {"open", [](const Words& w) { return peer->Open(w[1]); }},
+    {"copy", [](const Words& w) { return peer->Copy(w[1]); }},
+    {"enable", [](const Words&) { return Hex(HXEnableAen(peer->handle)); }},
+    {"disable", [](const Words&) { return Hex(HXDisableAen(peer->handle)); }},
+    {"raise",
+     [](const Words& w) {
+         peer->driver.Raise(Number(w[1]), Number(w[2]), Number(w[3]));
+         return std::string("raised");
+     }},
+    {"fetch",
+     [](const Words& w) {
+         const Fetched fetched = Fetch(peer->handle, Number(w[1]));
+         return fetched.status == 0 ? fetched.Text() : "status 0x" + Hex(fetched.status);
+     }},
+    {"masks",
+     [](const Words&) {
+         std::string text;
+         for (const uint32_t mask : peer->driver.TakeMasks()) {
+             text += Hex(mask) + " ";
+         }
+         return text;
+     }},
+    {"lock",
+     [](const Words& w) {
+         SharedView<frame::FlashLockArea> area(kFlashLockAreaName);
+         area->locks[Number(w[1])].owner = GetCurrentProcessId();
+         area->locks[Number(w[1])].watchdog = 0x1234;
+         return std::string("locked");
+     }},
+    {"start", [](const Words&) { return peer->Start(); }},
+    {"end", [](const Words& w) { return Hex(HXEndFlashUpdate(peer->handle, 0, Number(w[1]))); }},
+    {"rounds",
+     [](const Words& w) {
+         for (uint32_t left = Number(w[1]); left > 0; --left) {
+             peer->Start();
+             HXEndFlashUpdate(peer->handle, 0, GetCurrentProcessId());
+         }
+         return std::string("done");
+     }},
+    {"process", [](const Words&) { return Hex(GetCurrentProcessId()); }},
+    {"handles",
+     [](const Words&) {
+         DWORD count = 0;
+         GetProcessHandleCount(GetCurrentProcess(), &count);
+         return Hex(count);
+     }},
+    {"load", [](const Words& w) { return peer->Load(w[1]); }},
+    {"load-at-gate",
+     [](const Words& w) {
+         LoadGate::Wait();
+         return peer->Load(w[1]);
+     }},
+    {"unload", [](const Words&) { return peer->Unload(); }},
+    {"guard", [](const Words&) { return peer->Guard(false); }},
+    {"hang", [](const Words&) { return peer->Guard(true); }},
+    {"wake",
+     [](const Words&) {
+         const std::string presence = peer->AwaitUnload();
+         UpdateClock::WakeSleepers();
+         return presence + peer->Watchdog();
+     }},
+    {"answer",
+     [](const Words&) {
+         SetEvent(peer->answer);
+         const std::string presence = peer->AwaitUnload();
+         return presence + peer->Watchdog();
+     }},
+};
+
+// A path is all that follows the verb.
+std::string AnswerPeer(const std::string& line) {
+    std::istringstream text(line);
+    Words words(4);
+    text >> words[0];
+    if (words[0].starts_with("load")) {
+        std::getline(text >> std::ws, words[1]);
+    } else {
+        text >> words[1] >> words[2] >> words[3];
     }
+    const auto verb = kVerbs.find(words[0]);
+    return verb == kVerbs.end() ? "what?" : verb->second(words);
+}
+
+int RunPeer() {
+    peer = new PeerState;
     return AnswerLines(&AnswerPeer);
 }
 
-const RoleEntry kEventPeer("event-peer", &RunEventPeer);
+const RoleEntry kPeer("peer", &RunPeer);
 
 }  // namespace
 

@@ -63,27 +63,21 @@ class SharedView {
 inline constexpr char kEventAreaName[] = "Global\\HXMGT_GetAENMapFile";
 inline constexpr char kFlashLockAreaName[] = "Global\\HXMGT_FlashUpdateLocksMapFile";
 
-// A peer in its own process. It opens adapter 0 of its own driver at its start.
-class EventPeer {
+// A process of its own with the library: what it is told in a line, it does and answers.
+//     open [SERIAL]      opens adapter 0 of its own driver        enable, disable   events
+//     raise CODE FIRST COUNT, fetch ROOM, masks                   lock RECORD       as if it
+//     updated start, end KEY, rounds COUNT                                process, handles  its own
+//     numbers load PATH, load-at-gate PATH, unload                        a library besides copy
+//     [SERIAL]      as open, in a copy of the library, of which unload makes "gone" or "loaded"
+//     guard, hang        start, until the watchdog sleeps or is inside its request
+//     wake, answer       ends that; "gone" or "loaded", then "ended" or "alive" for the watchdog
+// Statuses and keys are hexadecimal.
+class Peer : public ChildProcess {
   public:
-    EventPeer() : child_("event-peer") {}
-    HX_STATUS Enable() { return Status("enable"); }
-    HX_STATUS Disable() { return Status("disable"); }
-    std::string Masks() { return child_.Ask("masks"); }
-    void Raise(uint32_t code, uint32_t first, uint32_t count);
-    // Events as Fetched::Text writes them, or the status as "status 0x...".
-    std::string Fetch(uint32_t room) { return child_.Ask("fetch " + std::to_string(room)); }
-    // Marks a record of the lock area as this process's, as an unfinished update leaves it.
-    void TakeFlashLock(uint32_t record) { child_.Ask("lock " + std::to_string(record)); }
-    void Kill() { child_.Kill(); }
-    DWORD Finish() { return child_.Finish(); }
-
-  private:
-    HX_STATUS Status(const char* line) {
-        return static_cast<HX_STATUS>(std::stoul("0" + child_.Ask(line), nullptr, 16));
+    explicit Peer(const std::string& first = "open") : ChildProcess("peer") { Ask(first); }
+    uint32_t Number(const std::string& line) {
+        return static_cast<uint32_t>(std::stoul("0" + Ask(line), nullptr, 16));
     }
-
-    ChildProcess child_;
 };
 
 }  // namespace support

@@ -45,9 +45,9 @@ class EventsTest : public LibraryTest {
         return count;
     }
     // Leaves events number first to first + count - 1 in the ring of this process.
-    void Queue(EventPeer& peer, uint32_t first, uint32_t count) {
-        peer.Raise(0x8011, first, count);
-        while (!peer.Fetch(32).empty()) {
+    void Queue(Peer& peer, uint32_t first, uint32_t count) {
+        peer.Ask("raise 32785 " + std::to_string(first) + " " + std::to_string(count));
+        while (!peer.Ask("fetch 32").empty()) {
         }
     }
     static std::string Numbers(uint32_t first, uint32_t count, uint32_t type = 2) {

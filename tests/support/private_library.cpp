@@ -68,16 +68,7 @@ void LoadGate::Open(int loaders) {
     ReleaseSemaphore(open_, loaders, nullptr);
 }
 
-namespace {
-
-HMODULE loaded = nullptr;
-
-std::string Load(const std::string& path) {
-    loaded = LoadLibraryA(path.c_str());
-    return loaded != nullptr ? "loaded" : "error " + std::to_string(GetLastError());
-}
-
-void WaitAtGate() {
+void LoadGate::Wait() {
     const HANDLE waiting = OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kWaitingName);
     const HANDLE open = OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kOpenName);
     ReleaseSemaphore(waiting, 1, nullptr);
@@ -85,38 +76,5 @@ void WaitAtGate() {
     CloseHandle(open);
     CloseHandle(waiting);
 }
-
-std::string AnswerLoader(const std::string& line) {
-    const size_t space = line.find(' ');
-    const std::string verb = line.substr(0, space);
-    const std::string path = space != std::string::npos ? line.substr(space + 1) : "";
-    if (verb == "load") {
-        return Load(path);
-    }
-    if (verb == "load-at-gate") {
-        WaitAtGate();
-        return Load(path);
-    }
-    if (verb == "unload") {
-        return FreeLibrary(loaded) ? "unloaded" : "not loaded";
-    }
-    if (verb == "handles") {
-        DWORD count = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &count);
-        return std::to_string(count);
-    }
-    if (verb == "process") {
-        return std::to_string(GetCurrentProcessId());
-    }
-    return "what?";
-}
-
-int RunLoader() {
-    return AnswerLines(&AnswerLoader);
-}
-
-const RoleEntry kLoader("library-loader", &RunLoader);
-
-}  // namespace
 
 }  // namespace support

@@ -1,4 +1,4 @@
-// A copy of the library for tests of its load and unload, and processes that load it.
+// A copy of the library for tests of its load and unload, and a gate for processes that load it.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 
-#include "support/child_process.h"
 #include "support/scratch_file.h"
 
 namespace support {
@@ -29,28 +28,6 @@ class PrivateLibrary {
 // The data of a loaded library that all processes loading the same file share.
 std::span<uint8_t> SharedSection(HMODULE library);
 
-// A process that loads and unloads a private library when it is told to.
-class LibraryLoader {
-  public:
-    LibraryLoader() : child_("library-loader") {}
-    // "loaded", or "error " and the Windows error.
-    std::string Load(const PrivateLibrary& library) { return child_.Ask("load " + library.Path()); }
-    // Loads when the gate opens; Loaded() waits for it.
-    void LoadAtGate(const PrivateLibrary& library) {
-        child_.Send("load-at-gate " + library.Path());
-    }
-    std::string Loaded() { return child_.Answer(); }
-    void Unload() { child_.Ask("unload"); }
-    // Handles that the process has open.
-    uint32_t Handles() { return static_cast<uint32_t>(std::stoul("0" + child_.Ask("handles"))); }
-    uint32_t ProcessId() { return static_cast<uint32_t>(std::stoul("0" + child_.Ask("process"))); }
-    void Kill() { child_.Kill(); }
-    DWORD Finish() { return child_.Finish(); }
-
-  private:
-    ChildProcess child_;
-};
-
 // Lets loaders load at one moment.
 class LoadGate {
   public:
@@ -61,6 +38,8 @@ class LoadGate {
 
     // Waits until so many loaders stand before the gate, and lets them through.
     void Open(int loaders);
+    // The loader's side of it.
+    static void Wait();
 
   private:
     HANDLE waiting_;
