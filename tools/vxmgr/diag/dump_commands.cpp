@@ -53,7 +53,8 @@ struct DumpSize {
 HX_STATUS AskSizes(PortVisit& visit, std::vector<DumpSize>* sizes) {
     HX_STATUS failure = HXMGT_SUCCESS;
     for (const DumpKind& kind : DumpKinds()) {
-        DumpSize& size = sizes->emplace_back(DumpSize{&kind, HXMGT_SUCCESS, 0});
+        sizes->push_back({&kind, HXMGT_SUCCESS, 0});
+        DumpSize& size = sizes->back();
         size.status = kind.size(visit.Handle(), &size.bytes);
         if (size.status != HXMGT_SUCCESS && !HasNone(size.status) && failure == HXMGT_SUCCESS) {
             failure = size.status;
