@@ -1,5 +1,6 @@
 #include "support/json_schema.h"
 
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
@@ -18,6 +19,14 @@ using Adapter = valijson::adapters::NlohmannJsonAdapter;
 // not follow references between files that name themselves.
 Json Load(const std::string& folder, const std::string& file);
 
+// "vxmgr.port.list.json" is vxmgr/port/list.json.
+std::string PathOf(const std::string& folder, std::string file) {
+    const size_t end = file.rfind(".json");
+    std::replace(file.begin(), file.begin() + static_cast<ptrdiff_t>(std::min(end, file.size())),
+                 '.', '/');
+    return folder + file;
+}
+
 void Resolve(Json& schema, const std::string& folder) {
     if (schema.is_object() && schema.contains("$ref")) {
         schema = Load(folder, schema["$ref"].get<std::string>());
@@ -32,7 +41,10 @@ void Resolve(Json& schema, const std::string& folder) {
 }
 
 Json Load(const std::string& folder, const std::string& file) {
-    std::ifstream stream(folder + file);
+    std::ifstream stream(PathOf(folder, file));
+    if (!stream) {
+        stream.open(folder + file);
+    }
     Json schema = Json::parse(stream, nullptr, false);
     if (schema.is_object()) {
         schema.erase("$id");
