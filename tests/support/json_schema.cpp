@@ -42,9 +42,6 @@ void Resolve(Json& schema, const std::string& folder) {
 
 Json Load(const std::string& folder, const std::string& file) {
     std::ifstream stream(PathOf(folder, file));
-    if (!stream) {
-        stream.open(folder + file);
-    }
     Json schema = Json::parse(stream, nullptr, false);
     if (schema.is_object()) {
         schema.erase("$id");
