@@ -28,9 +28,9 @@ enum class ArgumentKind : uint8_t { Flag, Text, Number };
 // An option ("--count", "-p,--port") or, without a dash, a positional argument ("NAME").
 struct Argument {
     const char* name;
-    ArgumentKind kind;
-    const char* valueName;  // how help names the value; positional: unused
-    const char* help;
+    ArgumentKind kind = ArgumentKind::Text;
+    const char* valueName = "";  // how help names the value; positional: unused
+    const char* help = "";
     bool required = false;
     bool repeated = false;  // may be given several times
     std::span<const char* const> choices = {};

@@ -22,12 +22,19 @@ constexpr uint8_t kBound = 1;
 constexpr uint16_t kHighestTargetNumber = 2047;
 
 constexpr Argument Byte(const char* name, const char* help) {
-    return {name, ArgumentKind::Number, "N", help, false, false, {}, 0, UINT8_MAX};
+    return {.name = name,
+            .kind = ArgumentKind::Number,
+            .valueName = "N",
+            .help = help,
+            .most = UINT8_MAX};
 }
 constexpr Argument kNodeArgument = {"--node", ArgumentKind::Text, "NAME",
                                     "node name of a target that the driver does not know"};
-constexpr Argument kPortIdArgument = {
-    "--port-id", ArgumentKind::Number, "ID", "its port identifier", false, false, {}, 0, 0xFFFFFF};
+constexpr Argument kPortIdArgument = {.name = "--port-id",
+                                      .kind = ArgumentKind::Number,
+                                      .valueName = "ID",
+                                      .help = "its port identifier",
+                                      .most = 0xFFFFFF};
 
 constexpr Argument kAddArguments[] = {
     kTargetArgument,
@@ -36,21 +43,20 @@ constexpr Argument kAddArguments[] = {
     Byte("--bus", "bus of the binding (the one that the driver gave)"),
     Byte("--id", "target ID of the binding (the same)"),
     Byte("--flags", "binding flags (those that the target has, or 1)"),
-    {"--lun-base",
-     ArgumentKind::Number,
-     "N",
-     "LUN byte of its stored mask that stands for LUN 0",
-     false,
-     false,
-     {},
-     0,
-     HX_MAX_LUNS - 1},
+    {.name = "--lun-base",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "LUN byte of its stored mask that stands for LUN 0",
+     .most = HX_MAX_LUNS - 1},
     kStoreArgument,
 };
 constexpr Argument kRemoveArguments[] = {kTargetArgument, kStoreArgument};
 constexpr Argument kSwapArguments[] = {
     kTargetArgument,
-    {"--with", ArgumentKind::Text, "TARGET", "the target that takes its place", true},
+    {.name = "--with",
+     .valueName = "TARGET",
+     .help = "the target that takes its place",
+     .required = true},
     kNodeArgument,
     kPortIdArgument,
     kStoreArgument,

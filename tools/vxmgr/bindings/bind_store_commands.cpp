@@ -14,8 +14,7 @@ using tools::Value;
 constexpr int kMostServices = 8;
 
 constexpr tools::Argument kCleanArguments[] = {
-    {"NAME", tools::ArgumentKind::Text, "", "port names; without any all absent ports", false,
-     true},
+    {.name = "NAME", .help = "port names; without any all absent ports", .repeated = true},
 };
 
 std::vector<tools::Wwn> NamesIn(const HX_WWN_LIST& list) {

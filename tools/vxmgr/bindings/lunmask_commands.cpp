@@ -10,14 +10,13 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
 using tools::ExitCode;
 using tools::Record;
 using tools::Value;
 
 constexpr tools::Argument kShowArguments[] = {kSelectTargetArgument, kStoreArgument};
 constexpr tools::Argument kChangeArguments[] = {
-    {"LUNS", ArgumentKind::Text, "", "LUNs and ranges of them, as in 0-7,12, or all", true},
+    {.name = "LUNS", .help = "LUNs and ranges of them, as in 0-7,12, or all", .required = true},
     kTargetArgument,
     kStoreArgument,
 };

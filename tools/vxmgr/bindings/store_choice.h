@@ -7,10 +7,10 @@ namespace vxmgr {
 
 inline constexpr const char* kStoreNames[] = {"registry", "live", "both"};
 inline constexpr tools::Argument kStoreArgument = {
-    "--store",  tools::ArgumentKind::Text,
-    "STORE",    "registry (read at the driver's next start), live (the driver now) or both (both)",
-    false,      false,
-    kStoreNames};
+    .name = "--store",
+    .valueName = "STORE",
+    .help = "registry (read at the driver's next start), live (the driver now) or both (both)",
+    .choices = kStoreNames};
 
 struct StoreChoice {
     bool registry;

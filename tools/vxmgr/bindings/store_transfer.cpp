@@ -18,12 +18,14 @@ constexpr size_t kRowsInQuestion = 12;
 
 constexpr const char* kExportStores[] = {kInRegistry, kLive};
 constexpr tools::Argument kExportArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the document to write", true},
-    {"--store", ArgumentKind::Text, "STORE", "registry or live (registry)", false, false,
-     kExportStores},
+    {.name = "FILE", .help = "the document to write", .required = true},
+    {.name = "--store",
+     .valueName = "STORE",
+     .help = "registry or live (registry)",
+     .choices = kExportStores},
 };
 constexpr tools::Argument kImportArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the document to read", true},
+    {.name = "FILE", .help = "the document to read", .required = true},
     {"--as-port", ArgumentKind::Flag, "", "take the document of another port for the selected one"},
     kStoreArgument,
 };

@@ -19,8 +19,11 @@ using tools::Record;
 using tools::Value;
 
 constexpr Argument kSaveArguments[] = {
-    {"KIND", ArgumentKind::Text, "", "which dump: fc, mpi, mctp or mini", true, false, kDumpNames},
-    {"FILE", ArgumentKind::Text, "", "the file to write", true},
+    {.name = "KIND",
+     .help = "which dump: fc, mpi, mctp or mini",
+     .required = true,
+     .choices = kDumpNames},
+    {.name = "FILE", .help = "the file to write", .required = true},
     {"--text", ArgumentKind::Flag, "", "the firmware's registers and memory as text (fc alone)"},
 };
 

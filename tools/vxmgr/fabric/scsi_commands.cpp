@@ -27,24 +27,28 @@ constexpr size_t kLongestTransfer = size_t{16} << 20;
 constexpr Argument kInquiryArguments[] = {
     kTargetArgument,
     kLunArgument,
-    {"--page",
-     ArgumentKind::Number,
-     "PAGE",
-     "a vital product data page (0: which there are, 0x80: serial number, 0x83: identifiers)",
-     false,
-     false,
-     {},
-     0,
-     255},
+    {.name = "--page",
+     .kind = ArgumentKind::Number,
+     .valueName = "PAGE",
+     .help =
+         "a vital product data page (0: which there are, 0x80: serial number, 0x83: identifiers)",
+     .most = 255},
 };
 constexpr Argument kUnitArguments[] = {kTargetArgument, kLunArgument};
 constexpr Argument kTargetArguments[] = {kTargetArgument};
 constexpr Argument kRawArguments[] = {
-    {"CDB", ArgumentKind::Text, "", "command descriptor block, hexadecimal: 12 00 00 00 24 00",
-     true, true},
+    {.name = "CDB",
+     .help = "command descriptor block, hexadecimal: 12 00 00 00 24 00",
+     .required = true,
+     .repeated = true},
     kTargetArgument,
     kLunArgument,
-    {"--in", ArgumentKind::Number, "N", "bytes to receive", false, false, {}, 1, kLongestTransfer},
+    {.name = "--in",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "bytes to receive",
+     .least = 1,
+     .most = kLongestTransfer},
     {"--out-file", ArgumentKind::Text, "FILE", "where the received data goes"},
     {"--data-file", ArgumentKind::Text, "FILE", "data to send"},
 };

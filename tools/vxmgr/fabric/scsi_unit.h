@@ -10,11 +10,15 @@
 namespace vxmgr {
 
 inline constexpr tools::Argument kTargetArgument = {
-    "-t,--target", tools::ArgumentKind::Text, "TARGET",
-    "remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET", true};
-inline constexpr tools::Argument kLunArgument = {
-    "--lun",   tools::ArgumentKind::Number, "N", "logical unit number (0)", false, false, {}, 0,
-    UINT16_MAX};
+    .name = "-t,--target",
+    .valueName = "TARGET",
+    .help = "remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET",
+    .required = true};
+inline constexpr tools::Argument kLunArgument = {.name = "--lun",
+                                                 .kind = tools::ArgumentKind::Number,
+                                                 .valueName = "N",
+                                                 .help = "logical unit number (0)",
+                                                 .most = UINT16_MAX};
 
 // The address that -t and --lun give; ends the command when they are wrong.
 HX_SCSI_ADDRESS GivenTarget(tools::Invocation& invocation);

@@ -18,15 +18,13 @@ using tools::Tone;
 using tools::Value;
 
 constexpr Argument kReleaseArguments[] = {
-    {"--owner-pid",
-     ArgumentKind::Number,
-     "N",
-     "process that held the lock when it ended",
-     true,
-     false,
-     {},
-     1,
-     UINT32_MAX},
+    {.name = "--owner-pid",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "process that held the lock when it ended",
+     .required = true,
+     .least = 1,
+     .most = UINT32_MAX},
 };
 
 // One lock of the list: of an adapter of this machine, or of one that has gone.

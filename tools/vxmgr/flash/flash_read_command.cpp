@@ -26,19 +26,17 @@ constexpr uint64_t kMostBytes = 64u << 20;
 constexpr const char* kAll = "all";
 
 constexpr Argument kReadArguments[] = {
-    {"REGION", ArgumentKind::Text, "",
-     "region by key or code, or all; with --offset the file to write", true},
+    {.name = "REGION",
+     .help = "region by key or code, or all; with --offset the file to write",
+     .required = true},
     {"FILE", ArgumentKind::Text, "", "the file to write; with all, the folder"},
     {"--offset", ArgumentKind::Number, "N", "read from this byte of the flash on"},
-    {"--length",
-     ArgumentKind::Number,
-     "N",
-     "bytes to read from --offset",
-     false,
-     false,
-     {},
-     1,
-     kMostBytes},
+    {.name = "--length",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "bytes to read from --offset",
+     .least = 1,
+     .most = kMostBytes},
 };
 
 // What was read and saved, or why not.

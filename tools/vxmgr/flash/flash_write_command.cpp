@@ -16,8 +16,8 @@ using tools::Record;
 using tools::Value;
 
 constexpr Argument kWriteArguments[] = {
-    {"REGION", ArgumentKind::Text, "", "region by key or code", true},
-    {"FILE", ArgumentKind::Text, "", "the image", true},
+    {.name = "REGION", .help = "region by key or code", .required = true},
+    {.name = "FILE", .help = "the image", .required = true},
     {"--pad", ArgumentKind::Flag, "", "fill a shorter image up to the region's size with 0xff"},
     {"--allow-older", ArgumentKind::Flag, "", "write an older version than there is"},
     {"--allow-same", ArgumentKind::Flag, "", "write what the region holds already"},

@@ -16,11 +16,10 @@ using tools::Record;
 using tools::Value;
 
 constexpr tools::Argument kNameArguments[] = {
-    {"NAME", tools::ArgumentKind::Text, "", "the parameter's name", true},
+    {.name = "NAME", .help = "the parameter's name", .required = true},
 };
 constexpr tools::Argument kSettingArguments[] = {
-    {"SETTING", tools::ArgumentKind::Text, "", "NAME=VALUE, or NAME= to remove the parameter",
-     true},
+    {.name = "SETTING", .help = "NAME=VALUE, or NAME= to remove the parameter", .required = true},
 };
 
 // A driver service and the selected ports that it drives.

@@ -30,9 +30,16 @@ constexpr size_t kFullRead = 31;
 constexpr int kBusyReads = 3;
 
 constexpr tools::Argument kWatchArguments[] = {
-    {"--kind", tools::ArgumentKind::Text, "K", "only events of this kind; may be repeated", false,
-     true, kEventKindNames},
-    {"--count", tools::ArgumentKind::Number, "N", "end after N events", false, false, {}, 1},
+    {.name = "--kind",
+     .valueName = "K",
+     .help = "only events of this kind; may be repeated",
+     .repeated = true,
+     .choices = kEventKindNames},
+    {.name = "--count",
+     .kind = tools::ArgumentKind::Number,
+     .valueName = "N",
+     .help = "end after N events",
+     .least = 1},
 };
 
 // A port that delivers events. Delivery is switched off once, by whoever comes first: the end of

@@ -20,16 +20,17 @@ using tools::Value;
 constexpr uint64_t kLongestInterval = 86400;
 
 constexpr Argument kArguments[] = {
-    {"--interval",
-     ArgumentKind::Number,
-     "S",
-     "print a row every S seconds (5)",
-     false,
-     false,
-     {},
-     1,
-     kLongestInterval},
-    {"--count", ArgumentKind::Number, "N", "end after N rows of each port", false, false, {}, 1},
+    {.name = "--interval",
+     .kind = ArgumentKind::Number,
+     .valueName = "S",
+     .help = "print a row every S seconds (5)",
+     .least = 1,
+     .most = kLongestInterval},
+    {.name = "--count",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "end after N rows of each port",
+     .least = 1},
     {"--delta", ArgumentKind::Flag, "", "rows of what was counted since the row before"},
 };
 

@@ -13,16 +13,19 @@ using tools::ArgumentKind;
 using tools::ExitCode;
 
 constexpr Argument kSetArguments[] = {
-    {"SETTING", ArgumentKind::Text, "",
-     "NAME=VALUE: a variable by number, name or start of its name", true, true},
-    {"--bank", ArgumentKind::Text, "BANK",
-     "what to start from: the settings in use, or those of the other bank (in-use)", false, false,
-     kBankChoices},
+    {.name = "SETTING",
+     .help = "NAME=VALUE: a variable by number, name or start of its name",
+     .required = true,
+     .repeated = true},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help = "what to start from: the settings in use, or those of the other bank (in-use)",
+     .choices = kBankChoices},
     kActivateArgument,
     kBackupArgument,
 };
 constexpr Argument kImportArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "a document or text of `nvram export`", true},
+    {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
     {"--as-port", ArgumentKind::Flag, "",
      "take the settings of another port's document; names and board IDs stay"},
     kActivateArgument,

@@ -11,7 +11,6 @@ namespace vxmgr {
 namespace {
 
 using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
 using tools::ListLayout;
 using tools::Record;
@@ -19,9 +18,13 @@ using tools::Tone;
 using tools::Value;
 
 constexpr Argument kGetArguments[] = {
-    {"NAME", ArgumentKind::Text, "",
-     "a variable: its number, its name, or the start of exactly one name", true},
-    {"--bank", ArgumentKind::Text, "BANK", "in-use or other (in-use)", false, false, kBankChoices},
+    {.name = "NAME",
+     .help = "a variable: its number, its name, or the start of exactly one name",
+     .required = true},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help = "in-use or other (in-use)",
+     .choices = kBankChoices},
 };
 
 Record VariableRow(tools::Invocation& invocation, const NvramVariable& variable, uint32_t value) {

@@ -15,14 +15,20 @@ using tools::Record;
 using tools::Value;
 
 constexpr Argument kDiffArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "a document or text of `nvram export`", true},
-    {"--bank", ArgumentKind::Text, "BANK", "in-use or other (in-use)", false, false, kBankChoices},
+    {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help = "in-use or other (in-use)",
+     .choices = kBankChoices},
 };
 constexpr Argument kExportArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the file to write", true},
+    {.name = "FILE", .help = "the file to write", .required = true},
     {"--text", ArgumentKind::Flag, "",
      "one line for each variable, without the bytes between them (older chips alone)"},
-    {"--bank", ArgumentKind::Text, "BANK", "in-use or other (in-use)", false, false, kBankChoices},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help = "in-use or other (in-use)",
+     .choices = kBankChoices},
 };
 constexpr DifferenceHeadings kHeadings = {"adapter", "file", "Adapter", "File"};
 

@@ -6,7 +6,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
 using tools::ExitCode;
 
 constexpr size_t kActiveRegionBytes = 6;
@@ -14,9 +13,11 @@ constexpr size_t kSettingsBank = 2;  // of those bytes
 constexpr uint8_t kSecondBank = 2;
 
 constexpr tools::Argument kBankArguments[] = {
-    {"--bank", ArgumentKind::Text, "BANK",
-     "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
-     false, false, kBankChoices},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help =
+         "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
+     .choices = kBankChoices},
 };
 
 const FlashRegion* FindRegion(const FlashLayout& layout, const std::string& key) {

@@ -28,11 +28,14 @@ constexpr size_t kShownCharacters = 64;
 constexpr std::string_view kSerialKeyword = "SN";
 
 constexpr Argument kReadArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the file to write", true},
-    {"--bank", ArgumentKind::Text, "BANK", "in-use or other (in-use)", false, false, kBankChoices},
+    {.name = "FILE", .help = "the file to write", .required = true},
+    {.name = "--bank",
+     .valueName = "BANK",
+     .help = "in-use or other (in-use)",
+     .choices = kBankChoices},
 };
 constexpr Argument kWriteArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the product data, as `vpd read` fetches it", true},
+    {.name = "FILE", .help = "the product data, as `vpd read` fetches it", .required = true},
     {"--other-identity", ArgumentKind::Flag, "",
      "also when part or serial number are not those of the adapter"},
 };

@@ -26,21 +26,24 @@ constexpr size_t kLargestFirmware = size_t{4} << 20;
 constexpr uint16_t kNoOptions = 0;
 
 constexpr Argument kWriteArguments[] = {
-    {"PAGE", ArgumentKind::Text, "", "a0 (identity) or a2 (diagnostics)", true, false,
-     kSfpPageNames},
-    {"OFFSET",
-     ArgumentKind::Number,
-     "",
-     "where in the page",
-     true,
-     false,
-     {},
-     0,
-     kSfpPageBytes - 1},
-    {"BYTES", ArgumentKind::Text, "", "the bytes, in pairs of hexadecimal digits", true, true},
+    {.name = "PAGE",
+     .help = "a0 (identity) or a2 (diagnostics)",
+     .required = true,
+     .choices = kSfpPageNames},
+    {.name = "OFFSET",
+     .kind = ArgumentKind::Number,
+     .help = "where in the page",
+     .required = true,
+     .most = kSfpPageBytes - 1},
+    {.name = "BYTES",
+     .help = "the bytes, in pairs of hexadecimal digits",
+     .required = true,
+     .repeated = true},
 };
 constexpr Argument kLoadArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the firmware, as the transceiver's maker gives it out", true},
+    {.name = "FILE",
+     .help = "the firmware, as the transceiver's maker gives it out",
+     .required = true},
 };
 
 // What is to be written, and what stands there.

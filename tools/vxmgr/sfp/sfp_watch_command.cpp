@@ -21,23 +21,17 @@ constexpr uint64_t kLongestInterval = 86400;
 constexpr int kMostFailures = 3;  // of a port, one after the other
 
 constexpr Argument kWatchArguments[] = {
-    {"--interval",
-     ArgumentKind::Number,
-     "S",
-     "seconds between readings (5)",
-     false,
-     false,
-     {},
-     1,
-     kLongestInterval},
-    {"--count",
-     ArgumentKind::Number,
-     "N",
-     "end after N readings of each port",
-     false,
-     false,
-     {},
-     1},
+    {.name = "--interval",
+     .kind = ArgumentKind::Number,
+     .valueName = "S",
+     .help = "seconds between readings (5)",
+     .least = 1,
+     .most = kLongestInterval},
+    {.name = "--count",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "end after N readings of each port",
+     .least = 1},
 };
 
 struct Watched {

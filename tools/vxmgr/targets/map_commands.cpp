@@ -16,19 +16,19 @@ namespace vxmgr {
 namespace {
 
 using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
 using tools::Record;
 
 constexpr Argument kTargetArguments[] = {
-    {"TARGET", ArgumentKind::Text, "", "wwn:NAME, id:0xDDAAPP, BUS:TARGET, or all", true},
+    {.name = "TARGET", .help = "wwn:NAME, id:0xDDAAPP, BUS:TARGET, or all", .required = true},
 };
 constexpr Argument kVolumeArguments[] = {
-    {"VOLUME", ArgumentKind::Text, "",
-     "a drive (E:), a folder that a volume is mounted at, or a volume's own name", true},
+    {.name = "VOLUME",
+     .help = "a drive (E:), a folder that a volume is mounted at, or a volume's own name",
+     .required = true},
 };
 constexpr Argument kDiskArguments[] = {
-    {"DISK", ArgumentKind::Text, "", "a disk: N or PhysicalDriveN", true},
+    {.name = "DISK", .help = "a disk: N or PhysicalDriveN", .required = true},
 };
 
 MapPort PortOf(const Port& port) {

@@ -6,8 +6,9 @@
 namespace vxmgr {
 
 inline constexpr tools::Argument kSelectTargetArgument = {
-    "-t,--target", tools::ArgumentKind::Text, "TARGET",
-    "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET", false};
+    .name = "-t,--target",
+    .valueName = "TARGET",
+    .help = "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET"};
 
 // The address after an option like -t; ends the command when it is wrong.
 HX_SCSI_ADDRESS GivenAddress(tools::Invocation& invocation, const char* option);

@@ -24,15 +24,11 @@ constexpr uint32_t kLimitSeconds = 60;
 constexpr Argument kActivateArguments[] = {
     {"--settings", ArgumentKind::Flag, "",
      "have the settings (NVRAM) taken over alone, and the firmware started with them"},
-    {"--limit",
-     ArgumentKind::Number,
-     "S",
-     "seconds that one port may take; the next ones are left alone then (60; 0: any time)",
-     false,
-     false,
-     {},
-     0,
-     3600},
+    {.name = "--limit",
+     .kind = ArgumentKind::Number,
+     .valueName = "S",
+     .help = "seconds that one port may take; the next ones are left alone then (60; 0: any time)",
+     .most = 3600},
     {"--allow-same", ArgumentKind::Flag, "", "also when the stored versions run already"},
 };
 

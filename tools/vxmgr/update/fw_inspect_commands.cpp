@@ -18,10 +18,10 @@ using tools::Tone;
 using tools::Value;
 
 constexpr Argument kInspectArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the image", true},
+    {.name = "FILE", .help = "the image", .required = true},
 };
 constexpr Argument kCheckArguments[] = {
-    {"FILE", ArgumentKind::Text, "", "the image", true},
+    {.name = "FILE", .help = "the image", .required = true},
     {"--region", ArgumentKind::Text, "REGION", "region by key or code (where its kind belongs)"},
     {"--pad", ArgumentKind::Flag, "", "as `flash write --pad` would write it"},
     {"--allow-older", ArgumentKind::Flag, "", "an older version than there is is no reason"},
