@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Formatting and static analysis. Changes nothing; "scripts/check.sh --fix" formats.
+# Formatting, static analysis, and what the programs print for the documentation: schemas and command
+# references. Changes nothing; "scripts/check.sh --fix" formats and writes what differs.
 source "$(dirname "$0")/common.sh"
+
+fix=
+[ "${1:-}" != --fix ] || fix=1
 
 scripts/setup.sh
 mapfile -t sources < <(git ls-files '*.cpp' '*.h' '*.c')
-if [ "${1:-}" = --fix ]; then
+if [ -n "$fix" ]; then
     clang-format -i "${sources[@]}"
 elif ! clang-format --dry-run -Werror "${sources[@]}"; then
     echo "Formatting differs: run scripts/check.sh --fix"
@@ -17,4 +21,63 @@ cppcheck --quiet --error-exitcode=1 --language=c++ --std=c++20 --platform=win64 
     --suppress=missingIncludeSystem --suppress=unknownMacro --suppress=syntaxError \
     --suppress=passedByValue -Isrc -Iinclude -I. -D_WIN32=1 -D_WIN64=1 -D__GNUC__=12 \
     src emulator tools
-echo "Formatting and analysis passed."
+
+scripts/build.sh vxmgr vxemu
+trap wine_stop EXIT
+wine_start
+printed=build/printed
+rm -rf "$printed"
+mkdir -p "$printed"
+stale=
+
+# compare PRINTED COMMITTED: equal, byte for byte, or written.
+compare() {
+    cmp -s "$1" "$2" && return
+    if [ -n "$fix" ]; then
+        mkdir -p "$(dirname "$2")"
+        cp "$1" "$2"
+    else
+        echo "$2 is not what the program prints"
+        stale=1
+    fi
+}
+
+# Puts the program's command reference between the marker lines of its manual.
+with_reference() {
+    awk -v reference="$2" '
+        /^<!-- end of the command reference -->$/ { inside = 0 }
+        !inside { print }
+        /^<!-- command reference, printed by / {
+            inside = 1
+            while ((getline line < reference) > 0) print line
+        }' "$1"
+}
+
+for tool in vxmgr vxemu; do
+    run $tool.exe schema --folder "$printed/schemas" --json >"$printed/$tool.json" </dev/null
+    run $tool.exe help --markdown >"$printed/$tool.reference" </dev/null
+    manual=docs/$([ $tool = vxmgr ] && echo vxmgr || echo emulator).md
+    with_reference "$manual" "$printed/$tool.reference" >"$printed/$(basename "$manual")"
+    compare "$printed/$(basename "$manual")" "$manual"
+done
+while IFS= read -r file; do
+    compare "$file" "docs/schemas/${file#"$printed"/schemas/}"
+done < <(find "$printed/schemas" -type f)
+# While a program notes results that no table describes, their schemas are kept by hand.
+for tool in vxmgr vxemu; do
+    grep -q '"messages": \[\]' "$printed/$tool.json" || continue
+    while IFS= read -r file; do
+        [ -e "$printed/schemas/${file#docs/schemas/}" ] && continue
+        if [ -n "$fix" ]; then
+            rm "$file"
+        else
+            echo "$file is a schema that the program does not print"
+            stale=1
+        fi
+    done < <(find "docs/schemas/$tool" -type f)
+done
+if [ -n "$stale" ]; then
+    echo "Schemas or manuals differ: run scripts/check.sh --fix"
+    exit 1
+fi
+echo "Formatting, analysis, schemas and command references passed."

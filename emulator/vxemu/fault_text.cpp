@@ -140,6 +140,21 @@ std::string FormatFaultCode(const FaultRule& rule) {
     return rule.code == kAnyCode ? "any" : tools::Hex(rule.code, 8);
 }
 
+std::string FaultRequestNames() {
+    std::string names;
+    const auto add = [&names](const auto& table) {
+        for (const auto& row : table) {
+            names += (names.empty() ? "" : ", ") + std::string(row.name);
+        }
+    };
+    add(transport::kExtendedCommands);
+    names += "; of the legacy driver: ";
+    std::string extended = std::move(names);
+    names.clear();
+    add(transport::kPlainCommands);
+    return "Requests that --code knows by name: " + extended + names + ".";
+}
+
 std::string FaultKindList() {
     std::string list;
     for (const KindRow& row : kKinds) {

@@ -24,6 +24,9 @@ bool ParseFaultCode(std::string_view text, FaultRule* rule);
 // The name of the request when only one is meant, or its code.
 std::string FormatFaultCode(const FaultRule& rule);
 
+// What --code takes beside numbers, in a sentence for help.
+std::string FaultRequestNames();
+
 // "a|b|c" of the kinds, for help.
 std::string FaultKindList();
 

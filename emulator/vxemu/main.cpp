@@ -1,8 +1,8 @@
 // vxemu.exe: starts, stops and disturbs the emulated adapters.
 #include "commands.h"
-#include "common/builtin_commands.h"
 #include "common/command.h"
 #include "common/console.h"
+#include "fault_text.h"
 #include "hxstatus.h"
 
 namespace vxemu {
@@ -17,165 +17,206 @@ using tools::Risk;
 constexpr const char* kPortHelp = "port of the emulated adapters: scsi:N or N";
 constexpr const char* kUpDown[] = {"up", "down"};
 
-constexpr Argument kPort[] = {{"PORT", ArgumentKind::Text, "", kPortHelp, true}};
+constexpr Argument kPort[] = {{.name = "PORT", .help = kPortHelp, .required = true}};
 constexpr Argument kStart[] = {
     {"--profile", ArgumentKind::Text, "P", "built-in profile or JSON file (lab)"}};
 constexpr Argument kProfileShow[] = {
     {"PROFILE", ArgumentKind::Text, "", "built-in profile or JSON file; without: what runs"}};
-constexpr Argument kProfileFile[] = {{"FILE", ArgumentKind::Text, "", "JSON file", true}};
+constexpr Argument kProfileFile[] = {{.name = "FILE", .help = "JSON file", .required = true}};
 constexpr Argument kFaultAdd[] = {
-    {"PORT", ArgumentKind::Text, "", "scsi:N, N or all", true},
+    {.name = "PORT", .help = "scsi:N, N or all", .required = true},
     {"VALUE", ArgumentKind::Text, "",
      "milliseconds, status, detail or bytes of the action; a detail may name its driver status: "
      "11:0x4005"},
     {"--code", ArgumentKind::Text, "C", "command code or name of the request (any)"},
-    {"--sub", ArgumentKind::Number, "S", "sub-code (any)", false, false, {}, 0, 0xFFFF},
+    {.name = "--sub",
+     .kind = ArgumentKind::Number,
+     .valueName = "S",
+     .help = "sub-code (any)",
+     .most = 0xFFFF},
     {"--after", ArgumentKind::Number, "N", "let N matching requests pass (0)"},
     {"--times", ArgumentKind::Number, "N", "act N times; 0 = always (0)"},
-    {"--do", ArgumentKind::Text, "ACTION",
-     "busy, hang MS, status S, detail D, short N, long N, lie-length or corrupt", true},
+    {.name = "--do",
+     .valueName = "ACTION",
+     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length or corrupt",
+     .required = true},
 };
-constexpr Argument kFaultClear[] = {
-    {"ID", ArgumentKind::Number, "", "the rule; without: all rules", false, false, {}, 1}};
+constexpr Argument kFaultClear[] = {{.name = "ID",
+                                     .kind = ArgumentKind::Number,
+                                     .help = "the rule; without: all rules",
+                                     .least = 1}};
 constexpr Argument kEvent[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"KIND", ArgumentKind::Text, "",
-     "lip, link-up, link-down, lip-reset, rscn, port-update, test or an event code (0x8016)", true},
-    {"--data", ArgumentKind::Text, "WORD", "a data word of the event, up to three times", false,
-     true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "KIND",
+     .help =
+         "lip, link-up, link-down, lip-reset, rscn, port-update, test or an event code (0x8016)",
+     .required = true},
+    {.name = "--data",
+     .valueName = "WORD",
+     .help = "a data word of the event, up to three times",
+     .repeated = true},
 };
 constexpr Argument kLink[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"STATE", ArgumentKind::Text, "", "up or down", true, false, kUpDown},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "STATE", .help = "up or down", .required = true, .choices = kUpDown},
 };
 constexpr Argument kSet[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"ASSIGNMENT", ArgumentKind::Text, "", "NAME=VALUE, as in a profile file", true, true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "ASSIGNMENT",
+     .help = "NAME=VALUE, as in a profile file",
+     .required = true,
+     .repeated = true},
 };
 
 constexpr const char* kOnOff[] = {"on", "off"};
 constexpr Argument kSwitch[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"STATE", ArgumentKind::Text, "", "on or off", true, false, kOnOff},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "STATE", .help = "on or off", .required = true, .choices = kOnOff},
 };
 
 constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";
 constexpr Argument kFlashDump[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"REGION", ArgumentKind::Number, "", kRegionHelp, true},
-    {"FILE", ArgumentKind::Text, "", "file to write", true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "REGION", .kind = ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "FILE", .help = "file to write", .required = true},
 };
 constexpr Argument kFlashImage[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"REGION", ArgumentKind::Number, "", "code of a region of firmware or boot code", true},
-    {"FILE", ArgumentKind::Text, "", "file to write", true},
-    {"--as", ArgumentKind::Text, "VERSION", "version of the image: 9.13.00, or 3.62 of boot code",
-     true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "REGION",
+     .kind = ArgumentKind::Number,
+     .help = "code of a region of firmware or boot code",
+     .required = true},
+    {.name = "FILE", .help = "file to write", .required = true},
+    {.name = "--as",
+     .valueName = "VERSION",
+     .help = "version of the image: 9.13.00, or 3.62 of boot code",
+     .required = true},
 };
 constexpr Argument kFlashCorrupt[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
-    {"REGION", ArgumentKind::Number, "", kRegionHelp, true},
-    {"AT", ArgumentKind::Number, "", "offset of the byte in the region", true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
+    {.name = "REGION", .kind = ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "AT",
+     .kind = ArgumentKind::Number,
+     .help = "offset of the byte in the region",
+     .required = true},
 };
 constexpr Argument kFlashPowerFail[] = {
-    {"PORT", ArgumentKind::Text, "", kPortHelp, true},
+    {.name = "PORT", .help = kPortHelp, .required = true},
     {"--after-bytes", ArgumentKind::Number, "N", "bytes that are still written (0)"},
 };
 
 constexpr const char* kTargetHelp = "port name of a target: 2b:00:02:45:4d:00:01:00";
 constexpr const char* kAssignmentHelp = "NAME=VALUE, as in a profile file";
-constexpr Argument kTarget[] = {{"TARGET", ArgumentKind::Text, "", kTargetHelp, true}};
+constexpr Argument kTarget[] = {{.name = "TARGET", .help = kTargetHelp, .required = true}};
 constexpr Argument kTargetAdd[] = {
-    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
-    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, false, true},
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
 };
 constexpr Argument kTargetSet[] = {
-    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
-    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, true, true},
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
 };
 constexpr Argument kLun[] = {
-    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
-    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
 };
 constexpr Argument kLunAdd[] = {
-    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
-    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
-    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, false, true},
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
 };
 constexpr Argument kLunSet[] = {
-    {"TARGET", ArgumentKind::Text, "", kTargetHelp, true},
-    {"LUN", ArgumentKind::Text, "", "number of the LUN", true},
-    {"ASSIGNMENT", ArgumentKind::Text, "", kAssignmentHelp, true, true},
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
 };
 
 const Command kCommands[] = {
-    {"install", Risk::Reversible, "register the driver service", "vxemu.install", {}, RunInstall},
+    {"install",
+     Risk::Reversible,
+     "register the driver service",
+     "install",
+     {},
+     RunInstall,
+     "install"},
     {"uninstall",
      Risk::Reversible,
      "stop and remove the driver service",
-     "vxemu.uninstall",
+     "uninstall",
      {},
-     RunUninstall},
-    {"start", Risk::Reversible, "start the emulated adapters", "vxemu.start", kStart, RunStart},
-    {"stop", Risk::Reversible, "stop the emulated adapters", "vxemu.stop", {}, RunStop},
+     RunUninstall,
+     "uninstall"},
+    {"start", Risk::Reversible, "start the emulated adapters", "start", kStart, RunStart,
+     "start --profile lab"},
+    {"stop", Risk::Reversible, "stop the emulated adapters", "stop", {}, RunStop, "stop"},
     {"status",
      Risk::Reads,
      "what runs, and what each port has served",
-     "vxemu.status",
+     "status",
      {},
-     RunStatus},
+     RunStatus,
+     "status --json"},
     {"reset", Risk::Reversible, "put a port back to its start: power, firmware, link and events",
-     "vxemu.reset", kPort, RunReset},
-    {"profile list", Risk::Reads, "built-in profiles", "vxemu.profile.list", {}, RunProfileList},
-    {"profile show", Risk::Reads, "a profile as JSON", "vxemu.profile.show", kProfileShow,
-     RunProfileShow},
-    {"profile validate", Risk::Reads, "check a profile file", "vxemu.profile.validate",
-     kProfileFile, RunProfileValidate},
-    {"fault add", Risk::Reversible, "let matching requests go wrong", "vxemu.fault.add", kFaultAdd,
-     RunFaultAdd},
+     "reset", kPort, RunReset, "reset scsi:3"},
+    {"profile list",
+     Risk::Reads,
+     "built-in profiles",
+     "profile.list",
+     {},
+     RunProfileList,
+     "profile list"},
+    {"profile show", Risk::Reads, "a profile as JSON", "profile.show", kProfileShow, RunProfileShow,
+     "profile show lab --out my.json"},
+    {"profile validate", Risk::Reads, "check a profile file", "profile.validate", kProfileFile,
+     RunProfileValidate, "profile validate my.json"},
+    {"fault add", Risk::Reversible, "let matching requests go wrong", "fault.add", kFaultAdd,
+     RunFaultAdd, "fault add scsi:3 --code NodeProperties --do busy --times 2", nullptr,
+     FaultRequestNames},
     {"fault list",
      Risk::Reads,
      "fault rules and how often they acted",
-     "vxemu.fault.list",
+     "fault.list",
      {},
-     RunFaultList},
-    {"fault clear", Risk::Reversible, "remove one fault rule or all", "vxemu.fault.clear",
-     kFaultClear, RunFaultClear},
-    {"event", Risk::Reversible, "raise an adapter event", "vxemu.event", kEvent, RunEvent},
-    {"link", Risk::Reversible, "take a port's link up or down", "vxemu.link", kLink, RunLink},
+     RunFaultList,
+     "fault list"},
+    {"fault clear", Risk::Reversible, "remove one fault rule or all", "fault.clear", kFaultClear,
+     RunFaultClear, "fault clear 2"},
+    {"event", Risk::Reversible, "raise an adapter event", "event", kEvent, RunEvent,
+     "event scsi:3 rscn --data 0x010203"},
+    {"link", Risk::Reversible, "take a port's link up or down", "link", kLink, RunLink,
+     "link scsi:3 down"},
     {"adapter set", Risk::Reversible, "change values of the adapter that has this port",
-     "vxemu.adapter.set", kSet, RunAdapterSet},
-    {"port set", Risk::Reversible, "change values of a port", "vxemu.port.set", kSet, RunPortSet},
-    {"target add", Risk::Reversible, "connect a target", "vxemu.target.add", kTargetAdd,
-     RunTargetAdd},
-    {"target remove", Risk::Reversible, "take a target and its LUNs away", "vxemu.target.remove",
-     kTarget, RunTargetRemove},
-    {"target set", Risk::Reversible, "change values of a target", "vxemu.target.set", kTargetSet,
-     RunTargetSet},
-    {"lun add", Risk::Reversible, "give a target a LUN", "vxemu.lun.add", kLunAdd, RunLunAdd},
-    {"lun remove", Risk::Reversible, "take a LUN and what was written to it away",
-     "vxemu.lun.remove", kLun, RunLunRemove},
-    {"lun set", Risk::Reversible, "change values of a LUN", "vxemu.lun.set", kLunSet, RunLunSet},
+     "adapter.set", kSet, RunAdapterSet, "adapter set scsi:3 firmware_version=8.1.1"},
+    {"port set", Risk::Reversible, "change values of a port", "port.set", kSet, RunPortSet,
+     "port set scsi:3 topology=public-loop"},
+    {"target add", Risk::Reversible, "connect a target", "target.add", kTargetAdd, RunTargetAdd,
+     "target add 2b:00:02:45:4d:00:aa:00 bus=1"},
+    {"target remove", Risk::Reversible, "take a target and its LUNs away", "target.remove", kTarget,
+     RunTargetRemove, "target remove 2b:00:02:45:4d:00:aa:00"},
+    {"target set", Risk::Reversible, "change values of a target", "target.set", kTargetSet,
+     RunTargetSet, "target set 2b:00:02:45:4d:00:aa:00 present=no"},
+    {"lun add", Risk::Reversible, "give a target a LUN", "lun.add", kLunAdd, RunLunAdd,
+     "lun add 2b:00:02:45:4d:00:aa:00 7 blocks=4096"},
+    {"lun remove", Risk::Reversible, "take a LUN and what was written to it away", "lun.remove",
+     kLun, RunLunRemove, "lun remove 2b:00:02:45:4d:00:aa:00 7"},
+    {"lun set", Risk::Reversible, "change values of a LUN", "lun.set", kLunSet, RunLunSet,
+     "lun set 2b:00:02:45:4d:00:aa:00 7 blocks=8192"},
     {"flash show", Risk::Reads, "regions of an adapter's flash, and whether they are sound",
-     "vxemu.flash.show", kPort, RunFlashShow},
-    {"flash dump", Risk::Reads, "write what a region holds to a file", "vxemu.flash.dump",
-     kFlashDump, RunFlashDump},
-    {"flash image", Risk::Reads, "make an image to update a region with", "vxemu.flash.image",
-     kFlashImage, RunFlashImage},
-    {"flash corrupt", Risk::Reversible, "invert a byte of a region", "vxemu.flash.corrupt",
-     kFlashCorrupt, RunFlashCorrupt},
+     "flash.show", kPort, RunFlashShow, "flash show scsi:3"},
+    {"flash dump", Risk::Reads, "write what a region holds to a file", "flash.dump", kFlashDump,
+     RunFlashDump, "flash dump scsi:3 1 old.bin"},
+    {"flash image", Risk::Reads, "make an image to update a region with", "flash.image",
+     kFlashImage, RunFlashImage, "flash image scsi:3 1 new.bin --as 9.13.00"},
+    {"flash corrupt", Risk::Reversible, "invert a byte of a region", "flash.corrupt", kFlashCorrupt,
+     RunFlashCorrupt, "flash corrupt scsi:3 1 0x1000"},
     {"flash power-fail", Risk::Reversible,
      "let the adapter's power fail during a write; reset one of its ports to end that",
-     "vxemu.flash.power_fail", kFlashPowerFail, RunFlashPowerFail},
+     "flash.power_fail", kFlashPowerFail, RunFlashPowerFail,
+     "flash power-fail scsi:3 --after-bytes 70000"},
     {"lockdown", Risk::Reversible, "let the adapter refuse every change of what it stores",
-     "vxemu.lockdown", kSwitch, RunLockdown},
-    {"bfs", Risk::Reversible, "put the system's boot disk behind a port", "vxemu.bfs", kSwitch,
-     RunBootFromSan},
-    {"explain", Risk::Reads, "the meaning of a status or exit code", "vxemu.explain",
-     tools::ExplainArguments(), tools::RunExplain},
-    {"completion", Risk::Reads, "shell completion script", "vxemu.completion",
-     tools::CompletionArguments(), tools::RunCompletion},
-    {"version", Risk::Reads, "version of this tool", "vxemu.version", {}, tools::RunVersion},
+     "lockdown", kSwitch, RunLockdown, "lockdown scsi:3 on"},
+    {"bfs", Risk::Reversible, "put the system's boot disk behind a port", "bfs", kSwitch,
+     RunBootFromSan, "bfs scsi:3 on"},
 };
 
 constexpr CommandGroup kGroups[] = {

@@ -111,25 +111,43 @@ JsonSchemas::Errors JsonSchemas::CheckAgainst(const Json& document, const Json& 
 
 JsonSchemas::Errors JsonSchemas::CheckEnvelope(const Json& document) {
     Errors errors = Check(document, "envelope.json");
-    if (errors.empty() && !document["result"].is_null()) {
-        errors = Check(document["result"], document["schema"].get<std::string>() + ".json");
+    if (errors.empty()) {
+        const std::string file = document["schema"].get<std::string>() + ".json";
+        errors = document["result"].is_null() ? CheckHeader(document, file)
+                                              : Check(document["result"], file);
     }
     return errors;
 }
 
 JsonSchemas::Errors JsonSchemas::CheckRow(const Json& line) {
-    if (!line.is_object() || line.size() != 2 || !line.contains("schema") ||
-        !line.contains("row")) {
+    if (!line.is_object() || !line.contains("schema") || !line.contains("row") ||
+        line.size() != (line.contains("header") ? 3u : 2u)) {
         return {"$: is no row line"};
     }
     const std::string file = line["schema"].get<std::string>() + ".json";
+    Errors errors = CheckHeader(line, file);
     const Json properties = Load(folder_, file).value("properties", Json::object());
     for (const auto& [name, property] : properties.items()) {
         if (property.is_object() && property.value("type", Json()) == "array") {
-            return Find(file, "/properties/" + name + "/items")->Check(line["row"]);
+            const Errors more = Find(file, "/properties/" + name + "/items")->Check(line["row"]);
+            errors.insert(errors.end(), more.begin(), more.end());
+            return errors;
         }
     }
     return {"$.schema: has no rows"};
+}
+
+JsonSchemas::Errors JsonSchemas::CheckHeader(const Json& line, const std::string& file) {
+    Errors errors;
+    const Json header = line.value("header", Json::object());
+    for (const auto& [name, value] : header.items()) {
+        const Compiled* const schema = Find(file, "/properties/" + name);
+        const Errors more = schema == nullptr
+                                ? Errors{"$.header." + name + ": is not in the result"}
+                                : schema->Check(value);
+        errors.insert(errors.end(), more.begin(), more.end());
+    }
+    return errors;
 }
 
 }  // namespace support

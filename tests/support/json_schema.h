@@ -32,6 +32,9 @@ class JsonSchemas {
   private:
     class Compiled;
 
+    // The values of a `header`: members of the result that the schema file describes.
+    Errors CheckHeader(const Json& line, const std::string& file);
+
     // A schema file, or one member of it, compiled when first asked for; null: there is none.
     const Compiled* Find(const std::string& file, const std::string& member = {});
 

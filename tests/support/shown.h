@@ -4,6 +4,7 @@
 #include <string>
 
 #include "common/redaction.h"
+#include "common/flatten.h"
 #include "common/render.h"
 
 namespace support {

@@ -9,6 +9,7 @@
 #include "tools/common/command_line.h"
 #include "tools/common/completion.h"
 #include "tools/common/confirm.h"
+#include "tools/common/help.h"
 #include "tools/common/stop.h"
 #include "tools/common/text.h"
 
@@ -19,22 +20,34 @@ using std::chrono::milliseconds;
 
 constexpr const char* kShells[] = {"one", "two"};
 constexpr Argument kWatchArguments[] = {
-    {"--kind", ArgumentKind::Text, "K", "", false, true, kShells},
-    {"--count", ArgumentKind::Number, "N", "", false, false, {}, 1, 10},
+    {.name = "--kind", .valueName = "K", .repeated = true, .choices = kShells},
+    {.name = "--count", .kind = ArgumentKind::Number, .valueName = "N", .least = 1, .most = 10},
 };
-constexpr Argument kGetArguments[] = {{"NAME", ArgumentKind::Text, "", "", true}};
-constexpr Argument kExplainArguments[] = {{"CODE", ArgumentKind::Text, "", "", true, true}};
-constexpr Argument kExtraOptions[] = {{"-p,--port", ArgumentKind::Text, "SEL", ""}};
+constexpr Argument kGetArguments[] = {{.name = "NAME", .required = true}};
+constexpr Argument kExplainArguments[] = {{.name = "CODE", .required = true, .repeated = true}};
+constexpr Argument kExtraOptions[] = {{.name = "-p,--port",
+                                       .valueName = "SEL",
+                                       .naming = Naming::Selection,
+                                       .source = {"port list", "scsi_port", "scsi:"}}};
 
 const Command kCommands[] = {
-    {"event watch", Risk::Reads, "", "t.event.watch", kWatchArguments, nullptr},
-    {"event watch stop", Risk::Reversible, "", "t.event.stop", {}, nullptr},
-    {"param get", Risk::Reads, "", "t.param.get", kGetArguments, nullptr},
-    {"explain", Risk::Reads, "", "t.explain", kExplainArguments, nullptr},
-    {"version", Risk::Reads, "", "t.version", {}, nullptr},
-    {"inner", Risk::Reads, "", "t.inner", {}, nullptr, true},
+    {"event watch", Risk::Reads, "print events", "event.watch", kWatchArguments, nullptr,
+     "event watch --count 3"},
+    {"event watch stop", Risk::InterruptsIo, "", "event.stop", {}, nullptr, "event watch stop"},
+    {"param get", Risk::Reads, "", "param.get", kGetArguments, nullptr, "param get x", nullptr,
+     [] { return std::string("Names: a, b."); }},
+    {"explain", Risk::Reads, "", "explain", kExplainArguments, nullptr, "explain exit 5"},
+    {"version", Risk::Reads, "", "version", {}, nullptr, "version"},
+    {.path = "inner", .risk = Risk::Reads, .help = "", .schema = "inner", .hidden = true},
 };
-const Tool kTool{"t", "1.0.0", "", kCommands, {}, kExtraOptions, nullptr, nullptr};
+constexpr HelpTopic kTopics[] = {{"own", "", [] { return std::string("own text"); }}};
+const Tool kTool{.name = "t",
+                 .version = "1.0.0",
+                 .summary = "",
+                 .commands = kCommands,
+                 .groups = {},
+                 .options = kExtraOptions,
+                 .topics = kTopics};
 
 CommandLine Parse(const std::string& words) {
     return ParseCommandLine(kTool, words.empty() ? std::vector<std::string>() : Split(words, ' '));
@@ -111,7 +124,77 @@ TEST(ToolsCommandLine, MistakesAreErrorsOfTheirCommand) {
         EXPECT_NE(line.hint, "") << row.words;
         EXPECT_STREQ(line.command == nullptr ? nullptr : line.command->path, row.path) << row.words;
     }
-    EXPECT_TRUE(support::Has(Parse("event wtch").error, "wtch"));
+}
+
+TEST(ToolsCommandLine, MistypedWordsTellWhatWasMeant) {
+    const struct {
+        const char* words;
+        const char* named;
+        const char* meant;  // null: nothing is near
+    } kRows[] = {
+        {"evnt watch", "\"evnt\"", "`event`"},
+        {"vesrion", "\"vesrion\"", "`version`"},
+        {"ver", "\"ver\"", "`version`"},
+        {"event wtch", "\"event wtch\"", "`event watch`"},
+        {"get x", "\"get\"", "`param get`"},
+        {"zzz", "\"zzz\"", nullptr},
+        {"inne", "\"inne\"", nullptr},  // hidden
+        {"version --jsn", "--jsn", "`--json`"},
+        {"event watch --cuont=3", "--cuont=3", "`--count`"},
+        {"version --cuont=3", "--cuont=3", nullptr},
+    };
+    for (const auto& row : kRows) {
+        const CommandLine line = Parse(row.words);
+        EXPECT_NE(line.error.find(row.named), std::string::npos) << line.error;
+        EXPECT_EQ(line.hint.find("did you mean") == 0, row.meant != nullptr) << line.hint;
+        EXPECT_NE(line.hint.find(row.meant == nullptr ? "help" : row.meant), std::string::npos)
+            << line.hint;
+    }
+}
+
+TEST(ToolsCommandLine, SecretsAreFoundInWhateverStands) {
+    for (const char* words : {"version -p ABC", "version --port=ABC", "version -pABC", "zzz -p ABC",
+                              "zzz --bogus -pABC", "event watch --count x --confirm ABC",
+                              "event watch -p ABC --count"}) {
+        EXPECT_EQ(Parse(words).secrets, std::vector<std::string>{"ABC"}) << words;
+    }
+    EXPECT_TRUE(Parse("version -p 3").secrets.empty());
+    EXPECT_TRUE(Parse("version -p serial:X").secrets.empty());
+    EXPECT_EQ(Parse("version --confirm 3").secrets.size(), 1u);
+    EXPECT_TRUE(Parse("zzz --redact --bogus").options.Has("redact"));
+}
+
+TEST(ToolsHelp, TellsOfEveryCommandAndTopic) {
+    const std::string watch = HelpText(kTool, "event watch").value();
+    for (const char* part : {"t event watch [--kind K]... [--count N]", "print events", "one, two",
+                             "1 to 10", "Risk 0", "t event watch --count 3", "event watch stop",
+                             "-p, --port SEL", "--timeout S"}) {
+        EXPECT_NE(watch.find(part), std::string::npos) << part << "\n" << watch;
+    }
+    EXPECT_NE(HelpText(kTool, "event watch stop").value().find("y/N"), std::string::npos);
+    EXPECT_NE(HelpText(kTool, "param get").value().find("Names: a, b."), std::string::npos);
+    EXPECT_EQ(HelpText(kTool, "own"), "own text");
+    for (const char* topic : {"", "event", "exit", "output", "risk"}) {
+        EXPECT_TRUE(HelpText(kTool, topic).has_value()) << topic;
+    }
+    for (const char* none : {"zzz", "event zzz", "even", "event watch zzz"}) {
+        EXPECT_FALSE(HelpText(kTool, none).has_value()) << none;
+    }
+    EXPECT_EQ(HelpText(kTool, "").value().find("inner"), std::string::npos);
+    EXPECT_NE(MarkdownReference(kTool).find("#### `event watch stop`"), std::string::npos);
+    EXPECT_EQ(MarkdownReference(kTool).find("inner"), std::string::npos);
+}
+
+TEST(ToolsHelp, ExamplesHaveToParse) {
+    EXPECT_EQ(WrongExamples(kTool), std::vector<std::string>());
+    for (const char* example : {"", "event watch", "version --bogus", "version -o yaml"}) {
+        Command wrong = kCommands[4];
+        wrong.example = example;
+        Tool tool = kTool;
+        const Command commands[] = {kCommands[0], wrong};
+        tool.commands = commands;
+        EXPECT_EQ(WrongExamples(tool).size(), 1u) << example;
+    }
 }
 
 TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
@@ -120,6 +203,8 @@ TEST(ToolsCommandLine, ErrorsGoWhereTheResultWouldHaveGone) {
     EXPECT_EQ(Parse("-ojson nonsense").mode, OutputMode::Json);
     EXPECT_EQ(Parse("nonsense --output=csv --out f.txt").out, "f.txt");
     EXPECT_EQ(Parse("nonsense -o").mode, OutputMode::Text);
+    EXPECT_EQ(Parse("nonsense -o json --out f.txt --count").out, "f.txt");
+    EXPECT_EQ(Parse("event watch --json --count").mode, OutputMode::Json);
     EXPECT_NE(Parse("event watch --help --json").help, "");
     EXPECT_EQ(Parse("event watch --help --json").error, "");
 }
@@ -132,8 +217,13 @@ TEST(ToolsCompletion, OffersEveryCommandAndOption) {
     for (const char* word : {"--kind", "--count", "--port", "-p", "--json", "-o", "--output"}) {
         EXPECT_TRUE(next.at("event watch").contains(word)) << word;
     }
-    EXPECT_TRUE(support::Has(BashCompletion(kTool), "[':event']='"));
-    EXPECT_TRUE(support::Has(PowerShellCompletion(kTool), "'event watch' = @("));
+    const auto values = ValuesOf(kTool).rows;
+    EXPECT_TRUE(values.at("-o").choices.contains("jsonl"));
+    EXPECT_TRUE(values.at("event watch --kind").choices.contains("two"));
+    EXPECT_STREQ(values.at("-p").source.column, "scsi_port");
+    EXPECT_FALSE(values.contains("--json"));
+    EXPECT_NE(BashCompletion(kTool).find("[':event']='"), std::string::npos);
+    EXPECT_NE(PowerShellCompletion(kTool).find("'event watch' = @("), std::string::npos);
 }
 
 TEST(ToolsConfirm, EachRiskAsksItsQuestion) {

@@ -8,7 +8,9 @@
 #include "hxstatus.h"
 #include "support/has.h"
 #include "support/json_schema.h"
+#include "tools/common/csv.h"
 #include "tools/common/exit_codes.h"
+#include "tools/common/fields.h"
 #include "tools/common/json_document.h"
 #include "tools/common/redaction.h"
 #include "tools/common/render.h"
@@ -214,11 +216,125 @@ TEST(ToolsRender, CsvFollowsRfc4180) {
     EXPECT_EQ(CsvCell(""), "");
 
     Redactor open(false);
-    const RenderStyle style{false, &open};
-    EXPECT_EQ(RenderCsv(ListOf({Row("a,b", Value::Number(8, "Gbit/s")), Row("c", {})}), style),
+    EXPECT_EQ(RenderCsv(ListOf({Row("a,b", Value::Number(8, "Gbit/s")), Row("c", {})}), open),
               "name,secret,link_speed\r\n\"a,b\",S-1,8\r\nc,S-1,\r\n");
     // A reader relies on the header even when there is nothing to list.
-    EXPECT_EQ(RenderCsv(ListOf({}), style), "name,secret,link_speed\r\n");
+    EXPECT_EQ(RenderCsv(ListOf({}), open), "name,secret,link_speed\r\n");
+    // What stands beside the list is in each line, unless the line has its own.
+    Record result = ListOf({Row("a", {}), Row("b", {})});
+    result.Add("bank", "Bank", Value::Text("first")).Add("name", "", Value::Text("other"));
+    EXPECT_EQ(RenderCsv(result, open),
+              "name,secret,link_speed,bank\r\na,S-1,,first\r\nb,S-1,,first\r\n");
+}
+
+TEST(ToolsRender, ListsInsideAnObjectAreCarriedOn) {
+    const auto reading = [](const char* quantity, Value value) {
+        Record row;
+        row.Add("quantity", "", Value::Text(quantity), "QUANTITY");
+        row.Add("value", "", std::move(value), "VALUE");
+        return row;
+    };
+    const auto module = [&](const char* name, std::vector<Record> readings) {
+        Record row;
+        row.Add("name", "Name", Value::Text(name), "NAME");
+        Field& list = row.AddList("readings", "", ListLayout::Table, reading("", {}), "",
+                                  std::move(readings));
+        list.spreadBy = "quantity";
+        list.prototype = {reading("heat", {}), reading("power", {})};
+        return row;
+    };
+    Record result;
+    result.Add("bank", "Bank", Value::Text("first")).Add("hidden", "", Value());
+    result.AddList("modules", "", ListLayout::Sections, module("", {}), "",
+                   {module("a", {reading("power", Value::Number(7))}), module("b", {})});
+    Redactor open(false);
+    EXPECT_EQ(RenderCsv(result, open),
+              "name,readings_heat_value,readings_power_value,bank,hidden\r\n"
+              "a,,7,first,\r\nb,,,first,\r\n");
+    EXPECT_EQ(RenderTable(result, {false, &open}),
+              "FIELD  VALUE\nbank   first\n\nNAME\na\nb\n\n"
+              "NAME  QUANTITY  VALUE\na     power         7\n");
+}
+
+TEST(ToolsRender, TablesShortenThemselvesToTheConsole) {
+    Redactor open(false);
+    Record prototype;
+    prototype.Add("name", "", {}, "NAME").Add("count", "", {}, "A LONG HEADING");
+    prototype.Add("wwn", "", {}, "PORT").Add("about", "", {}, "ABOUT");
+    Record row;
+    row.Add("name", "", Value::Text("\xc3\xa4 name of some length"));
+    row.Add("count", "", Value::Number(1234567));
+    row.Add("wwn", "", Value::Name(Name("2100000e1e000001")));
+    row.Add("about", "", Value::Text("to 21:00:00:0e:1e:00:00:02 at last"));
+    Record result;
+    result.AddList("rows", "", ListLayout::Table, prototype, "", {row});
+    const auto lines = [&](size_t width) {
+        std::vector<std::string> all = Split(RenderText(result, {false, &open, width}), '\n');
+        all.pop_back();
+        return all;
+    };
+    size_t natural = 0;
+    for (const std::string& line : lines(0)) {
+        natural = std::max(natural, DisplayWidth(line));
+    }
+    for (size_t width = 46; width < natural + 4; ++width) {
+        for (const std::string& line : lines(width)) {
+            EXPECT_LE(DisplayWidth(line), width) << line;
+        }
+        const std::string cells = lines(width).at(1);
+        EXPECT_NE(cells.find("1234567"), std::string::npos) << cells;
+        EXPECT_NE(cells.find("21:00:00:0e:1e:00:00:01"), std::string::npos) << cells;
+        const size_t second = cells.find("to ");
+        if (second != std::string::npos && cells.find("00:02", second) == std::string::npos) {
+            EXPECT_EQ(cells.find("21", second), std::string::npos) << "cut in two: " << cells;
+        }
+    }
+    EXPECT_EQ(lines(natural), lines(0));
+    EXPECT_EQ(lines(5).size(), 2u);  // does not fit at all: as narrow as it gets
+}
+
+// A table gives the record, the columns of an empty list and the schema, which agree.
+TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
+    struct Part {
+        uint64_t frames;
+    };
+    struct Whole {
+        std::string name;
+        std::optional<uint32_t> speed;
+        const Part* part;
+        std::vector<Part> parts;
+    };
+    static constexpr const char* kNames[] = {"one", "two"};
+    static const Fields<Part> kPart = {{"frames", "Frames", "FRAMES", kCounter, &Part::frames}};
+    static const Fields<Whole> kWhole = {
+        {"name", "Name", "NAME", Choice(kNames), &Whole::name},
+        {"speed", "Speed", Integer("Gbit/s").OrNull(), &Whole::speed},
+        {"note", "", kText.OrAbsent(), [](const Whole&) { return std::string(); }},
+        {"part", "Part", kPart, &Whole::part},
+        {"maybe", "Part", kPart, &Whole::part, "", kGroup.OrNull()},
+        {"parts", "Parts", kPart, &Whole::parts},
+    };
+    const auto schema = nlohmann::json::parse(SchemaText("t.whole", "Whole", kWhole.ShapeOfAll()));
+    const auto document = [](const Whole& whole) {
+        const Record record = kWhole.Make(whole);
+        Envelope envelope;
+        envelope.result = &record;
+        Redactor open(false);
+        return nlohmann::json::parse(EnvelopeDocument(envelope, open))["result"];
+    };
+    const Part part{UINT64_MAX};
+    for (const Whole& whole :
+         {Whole{"one", 8, &part, {part, {1}}}, Whole{"two", std::nullopt, nullptr, {}}}) {
+        EXPECT_EQ(Lines(support::JsonSchemas::CheckAgainst(document(whole), schema)), "");
+    }
+    EXPECT_FALSE(
+        support::JsonSchemas::CheckAgainst(document({"three", 8, nullptr, {}}), schema).empty());
+    EXPECT_EQ(document({"two", 8, nullptr, {}}).size(), 4u);
+    EXPECT_TRUE(document({"two", 8, nullptr, {}})["maybe"].is_null());
+    EXPECT_EQ(schema["$id"], "t.whole.json");
+    // Every key and no other.
+    EXPECT_EQ(kWhole.Prototype().Fields().size(), 6u);
+    EXPECT_EQ(schema["required"].size(), 4u);
 }
 
 TEST(ToolsRender, TablesAlignWhatIsSeen) {
@@ -333,10 +449,19 @@ TEST(ToolsDocument, JsonLinesDoNotRepeatTheRows) {
     Envelope envelope;
     envelope.result = &result;
     Redactor open(false);
-    EXPECT_TRUE(nlohmann::json::parse(EnvelopeLine(envelope, 1, open))["result"].is_null());
-    EXPECT_EQ(RowLine("s", result.MainList()->records.front(), open),
+    using nlohmann::json;
+    EXPECT_TRUE(json::parse(EnvelopeLine(envelope, 1, open))["result"].is_null());
+    EXPECT_FALSE(json::parse(EnvelopeLine(envelope, 1, open)).contains("header"));
+    EXPECT_EQ(RowLine("s", result.MainList()->records.front(), result, open),
               "{\"schema\":\"s\",\"row\":{\"name\":\"a\",\"secret\":\"S-1\","
               "\"link\":{\"speed\":null}}}\n");
+    // A reader of one line has what stands beside the rows; of the last one, other lists too.
+    result.Add("bank", "", Value::Text("first"));
+    result.AddList("steps", "", ListLayout::Table, Row("", {}), "", {});
+    EXPECT_EQ(json::parse(RowLine("s", result, result, open))["header"],
+              json::parse(R"({"bank":"first"})"));
+    EXPECT_EQ(json::parse(EnvelopeLine(envelope, 1, open))["header"],
+              json::parse(R"({"bank":"first","steps":[]})"));
     Record plain;
     plain.Add("name", "", Value::Text("x"));
     envelope.result = &plain;
@@ -363,7 +488,7 @@ TEST(ToolsDocument, SchemaValidatorSeesFaults) {
         EXPECT_EQ(Lines(schemas.CheckAgainst(json::parse(row.good), schema)), "") << row.schema;
         EXPECT_FALSE(schemas.CheckAgainst(json::parse(row.bad), schema).empty()) << row.schema;
     }
-    EXPECT_FALSE(schemas.Check(json::object(), "vxemu.version.json").empty()) << "by reference";
+    EXPECT_FALSE(schemas.Check(json::object(), "vxemu.version.json").empty());
     EXPECT_FALSE(schemas.Check(json::object(), "none.json").empty());
     EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"$ref":"none.json"})")).empty());
     EXPECT_FALSE(schemas.CheckRow(json::parse(R"({"schema":"vxmgr.version","row":{}})")).empty());

@@ -63,6 +63,13 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
         {"explain exit 12 --json", "vxmgr.explain", 3},
         {"explain 4294967296 --json", "vxmgr.explain", 3},
         {"explain exit 1 2 --json", "vxmgr.explain", 2},
+        {"help --json", "vxmgr.help", 0},
+        {"help port stats --json", "vxmgr.help", 0},
+        {"help --markdown --json", "vxmgr.help", 0},
+        {"help port stts --json", "vxmgr.help", 2},
+        {"schema vxmgr.explain --json", "vxmgr.schema", 0},
+        {"schema vxmgr.nothing --json", "vxmgr.schema", 3},
+        {"schema envelope --folder x --json", "vxmgr.schema", 2},
         {"completion bash --json", "vxmgr.completion", 0},
         {"completion csh --json", "vxmgr.completion", 2},
         {"port list --json -p wwn:21:00", "vxmgr.port.list", 2},
@@ -197,11 +204,25 @@ TEST_F(VxmgrTest, ResultAndDiagnosticsTakeTheirOwnWays) {
     EXPECT_EQ(lost["exit"], 3);
 }
 
+TEST_F(VxmgrTest, BothToolsDescribeThemselves) {
+    for (const std::string program : {"vxmgr.exe", "vxemu.exe"}) {
+        // Fails when an example does not parse.
+        const Ended reference = support::Run(program, "help --markdown");
+        EXPECT_EQ(reference.exit, 0u) << reference.err;
+        EXPECT_NE(reference.out.find("Example: `"), std::string::npos);
+        EXPECT_EQ(support::Run(program, "schema envelope").out,
+                  support::TextOfFile(VXMGMT_SOURCE_FOLDER "/docs/schemas/envelope.json"));
+        const Ended mistyped = support::Run(program, "exlpain 5");
+        EXPECT_EQ(mistyped.exit, 2u);
+        EXPECT_NE(mistyped.err.find("did you mean `explain`?"), std::string::npos) << mistyped.err;
+    }
+}
+
 TEST_F(VxmgrTest, RedactedErrorsNameNobody) {
     for (const char* arguments : {"port list --redact --json -p serial:EMU7740A0001X",
                                   "port list --redact --json -p EMU7740A0001X",
                                   "port list --redact --json --port=EMU7740A0001X",
-                                  "port list --redact --json --bogus -p EMU7740A0001X",
+                                  "port list --redact --json --bogus -pEMU7740A0001X",
                                   "port list --redact --json --confirm EMU7740A0001X -p 63"}) {
         const Ended ended = RunVxmgr(arguments);
         EXPECT_EQ(ended.out.find("0001X"), std::string::npos) << arguments << "\n" << ended.out;

@@ -1,7 +1,11 @@
+// help, explain, schema, completion, version.
 #include "builtin_commands.h"
 
 #include "completion.h"
+#include "fields.h"
+#include "help.h"
 #include "invocation.h"
+#include "schema_command.h"
 #include "status_codes.h"
 #include "text.h"
 
@@ -10,53 +14,157 @@ namespace {
 
 constexpr const char* kShells[] = {"powershell", "bash"};
 
+constexpr Argument kHelpArguments[] = {
+    {.name = "TOPIC", .help = "a command, a group of commands or a topic", .repeated = true},
+    {"--markdown", ArgumentKind::Flag, "", "the reference of all commands, in Markdown"},
+};
 constexpr Argument kExplainArguments[] = {
-    {"CODE", ArgumentKind::Text, "", "a status (0x20000067, 170, DEVICE_BUSY), or: exit [N]", true,
-     true},
+    {.name = "CODE",
+     .help = "a status (0x20000067, 170, DEVICE_BUSY), or: exit [N]",
+     .required = true,
+     .repeated = true},
 };
-
 constexpr Argument kCompletionArguments[] = {
-    {"SHELL", ArgumentKind::Text, "", "powershell or bash", true, false, kShells},
+    {.name = "SHELL", .help = "powershell or bash", .required = true, .choices = kShells},
 };
 
-Record ExitRow(const ExitCodeRow& row) {
-    Record record;
-    record.Add("code", "Exit code", Value::Number(static_cast<uint64_t>(Number(row.code))), "CODE");
-    record.Add("name", "Name", Value::Text(row.name), "NAME");
-    record.Add("meaning", "Meaning", Value::Text(row.meaning), "MEANING");
-    record.Add("advice", "What to do", Value::TextOrNull(row.advice));
-    return record;
+const Fields<std::string>& HelpFields() {
+    static const Fields<std::string> kFields = {
+        FieldRow<std::string>::Raw("help", kText, [](const std::string& text) { return text; }),
+    };
+    return kFields;
 }
 
-void AddExitCodes(Record& result, std::vector<Record> rows, ListLayout layout) {
-    result.AddList("exit_codes", "Exit codes", layout, ExitRow(ExitCodes().front()), "",
-                   std::move(rows));
-}
-
-ExitCode ExplainExit(Invocation& invocation, const std::vector<std::string>& words) {
-    std::vector<Record> rows;
-    if (words.size() == 1) {
-        for (const ExitCodeRow& row : ExitCodes()) {
-            rows.push_back(ExitRow(row));
+ExitCode RunHelp(Invocation& invocation) {
+    const Tool& tool = invocation.OwnTool();
+    if (invocation.Given().Has("markdown")) {
+        // What the manual shows is what a reader tries.
+        for (const std::string& wrong : WrongExamples(tool)) {
+            invocation.Fail(ExitCode::Internal, "the example of " + wrong);
         }
-    } else {
-        const auto number = ParseNumber(words[1]);
-        const ExitCodeRow* row =
-            number && *number <= 255 ? FindExitCode(static_cast<int>(*number)) : nullptr;
-        if (row == nullptr) {
-            invocation.Fail(ExitCode::NotFound, "no exit code \"" + words[1] + "\"",
-                            "`explain exit` lists them all");
-        }
-        rows.push_back(ExitRow(*row));
+        invocation.Result() = HelpFields().Make(MarkdownReference(tool));
+        return ExitCode::Done;
     }
-    invocation.Result().Add("status", "", Value());
-    const ListLayout layout = rows.size() == 1 ? ListLayout::Sections : ListLayout::Table;
-    AddExitCodes(invocation.Result(), std::move(rows), layout);
+    std::string topic;
+    std::string known;
+    for (const std::string& word : invocation.Given().All("TOPIC")) {
+        known = topic;
+        topic += (topic.empty() ? "" : " ") + word;
+        if (!HelpText(tool, topic)) {
+            std::string meant = DidYouMean(tool, known, word);
+            if (const std::string near = Nearest(word, TopicNames(tool)); meant.empty()) {
+                meant = near.empty() ? "" : "did you mean `help " + near + "`?";
+            }
+            invocation.Fail(ExitCode::Usage, "no command or topic \"" + topic + "\"",
+                            meant.empty() ? "`help` lists them" : meant);
+        }
+    }
+    invocation.Result() = HelpFields().Make(HelpText(tool, topic).value_or(""));
     return ExitCode::Done;
 }
 
-ExitCode ExplainStatus(Invocation& invocation, const std::string& word) {
-    constexpr const char* kOrigins[] = {"success", "windows", "library"};
+struct Version {
+    const char* name;
+    const char* tool;
+    std::string library;  // empty: the tool uses none
+};
+
+const Fields<Version>& VersionFields(bool withLibrary) {
+    const auto make = [](const char* label) {
+        return Fields<Version>{
+            {"name", "Tool", kText, &Version::name},
+            {"tool", "Version", kText, &Version::tool},
+            {"library", label, kText.OrNull(), &Version::library},
+        };
+    };
+    static const Fields<Version> kWithLibrary = make("Library");
+    static const Fields<Version> kWithout = make("");
+    return withLibrary ? kWithLibrary : kWithout;
+}
+
+ExitCode RunVersion(Invocation& invocation) {
+    const Tool& tool = invocation.OwnTool();
+    const bool withLibrary = tool.libraryVersion != nullptr;
+    invocation.Result() =
+        VersionFields(withLibrary)
+            .Make({tool.name, tool.version, withLibrary ? tool.libraryVersion() : std::string()});
+    return ExitCode::Done;
+}
+
+struct StatusMeaning {
+    uint32_t code;
+    std::string text;
+
+    const char* Origin() const;
+};
+
+constexpr const char* kOrigins[] = {"success", "windows", "library"};
+
+const char* StatusMeaning::Origin() const {
+    return kOrigins[static_cast<size_t>(KindOf(code))];
+}
+
+const Fields<StatusMeaning>& StatusFields() {
+    static const Fields<StatusMeaning> kFields = {
+        {"code", "Status", kText, [](const StatusMeaning& s) { return StatusText(s.code); }},
+        {"name", "Name", kText, [](const StatusMeaning& s) { return StatusName(s.code); }},
+        {"text", "Text", kText, &StatusMeaning::text},
+        {"origin", "Origin", Choice(kOrigins), &StatusMeaning::Origin},
+        {"hint", "Hint", kText.OrNull(), [](const StatusMeaning& s) { return HintOf(s.code); }},
+    };
+    return kFields;
+}
+
+const Fields<ExitCodeRow>& ExitCodeFields() {
+    static const Fields<ExitCodeRow> kFields = {
+        {"code", "Exit code", "CODE", kInteger,
+         [](const ExitCodeRow& row) { return Number(row.code); }},
+        {"name", "Name", "NAME", kText, &ExitCodeRow::name},
+        {"meaning", "Meaning", "MEANING", kText, &ExitCodeRow::meaning},
+        {"advice", "What to do", "WHAT TO DO", kText.OrNull(), &ExitCodeRow::advice},
+    };
+    return kFields;
+}
+
+struct Explanation {
+    std::optional<StatusMeaning> status;
+    std::vector<const ExitCodeRow*> exits;
+
+    const StatusMeaning* Status() const { return status ? &*status : nullptr; }
+};
+
+const Fields<Explanation>& ExplanationFields(ListLayout layout) {
+    const auto make = [](ListLayout exits) {
+        return Fields<Explanation>{
+            {"status", "Status", StatusFields(), &Explanation::Status, "", kGroup.OrNull()},
+            {"exit_codes", "Exit codes", ExitCodeFields(), &Explanation::exits, exits},
+        };
+    };
+    static const Fields<Explanation> kTable = make(ListLayout::Table);
+    static const Fields<Explanation> kSections = make(ListLayout::Sections);
+    return layout == ListLayout::Table ? kTable : kSections;
+}
+
+Explanation ExplainExit(Invocation& invocation, const std::vector<std::string>& words) {
+    Explanation explanation;
+    if (words.size() == 1) {
+        for (const ExitCodeRow& row : ExitCodes()) {
+            explanation.exits.push_back(&row);
+        }
+        return explanation;
+    }
+    const auto number = ParseNumber(words[1]);
+    const ExitCodeRow* row =
+        number && *number <= 255 ? FindExitCode(static_cast<int>(*number)) : nullptr;
+    if (row == nullptr) {
+        invocation.Fail(ExitCode::NotFound, "no exit code \"" + words[1] + "\"",
+                        "`explain exit` lists them all");
+    }
+    explanation.exits.push_back(row);
+    return explanation;
+}
+
+Explanation ExplainStatus(Invocation& invocation, const std::string& word) {
     uint32_t status = 0;
     const auto number = ParseNumber(word);
     if (number && *number <= UINT32_MAX) {
@@ -65,32 +173,8 @@ ExitCode ExplainStatus(Invocation& invocation, const std::string& word) {
         invocation.Fail(ExitCode::NotFound, "no status \"" + word + "\"",
                         "a status is a 32-bit number or a name such as DEVICE_BUSY");
     }
-    Record record;
-    record.Add("code", "Status", Value::Text(StatusText(status)));
-    record.Add("name", "Name", Value::Text(StatusName(status)));
-    record.Add("text", "Text", Value::Text(invocation.OwnTool().statusText(status)));
-    record.Add("origin", "Origin", Value::Text(kOrigins[static_cast<int>(KindOf(status))]));
-    record.Add("hint", "Hint", Value::TextOrNull(HintOf(status)));
-    invocation.Result().AddGroup("status", "Status", std::move(record));
-    AddExitCodes(invocation.Result(), {ExitRow(*FindExitCode(Number(ExitCodeOf(status))))},
-                 ListLayout::Sections);
-    return ExitCode::Done;
-}
-
-}  // namespace
-
-ExitCode RunVersion(Invocation& invocation) {
-    const Tool& tool = invocation.OwnTool();
-    Record& result = invocation.Result();
-    result.Add("name", "Tool", Value::Text(tool.name));
-    result.Add("tool", "Version", Value::Text(tool.version));
-    result.Add("library", tool.libraryVersion == nullptr ? "" : "Library",
-               tool.libraryVersion == nullptr ? Value() : Value::Text(tool.libraryVersion()));
-    return ExitCode::Done;
-}
-
-std::span<const Argument> ExplainArguments() {
-    return kExplainArguments;
+    return {StatusMeaning{status, invocation.OwnTool().statusText(status)},
+            {FindExitCode(Number(ExitCodeOf(status)))}};
 }
 
 ExitCode RunExplain(Invocation& invocation) {
@@ -99,20 +183,60 @@ ExitCode RunExplain(Invocation& invocation) {
     if (words.size() > (exit ? 2u : 1u)) {
         invocation.Fail(ExitCode::Usage, "one code at a time", "explain CODE | explain exit [N]");
     }
-    return exit ? ExplainExit(invocation, words) : ExplainStatus(invocation, words.front());
+    const Explanation explanation =
+        exit ? ExplainExit(invocation, words) : ExplainStatus(invocation, words.front());
+    const bool several = explanation.exits.size() > 1;
+    invocation.Result() =
+        ExplanationFields(several ? ListLayout::Table : ListLayout::Sections).Make(explanation);
+    return ExitCode::Done;
 }
 
-std::span<const Argument> CompletionArguments() {
-    return kCompletionArguments;
+struct Completion {
+    std::string shell;
+    std::string script;
+};
+
+const Fields<Completion>& CompletionFields() {
+    static const Fields<Completion> kFields = {
+        {"shell", "", Choice(kShells), &Completion::shell},
+        FieldRow<Completion>::Raw("script", kText, &Completion::script),
+    };
+    return kFields;
 }
 
 ExitCode RunCompletion(Invocation& invocation) {
+    const Tool& tool = invocation.OwnTool();
     const std::string shell = invocation.Given().Text("SHELL");
-    Record& result = invocation.Result();
-    result.Add("shell", "", Value::Text(shell));
-    result.AddRaw("script", shell == "bash" ? BashCompletion(invocation.OwnTool())
-                                            : PowerShellCompletion(invocation.OwnTool()));
+    invocation.Result() = CompletionFields().Make(
+        {shell, shell == "bash" ? BashCompletion(tool) : PowerShellCompletion(tool)});
     return ExitCode::Done;
+}
+
+const Command kCommands[] = {
+    {"explain", Risk::Reads, "explain a status, or the exit codes", "explain", kExplainArguments,
+     RunExplain, "explain 0x20000067",
+     [] { return ExplanationFields(ListLayout::Table).ShapeOfAll(); }},
+    {"schema", Risk::Reads, "print the JSON Schemas of the documents", "schema", SchemaArguments(),
+     RunSchema, "schema envelope", SchemaShape},
+    {"help", Risk::Reads, "describe a command or a topic", "help", kHelpArguments, RunHelp,
+     "help exit", [] { return HelpFields().ShapeOfAll(); }},
+    {"completion", Risk::Reads, "print a completion script for a shell", "completion",
+     kCompletionArguments, RunCompletion, "completion powershell",
+     [] { return CompletionFields().ShapeOfAll(); }},
+    {"version",
+     Risk::Reads,
+     "print the versions of the tool and its library",
+     "version",
+     {},
+     RunVersion,
+     "version --json",
+     [] { return VersionFields(true).ShapeOfAll(); }},
+};
+
+}  // namespace
+
+std::span<const Command> BuiltinCommands() {
+    return kCommands;
 }
 
 }  // namespace tools

@@ -1,4 +1,4 @@
-// Commands that every tool has; a tool lists them as rows of its own table.
+// The commands that every tool has, for RunTool to put behind those of the tool.
 #pragma once
 
 #include <span>
@@ -7,13 +7,6 @@
 
 namespace tools {
 
-ExitCode RunVersion(Invocation& invocation);
-
-// "exit", "exit N", a status number or the name of a status.
-std::span<const Argument> ExplainArguments();
-ExitCode RunExplain(Invocation& invocation);
-
-std::span<const Argument> CompletionArguments();
-ExitCode RunCompletion(Invocation& invocation);
+std::span<const Command> BuiltinCommands();
 
 }  // namespace tools

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "exit_codes.h"
@@ -25,6 +26,21 @@ enum class Risk : uint8_t {
 
 enum class ArgumentKind : uint8_t { Flag, Text, Number };
 
+// Whom the value of an option may name: --redact masks it.
+enum class Naming : uint8_t {
+    Nobody,
+    Selection,  // an adapter or port, where it is no index, prefix or "all"
+    Serial,
+};
+
+// Where a shell's completion finds the values of an option: it runs the command and puts the prefix
+// before what stands in the column.
+struct ValueSource {
+    const char* command = nullptr;
+    const char* column = "";
+    const char* prefix = "";
+};
+
 // An option ("--count", "-p,--port") or, without a dash, a positional argument ("NAME").
 struct Argument {
     const char* name;
@@ -36,6 +52,8 @@ struct Argument {
     std::span<const char* const> choices = {};
     uint64_t least = 0;  // Number: the values accepted
     uint64_t most = UINT32_MAX;
+    Naming naming = Naming::Nobody;
+    ValueSource source = {};  // what completion offers, beside the choices
 
     bool IsPositional() const { return name[0] != '-'; }
 };
@@ -44,19 +62,27 @@ struct Command {
     const char* path;  // words as they are typed: "driver param get"
     Risk risk;
     const char* help;
-    const char* schema;  // name of the result's schema
-    std::span<const Argument> arguments;
-    ExitCode (*run)(Invocation&);
+    const char* schema;  // name of the result's schema behind the tool's: "driver.param.get"
+    std::span<const Argument> arguments = {};
+    ExitCode (*run)(Invocation&) = nullptr;
+    const char* example = "";          // what may follow the tool's name: "port stats -p scsi:3"
+    Shape (*result)() = nullptr;       // the fields of the result, for its schema
+    std::string (*notes)() = nullptr;  // what its help says beside the options
     bool hidden = false;
-    const char* example = "";     // what may follow the tool's name: "port stats -p scsi:3"
-    Shape (*result)() = nullptr;  // the fields of the result, for its schema
 };
 
 // A document that commands read and write beside their results.
 struct Document {
-    const char* schema;
+    const char* schema;  // as of a command
     const char* title;
     Shape (*shape)();
+};
+
+// A matter that `help` explains beside the commands.
+struct HelpTopic {
+    const char* name;
+    const char* about;
+    std::string (*text)();
 };
 
 // What a group word ("driver param") is for.
@@ -71,21 +97,42 @@ struct Tool {
     const char* summary;
     std::span<const Command> commands;
     std::span<const CommandGroup> groups;
-    std::span<const Argument> options;         // global options beside the common ones
-    std::string (*libraryVersion)();           // null: the tool uses no library
-    std::string (*statusText)(uint32_t code);  // text of a status or Windows error code
+    std::span<const Argument> options = {};              // global options beside the common ones
+    std::string (*libraryVersion)() = nullptr;           // null: the tool uses no library
+    std::string (*statusText)(uint32_t code) = nullptr;  // text of a status or Windows error code
     std::span<const Document> documents = {};
     // The status to report for one that concerns the object: what stands behind it, where that is
     // known. Null: every status speaks for itself.
     uint32_t (*cause)(uint32_t status, const std::string& object) = nullptr;
     const char* dryRunNote =
         nullptr;  // said behind every dry run; null: the commands say it themselves
+    std::span<const HelpTopic> topics = {};  // beside those that every tool has
 };
 
 // The global options that every tool has.
 std::span<const Argument> CommonOptions();
 
-// Runs the tool with the process's own command line; the result is the process's exit code.
+// The option's long name without dashes, or the positional name.
+std::string NameOf(const Argument& argument);
+
+// The full name of a schema of the tool: "vxmgr.port.list".
+std::string SchemaName(const Tool& tool, const char* schema);
+
+// Null when the path is none, or only that of a group.
+const Command* FindCommand(const Tool& tool, std::string_view path);
+
+// What the path's group is for, or what its command does; empty when there is no such path.
+std::string AboutPath(const Tool& tool, std::string_view path);
+
+// The words that may follow a path: names of commands and groups, in the order of the table. The
+// empty path is the tool itself.
+std::vector<std::string> WordsBelow(const Tool& tool, std::string_view path);
+
+// "did you mean `port`?", or empty when nothing is like the words behind the path.
+std::string DidYouMean(const Tool& tool, std::string_view path, std::string_view word);
+
+// Runs the tool with the process's own command line, its commands and those that every tool has;
+// the result is the process's exit code.
 int RunTool(const Tool& tool);
 
 }  // namespace tools

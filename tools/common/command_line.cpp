@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <deque>
 
+#include "help.h"
 #include "text.h"
 
 namespace tools {
@@ -12,65 +13,41 @@ namespace {
 constexpr const char* kModeNames[] = {"text", "table", "csv", "json", "jsonl"};
 
 constexpr Argument kCommonOptions[] = {
-    {"-o,--output", ArgumentKind::Text, "MODE", "form of the result", false, false, kModeNames},
+    {.name = "-o,--output",
+     .valueName = "MODE",
+     .help = "form of the result (text)",
+     .choices = kModeNames},
     {"--json", ArgumentKind::Flag, "", "the same as -o json"},
     {"--out", ArgumentKind::Text, "FILE", "write the result to a file (- is stdout)"},
+    {"--wide", ArgumentKind::Flag, "", "tables as wide as they are, also on a console"},
     {"-q,--quiet", ArgumentKind::Flag, "", "no progress and no notes on stderr"},
     {"-v,--verbose", ArgumentKind::Flag, "", "more notes on stderr"},
-    {"--dry-run", ArgumentKind::Flag, "", "say what would be done, change nothing"},
+    {"--dry-run", ArgumentKind::Flag, "", "say what would be done, change nothing, ask nothing"},
     {"-y,--yes", ArgumentKind::Flag, "", "answer the question with yes"},
-    {"--confirm", ArgumentKind::Text, "SERIAL",
-     "with --yes: the serial number of the adapter meant, for commands of risk 3"},
-    {"--timeout",
-     ArgumentKind::Number,
-     "S",
-     "give up an answer, and the command, after S seconds (exit 7)",
-     false,
-     false,
-     {},
-     1,
-     86400},
+    {.name = "--confirm",
+     .valueName = "SERIAL",
+     .help = "with --yes: the serial number of the adapter meant, for commands of risk 3",
+     .naming = Naming::Serial},
+    {.name = "--timeout",
+     .kind = ArgumentKind::Number,
+     .valueName = "S",
+     .help =
+         "wait S seconds for every answer of a port (5), and end after S seconds with exit code 7, "
+         "even when a driver call does not return",
+     .least = 1,
+     .most = 86400},
     {"--no-color", ArgumentKind::Flag, "", "no colours (also with NO_COLOR, and off a console)"},
     {"--detailed-exitcode", ArgumentKind::Flag, "",
      "30 when nothing changed, 31 when a reset is pending"},
-    {"--redact", ArgumentKind::Flag, "", "mask world wide names and serial numbers"},
+    {"--redact", ArgumentKind::Flag, "",
+     "world wide names and serial numbers become wwn-1, serial-1, ..., the same name the same "
+     "throughout; bytes as they came are left out"},
 };
 
-std::optional<OutputMode> ModeOf(std::string_view name) {
-    for (size_t i = 0; i < std::size(kModeNames); ++i) {
-        if (name == kModeNames[i]) {
-            return static_cast<OutputMode>(i);
-        }
-    }
-    return std::nullopt;
-}
-
-// The value of an option among words that need not make sense.
-std::optional<std::string> ValueAmong(const std::vector<std::string>& words,
-                                      std::string_view shortName, std::string_view longName) {
-    for (size_t i = 0; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        if (word == longName || (!shortName.empty() && word == shortName)) {
-            if (i + 1 < words.size()) {
-                return words[i + 1];
-            }
-        } else if (word.starts_with(std::string(longName) + "=")) {
-            return word.substr(longName.size() + 1);
-        } else if (!shortName.empty() && !word.starts_with("--") && word.starts_with(shortName)) {
-            return word.substr(shortName.size());
-        }
-    }
-    return std::nullopt;
-}
-
-void GuessOutput(const std::vector<std::string>& words, CommandLine& line) {
-    if (const auto mode = ValueAmong(words, "-o", "--output")) {
-        line.mode = ModeOf(*mode).value_or(OutputMode::Text);
-    }
-    if (std::find(words.begin(), words.end(), "--json") != words.end()) {
-        line.mode = OutputMode::Json;
-    }
-    line.out = ValueAmong(words, "", "--out").value_or("");
+bool IsSecret(Naming naming, const std::string& value) {
+    const bool bare = value.find(':') == std::string::npos && value != "all" &&
+                      value.find_first_not_of("0123456789") != std::string::npos;
+    return naming == Naming::Serial ? !value.empty() : naming == Naming::Selection && bare;
 }
 
 // The parser of one tool: CLI11 fills the values, which are then checked and handed over.
@@ -81,14 +58,11 @@ class Parser {
         app_.allow_windows_style_options(false);
         app_.require_subcommand(1);
         app_.fallthrough();
-        app_.get_formatter()->column_width(34);
         app_.set_version_flag("--version", std::string(tool.name) + " " + tool.version);
         AddAll(app_, CommonOptions(), nullptr);
         AddAll(app_, tool.options, nullptr);
         for (const Command& command : tool.commands) {
             CLI::App* app = AppOf(command.path);
-            app->description(command.help);
-            app->group(command.hidden ? "" : "Commands");
             AddAll(*app, command.arguments, &command);
             commands_.emplace_back(app, &command);
         }
@@ -98,20 +72,18 @@ class Parser {
         std::reverse(words.begin(), words.end());
         try {
             app_.parse(words);
+            line.command = Chosen();
+            Check(line);
         } catch (const CLI::CallForHelp&) {
-            line.help = app_.help();
-            return;
+            line.help = HelpText(tool_, DeepestPath()).value_or("");
         } catch (const CLI::CallForVersion& version) {
             line.help = version.what() + std::string("\n");
-            return;
         } catch (const CLI::ParseError& error) {
             line.command = Chosen();
-            line.error = line.command == nullptr ? MissingCommand(error) : error.what();
-            line.hint = "see `" + DeepestPath() + " --help`";
-            return;
+            Refuse(line, line.command == nullptr ? "a command is missing" : error.what());
+            NameUnknownWord(line);
         }
-        line.command = Chosen();
-        Collect(line);
+        Take(line);
     }
 
   private:
@@ -119,7 +91,7 @@ class Parser {
         const Argument* argument;
         const Command* owner;  // null: every command has it
         CLI::Option* option;
-        std::vector<std::string> values;
+        std::vector<std::string> values = {};
         bool flag = false;
     };
 
@@ -128,12 +100,11 @@ class Parser {
         CLI::App* app = &app_;
         std::string sofar;
         for (const std::string& word : Split(path, ' ')) {
-            const bool needsNext = !IsCommand(sofar);
+            const bool needsNext = FindCommand(tool_, sofar) == nullptr;
             sofar += (sofar.empty() ? "" : " ") + word;
             CLI::App*& next = apps_[sofar];
             if (next == nullptr) {
-                next = app->add_subcommand(word, GroupHelp(sofar));
-                next->group("Commands");
+                next = app->add_subcommand(word);
             }
             if (app != &app_ && needsNext) {
                 app->require_subcommand(1);
@@ -143,33 +114,16 @@ class Parser {
         return app;
     }
 
-    // A command may have others below it: "stats" and "stats clear".
-    bool IsCommand(std::string_view path) const {
-        return std::any_of(tool_.commands.begin(), tool_.commands.end(),
-                           [path](const Command& command) { return path == command.path; });
-    }
-
-    std::string GroupHelp(std::string_view path) const {
-        for (const CommandGroup& group : tool_.groups) {
-            if (path == group.path) {
-                return group.help;
-            }
-        }
-        return {};
-    }
-
     void AddAll(CLI::App& app, std::span<const Argument> arguments, const Command* owner) {
         for (const Argument& argument : arguments) {
-            Slot& slot = slots_.emplace_back();
-            slot.argument = &argument;
-            slot.owner = owner;
+            slots_.push_back({&argument, owner, nullptr});
+            Slot& slot = slots_.back();
             if (argument.kind == ArgumentKind::Flag) {
                 slot.option = app.add_flag(argument.name, slot.flag, argument.help);
                 continue;
             }
             slot.option = app.add_option(argument.name, slot.values, argument.help);
             slot.option->required(argument.required)->allow_extra_args(argument.repeated);
-            slot.option->type_name(argument.valueName);
             if (argument.repeated && argument.IsPositional()) {
                 slot.option->expected(1, 64);
             } else {
@@ -190,24 +144,49 @@ class Parser {
         return nullptr;
     }
 
+    // The words of commands and groups that were understood.
     std::string DeepestPath() const {
-        std::string path = tool_.name;
+        std::string path;
         const CLI::App* app = &app_;
         while (!app->get_subcommands().empty()) {
             app = app->get_subcommands().front();
-            path += " " + app->get_name();
+            path += (path.empty() ? "" : " ") + app->get_name();
         }
         return path;
     }
 
-    // The parser only says that a command is missing; a mistyped one is among the words left over.
-    std::string MissingCommand(const CLI::ParseError& error) const {
+    void Refuse(CommandLine& line, const std::string& error) const {
+        const std::string path = DeepestPath();
+        line.error = error;
+        line.hint =
+            "see `" + std::string(tool_.name) + " help" + (path.empty() ? "" : " ") + path + "`";
+    }
+
+    // A mistyped command or option is among the words that the parser leaves over.
+    void NameUnknownWord(CommandLine& line) const {
+        const std::string path = DeepestPath();
         for (const std::string& word : app_.remaining(true)) {
+            std::string meant;
             if (!word.starts_with('-')) {
-                return "no command \"" + DeepestPath() + " " + word + "\"";
+                if (line.command != nullptr) {
+                    continue;
+                }
+                line.error = "no command \"" + path + (path.empty() ? "" : " ") + word + "\"";
+                meant = DidYouMean(tool_, path, word);
+            } else {
+                std::vector<std::string> names;
+                for (const Slot& slot : slots_) {
+                    const bool own = slot.owner == nullptr || slot.owner == line.command;
+                    if (own && !slot.argument->IsPositional()) {
+                        names.push_back("--" + NameOf(*slot.argument));
+                    }
+                }
+                const std::string nearest = Nearest(word.substr(0, word.find('=')), names);
+                meant = nearest.empty() ? "" : "did you mean `" + nearest + "`?";
             }
+            line.hint = meant.empty() ? line.hint : meant + " " + line.hint;
+            return;
         }
-        return error.get_name() == "RequiredError" ? "a command is missing" : error.what();
     }
 
     static std::string Complaint(const Argument& argument, const std::string& value) {
@@ -229,31 +208,56 @@ class Parser {
         return {};
     }
 
-    void Collect(CommandLine& line) {
+    // What the parser does not know: whose options they are, and what their values may be.
+    void Check(CommandLine& line) const {
         for (const Slot& slot : slots_) {
             if (slot.option->count() == 0) {
                 continue;
             }
             if (slot.owner != nullptr && slot.owner != line.command) {
-                line.error = NameOf(*slot.argument) + " belongs to \"" + slot.owner->path + "\"";
-                line.hint = "see `" + DeepestPath() + " --help`";
+                Refuse(line, NameOf(*slot.argument) + " belongs to \"" + slot.owner->path + "\"");
                 return;
             }
             for (const std::string& value : slot.values) {
                 const std::string wanted = Complaint(*slot.argument, value);
                 if (!wanted.empty()) {
-                    line.error = NameOf(*slot.argument) + ": \"" + value + "\" is not " + wanted;
-                    line.hint = "see `" + DeepestPath() + " --help`";
+                    Refuse(line, NameOf(*slot.argument) + ": \"" + value + "\" is not " + wanted);
                     return;
                 }
             }
-            line.options.Set(NameOf(*slot.argument), slot.values);
+        }
+    }
+
+    // What was given, in whatever way the parsing ended: an error is reported where the caller
+    // looks for the result, and names nobody with --redact.
+    void Take(CommandLine& line) const {
+        for (const Slot& slot : slots_) {
+            if (slot.option->count() == 0) {
+                continue;
+            }
+            const std::vector<std::string> values = slot.argument->kind == ArgumentKind::Flag
+                                                        ? std::vector<std::string>()
+                                                        : slot.option->results();
+            line.options.Set(NameOf(*slot.argument), values);
+            for (const std::string& value : values) {
+                if (IsSecret(slot.argument->naming, value)) {
+                    line.secrets.push_back(value);
+                }
+            }
         }
         const std::string mode = line.options.Text("output");
-        if (line.options.Has("json") && !mode.empty() && mode != "json") {
-            line.error = "--json and -o " + mode + " exclude each other";
-            line.hint = "give one of them";
+        const auto known = std::find(std::begin(kModeNames), std::end(kModeNames), mode);
+        if (known != std::end(kModeNames)) {
+            line.mode = static_cast<OutputMode>(known - std::begin(kModeNames));
         }
+        if (line.options.Has("json")) {
+            line.mode = OutputMode::Json;
+            if (line.error.empty() && !mode.empty() && mode != "json") {
+                line.error = "--json and -o " + mode + " exclude each other";
+                line.hint = "give one of them";
+            }
+        }
+        line.out = line.options.Text("out");
     }
 
     CLI::App app_;
@@ -289,15 +293,8 @@ void Options::Set(const std::string& name, std::vector<std::string> values) {
 
 CommandLine ParseCommandLine(const Tool& tool, const std::vector<std::string>& words) {
     CommandLine line;
-    GuessOutput(words, line);
     Parser(tool).Parse(words, line);
     return line;
-}
-
-std::string NameOf(const Argument& argument) {
-    std::string name(argument.name);
-    name = name.substr(name.rfind(',') + 1);
-    return name.substr(std::min(name.find_first_not_of('-'), name.size()));
 }
 
 }  // namespace tools

@@ -33,10 +33,11 @@ class Options {
 
 struct CommandLine {
     const Command* command = nullptr;  // null: help, or an error before a command was named
-    Options options;
+    Options options;                   // after an error: as far as they were understood
     OutputMode mode = OutputMode::Text;
-    std::string out;   // --out; empty or "-" is stdout
-    std::string help;  // the text to print when help was asked for
+    std::string out;                   // --out; empty or "-" is stdout
+    std::vector<std::string> secrets;  // serial numbers and bare names among the words
+    std::string help;                  // the text to print when help was asked for
     std::string error;
     std::string hint;  // what to try after an error
 };
@@ -44,8 +45,5 @@ struct CommandLine {
 // words: the command line without the program's name. Mode and out are found even when the rest is
 // wrong, so that an error is reported where the caller looks for the result.
 CommandLine ParseCommandLine(const Tool& tool, const std::vector<std::string>& words);
-
-// The option's long name without dashes, or the positional name.
-std::string NameOf(const Argument& argument);
 
 }  // namespace tools

@@ -18,6 +18,9 @@ bool HasEnvironment(const char* name);  // set and not empty
 // Lets the console of the stream show colours; false when it cannot.
 bool EnableColor(std::FILE* stream);
 
+// Cells of a line of the console that the stream is; 0 when it is none.
+size_t Width(std::FILE* stream);
+
 // Writes the bytes as they are, to a console as text. False when they did not all go out.
 bool Write(std::FILE* stream, const std::string& text);
 
@@ -35,6 +38,9 @@ std::string ToSystemCodePage(const std::string& text);
 
 // The system's text for a Windows error code, in UTF-8 and without a line end.
 std::string SystemErrorText(uint32_t code);
+
+// Makes the folder and those above it that are missing. Returns a Windows error code, or 0.
+uint32_t MakeFolder(const std::string& path);
 
 // Calls notify on a thread of its own when the user presses Ctrl-C or Ctrl-Break, or closes the
 // window, logs off or shuts down (closing). While notify runs for a closing, the process lives on,

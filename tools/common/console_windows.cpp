@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 
 #include "console.h"
 #include "status_codes.h"
@@ -83,6 +84,15 @@ bool EnableColor(std::FILE* stream) {
            SetConsoleMode(HandleOf(stream), mode | kVirtualTerminal) != FALSE;
 }
 
+size_t Width(std::FILE* stream) {
+    CONSOLE_SCREEN_BUFFER_INFO info;
+    if (!GetConsoleScreenBufferInfo(HandleOf(stream), &info) ||
+        info.srWindow.Right < info.srWindow.Left) {
+        return 0;
+    }
+    return static_cast<size_t>(info.srWindow.Right - info.srWindow.Left) + 1;
+}
+
 bool Write(std::FILE* stream, const std::string& text) {
     if (IsConsole(stream)) {
         const std::wstring wide = ToWide(text);
@@ -123,6 +133,12 @@ std::FILE* CreateForWriting(const std::string& path, uint32_t* error) {
         *error = ERROR_TOO_MANY_OPEN_FILES;
     }
     return stream;
+}
+
+uint32_t MakeFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::create_directories(ToWide(path), error);
+    return static_cast<uint32_t>(error.value());
 }
 
 std::string ToUtf8(const std::wstring& text) {

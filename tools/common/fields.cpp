@@ -7,14 +7,18 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kTypeNames[] = {"string", "integer", "boolean"};
+constexpr const char* kTypeNames[] = {"string", "integer", "boolean", "object"};
 
 Json ObjectOf(const Shape& shape);
 
-Json SchemaOf(const FieldType& type) {
+Json SchemaOf(FieldType type) {
     Json schema = Json::object();
-    if (!type.choices.empty()) {
-        schema["enum"] = type.choices;
+    if (type.array) {
+        type.array = false;
+        return {{"type", "array"}, {"items", SchemaOf(type)}};
+    }
+    if (!type.choices.empty() || !type.numbers.empty()) {
+        schema["enum"] = type.choices.empty() ? Json(type.numbers) : Json(type.choices);
         if (type.nullable) {
             schema["enum"].push_back(nullptr);
         }
@@ -34,6 +38,9 @@ Json SchemaOf(const FieldShape& field) {
             break;
         case FieldKind::Group:
             schema = ObjectOf(field.children);
+            if (field.type.nullable) {
+                schema["type"] = {"object", "null"};
+            }
             break;
         case FieldKind::List:
             schema["type"] = "array";

@@ -29,15 +29,17 @@ namespace tools {
 
 // What the values of a field are.
 struct FieldType {
-    enum class Base : uint8_t { Text, Integer, Flag };
+    enum class Base : uint8_t { Text, Integer, Flag, Object };
 
     Base base = Base::Text;
     bool nullable = false;  // null: not supported, or not known
     bool optional = false;  // where there is no value, the field is left out
     bool large = false;     // a number that may have more than 53 bits
+    bool array = false;     // any number of such values
     Secret secret = Secret::None;
     const char* unit = "";                      // of a number, for people
     std::span<const char* const> choices = {};  // of a text: all that it can be
+    std::span<const int> numbers = {};          // of a number: the same
 
     constexpr FieldType OrNull() const {
         FieldType type = *this;
@@ -55,6 +57,7 @@ inline constexpr FieldType kText{};
 inline constexpr FieldType kInteger{FieldType::Base::Integer};
 inline constexpr FieldType kCounter{.base = FieldType::Base::Integer, .large = true};
 inline constexpr FieldType kFlag{FieldType::Base::Flag};
+inline constexpr FieldType kGroup{FieldType::Base::Object};
 inline constexpr FieldType kWwn{.secret = Secret::Wwn};
 inline constexpr FieldType kSerial{.secret = Secret::Serial};
 
@@ -157,20 +160,22 @@ class FieldRow {
     }
 
     // A group of something that the source has, or may have: get gives a pointer, null where the
-    // group is left out.
+    // group is left out, or is null itself (kGroup.OrNull()).
     template <class Part, class Get>
-    requires std::is_pointer_v<std::invoke_result_t<Get, const Source&>> FieldRow(
-        const char* key, const char* label, const Fields<Part>& fields, Get get,
-        const char* about = "")
+    requires std::is_pointer_v<std::remove_cvref_t<std::invoke_result_t<Get, const Source&>>>
+    FieldRow(const char* key, const char* label, const Fields<Part>& fields, Get get,
+             const char* about = "", FieldType type = kGroup.OrAbsent())
         : shape_{.key = key,
                  .label = label,
                  .about = about,
                  .kind = FieldKind::Group,
-                 .type = kText.OrAbsent(),
+                 .type = type,
                  .children = fields.ShapeOfAll()} {
         add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
             if (const Part* const part = std::invoke(get, source)) {
                 record.AddGroup(shape.key, shape.label, fields.Make(*part));
+            } else if (shape.type.nullable) {
+                record.Add(shape.key, "", Value());
             }
         };
     }
@@ -183,9 +188,23 @@ class FieldRow {
         };
     }
 
+    // A text that text mode prints as it is.
+    template <class Get>
+    static FieldRow Raw(const char* key, FieldType type, Get get, const char* about = "") {
+        FieldRow row(key, "", type, get, about);
+        row.shape_.kind = FieldKind::Raw;
+        row.add_ = [shape = row.shape_, get](const Source& source, Record& record) {
+            const std::string text = std::invoke(get, source);
+            if (!text.empty() || !shape.type.optional) {
+                record.AddRaw(shape.key, text);
+            }
+        };
+        return row;
+    }
+
     // A list. get gives a range of elements, or of pointers to them.
     template <class Element, class Get>
-    requires(!std::is_pointer_v<std::invoke_result_t<Get, const Source&>>)
+    requires(!std::is_pointer_v<std::remove_cvref_t<std::invoke_result_t<Get, const Source&>>>)
         FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
                  ListLayout layout = ListLayout::Table, const char* emptyText = "",
                  const char* about = "")

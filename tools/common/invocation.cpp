@@ -4,11 +4,20 @@
 
 #include "confirm.h"
 #include "console.h"
+#include "csv.h"
 #include "json_document.h"
 #include "status_codes.h"
 
 namespace tools {
 namespace {
+
+// Cells of a line; 0: as many as it takes. A console without colours goes to the next line when the
+// last cell of one is written.
+size_t WidthOf(const CommandLine& line, const Output& output, bool color) {
+    const size_t width =
+        output.IsStdout() && !line.options.Has("wide") ? console::Width(stdout) : 0;
+    return width > 1 && !color ? width - 1 : width;
+}
 
 bool WantsColor(const CommandLine& line, std::FILE* stream) {
     return !line.options.Has("no-color") && !console::HasEnvironment("NO_COLOR") &&
@@ -48,7 +57,8 @@ Invocation::Invocation(const Tool& tool, const CommandLine& line, Output& output
       hooks_(hooks),
       redactor_(line.options.Has("redact")),
       color_(output.IsStdout() && WantsColor(line, stdout)),
-      colorErrors_(WantsColor(line, stderr)) {}
+      colorErrors_(WantsColor(line, stderr)),
+      width_(WidthOf(line, output, color_)) {}
 
 void Invocation::Add(Message message) {
     const std::lock_guard guard(lock_);
@@ -170,7 +180,7 @@ void Invocation::Stream(Record row) {
             result_.MainList()->records.push_back(std::move(row));
             break;
         case OutputMode::JsonLines:
-            text = RowLine(OwnCommand().schema, row, redactor_);
+            text = RowLine(SchemaName(tool_, OwnCommand().schema), row, result_, redactor_);
             break;
         case OutputMode::Csv:
             text = CsvLine(row, redactor_);

@@ -91,7 +91,7 @@ class Invocation {
     std::vector<Pending> PendingActions();
     bool HasChanged();
     size_t RowsSent();
-    RenderStyle Style() { return {color_, &redactor_}; }
+    RenderStyle Style() { return {color_, &redactor_, width_}; }
 
   private:
     Answers GivenAnswers() const;
@@ -106,6 +106,7 @@ class Invocation {
     Redactor redactor_;
     bool color_ = false;
     bool colorErrors_ = false;
+    size_t width_ = 0;
     Record result_;
 
     std::mutex lock_;  // guards what follows: the frame reads it when it gives the command up

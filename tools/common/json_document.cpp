@@ -27,48 +27,87 @@ struct ToJson {
     }
 };
 
+Json JsonOf(const Record& record, Redactor& redactor);
+
+void AddTo(Json& object, const Field& field, Redactor& redactor) {
+    Json& member = object[field.key];
+    switch (field.kind) {
+        case FieldKind::Value:
+        case FieldKind::Raw: {
+            const Value::Data& data = field.value.Content();
+            member = std::visit(ToJson{field.value, redactor}, data);
+            const auto* number = std::get_if<uint64_t>(&data);
+            if (number != nullptr && *number > kLargestExact) {
+                object[field.key + "_s"] = std::to_string(*number);
+            }
+            break;
+        }
+        case FieldKind::Group:
+            member = JsonOf(field.records.front(), redactor);
+            break;
+        case FieldKind::List:
+            member = Json::array();
+            for (const Record& element : field.records) {
+                member.push_back(JsonOf(element, redactor));
+            }
+            break;
+    }
+}
+
 Json JsonOf(const Record& record, Redactor& redactor) {
     Json object = Json::object();
     for (const Field& field : record.Fields()) {
-        Json& member = object[field.key];
-        switch (field.kind) {
-            case FieldKind::Value:
-            case FieldKind::Raw: {
-                const Value::Data& data = field.value.Content();
-                member = std::visit(ToJson{field.value, redactor}, data);
-                const auto* number = std::get_if<uint64_t>(&data);
-                if (number != nullptr && *number > kLargestExact) {
-                    object[field.key + "_s"] = std::to_string(*number);
-                }
-                break;
-            }
-            case FieldKind::Group:
-                member = JsonOf(field.records.front(), redactor);
-                break;
-            case FieldKind::List:
-                member = Json::array();
-                for (const Record& element : field.records) {
-                    member.push_back(JsonOf(element, redactor));
-                }
-                break;
+        AddTo(object, field, redactor);
+    }
+    return object;
+}
+
+// What a result holds beside the list whose elements are the rows.
+Json HeaderOf(const Record& result, bool withLists, Redactor& redactor) {
+    Json object = Json::object();
+    for (const Field& field : result.Fields()) {
+        if (&field != result.MainList() && (withLists || field.kind != FieldKind::List)) {
+            AddTo(object, field, redactor);
         }
     }
     return object;
 }
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
+const Fields<Message>& MessageFields() {
+    static constexpr const char* kSeverities[] = {NameOf(Severity::Info), NameOf(Severity::Warning),
+                                                  NameOf(Severity::Error)};
+    static const Fields<Message> kFields = {
+        {"severity", "", Choice(kSeverities), [](const Message& m) { return NameOf(m.severity); }},
+        {"status", "", kText.OrNull(),
+         [](const Message& m) { return m.status ? StatusText(*m.status) : std::string(); },
+         "of the library, or of Windows"},
+        {"name", "", kText.OrNull(),
+         [](const Message& m) { return m.status ? StatusName(*m.status) : std::string(); },
+         "of the status"},
+        {"text", "", kText, &Message::text},
+        {"hint", "", kText.OrNull(), &Message::hint, "what to do"},
+        {"object", "", kText.OrNull(), &Message::object, "what the message is about"},
+    };
+    return kFields;
 }
 
-Json JsonOf(const Message& message, Redactor& redactor) {
-    Json object;
-    object["severity"] = NameOf(message.severity);
-    object["status"] = message.status ? Json(StatusText(*message.status)) : Json(nullptr);
-    object["name"] = message.status ? Json(StatusName(*message.status)) : Json(nullptr);
-    object["text"] = redactor.Clean(message.text);
-    object["hint"] = TextOrNull(redactor.Clean(message.hint));
-    object["object"] = TextOrNull(redactor.Clean(message.object));
-    return object;
+const Fields<Pending>& PendingFields() {
+    static const Fields<Pending> kFields = {
+        {"object", "", kText, &Pending::object},
+        {"action", "", kText, &Pending::action},
+        {"text", "", kText, &Pending::text},
+    };
+    return kFields;
+}
+
+template <class Element>
+Json ArrayOf(const Fields<Element>& fields, const std::vector<Element>& elements,
+             Redactor& redactor) {
+    Json array = Json::array();
+    for (const Element& element : elements) {
+        array.push_back(JsonOf(fields.Make(element), redactor));
+    }
+    return array;
 }
 
 Json JsonOf(const Envelope& envelope, bool withResult, Redactor& redactor) {
@@ -76,7 +115,7 @@ Json JsonOf(const Envelope& envelope, bool withResult, Redactor& redactor) {
     object["schema"] = envelope.schema;
     object["schema_version"] = {kSchemaMajor, kSchemaMinor};
     object["tool"] = envelope.tool;
-    object["library"] = TextOrNull(envelope.library);
+    object["library"] = envelope.library.empty() ? Json(nullptr) : Json(envelope.library);
     // The result comes first: it teaches the redactor the serial numbers that argv may hold.
     Json result = withResult && envelope.result != nullptr ? JsonOf(*envelope.result, redactor)
                                                            : Json(nullptr);
@@ -85,17 +124,9 @@ Json JsonOf(const Envelope& envelope, bool withResult, Redactor& redactor) {
         object["argv"].push_back(redactor.Clean(argument));
     }
     object["result"] = std::move(result);
-    object["messages"] = Json::array();
-    for (const Message& message : envelope.messages) {
-        object["messages"].push_back(JsonOf(message, redactor));
-    }
+    object["messages"] = ArrayOf(MessageFields(), envelope.messages, redactor);
     object["changed"] = envelope.changed;
-    object["pending"] = Json::array();
-    for (const Pending& pending : envelope.pending) {
-        object["pending"].push_back({{"object", redactor.Clean(pending.object)},
-                                     {"action", pending.action},
-                                     {"text", redactor.Clean(pending.text)}});
-    }
+    object["pending"] = ArrayOf(PendingFields(), envelope.pending, redactor);
     object["exit"] = Number(envelope.exit);
     return object;
 }
@@ -107,6 +138,42 @@ std::string Dump(const Json& json, int indent) {
 
 }  // namespace
 
+Shape EnvelopeShape() {
+    static const std::vector<int> kExits = [] {
+        std::vector<int> numbers;
+        for (const ExitCodeRow& row : ExitCodes()) {
+            numbers.push_back(Number(row.code));
+        }
+        return numbers;
+    }();
+    const FieldType texts{.array = true};
+    const FieldType numbers{.base = FieldType::Base::Integer, .array = true};
+    const FieldType exits{.base = FieldType::Base::Integer, .numbers = kExits};
+    return {
+        {.key = "schema"},
+        {.key = "schema_version", .type = numbers},
+        {.key = "tool"},
+        {.key = "library", .type = kText.OrNull()},
+        {.key = "argv", .type = texts},
+        {.key = "result",
+         .about = "described by the schema named in `schema`; null when there is none",
+         .type = kGroup.OrNull()},
+        {.key = "messages", .kind = FieldKind::List, .children = MessageFields().ShapeOfAll()},
+        {.key = "changed", .type = kFlag},
+        {.key = "pending",
+         .about = "what was changed and takes effect only after the action",
+         .kind = FieldKind::List,
+         .children = PendingFields().ShapeOfAll()},
+        {.key = "exit", .type = exits},
+        {.key = "rows",
+         .about = "jsonl alone: row lines before this one",
+         .type = kInteger.OrAbsent()},
+        {.key = "header",
+         .about = "jsonl alone: what the result has beside the list that went out as rows",
+         .type = kGroup.OrAbsent()},
+    };
+}
+
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor) {
     return Dump(JsonOf(envelope, true, redactor), 2);
 }
@@ -115,13 +182,22 @@ std::string EnvelopeLine(const Envelope& envelope, size_t rows, Redactor& redact
     const bool listWentOut = envelope.result != nullptr && envelope.result->MainList() != nullptr;
     Json object = JsonOf(envelope, !listWentOut, redactor);
     object["rows"] = rows;
+    if (listWentOut) {
+        if (Json header = HeaderOf(*envelope.result, true, redactor); !header.empty()) {
+            object["header"] = std::move(header);
+        }
+    }
     return Dump(object, -1);
 }
 
-std::string RowLine(const std::string& schema, const Record& row, Redactor& redactor) {
+std::string RowLine(const std::string& schema, const Record& row, const Record& result,
+                    Redactor& redactor) {
     Json object;
     object["schema"] = schema;
     object["row"] = JsonOf(row, redactor);
+    if (Json header = HeaderOf(result, false, redactor); !header.empty()) {
+        object["header"] = std::move(header);
+    }
     return Dump(object, -1);
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "fields.h"
 #include "message.h"
 #include "record.h"
 
@@ -27,14 +28,19 @@ struct Envelope {
 inline constexpr int kSchemaMajor = 1;
 inline constexpr int kSchemaMinor = 0;
 
+// The fields of the envelope and of what stands in it.
+Shape EnvelopeShape();
+
 // One document, indented, with a line end.
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor);
 
-// One line for jsonl. rows tells how many row lines came before; the result is null when it was a
-// list that went out as rows.
+// One line for jsonl. rows tells how many row lines came before; when the result was a list that
+// went out as rows, it is null, and what else it holds is in `header`.
 std::string EnvelopeLine(const Envelope& envelope, size_t rows, Redactor& redactor);
 
-// {"schema": ..., "row": {...}}, one line.
-std::string RowLine(const std::string& schema, const Record& row, Redactor& redactor);
+// {"schema": ..., "row": {...}}, one line. With the values that the result has beside the list, in
+// `header`, so that each line tells all that concerns it.
+std::string RowLine(const std::string& schema, const Record& row, const Record& result,
+                    Redactor& redactor);
 
 }  // namespace tools

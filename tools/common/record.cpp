@@ -76,8 +76,8 @@ void Record::AddGroup(std::string key, std::string label, Record group) {
     field.records.push_back(std::move(group));
 }
 
-void Record::AddList(std::string key, std::string label, ListLayout layout, Record prototype,
-                     std::string emptyText, std::vector<Record> records) {
+Field& Record::AddList(std::string key, std::string label, ListLayout layout, Record prototype,
+                       std::string emptyText, std::vector<Record> records) {
     Field& field = fields_.emplace_back();
     field.kind = FieldKind::List;
     field.key = std::move(key);
@@ -86,6 +86,7 @@ void Record::AddList(std::string key, std::string label, ListLayout layout, Reco
     field.prototype.push_back(std::move(prototype));
     field.emptyText = std::move(emptyText);
     field.records = std::move(records);
+    return field;
 }
 
 void Record::AddRaw(std::string key, std::string text) {
@@ -93,6 +94,19 @@ void Record::AddRaw(std::string key, std::string text) {
     field.kind = FieldKind::Raw;
     field.key = std::move(key);
     field.value = Value::Text(std::move(text));
+}
+
+std::vector<const Field*> Record::Lists() const {
+    std::vector<const Field*> lists;
+    for (const Field& field : fields_) {
+        if (field.kind == FieldKind::List) {
+            lists.push_back(&field);
+        } else if (field.kind == FieldKind::Group) {
+            const std::vector<const Field*> inner = field.records.front().Lists();
+            lists.insert(lists.end(), inner.begin(), inner.end());
+        }
+    }
+    return lists;
 }
 
 const Field* Record::MainList() const {

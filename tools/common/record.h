@@ -62,7 +62,10 @@ struct Field {
     Value value;                    // Value and Raw (a text that text mode prints as it is)
     std::vector<Record> records;    // Group: one; List: any number
     std::vector<Record> prototype;  // List: one record that has the columns, its values unused
-    std::string emptyText;          // List: what text mode says when it is empty
+    // List: a key that tells its elements apart. In CSV they stand beside each other then, as
+    // "readings_voltage_value"; the prototypes are one record for each that there can be.
+    std::string spreadBy;
+    std::string emptyText;  // List: what text mode says when it is empty
     ListLayout layout = ListLayout::Table;
     bool streamed = false;  // List: its rows were printed as they came
     size_t width = 0;       // least width of the column where rows are printed as they come
@@ -76,13 +79,16 @@ class Record {
     Record& Add(std::string key, std::string label, Value value, std::string column = {},
                 size_t width = 0);
     void AddGroup(std::string key, std::string label, Record group);
-    void AddList(std::string key, std::string label, ListLayout layout, Record prototype,
-                 std::string emptyText, std::vector<Record> records);
+    Field& AddList(std::string key, std::string label, ListLayout layout, Record prototype,
+                   std::string emptyText, std::vector<Record> records);
     void AddRaw(std::string key, std::string text);
 
     const std::vector<Field>& Fields() const { return fields_; }
     std::vector<Field>& Fields() { return fields_; }
     bool Empty() const { return fields_.empty(); }
+
+    // All lists, those of groups too.
+    std::vector<const Field*> Lists() const;
 
     // The first list: its records are the rows of table, CSV and JSON lines. Null without one.
     const Field* MainList() const;

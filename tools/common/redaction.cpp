@@ -5,33 +5,8 @@
 namespace tools {
 namespace {
 
-constexpr size_t kLongestWwn = 23;
-constexpr size_t kPlainWwn = 16;
 constexpr size_t kShortestSecret = 4;  // anything shorter would tear words apart
 constexpr std::string_view kSerialPrefix = "serial:";
-
-bool IsWordCharacter(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool IsWordStart(const std::string& text, size_t position) {
-    return position == 0 || !IsWordCharacter(text[position - 1]);
-}
-
-bool IsWordEnd(const std::string& text, size_t position) {
-    return position >= text.size() || !IsWordCharacter(text[position]);
-}
-
-// The length of a world wide name that stands at the position; 0 when there is none.
-size_t WwnLengthAt(const std::string& text, size_t position) {
-    for (const size_t length : {kLongestWwn, kPlainWwn}) {
-        if (position + length <= text.size() && IsWordEnd(text, position + length) &&
-            Wwn::Parse(std::string_view(text).substr(position, length))) {
-            return length;
-        }
-    }
-    return 0;
-}
 
 }  // namespace
 
@@ -66,7 +41,7 @@ std::string Redactor::Clean(std::string text) {
             result += text[position++];
             continue;
         }
-        if (const size_t length = WwnLengthAt(text, position); length != 0) {
+        if (const size_t length = Wwn::LengthAt(text, position); length != 0) {
             result += Pseudonym(Secret::Wwn, text.substr(position, length));
             position += length;
             continue;

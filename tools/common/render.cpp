@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "flatten.h"
 #include "redaction.h"
+#include "table.h"
 #include "text.h"
 
 namespace tools {
 namespace {
 
 constexpr const char* kNothing = "-";
-constexpr std::string_view kGap = "  ";
 constexpr const char* kReset = "\x1b[0m";
 constexpr const char* kBold = "\x1b[1m";
 
@@ -26,12 +27,6 @@ std::string Heading(const std::string& text, const RenderStyle& style) {
     return Painted(text, kBold, style.color);
 }
 
-struct Cell {
-    std::string text;
-    Tone tone = Tone::Plain;
-    bool right = false;
-};
-
 struct Column {
     std::string path;
     std::string heading;
@@ -40,7 +35,7 @@ struct Column {
 
 std::vector<Column> ColumnsOf(const Record& prototype) {
     std::vector<Column> columns;
-    for (const FlatField& flat : Flatten(prototype)) {
+    for (const FlatField& flat : FlattenBesideLists(prototype)) {
         if (!flat.field->column.empty()) {
             columns.push_back({flat.path, flat.field->column, flat.field->width});
         }
@@ -49,16 +44,17 @@ std::vector<Column> ColumnsOf(const Record& prototype) {
 }
 
 // The record's cells in the columns' order; a row without such a field has an empty cell.
-std::vector<Cell> CellsOf(const Record& row, const std::vector<Column>& columns,
-                          Redactor& redactor) {
-    const std::vector<FlatField> fields = Flatten(row);
-    std::vector<Cell> cells;
+std::vector<TableCell> CellsOf(const Record& row, const std::vector<Column>& columns,
+                               Redactor& redactor) {
+    const std::vector<FlatField> fields = FlattenBesideLists(row);
+    std::vector<TableCell> cells;
     for (const Column& column : columns) {
-        Cell& cell = cells.emplace_back();
+        TableCell& cell = cells.emplace_back();
         for (const FlatField& flat : fields) {
             if (flat.path == column.path) {
                 const Value& value = flat.field->value;
-                cell = {ShownText(value, redactor), value.ToneOf(), value.IsNumber()};
+                cell = {ShownText(value, redactor), value.ToneOf(), value.IsNumber(),
+                        value.IsNumber() || value.SecretOf() == Secret::Wwn};
                 break;
             }
         }
@@ -76,24 +72,27 @@ std::string PadRight(const std::string& text, size_t width) {
     return length < width ? text + std::string(width - length, ' ') : text;
 }
 
-std::string TableLine(const std::vector<Cell>& cells, const std::vector<size_t>& widths,
+std::string TableLine(const std::vector<TableCell>& cells, const TableLayout& layout,
                       const RenderStyle& style) {
     std::string line;
     for (size_t i = 0; i < cells.size(); ++i) {
-        const Cell& cell = cells[i];
+        const TableCell& cell = cells[i];
         const bool last = i + 1 == cells.size();
+        const size_t width = layout.widths[i];
+        const std::string text =
+            style.width == 0 || cell.whole ? cell.text : Shortened(cell.text, width);
         // Colour stays outside the padding, so that widths count what is seen.
-        const std::string padded = cell.right ? PadLeft(cell.text, widths[i])
-                                   : last     ? cell.text
-                                              : PadRight(cell.text, widths[i]);
+        const std::string padded = cell.right ? PadLeft(text, width)
+                                   : last     ? text
+                                              : PadRight(text, width);
         line += Painted(padded, ColorOf(cell.tone), style.color);
-        line += last ? "\n" : kGap;
+        line += last ? "\n" : std::string(layout.gap, ' ');
     }
     return line;
 }
 
-std::vector<Cell> HeadingCells(const std::vector<Column>& columns) {
-    std::vector<Cell> cells;
+std::vector<TableCell> HeadingCells(const std::vector<Column>& columns) {
+    std::vector<TableCell> cells;
     for (const Column& column : columns) {
         cells.push_back({column.heading, Tone::Plain, false});
     }
@@ -102,24 +101,19 @@ std::vector<Cell> HeadingCells(const std::vector<Column>& columns) {
 
 std::string Rows(const std::vector<Column>& columns, const std::vector<Record>& records,
                  const RenderStyle& style) {
-    std::vector<std::vector<Cell>> lines{HeadingCells(columns)};
+    std::vector<std::vector<TableCell>> lines{HeadingCells(columns)};
     for (const Record& record : records) {
         lines.push_back(CellsOf(record, columns, *style.redactor));
     }
-    std::vector<size_t> widths(columns.size(), 0);
-    for (const std::vector<Cell>& cells : lines) {
-        for (size_t i = 0; i < cells.size(); ++i) {
-            widths[i] = std::max(widths[i], DisplayWidth(cells[i].text));
-        }
-    }
+    const TableLayout layout = LayOut(lines, style.width);
     // A heading stands over its numbers: to the right.
     for (size_t i = 0; lines.size() > 1 && i < columns.size(); ++i) {
         lines[0][i].right = std::any_of(lines.begin() + 1, lines.end(),
                                         [i](const auto& line) { return line[i].right; });
     }
     std::string text;
-    for (const std::vector<Cell>& cells : lines) {
-        std::string line = TableLine(cells, widths, style);
+    for (const std::vector<TableCell>& cells : lines) {
+        std::string line = TableLine(cells, layout, style);
         if (&cells == &lines.front()) {
             line.pop_back();
             line = Heading(line, style) + "\n";
@@ -156,6 +150,13 @@ std::string Indented(const std::string& text, size_t indent) {
 }
 
 std::string Sections(const Record& record, size_t indent, size_t width, const RenderStyle& style);
+
+// The style of what stands behind a margin.
+RenderStyle Within(const RenderStyle& style, size_t indent) {
+    RenderStyle inner = style;
+    inner.width -= std::min(indent, inner.width);
+    return inner;
+}
 
 std::string ListText(const Field& field, const RenderStyle& style) {
     if (field.streamed) {
@@ -201,7 +202,8 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
                         Sections(field.records.front(), indent + 2, width, style);
                 break;
             case FieldKind::List:
-                text += (text.empty() ? "" : "\n") + Indented(ListText(field, style), indent);
+                text += (text.empty() ? "" : "\n") +
+                        Indented(ListText(field, Within(style, indent)), indent);
                 break;
             case FieldKind::Raw:
                 text += std::get<std::string>(field.value.Content());
@@ -211,15 +213,60 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
     return text;
 }
 
-std::string FieldsAsTable(const Record& record, const RenderStyle& style) {
+// The values as FIELD and VALUE; a text that is printed as it is follows. Beside lists only what
+// text mode shows as well.
+std::string FieldsAsTable(const Record& record, bool besideLists, const RenderStyle& style) {
     std::vector<Record> rows;
     Record prototype;
     prototype.Add("field", "", Value(), "FIELD").Add("value", "", Value(), "VALUE");
-    for (const FlatField& flat : Flatten(record)) {
-        Record& row = rows.emplace_back();
-        row.Add("field", "", Value::Text(flat.path)).Add("value", "", flat.field->value);
+    std::string raw;
+    for (const FlatField& flat : FlattenBesideLists(record)) {
+        if (flat.field->kind == FieldKind::Raw) {
+            raw += std::get<std::string>(flat.field->value.Content());
+        } else if (!besideLists || !flat.field->label.empty()) {
+            Record& row = rows.emplace_back();
+            const Value& value = flat.field->value;
+            row.Add("field", "", Value::Text(flat.path));
+            row.Add("value", "", Value::Text(ShownText(value, *style.redactor)).In(value.ToneOf()));
+        }
     }
-    return Rows(ColumnsOf(prototype), rows, style);
+    const bool empty = rows.empty() && (besideLists || !raw.empty());
+    return (empty ? "" : Rows(ColumnsOf(prototype), rows, style)) + raw;
+}
+
+// The list as a table; then the lists of its elements, each row behind its element's first column.
+std::string ListAsTables(const Field& list, const RenderStyle& style) {
+    const Record& prototype = list.prototype.front();
+    const std::vector<Column> columns = ColumnsOf(prototype);
+    std::string text = Rows(columns, list.records, style);
+    const std::vector<const Field*> inner = prototype.Lists();
+    for (size_t i = 0; i < inner.size() && !columns.empty(); ++i) {
+        std::vector<Column> all{columns.front()};
+        for (Column& column : ColumnsOf(inner[i]->prototype.front())) {
+            column.path = inner[i]->key + "_" + column.path;
+            all.push_back(std::move(column));
+        }
+        std::vector<Record> rows;
+        for (const Record& element : list.records) {
+            const std::vector<const Field*> lists = element.Lists();
+            const auto same = std::find_if(lists.begin(), lists.end(), [&](const Field* field) {
+                return field->key == inner[i]->key;
+            });
+            for (size_t j = 0; same != lists.end() && j < (*same)->records.size(); ++j) {
+                Record& row = rows.emplace_back();
+                for (const FlatField& flat : FlattenBesideLists(element)) {
+                    if (flat.path == all.front().path) {
+                        row.Add(flat.path, "", flat.field->value);
+                    }
+                }
+                row.AddGroup(inner[i]->key, "", (*same)->records[j]);
+            }
+        }
+        if (!rows.empty() && all.size() > 1) {
+            text += "\n" + Rows(all, rows, style);
+        }
+    }
+    return text;
 }
 
 std::vector<Column> StreamColumns(const Record& prototype) {
@@ -230,40 +277,31 @@ std::vector<Column> StreamColumns(const Record& prototype) {
     return columns;
 }
 
-std::string StreamCells(const std::vector<Cell>& cells, const std::vector<Column>& columns,
+RenderStyle Unlimited(RenderStyle style) {
+    style.width = 0;
+    return style;
+}
+
+std::string StreamCells(const std::vector<TableCell>& cells, const std::vector<Column>& columns,
                         const RenderStyle& style) {
-    std::vector<size_t> widths;
-    for (const Column& column : columns) {
-        widths.push_back(column.width);
+    TableLayout layout;
+    size_t before = 0;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        layout.widths.push_back(columns[i].width);
+        before += std::max(columns[i].width, DisplayWidth(cells[i].text)) + layout.gap;
     }
-    return TableLine(cells, widths, style);
-}
-
-void FlattenInto(const Record& record, const std::string& prefix, std::vector<FlatField>& into) {
-    for (const Field& field : record.Fields()) {
-        if (field.kind == FieldKind::Value || field.kind == FieldKind::Raw) {
-            into.push_back({prefix + field.key, &field});
-        } else if (field.kind == FieldKind::Group) {
-            FlattenInto(field.records.front(), prefix + field.key + "_", into);
-        }
+    std::vector<TableCell> shown = cells;
+    // The columns stay where they are: the last one gives way.
+    if (style.width != 0 && !shown.empty() && !shown.back().whole) {
+        const size_t last = DisplayWidth(shown.back().text);
+        before -= std::max(columns.back().width, last) + layout.gap;
+        shown.back().text =
+            Shortened(shown.back().text, style.width - std::min(before, style.width));
     }
-}
-
-std::string CsvText(const std::vector<std::string>& cells) {
-    std::string line;
-    for (size_t i = 0; i < cells.size(); ++i) {
-        line += (i == 0 ? "" : ",") + CsvCell(cells[i]);
-    }
-    return line + "\r\n";
+    return TableLine(shown, layout, Unlimited(style));
 }
 
 }  // namespace
-
-std::vector<FlatField> Flatten(const Record& record) {
-    std::vector<FlatField> fields;
-    FlattenInto(record, "", fields);
-    return fields;
-}
 
 std::string ShownText(const Value& value, Redactor& redactor) {
     if (value.Shown().empty()) {
@@ -278,63 +316,15 @@ std::string RenderText(const Record& result, const RenderStyle& style) {
 }
 
 std::string RenderTable(const Record& result, const RenderStyle& style) {
-    if (const Field* list = result.MainList()) {
-        return list->streamed ? std::string()
-                              : Rows(ColumnsOf(list->prototype.front()), list->records, style);
-    }
-    return FieldsAsTable(result, style);
-}
-
-std::string RenderCsv(const Record& result, const RenderStyle& style) {
-    const Field* list = result.MainList();
-    if (list == nullptr) {
-        return CsvHeader(result) + CsvLine(result, *style.redactor);
-    }
-    if (list->streamed) {
+    const std::vector<const Field*> lists = result.Lists();
+    if (result.MainList() != nullptr && result.MainList()->streamed) {
         return {};
     }
-    std::string text = CsvHeader(list->prototype.front());
-    for (const Record& record : list->records) {
-        text += CsvLine(record, *style.redactor);
+    std::string text = FieldsAsTable(result, !lists.empty(), style);
+    for (const Field* const list : lists) {
+        text += (text.empty() ? "" : "\n") + ListAsTables(*list, style);
     }
     return text;
-}
-
-std::string CsvHeader(const Record& prototype) {
-    std::vector<std::string> names;
-    for (const FlatField& flat : Flatten(prototype)) {
-        names.push_back(flat.path);
-    }
-    return CsvText(names);
-}
-
-std::string CsvLine(const Record& row, Redactor& redactor) {
-    struct Plain {
-        std::string operator()(std::monostate) const { return {}; }
-        std::string operator()(bool flag) const { return flag ? "true" : "false"; }
-        std::string operator()(uint64_t number) const { return std::to_string(number); }
-        std::string operator()(const std::string& text) const { return text; }
-    };
-    std::vector<std::string> cells;
-    for (const FlatField& flat : Flatten(row)) {
-        const Value& value = flat.field->value;
-        const std::string plain = std::visit(Plain(), value.Content());
-        cells.push_back(value.SecretOf() == Secret::None ? redactor.Clean(plain)
-                                                         : redactor.Mask(value.SecretOf(), plain));
-    }
-    return CsvText(cells);
-}
-
-std::string CsvCell(const std::string& text) {
-    const bool blankAtEdge = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-    if (!blankAtEdge && text.find_first_of("\",\r\n") == std::string::npos) {
-        return text;
-    }
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += c == '"' ? "\"\"" : std::string(1, c);
-    }
-    return quoted + '"';
 }
 
 std::string StreamHeader(const Record& prototype, const RenderStyle& style) {

@@ -1,4 +1,4 @@
-// Records as text, tables and CSV. The JSON forms are in json_document.h.
+// Records as text and tables, for people. CSV is in csv.h, the JSON forms in json_document.h.
 #pragma once
 
 #include <string>
@@ -13,28 +13,16 @@ class Redactor;
 struct RenderStyle {
     bool color = false;
     Redactor* redactor = nullptr;  // never null when rendering
+    size_t width = 0;              // cells of a line that tables shorten themselves to; 0: any
 };
-
-// One value of a record under its place: groups are joined with '_' ("firmware_version").
-struct FlatField {
-    std::string path;
-    const Field* field;
-};
-
-// All values of a record and its groups, in order. Lists inside are left out.
-std::vector<FlatField> Flatten(const Record& record);
 
 // What a person reads for the value.
 std::string ShownText(const Value& value, Redactor& redactor);
 
 std::string RenderText(const Record& result, const RenderStyle& style);
-std::string RenderTable(const Record& result, const RenderStyle& style);
 
-// RFC 4180: one line per row of the main list, or one for the record; lines end with CR LF.
-std::string RenderCsv(const Record& result, const RenderStyle& style);
-std::string CsvHeader(const Record& prototype);
-std::string CsvLine(const Record& row, Redactor& redactor);
-std::string CsvCell(const std::string& text);
+// Tables alone: the values beside lists, each list, and behind a list those that its elements have.
+std::string RenderTable(const Record& result, const RenderStyle& style);
 
 // Rows that are printed as they come: columns have their fields' least width.
 std::string StreamHeader(const Record& prototype, const RenderStyle& style);

@@ -2,8 +2,10 @@
 #include <exception>
 #include <thread>
 
+#include "builtin_commands.h"
 #include "command_line.h"
 #include "console.h"
+#include "csv.h"
 #include "invocation.h"
 #include "json_document.h"
 #include "render.h"
@@ -89,7 +91,7 @@ std::string RenderResult(const Record& result, OutputMode mode, const RenderStyl
         case OutputMode::Table:
             return RenderTable(result, style);
         case OutputMode::Csv:
-            return RenderCsv(result, style);
+            return RenderCsv(result, *style.redactor);
         default:
             return RenderText(result, style);
     }
@@ -102,7 +104,7 @@ std::string PendingRows(const std::string& schema, const Record* result, Redacto
     const Field* list = result == nullptr ? nullptr : result->MainList();
     if (list != nullptr && !list->streamed) {
         for (const Record& row : list->records) {
-            text += RowLine(schema, row, redactor);
+            text += RowLine(schema, row, *result, redactor);
             ++*rows;
         }
     }
@@ -117,23 +119,15 @@ Envelope EmptyEnvelope(const Tool& tool, const std::vector<std::string>& words) 
     return envelope;
 }
 
-// Words that follow an option which names an adapter, a port or a serial number.
-std::vector<std::string> MaskedWords(std::vector<std::string> words, Redactor& redactor) {
-    constexpr std::string_view kNaming[] = {"-a", "--adapter", "-p", "--port", "--confirm"};
-    for (size_t i = 0; redactor.Enabled() && i < words.size(); ++i) {
-        for (const std::string_view option : kNaming) {
-            const std::string with = std::string(option) + "=";
-            const bool alone = words[i] == option && i + 1 < words.size();
-            if (!alone && !words[i].starts_with(with)) {
-                continue;
-            }
-            std::string& word = alone ? words[i + 1] : words[i];
-            const size_t start = alone ? 0 : with.size();
-            const std::string value = word.substr(start);
-            const bool bare = value.find(':') == std::string::npos && value != "all" &&
-                              value.find_first_not_of("0123456789") != std::string::npos;
-            if (bare || option == "--confirm") {
-                word.replace(start, std::string::npos, redactor.Mask(Secret::Serial, value));
+// The words without the names and serial numbers that options gave, alone or behind "--port=".
+std::vector<std::string> MaskedWords(std::vector<std::string> words, const CommandLine& line,
+                                     Redactor& redactor) {
+    for (std::string& word : words) {
+        for (const std::string& secret : line.secrets) {
+            if (redactor.Enabled() && word.ends_with(secret)) {
+                word.replace(word.size() - secret.size(), std::string::npos,
+                             redactor.Mask(Secret::Serial, secret));
+                break;
             }
         }
     }
@@ -173,12 +167,12 @@ class Run {
     // A help text is the result: on stdout, also in a document.
     ExitCode PrintHelp() {
         Record result;
-        result.AddRaw("help", line_.help);
+        result.AddRaw("help", line_.help);  // as `help` has it
         if (!IsJson(line_.mode)) {
             return Written(output_.Close(line_.help), ExitCode::Done);
         }
         Envelope envelope = EmptyEnvelope(tool_, words_);
-        envelope.schema = std::string(tool_.name) + ".help";
+        envelope.schema = SchemaName(tool_, "help");
         envelope.result = &result;
         return CloseWith(envelope, ExitCode::Done);
     }
@@ -186,15 +180,15 @@ class Run {
     // Ends before any command ran, with line_.error.
     ExitCode ReportWithoutCommand(const std::string& schema) {
         const Message message = ErrorMessage(line_.error, line_.hint);
-        Redactor redactor(std::find(words_.begin(), words_.end(), "--redact") != words_.end());
+        Redactor redactor(line_.options.Has("redact"));
         if (!IsJson(line_.mode)) {
             console::Write(stderr, MessageText(tool_, message, redactor, false));
             output_.Close("");
             return exit_;
         }
-        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, redactor));
+        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
         envelope.schema =
-            schema.empty() ? line_.command->schema : std::string(tool_.name) + "." + schema;
+            SchemaName(tool_, schema.empty() ? line_.command->schema : schema.c_str());
         envelope.messages = {message};
         return CloseWith(envelope, exit_, redactor);
     }
@@ -262,8 +256,8 @@ class Run {
             return Written(written, exit);
         }
         Redactor& redactor = invocation.Names();
-        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, redactor));
-        envelope.schema = line_.command->schema;
+        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
+        envelope.schema = SchemaName(tool_, line_.command->schema);
         envelope.result = result;
         envelope.messages = invocation.Messages();
         envelope.messages.insert(envelope.messages.end(), ending.messages.begin(),
@@ -291,7 +285,11 @@ class Run {
 
 }  // namespace
 
-int RunTool(const Tool& tool) {
+int RunTool(const Tool& own) {
+    std::vector<Command> commands(own.commands.begin(), own.commands.end());
+    commands.insert(commands.end(), BuiltinCommands().begin(), BuiltinCommands().end());
+    Tool tool = own;
+    tool.commands = commands;
     std::vector<std::string> words = console::CommandLineWords();
     if (!words.empty()) {
         words.erase(words.begin());

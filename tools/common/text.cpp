@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -11,6 +12,30 @@ constexpr char Upper(char c) {
 }
 constexpr char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+constexpr bool IsWordCharacter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+// How many letters have to be added, left out, exchanged or swapped with their neighbour.
+size_t Slips(std::string_view left, std::string_view right) {
+    std::vector<std::vector<size_t>> table(left.size() + 1, std::vector<size_t>(right.size() + 1));
+    for (size_t i = 0; i <= left.size(); ++i) {
+        for (size_t j = 0; j <= right.size(); ++j) {
+            if (i == 0 || j == 0) {
+                table[i][j] = i + j;
+                continue;
+            }
+            const size_t exchange = left[i - 1] == right[j - 1] ? 0 : 1;
+            table[i][j] = std::min(
+                {table[i - 1][j] + 1, table[i][j - 1] + 1, table[i - 1][j - 1] + exchange});
+            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1]) {
+                table[i][j] = std::min(table[i][j], table[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return table[left.size()][right.size()];
 }
 
 }  // namespace
@@ -46,6 +71,14 @@ std::vector<std::string> Split(std::string_view text, char separator) {
         }
         start = end + 1;
     }
+}
+
+bool IsWordStart(std::string_view text, size_t position) {
+    return position == 0 || !IsWordCharacter(text[position - 1]);
+}
+
+bool IsWordEnd(std::string_view text, size_t position) {
+    return position >= text.size() || !IsWordCharacter(text[position]);
 }
 
 std::string Hex(uint64_t value, int digits) {
@@ -87,6 +120,43 @@ size_t DisplayWidth(std::string_view text) {
         width += continuation ? 0 : 1;
     }
     return width;
+}
+
+std::string Nearest(std::string_view word, const std::vector<std::string>& candidates) {
+    constexpr size_t kLongestWord = 64;
+    constexpr size_t kLonger = 5;
+    const std::string wanted = Lowercase(word.substr(0, kLongestWord));
+    size_t least = word.size() < kLonger ? 1 : 2;
+    std::string nearest;
+    for (const std::string& candidate : candidates) {
+        const size_t slips = Slips(wanted, candidate);
+        if (slips < least || (slips == least && nearest.empty())) {
+            least = slips;
+            nearest = candidate;
+        }
+    }
+    // A beginning is no slip: "lun" for "lunmask".
+    for (size_t i = 0; nearest.empty() && wanted.size() > 1 && i < candidates.size(); ++i) {
+        if (candidates[i].starts_with(wanted) || wanted.starts_with(candidates[i])) {
+            nearest = candidates[i];
+        }
+    }
+    return nearest;
+}
+
+std::string Wrapped(std::string_view text, size_t width, size_t indent) {
+    std::string lines;
+    size_t used = 0;
+    for (const std::string& word : Split(text, ' ')) {
+        const size_t length = DisplayWidth(word);
+        if (used != 0 && used + 1 + length > width) {
+            lines += "\n" + std::string(indent, ' ');
+            used = 0;
+        }
+        lines += (used == 0 ? "" : " ") + word;
+        used += (used == 0 ? 0 : 1) + length;
+    }
+    return lines;
 }
 
 std::string FormatUtc(std::chrono::system_clock::time_point time) {

@@ -17,6 +17,10 @@ std::string Lowercase(std::string_view text);
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 std::vector<std::string> Split(std::string_view text, char separator);
 
+// Whether a word of letters and digits may begin, or has ended, at the position.
+bool IsWordStart(std::string_view text, size_t position);
+bool IsWordEnd(std::string_view text, size_t position);
+
 // "0x" and at least `digits` hexadecimal digits, lower case.
 std::string Hex(uint64_t value, int digits);
 
@@ -29,6 +33,13 @@ std::string FieldText(const char* field, size_t size);
 
 // The number of character cells that valid UTF-8 text takes (combining marks are not looked at).
 size_t DisplayWidth(std::string_view text);
+
+// The candidate that the word was most likely meant to be, or empty: one slip in a short word, two
+// in a longer one.
+std::string Nearest(std::string_view word, const std::vector<std::string>& candidates);
+
+// Words broken into lines of at most `width` cells, each line but the first behind `indent` blanks.
+std::string Wrapped(std::string_view text, size_t width, size_t indent);
 
 // "2026-01-31T23:59:59.123Z"
 std::string FormatUtc(std::chrono::system_clock::time_point time);

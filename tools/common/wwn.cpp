@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+#include "text.h"
+
 namespace tools {
 namespace {
+
+constexpr size_t kPlainLength = 16;
+constexpr size_t kSeparatedLength = 23;
 
 int DigitOf(char c) {
     if (c >= '0' && c <= '9') {
@@ -40,8 +45,6 @@ Wwn Wwn::Of(const uint8_t (&raw)[8]) {
 }
 
 std::optional<Wwn> Wwn::Parse(std::string_view text) {
-    constexpr size_t kPlainLength = 16;
-    constexpr size_t kSeparatedLength = 23;
     const bool separated = text.size() == kSeparatedLength;
     if (!separated && text.size() != kPlainLength) {
         return std::nullopt;
@@ -65,6 +68,16 @@ std::optional<Wwn> Wwn::Parse(std::string_view text) {
         position += 2;
     }
     return wwn;
+}
+
+size_t Wwn::LengthAt(std::string_view text, size_t position) {
+    for (const size_t length : {kSeparatedLength, kPlainLength}) {
+        if (position + length <= text.size() && IsWordStart(text, position) &&
+            IsWordEnd(text, position + length) && Parse(text.substr(position, length))) {
+            return length;
+        }
+    }
+    return 0;
 }
 
 bool Wwn::IsZero() const {

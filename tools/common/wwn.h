@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,6 +15,9 @@ struct Wwn {
 
     static Wwn Of(const uint8_t (&raw)[8]);
     static std::optional<Wwn> Parse(std::string_view text);
+
+    // The length of a name that stands in running text at the position; 0 when there is none.
+    static size_t LengthAt(std::string_view text, size_t position);
 
     bool IsZero() const;
     std::string Colons() const;  // "21:00:00:0e:1e:00:00:01", for people

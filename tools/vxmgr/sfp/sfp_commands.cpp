@@ -8,7 +8,6 @@ namespace vxmgr {
 namespace {
 
 using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
 using tools::ListLayout;
 using tools::Record;
@@ -17,8 +16,10 @@ using tools::Value;
 
 constexpr const char* kPageChoices[] = {kSfpPages[0].name, kSfpPages[1].name, "all"};
 constexpr Argument kDumpArguments[] = {
-    {"--page", ArgumentKind::Text, "PAGE", "a0 (identity), a2 (diagnostics) or all (all)", false,
-     false, kPageChoices},
+    {.name = "--page",
+     .valueName = "PAGE",
+     .help = "a0 (identity), a2 (diagnostics) or all (all)",
+     .choices = kPageChoices},
 };
 
 // Null without diagnostics.
@@ -53,10 +54,14 @@ Record ModuleRecord(const Port& port, const SfpModule& module) {
         trouble = TroubleText(*readings);
     }
     record.Add("trouble", "Trouble",
-               readings ? Value::Text(trouble).Shown(trouble.empty() ? "none" : trouble) : Value());
+               readings ? Value::Text(trouble).Shown(trouble.empty() ? "none" : trouble) : Value(),
+               "TROUBLE");
     record.AddGroup("flags", "State", StatusRecord(readings));
-    record.AddList("readings", "Readings", ListLayout::Table,
-                   ReadingRow(SfpQuantity::Temperature, {}), "no diagnostics", std::move(rows));
+    tools::Field& list =
+        record.AddList("readings", "Readings", ListLayout::Table,
+                       ReadingRow(SfpQuantity::Temperature, {}), "no diagnostics", std::move(rows));
+    list.spreadBy = "quantity";
+    list.prototype = ReadingRows({});
     return record;
 }
 

@@ -199,18 +199,18 @@ Record SfpIdentityRecord(const SfpIdentity& identity) {
     const uint32_t wavelength = static_cast<uint32_t>(BigEndian(identity.wavelength));
     Record record;
     record.Add("identifier", "Type",
-               Value::Text(TextOrNumber(kIdentifiers, identity.identifier, "type")));
+               Value::Text(TextOrNumber(kIdentifiers, identity.identifier, "type")), "TYPE");
     record.Add("connector", "Connector",
                Value::Text(TextOrNumber(kConnectors, identity.connector, "connector")));
-    record.Add("vendor", "Vendor", Value::TextOrNull(TextOf(identity.vendor)));
+    record.Add("vendor", "Vendor", Value::TextOrNull(TextOf(identity.vendor)), "VENDOR");
     record.Add("vendor_oui", "Vendor OUI", Value::Text(HexDigits(identity.vendorOui)));
-    record.Add("part", "Part", Value::TextOrNull(TextOf(identity.part)));
+    record.Add("part", "Part", Value::TextOrNull(TextOf(identity.part)), "PART");
     record.Add("revision", "Revision", Value::TextOrNull(TextOf(identity.revision)));
-    record.Add("serial", "Serial", Value::Serial(TextOf(identity.serial)));
+    record.Add("serial", "Serial", Value::Serial(TextOf(identity.serial)), "SERIAL");
     record.Add("date", "Made on", Value::TextOrNull(SfpDate(identity.date)));
     const std::string speeds = BitText(kSpeeds, identity);
     record.Add("speeds_gbit", "Speeds",
-               speeds.empty() ? Value() : Value::Text(speeds).Shown(speeds + " Gbit/s"));
+               speeds.empty() ? Value() : Value::Text(speeds).Shown(speeds + " Gbit/s"), "SPEEDS");
     record.Add("technology", "Technology", Value::TextOrNull(BitText(kTechnologies, identity)));
     record.Add("link_length", "Link length", Value::TextOrNull(BitText(kLinkLengths, identity)));
     record.Add("media", "Media", Value::TextOrNull(BitText(kMedia, identity)));
