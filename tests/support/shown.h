@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "common/redaction.h"
 #include "common/flatten.h"
+#include "common/redaction.h"
 #include "common/render.h"
 
 namespace support {
