@@ -1,4 +1,5 @@
 // vxmgr over the library over the running driver: adapters, ports, faults.
+#include <filesystem>
 #include <set>
 
 #include "emulated_driver.h"
@@ -26,6 +27,50 @@ TEST_F(SystemAdapters, AreListedAndDescribed) {
         EXPECT_TRUE(support::Has(shown.dump(), selector));
     }
     EXPECT_EQ((std::set<int>{3, 4, 6, 9}), scsiPorts);
+}
+
+// Each result is held against its schema.
+TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
+    const std::string file = (std::filesystem::temp_directory_path() / "vxemu-made.bin").string();
+    const std::string target = " 2b:00:02:45:4d:00:aa:00";
+    const struct {
+        std::string arguments;
+        const char* place;
+        json value;
+    } kRows[] = {
+        {"start --profile lab", "/profile", "lab"},
+        {"install --dry-run", "/service", "running"},
+        {"profile list", "/profiles/0/name", "lab"},
+        {"profile show", "/adapters/0/ports/0/scsi_port", 3},
+        {"fault add scsi:3 --code NodeProperties --do busy --times 2", "/times", 2},
+        {"fault list", "/faults/0/request", "NodeProperties"},
+        {"fault clear", "/removed", 1},
+        {"event scsi:3 rscn", "/queued", false},
+        {"link scsi:3 up", "/link", "up"},
+        {"reset scsi:3", "/port", "scsi:3"},
+        {"adapter set scsi:3 driver_build_number=7 --dry-run", "/driver_build_number", "7"},
+        {"port set scsi:3 topology=public-loop --dry-run", "/topology", "public-loop"},
+        {"target add" + target + " bus=1", "/bus", "1"},
+        {"target set" + target + " bus=0", "/bus", "0"},
+        {"lun add" + target + " 3", "/lun", 3},
+        {"lun remove" + target + " 3", "/lun", 3},
+        {"target remove" + target, "/target", target.substr(1)},
+        {"flash show scsi:3", "/powered", true},
+        {"flash dump scsi:3 1 \"" + file + "\"", "/region", 1},
+        {"flash image scsi:3 1 \"" + file + "\" --as 9.13.00", "/version", "9.13.00"},
+        {"flash corrupt scsi:3 1 0x100 --dry-run", "/at", 0x100},
+        {"flash power-fail scsi:3 --after-bytes 9 --dry-run", "/after_bytes", 9},
+        {"lockdown scsi:3 off", "/lockdown", "off"},
+        {"bfs scsi:3 off", "/boots_from_san", "off"},
+        {"stop --dry-run", "/service", "running"},
+    };
+    for (const auto& row : kRows) {
+        const json document = VxemuDocument(row.arguments);
+        ASSERT_EQ(0, document["exit"]) << row.arguments << document["messages"];
+        EXPECT_EQ(row.value, document["result"].value(json::json_pointer(row.place), json()))
+            << row.arguments << document["result"];
+    }
+    std::filesystem::remove(file);
 }
 
 TEST_F(SystemAdapters, BusyDriverIsWaitedFor) {

@@ -36,8 +36,13 @@ class EmulatedDriver : public testing::Test {
     }
 
     // The one document of a command, held against its schema and exit code.
-    json Document(const std::string& arguments) {
-        const support::Ended ended = Vxmgr("--json " + arguments);
+    static json Document(const std::string& arguments) {
+        return DocumentOf(arguments, Vxmgr("--json " + arguments));
+    }
+    static json VxemuDocument(const std::string& arguments) {
+        return DocumentOf(arguments, Vxemu("--json " + arguments));
+    }
+    static json DocumentOf(const std::string& arguments, const support::Ended& ended) {
         const json document = json::parse(ended.out, nullptr, false);
         EXPECT_TRUE(document.is_object()) << arguments << "\n" << ended.out << ended.err;
         if (!document.is_object()) {
@@ -55,12 +60,10 @@ class EmulatedDriver : public testing::Test {
 
     // What the driver says of a port, e.g. PortStatus("scsi:3")["event_delivery"].
     static json PortStatus(const std::string& port) {
-        const json document = json::parse(Vxemu("status --json").out, nullptr, false);
-        if (document.is_object() && document["result"].is_object()) {
-            for (const json& row : document["result"]["ports"]) {
-                if (row["port"] == port) {
-                    return row;
-                }
+        const json document = VxemuDocument("status");
+        for (const json& row : document.value("/result/ports"_json_pointer, json::array())) {
+            if (row["port"] == port) {
+                return row;
             }
         }
         ADD_FAILURE() << "the driver does not know " << port;

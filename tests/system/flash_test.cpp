@@ -376,8 +376,7 @@ TEST_F(SystemFlash, WhatAnotherProgramWroteMeanwhileIsNotOverwritten) {
     const std::string early = Image("scsi:3", 1, "9.14.00");
     support::Program first("vxmgr.exe", "flash write 1 \"" + late + "\"" + kBanked + kYes);
     const auto hasActed = [] {
-        const json faults = json::parse(Vxemu("fault list --json").out, nullptr, false);
-        return faults.is_object() && faults["result"]["faults"][0]["acted"] == 1;
+        return VxemuDocument("fault list")["result"]["faults"][0]["acted"] == 1;
     };
     for (int i = 0; i < 50 && !hasActed(); ++i) {
         Sleep(100);

@@ -78,6 +78,8 @@ TEST_F(SystemSilentPorts, KeepTheirIndexAndHoldUpNobodyElse) {
         EXPECT_EQ(11, Document(std::string("--timeout 2 ") + command)["exit"]) << command;
     }
     EXPECT_EQ(1, Document("--timeout 2 diag run")["exit"]);
+    // The standard API would wait for it at each of its own counts.
+    EXPECT_EQ(7, Document("--timeout 2 hbaapi list")["exit"]);
 }
 
 // The silent port has no serial number, so it counts as an adapter of its own: a number behind it

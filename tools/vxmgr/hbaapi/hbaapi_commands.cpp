@@ -1,5 +1,5 @@
-// hbaapi list|show: what a program gets that knows the standard HBA API alone. Nothing of the
-// management API is used here.
+// hbaapi list|show: what a program gets that knows the standard HBA API alone. The management API
+// only tells beforehand which port would hold that up.
 #include "vxmgr/hbaapi/hbaapi_commands.h"
 
 #include "vxmgr/app/inventory.h"
@@ -63,12 +63,25 @@ ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapte
     return failed != 0 && failed < adapters.size() ? ExitCode::Partial : first;
 }
 
+// The standard API counts its adapters anew for each that is opened, port after port, and would
+// wait every time for one that does not answer.
+void CheckThatPortsAnswer(tools::Invocation& invocation) {
+    for (const Port& port : ReadPorts(invocation)) {
+        if (port.failure == HXMGT_TIMED_OUT) {
+            invocation.Fail(port.failure,
+                            "the standard API asks every port in turn, and " + port.failedQuery,
+                            port.Object());
+        }
+    }
+}
+
 ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout layout,
               Record (*recordOf)(const HbaAdapter&)) {
     const auto file = OwnLibraryFile();
     if (!file) {
         invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program");
     }
+    CheckThatPortsAnswer(invocation);
     VendorLibrary library;
     std::string error;
     if (!library.Load(*file, &error)) {
