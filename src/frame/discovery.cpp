@@ -53,6 +53,8 @@ bool IsFamilyService(const char* name) {
     return false;
 }
 
+}  // namespace
+
 bool IsFamilyPort(uint32_t port) {
     char path[32];
     wsprintfA(path, kScsiPortPath, port);
@@ -75,8 +77,6 @@ bool IsFamilyPort(uint32_t port) {
         device.Get(), {&probe, sizeof probe, &probe, sizeof probe}, &returned);
     return error == ERROR_SUCCESS && probe.envelope.ext.status == 0;
 }
-
-}  // namespace
 
 std::span<char> DiscoveryText() {
     thread_local char text[kDiscoveryTextSize];
@@ -101,7 +101,7 @@ const char* FamilyDriverName(uint32_t port) {
 uint32_t CountAdapters() {
     uint32_t count = 0;
     for (uint32_t port = 0; port < HX_MAX_SCSI_PORTS; ++port) {
-        count += FamilyDriverName(port) != nullptr ? 1 : 0;
+        count += IsFamilyPort(port) ? 1 : 0;
     }
     return count;
 }

@@ -19,7 +19,11 @@ std::span<char> DiscoveryText();
 // Driver service name that the registry gives the port, in DiscoveryText; empty when it has none.
 const char* DriverNameOfPort(uint32_t port);
 
-// The same if the port's driver answers as one of the family, else null. Asks the port each time.
+// Whether the port's driver answers as one of the family. Asks the port each time, and nobody else:
+// counting needs no names.
+bool IsFamilyPort(uint32_t port);
+
+// The driver name of such a port, else null.
 const char* FamilyDriverName(uint32_t port);
 
 uint32_t CountAdapters();

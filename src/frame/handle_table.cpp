@@ -51,7 +51,7 @@ bool IsFree(const HXMGT_API_HANDLE& record) {
 int FindPort(uint32_t adapterIndex) {
     uint32_t found = 0;
     for (uint32_t port = 0; port < HX_MAX_SCSI_PORTS; ++port) {
-        if (FamilyDriverName(port) != nullptr) {
+        if (IsFamilyPort(port)) {
             if (found == adapterIndex) {
                 return static_cast<int>(port);
             }
@@ -63,12 +63,12 @@ int FindPort(uint32_t adapterIndex) {
 
 // Index of the adapter at this SCSI port, or -1 when the port is not of the family.
 int AdapterIndexOf(uint32_t scsiPort) {
-    if (FamilyDriverName(scsiPort) == nullptr) {
+    if (!IsFamilyPort(scsiPort)) {
         return -1;
     }
     int index = 0;
     for (uint32_t port = 0; port < scsiPort; ++port) {
-        index += FamilyDriverName(port) != nullptr ? 1 : 0;
+        index += IsFamilyPort(port) ? 1 : 0;
     }
     return index;
 }

@@ -78,9 +78,8 @@ HBA_STATUS GetAdapterName(HBA_UINT32 index, char* name) {
     name[0] = 0;
     uint32_t found = 0;
     for (uint32_t port = 0; port < HX_MAX_SCSI_PORTS; ++port) {
-        const char* const driver = frame::FamilyDriverName(port);
-        if (driver != nullptr && found++ == index) {
-            wsprintfA(name, kNameFormat, driver, index + 1);
+        if (frame::IsFamilyPort(port) && found++ == index) {
+            wsprintfA(name, kNameFormat, frame::DriverNameOfPort(port), index + 1);
             return HBA_STATUS_OK;
         }
     }

@@ -2,7 +2,13 @@
 // only tells beforehand which port would hold that up.
 #include "vxmgr/hbaapi/hbaapi_commands.h"
 
+#include <algorithm>
+#include <memory>
+#include <numeric>
+#include <span>
+
 #include "vxmgr/app/inventory.h"
+#include "vxmgr/app/side_by_side.h"
 #include "vxmgr/hbaapi/hbaapi_library.h"
 #include "vxmgr/hbaapi/hbaapi_records.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"
@@ -75,6 +81,39 @@ void CheckThatPortsAnswer(tools::Invocation& invocation) {
     }
 }
 
+// Each open counts the adapters anew, mostly waiting for drivers: some at a time.
+std::vector<HbaAdapter> ReadAdapters(tools::Invocation& invocation,
+                                     const std::shared_ptr<VendorLibrary>& library,
+                                     std::span<const HBA_UINT32> indexes, HbaDepth depth) {
+    constexpr size_t kAtATime = 8;
+    constexpr std::chrono::seconds kAdapterTime{60};
+    std::vector<HbaAdapter> adapters;
+    while (!indexes.empty()) {
+        const auto some = indexes.first(std::min(kAtATime, indexes.size()));
+        indexes = indexes.subspan(some.size());
+        std::vector<PortQuestion<HbaAdapter>> questions;
+        for (const HBA_UINT32 index : some) {
+            questions.push_back({"adapter " + std::to_string(index) + " of the standard API",
+                                 [library, index, depth](PortTask& task, HbaAdapter& adapter) {
+                                     task.Answered(kAdapterTime);
+                                     adapter = ReadHbaAdapter(library->Api(), index, depth);
+                                 }});
+        }
+        auto made = AskSideBySide(invocation, std::move(questions));
+        for (size_t i = 0; i < made.size(); ++i) {
+            if (!made[i]) {
+                invocation.Fail(HXMGT_TIMED_OUT, "the standard API does not come to an end",
+                                "index:" + std::to_string(some[i]));
+            }
+            // It may have gone since it was counted.
+            if (made[i]->named != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
+                adapters.push_back(std::move(*made[i]));
+            }
+        }
+    }
+    return adapters;
+}
+
 ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout layout,
               Record (*recordOf)(const HbaAdapter&)) {
     const auto file = OwnLibraryFile();
@@ -82,31 +121,27 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout l
         invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program");
     }
     CheckThatPortsAnswer(invocation);
-    VendorLibrary library;
+    const auto library = std::make_shared<VendorLibrary>();
     std::string error;
-    if (!library.Load(*file, &error)) {
+    if (!library->Load(*file, &error)) {
         invocation.Fail(ExitCode::Failed, error);
     }
     // To select among them takes their attributes, not everything that can be asked.
     const bool selects = invocation.Given().Has("adapter") || invocation.Given().Has("port");
-    std::vector<HbaAdapter> adapters;
-    const HBA_UINT32 count = library.Api().GetNumberOfAdaptersHandler();
-    for (HBA_UINT32 index = 0; index < count; ++index) {
-        invocation.CheckStop();
-        HbaAdapter adapter =
-            ReadHbaAdapter(library.Api(), index, selects ? HbaDepth::Attributes : depth);
-        // It may have gone since it was counted.
-        if (adapter.named != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
-            adapters.push_back(std::move(adapter));
+    std::vector<HBA_UINT32> indexes(library->Api().GetNumberOfAdaptersHandler());
+    std::iota(indexes.begin(), indexes.end(), 0);
+    std::vector<HbaAdapter> adapters = Selected(
+        invocation,
+        ReadAdapters(invocation, library, indexes, selects ? HbaDepth::Attributes : depth));
+    if (selects && depth == HbaDepth::Everything) {
+        indexes.clear();
+        for (const HbaAdapter& adapter : adapters) {
+            indexes.push_back(adapter.index);
         }
+        adapters = ReadAdapters(invocation, library, indexes, depth);
     }
-    adapters = Selected(invocation, std::move(adapters));
     std::vector<Record> records;
-    for (HbaAdapter& adapter : adapters) {
-        invocation.CheckStop();
-        if (selects && depth == HbaDepth::Everything) {
-            adapter = ReadHbaAdapter(library.Api(), adapter.index, depth);
-        }
+    for (const HbaAdapter& adapter : adapters) {
         records.push_back(recordOf(adapter));
     }
     invocation.Result().AddList("adapters", "Adapters", layout, recordOf(HbaAdapter()),
