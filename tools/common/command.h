@@ -71,6 +71,9 @@ struct Command {
     bool hidden = false;
 };
 
+// The commands of one file.
+using CommandRows = std::span<const Command>;
+
 // A document that commands read and write beside their results.
 struct Document {
     const char* schema;  // as of a command

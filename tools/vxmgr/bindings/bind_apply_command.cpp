@@ -1,6 +1,6 @@
 // bind apply.
-#include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/lunmask_live.h"
 
 namespace vxmgr {
@@ -11,12 +11,6 @@ using tools::ExitCode;
 constexpr tools::Argument kApplyArguments[] = {
     {"--masks", tools::ArgumentKind::Flag, "", "the stored LUN masks too"},
 };
-
-}  // namespace
-
-std::span<const tools::Argument> BindApplyArguments() {
-    return kApplyArguments;
-}
 
 ExitCode BindApply(tools::Invocation& invocation) {
     PortTargets targets = OpenPortTargets(invocation);
@@ -38,6 +32,23 @@ ExitCode BindApply(tools::Invocation& invocation) {
         ApplyMasks(invocation, targets, *targets.masks.block, AwayTarget::Failed, steps);
     }
     return steps.Finish();
+}
+
+}  // namespace
+
+tools::CommandRows BindApplyCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "bind apply",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "bind in the driver what is stored",
+            .schema = "bind.change",
+            .arguments = kApplyArguments,
+            .run = BindApply,
+            .example = "bind apply --masks -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

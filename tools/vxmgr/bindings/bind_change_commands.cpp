@@ -3,10 +3,10 @@
 
 #include "common/text.h"
 #include "vxmgr/app/port_id.h"
-#include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_choice.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_select.h"
@@ -271,20 +271,6 @@ SwapPlan PlanSwap(tools::Invocation& invocation, PortTargets& targets, const Cho
     return plan;
 }
 
-}  // namespace
-
-std::span<const Argument> BindAddArguments() {
-    return kAddArguments;
-}
-
-std::span<const Argument> BindRemoveArguments() {
-    return kRemoveArguments;
-}
-
-std::span<const Argument> BindSwapArguments() {
-    return kSwapArguments;
-}
-
 ExitCode BindAdd(tools::Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
@@ -380,6 +366,41 @@ ExitCode BindSwap(tools::Invocation& invocation) {
                   "neither of the two is bound in the store");
     }
     return steps.Finish();
+}
+
+}  // namespace
+
+tools::CommandRows BindChangeCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "bind add",
+            .risk = tools::Risk::Reversible,
+            .help = "bind a target, or change its binding",
+            .schema = "bind.change",
+            .arguments = kAddArguments,
+            .run = BindAdd,
+            .example = "bind add -t wwn:2b:00:02:45:4d:00:01:00 --id 5 -p scsi:3",
+        },
+        {
+            .path = "bind remove",
+            .risk = tools::Risk::Reversible,
+            .help = "remove a binding from the store",
+            .schema = "bind.change",
+            .arguments = kRemoveArguments,
+            .run = BindRemove,
+            .example = "bind remove -t 0:5 -p scsi:3",
+        },
+        {
+            .path = "bind swap",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "put a target in the place of another",
+            .schema = "bind.change",
+            .arguments = kSwapArguments,
+            .run = BindSwap,
+            .example = "bind swap -t 0:5 --with wwn:2b:00:02:45:4d:00:02:00 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

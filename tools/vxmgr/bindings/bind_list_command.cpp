@@ -3,8 +3,8 @@
 
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_document.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_choice.h"
 #include "vxmgr/targets/target_records.h"
 
@@ -102,12 +102,6 @@ void AddRows(PortTargets& targets, const StoreChoice& stores, std::vector<Record
     }
 }
 
-}  // namespace
-
-std::span<const tools::Argument> BindListArguments() {
-    return kListArguments;
-}
-
 ExitCode BindList(tools::Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
     std::vector<Record> rows;
@@ -127,6 +121,23 @@ ExitCode BindList(tools::Invocation& invocation) {
     invocation.Result().AddList("bindings", "Bindings", tools::ListLayout::Table,
                                 BindRow({}, {}, nullptr, {}, {}), "no bindings", std::move(rows));
     return exit;
+}
+
+}  // namespace
+
+tools::CommandRows BindListCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "bind list",
+            .risk = tools::Risk::Reads,
+            .help = "list the bound targets",
+            .schema = "bind.list",
+            .arguments = kListArguments,
+            .run = BindList,
+            .example = "bind list --store registry",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

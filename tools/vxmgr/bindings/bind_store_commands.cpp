@@ -1,6 +1,6 @@
 // bind stores, clean: what is stored for ports of any driver, present or not.
 #include "vxmgr/app/inventory.h"
-#include "vxmgr/bindings/bind_commands.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_blocks.h"
 
 namespace vxmgr {
@@ -165,12 +165,6 @@ Record CleanRow(const tools::Wwn& name, const char* outcome) {
     return row;
 }
 
-}  // namespace
-
-std::span<const tools::Argument> BindCleanArguments() {
-    return kCleanArguments;
-}
-
 ExitCode BindStores(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     std::vector<Record> rows;
@@ -221,6 +215,31 @@ ExitCode BindClean(tools::Invocation& invocation) {
         invocation.Note("dry run: nothing was changed");
     }
     return failures == 0 ? ExitCode::Done : all ? ExitCode::Failed : ExitCode::Partial;
+}
+
+}  // namespace
+
+tools::CommandRows BindStoreCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "bind stores",
+            .risk = tools::Risk::Reads,
+            .help = "list the ports that have stored data, absent ones among them",
+            .schema = "bind.stores",
+            .run = BindStores,
+            .example = "bind stores",
+        },
+        {
+            .path = "bind clean",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "delete the stored data of absent ports",
+            .schema = "bind.clean",
+            .arguments = kCleanArguments,
+            .run = BindClean,
+            .example = "bind clean 21:00:02:45:4d:00:09:00",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

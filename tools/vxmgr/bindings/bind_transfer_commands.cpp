@@ -1,7 +1,7 @@
 // bind export, import.
-#include "vxmgr/bindings/bind_commands.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_transfer.h"
 
 namespace vxmgr {
@@ -46,16 +46,6 @@ void ApplyLive(tools::Invocation& invocation, PortTargets& targets, const HX_TAR
     ApplyBindings(invocation, targets, block, AwayTarget::Pending, steps);
 }
 
-}  // namespace
-
-std::span<const tools::Argument> BindExportArguments() {
-    return ExportArguments();
-}
-
-std::span<const tools::Argument> BindImportArguments() {
-    return ImportArguments();
-}
-
 ExitCode BindExport(tools::Invocation& invocation) {
     return Export(invocation, [&](PortTargets& targets, size_t* count) {
         const bool live = invocation.Given().Text("store") == kLive;
@@ -73,6 +63,32 @@ ExitCode BindExport(tools::Invocation& invocation) {
 ExitCode BindImport(tools::Invocation& invocation) {
     return Import<HX_TARGET_DATA>(
         invocation, {"bindings", ReadBindDocument, &PortTargets::bindings, Adapt, ApplyLive, ""});
+}
+
+}  // namespace
+
+tools::CommandRows BindTransferCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "bind export",
+            .risk = tools::Risk::Reads,
+            .help = "write a port's bindings to a document",
+            .schema = "bind.export",
+            .arguments = ExportArguments(),
+            .run = BindExport,
+            .example = "bind export bindings.json -p scsi:3",
+        },
+        {
+            .path = "bind import",
+            .risk = tools::Risk::Reversible,
+            .help = "take a port's bindings from a document",
+            .schema = "bind.import",
+            .arguments = ImportArguments(),
+            .run = BindImport,
+            .example = "bind import bindings.json -p scsi:3 --dry-run",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

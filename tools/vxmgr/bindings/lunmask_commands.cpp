@@ -1,4 +1,4 @@
-#include "vxmgr/bindings/lunmask_commands.h"
+#include "vxmgr/bindings/commands.h"
 
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/lunmask_live.h"
@@ -178,16 +178,6 @@ ExitCode Change(tools::Invocation& invocation, bool allow) {
     return steps.Finish();
 }
 
-}  // namespace
-
-std::span<const tools::Argument> LunMaskShowArguments() {
-    return kShowArguments;
-}
-
-std::span<const tools::Argument> LunMaskChangeArguments() {
-    return kChangeArguments;
-}
-
 ExitCode LunMaskShow(tools::Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
@@ -219,6 +209,41 @@ ExitCode LunMaskAllow(tools::Invocation& invocation) {
 
 ExitCode LunMaskDeny(tools::Invocation& invocation) {
     return Change(invocation, false);
+}
+
+}  // namespace
+
+tools::CommandRows LunmaskCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "lunmask show",
+            .risk = tools::Risk::Reads,
+            .help = "show the LUN masks of targets",
+            .schema = "lunmask.show",
+            .arguments = kShowArguments,
+            .run = LunMaskShow,
+            .example = "lunmask show -p scsi:3",
+        },
+        {
+            .path = "lunmask allow",
+            .risk = tools::Risk::Reversible,
+            .help = "let the host see LUNs of a target",
+            .schema = "lunmask.change",
+            .arguments = kChangeArguments,
+            .run = LunMaskAllow,
+            .example = "lunmask allow 0-7,12 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+        },
+        {
+            .path = "lunmask deny",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "hide LUNs of a target from the host",
+            .schema = "lunmask.change",
+            .arguments = kChangeArguments,
+            .run = LunMaskDeny,
+            .example = "lunmask deny 3 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

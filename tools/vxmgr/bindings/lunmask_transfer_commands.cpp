@@ -1,5 +1,5 @@
 // lunmask export, import.
-#include "vxmgr/bindings/lunmask_commands.h"
+#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/lunmask_document.h"
 #include "vxmgr/bindings/lunmask_live.h"
 #include "vxmgr/bindings/store_transfer.h"
@@ -61,16 +61,6 @@ void ApplyLive(tools::Invocation& invocation, PortTargets& targets, const HX_LUN
     ApplyMasks(invocation, targets, block, AwayTarget::Pending, steps);
 }
 
-}  // namespace
-
-std::span<const tools::Argument> LunMaskExportArguments() {
-    return ExportArguments();
-}
-
-std::span<const tools::Argument> LunMaskImportArguments() {
-    return ImportArguments();
-}
-
 ExitCode LunMaskExport(tools::Invocation& invocation) {
     return Export(invocation, [&](PortTargets& targets, size_t* count) {
         const bool live = invocation.Given().Text("store") == kLive;
@@ -89,6 +79,32 @@ ExitCode LunMaskImport(tools::Invocation& invocation) {
     return Import<HX_LUN_DATA>(
         invocation, {"LUN masks", ReadLunMaskDocument, &PortTargets::masks, Adapt, ApplyLive,
                      "LUNs that become masked are hidden from this host: I/O to them stops."});
+}
+
+}  // namespace
+
+tools::CommandRows LunmaskTransferCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "lunmask export",
+            .risk = tools::Risk::Reads,
+            .help = "write a port's LUN masks to a document",
+            .schema = "lunmask.export",
+            .arguments = ExportArguments(),
+            .run = LunMaskExport,
+            .example = "lunmask export masks.json -p scsi:3",
+        },
+        {
+            .path = "lunmask import",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "take a port's LUN masks from a document",
+            .schema = "lunmask.import",
+            .arguments = ImportArguments(),
+            .run = LunMaskImport,
+            .example = "lunmask import masks.json -p scsi:3 --dry-run",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,5 +1,5 @@
 // The diagnostics that stop I/O.
-#include "vxmgr/diag/diag_commands.h"
+#include "vxmgr/diag/commands.h"
 
 #include <chrono>
 
@@ -101,15 +101,6 @@ Record RegisterRow(size_t number, uint16_t value) {
     row.Add("register", "Register", Value::Number(number), "REGISTER");
     row.Add("value", "Value", Value::Text(tools::Hex(value, 4)), "VALUE");
     return row;
-}
-
-}  // namespace
-
-std::span<const Argument> DiagLoopbackArguments() {
-    return kLoopbackArguments;
-}
-std::span<const Argument> DiagMailboxArguments() {
-    return kMailboxArguments;
 }
 
 ExitCode DiagLoopback(tools::Invocation& invocation) {
@@ -223,6 +214,40 @@ ExitCode DiagMailbox(tools::Invocation& invocation) {
     return status == HXMGT_SUCCESS
                ? ExitCode::Done
                : invocation.Report(status, "the mailbox command", session.port.Object());
+}
+
+}  // namespace
+
+tools::CommandRows DiagCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "diag loopback",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "have the firmware loop data and compare it",
+            .schema = "diag.loopback",
+            .arguments = kLoopbackArguments,
+            .run = DiagLoopback,
+            .example = "diag loopback --size 512 --iterations 10 -p scsi:3",
+        },
+        {
+            .path = "diag dport",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "run a D-port test and show its results",
+            .schema = "diag.dport",
+            .run = DiagDport,
+            .example = "diag dport -p scsi:3",
+        },
+        {
+            .path = "diag mailbox",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "send a raw firmware mailbox command",
+            .schema = "diag.mailbox",
+            .arguments = kMailboxArguments,
+            .run = DiagMailbox,
+            .example = "diag mailbox 0x08 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

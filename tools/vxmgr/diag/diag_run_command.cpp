@@ -6,7 +6,7 @@
 #include "common/text.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/diag/diag_commands.h"
+#include "vxmgr/diag/commands.h"
 #include "vxmgr/diag/dump_kinds.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/fc_services.h"
@@ -230,12 +230,6 @@ std::map<uint32_t, uint32_t> SiblingsOf(const std::vector<Port*>& ports) {
     return siblings;
 }
 
-}  // namespace
-
-std::span<const tools::Argument> DiagRunArguments() {
-    return kArguments;
-}
-
 ExitCode DiagRun(tools::Invocation& invocation) {
     HX_SCSI_ADDRESS target{};
     const bool hasTarget = invocation.Given().Has("target");
@@ -286,6 +280,23 @@ ExitCode DiagRun(tools::Invocation& invocation) {
                         failed == 1 ? "1 check failed" : std::to_string(failed) + " checks failed");
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows DiagRunCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "diag run",
+            .risk = tools::Risk::Reads,
+            .help = "run every check that does no harm",
+            .schema = "diag.run",
+            .arguments = kArguments,
+            .run = DiagRun,
+            .example = "diag run -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

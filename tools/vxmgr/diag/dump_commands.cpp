@@ -1,4 +1,4 @@
-#include "vxmgr/diag/dump_commands.h"
+#include "vxmgr/diag/commands.h"
 
 #include "common/console.h"
 #include "common/status_codes.h"
@@ -129,12 +129,6 @@ void SaveBytes(tools::Invocation& invocation, const PortSession& session, const 
     AddFile(invocation.Result(), session, kind.name, path, bytes.size());
 }
 
-}  // namespace
-
-std::span<const Argument> DumpSaveArguments() {
-    return kSaveArguments;
-}
-
 ExitCode DumpTake(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     Record& result = invocation.Result();
@@ -193,6 +187,39 @@ ExitCode DumpList(tools::Invocation& invocation) {
                                 DumpRow({}, DumpKinds().front(), HXMGT_SUCCESS, 0), "no ports",
                                 std::move(rows));
     return ReportFailures(invocation, shown);
+}
+
+}  // namespace
+
+tools::CommandRows DumpCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "dump list",
+            .risk = tools::Risk::Reads,
+            .help = "which dumps there are",
+            .schema = "dump.list",
+            .run = DumpList,
+            .example = "dump list -p scsi:3",
+        },
+        {
+            .path = "dump save",
+            .risk = tools::Risk::Reads,
+            .help = "fetch a dump into a file",
+            .schema = "dump.save",
+            .arguments = kSaveArguments,
+            .run = DumpSave,
+            .example = "dump save fc firmware.dmp -p scsi:3",
+        },
+        {
+            .path = "dump take",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "have the firmware make a dump now",
+            .schema = "dump.take",
+            .run = DumpTake,
+            .example = "dump take -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

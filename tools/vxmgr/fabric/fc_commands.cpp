@@ -1,4 +1,4 @@
-#include "vxmgr/fabric/fc_commands.h"
+#include "vxmgr/fabric/commands.h"
 
 #include <chrono>
 
@@ -144,24 +144,6 @@ struct EchoTimes {
         sum += time;
     }
 };
-
-}  // namespace
-
-std::span<const Argument> FabricNodeArguments() {
-    return kNodeArguments;
-}
-std::span<const Argument> FabricLinkErrorsArguments() {
-    return kRemoteArguments;
-}
-std::span<const Argument> FabricEchoArguments() {
-    return kEchoArguments;
-}
-std::span<const Argument> FabricCtArguments() {
-    return kCtArguments;
-}
-std::span<const Argument> FabricElsArguments() {
-    return kElsArguments;
-}
 
 ExitCode FabricNames(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
@@ -314,6 +296,67 @@ ExitCode FabricEls(tools::Invocation& invocation) {
         return LinkServiceFailed(invocation, session, status, ElsName(request[0]), answer);
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows FcCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "fc names",
+            .risk = tools::Risk::Reads,
+            .help = "list what the fabric's name server knows",
+            .schema = "fc.names",
+            .run = FabricNames,
+            .example = "fc names -p scsi:3",
+        },
+        {
+            .path = "fc rnid",
+            .risk = tools::Risk::Reads,
+            .help = "ask a remote port, or the switch, what it is",
+            .schema = "fc.rnid",
+            .arguments = kNodeArguments,
+            .run = FabricNode,
+            .example = "fc rnid -t id:0x020000 -p scsi:3",
+        },
+        {
+            .path = "fc rls",
+            .risk = tools::Risk::Reads,
+            .help = "ask a remote port for its link errors",
+            .schema = "fc.rls",
+            .arguments = kRemoteArguments,
+            .run = FabricLinkErrors,
+            .example = "fc rls -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+        },
+        {
+            .path = "fc echo",
+            .risk = tools::Risk::Reads,
+            .help = "send data to a remote port and back",
+            .schema = "fc.echo",
+            .arguments = kEchoArguments,
+            .run = FabricEcho,
+            .example = "fc echo -t id:0x020000 --count 10 -p scsi:3",
+        },
+        {
+            .path = "fc ct",
+            .risk = tools::Risk::Reversible,
+            .help = "send a Common Transport request",
+            .schema = "fc.ct",
+            .arguments = kCtArguments,
+            .run = FabricCt,
+            .example = "fc ct request.bin --out-file reply.bin -p scsi:3",
+        },
+        {
+            .path = "fc els",
+            .risk = tools::Risk::Reversible,
+            .help = "send an extended link service request",
+            .schema = "fc.els",
+            .arguments = kElsArguments,
+            .run = FabricEls,
+            .example = "fc els request.bin -t id:0x020000 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,4 +1,4 @@
-#include "vxmgr/fabric/scsi_commands.h"
+#include "vxmgr/fabric/commands.h"
 
 #include "common/status_codes.h"
 #include "common/text.h"
@@ -135,24 +135,6 @@ std::vector<uint8_t> GivenCdb(tools::Invocation& invocation) {
     return cdb;
 }
 
-}  // namespace
-
-std::span<const Argument> ScsiInquiryArguments() {
-    return kInquiryArguments;
-}
-
-std::span<const Argument> ScsiUnitArguments() {
-    return kUnitArguments;
-}
-
-std::span<const Argument> ScsiTargetArguments() {
-    return kTargetArguments;
-}
-
-std::span<const Argument> ScsiRawArguments() {
-    return kRawArguments;
-}
-
 ExitCode ScsiInquiry(tools::Invocation& invocation) {
     ScsiUnit unit(invocation);
     const auto page = invocation.Given().Number("page");
@@ -261,6 +243,50 @@ ExitCode ScsiRaw(tools::Invocation& invocation) {
         AddData(invocation, "Data", reply.data);
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows ScsiCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "scsi inquiry",
+            .risk = tools::Risk::Reads,
+            .help = "ask a logical unit what it is",
+            .schema = "scsi.inquiry",
+            .arguments = kInquiryArguments,
+            .run = ScsiInquiry,
+            .example = "scsi inquiry --page 0x83 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+        },
+        {
+            .path = "scsi capacity",
+            .risk = tools::Risk::Reads,
+            .help = "ask a logical unit for its capacity",
+            .schema = "scsi.capacity",
+            .arguments = kUnitArguments,
+            .run = ScsiCapacity,
+            .example = "scsi capacity -t 0:0 --lun 1 -p scsi:3",
+        },
+        {
+            .path = "scsi luns",
+            .risk = tools::Risk::Reads,
+            .help = "list the logical units of a target",
+            .schema = "scsi.luns",
+            .arguments = kTargetArguments,
+            .run = ScsiLuns,
+            .example = "scsi luns -t 0:0 -p scsi:3",
+        },
+        {
+            .path = "scsi raw",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "send a SCSI command; asks unless it only reads",
+            .schema = "scsi.raw",
+            .arguments = kRawArguments,
+            .run = ScsiRaw,
+            .example = "scsi raw 12 00 00 00 24 00 --in 36 -t 0:0 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,7 +1,7 @@
 // flash layout
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/flash/flash_commands.h"
+#include "vxmgr/flash/commands.h"
 #include "vxmgr/flash/flash_layout.h"
 #include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_adapter.h"
@@ -31,8 +31,6 @@ Record RegionRowOf(const FlashRegion& region) {
     return row;
 }
 
-}  // namespace
-
 ExitCode FlashLayoutShow(tools::Invocation& invocation) {
     const AdapterSession session = OpenSelectedAdapter(invocation);
     const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
@@ -49,6 +47,22 @@ ExitCode FlashLayoutShow(tools::Invocation& invocation) {
     result.AddList("regions", "Regions", tools::ListLayout::Table, RegionRowOf({}), "no regions",
                    std::move(rows));
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows FlashLayoutCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "flash layout",
+            .risk = tools::Risk::Reads,
+            .help = "list the regions of an adapter's flash",
+            .schema = "flash.layout",
+            .run = FlashLayoutShow,
+            .example = "flash layout -a serial:EMU7740A0001",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -3,7 +3,7 @@
 
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/flash/flash_commands.h"
+#include "vxmgr/flash/commands.h"
 #include "vxmgr/flash/flash_lock_child.h"
 #include "vxmgr/flash/flash_lock_view.h"
 
@@ -127,12 +127,6 @@ void AddRelease(tools::Invocation& invocation, const LockRow& row, bool released
     result.Add("released", "Released", Value::Flag(released));
 }
 
-}  // namespace
-
-std::span<const Argument> FlashLockReleaseArguments() {
-    return kReleaseArguments;
-}
-
 ExitCode FlashLockShow(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
@@ -203,6 +197,40 @@ ExitCode FlashLockEnd(tools::Invocation& invocation) {
         invocation.Fail(status, "the lock cannot be released", lock.adapter->First().Object());
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows FlashLockCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "flash lock show",
+            .risk = tools::Risk::Reads,
+            .help = "which processes hold update locks",
+            .schema = "flash.lock.show",
+            .run = FlashLockShow,
+            .example = "flash lock show",
+        },
+        {
+            .path = "flash lock release",
+            .risk = tools::Risk::Reversible,
+            .help = "give back the lock of a process that has ended",
+            .schema = "flash.lock.release",
+            .arguments = kReleaseArguments,
+            .run = FlashLockRelease,
+            .example = "flash lock release --owner-pid 1424",
+        },
+        {
+            .path = kLockEndCommand,
+            .risk = tools::Risk::Reversible,
+            .help = "what `flash lock release` starts",
+            .schema = "flash.lock.release",
+            .arguments = kReleaseArguments,
+            .run = FlashLockEnd,
+            .hidden = true,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -6,7 +6,7 @@
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/flash/flash_commands.h"
+#include "vxmgr/flash/commands.h"
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"
 #include "vxmgr/flash/flash_regions.h"
@@ -158,12 +158,6 @@ ExitCode ReadRange(tools::Invocation& invocation, uint32_t offset, uint32_t leng
     return ExitCode::Done;
 }
 
-}  // namespace
-
-std::span<const Argument> FlashReadArguments() {
-    return kReadArguments;
-}
-
 ExitCode FlashRead(tools::Invocation& invocation) {
     const auto& given = invocation.Given();
     const auto offset = given.Number("offset");
@@ -182,6 +176,23 @@ ExitCode FlashRead(tools::Invocation& invocation) {
                          given.Text("REGION"));
     }
     return ReadRegions(invocation, given.Text("REGION"), given.Text("FILE"));
+}
+
+}  // namespace
+
+tools::CommandRows FlashReadCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "flash read",
+            .risk = tools::Risk::Reads,
+            .help = "save a region, all of them, or a range of bytes",
+            .schema = "flash.read",
+            .arguments = kReadArguments,
+            .run = FlashRead,
+            .example = "flash read boot boot.bin -a serial:EMU7740A0001",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

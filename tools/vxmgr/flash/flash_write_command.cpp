@@ -1,5 +1,5 @@
 // flash write
-#include "vxmgr/flash/flash_commands.h"
+#include "vxmgr/flash/commands.h"
 #include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/flash/flash_version.h"
 #include "vxmgr/update/update_plan.h"
@@ -87,12 +87,6 @@ ExitCode Write(tools::Invocation& invocation, AdapterSession& session, const Upd
     return exit;
 }
 
-}  // namespace
-
-std::span<const Argument> FlashWriteArguments() {
-    return kWriteArguments;
-}
-
 ExitCode FlashWrite(tools::Invocation& invocation) {
     const auto& given = invocation.Given();
     AdapterSession session = OpenSelectedAdapter(invocation);
@@ -119,6 +113,23 @@ ExitCode FlashWrite(tools::Invocation& invocation) {
     invocation.Confirm(QuestionAbout(session, plan));
     invocation.CheckStop();
     return Write(invocation, session, plan);
+}
+
+}  // namespace
+
+tools::CommandRows FlashWriteCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "flash write",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "write a region, and prove that it was",
+            .schema = "flash.write",
+            .arguments = kWriteArguments,
+            .run = FlashWrite,
+            .example = "flash write boot boot-362.bin -a serial:EMU7740A0001",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

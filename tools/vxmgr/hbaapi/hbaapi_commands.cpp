@@ -1,6 +1,6 @@
 // hbaapi list|show: what a program gets that knows the standard HBA API alone. The management API
 // only tells beforehand which port would hold that up.
-#include "vxmgr/hbaapi/hbaapi_commands.h"
+#include "vxmgr/hbaapi/commands.h"
 
 #include <algorithm>
 #include <memory>
@@ -149,14 +149,36 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout l
     return ReportFailed(invocation, adapters);
 }
 
-}  // namespace
-
 ExitCode HbaList(tools::Invocation& invocation) {
     return Show(invocation, HbaDepth::Attributes, tools::ListLayout::Table, HbaSummary);
 }
 
 ExitCode HbaShow(tools::Invocation& invocation) {
     return Show(invocation, HbaDepth::Everything, tools::ListLayout::Sections, HbaDetail);
+}
+
+}  // namespace
+
+tools::CommandRows HbaapiCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "hbaapi list",
+            .risk = tools::Risk::Reads,
+            .help = "list the adapters as the standard HBA API has them",
+            .schema = "hbaapi.list",
+            .run = HbaList,
+            .example = "hbaapi list",
+        },
+        {
+            .path = "hbaapi show",
+            .risk = tools::Risk::Reads,
+            .help = "show all that the standard HBA API tells",
+            .schema = "hbaapi.show",
+            .run = HbaShow,
+            .example = "hbaapi show -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,7 +1,7 @@
 // hbaapi register|unregister: the entry by which the common library of the standard HBA API finds
 // this vendor's.
 #include "common/invocation.h"
-#include "vxmgr/hbaapi/hbaapi_commands.h"
+#include "vxmgr/hbaapi/commands.h"
 #include "vxmgr/hbaapi/hbaapi_library.h"
 
 namespace vxmgr {
@@ -51,8 +51,6 @@ ExitCode Change(tools::Invocation& invocation, const File& wanted) {
     return ExitCode::Done;
 }
 
-}  // namespace
-
 ExitCode HbaRegister(tools::Invocation& invocation) {
     const File own = OwnLibraryFile();
     if (!own) {
@@ -64,6 +62,30 @@ ExitCode HbaRegister(tools::Invocation& invocation) {
 
 ExitCode HbaUnregister(tools::Invocation& invocation) {
     return Change(invocation, std::nullopt);
+}
+
+}  // namespace
+
+tools::CommandRows HbaapiRegistrationCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "hbaapi register",
+            .risk = tools::Risk::Reversible,
+            .help = "have the common library of the HBA API find this one",
+            .schema = "hbaapi.registration",
+            .run = HbaRegister,
+            .example = "hbaapi register",
+        },
+        {
+            .path = "hbaapi unregister",
+            .risk = tools::Risk::Reversible,
+            .help = "take that registration back",
+            .schema = "hbaapi.registration",
+            .run = HbaUnregister,
+            .example = "hbaapi unregister",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -227,16 +227,6 @@ void WriteParameter(tools::Invocation& invocation, const Device& device, const S
     }
 }
 
-}  // namespace
-
-std::span<const tools::Argument> ParameterNameArguments() {
-    return kNameArguments;
-}
-
-std::span<const tools::Argument> ParameterSettingArguments() {
-    return kSettingArguments;
-}
-
 ExitCode DriverShow(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
@@ -297,6 +287,40 @@ ExitCode DriverParameterSet(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::NotProven, "the parameter was written, but does not read back");
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows DriverCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "driver show",
+            .risk = tools::Risk::Reads,
+            .help = "show the drivers",
+            .schema = "driver.show",
+            .run = DriverShow,
+            .example = "driver show",
+        },
+        {
+            .path = "driver param get",
+            .risk = tools::Risk::Reads,
+            .help = "print a driver parameter",
+            .schema = "driver.param.get",
+            .arguments = kNameArguments,
+            .run = DriverParameterGet,
+            .example = "driver param get qdepth -p scsi:3",
+        },
+        {
+            .path = "driver param set",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "set or remove a driver parameter",
+            .schema = "driver.param.set",
+            .arguments = kSettingArguments,
+            .run = DriverParameterSet,
+            .example = "driver param set qdepth=32 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

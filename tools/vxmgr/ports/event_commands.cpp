@@ -247,12 +247,6 @@ class Watcher {
     tools::AbandonHooks::Registration cleanUp_;  // goes first
 };
 
-}  // namespace
-
-std::span<const tools::Argument> EventWatchArguments() {
-    return kWatchArguments;
-}
-
 ExitCode EventWatch(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
@@ -287,6 +281,31 @@ ExitCode EventTest(tools::Invocation& invocation) {
         invocation.Fail(status, "the test event was not raised", port.Object());
     }
     return finish(true);
+}
+
+}  // namespace
+
+tools::CommandRows EventCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "event watch",
+            .risk = tools::Risk::Reads,
+            .help = "print events as they come",
+            .schema = "event.watch",
+            .arguments = kWatchArguments,
+            .run = EventWatch,
+            .example = "event watch --count 2",
+        },
+        {
+            .path = "event test",
+            .risk = tools::Risk::Reversible,
+            .help = "have an adapter report a test event",
+            .schema = "event.test",
+            .run = EventTest,
+            .example = "event test -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

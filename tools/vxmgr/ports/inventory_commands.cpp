@@ -40,8 +40,6 @@ ExitCode Ports(tools::Invocation& invocation, ListLayout layout, Record (*record
     return ReportFailures(invocation, shown);
 }
 
-}  // namespace
-
 ExitCode AdapterList(tools::Invocation& invocation) {
     return Adapters(invocation, ListLayout::Table, AdapterSummary);
 }
@@ -57,6 +55,46 @@ ExitCode PortList(tools::Invocation& invocation) {
 
 ExitCode PortShow(tools::Invocation& invocation) {
     return Ports(invocation, ListLayout::Sections, PortDetail);
+}
+
+}  // namespace
+
+tools::CommandRows AdapterAndPortCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "adapter list",
+            .risk = tools::Risk::Reads,
+            .help = "list the adapters",
+            .schema = "adapter.list",
+            .run = AdapterList,
+            .example = "adapter list",
+        },
+        {
+            .path = "adapter show",
+            .risk = tools::Risk::Reads,
+            .help = "show adapters in detail, with their ports",
+            .schema = "adapter.show",
+            .run = AdapterShow,
+            .example = "adapter show -a serial:EMU7740A0001",
+        },
+        {
+            .path = "port list",
+            .risk = tools::Risk::Reads,
+            .help = "list the ports",
+            .schema = "port.list",
+            .run = PortList,
+            .example = "port list -o csv",
+        },
+        {
+            .path = "port show",
+            .risk = tools::Risk::Reads,
+            .help = "show ports in detail",
+            .schema = "port.show",
+            .run = PortShow,
+            .example = "port show -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

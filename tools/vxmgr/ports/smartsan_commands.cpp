@@ -64,8 +64,6 @@ ExitCode Switch(tools::Invocation& invocation, bool wanted) {
     return ExitCode::Done;
 }
 
-}  // namespace
-
 ExitCode SmartSanGet(tools::Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
     invocation.Result().Add("enabled", "SmartSAN", OnOffValue(IsEnabled(invocation, device)));
@@ -78,6 +76,38 @@ ExitCode SmartSanOn(tools::Invocation& invocation) {
 
 ExitCode SmartSanOff(tools::Invocation& invocation) {
     return Switch(invocation, false);
+}
+
+}  // namespace
+
+tools::CommandRows SmartsanCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "smartsan get",
+            .risk = tools::Risk::Reads,
+            .help = "is SmartSAN on?",
+            .schema = "smartsan.get",
+            .run = SmartSanGet,
+            .example = "smartsan get",
+        },
+        {
+            .path = "smartsan on",
+            .risk = tools::Risk::Reversible,
+            .help = "switch SmartSAN on from the driver's next start",
+            .schema = "smartsan.set",
+            .run = SmartSanOn,
+            .example = "smartsan on -p scsi:3",
+        },
+        {
+            .path = "smartsan off",
+            .risk = tools::Risk::Reversible,
+            .help = "switch SmartSAN off from the driver's next start",
+            .schema = "smartsan.set",
+            .run = SmartSanOff,
+            .example = "smartsan off -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

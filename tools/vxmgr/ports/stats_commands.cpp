@@ -1,4 +1,5 @@
-#include "vxmgr/ports/stats_commands.h"
+#include "vxmgr/ports/commands.h"
+#include "vxmgr/ports/stats_row.h"
 
 #include <chrono>
 
@@ -83,9 +84,7 @@ Record StatsRow(const Port& port, const HX_STATISTICS* statistics, std::optional
     return row;
 }
 
-std::span<const Argument> PortStatsArguments() {
-    return kArguments;
-}
+namespace {
 
 ExitCode PortStats(tools::Invocation& invocation) {
     const tools::Options& given = invocation.Given();
@@ -128,6 +127,31 @@ ExitCode PortStatsClear(tools::Invocation& invocation) {
                         "the counters were reset, but do not read back as such");
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows StatsCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "port stats",
+            .risk = tools::Risk::Reads,
+            .help = "show the counters of the ports' links",
+            .schema = "port.stats",
+            .arguments = kArguments,
+            .run = PortStats,
+            .example = "port stats --interval 10 --delta",
+        },
+        {
+            .path = "port stats clear",
+            .risk = tools::Risk::Reversible,
+            .help = "set the counters of a port to zero",
+            .schema = "port.stats.clear",
+            .run = PortStatsClear,
+            .example = "port stats clear -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -4,8 +4,9 @@
 #include <optional>
 
 #include "vxmgr/app/port_walk.h"
-#include "vxmgr/ports/stats_commands.h"
+#include "vxmgr/ports/commands.h"
 #include "vxmgr/ports/stats_counters.h"
+#include "vxmgr/ports/stats_row.h"
 
 namespace vxmgr {
 namespace {

@@ -1,7 +1,7 @@
 // Also nvram activate.
 #include "vxmgr/settings/nvram_activate.h"
 
-#include "vxmgr/settings/nvram_commands.h"
+#include "vxmgr/settings/commands.h"
 #include "vxmgr/settings/nvram_port.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_lock.h"
@@ -69,6 +69,8 @@ ExitCode ActivateNvram(tools::Invocation& invocation, const PortSession& session
     return ExitCode::Done;
 }
 
+namespace {
+
 ExitCode NvramActivate(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, false);
@@ -101,6 +103,22 @@ ExitCode NvramActivate(tools::Invocation& invocation) {
         invocation.Note("no settings waited: the bank in use is the same");
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows NvramActivateCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvram activate",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "have the firmware use what was written: restarts the port",
+            .schema = "nvram.activate",
+            .run = NvramActivate,
+            .example = "nvram activate -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

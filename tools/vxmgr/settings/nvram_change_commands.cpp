@@ -1,8 +1,8 @@
 // nvram set, nvram import.
 #include <algorithm>
 
+#include "vxmgr/settings/commands.h"
 #include "vxmgr/settings/nvram_change.h"
-#include "vxmgr/settings/nvram_commands.h"
 #include "vxmgr/settings/nvram_file.h"
 
 namespace vxmgr {
@@ -56,16 +56,6 @@ void ApplySettings(tools::Invocation& invocation, const NvramMap& map,
     }
 }
 
-}  // namespace
-
-std::span<const Argument> NvramSetArguments() {
-    return kSetArguments;
-}
-
-std::span<const Argument> NvramImportArguments() {
-    return kImportArguments;
-}
-
 ExitCode NvramSet(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, WantsOtherBank(invocation));
@@ -87,6 +77,32 @@ ExitCode NvramImport(tools::Invocation& invocation) {
     std::vector<uint8_t> block = LoadNvramFile(invocation, session, before, FileUse::Write);
     return ChangeNvram(invocation, session, before, std::move(block),
                        "Import NVRAM settings from a file.");
+}
+
+}  // namespace
+
+tools::CommandRows NvramChangeCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvram set",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "change settings",
+            .schema = "nvram.change",
+            .arguments = kSetArguments,
+            .run = NvramSet,
+            .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
+        },
+        {
+            .path = "nvram import",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "take the settings from a file",
+            .schema = "nvram.change",
+            .arguments = kImportArguments,
+            .run = NvramImport,
+            .example = "nvram import settings.json -p scsi:3 --dry-run",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,5 +1,5 @@
 // nvram show, nvram get, nvram verify.
-#include "vxmgr/settings/nvram_commands.h"
+#include "vxmgr/settings/commands.h"
 
 #include "common/status_codes.h"
 #include "vxmgr/app/port_walk.h"
@@ -94,16 +94,6 @@ Verified Verify(tools::Invocation& invocation, const PortSession& session) {
     return verified;
 }
 
-}  // namespace
-
-std::span<const Argument> NvramShowArguments() {
-    return BankArguments();
-}
-
-std::span<const Argument> NvramGetArguments() {
-    return kGetArguments;
-}
-
 ExitCode NvramShow(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
@@ -190,6 +180,40 @@ ExitCode NvramVerify(tools::Invocation& invocation) {
                     {},
                     HXMGT_NVRAM_CHECKSUM_INVALID});
     return ExitCode::Failed;
+}
+
+}  // namespace
+
+tools::CommandRows NvramCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvram show",
+            .risk = tools::Risk::Reads,
+            .help = "show the settings of a port",
+            .schema = "nvram.show",
+            .arguments = BankArguments(),
+            .run = NvramShow,
+            .example = "nvram show -p scsi:3",
+        },
+        {
+            .path = "nvram get",
+            .risk = tools::Risk::Reads,
+            .help = "print one setting",
+            .schema = "nvram.get",
+            .arguments = kGetArguments,
+            .run = NvramGet,
+            .example = "nvram get execution_throttle -p scsi:3",
+        },
+        {
+            .path = "nvram verify",
+            .risk = tools::Risk::Reads,
+            .help = "are the settings whole?",
+            .schema = "nvram.verify",
+            .run = NvramVerify,
+            .example = "nvram verify",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

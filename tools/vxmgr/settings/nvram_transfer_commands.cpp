@@ -1,7 +1,7 @@
 // nvram export, nvram diff.
 #include "vxmgr/app/files.h"
+#include "vxmgr/settings/commands.h"
 #include "vxmgr/settings/nvram_change.h"
-#include "vxmgr/settings/nvram_commands.h"
 #include "vxmgr/settings/nvram_file.h"
 #include "vxmgr/settings/nvram_records.h"
 
@@ -31,16 +31,6 @@ constexpr Argument kExportArguments[] = {
      .choices = kBankChoices},
 };
 constexpr DifferenceHeadings kHeadings = {"adapter", "file", "Adapter", "File"};
-
-}  // namespace
-
-std::span<const Argument> NvramDiffArguments() {
-    return kDiffArguments;
-}
-
-std::span<const Argument> NvramExportArguments() {
-    return kExportArguments;
-}
 
 ExitCode NvramDiff(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
@@ -84,6 +74,32 @@ ExitCode NvramExport(tools::Invocation& invocation) {
     result.Add("size", "Block", Value::Number(nvram.block.size(), "bytes"));
     result.Add("sound", "Sound", Value::Flag(sound));
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows NvramTransferCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvram diff",
+            .risk = tools::Risk::Reads,
+            .help = "compare the settings with a file",
+            .schema = "nvram.diff",
+            .arguments = kDiffArguments,
+            .run = NvramDiff,
+            .example = "nvram diff settings.json -p scsi:3",
+        },
+        {
+            .path = "nvram export",
+            .risk = tools::Risk::Reads,
+            .help = "write the settings to a file",
+            .schema = "nvram.export",
+            .arguments = kExportArguments,
+            .run = NvramExport,
+            .example = "nvram export settings.json -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,4 +1,4 @@
-#include "vxmgr/settings/vpd_commands.h"
+#include "vxmgr/settings/commands.h"
 
 #include <algorithm>
 #include <utility>
@@ -159,20 +159,6 @@ bool WriteImage(tools::Invocation& invocation, const PortSession& session, const
     return WriteSettings(invocation, session, write);
 }
 
-}  // namespace
-
-std::span<const Argument> PciVpdShowArguments() {
-    return BankArguments();
-}
-
-std::span<const Argument> PciVpdReadArguments() {
-    return kReadArguments;
-}
-
-std::span<const Argument> PciVpdWriteArguments() {
-    return kWriteArguments;
-}
-
 ExitCode PciVpdShow(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortVpd vpd = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
@@ -261,6 +247,41 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
                                "reset on, or from `nvram activate` on"});
     }
     return interrupted ? ExitCode::Cancelled : ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows VpdCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "vpd show",
+            .risk = tools::Risk::Reads,
+            .help = "show the product data of a port",
+            .schema = "vpd.show",
+            .arguments = BankArguments(),
+            .run = PciVpdShow,
+            .example = "vpd show -p scsi:3",
+        },
+        {
+            .path = "vpd read",
+            .risk = tools::Risk::Reads,
+            .help = "fetch the product data into a file",
+            .schema = "vpd.read",
+            .arguments = kReadArguments,
+            .run = PciVpdRead,
+            .example = "vpd read vpd.bin -p scsi:3",
+        },
+        {
+            .path = "vpd write",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "write product data from a file",
+            .schema = "vpd.write",
+            .arguments = kWriteArguments,
+            .run = PciVpdWrite,
+            .example = "vpd write vpd.bin -p scsi:3 --dry-run",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -6,7 +6,7 @@
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/sfp/sfp_commands.h"
+#include "vxmgr/sfp/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_interrupt.h"
@@ -210,16 +210,6 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
          "load it again before the port or the host is reset", session.port.Object(), status}};
 }
 
-}  // namespace
-
-std::span<const Argument> SfpWriteArguments() {
-    return kWriteArguments;
-}
-
-std::span<const Argument> SfpLoadArguments() {
-    return kLoadArguments;
-}
-
 ExitCode SfpWrite(tools::Invocation& invocation) {
     const auto offset = static_cast<size_t>(invocation.Given().Number("OFFSET").value_or(0));
     std::vector<uint8_t> bytes = GivenBytes(invocation, offset);
@@ -316,6 +306,32 @@ ExitCode SfpLoad(tools::Invocation& invocation) {
     invocation.Note("the transceiver took the firmware over; it cannot be read back",
                     "the revision tells what it runs");
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows SfpChangeCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "sfp write",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "write bytes to the memory of a transceiver",
+            .schema = "sfp.write",
+            .arguments = kWriteArguments,
+            .run = SfpWrite,
+            .example = "sfp write a2 0x80 01020304 -p scsi:3",
+        },
+        {
+            .path = "sfp load",
+            .risk = tools::Risk::Irrecoverable,
+            .help = "load firmware into a transceiver",
+            .schema = "sfp.load",
+            .arguments = kLoadArguments,
+            .run = SfpLoad,
+            .example = "sfp load transceiver.bin -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,5 +1,5 @@
 // sfp show, sfp dump.
-#include "vxmgr/sfp/sfp_commands.h"
+#include "vxmgr/sfp/commands.h"
 
 #include "vxmgr/app/values.h"
 #include "vxmgr/sfp/sfp_port.h"
@@ -65,12 +65,6 @@ Record ModuleRecord(const Port& port, const SfpModule& module) {
     return record;
 }
 
-}  // namespace
-
-std::span<const Argument> SfpDumpArguments() {
-    return kDumpArguments;
-}
-
 ExitCode SfpShow(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Record> rows;
@@ -111,6 +105,31 @@ ExitCode SfpDump(tools::Invocation& invocation) {
         }
     }
     return ExitCode::Done;
+}
+
+}  // namespace
+
+tools::CommandRows SfpCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "sfp show",
+            .risk = tools::Risk::Reads,
+            .help = "show transceivers: identity and measured values",
+            .schema = "sfp.show",
+            .run = SfpShow,
+            .example = "sfp show -p scsi:3",
+        },
+        {
+            .path = "sfp dump",
+            .risk = tools::Risk::Reads,
+            .help = "print the memory of a transceiver",
+            .schema = "sfp.dump",
+            .arguments = kDumpArguments,
+            .run = SfpDump,
+            .example = "sfp dump --page a0 -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -4,7 +4,7 @@
 
 #include "common/text.h"
 #include "vxmgr/app/side_by_side.h"
-#include "vxmgr/sfp/sfp_commands.h"
+#include "vxmgr/sfp/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 
 namespace vxmgr {
@@ -175,17 +175,28 @@ class Watcher {
     ExitCode exit_ = ExitCode::Done;
 };
 
-}  // namespace
-
-std::span<const Argument> SfpWatchArguments() {
-    return kWatchArguments;
-}
-
 ExitCode SfpWatch(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     Watcher watcher(invocation);
     const ExitCode started = watcher.Start(ports);
     return watcher.Run(started);
+}
+
+}  // namespace
+
+tools::CommandRows SfpWatchCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "sfp watch",
+            .risk = tools::Risk::Reads,
+            .help = "print measured values as they come",
+            .schema = "sfp.watch",
+            .arguments = kWatchArguments,
+            .run = SfpWatch,
+            .example = "sfp watch --interval 10 --count 3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

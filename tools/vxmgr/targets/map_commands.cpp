@@ -1,5 +1,5 @@
 // map target|volume|disk: from the targets to what the operating system makes of them, and back.
-#include "vxmgr/targets/map_commands.h"
+#include "vxmgr/targets/commands.h"
 
 #include <functional>
 #include <vector>
@@ -166,12 +166,6 @@ std::string DisksText(const std::vector<uint32_t>& disks) {
     return text;
 }
 
-}  // namespace
-
-std::span<const Argument> MapTargetArguments() {
-    return kTargetArguments;
-}
-
 ExitCode MapTarget(tools::Invocation& invocation) {
     const std::string text = invocation.Given().Text("TARGET");
     const bool all = text == "all";
@@ -204,10 +198,6 @@ ExitCode MapTarget(tools::Invocation& invocation) {
     return exit;
 }
 
-std::span<const Argument> MapVolumeArguments() {
-    return kVolumeArguments;
-}
-
 ExitCode MapVolume(tools::Invocation& invocation) {
     const std::string volume = GivenVolume(invocation);
     const std::string shown = invocation.Given().Text("VOLUME");
@@ -238,10 +228,6 @@ ExitCode MapVolume(tools::Invocation& invocation) {
     return exit;
 }
 
-std::span<const Argument> MapDiskArguments() {
-    return kDiskArguments;
-}
-
 ExitCode MapDisk(tools::Invocation& invocation) {
     const std::string text = invocation.Given().Text("DISK");
     const auto disk = ParseDisk(text);
@@ -260,6 +246,41 @@ ExitCode MapDisk(tools::Invocation& invocation) {
                         "`map target all` shows the disks that are");
     }
     return exit;
+}
+
+}  // namespace
+
+tools::CommandRows MapCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "map target",
+            .risk = tools::Risk::Reads,
+            .help = "the devices and volumes on the logical units of targets",
+            .schema = "map",
+            .arguments = kTargetArguments,
+            .run = MapTarget,
+            .example = "map target all",
+        },
+        {
+            .path = "map volume",
+            .risk = tools::Risk::Reads,
+            .help = "the logical units that a volume lives on",
+            .schema = "map",
+            .arguments = kVolumeArguments,
+            .run = MapVolume,
+            .example = "map volume E:",
+        },
+        {
+            .path = "map disk",
+            .risk = tools::Risk::Reads,
+            .help = "the logical unit behind a disk",
+            .schema = "map",
+            .arguments = kDiskArguments,
+            .run = MapDisk,
+            .example = "map disk 41",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,4 +1,4 @@
-#include "vxmgr/targets/target_commands.h"
+#include "vxmgr/targets/commands.h"
 
 #include "vxmgr/app/values.h"
 #include "vxmgr/targets/target_luns.h"
@@ -61,12 +61,6 @@ Record LunRow(const Port& port, const tools::Wwn& target, const LunRun* run) {
     return row;
 }
 
-}  // namespace
-
-std::span<const tools::Argument> TargetSelectArguments() {
-    return kSelectArguments;
-}
-
 ExitCode TargetList(tools::Invocation& invocation) {
     return ListTargets(invocation, TargetSummary, FailedSummary, ListLayout::Table);
 }
@@ -103,6 +97,41 @@ ExitCode TargetLuns(tools::Invocation& invocation) {
                         "see `target list`");
     }
     return exit;
+}
+
+}  // namespace
+
+tools::CommandRows TargetCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "target list",
+            .risk = tools::Risk::Reads,
+            .help = "list the targets of the ports",
+            .schema = "target.list",
+            .arguments = kSelectArguments,
+            .run = TargetList,
+            .example = "target list -p scsi:3",
+        },
+        {
+            .path = "target show",
+            .risk = tools::Risk::Reads,
+            .help = "show targets in detail",
+            .schema = "target.show",
+            .arguments = kSelectArguments,
+            .run = TargetShow,
+            .example = "target show -t wwn:2b:00:02:45:4d:00:01:00",
+        },
+        {
+            .path = "target luns",
+            .risk = tools::Risk::Reads,
+            .help = "list the LUNs that targets report, with their masks",
+            .schema = "target.luns",
+            .arguments = kSelectArguments,
+            .run = TargetLuns,
+            .example = "target luns -p scsi:3",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -2,7 +2,7 @@
 #include "common/status_codes.h"
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/update/fw_commands.h"
+#include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_activation.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_interrupt.h"
@@ -217,16 +217,27 @@ ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session
                : invocation.Report(status, "the settings were not taken over", session.Object());
 }
 
-}  // namespace
-
-std::span<const Argument> FirmwareActivateArguments() {
-    return kActivateArguments;
-}
-
 ExitCode FirmwareActivate(tools::Invocation& invocation) {
     AdapterSession session = OpenSelectedAdapter(invocation);
     return invocation.Given().Has("settings") ? ActivateSettings(invocation, session)
                                               : ActivateFirmware(invocation, session);
+}
+
+}  // namespace
+
+tools::CommandRows FwActivateCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "fw activate",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "start the stored firmware while the host runs",
+            .schema = "fw.activate",
+            .arguments = kActivateArguments,
+            .run = FirmwareActivate,
+            .example = "fw activate -a serial:EMU7740A0001",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -3,7 +3,7 @@
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/flash_image_check.h"
-#include "vxmgr/update/fw_commands.h"
+#include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_plan.h"
 #include "vxmgr/update/update_stored.h"
 
@@ -75,15 +75,6 @@ std::vector<Record> PartsOf(const ImageInfo& image) {
     return rows;
 }
 
-}  // namespace
-
-std::span<const Argument> FirmwareInspectArguments() {
-    return kInspectArguments;
-}
-std::span<const Argument> FirmwareCheckArguments() {
-    return kCheckArguments;
-}
-
 ExitCode FirmwareInspect(tools::Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const ImageInfo image = InspectImage(LoadImage(invocation, path));
@@ -122,6 +113,32 @@ ExitCode FirmwareCheck(tools::Invocation& invocation) {
             plan.mayRestart ? "the firmware of all ports of the adapter may restart with it" : "");
     }
     return exit;
+}
+
+}  // namespace
+
+tools::CommandRows FwInspectCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "fw inspect",
+            .risk = tools::Risk::Reads,
+            .help = "what an image file is, and whether it is whole",
+            .schema = "fw.inspect",
+            .arguments = kInspectArguments,
+            .run = FirmwareInspect,
+            .example = "fw inspect image.bin",
+        },
+        {
+            .path = "fw check",
+            .risk = tools::Risk::Reads,
+            .help = "whether an image may be written to an adapter, and what happens then",
+            .schema = "fw.check",
+            .arguments = kCheckArguments,
+            .run = FirmwareCheck,
+            .example = "fw check image.bin -a serial:EMU7740A0001",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -4,7 +4,7 @@
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/update/fw_commands.h"
+#include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
@@ -141,8 +141,6 @@ class Shower {
     ExitCode first_ = ExitCode::Done;
 };
 
-}  // namespace
-
 ExitCode FirmwareShow(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
@@ -157,6 +155,22 @@ ExitCode FirmwareShow(tools::Invocation& invocation) {
         shower.Show(*selected[i], stored[i]);
     }
     return shower.Finish(selected.size());
+}
+
+}  // namespace
+
+tools::CommandRows FwShowCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "fw show",
+            .risk = tools::Risk::Reads,
+            .help = "which firmware and boot code run, are stored, and start next",
+            .schema = "fw.show",
+            .run = FirmwareShow,
+            .example = "fw show",
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxmgr

@@ -1,18 +1,13 @@
-// port stats, port stats clear.
+// Readings of a port's link counters.
 #pragma once
 
 #include <optional>
-#include <span>
 
-#include "common/command.h"
+#include "common/invocation.h"
 #include "hxstatistics.h"
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {
-
-std::span<const tools::Argument> PortStatsArguments();
-tools::ExitCode PortStats(tools::Invocation& invocation);
-tools::ExitCode PortStatsClear(tools::Invocation& invocation);
 
 // port stats, as rows that keep coming.
 tools::ExitCode PortStatsWatch(tools::Invocation& invocation);

@@ -1,0 +1,13 @@
+// The rows of the command table, by the file that has the commands.
+#pragma once
+
+#include "common/command.h"
+
+namespace vxmgr {
+
+tools::CommandRows FlashLayoutCommands();
+tools::CommandRows FlashReadCommands();
+tools::CommandRows FlashWriteCommands();
+tools::CommandRows FlashLockCommands();
+
+}  // namespace vxmgr

@@ -1,0 +1,11 @@
+// The rows of the command table, by the file that has the commands.
+#pragma once
+
+#include "common/command.h"
+
+namespace vxmgr {
+
+tools::CommandRows TargetCommands();
+tools::CommandRows MapCommands();
+
+}  // namespace vxmgr
