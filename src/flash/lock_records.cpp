@@ -1,6 +1,7 @@
 #include "flash/lock_records.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -57,9 +58,15 @@ std::optional<uint32_t> FindOrAssignLock(uint32_t handle) {
     return number;
 }
 
-void HoldLock(uint32_t number, uint32_t owner, uint32_t startTick) {
-    Shared(number).owner = owner;
-    Shared(number).startTick = startTick;
+bool HoldLock(uint32_t number, const frame::FlashLock& seen, uint32_t owner, uint32_t startTick) {
+    static_assert(offsetof(frame::FlashLock, startTick) ==
+                  offsetof(frame::FlashLock, owner) + sizeof seen.owner);
+    const auto word = [](uint32_t holder, uint32_t tick) { return uint64_t{tick} << 32 | holder; };
+    uint64_t before = word(seen.owner, seen.startTick);
+    // A record stands at a multiple of eight bytes.
+    static_assert(sizeof(frame::FlashLock) % sizeof before == 0);
+    return std::atomic_ref<uint64_t>(reinterpret_cast<uint64_t&>(Shared(number)))
+        .compare_exchange_strong(before, word(owner, startTick));
 }
 
 void NoteWatchdog(uint32_t number, uint64_t thread) {

@@ -19,7 +19,8 @@ std::optional<uint32_t> FindOrAssignLock(uint32_t handle);
 
 frame::FlashLock CopyOfLock(uint32_t number);
 
-void HoldLock(uint32_t number, uint32_t owner, uint32_t startTick);
+// Takes the lock, unless another process has changed its owner since it was seen: false then.
+bool HoldLock(uint32_t number, const frame::FlashLock& seen, uint32_t owner, uint32_t startTick);
 void NoteWatchdog(uint32_t number, uint64_t thread);
 // The start tick stays.
 void FreeLock(uint32_t number);

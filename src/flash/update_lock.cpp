@@ -26,7 +26,9 @@ HX_STATUS StartUpdate(uint32_t handle, uint32_t* lockKey) {
         return HXMGT_SESSION_IN_PROGRESS;
     }
     const uint32_t self = GetCurrentProcessId();
-    HoldLock(*number, self, GetTickCount());
+    if (!HoldLock(*number, lock, self, GetTickCount())) {
+        return HXMGT_SESSION_IN_PROGRESS;  // somebody was quicker
+    }
     // The watchdog of a lock that is taken over watches handle 0, which has none; the old one is
     // not stopped: intended.
     NoteWatchdog(*number, StartWatchdog(*number, held ? 0 : handle));

@@ -48,6 +48,21 @@ class FlashLockTest : public FlashTest {
     std::vector<char> before_ = std::vector<char>(sizeof(frame::FlashLockArea));
 };
 
+TEST_F(FlashLockTest, OneOfTwoThatStartTogetherHoldsIt) {
+    ASSERT_EQ(0u, Start(handle));
+    ASSERT_EQ(0u, HXEndFlashUpdate(handle, 0, GetCurrentProcessId()));
+    for (const uint32_t earlier : {0u, 8u}) {  // free, or held for too long
+        Lock().owner = earlier;
+        clock.Advance(901000);
+        clock.WhenAsked([&] { Lock().owner = 4; });
+        uint32_t key = kUntouched;
+        EXPECT_EQ(HXMGT_SESSION_IN_PROGRESS, Start(handle, &key)) << earlier;
+        EXPECT_EQ(0u, key);
+        EXPECT_EQ(4u, Lock().owner) << "the one that was quicker keeps it";
+    }
+    Lock().owner = 0;
+}
+
 TEST_F(FlashLockTest, OneHolderForAllPortsOfAnAdapter) {
     ScriptedPort& second = AddPort(4);
     SetSerial(second, kSerial);

@@ -1,6 +1,7 @@
 #include "support/flash_peer.h"
 
 #include <atomic>
+#include <utility>
 
 namespace support {
 
@@ -9,6 +10,7 @@ namespace {
 constexpr DWORD kWatchdogSleep = 900000;
 std::atomic<uint32_t> tick{0};
 std::atomic<int> sleepers{0};
+std::function<void()> whenAsked;
 HANDLE wake = nullptr;    // set: sleepers go on
 HANDLE asleep = nullptr;  // counts the sleeps that began
 
@@ -57,7 +59,14 @@ void WINAPI UpdateClock::SleepHook(DWORD milliseconds) {
     }
 }
 
+void UpdateClock::WhenAsked(std::function<void()> act) {
+    whenAsked = std::move(act);
+}
+
 DWORD WINAPI UpdateClock::TickHook() {
+    if (const auto act = std::exchange(whenAsked, nullptr)) {
+        act();
+    }
     return tick;
 }
 

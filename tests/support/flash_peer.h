@@ -1,6 +1,7 @@
 // Update locks: the clock of a process and its watchdogs.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -20,6 +21,8 @@ class UpdateClock {
 
     static void Set(uint32_t tick);
     static void Advance(uint32_t milliseconds);
+    // Happens once, when the library next asks for the tick.
+    static void WhenAsked(std::function<void()> act);
     // Waits until a watchdog sleeps its 15 minutes; false when none does.
     static bool AwaitSleeper();
     static void WakeSleepers();
