@@ -180,11 +180,16 @@ class FieldRow {
         };
     }
 
-    // The fields of a part, among the source's own.
+    // The fields of a part, among the source's own. get gives the part, or a pointer to it.
     template <class Part, class Get>
     FieldRow(const Fields<Part>& fields, Get get) : spliced_(fields.ShapeOfAll()) {
         add_ = [&fields, get](const Source& source, Record& record) {
-            fields.AddTo(std::invoke(get, source), record);
+            decltype(auto) part = std::invoke(get, source);
+            if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(part)>>) {
+                fields.AddTo(*part, record);
+            } else {
+                fields.AddTo(part, record);
+            }
         };
     }
 
