@@ -93,8 +93,6 @@ FaultRule RequireRule(Invocation& invocation) {
     return rule;
 }
 
-}  // namespace
-
 ExitCode RunFaultAdd(Invocation& invocation) {
     const FaultRule rule = RequireRule(invocation);
     uint32_t id = 0;
@@ -158,6 +156,67 @@ tools::Shape FaultListShape() {
 
 tools::Shape FaultClearShape() {
     return RemovedFields().ShapeOfAll();
+}
+
+constexpr tools::Argument kFaultAdd[] = {
+    {.name = "PORT", .help = "scsi:N, N or all", .required = true},
+    {"VALUE", tools::ArgumentKind::Text, "",
+     "milliseconds, status, detail or bytes of the action; a detail may name its driver status: "
+     "11:0x4005"},
+    {"--code", tools::ArgumentKind::Text, "C", "command code or name of the request (any)"},
+    {.name = "--sub",
+     .kind = tools::ArgumentKind::Number,
+     .valueName = "S",
+     .help = "sub-code (any)",
+     .most = 0xFFFF},
+    {"--after", tools::ArgumentKind::Number, "N", "let N matching requests pass (0)"},
+    {"--times", tools::ArgumentKind::Number, "N", "act N times; 0 = always (0)"},
+    {.name = "--do",
+     .valueName = "ACTION",
+     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length or corrupt",
+     .required = true},
+};
+constexpr tools::Argument kFaultClear[] = {{.name = "ID",
+                                            .kind = tools::ArgumentKind::Number,
+                                            .help = "the rule; without: all rules",
+                                            .least = 1}};
+
+}  // namespace
+
+tools::CommandRows FaultCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "fault add",
+            .risk = tools::Risk::Reversible,
+            .help = "let matching requests go wrong",
+            .schema = "fault.add",
+            .arguments = kFaultAdd,
+            .run = RunFaultAdd,
+            .example = "fault add scsi:3 --code NodeProperties --do busy --times 2",
+            .result = FaultShape,
+            .notes = FaultRequestNames,
+        },
+        {
+            .path = "fault list",
+            .risk = tools::Risk::Reads,
+            .help = "fault rules and how often they acted",
+            .schema = "fault.list",
+            .run = RunFaultList,
+            .example = "fault list",
+            .result = FaultListShape,
+        },
+        {
+            .path = "fault clear",
+            .risk = tools::Risk::Reversible,
+            .help = "remove one fault rule or all",
+            .schema = "fault.clear",
+            .arguments = kFaultClear,
+            .run = RunFaultClear,
+            .example = "fault clear 2",
+            .result = FaultClearShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

@@ -223,8 +223,6 @@ ExitCode SetFlag(Invocation& invocation, const char* field, const tools::Fields<
     return ExitCode::Done;
 }
 
-}  // namespace
-
 ExitCode RunFlashShow(Invocation& invocation) {
     const uint32_t port = GivenPort(invocation);
     const auto report =
@@ -324,6 +322,120 @@ tools::Shape LockdownShape() {
 
 tools::Shape BootFromSanShape() {
     return BootFields().ShapeOfAll();
+}
+
+constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";
+constexpr tools::Argument kFlashDump[] = {
+    kPortArgument,
+    {.name = "REGION", .kind = tools::ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "FILE", .help = "file to write", .required = true},
+};
+constexpr tools::Argument kFlashImage[] = {
+    kPortArgument,
+    {.name = "REGION",
+     .kind = tools::ArgumentKind::Number,
+     .help = "code of a region of firmware or boot code",
+     .required = true},
+    {.name = "FILE", .help = "file to write", .required = true},
+    {.name = "--as",
+     .valueName = "VERSION",
+     .help = "version of the image: 9.13.00, or 3.62 of boot code",
+     .required = true},
+};
+constexpr tools::Argument kFlashCorrupt[] = {
+    kPortArgument,
+    {.name = "REGION", .kind = tools::ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "AT",
+     .kind = tools::ArgumentKind::Number,
+     .help = "offset of the byte in the region",
+     .required = true},
+};
+constexpr tools::Argument kFlashPowerFail[] = {
+    kPortArgument,
+    {"--after-bytes", tools::ArgumentKind::Number, "N", "bytes that are still written (0)"},
+};
+constexpr tools::Argument kSwitch[] = {
+    kPortArgument,
+    {.name = "STATE", .help = "on or off", .required = true, .choices = kOnOff},
+};
+
+}  // namespace
+
+tools::CommandRows FlashCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "flash show",
+            .risk = tools::Risk::Reads,
+            .help = "regions of an adapter's flash, and whether they are sound",
+            .schema = "flash.show",
+            .arguments = {&kPortArgument, 1},
+            .run = RunFlashShow,
+            .example = "flash show scsi:3",
+            .result = FlashShowShape,
+        },
+        {
+            .path = "flash dump",
+            .risk = tools::Risk::Reads,
+            .help = "write what a region holds to a file",
+            .schema = "flash.dump",
+            .arguments = kFlashDump,
+            .run = RunFlashDump,
+            .example = "flash dump scsi:3 1 old.bin",
+            .result = FlashSavedShape,
+        },
+        {
+            .path = "flash image",
+            .risk = tools::Risk::Reads,
+            .help = "make an image to update a region with",
+            .schema = "flash.image",
+            .arguments = kFlashImage,
+            .run = RunFlashImage,
+            .example = "flash image scsi:3 1 new.bin --as 9.13.00",
+            .result = FlashSavedShape,
+        },
+        {
+            .path = "flash corrupt",
+            .risk = tools::Risk::Reversible,
+            .help = "invert a byte of a region",
+            .schema = "flash.corrupt",
+            .arguments = kFlashCorrupt,
+            .run = RunFlashCorrupt,
+            .example = "flash corrupt scsi:3 1 0x1000",
+            .result = FlashCorruptShape,
+        },
+        {
+            .path = "flash power-fail",
+            .risk = tools::Risk::Reversible,
+            .help =
+                "let the adapter's power fail during a write; reset one of its ports to end that",
+            .schema = "flash.power_fail",
+            .arguments = kFlashPowerFail,
+            .run = RunFlashPowerFail,
+            .example = "flash power-fail scsi:3 --after-bytes 70000",
+            .result = PowerFailShape,
+        },
+        {
+            .path = "lockdown",
+            .risk = tools::Risk::Reversible,
+            .help = "let the adapter refuse every change of what it stores",
+            .schema = "lockdown",
+            .arguments = kSwitch,
+            .run = RunLockdown,
+            .example = "lockdown scsi:3 on",
+            .result = LockdownShape,
+        },
+        {
+            .path = "bfs",
+            .risk = tools::Risk::Reversible,
+            .help = "put the system's boot disk behind a port",
+            .schema = "bfs",
+            .arguments = kSwitch,
+            .run = RunBootFromSan,
+            .example = "bfs scsi:3 on",
+            .result = BootFromSanShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

@@ -13,6 +13,8 @@ using tools::ExitCode;
 using tools::Invocation;
 using tools::Record;
 
+constexpr const char* kUpDown[] = {"up", "down"};
+
 struct EventRow {
     const char* name;
     uint32_t code;
@@ -65,7 +67,6 @@ struct Linked {
 };
 
 const tools::Fields<Linked>& LinkFields() {
-    static constexpr const char* kUpDown[] = {"up", "down"};
     static const tools::Fields<Linked> kFields = {
         {PortNameFields(), &Linked::port},
         {"link", "Link", tools::Choice(kUpDown), &Linked::state},
@@ -89,8 +90,6 @@ ExitCode Set(Invocation& invocation, FieldScope scope) {
     invocation.Result() = std::move(result);
     return ExitCode::Done;
 }
-
-}  // namespace
 
 ExitCode RunReset(Invocation& invocation) {
     const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
@@ -168,6 +167,87 @@ tools::Shape AdapterSetShape() {
 
 tools::Shape PortSetShape() {
     return WithAssignments(PortShape(), FieldScope::Port);
+}
+
+constexpr tools::Argument kEvent[] = {
+    kPortArgument,
+    {.name = "KIND",
+     .help =
+         "lip, link-up, link-down, lip-reset, rscn, port-update, test or an event code (0x8016)",
+     .required = true},
+    {.name = "--data",
+     .valueName = "WORD",
+     .help = "a data word of the event, up to three times",
+     .repeated = true},
+};
+constexpr tools::Argument kLink[] = {
+    kPortArgument,
+    {.name = "STATE", .help = "up or down", .required = true, .choices = kUpDown},
+};
+constexpr tools::Argument kSet[] = {
+    kPortArgument,
+    {.name = "ASSIGNMENT",
+     .help = "NAME=VALUE, as in a profile file",
+     .required = true,
+     .repeated = true},
+};
+
+}  // namespace
+
+tools::CommandRows PortCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "reset",
+            .risk = tools::Risk::Reversible,
+            .help = "put a port back to its start: power, firmware, link and events",
+            .schema = "reset",
+            .arguments = {&kPortArgument, 1},
+            .run = RunReset,
+            .example = "reset scsi:3",
+            .result = PortShape,
+        },
+        {
+            .path = "event",
+            .risk = tools::Risk::Reversible,
+            .help = "raise an adapter event",
+            .schema = "event",
+            .arguments = kEvent,
+            .run = RunEvent,
+            .example = "event scsi:3 rscn --data 0x010203",
+            .result = EventShape,
+        },
+        {
+            .path = "link",
+            .risk = tools::Risk::Reversible,
+            .help = "take a port's link up or down",
+            .schema = "link",
+            .arguments = kLink,
+            .run = RunLink,
+            .example = "link scsi:3 down",
+            .result = LinkShape,
+        },
+        {
+            .path = "adapter set",
+            .risk = tools::Risk::Reversible,
+            .help = "change values of the adapter that has this port",
+            .schema = "adapter.set",
+            .arguments = kSet,
+            .run = RunAdapterSet,
+            .example = "adapter set scsi:3 firmware_version=8.1.1",
+            .result = AdapterSetShape,
+        },
+        {
+            .path = "port set",
+            .risk = tools::Risk::Reversible,
+            .help = "change values of a port",
+            .schema = "port.set",
+            .arguments = kSet,
+            .run = RunPortSet,
+            .example = "port set scsi:3 topology=public-loop",
+            .result = PortSetShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

@@ -150,8 +150,6 @@ void AddProfile(const Profile& profile, Record& result) {
               &LunProfile::target, result);
 }
 
-}  // namespace
-
 ExitCode RunProfileList(tools::Invocation& invocation) {
     const auto profile = std::make_unique<Profile>();
     std::vector<Record> rows;
@@ -199,6 +197,48 @@ tools::Shape ProfileShape() {
 
 tools::Shape ProfileValidShape() {
     return ValidFields().ShapeOfAll();
+}
+
+constexpr tools::Argument kProfileShow[] = {{"PROFILE", tools::ArgumentKind::Text, "",
+                                             "built-in profile or JSON file; without: what runs"}};
+constexpr tools::Argument kProfileFile[] = {
+    {.name = "FILE", .help = "JSON file", .required = true}};
+
+}  // namespace
+
+tools::CommandRows ProfileCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "profile list",
+            .risk = tools::Risk::Reads,
+            .help = "built-in profiles",
+            .schema = "profile.list",
+            .run = RunProfileList,
+            .example = "profile list",
+            .result = ProfileListShape,
+        },
+        {
+            .path = "profile show",
+            .risk = tools::Risk::Reads,
+            .help = "a profile as JSON",
+            .schema = "profile.show",
+            .arguments = kProfileShow,
+            .run = RunProfileShow,
+            .example = "profile show lab --out my.json",
+            .result = ProfileShape,
+        },
+        {
+            .path = "profile validate",
+            .risk = tools::Risk::Reads,
+            .help = "check a profile file",
+            .schema = "profile.validate",
+            .arguments = kProfileFile,
+            .run = RunProfileValidate,
+            .example = "profile validate my.json",
+            .result = ProfileValidShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

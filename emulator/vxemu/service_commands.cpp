@@ -114,8 +114,6 @@ bool RunsProfile(Invocation& invocation, const Profile& profile) {
     return same;
 }
 
-}  // namespace
-
 ExitCode RunInstall(Invocation& invocation) {
     DriverService service;
     const ServiceState state = Connect(invocation, service);
@@ -190,6 +188,54 @@ tools::Shape ServiceShape() {
 
 tools::Shape StartShape() {
     return StartFields().ShapeOfAll();
+}
+
+constexpr tools::Argument kStart[] = {
+    {"--profile", tools::ArgumentKind::Text, "P", "built-in profile or JSON file (lab)"}};
+
+}  // namespace
+
+tools::CommandRows ServiceCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "install",
+            .risk = tools::Risk::Reversible,
+            .help = "register the driver service",
+            .schema = "install",
+            .run = RunInstall,
+            .example = "install",
+            .result = ServiceShape,
+        },
+        {
+            .path = "uninstall",
+            .risk = tools::Risk::Reversible,
+            .help = "stop and remove the driver service",
+            .schema = "uninstall",
+            .run = RunUninstall,
+            .example = "uninstall",
+            .result = ServiceShape,
+        },
+        {
+            .path = "start",
+            .risk = tools::Risk::Reversible,
+            .help = "start the emulated adapters",
+            .schema = "start",
+            .arguments = kStart,
+            .run = RunStart,
+            .example = "start --profile lab",
+            .result = StartShape,
+        },
+        {
+            .path = "stop",
+            .risk = tools::Risk::Reversible,
+            .help = "stop the emulated adapters",
+            .schema = "stop",
+            .run = RunStop,
+            .example = "stop",
+            .result = ServiceShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

@@ -46,8 +46,6 @@ const tools::Fields<Status>& StatusFields() {
     return kFields;
 }
 
-}  // namespace
-
 ExitCode RunStatus(tools::Invocation& invocation) {
     DriverService service;
     Status status;
@@ -67,6 +65,23 @@ ExitCode RunStatus(tools::Invocation& invocation) {
 
 tools::Shape StatusShape() {
     return StatusFields().ShapeOfAll();
+}
+
+}  // namespace
+
+tools::CommandRows StatusCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "status",
+            .risk = tools::Risk::Reads,
+            .help = "what runs, and what each port has served",
+            .schema = "status",
+            .run = RunStatus,
+            .example = "status --json",
+            .result = StatusShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

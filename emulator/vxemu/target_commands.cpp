@@ -101,8 +101,6 @@ ExitCode Set(Invocation& invocation, FieldScope scope, uint32_t code, const Sele
     return ExitCode::Done;
 }
 
-}  // namespace
-
 ExitCode RunTargetAdd(Invocation& invocation) {
     const TargetSelector selector = RequireTarget(invocation);
     const std::vector<Assignment> assignments = RequireAssignments(invocation, FieldScope::Target);
@@ -178,6 +176,100 @@ tools::Shape LunShape() {
 
 tools::Shape LunSetShape() {
     return WithAssignments(LunShape(), FieldScope::Lun);
+}
+
+constexpr const char* kTargetHelp = "port name of a target: 2b:00:02:45:4d:00:01:00";
+constexpr const char* kAssignmentHelp = "NAME=VALUE, as in a profile file";
+constexpr tools::Argument kTargetAdd[] = {
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
+};
+constexpr tools::Argument kTarget[] = {{.name = "TARGET", .help = kTargetHelp, .required = true}};
+constexpr tools::Argument kTargetSet[] = {
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
+};
+constexpr tools::Argument kLunAdd[] = {
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
+};
+constexpr tools::Argument kLun[] = {
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
+};
+constexpr tools::Argument kLunSet[] = {
+    {.name = "TARGET", .help = kTargetHelp, .required = true},
+    {.name = "LUN", .help = "number of the LUN", .required = true},
+    {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
+};
+
+}  // namespace
+
+tools::CommandRows TargetCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "target add",
+            .risk = tools::Risk::Reversible,
+            .help = "connect a target",
+            .schema = "target.add",
+            .arguments = kTargetAdd,
+            .run = RunTargetAdd,
+            .example = "target add 2b:00:02:45:4d:00:aa:00 bus=1",
+            .result = TargetSetShape,
+        },
+        {
+            .path = "target remove",
+            .risk = tools::Risk::Reversible,
+            .help = "take a target and its LUNs away",
+            .schema = "target.remove",
+            .arguments = kTarget,
+            .run = RunTargetRemove,
+            .example = "target remove 2b:00:02:45:4d:00:aa:00",
+            .result = TargetShape,
+        },
+        {
+            .path = "target set",
+            .risk = tools::Risk::Reversible,
+            .help = "change values of a target",
+            .schema = "target.set",
+            .arguments = kTargetSet,
+            .run = RunTargetSet,
+            .example = "target set 2b:00:02:45:4d:00:aa:00 present=no",
+            .result = TargetSetShape,
+        },
+        {
+            .path = "lun add",
+            .risk = tools::Risk::Reversible,
+            .help = "give a target a LUN",
+            .schema = "lun.add",
+            .arguments = kLunAdd,
+            .run = RunLunAdd,
+            .example = "lun add 2b:00:02:45:4d:00:aa:00 7 blocks=4096",
+            .result = LunSetShape,
+        },
+        {
+            .path = "lun remove",
+            .risk = tools::Risk::Reversible,
+            .help = "take a LUN and what was written to it away",
+            .schema = "lun.remove",
+            .arguments = kLun,
+            .run = RunLunRemove,
+            .example = "lun remove 2b:00:02:45:4d:00:aa:00 7",
+            .result = LunShape,
+        },
+        {
+            .path = "lun set",
+            .risk = tools::Risk::Reversible,
+            .help = "change values of a LUN",
+            .schema = "lun.set",
+            .arguments = kLunSet,
+            .run = RunLunSet,
+            .example = "lun set 2b:00:02:45:4d:00:aa:00 7 blocks=8192",
+            .result = LunSetShape,
+        },
+    };
+    return kCommands;
 }
 
 }  // namespace vxemu

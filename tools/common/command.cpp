@@ -31,6 +31,15 @@ std::string SchemaName(const Tool& tool, const char* schema) {
     return std::string(tool.name) + "." + schema;
 }
 
+std::vector<Command> Joined(std::span<CommandRows (*const)()> files) {
+    std::vector<Command> commands;
+    for (const auto rows : files) {
+        const CommandRows some = rows();
+        commands.insert(commands.end(), some.begin(), some.end());
+    }
+    return commands;
+}
+
 const Command* FindCommand(const Tool& tool, std::string_view path) {
     const auto found = std::find_if(tool.commands.begin(), tool.commands.end(),
                                     [&](const Command& command) { return path == command.path; });

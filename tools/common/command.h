@@ -74,6 +74,9 @@ struct Command {
 // The commands of one file.
 using CommandRows = std::span<const Command>;
 
+// The table of a tool, file by file.
+std::vector<Command> Joined(std::span<CommandRows (*const)()> files);
+
 // A document that commands read and write beside their results.
 struct Document {
     const char* schema;  // as of a command

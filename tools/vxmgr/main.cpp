@@ -117,20 +117,11 @@ constexpr tools::CommandRows (*kFiles[])() = {
     HbaapiRegistrationCommands,
 };
 
-std::vector<tools::Command> Commands() {
-    std::vector<tools::Command> commands;
-    for (const auto rows : kFiles) {
-        const tools::CommandRows some = rows();
-        commands.insert(commands.end(), some.begin(), some.end());
-    }
-    return commands;
-}
-
 }  // namespace
 }  // namespace vxmgr
 
 int main() {
-    const std::vector<tools::Command> commands = vxmgr::Commands();
+    const std::vector<tools::Command> commands = tools::Joined(vxmgr::kFiles);
     const tools::Tool tool{
         .name = "vxmgr",
         .version = "1.0.0",
