@@ -21,7 +21,8 @@ function(vxmgmt_strict target level)
         target_compile_definitions(${target} PRIVATE _CRT_SECURE_NO_WARNINGS)
     else()
         target_compile_options(${target} PRIVATE ${VXMGMT_LEVEL_${level}}
-                                                 -Wall -Wextra -Wpedantic -Wshadow -Werror)
+                                                 -Wall -Wextra -Wpedantic -Wshadow -Werror
+                               $<$<CXX_COMPILER_ID:Clang>:-Wno-missing-braces>)
     endif()
     if(WIN32)
         target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX
@@ -49,7 +50,7 @@ endfunction()
 
 # vxmgmt_precompile(target <header>...): headers that nearly every source needs, compiled once.
 function(vxmgmt_precompile target)
-    if(NOT MSVC)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
         # Of the standard library's own code GCC no longer knows, once it is precompiled, that its
         # doubts about it are nobody's business.
         target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-restrict

@@ -13,6 +13,10 @@
 #if defined(_MSC_VER) && !defined(__clang__)
 #pragma section("vxshared", read, write, shared)
 #define VX_SHARED_BETWEEN_PROCESSES __declspec(allocate("vxshared"))
+#elif defined(_WIN32) && defined(__clang__)
+// Clang has no attribute for it: the section gets its flag where it is named first.
+asm(".section vxshared,\"dws\"\n\t.text");
+#define VX_SHARED_BETWEEN_PROCESSES __attribute__((section("vxshared")))
 #elif defined(_WIN32)
 #define VX_SHARED_BETWEEN_PROCESSES __attribute__((section("vxshared"), shared))
 #else
