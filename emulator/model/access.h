@@ -4,8 +4,8 @@
 // attachments and masks, statistics, EEPROM) and at most read what several ports share (targets and
 // LUNs, the flash of their adapter, names and states of other ports). The others run alone: they
 // change something shared, such as the flash, blocks of a disk or the list of targets, or ports
-// besides their own. Control requests run alone, too. A request runs alone unless the table of
-// access.cpp says that it stays within its port.
+// besides their own. Control requests run alone, too. A request runs alone unless its row
+// (handlers.h) says that it stays within its port.
 //
 // Three kinds of locks, always taken in this order, each held for the length of one request and
 // never while somebody waits for time to pass:

@@ -13,6 +13,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 constexpr uint32_t kDeliveredVersion = 0x00010400;  // 1.4.0
 constexpr uint32_t kExchangeAddress = 0x00E40000;
@@ -103,8 +105,6 @@ constexpr OperationRow kOperations[] = {
     {HX_COMPANION_INFORMATION, Information},
 };
 
-}  // namespace
-
 DriverStatus AuxiliaryFirmware(Exchange& exchange) {
     if (!ChipOf(exchange.GetPort()).Has(properties::ChipTrait::SecureFlash)) {
         return DriverStatus::InvalidRequest;
@@ -115,6 +115,16 @@ DriverStatus AuxiliaryFirmware(Exchange& exchange) {
         }
     }
     return DriverStatus::UnsupportedSubCode;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::AuxiliaryFirmware, .handle = AuxiliaryFirmware, .flags = AnySubCode},
+};
+
+}  // namespace
+
+RequestRows CompanionRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

@@ -10,6 +10,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 HX_DISCOVERED_DEVICE DiscoveredDevice(const Port& port, const TargetProfile& device) {
     HX_DISCOVERED_DEVICE record = {};
@@ -39,8 +41,6 @@ const TargetProfile* AskedDevice(const Exchange& exchange, DeviceKind kind) {
     properties::DiscoveredRequest request;
     return exchange.Read(request) ? NthDevice(exchange.GetPort(), kind, request.index) : nullptr;
 }
-
-}  // namespace
 
 DriverStatus DiscoveredPort(Exchange& exchange) {
     const TargetProfile* device = AskedDevice(exchange, DeviceKind::Any);
@@ -83,6 +83,18 @@ DriverStatus PortDatabase(Exchange& exchange) {
         exchange.Put(sizeof header + at * kEntry, &entry, kEntry);
     }
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::DiscoveredPort, .handle = DiscoveredPort, .flags = WithinPort},
+    {.command = command::DiscoveredTarget, .handle = DiscoveredTarget, .flags = WithinPort},
+    {.command = command::PortDatabase, .handle = PortDatabase, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows DeviceRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

@@ -9,6 +9,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 constexpr uint16_t kComplete = 0x4000;
 constexpr uint16_t kInvalidCommand = 0x4001;
@@ -87,8 +89,6 @@ constexpr MailboxRow kMailboxCommands[] = {
     {0x08, AboutFirmware},
 };
 
-}  // namespace
-
 DriverStatus Loopback(Exchange& exchange) {
     passthru::LoopbackRequest request;
     if (!exchange.Read(request) || exchange.Room() < sizeof request) {
@@ -165,6 +165,28 @@ DriverStatus Mailbox(Exchange& exchange) {
         return DriverStatus::MailboxFailed;
     }
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::Loopback, .handle = Loopback, .flags = WithinPort},
+    {.command = command::DportDiagnostic, .handle = DportDiagnostic, .flags = WithinPort},
+    {.command = command::DportResults, .handle = DportResults, .flags = WithinPort},
+    {.command = command::Mailbox, .handle = Mailbox, .flags = WithinPort},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    // Drivers of both generations take the first form of the loopback.
+    {.code = command::LegacyLoopback, .handle = LegacyLoopback, .flags = WithinPort},
+    {.code = command::LegacyLoopback,
+     .handle = LegacyLoopback,
+     .flags = WithinPort,
+     .generation = DriverGeneration::Extended},
+};
+
+}  // namespace
+
+RequestRows DiagnosticRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

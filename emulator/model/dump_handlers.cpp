@@ -10,6 +10,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 bool HasDump(const Port& port) {
     return port.dumpsForced != 0 || port.adapter->dumpPresent != 0;
@@ -72,8 +74,6 @@ DriverStatus FetchPattern(Exchange& exchange, uint32_t size, DumpKind kind) {
     });
 }
 
-}  // namespace
-
 DriverStatus ForceDump(Exchange& exchange) {
     ++exchange.GetPort().dumpsForced;
     return DriverStatus::Success;
@@ -113,6 +113,21 @@ DriverStatus FirmwareDump(Exchange& exchange) {
                                     [&record](uint64_t offset, uint8_t* bytes, uint32_t length) {
                                         record.Put(offset, bytes, length);
                                     });
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::ForceDump, .handle = ForceDump},
+    {.command = command::RawFirmwareDump, .handle = RawFirmwareDump, .flags = WithinPort},
+    {.command = command::RawMpiDump, .handle = RawMpiDump, .flags = WithinPort},
+    {.command = command::MctpDump, .handle = MctpDump, .flags = WithinPort},
+    {.command = command::MiniDump, .handle = MiniDump, .flags = WithinPort},
+    {.command = command::FirmwareDump, .handle = FirmwareDump, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows DumpRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

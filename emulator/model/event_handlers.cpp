@@ -4,8 +4,11 @@
 #include "properties/driver_replies.h"
 
 namespace vxemu {
+namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 DriverStatus EventDelivery(Exchange& exchange) {
     properties::EventDeliveryRequest request;
@@ -38,6 +41,18 @@ DriverStatus ForceEvent(Exchange& exchange) {
     exchange.GetPort().events.Add({event_code::kTest, {}});
     exchange.Reply(request);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::EventDelivery, .handle = EventDelivery, .flags = WithinPort},
+    {.command = command::FetchEvents, .handle = FetchEvents, .flags = WithinPort},
+    {.command = command::ForceEvent, .handle = ForceEvent, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows EventRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

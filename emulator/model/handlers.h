@@ -1,8 +1,9 @@
 // What the emulated ports answer: one row per request. A capability is added with its row and its
-// handler.
+// handler, side by side in one file.
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "model/exchange.h"
 #include "model/profile/profile.h"
@@ -10,26 +11,60 @@
 
 namespace vxemu {
 
-using ExtendedHandler = transport::DriverStatus (*)(Exchange& exchange);
+enum class RequestFlags : uint8_t {
+    LegacyToo = 1 << 0,   // a legacy driver answers an extended request as well
+    Bare = 1 << 1,        // answered without signature and version of the EXT_IOCTL
+    AnySubCode = 1 << 2,  // the sub-code selects something, e.g. a flash region
+    WithinPort = 1 << 3,  // changes nothing but what is its port's own (access.h)
+};
+
+constexpr RequestFlags operator|(RequestFlags a, RequestFlags b) {
+    return static_cast<RequestFlags>(static_cast<uint8_t>(a) | static_cast<uint8_t>(b));
+}
+
+constexpr bool Has(RequestFlags flags, RequestFlags flag) {
+    return (static_cast<uint8_t>(flags) & static_cast<uint8_t>(flag)) != 0;
+}
 
 struct ExtendedRow {
     transport::Command command;
-    bool legacyToo;  // answered by a legacy driver as well
-    bool bare;       // answered without signature and version of the EXT_IOCTL
-    ExtendedHandler handle;
-    bool anySubCode = false;  // the sub-code selects something, e.g. a flash region
+    transport::DriverStatus (*handle)(Exchange& exchange);
+    RequestFlags flags = {};
 };
-
-// A plain request has no status: false makes the transfer fail.
-using PlainHandler = bool (*)(Exchange& exchange);
 
 struct PlainRow {
     uint32_t code;
-    DriverGeneration generation;
-    PlainHandler handle;
+    // A plain request has no status: false makes the transfer fail.
+    bool (*handle)(Exchange& exchange);
+    RequestFlags flags = {};
+    DriverGeneration generation = DriverGeneration::Legacy;
 };
 
-// What the tables say about a request: a row, or why there is none.
+// The rows of one file.
+struct RequestRows {
+    std::span<const ExtendedRow> extended = {};
+    std::span<const PlainRow> plain = {};
+};
+RequestRows NodeRequests();
+RequestRows PortRequests();
+RequestRows EventRequests();
+RequestRows DeviceRequests();
+RequestRows BindingRequests();
+RequestRows ScsiRequests();
+RequestRows FabricRequests();
+RequestRows StatisticsRequests();
+RequestRows ManagementRequests();
+RequestRows DiagnosticRequests();
+RequestRows DumpRequests();
+RequestRows FlashRequests();
+RequestRows FlashControlRequests();
+RequestRows SecureFlashRequests();
+RequestRows NvramRequests();
+RequestRows SfpRequests();
+RequestRows CompanionRequests();
+RequestRows LegacyRequests();
+
+// What the rows say about a request: one of them, or why there is none.
 struct ExtendedLookup {
     const ExtendedRow* row;
     transport::DriverStatus status;
@@ -42,86 +77,10 @@ const PlainRow* FindPlain(DriverGeneration generation, uint32_t code);
 // Whether requests with this code come in the plain form.
 bool IsPlainCode(uint32_t code);
 
-transport::DriverStatus NodeProperties(Exchange& exchange);
-transport::DriverStatus PortProperties(Exchange& exchange);
-transport::DriverStatus PortPropertiesV2(Exchange& exchange);
-transport::DriverStatus DriverProperties(Exchange& exchange);
-transport::DriverStatus FirmwareProperties(Exchange& exchange);
-transport::DriverStatus ChipProperties(Exchange& exchange);
-transport::DriverStatus PortDisableInfo(Exchange& exchange);
-transport::DriverStatus EventDelivery(Exchange& exchange);
-transport::DriverStatus FetchEvents(Exchange& exchange);
-transport::DriverStatus ForceEvent(Exchange& exchange);
-transport::DriverStatus DiscoveredPort(Exchange& exchange);
-transport::DriverStatus DiscoveredTarget(Exchange& exchange);
-transport::DriverStatus PortDatabase(Exchange& exchange);
-transport::DriverStatus TargetLunMask(Exchange& exchange);
-transport::DriverStatus SetTargetLunMask(Exchange& exchange);
-transport::DriverStatus TargetLunMaskFc(Exchange& exchange);
-transport::DriverStatus SetTargetLunMaskFc(Exchange& exchange);
-transport::DriverStatus AddTarget(Exchange& exchange);
-transport::DriverStatus SwapTargets(Exchange& exchange);
-transport::DriverStatus ScsiPassThrough(Exchange& exchange);
-transport::DriverStatus CtPassThrough(Exchange& exchange);
-transport::DriverStatus ElsPassThrough(Exchange& exchange);
-transport::DriverStatus ElsRnid(Exchange& exchange);
-transport::DriverStatus ScmManagement(Exchange& exchange);
-transport::DriverStatus LinkStatistics(Exchange& exchange);
-transport::DriverStatus ResetStatistics(Exchange& exchange);
-transport::DriverStatus ManagementAddress(Exchange& exchange);
-transport::DriverStatus SetManagementAddress(Exchange& exchange);
-transport::DriverStatus Loopback(Exchange& exchange);
-transport::DriverStatus DportDiagnostic(Exchange& exchange);
-transport::DriverStatus DportResults(Exchange& exchange);
-transport::DriverStatus Mailbox(Exchange& exchange);
-transport::DriverStatus ForceDump(Exchange& exchange);
-transport::DriverStatus RawFirmwareDump(Exchange& exchange);
-transport::DriverStatus RawMpiDump(Exchange& exchange);
-transport::DriverStatus MctpDump(Exchange& exchange);
-transport::DriverStatus MiniDump(Exchange& exchange);
-transport::DriverStatus FirmwareDump(Exchange& exchange);
-transport::DriverStatus FlashLayout(Exchange& exchange);
-transport::DriverStatus FlashRead(Exchange& exchange);
-transport::DriverStatus FlashWrite(Exchange& exchange);
-transport::DriverStatus OptionRomReadOld(Exchange& exchange);
-transport::DriverStatus OptionRomWriteOld(Exchange& exchange);
-transport::DriverStatus ActiveRegions(Exchange& exchange);
-transport::DriverStatus LockdownState(Exchange& exchange);
-transport::DriverStatus BootFromSan(Exchange& exchange);
-transport::DriverStatus RestartFirmware(Exchange& exchange);
-transport::DriverStatus SecureFlashState(Exchange& exchange);
-transport::DriverStatus SecureFlashBegin(Exchange& exchange);
-transport::DriverStatus SecureFlashHeader(Exchange& exchange);
-transport::DriverStatus SecureFlashVerify(Exchange& exchange);
-transport::DriverStatus SecureFlashStatus(Exchange& exchange);
-transport::DriverStatus SecureFlashCommit(Exchange& exchange);
-transport::DriverStatus SecureFlashAbort(Exchange& exchange);
-transport::DriverStatus NvramRead(Exchange& exchange);
-transport::DriverStatus NvramWrite(Exchange& exchange);
-transport::DriverStatus VpdRead(Exchange& exchange);
-transport::DriverStatus VpdWrite(Exchange& exchange);
-transport::DriverStatus SfpRead(Exchange& exchange);
-transport::DriverStatus I2cRead(Exchange& exchange);
-transport::DriverStatus I2cWrite(Exchange& exchange);
-transport::DriverStatus LoadSfpFirmware(Exchange& exchange);
-transport::DriverStatus AuxiliaryFirmware(Exchange& exchange);
+// Whether a request in either form, to a driver of either generation, stays within its port.
+bool StaysWithinPort(uint32_t code, uint16_t subCode);
 
-bool LegacyQuery(Exchange& exchange);
-bool LegacyTargetQuery(Exchange& exchange);
-bool LegacyPortAndNode(Exchange& exchange);
-bool LegacyResetStatistics(Exchange& exchange);
-bool LegacySetTarget(Exchange& exchange);
-bool LegacyAddTarget(Exchange& exchange);
-bool LegacySwapTargets(Exchange& exchange);
-bool LegacyScsiPassThrough(Exchange& exchange);
-bool LegacyCtPassThrough(Exchange& exchange);
-bool LegacyLoopback(Exchange& exchange);
-bool LegacyNvramRead(Exchange& exchange);
-bool LegacyNvramWrite(Exchange& exchange);
-bool LegacyNvramWrite64(Exchange& exchange);
-bool LegacyNvramWrite16(Exchange& exchange);
-
-// Items of the legacy query.
+// Items of the legacy query that stand with the NVRAM.
 void LegacyNvramSettings(Exchange& exchange, const transport::SelectorRecord& selector);
 void LegacyNvramTail(Exchange& exchange, const transport::SelectorRecord& selector);
 

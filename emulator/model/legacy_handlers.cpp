@@ -15,6 +15,8 @@
 namespace vxemu {
 namespace {
 
+namespace command = transport::command;
+using enum RequestFlags;
 using properties::LegacySelector;
 
 // Reads the decimal numbers of a dotted version into bytes.
@@ -156,8 +158,6 @@ uint8_t PortType(Topology topology) {
     return 0;
 }
 
-}  // namespace
-
 bool LegacyQuery(Exchange& exchange) {
     transport::SelectorRecord selector;
     if (!exchange.Read(selector)) {
@@ -190,6 +190,22 @@ bool LegacyPortAndNode(Exchange& exchange) {
     reply.portType = static_cast<uint8_t>(PortType(profile.topology) << 4);
     exchange.Reply(reply);
     return true;
+}
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacyQuery, .handle = LegacyQuery, .flags = WithinPort},
+    {.code = command::LegacyPortAndNode, .handle = LegacyPortAndNode, .flags = WithinPort},
+    // Applying target data takes this one of a current driver as well.
+    {.code = command::LegacyQuery,
+     .handle = LegacyTargetQuery,
+     .flags = WithinPort,
+     .generation = DriverGeneration::Extended},
+};
+
+}  // namespace
+
+RequestRows LegacyRequests() {
+    return {.plain = kPlainRequests};
 }
 
 }  // namespace vxemu

@@ -10,6 +10,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 constexpr uint8_t kIpV4 = 1;
 constexpr uint8_t kIpV6 = 2;
@@ -26,8 +28,6 @@ HX_MGMT_ADDRESS_SETTING StartAddress(const PortProfile& port) {
     address.ipAddress[15] = static_cast<uint8_t>(100 + port.scsiPort);
     return address;
 }
-
-}  // namespace
 
 DriverStatus ManagementAddress(Exchange& exchange) {
     const Port& port = exchange.GetPort();
@@ -58,6 +58,17 @@ DriverStatus SetManagementAddress(Exchange& exchange) {
     port.managementAddress = request.setting;
     port.managementAddressSet = true;
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::ManagementAddress, .handle = ManagementAddress, .flags = WithinPort},
+    {.command = command::SetManagementAddress, .handle = SetManagementAddress, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows ManagementRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

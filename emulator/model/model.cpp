@@ -216,7 +216,7 @@ Completion Model::AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLeng
 
     const ExtendedLookup found =
         FindExtended(port.adapter->generation, request.srb.controlCode, request.ext.subCode);
-    const bool bare = found.row != nullptr && found.row->bare;
+    const bool bare = found.row != nullptr && Has(found.row->flags, RequestFlags::Bare);
     const bool signedLevel = IsSignature(request.ext.signature) &&
                              request.ext.levelAndVersion == transport::kInterfaceLevelAndVersion;
     if (!signedLevel && !bare) {

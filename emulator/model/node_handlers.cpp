@@ -12,6 +12,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 // Every port has its own driver instance, which speaks for that port alone.
 constexpr uint16_t kPortsPerInstance = 1;
@@ -20,8 +22,6 @@ uint16_t GenerationOf(uint16_t deviceId) {
     const bool oldest = properties::ChipOf(deviceId).Has(properties::ChipTrait::NoCtNoRnid);
     return oldest ? 2 : 1;
 }
-
-}  // namespace
 
 DriverStatus NodeProperties(Exchange& exchange) {
     Port& port = exchange.GetPort();
@@ -101,6 +101,21 @@ DriverStatus ChipProperties(Exchange& exchange) {
     reply.flashRegionCode = profile.flashRegionCode;
     exchange.Reply(reply);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::NodeProperties, .handle = NodeProperties, .flags = LegacyToo | WithinPort},
+    {.command = command::DriverProperties,
+     .handle = DriverProperties,
+     .flags = LegacyToo | Bare | WithinPort},
+    {.command = command::FirmwareProperties, .handle = FirmwareProperties, .flags = WithinPort},
+    {.command = command::ChipProperties, .handle = ChipProperties, .flags = LegacyToo | WithinPort},
+};
+
+}  // namespace
+
+RequestRows NodeRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

@@ -9,6 +9,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 // While the link is down a port has no address, no speed, no active protocol and sees nobody.
 properties::PortReplyBase PortBase(const Port& port) {
@@ -34,8 +36,6 @@ properties::PortReplyBase PortBase(const Port& port) {
     }
     return base;
 }
-
-}  // namespace
 
 DriverStatus PortProperties(Exchange& exchange) {
     properties::PortReply reply = {};
@@ -75,6 +75,18 @@ DriverStatus PortDisableInfo(Exchange& exchange) {
     }
     exchange.Reply(exchange.GetPort().profile->portDisabled);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::PortProperties, .handle = PortProperties, .flags = WithinPort},
+    {.command = command::PortPropertiesV2, .handle = PortPropertiesV2, .flags = WithinPort},
+    {.command = command::PortDisableInfo, .handle = PortDisableInfo, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows PortRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

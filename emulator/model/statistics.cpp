@@ -5,17 +5,6 @@
 #include "statistics/statistics_records.h"
 
 namespace vxemu {
-namespace {
-
-using transport::DriverStatus;
-
-void Reset(Port& port) {
-    port.statisticsReset = port.fabric->host.Now();
-    port.requestsBefore = port.requests;
-    port.linkLosses = 0;
-}
-
-}  // namespace
 
 uint32_t RemoteLinkErrors(const uint8_t* portName, uint32_t counter) {
     return (portName[6] + counter) % 7;
@@ -40,6 +29,18 @@ HX_STATISTICS CountersOf(const Port& port) {
     return counters;
 }
 
+namespace {
+
+using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
+
+void Reset(Port& port) {
+    port.statisticsReset = port.fabric->host.Now();
+    port.requestsBefore = port.requests;
+    port.linkLosses = 0;
+}
+
 DriverStatus LinkStatistics(Exchange& exchange) {
     exchange.Reply(CountersOf(exchange.GetPort()));
     return DriverStatus::Success;
@@ -53,6 +54,22 @@ DriverStatus ResetStatistics(Exchange& exchange) {
 bool LegacyResetStatistics(Exchange& exchange) {
     Reset(exchange.GetPort());
     return true;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::LinkStatistics, .handle = LinkStatistics, .flags = WithinPort},
+    {.command = command::ResetStatistics, .handle = ResetStatistics, .flags = WithinPort},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacyResetStatistics, .handle = LegacyResetStatistics, .flags = WithinPort},
+    {.code = command::LegacyResetStatistics2, .handle = LegacyResetStatistics, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows StatisticsRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

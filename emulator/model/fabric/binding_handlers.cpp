@@ -10,6 +10,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 TargetProfile* AddressedTarget(const Port& port, const persist::BusAddressBlock& block) {
     const uint16_t numbers[4] = {block.address.bus, block.address.target, 0, 0};
@@ -130,8 +132,6 @@ void SetMask(const Port& port, const TargetProfile& device,
     std::memcpy(AttachmentOf(port, device).mask.bytes, request.visible, persist::kVersion1Luns / 8);
 }
 
-}  // namespace
-
 DriverStatus TargetLunMask(Exchange& exchange) {
     return ReadMask<persist::BusAddressBlock>(exchange);
 }
@@ -199,6 +199,33 @@ bool LegacySwapTargets(Exchange& exchange) {
     const Port& port = exchange.GetPort();
     return Swap(port, WantedBy(request.oldDevice), WantedBy(request.newDevice)) ==
            DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::TargetLunMask, .handle = TargetLunMask, .flags = WithinPort},
+    {.command = command::SetTargetLunMask, .handle = SetTargetLunMask, .flags = WithinPort},
+    {.command = command::TargetLunMaskFc, .handle = TargetLunMaskFc, .flags = WithinPort},
+    {.command = command::SetTargetLunMaskFc, .handle = SetTargetLunMaskFc, .flags = WithinPort},
+    {.command = command::AddTargetOld, .handle = AddTarget},
+    {.command = command::AddTarget, .handle = AddTarget},
+    {.command = command::SwapTargetsOld, .handle = SwapTargets},
+    {.command = command::SwapTargets, .handle = SwapTargets},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacySetTarget, .handle = LegacySetTarget},
+    // Applying target data takes this one of a current driver as well.
+    {.code = command::LegacySetTarget,
+     .handle = LegacySetTarget,
+     .generation = DriverGeneration::Extended},
+    {.code = command::LegacyAddTarget, .handle = LegacyAddTarget},
+    {.code = command::LegacySwapTargets, .handle = LegacySwapTargets},
+};
+
+}  // namespace
+
+RequestRows BindingRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

@@ -13,6 +13,8 @@ namespace {
 
 using namespace formats;
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 constexpr uint32_t kLongestElsAnswer = 256;
 
@@ -87,8 +89,6 @@ bool FindRnidDestination(const Port& port, const passthru::RnidRequest& request,
             return false;
     }
 }
-
-}  // namespace
 
 DriverStatus CtPassThrough(Exchange& exchange) {
     if (!exchange.GetPort().LinkUp()) {
@@ -193,6 +193,23 @@ DriverStatus ScmManagement(Exchange& exchange) {
     reply.values[0] = port.scmSetting;
     exchange.Reply(reply);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::CtPassThrough, .handle = CtPassThrough, .flags = WithinPort},
+    {.command = command::ElsPassThrough, .handle = ElsPassThrough, .flags = WithinPort},
+    {.command = command::ElsRnid, .handle = ElsRnid, .flags = WithinPort},
+    {.command = command::ScmManagement, .handle = ScmManagement, .flags = WithinPort},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacyCtPassThrough, .handle = LegacyCtPassThrough, .flags = WithinPort},
+};
+
+}  // namespace
+
+RequestRows FabricRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

@@ -6,8 +6,10 @@
 #include "passthru/scsi_records.h"
 
 namespace vxemu {
+namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
 
 DriverStatus ScsiPassThrough(Exchange& exchange) {
     using passthru::ScsiDirection;
@@ -83,6 +85,20 @@ bool LegacyScsiPassThrough(Exchange& exchange) {
     request.additionalSense[1] = task.sense.qualifier;
     exchange.KeepReply(sizeof request);
     return true;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::ScsiPassThrough, .handle = ScsiPassThrough},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacyScsiPassThrough, .handle = LegacyScsiPassThrough},
+};
+
+}  // namespace
+
+RequestRows ScsiRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

@@ -11,6 +11,8 @@ namespace {
 
 using properties::ChipTrait;
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 // Firmware, boot code, settings: the bank of each that is in use.
 constexpr uint8_t kFirstBank = 1;
@@ -27,8 +29,6 @@ constexpr RestartRow kRestarts[] = {
     {flash::Restart::Activate, ActivateFirmware},
     {flash::Restart::ReloadNvram, TakeOverSettings},
 };
-
-}  // namespace
 
 DriverStatus ActiveRegions(Exchange& exchange) {
     const Port& port = exchange.GetPort();
@@ -88,6 +88,19 @@ DriverStatus RestartFirmware(Exchange& exchange) {
         }
     }
     return DriverStatus::InvalidParameter;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::ActiveRegions, .handle = ActiveRegions, .flags = WithinPort},
+    {.command = command::LockdownState, .handle = LockdownState, .flags = WithinPort},
+    {.command = command::BootFromSan, .handle = BootFromSan, .flags = WithinPort},
+    {.command = command::RestartFirmware, .handle = RestartFirmware},
+};
+
+}  // namespace
+
+RequestRows FlashControlRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

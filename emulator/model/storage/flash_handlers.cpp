@@ -13,6 +13,8 @@ namespace {
 
 using properties::ChipTrait;
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 constexpr uint16_t kWhole = 0;
 constexpr uint32_t kWholeBytes = 128 * 1024;  // what the requests without a region move at most
@@ -104,8 +106,6 @@ std::optional<Range> WholeOf(const Port& port) {
                                                      : std::optional<Range>({0, bytes, bytes});
 }
 
-}  // namespace
-
 DriverStatus FlashLayout(Exchange& exchange) {
     flash::LayoutHead head;
     if (!exchange.Read(head)) {
@@ -170,6 +170,21 @@ DriverStatus FlashWrite(Exchange& exchange) {
         return StagePiece(exchange, range->start - placed.start, range->length, range->inside);
     }
     return Write(exchange, *range);
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::FlashLayout, .handle = FlashLayout, .flags = WithinPort},
+    {.command = command::FlashLayoutEx, .handle = FlashLayout, .flags = WithinPort},
+    {.command = command::FlashRead, .handle = FlashRead, .flags = AnySubCode | WithinPort},
+    {.command = command::FlashWrite, .handle = FlashWrite, .flags = AnySubCode},
+    {.command = command::OptionRomReadOld, .handle = OptionRomReadOld},
+    {.command = command::OptionRomWriteOld, .handle = OptionRomWriteOld},
+};
+
+}  // namespace
+
+RequestRows FlashRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

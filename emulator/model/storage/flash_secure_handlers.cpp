@@ -16,6 +16,7 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
 
 // Results beside those that the library knows: the image is not what was announced.
 constexpr auto kNotAsAnnounced = flash::SecureResult{2};
@@ -58,21 +59,6 @@ flash::SecureResult Verify(const Port& port) {
     return IsAcceptable(*placed.region, port.adapter->deviceId, image)
                ? flash::SecureResult::Accepted
                : flash::SecureResult::SignatureRefused;
-}
-
-}  // namespace
-
-DriverStatus StagePiece(Exchange& exchange, uint32_t offset, uint32_t length, uint32_t inside) {
-    Flash& flash = *exchange.GetPort().flash;
-    Staging& staging = flash.staging;
-    if (offset != staging.received ||
-        std::min(exchange.InputLength(), exchange.Ext().requestLen) < length) {
-        return DriverStatus::InvalidParameter;
-    }
-    std::memcpy(staging.bytes + offset, exchange.Bytes(), inside);
-    staging.received += SpendPower(flash, inside);
-    exchange.KeepReply(0);
-    return DriverStatus::Success;
 }
 
 DriverStatus SecureFlashState(Exchange& exchange) {
@@ -184,6 +170,35 @@ DriverStatus SecureFlashAbort(Exchange& exchange) {
     }
     DropStaging(port.fabric->host, port.flash->staging);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::SecureFlashState, .handle = SecureFlashState},
+    {.command = command::SecureFlashBegin, .handle = SecureFlashBegin},
+    {.command = command::SecureFlashHeader, .handle = SecureFlashHeader},
+    {.command = command::SecureFlashVerify, .handle = SecureFlashVerify},
+    {.command = command::SecureFlashStatus, .handle = SecureFlashStatus},
+    {.command = command::SecureFlashCommit, .handle = SecureFlashCommit},
+    {.command = command::SecureFlashAbort, .handle = SecureFlashAbort},
+};
+
+}  // namespace
+
+DriverStatus StagePiece(Exchange& exchange, uint32_t offset, uint32_t length, uint32_t inside) {
+    Flash& flash = *exchange.GetPort().flash;
+    Staging& staging = flash.staging;
+    if (offset != staging.received ||
+        std::min(exchange.InputLength(), exchange.Ext().requestLen) < length) {
+        return DriverStatus::InvalidParameter;
+    }
+    std::memcpy(staging.bytes + offset, exchange.Bytes(), inside);
+    staging.received += SpendPower(flash, inside);
+    exchange.KeepReply(0);
+    return DriverStatus::Success;
+}
+
+RequestRows SecureFlashRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu

@@ -12,6 +12,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 enum class NvramRequest : uint16_t { Block = 0, Verified = 1 };
 enum class NvramChange : uint16_t { Block = 0, Settings = 1, BlockAndRestart = 2 };
@@ -52,8 +54,6 @@ void ReplyPart(Exchange& exchange, const transport::SelectorRecord& selector, ui
     }
     exchange.Reply(reply);
 }
-
-}  // namespace
 
 DriverStatus NvramRead(Exchange& exchange) {
     const auto request = static_cast<NvramRequest>(exchange.Ext().subCode);
@@ -153,12 +153,32 @@ bool LegacyNvramWrite16(Exchange& exchange) {
     return PutPart(exchange, flash::kLegacyTailOffset, flash::kLegacyTailBytes);
 }
 
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::NvramRead, .handle = NvramRead, .flags = AnySubCode | WithinPort},
+    {.command = command::NvramWrite, .handle = NvramWrite, .flags = AnySubCode},
+    {.command = command::VpdRead, .handle = VpdRead, .flags = WithinPort},
+    {.command = command::VpdWrite, .handle = VpdWrite},
+};
+
+constexpr PlainRow kPlainRequests[] = {
+    {.code = command::LegacyNvramRead, .handle = LegacyNvramRead, .flags = WithinPort},
+    {.code = command::LegacyNvramWrite, .handle = LegacyNvramWrite},
+    {.code = command::LegacyNvramWrite64, .handle = LegacyNvramWrite64},
+    {.code = command::LegacyNvramWrite16, .handle = LegacyNvramWrite16},
+};
+
+}  // namespace
+
 void LegacyNvramSettings(Exchange& exchange, const transport::SelectorRecord& selector) {
     ReplyPart<flash::LegacySettingsReply>(exchange, selector, flash::kLegacySettingsOffset);
 }
 
 void LegacyNvramTail(Exchange& exchange, const transport::SelectorRecord& selector) {
     ReplyPart<flash::LegacyTailReply>(exchange, selector, flash::kLegacyTailOffset);
+}
+
+RequestRows NvramRequests() {
+    return {.extended = kRequests, .plain = kPlainRequests};
 }
 
 }  // namespace vxemu

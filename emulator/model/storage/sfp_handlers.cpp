@@ -13,6 +13,8 @@ namespace vxemu {
 namespace {
 
 using transport::DriverStatus;
+namespace command = transport::command;
+using enum RequestFlags;
 
 // Mailbox codes of a transfer that fails, and what the device says.
 constexpr uint32_t kTransferFailed = 0x4002;
@@ -123,8 +125,6 @@ flash::TransceiverResult LoadPiece(Port& port, const flash::TransceiverLoadRecor
                                                                                     : kStopped;
 }
 
-}  // namespace
-
 DriverStatus I2cRead(Exchange& exchange) {
     return Transfer(exchange, [&](flash::TwoWireRecord& record, const DeviceRow&, uint8_t* bytes) {
         MeasureNow(exchange.GetPort());
@@ -194,6 +194,19 @@ DriverStatus LoadSfpFirmware(Exchange& exchange) {
     reply.result = static_cast<uint32_t>(result);
     exchange.Reply(reply);
     return DriverStatus::Success;
+}
+
+constexpr ExtendedRow kRequests[] = {
+    {.command = command::SfpRead, .handle = SfpRead, .flags = WithinPort},
+    {.command = command::I2cRead, .handle = I2cRead, .flags = WithinPort},
+    {.command = command::I2cWrite, .handle = I2cWrite},
+    {.command = command::LoadSfpFirmware, .handle = LoadSfpFirmware},
+};
+
+}  // namespace
+
+RequestRows SfpRequests() {
+    return {.extended = kRequests};
 }
 
 }  // namespace vxemu
