@@ -8,9 +8,10 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# A private Wine prefix inside the build folder, without a display.
+# A private Wine prefix inside the build folder, without a display. Its name may have a suffix: a
+# second machine (tests/on_machine.sh).
 wine_start() {
-    export WINEPREFIX=$root/build/wine
+    export WINEPREFIX=$root/build/wine${1:-}
     export WINEDEBUG=-all
     export WINEDLLOVERRIDES="mscoree,mshtml="
     export WINEARCH=win64
@@ -26,11 +27,15 @@ wine_start() {
     # first program starts must not inherit a pipe that somebody waits for.
     "$wineserver" -p
     wine cmd /c exit >/dev/null 2>&1 </dev/null
+    started+=("$WINEPREFIX")
 }
+started=()
 
 wine_stop() {
-    "$wineserver" -k >/dev/null 2>&1 || true
-    "$wineserver" -w >/dev/null 2>&1 || true
+    for WINEPREFIX in "${started[@]}"; do
+        "$wineserver" -k >/dev/null 2>&1 || true
+        "$wineserver" -w >/dev/null 2>&1 || true
+    done
 }
 
 # run PROGRAM ARGS: a program of the build, without the notes that Wine's launcher prints.

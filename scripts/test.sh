@@ -8,6 +8,7 @@ cmake --preset native >/dev/null
 cmake --build --preset native -- --quiet
 ctest --preset native --output-on-failure
 
-wine_start
 trap wine_stop EXIT
-ctest --test-dir build/mingw --output-on-failure "$@"
+wine_start -2
+wine_start
+ctest --test-dir build/mingw --output-on-failure --parallel 2 "$@"
