@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "frame/owned.h"
 #include "model/control.h"
 
 namespace vxemu {
@@ -10,11 +11,6 @@ namespace vxemu {
 // Functions return a Windows error code, 0 for success.
 class ControlDevice {
   public:
-    ControlDevice() = default;
-    ~ControlDevice();
-    ControlDevice(const ControlDevice&) = delete;
-    ControlDevice& operator=(const ControlDevice&) = delete;
-
     // For asking only, or for changes too.
     uint32_t Open(bool change);
 
@@ -40,7 +36,7 @@ class ControlDevice {
     uint32_t Transfer(uint32_t code, const void* input, uint32_t inputLength, void* output,
                       uint32_t outputLength);
 
-    void* device_ = nullptr;
+    frame::OwnedFile device_;
 };
 
 }  // namespace vxemu

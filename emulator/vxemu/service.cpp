@@ -1,7 +1,5 @@
 #include "service.h"
 
-#include <windows.h>
-
 #include <vector>
 
 namespace vxemu {
@@ -14,10 +12,6 @@ constexpr wchar_t kParametersKey[] = L"SYSTEM\\CurrentControlSet\\Services\\vxem
 constexpr wchar_t kProfileValue[] = L"Profile";
 constexpr wchar_t kKernelPrefix[] = L"\\??\\";
 constexpr DWORD kPollMilliseconds = 50;
-
-SC_HANDLE Handle(void* handle) {
-    return static_cast<SC_HANDLE>(handle);
-}
 
 // The driver file beside this program, as a Win32 path.
 std::wstring DriverFile() {
@@ -69,34 +63,20 @@ std::string DriverService::DriverPath() {
     return text;
 }
 
-DriverService::~DriverService() {
-    CloseService();
-    if (manager_ != nullptr) {
-        CloseServiceHandle(Handle(manager_));
-    }
-}
-
-void DriverService::CloseService() {
-    if (service_ != nullptr) {
-        CloseServiceHandle(Handle(service_));
-        service_ = nullptr;
-    }
-}
-
 uint32_t DriverService::Connect(bool change) {
     change_ = change;
     const DWORD access = SC_MANAGER_CONNECT | (change ? SC_MANAGER_CREATE_SERVICE : 0u);
-    manager_ = OpenSCManagerW(nullptr, nullptr, access);
-    return manager_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+    manager_.Reset(OpenSCManagerW(nullptr, nullptr, access));
+    return manager_.Valid() ? ERROR_SUCCESS : GetLastError();
 }
 
 uint32_t DriverService::Open() {
-    if (service_ != nullptr) {
+    if (service_.Valid()) {
         return ERROR_SUCCESS;
     }
     const DWORD access = change_ ? SERVICE_ALL_ACCESS : SERVICE_QUERY_STATUS;
-    service_ = OpenServiceW(Handle(manager_), kServiceName, access);
-    return service_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+    service_.Reset(OpenServiceW(manager_.Get(), kServiceName, access));
+    return service_.Valid() ? ERROR_SUCCESS : GetLastError();
 }
 
 uint32_t DriverService::State(ServiceState* state) {
@@ -106,7 +86,7 @@ uint32_t DriverService::State(ServiceState* state) {
         return error == ERROR_SERVICE_DOES_NOT_EXIST ? ERROR_SUCCESS : error;
     }
     SERVICE_STATUS status;
-    if (!QueryServiceStatus(Handle(service_), &status)) {
+    if (!QueryServiceStatus(service_.Get(), &status)) {
         return GetLastError();
     }
     *state = StateOf(status.dwCurrentState);
@@ -121,11 +101,12 @@ uint32_t DriverService::Install(bool* changed) {
     const std::wstring path = ImagePath();
     const uint32_t error = Open();
     if (error == ERROR_SERVICE_DOES_NOT_EXIST) {
-        service_ = CreateServiceW(Handle(manager_), kServiceName, kDisplayName, SERVICE_ALL_ACCESS,
-                                  SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
-                                  path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
-        *changed = service_ != nullptr;
-        return service_ == nullptr ? GetLastError() : ERROR_SUCCESS;
+        service_.Reset(CreateServiceW(manager_.Get(), kServiceName, kDisplayName,
+                                      SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
+                                      SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, path.c_str(),
+                                      nullptr, nullptr, nullptr, nullptr, nullptr));
+        *changed = service_.Valid();
+        return *changed ? ERROR_SUCCESS : GetLastError();
     }
     if (error != ERROR_SUCCESS) {
         return error;
@@ -133,11 +114,11 @@ uint32_t DriverService::Install(bool* changed) {
     std::vector<uint8_t> buffer(8192);
     auto* config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer.data());
     DWORD needed = 0;
-    if (QueryServiceConfigW(Handle(service_), config, static_cast<DWORD>(buffer.size()), &needed) &&
+    if (QueryServiceConfigW(service_.Get(), config, static_cast<DWORD>(buffer.size()), &needed) &&
         lstrcmpiW(config->lpBinaryPathName, path.c_str()) == 0) {
         return ERROR_SUCCESS;
     }
-    if (!ChangeServiceConfigW(Handle(service_), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE,
+    if (!ChangeServiceConfigW(service_.Get(), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE,
                               SERVICE_NO_CHANGE, path.c_str(), nullptr, nullptr, nullptr, nullptr,
                               nullptr, nullptr)) {
         return GetLastError();
@@ -151,21 +132,20 @@ uint32_t DriverService::Uninstall() {
     if (error != ERROR_SUCCESS) {
         return error;
     }
-    const DWORD result = DeleteService(Handle(service_)) ? ERROR_SUCCESS : GetLastError();
-    CloseService();
+    const DWORD result = DeleteService(service_.Get()) ? ERROR_SUCCESS : GetLastError();
+    service_.Reset(nullptr);
     return result;
 }
 
 uint32_t DriverService::StoreProfile(const Profile& profile) {
-    HKEY key = nullptr;
+    frame::OwnedKey key;
     LSTATUS error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, kParametersKey, 0, nullptr, 0,
-                                    KEY_SET_VALUE, nullptr, &key, nullptr);
+                                    KEY_SET_VALUE, nullptr, key.Receive(), nullptr);
     if (error != ERROR_SUCCESS) {
         return static_cast<uint32_t>(error);
     }
-    error = RegSetValueExW(key, kProfileValue, 0, REG_BINARY,
+    error = RegSetValueExW(key.Get(), kProfileValue, 0, REG_BINARY,
                            reinterpret_cast<const BYTE*>(&profile), sizeof profile);
-    RegCloseKey(key);
     return static_cast<uint32_t>(error);
 }
 
@@ -174,7 +154,7 @@ uint32_t DriverService::Start() {
     if (error != ERROR_SUCCESS) {
         return error;
     }
-    return StartServiceW(Handle(service_), 0, nullptr) ? ERROR_SUCCESS : GetLastError();
+    return StartServiceW(service_.Get(), 0, nullptr) ? ERROR_SUCCESS : GetLastError();
 }
 
 uint32_t DriverService::Stop() {
@@ -183,8 +163,8 @@ uint32_t DriverService::Stop() {
         return error;
     }
     SERVICE_STATUS status;
-    return ControlService(Handle(service_), SERVICE_CONTROL_STOP, &status) ? ERROR_SUCCESS
-                                                                           : GetLastError();
+    return ControlService(service_.Get(), SERVICE_CONTROL_STOP, &status) ? ERROR_SUCCESS
+                                                                         : GetLastError();
 }
 
 uint32_t DriverService::WaitFor(ServiceState wanted, std::chrono::milliseconds atMost,

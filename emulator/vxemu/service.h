@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/fields.h"
+#include "frame/owned.h"
 #include "model/profile/profile.h"
 
 namespace vxemu {
@@ -18,11 +19,6 @@ const tools::Fields<ServiceState>& ServiceFields();
 // Functions return a Windows error code, 0 for success.
 class DriverService {
   public:
-    DriverService() = default;
-    ~DriverService();
-    DriverService(const DriverService&) = delete;
-    DriverService& operator=(const DriverService&) = delete;
-
     // Opens the service manager; with rights to change something, or only to ask.
     uint32_t Connect(bool change);
 
@@ -46,10 +42,14 @@ class DriverService {
 
   private:
     uint32_t Open();
-    void CloseService();
 
-    void* manager_ = nullptr;
-    void* service_ = nullptr;
+    struct ServiceTraits {
+        using Value = SC_HANDLE;
+        static Value Empty() { return nullptr; }
+        static void Close(Value value) { CloseServiceHandle(value); }
+    };
+    frame::Owned<ServiceTraits> manager_;
+    frame::Owned<ServiceTraits> service_;
     bool change_ = false;
 };
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "console.h"
+#include "frame/owned.h"
 #include "status_codes.h"
 
 namespace tools::console {
@@ -61,15 +62,14 @@ bool IsConsole(std::FILE* stream) {
 }
 
 bool IsElevated() {
-    HANDLE token = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) {
+    frame::OwnedObject token;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive())) {
         return false;
     }
     TOKEN_ELEVATION elevation{};
     DWORD size = sizeof elevation;
-    const bool known = GetTokenInformation(token, TokenElevation, &elevation, size, &size) != FALSE;
-    CloseHandle(token);
-    return known && elevation.TokenIsElevated != 0;
+    return GetTokenInformation(token.Get(), TokenElevation, &elevation, size, &size) &&
+           elevation.TokenIsElevated != 0;
 }
 
 bool HasEnvironment(const char* name) {
@@ -120,17 +120,18 @@ bool ReadLine(std::string* line) {
 }
 
 std::FILE* CreateForWriting(const std::string& path, uint32_t* error) {
-    const HANDLE file = CreateFileW(ToWide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                    CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
+    frame::OwnedFile file(CreateFileW(ToWide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.Valid()) {
         *error = GetLastError();
         return nullptr;
     }
-    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY);
+    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file.Get()), _O_BINARY);
     std::FILE* stream = descriptor < 0 ? nullptr : _fdopen(descriptor, "wb");
     if (stream == nullptr) {
-        CloseHandle(file);
         *error = ERROR_TOO_MANY_OPEN_FILES;
+    } else {
+        file.Release();  // the stream's
     }
     return stream;
 }
