@@ -10,8 +10,8 @@
 
 #include "frame/shared_area.h"
 #include "hxmgtapi.h"
-#include "support/child_process.h"
 #include "support/fake_system.h"
+#include "support/program.h"
 #include "support/scripted_port.h"
 
 namespace support {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
 #include <valijson/schema.hpp>
@@ -12,8 +13,12 @@
 namespace support {
 namespace {
 
-using Json = JsonSchemas::Json;
+using Json = nlohmann::json;
 using Adapter = valijson::adapters::NlohmannJsonAdapter;
+
+Json Of(const Document& document) {
+    return Json::parse(document.dump());
+}
 
 // The schema file with those that it refers to in the place of the references: the validator does
 // not follow references between files that name themselves.
@@ -93,43 +98,44 @@ const JsonSchemas::Compiled* JsonSchemas::Find(const std::string& file, const st
     return found.get();
 }
 
-JsonSchemas::Errors JsonSchemas::Check(const Json& document, const std::string& file) {
+JsonSchemas::Errors JsonSchemas::Check(const Document& document, const std::string& file) {
     const Compiled* const schema = Find(file);
-    return schema != nullptr ? schema->Check(document)
+    return schema != nullptr ? schema->Check(Of(document))
                              : Errors{file + ": is missing, or no schema"};
 }
 
-JsonSchemas::Errors JsonSchemas::CheckAgainst(const Json& document, const Json& schema) {
+JsonSchemas::Errors JsonSchemas::CheckAgainst(const Document& document, const Document& schema) {
     try {
-        Json whole = schema;
+        Json whole = Of(schema);
         Resolve(whole, {});
-        return Compiled(whole).Check(document);
+        return Compiled(whole).Check(Of(document));
     } catch (const std::runtime_error& error) {
         return {error.what()};
     }
 }
 
-JsonSchemas::Errors JsonSchemas::CheckEnvelope(const Json& document) {
+JsonSchemas::Errors JsonSchemas::CheckEnvelope(const Document& document) {
     Errors errors = Check(document, "envelope.json");
     if (errors.empty()) {
-        const std::string file = document["schema"].get<std::string>() + ".json";
+        const std::string file = document["schema"].text() + ".json";
         errors = document["result"].is_null() ? CheckHeader(document, file)
                                               : Check(document["result"], file);
     }
     return errors;
 }
 
-JsonSchemas::Errors JsonSchemas::CheckRow(const Json& line) {
+JsonSchemas::Errors JsonSchemas::CheckRow(const Document& line) {
     if (!line.is_object() || !line.contains("schema") || !line.contains("row") ||
         line.size() != (line.contains("header") ? 3u : 2u)) {
         return {"$: is no row line"};
     }
-    const std::string file = line["schema"].get<std::string>() + ".json";
+    const std::string file = line["schema"].text() + ".json";
     Errors errors = CheckHeader(line, file);
     const Json properties = Load(folder_, file).value("properties", Json::object());
     for (const auto& [name, property] : properties.items()) {
         if (property.is_object() && property.value("type", Json()) == "array") {
-            const Errors more = Find(file, "/properties/" + name + "/items")->Check(line["row"]);
+            const Errors more =
+                Find(file, "/properties/" + name + "/items")->Check(Of(line["row"]));
             errors.insert(errors.end(), more.begin(), more.end());
             return errors;
         }
@@ -137,9 +143,9 @@ JsonSchemas::Errors JsonSchemas::CheckRow(const Json& line) {
     return {"$.schema: has no rows"};
 }
 
-JsonSchemas::Errors JsonSchemas::CheckHeader(const Json& line, const std::string& file) {
+JsonSchemas::Errors JsonSchemas::CheckHeader(const Document& line, const std::string& file) {
     Errors errors;
-    const Json header = line.value("header", Json::object());
+    const Json header = Of(line["header"]);
     for (const auto& [name, value] : header.items()) {
         const Compiled* const schema = Find(file, "/properties/" + name);
         const Errors more = schema == nullptr

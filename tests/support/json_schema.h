@@ -3,15 +3,15 @@
 
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
+
+#include "support/document.h"
 
 namespace support {
 
 class JsonSchemas {
   public:
-    using Json = nlohmann::json;
     using Errors = std::vector<std::string>;
 
     // folder: where the schema files are, with its trailing separator.
@@ -19,21 +19,21 @@ class JsonSchemas {
     ~JsonSchemas();
 
     // Every way in which the document breaks the schema file, each with the place in the document.
-    Errors Check(const Json& document, const std::string& file);
+    Errors Check(const Document& document, const std::string& file);
 
-    static Errors CheckAgainst(const Json& document, const Json& schema);
+    static Errors CheckAgainst(const Document& document, const Document& schema);
 
     // An envelope and the result inside.
-    Errors CheckEnvelope(const Json& document);
+    Errors CheckEnvelope(const Document& document);
 
     // A row line of jsonl: an element of its schema's one array.
-    Errors CheckRow(const Json& line);
+    Errors CheckRow(const Document& line);
 
   private:
     class Compiled;
 
     // The values of a `header`: members of the result that the schema file describes.
-    Errors CheckHeader(const Json& line, const std::string& file);
+    Errors CheckHeader(const Document& line, const std::string& file);
 
     // A schema file, or one member of it, compiled when first asked for; null: there is none.
     const Compiled* Find(const std::string& file, const std::string& member = {});

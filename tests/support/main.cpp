@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "support/child_process.h"
+#include "support/program.h"
 
 int main(int argumentCount, char** arguments) {
     int exitCode = 0;

@@ -4,18 +4,27 @@
 
 #include <atomic>
 #include <fstream>
+#include <iostream>
+#include <map>
 #include <sstream>
+#include <string_view>
 
 namespace support {
 namespace {
 
 constexpr DWORD kPatienceMs = 60000;
+constexpr std::string_view kRoleOption = "--role=";
 
-std::string ProgramFolder() {
+std::string OwnPath() {
     char path[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, path, MAX_PATH);
-    const std::string whole = path;
-    return whole.substr(0, whole.find_last_of('\\') + 1);
+    return path;
+}
+
+// Of a program beside this one.
+std::string CommandLine(const std::string& name, const std::string& arguments) {
+    const std::string own = OwnPath();
+    return "\"" + own.substr(0, own.find_last_of('\\') + 1) + name + "\" " + arguments;
 }
 
 HANDLE Inheritable(const std::string& path, DWORD access, DWORD disposition) {
@@ -24,7 +33,67 @@ HANDLE Inheritable(const std::string& path, DWORD access, DWORD disposition) {
                        disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// A child that crashes ends at once, with the exception as its exit code and without a debugger.
+LONG WINAPI EndAtCrash(EXCEPTION_POINTERS*) {
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+std::map<std::string, Role>& Roles() {
+    static std::map<std::string, Role> roles;
+    return roles;
+}
+
 }  // namespace
+
+void Process::Start(std::string commandLine, HANDLE in, HANDLE out, HANDLE err) {
+    commandLine_ = std::move(commandLine);
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = in;
+    startup.hStdOutput = out;
+    startup.hStdError = err;
+    std::string line = commandLine_;
+    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                        &process_)) {
+        ADD_FAILURE() << "does not start: " << commandLine_ << ", error " << GetLastError();
+    }
+    for (const HANDLE handle : {in, out, err}) {
+        CloseHandle(handle);
+    }
+}
+
+Process::~Process() {
+    if (Started()) {
+        if (Running()) {
+            Kill();
+        }
+        CloseHandle(process_.hThread);
+        CloseHandle(process_.hProcess);
+    }
+}
+
+bool Process::Running() const {
+    return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT;
+}
+
+void Process::Kill() {
+    TerminateProcess(process_.hProcess, 99);
+    WaitForSingleObject(process_.hProcess, kPatienceMs);
+}
+
+DWORD Process::AwaitEnd() {
+    DWORD exit = 0;
+    if (!Started()) {
+        return exit;
+    }
+    if (WaitForSingleObject(process_.hProcess, kPatienceMs) != WAIT_OBJECT_0) {
+        ADD_FAILURE() << "does not end: " << commandLine_;
+        Kill();
+    }
+    GetExitCodeProcess(process_.hProcess, &exit);
+    return exit;
+}
 
 std::string ScratchPath(const std::string& suffix) {
     static std::atomic<int> number = 0;
@@ -42,44 +111,18 @@ std::string TextOfFile(const std::string& path) {
 }
 
 Program::Program(const std::string& name, const std::string& arguments)
-    : arguments_(name + " " + arguments),
-      outPath_(ScratchPath(".out")),
-      errPath_(ScratchPath(".err")) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = Inheritable("NUL", GENERIC_READ, OPEN_EXISTING);
-    startup.hStdOutput = Inheritable(outPath_, GENERIC_WRITE, CREATE_ALWAYS);
-    startup.hStdError = Inheritable(errPath_, GENERIC_WRITE, CREATE_ALWAYS);
-    std::string line = "\"" + ProgramFolder() + name + "\" " + arguments;
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &process_)) {
-        ADD_FAILURE() << name << " does not start: error " << GetLastError();
-    }
-    for (const HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
-        CloseHandle(handle);
-    }
+    : outPath_(ScratchPath(".out")), errPath_(ScratchPath(".err")) {
+    Start(CommandLine(name, arguments), Inheritable("NUL", GENERIC_READ, OPEN_EXISTING),
+          Inheritable(outPath_, GENERIC_WRITE, CREATE_ALWAYS),
+          Inheritable(errPath_, GENERIC_WRITE, CREATE_ALWAYS));
 }
 
 Program::~Program() {
-    if (process_.hProcess != nullptr) {
-        if (Running()) {
-            Kill();
-        }
-        CloseHandle(process_.hThread);
-        CloseHandle(process_.hProcess);
+    if (Started() && Running()) {
+        Kill();
     }
     DeleteFileA(outPath_.c_str());
     DeleteFileA(errPath_.c_str());
-}
-
-void Program::Kill() {
-    TerminateProcess(process_.hProcess, 99);
-    WaitForSingleObject(process_.hProcess, kPatienceMs);
-}
-
-bool Program::Running() const {
-    return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT;
 }
 
 std::string Program::Out() const {
@@ -87,22 +130,82 @@ std::string Program::Out() const {
 }
 
 Ended Program::Wait() {
-    Ended ended;
-    if (process_.hProcess == nullptr) {
-        return ended;
-    }
-    if (WaitForSingleObject(process_.hProcess, kPatienceMs) != WAIT_OBJECT_0) {
-        ADD_FAILURE() << "does not end: " << arguments_;
-        Kill();
-    }
-    GetExitCodeProcess(process_.hProcess, &ended.exit);
-    ended.out = TextOfFile(outPath_);
-    ended.err = TextOfFile(errPath_);
-    return ended;
+    const DWORD exit = AwaitEnd();
+    return {exit, TextOfFile(outPath_), TextOfFile(errPath_)};
 }
 
 Ended Run(const std::string& name, const std::string& arguments) {
     return Program(name, arguments).Wait();
+}
+
+RoleEntry::RoleEntry(const char* name, Role role) {
+    Roles()[name] = role;
+}
+
+bool RunRole(int argumentCount, char** arguments, int* exitCode) {
+    if (argumentCount < 2 || !std::string_view(arguments[1]).starts_with(kRoleOption)) {
+        return false;
+    }
+    SetUnhandledExceptionFilter(&EndAtCrash);
+    const auto role = Roles().find(arguments[1] + kRoleOption.size());
+    *exitCode = role == Roles().end() ? 4 : role->second();
+    return true;
+}
+
+ChildProcess::ChildProcess(const char* role) {
+    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+    HANDLE childInput = nullptr;
+    HANDLE childOutput = nullptr;
+    CreatePipe(&childInput, &toChild_, &inherit, 0);
+    CreatePipe(&fromChild_, &childOutput, &inherit, 0);
+    // Our own ends must stay here, or the child would hold its own input open.
+    SetHandleInformation(toChild_, HANDLE_FLAG_INHERIT, 0);
+    SetHandleInformation(fromChild_, HANDLE_FLAG_INHERIT, 0);
+    HANDLE error = nullptr;
+    DuplicateHandle(GetCurrentProcess(), GetStdHandle(STD_ERROR_HANDLE), GetCurrentProcess(),
+                    &error, 0, TRUE, DUPLICATE_SAME_ACCESS);
+    Start("\"" + OwnPath() + "\" " + std::string(kRoleOption) + role, childInput, childOutput,
+          error);
+}
+
+ChildProcess::~ChildProcess() {
+    Finish();
+    CloseHandle(fromChild_);
+}
+
+bool ChildProcess::Send(const std::string& line) {
+    const std::string sent = line + "\n";
+    DWORD count = 0;
+    return WriteFile(toChild_, sent.data(), static_cast<DWORD>(sent.size()), &count, nullptr);
+}
+
+std::string ChildProcess::Answer() {
+    DWORD count = 0;
+    std::string answer;
+    for (char letter; ReadFile(fromChild_, &letter, 1, &count, nullptr) && count == 1;) {
+        if (letter == '\n') {
+            break;
+        }
+        if (letter != '\r') {
+            answer += letter;
+        }
+    }
+    return answer;
+}
+
+DWORD ChildProcess::Finish() {
+    CloseHandle(std::exchange(toChild_, nullptr));
+    return AwaitEnd();
+}
+
+int AnswerLines(std::string (*answer)(const std::string& line)) {
+    for (std::string line; std::getline(std::cin, line);) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        std::cout << answer(line) << std::endl;
+    }
+    return 0;
 }
 
 }  // namespace support

@@ -11,7 +11,7 @@ namespace support {
 
 namespace {
 
-BOOL Fail(uint32_t error) {
+BOOL FailWith(uint32_t error) {
     SetLastError(error);
     return FALSE;
 }
@@ -125,7 +125,7 @@ DWORD WINAPI SystemDevices::QueryDosDeviceHook(LPCSTR name, LPSTR target, DWORD 
     const std::string all = Joined(self.names_);
     if (name != nullptr || self.listError != 0 || all.size() > room) {
         return static_cast<DWORD>(
-            Fail(self.listError != 0 ? self.listError : ERROR_INSUFFICIENT_BUFFER));
+            FailWith(self.listError != 0 ? self.listError : ERROR_INSUFFICIENT_BUFFER));
     }
     memcpy(target, all.data(), all.size());
     return static_cast<DWORD>(all.size());
@@ -147,11 +147,11 @@ HANDLE WINAPI SystemDevices::FindFirstVolumeHook(LPSTR name, DWORD room) {
 BOOL WINAPI SystemDevices::FindNextVolumeHook(HANDLE search, LPSTR name, DWORD room) {
     SystemDevices& self = *current_;
     if (search != reinterpret_cast<HANDLE>(kSearch) || self.searched_ == self.volumes_.size()) {
-        return Fail(ERROR_NO_MORE_FILES);
+        return FailWith(ERROR_NO_MORE_FILES);
     }
     return Put(self.volumes_[self.searched_++]->name, name, room)
                ? TRUE
-               : Fail(ERROR_FILENAME_EXCED_RANGE);
+               : FailWith(ERROR_FILENAME_EXCED_RANGE);
 }
 
 BOOL WINAPI SystemDevices::FindVolumeCloseHook(HANDLE) {
@@ -165,22 +165,22 @@ BOOL WINAPI SystemDevices::PathNamesHook(LPCSTR volume, LPCH names, DWORD room, 
             const std::string all = Joined(known->paths);
             *needed = static_cast<DWORD>(all.size());
             if (all.size() > room) {
-                return Fail(ERROR_MORE_DATA);
+                return FailWith(ERROR_MORE_DATA);
             }
             memcpy(names, all.data(), all.size());
             return TRUE;
         }
     }
-    return Fail(ERROR_FILE_NOT_FOUND);
+    return FailWith(ERROR_FILE_NOT_FOUND);
 }
 
 BOOL WINAPI SystemDevices::MountPointHook(LPCSTR mountPoint, LPSTR volume, DWORD room) {
     for (const auto& known : current_->volumes_) {
         if (std::find(known->paths.begin(), known->paths.end(), mountPoint) != known->paths.end()) {
-            return Put(known->name, volume, room) ? TRUE : Fail(ERROR_FILENAME_EXCED_RANGE);
+            return Put(known->name, volume, room) ? TRUE : FailWith(ERROR_FILENAME_EXCED_RANGE);
         }
     }
-    return Fail(ERROR_PATH_NOT_FOUND);
+    return FailWith(ERROR_PATH_NOT_FOUND);
 }
 
 }  // namespace support

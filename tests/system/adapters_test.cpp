@@ -17,16 +17,16 @@ TEST_F(SystemAdapters, AreListedAndDescribed) {
 
     const json ports = Document("port list")["result"]["ports"];
     ASSERT_EQ(4u, ports.size());
-    std::set<int> scsiPorts;
+    std::set<int64_t> scsiPorts;
     for (const json& port : ports) {
-        scsiPorts.insert(port["scsi_port"].get<int>());
+        scsiPorts.insert(port["scsi_port"].number());
         EXPECT_EQ("online", port["state"]) << port.dump();
         EXPECT_EQ(nullptr, port["status"]) << port.dump();
-        const std::string selector = port["port_wwn"].get<std::string>();
+        const std::string selector = port["port_wwn"].text();
         const json shown = Document("port show -p wwn:" + selector)["result"];
         EXPECT_TRUE(support::Has(shown.dump(), selector));
     }
-    EXPECT_EQ((std::set<int>{3, 4, 6, 9}), scsiPorts);
+    EXPECT_EQ((std::set<int64_t>{3, 4, 6, 9}), scsiPorts);
 }
 
 // Each result is held against its schema.
@@ -67,7 +67,7 @@ TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
     for (const auto& row : kRows) {
         const json document = VxemuDocument(row.arguments);
         ASSERT_EQ(0, document["exit"]) << row.arguments << document["messages"];
-        EXPECT_EQ(row.value, document["result"].value(json::json_pointer(row.place), json()))
+        EXPECT_EQ(row.value, document["result"].at(row.place))
             << row.arguments << document["result"];
     }
     std::filesystem::remove(file);
@@ -78,7 +78,7 @@ TEST_F(SystemAdapters, BusyDriverIsWaitedFor) {
     const json ports = Document("port list -p scsi:6")["result"]["ports"];
     ASSERT_EQ(1u, ports.size());
     EXPECT_EQ(nullptr, ports[0]["status"]);
-    EXPECT_EQ(2, PortStatus("scsi:6").value("faults", 0));
+    EXPECT_EQ(2, PortStatus("scsi:6")["faults"]);
 }
 
 TEST_F(SystemAdapters, OnePortThatFailsLeavesTheOthers) {

@@ -3,16 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
 #include "support/program.h"
 
 namespace system_test {
 
-using nlohmann::json;
+using json = support::Document;
 
 class EmulatedDriver : public testing::Test {
   public:
@@ -43,37 +43,37 @@ class EmulatedDriver : public testing::Test {
         return DocumentOf(arguments, Vxemu("--json " + arguments));
     }
     static json DocumentOf(const std::string& arguments, const support::Ended& ended) {
-        const json document = json::parse(ended.out, nullptr, false);
+        const json document = json::Parse(ended.out);
         EXPECT_TRUE(document.is_object()) << arguments << "\n" << ended.out << ended.err;
         if (!document.is_object()) {
-            return json::object();
+            return {};
         }
         static support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
         for (const std::string& error : schemas.CheckEnvelope(document)) {
             ADD_FAILURE() << arguments << ": " << error;
         }
-        EXPECT_EQ(document.value("exit", -1), static_cast<int>(ended.exit)) << arguments;
+        EXPECT_EQ(document["exit"], ended.exit) << arguments;
         return document;
     }
 
-    int ExitOf(const std::string& arguments) { return Document(arguments).value("exit", -1); }
+    json ExitOf(const std::string& arguments) { return Document(arguments)["exit"]; }
 
     // What the driver says of a port, e.g. PortStatus("scsi:3")["event_delivery"].
     static json PortStatus(const std::string& port) {
         const json document = VxemuDocument("status");
-        for (const json& row : document.value("/result/ports"_json_pointer, json::array())) {
+        for (const json& row : document["result"]["ports"]) {
             if (row["port"] == port) {
                 return row;
             }
         }
         ADD_FAILURE() << "the driver does not know " << port;
-        return json::object();
+        return {};
     }
 
     // Waits until the driver says so of the port; false after some seconds.
     static bool PortReaches(const std::string& port, const std::string& key, const json& value) {
         for (int i = 0; i < 50; ++i) {
-            if (PortStatus(port).value(key, json()) == value) {
+            if (PortStatus(port)[key] == value) {
                 return true;
             }
             Sleep(100);

@@ -12,15 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 using Data = std::vector<char>;
 
-const std::string kBanked = " -a serial:EMU7740A0001";
-const std::string kLargeRom = " -a serial:EMU7404A0002";
-const std::string kYes = " --yes --confirm EMU7740A0001";
-
-Data BytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // The flash is as delivered at the start of every test, and all files of a test are its own.
 class SystemFlash : public EmulatedDriver {
   public:
@@ -28,6 +19,15 @@ class SystemFlash : public EmulatedDriver {
     static void TearDownTestSuite() {}
 
   protected:
+    static inline const std::string kBanked = " -a serial:EMU7740A0001";
+    static inline const std::string kLargeRom = " -a serial:EMU7404A0002";
+    static inline const std::string kYes = " --yes --confirm EMU7740A0001";
+
+    static Data BytesOf(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
     void SetUp() override {
         folder_ = support::ScratchPath("-flash");
         fs::remove_all(folder_);
@@ -87,7 +87,7 @@ class SystemFlash : public EmulatedDriver {
             }
         }
         ADD_FAILURE() << "no region " << region;
-        return json::object();
+        return {};
     }
 
     // Sets the owner of an adapter's lock, as a program does that takes it over or frees it; the
@@ -118,15 +118,15 @@ class SystemFlash : public EmulatedDriver {
                 return row;
             }
         }
-        return json::object();
+        return {};
     }
 
     // Waits until the adapter's lock is held; its owner, or 0 after some seconds.
     int WaitForOwner() {
         for (int i = 0; i < 50; ++i) {
             const json lock = Lock("EMU7740A0001");
-            if (lock.value("held", false)) {
-                return lock["owner_pid"];
+            if (lock["held"] == true) {
+                return static_cast<int>(lock["owner_pid"].number());
             }
             Sleep(100);
         }
@@ -149,7 +149,7 @@ TEST_F(SystemFlash, DamagedCodeIsAFailure) {
     std::string outcomes;
     for (const json& row : checked["result"]["checks"]) {
         if (row["check"] == "stored code") {
-            outcomes += row["outcome"].get<std::string>() + " ";
+            outcomes += row["outcome"].text() + " ";
         }
     }
     EXPECT_EQ("failed skipped passed skipped ", outcomes) << "each adapter once";
@@ -172,7 +172,7 @@ TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
     EXPECT_EQ(layout["size"], bytes);
 
     // Two pieces and a bit of the firmware, across the border of a piece.
-    const std::string start = layout["regions"][1]["start"];
+    const std::string start = layout["regions"][1]["start"].text();
     const std::string file = File("range.bin");
     ASSERT_EQ("firmware", layout["regions"][1]["key"]);
     EXPECT_EQ(0, ExitOf("flash read \"" + file + "\" --length 131073 --offset " + start + kBanked));

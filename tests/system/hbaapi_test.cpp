@@ -77,9 +77,9 @@ class SystemHbaApi : public EmulatedDriver {
         const json document = Document("map target all -p " + port);
         for (const json& row : document["result"]["units"]) {
             if (row["device"].is_string()) {
-                units.insert(row["device"].get<std::string>() + " " + row["bus"].dump() + ":" +
+                units.insert(row["device"].text() + " " + row["bus"].dump() + ":" +
                              row["target"].dump() + ":" + row["lun"].dump() + " " +
-                             row["target_wwn"].get<std::string>());
+                             row["target_wwn"].text());
             }
         }
         return units;
@@ -130,7 +130,7 @@ TEST_F(SystemHbaApi, BothInterfacesTellTheSame) {
     ASSERT_EQ(4u, shown.size());
     for (HBA_UINT32 index = 0; index < 4; ++index) {
         SCOPED_TRACE(index);
-        const json& other = shown[index];
+        const json other = shown[index];
         const std::string selector = "index:" + std::to_string(index);
         const bool legacy = other["scsi_port"] == 9;
         const HBA_HANDLE handle = Open(index);
@@ -142,9 +142,8 @@ TEST_F(SystemHbaApi, BothInterfacesTellTheSame) {
         EXPECT_EQ(other["identity"]["node_wwn"], Digits(adapter.NodeWWN));
         EXPECT_EQ(other["versions"]["driver"], adapter.DriverVersion);
         EXPECT_EQ(other["versions"]["firmware"], adapter.FirmwareVersion);
-        EXPECT_EQ(other["versions"]["driver_service"].get<std::string>() + ".sys",
-                  adapter.DriverName);
-        EXPECT_EQ(other["versions"]["option_rom"].get<std::string>(), adapter.OptionROMVersion);
+        EXPECT_EQ(other["versions"]["driver_service"].text() + ".sys", adapter.DriverName);
+        EXPECT_EQ(other["versions"]["option_rom"].text(), adapter.OptionROMVersion);
         EXPECT_EQ(1u, adapter.NumberOfPorts);
 
         HBA_PORTATTRIBUTES port{};
@@ -172,8 +171,8 @@ TEST_F(SystemHbaApi, BothInterfacesTellTheSame) {
         EXPECT_EQ(4u, names.size());
         const json targets = Document("target list -p " + selector);
         for (const json& target : targets["result"]["targets"]) {
-            EXPECT_TRUE(!target["present"] || legacy ||
-                        names.contains(target["target_wwn"].get<std::string>()))
+            EXPECT_TRUE(target["present"] != true || legacy ||
+                        names.contains(target["target_wwn"].text()))
                 << target.dump();
         }
 
@@ -246,18 +245,18 @@ TEST_F(SystemHbaApi, VxmgrShowsAllOfIt) {
     for (const json& adapter : document["result"]["adapters"]) {
         const std::string index = adapter["index"].dump();
         char name[256];
-        ASSERT_EQ(0u, api_.GetAdapterNameHandler(adapter["index"].get<HBA_UINT32>(), name));
+        ASSERT_EQ(0u, api_.GetAdapterNameHandler(static_cast<HBA_UINT32>(adapter["index"].number()),
+                                                 name));
         EXPECT_EQ(name, adapter["name"]);
         std::set<std::string> devices;
         for (const json& row : adapter["mapping"]) {
-            devices.insert(row["os_device"].get<std::string>() + " " + row["bus"].dump() + ":" +
+            devices.insert(row["os_device"].text() + " " + row["bus"].dump() + ":" +
                            row["target"].dump() + ":" + row["lun"].dump() + " " +
-                           row["port_wwn"].get<std::string>());
+                           row["port_wwn"].text());
         }
-        EXPECT_EQ(Mapping(Open(adapter["index"].get<HBA_UINT32>())), devices);
+        EXPECT_EQ(Mapping(Open(static_cast<HBA_UINT32>(adapter["index"].number()))), devices);
         EXPECT_EQ(adapter["discovered_status"], "HBA_STATUS_OK");
-        const json alone =
-            Document("hbaapi list -p wwn:" + adapter["port"]["port_wwn"].get<std::string>());
+        const json alone = Document("hbaapi list -p wwn:" + adapter["port"]["port_wwn"].text());
         EXPECT_EQ(index, alone["result"]["adapters"][0]["index"].dump());
     }
     EXPECT_EQ(3, ExitOf("hbaapi show -p scsi:5"));

@@ -11,18 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kBanked = " -p scsi:3";
-const std::string kLargeRom = " -p scsi:6";
-const std::string kLegacy = " -p scsi:9";
-const std::string kYes = " -p scsi:3 --yes --confirm EMU7740A0001";
-const std::string kYesLargeRom = " -p scsi:6 --yes --confirm EMU7404A0002";
-const std::string kYesLegacy = " -p scsi:9 --yes --confirm E00003";
-
-std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void Write(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
@@ -46,6 +34,13 @@ class SystemNvram : public EmulatedDriver {
     static void TearDownTestSuite() {}
 
   protected:
+    static inline const std::string kBanked = " -p scsi:3";
+    static inline const std::string kLargeRom = " -p scsi:6";
+    static inline const std::string kLegacy = " -p scsi:9";
+    static inline const std::string kYes = " -p scsi:3 --yes --confirm EMU7740A0001";
+    static inline const std::string kYesLargeRom = " -p scsi:6 --yes --confirm EMU7404A0002";
+    static inline const std::string kYesLegacy = " -p scsi:9 --yes --confirm E00003";
+
     void SetUp() override {
         folder_ = support::ScratchPath("-nvram");
         fs::remove_all(folder_);
@@ -61,14 +56,14 @@ class SystemNvram : public EmulatedDriver {
     std::string File(const std::string& name) const { return (folder_ / name).string(); }
     std::string Quoted(const std::string& name) const { return " \"" + File(name) + "\""; }
 
-    int Value(const std::string& name, const std::string& rest) {
-        return Document("nvram get " + name + rest)["result"].value("value", -1);
+    json Value(const std::string& name, const std::string& rest) {
+        return Document("nvram get " + name + rest)["result"]["value"];
     }
     // The first message of the highest severity.
     static std::string Error(const json& document) {
         for (const json& message : document["messages"]) {
             if (message["severity"] == "error") {
-                return message["text"];
+                return message["text"].text();
             }
         }
         return "";
@@ -79,7 +74,7 @@ class SystemNvram : public EmulatedDriver {
     bool LockIsFree() {
         const json result = Document("flash lock show")["result"];
         for (const json& row : result["locks"]) {
-            if (row.value("held", false)) {
+            if (row["held"] != false) {
                 return false;
             }
         }
@@ -90,7 +85,7 @@ class SystemNvram : public EmulatedDriver {
 };
 
 TEST_F(SystemNvram, BankedSettingsWaitForTheReset) {
-    const int before = Value("login_timeout", kBanked);
+    const json before = Value("login_timeout", kBanked);
     json document = Document("nvram set login_timeout=77 reset_delay=9" + kYes);
     EXPECT_EQ(0, document["exit"]);
     EXPECT_EQ(true, document["changed"]);
@@ -172,7 +167,7 @@ TEST_F(SystemNvram, ExportsComeBackByteForByte) {
     ASSERT_EQ(0, ExitOf("nvram export" + Quoted("old.json") + kBanked));
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
     for (const std::string& error :
-         schemas.Check(json::parse(BytesOf(File("old.json"))), "vxmgr.nvram.json")) {
+         schemas.Check(json::Parse(support::TextOfFile(File("old.json"))), "vxmgr.nvram.json")) {
         ADD_FAILURE() << error;
     }
     EXPECT_EQ(0, ExitOf("nvram set login_timeout=70 --activate" + kYes));
@@ -184,13 +179,13 @@ TEST_F(SystemNvram, ExportsComeBackByteForByte) {
     EXPECT_EQ(true, Document("nvram diff" + Quoted("backup.json") + kBanked)["result"]["equal"]);
     EXPECT_EQ(0, ExitOf("nvram import --activate" + Quoted("old.json") + kYes));
     ASSERT_EQ(0, ExitOf("nvram export" + Quoted("new.json") + kBanked));
-    EXPECT_EQ(BytesOf(File("old.json")), BytesOf(File("new.json")));
+    EXPECT_EQ(support::TextOfFile(File("old.json")), support::TextOfFile(File("new.json")));
 
     // Of another chip, of another port, damaged.
     EXPECT_EQ(8, ExitOf("nvram import" + Quoted("old.json") + kYesLargeRom));
     const std::string second = " -p scsi:4 --yes --confirm EMU7740A0001";
     EXPECT_EQ(8, ExitOf("nvram import" + Quoted("old.json") + second));
-    std::string text = BytesOf(File("backup.json"));
+    std::string text = support::TextOfFile(File("backup.json"));
     text[text.rfind("\"block\"") + 80] ^= 1;
     Write(File("damaged.json"), text);
     EXPECT_EQ(8, ExitOf("nvram import" + Quoted("damaged.json") + kYes));
@@ -232,12 +227,11 @@ TEST_F(SystemNvram, AFailedWriteSaysWhatStandsThere) {
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
 
     // Cut off in the middle: the bank in use is whole, the other one is not, nothing takes it over.
-    const int before = Value("login_timeout", kBanked);
+    const json before = Value("login_timeout", kBanked);
     ASSERT_EQ(0u, Vxemu("flash power-fail scsi:3 --after-bytes 200").exit);
     document = Document(set);
     EXPECT_NE(0, document["exit"]);
-    EXPECT_TRUE(support::Has(document["messages"].back()["hint"].get<std::string>(),
-                             "bank, which is in use"));
+    EXPECT_TRUE(support::Has(document["messages"].back()["hint"].text(), "bank, which is in use"));
     ASSERT_EQ(0u, Vxemu("reset scsi:3").exit);
     EXPECT_EQ(before, Value("login_timeout", kBanked));
     EXPECT_TRUE(LockIsFree());
@@ -265,7 +259,7 @@ TEST_F(SystemNvram, ProductDataIsCheckedAndGoesToTheOtherBank) {
     const json shown = Document("vpd show" + kBanked)["result"];
     EXPECT_EQ(true, shown["checksum_good"]);
     EXPECT_EQ("Emulated 7740", shown["items"][0]["value"]);
-    const std::string good = BytesOf(File("a.bin"));
+    const std::string good = support::TextOfFile(File("a.bin"));
     const size_t level = good.find("EC\x02") + 4;
     const size_t checksum = good.find("RV\x01") + 3;
 

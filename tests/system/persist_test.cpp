@@ -9,8 +9,6 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-const std::string kArrayA = "2b:00:02:45:4d:00:01:00";
-const std::string kArrayB = "2b:00:02:45:4d:00:02:00";
 constexpr char kPort0[] = "21-00-02-45-4d-00-01-00";
 constexpr char kNobody[] = "21-00-02-45-4d-00-ff-ff";
 
@@ -38,6 +36,9 @@ void Wipe() {
 
 class SystemPersist : public EmulatedDriver {
   protected:
+    static inline const std::string kArrayA = "2b:00:02:45:4d:00:01:00";
+    static inline const std::string kArrayB = "2b:00:02:45:4d:00:02:00";
+
     void SetUp() override {
         Wipe();
         Restart();
@@ -52,11 +53,11 @@ class SystemPersist : public EmulatedDriver {
         StartDriver();
     }
 
-    std::set<int> LunsOf(const std::string& port, const std::string& target) {
-        std::set<int> luns;
+    std::set<int64_t> LunsOf(const std::string& port, const std::string& target) {
+        std::set<int64_t> luns;
         const json result = Document("scsi luns -p " + port + " -t " + target)["result"];
         for (const json& row : result["luns"]) {
-            luns.insert(row["lun"].get<int>());
+            luns.insert(row["lun"].number());
         }
         return luns;
     }
@@ -64,17 +65,17 @@ class SystemPersist : public EmulatedDriver {
     // The target's row of `target show`.
     json Target(const std::string& port, const std::string& target) {
         const json rows = Document("target show -p " + port + " -t " + target)["result"]["targets"];
-        return rows.size() == 1 ? rows[0] : json::object();
+        return rows.size() == 1 ? rows[0] : json();
     }
 
     // Runs a command, and expects of its document this exit code and these outcomes.
     json Expect(const std::string& arguments, int exit, const std::string& outcomes = {}) {
         const json document = Document(arguments);
-        EXPECT_EQ(exit, document["exit"]) << arguments << "\n" << document["messages"].dump(1);
+        EXPECT_EQ(exit, document["exit"]) << arguments << "\n" << document["messages"].dump();
         std::string found;
         if (document["result"].is_object() && document["result"].contains("steps")) {
             for (const json& step : document["result"]["steps"]) {
-                found += (found.empty() ? "" : " ") + step["outcome"].get<std::string>();
+                found += (found.empty() ? "" : " ") + step["outcome"].text();
             }
         }
         if (!outcomes.empty()) {
@@ -93,12 +94,12 @@ TEST_F(SystemPersist, BindingsAndMasksSurviveARestart) {
         EXPECT_EQ(json(current ? 9 : 0), Target(port, kArrayA)["target"]);
         const json denied = Expect("lunmask deny 1,3 --yes" + on, 0, "done done");
         EXPECT_EQ(true, denied["changed"]);
-        EXPECT_EQ((std::set<int>{0, 2}), LunsOf(port, kArrayA));
+        EXPECT_EQ((std::set<int64_t>{0, 2}), LunsOf(port, kArrayA));
         Expect("lunmask deny 1,3 --yes" + on, 0, "unchanged unchanged");
     }
     Restart();
     for (const std::string port : {"scsi:3", "scsi:9"}) {
-        EXPECT_EQ((std::set<int>{0, 2}), LunsOf(port, kArrayA));
+        EXPECT_EQ((std::set<int64_t>{0, 2}), LunsOf(port, kArrayA));
         EXPECT_EQ(4u, LunsOf("scsi:4", kArrayA).size()) << "a port that nobody masked";
         const json target = Target(port, kArrayA);
         EXPECT_EQ(9, target["target"]) << port;
@@ -126,13 +127,13 @@ TEST_F(SystemPersist, OneStoreLeavesTheOtherAlone) {
     const Bytes bytes = StoredBytes(kPort0, "LunData");
     Expect("lunmask deny 2 --yes --store live" + on, 0, "done");
     EXPECT_EQ(bytes, StoredBytes(kPort0, "LunData"));
-    EXPECT_EQ((std::set<int>{0, 1, 3}), LunsOf("scsi:3", kArrayA));
+    EXPECT_EQ((std::set<int64_t>{0, 1, 3}), LunsOf("scsi:3", kArrayA));
     // What is stored comes live on demand.
     Expect("bind add --store registry" + on, 0, "done");
     EXPECT_EQ(false, Target("scsi:3", kArrayA)["bound_live"]);
     Expect("bind apply --masks --yes -p scsi:3", 0, "done done");
     EXPECT_EQ(true, Target("scsi:3", kArrayA)["bound_live"]);
-    EXPECT_EQ((std::set<int>{0, 2, 3}), LunsOf("scsi:3", kArrayA));
+    EXPECT_EQ((std::set<int64_t>{0, 2, 3}), LunsOf("scsi:3", kArrayA));
     EXPECT_EQ(4u, LunsOf("scsi:4", kArrayA).size());
     Expect("bind remove --store live" + on, 4);
 }
@@ -265,7 +266,7 @@ TEST_F(SystemPersist, UnknownTargetIsAddedByItsNames) {
         const std::string named = add + " --id 60 --node 510000000000000" + suffix;
         Expect(named + " --store live", 3, "failed");
         Expect(named, 0, "done pending");
-        EXPECT_EQ(json::object(), Target(port, target)) << port;
+        EXPECT_EQ(json(), Target(port, target)) << port;
         Expect(std::string("bind add --id 60 -p ") + port + " -t " + kArrayA, 8);
         ASSERT_EQ(0u, Vxemu("target add " + target).exit);
         Expect("bind apply --yes -p " + port, 0, port == "scsi:6" ? "done" : "pending");
@@ -293,7 +294,7 @@ TEST_F(SystemPersist, ExportWipeImportGivesTheSameBytes) {
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
     for (const auto& [path, schema] :
          {std::pair{bindings, "vxmgr.bindings.json"}, {masks, "vxmgr.lun_masks.json"}}) {
-        const json document = json::parse(support::TextOfFile(path), nullptr, false);
+        const json document = json::Parse(support::TextOfFile(path));
         EXPECT_EQ(std::vector<std::string>(), schemas.Check(document, schema));
     }
 

@@ -65,7 +65,7 @@ TEST_F(SystemSilentPorts, KeepTheirIndexAndHoldUpNobodyElse) {
     // Named by its place, a port is asked alone; the silent one gives the exit code then.
     EXPECT_EQ(0, Document("port show -p scsi:6")["exit"]);
     EXPECT_EQ(0, Document("port stats -p index:3")["exit"]);
-    EXPECT_EQ(0u, PortStatus("scsi:3").value("handles", 0u));
+    EXPECT_EQ(0u, PortStatus("scsi:3")["open_handles"]);
     EXPECT_EQ(7, Document("--timeout 1 port list -p index:1")["exit"]);
     EXPECT_EQ(7, Document("--timeout 1 nvram show -p scsi:4")["exit"]);
     const json missed = Document("--timeout 1 port show -p 21:01:02:45:4d:00:01:00");
@@ -134,7 +134,7 @@ TEST_F(SystemSilentPorts, ADriverThatGoesAwayIsSaidTo) {
     Fault("scsi:6 --code FlashWrite --do hang 1500");
     support::Program writer("vxmgr.exe",
                             "nvram set login_timeout=91 -p scsi:6 --yes --confirm EMU7404A0002");
-    for (int i = 0; i < 100 && PortStatus("scsi:6").value("faults", 0) == 0; ++i) {
+    for (int i = 0; i < 100 && PortStatus("scsi:6")["faults"] == 0; ++i) {
         Sleep(50);
     }
     StopDriver();
@@ -147,7 +147,7 @@ TEST_F(SystemSilentPorts, ADriverThatGoesAwayIsSaidTo) {
 TEST_F(SystemSilentPorts, WindowsErrorCodesHaveTheirTexts) {
     for (const int code : {1, 2, 5, 32, 121, 170, 433, 995, 1053, 1062, 1167, 1223, 1314, 1460}) {
         const json status = Document("explain " + std::to_string(code))["result"]["status"];
-        const std::string text = status["text"];
+        const std::string text = status["text"].text();
         EXPECT_FALSE(text.empty()) << code;
         EXPECT_EQ(std::string::npos, text.find("Windows error")) << code;
     }

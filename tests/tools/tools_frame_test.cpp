@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "hxstatus.h"
+#include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
 #include "tools/common/csv.h"
@@ -22,6 +23,7 @@ namespace {
 
 using namespace tools;
 using std::chrono::milliseconds;
+using support::Document;
 
 std::string ReadFile(const std::string& name) {
     std::ifstream stream(std::string(VXMGMT_SOURCE_FOLDER "/") + name, std::ios::binary);
@@ -314,13 +316,13 @@ TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
         {"maybe", "Part", kPart, &Whole::part, "", kGroup.OrNull()},
         {"parts", "Parts", kPart, &Whole::parts},
     };
-    const auto schema = nlohmann::json::parse(SchemaText("t.whole", "Whole", kWhole.ShapeOfAll()));
+    const auto schema = Document::Parse(SchemaText("t.whole", "Whole", kWhole.ShapeOfAll()));
     const auto document = [](const Whole& whole) {
         const Record record = kWhole.Make(whole);
         Envelope envelope;
         envelope.result = &record;
         Redactor open(false);
-        return nlohmann::json::parse(EnvelopeDocument(envelope, open))["result"];
+        return Document::Parse(EnvelopeDocument(envelope, open))["result"];
     };
     const Part part{UINT64_MAX};
     for (const Whole& whole :
@@ -415,7 +417,7 @@ TEST(ToolsDocument, EnvelopeFollowsItsSchema) {
     envelope.exit = ExitCode::Partial;
     Redactor open(false);
 
-    const auto json = nlohmann::json::parse(EnvelopeDocument(envelope, open));
+    const auto json = Document::Parse(EnvelopeDocument(envelope, open));
     EXPECT_EQ(Lines(schemas.CheckEnvelope(json)), "");
     EXPECT_EQ(json["messages"][1]["status"], "0x20000067");
     EXPECT_EQ(json["messages"][1]["name"], "DEVICE_BUSY");
@@ -426,7 +428,7 @@ TEST(ToolsDocument, EnvelopeFollowsItsSchema) {
     envelope.result = nullptr;
     const std::string line = EnvelopeLine(envelope, 7, open);
     EXPECT_EQ(line.find('\n'), line.size() - 1);
-    const auto last = nlohmann::json::parse(line);
+    const auto last = Document::Parse(line);
     EXPECT_EQ(Lines(schemas.CheckEnvelope(last)), "");
     EXPECT_EQ(last["rows"], 7);
 }
@@ -438,7 +440,7 @@ TEST(ToolsDocument, NumbersThatDoublesLoseComeAsTextToo) {
     Envelope envelope;
     envelope.result = &result;
     Redactor open(false);
-    const auto json = nlohmann::json::parse(EnvelopeDocument(envelope, open))["result"];
+    const auto json = Document::Parse(EnvelopeDocument(envelope, open))["result"];
     EXPECT_FALSE(json.contains("exact_s"));
     EXPECT_EQ(json["frames"], UINT64_MAX);
     EXPECT_EQ(json["frames_s"], "18446744073709551615");
@@ -449,23 +451,22 @@ TEST(ToolsDocument, JsonLinesDoNotRepeatTheRows) {
     Envelope envelope;
     envelope.result = &result;
     Redactor open(false);
-    using nlohmann::json;
-    EXPECT_TRUE(json::parse(EnvelopeLine(envelope, 1, open))["result"].is_null());
-    EXPECT_FALSE(json::parse(EnvelopeLine(envelope, 1, open)).contains("header"));
+    EXPECT_TRUE(Document::Parse(EnvelopeLine(envelope, 1, open))["result"].is_null());
+    EXPECT_FALSE(Document::Parse(EnvelopeLine(envelope, 1, open)).contains("header"));
     EXPECT_EQ(RowLine("s", result.MainList()->records.front(), result, open),
               "{\"schema\":\"s\",\"row\":{\"name\":\"a\",\"secret\":\"S-1\","
               "\"link\":{\"speed\":null}}}\n");
     // A reader of one line has what stands beside the rows; of the last one, other lists too.
     result.Add("bank", "", Value::Text("first"));
     result.AddList("steps", "", ListLayout::Table, Row("", {}), "", {});
-    EXPECT_EQ(json::parse(RowLine("s", result, result, open))["header"],
-              json::parse(R"({"bank":"first"})"));
-    EXPECT_EQ(json::parse(EnvelopeLine(envelope, 1, open))["header"],
-              json::parse(R"({"bank":"first","steps":[]})"));
+    EXPECT_EQ(Document::Parse(RowLine("s", result, result, open))["header"],
+              Document::Parse(R"({"bank":"first"})"));
+    EXPECT_EQ(Document::Parse(EnvelopeLine(envelope, 1, open))["header"],
+              Document::Parse(R"({"bank":"first","steps":[]})"));
     Record plain;
     plain.Add("name", "", Value::Text("x"));
     envelope.result = &plain;
-    EXPECT_EQ(nlohmann::json::parse(EnvelopeLine(envelope, 0, open))["result"]["name"], "x");
+    EXPECT_EQ(Document::Parse(EnvelopeLine(envelope, 0, open))["result"]["name"], "x");
 }
 
 // The validator guards the other tests: what they lean on must be able to fail.
@@ -482,16 +483,17 @@ TEST(ToolsDocument, SchemaValidatorSeesFaults) {
         {R"({"items":{"type":"boolean"}})", "[true]", "[true,1]"},
     };
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
-    using nlohmann::json;
     for (const auto& row : kRows) {
-        const json schema = json::parse(row.schema);
-        EXPECT_EQ(Lines(schemas.CheckAgainst(json::parse(row.good), schema)), "") << row.schema;
-        EXPECT_FALSE(schemas.CheckAgainst(json::parse(row.bad), schema).empty()) << row.schema;
+        const Document schema = Document::Parse(row.schema);
+        EXPECT_EQ(Lines(schemas.CheckAgainst(Document::Parse(row.good), schema)), "") << row.schema;
+        EXPECT_FALSE(schemas.CheckAgainst(Document::Parse(row.bad), schema).empty()) << row.schema;
     }
-    EXPECT_FALSE(schemas.Check(json::object(), "vxemu.version.json").empty());
-    EXPECT_FALSE(schemas.Check(json::object(), "none.json").empty());
-    EXPECT_FALSE(schemas.CheckAgainst(json(1), json::parse(R"({"$ref":"none.json"})")).empty());
-    EXPECT_FALSE(schemas.CheckRow(json::parse(R"({"schema":"vxmgr.version","row":{}})")).empty());
+    EXPECT_FALSE(schemas.Check(Document::Parse("{}"), "vxemu.version.json").empty());
+    EXPECT_FALSE(schemas.Check(Document::Parse("{}"), "none.json").empty());
+    EXPECT_FALSE(
+        schemas.CheckAgainst(Document(1), Document::Parse(R"({"$ref":"none.json"})")).empty());
+    EXPECT_FALSE(
+        schemas.CheckRow(Document::Parse(R"({"schema":"vxmgr.version","row":{}})")).empty());
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <random>
 
+#include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
 #include "vxmgr/app/port_id.h"
@@ -219,7 +219,7 @@ std::unique_ptr<Block> RandomBlock(std::mt19937& random, uint16_t count) {
 
 std::vector<std::string> SchemaErrors(const std::string& text, const char* schema) {
     support::JsonSchemas schemas(VXMGMT_SOURCE_FOLDER "/docs/schemas/");
-    return schemas.Check(nlohmann::json::parse(text), schema);
+    return schemas.Check(support::Document::Parse(text), schema);
 }
 
 TEST(ToolsDocuments, EveryByteOfABindingBlockReturns) {
@@ -274,7 +274,8 @@ std::string ErrorOf(DocumentPort (*read)(std::string_view, Block*), const std::s
 
 // One change to a document that is right otherwise, and a part of what is said of it.
 struct WrongDocument {
-    std::function<void(nlohmann::json&)> change;
+    const char* place;
+    const char* holds;  // null: the place is missing
     const char* says;
 };
 
@@ -283,12 +284,9 @@ void ExpectRefused(DocumentPort (*read)(std::string_view, Block*), const std::st
                    const std::vector<WrongDocument>& wrong) {
     ASSERT_EQ(ErrorOf(read, good), "");
     for (const WrongDocument& one : wrong) {
-        nlohmann::json document = nlohmann::json::parse(good);
-        one.change(document);
-        const std::string error = ErrorOf(read, document.dump());
-        EXPECT_TRUE(support::Has(error, one.says))
-            << "\"" << error << "\" does not say \"" << one.says << "\"\n"
-            << document.dump();
+        const std::string document =
+            support::Document::Parse(good).With(one.place, one.holds).dump();
+        EXPECT_TRUE(support::Has(ErrorOf(read, document), one.says)) << document;
     }
 }
 
@@ -296,43 +294,42 @@ TEST(ToolsDocuments, WrongBindingsAreRefused) {
     HX_TARGET_DATA block{};
     PutBinding(block, Device(1, 10), std::nullopt);
     PutBinding(block, Device(2, 20), std::nullopt);
-    using J = nlohmann::json;
     ExpectRefused<HX_TARGET_DATA>(
         ReadBindDocument, BindDocument(kPort, block),
         {
-            {[](J& d) { d = J::array(); }, "no object"},
-            {[](J& d) { d["document"] = "vxmgr.lun_masks"; }, "is not \"vxmgr.bindings\""},
-            {[](J& d) { d["version"] = 2; }, "version 2 is not known"},
-            {[](J& d) { d["version"] = "1"; }, "version"},
-            {[](J& d) { d.erase("version"); }, "version is missing"},
-            {[](J& d) { d["port"] = 1; }, "the document.port is no object"},
-            {[](J& d) { d["port"].erase("serial"); }, "serial is missing"},
-            {[](J& d) { d["port"]["model"] = "x"; }, "\"model\" is no key"},
-            {[](J& d) { d["comment"] = "x"; }, "\"comment\" is no key"},
-            {[](J& d) { d["count"] = 257; }, "count is no number from 0 to 256"},
-            {[](J& d) { d["count"] = -1; }, "count is no number"},
-            {[](J& d) { d["count"] = 2.0; }, "count is no number"},
-            {[](J& d) { d["header"] = 65536; }, "header is no number"},
-            {[](J& d) { d["reserved4"] = "00"; }, "not 28 bytes"},
-            {[](J& d) { d["targets"] = J::object(); }, "no list"},
-            {[](J& d) { d["targets"][1] = nullptr; }, "targets[1] is no object"},
-            {[](J& d) { d["targets"][1]["slot"] = 0; }, "slot 0 stands twice"},
-            {[](J& d) { d["targets"][1]["slot"] = 256; }, "slot is no number from 0 to 255"},
-            {[](J& d) { d["targets"][1]["target_wwn"] = d["targets"][0]["target_wwn"]; },
+            {"", "[]", "no object"},
+            {"/document", R"("vxmgr.lun_masks")", "is not \"vxmgr.bindings\""},
+            {"/version", "2", "version 2 is not known"},
+            {"/version", R"("1")", "version"},
+            {"/version", nullptr, "version is missing"},
+            {"/port", "1", "the document.port is no object"},
+            {"/port/serial", nullptr, "serial is missing"},
+            {"/port/model", R"("x")", "\"model\" is no key"},
+            {"/comment", R"("x")", "\"comment\" is no key"},
+            {"/count", "257", "count is no number from 0 to 256"},
+            {"/count", "-1", "count is no number"},
+            {"/count", "2.0", "count is no number"},
+            {"/header", "65536", "header is no number"},
+            {"/reserved4", R"("00")", "not 28 bytes"},
+            {"/targets", "{}", "no list"},
+            {"/targets/1", "null", "targets[1] is no object"},
+            {"/targets/1/slot", "0", "slot 0 stands twice"},
+            {"/targets/1/slot", "256", "slot is no number from 0 to 255"},
+            {"/targets/1/target_wwn", R"("2b00000000000001")",
              "targets[1]: target_wwn 2b00000000000001 stands twice"},
-            {[](J& d) { d["targets"][0]["target_wwn"] = "2b:00:00:00:00:00:00:01"; }, "no name"},
-            {[](J& d) { d["targets"][0]["node_wwn"] = "2b0000000000000"; }, "no name"},
-            {[](J& d) { d["targets"][0]["node_wwn"] = "0000000000000000"; }, "free"},
-            {[](J& d) { d["targets"][0]["free"] = true; }, "free"},
-            {[](J& d) { d["targets"][0]["free"] = 1; }, "neither true nor false"},
-            {[](J& d) { d["targets"][0]["port_id"] = "0x1000000"; }, "port_id"},
-            {[](J& d) { d["targets"][0]["port_id"] = "020000"; }, "port_id"},
-            {[](J& d) { d["targets"][0]["bus"] = 256; }, "bus is no number from 0 to 255"},
-            {[](J& d) { d["targets"][0]["target"] = "1"; }, "target is no number"},
-            {[](J& d) { d["targets"][0]["flags"] = "0x100"; }, "flags"},
-            {[](J& d) { d["targets"][0]["lun_base"] = 65536; }, "lun_base"},
-            {[](J& d) { d["targets"][0]["reserved9"] = "0g"; }, "not 1 bytes"},
-            {[](J& d) { d["targets"][0]["lun"] = 1; }, "\"lun\" is no key"},
+            {"/targets/0/target_wwn", R"("2b:00:00:00:00:00:00:01")", "no name"},
+            {"/targets/0/node_wwn", R"("2b0000000000000")", "no name"},
+            {"/targets/0/node_wwn", R"("0000000000000000")", "free"},
+            {"/targets/0/free", "true", "free"},
+            {"/targets/0/free", "1", "neither true nor false"},
+            {"/targets/0/port_id", R"("0x1000000")", "port_id"},
+            {"/targets/0/port_id", R"("020000")", "port_id"},
+            {"/targets/0/bus", "256", "bus is no number from 0 to 255"},
+            {"/targets/0/target", R"("1")", "target is no number"},
+            {"/targets/0/flags", R"("0x100")", "flags"},
+            {"/targets/0/lun_base", "65536", "lun_base"},
+            {"/targets/0/reserved9", R"("0g")", "not 1 bytes"},
+            {"/targets/0/lun", "1", "\"lun\" is no key"},
         });
 }
 
@@ -344,26 +341,22 @@ TEST(ToolsDocuments, WrongMasksAreRefused) {
         SetNames(*record, NameOf(name, 0x2A), NameOf(name));
         record->luns[3] = 0x81;
     }
-    using J = nlohmann::json;
     ExpectRefused<HX_LUN_DATA>(
         ReadLunMaskDocument, LunMaskDocument(kPort, *block),
         {
-            {[](J& d) { d["count"] = 1; }, "targets[1]: slot 1 is beyond the count"},
-            {[](J& d) { d["format"] = 65536; }, "format"},
-            {[](J& d) { d["targets"][0]["masked"] = "2048"; }, "masked holds no LUNs"},
-            {[](J& d) { d["targets"][0]["masked"] = "3,3"; }, "named twice"},
-            {[](J& d) { d["targets"][0]["masked"] = 3; }, "masked is no text"},
-            {[](J& d) { d["targets"][0].erase("masked"); }, "masked is missing"},
-            {[](J& d) { d["targets"][0]["other_bits"][0]["bits"] = "0x80"; }, "bits"},
-            {[](J& d) { d["targets"][0]["other_bits"][0]["luns"] = "x"; }, "luns holds no LUNs"},
-            {[](J& d) { d["targets"][0]["other_bits"][0]["lun"] = 1; }, "no key"},
-            {[](J& d) {
-                 d["targets"][0]["other_bits"].push_back(d["targets"][0]["other_bits"][0]);
-             },
-             "names a LUN twice"},
-            {[](J& d) { d["targets"][0]["other_bits"] = "3"; }, "no list"},
-            {[](J& d) { d["targets"][0]["reserved16"] = std::string(30, '0'); }, "not 16 bytes"},
-            {[](J& d) { d["targets"][1]["target_wwn"] = "2b00000000000001"; }, "stands twice"},
+            {"/count", "1", "targets[1]: slot 1 is beyond the count"},
+            {"/format", "65536", "format"},
+            {"/targets/0/masked", R"("2048")", "masked holds no LUNs"},
+            {"/targets/0/masked", R"("3,3")", "named twice"},
+            {"/targets/0/masked", "3", "masked is no text"},
+            {"/targets/0/masked", nullptr, "masked is missing"},
+            {"/targets/0/other_bits/0/bits", R"("0x80")", "bits"},
+            {"/targets/0/other_bits/0/luns", R"("x")", "luns holds no LUNs"},
+            {"/targets/0/other_bits/0/lun", "1", "no key"},
+            {"/targets/0/other_bits/-", R"({"luns": "3", "bits": "0x01"})", "names a LUN twice"},
+            {"/targets/0/other_bits", R"("3")", "no list"},
+            {"/targets/0/reserved16", R"("000000000000000000000000000000")", "not 16 bytes"},
+            {"/targets/1/target_wwn", R"("2b00000000000001")", "stands twice"},
         });
 }
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using nlohmann::json;
+using json = support::Document;
 
 using support::Ended;
 
@@ -22,16 +22,16 @@ class VxmgrTest : public testing::Test {
   protected:
     // The one document on stdout, checked against the schemas and the process's exit code.
     json Document(const std::string& arguments, const Ended& ended) {
-        const json document = json::parse(ended.out, nullptr, false);
-        EXPECT_FALSE(document.is_discarded()) << arguments << "\n" << ended.out;
+        const json document = json::Parse(ended.out);
+        EXPECT_TRUE(document.is_object()) << arguments << "\n" << ended.out;
         EXPECT_EQ(ended.err, "") << arguments;
         if (!document.is_object()) {
-            return json::object();
+            return {};
         }
         for (const std::string& error : schemas_.CheckEnvelope(document)) {
             ADD_FAILURE() << arguments << ": " << error;
         }
-        EXPECT_EQ(document.value("exit", -1), static_cast<int>(ended.exit)) << arguments;
+        EXPECT_EQ(document["exit"], ended.exit) << arguments;
         return document;
     }
 
@@ -142,8 +142,8 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
     };
     for (const auto& row : kRows) {
         const json document = Document(row.arguments);
-        EXPECT_EQ(document.value("schema", ""), row.schema) << row.arguments;
-        EXPECT_EQ(document.value("exit", -1), row.exit) << row.arguments;
+        EXPECT_EQ(document["schema"], row.schema) << row.arguments;
+        EXPECT_EQ(document["exit"], row.exit) << row.arguments;
         EXPECT_EQ(document["messages"].empty(), row.exit == 0) << row.arguments;
         EXPECT_EQ(document["library"], "1.28.0.197") << row.arguments;
     }
@@ -161,7 +161,7 @@ TEST_F(VxmgrTest, ListsAreDocumentsWhateverTheMachineHas) {
         std::istringstream stream(lines.out);
         std::vector<json> parsed;
         for (std::string line; std::getline(stream, line);) {
-            parsed.push_back(json::parse(line, nullptr, false));
+            parsed.push_back(json::Parse(line));
         }
         ASSERT_FALSE(parsed.empty()) << arguments;
         const json last = parsed.back();
