@@ -8,7 +8,7 @@ namespace {
 
 using namespace support;
 
-constexpr uint32_t kFramePayload = 19;
+constexpr uint32_t kPayloadSize = 19;
 constexpr uint32_t kFamily = 128;
 
 class NvramAccessTest : public FlashTest {
@@ -212,14 +212,14 @@ TEST_F(NvramAccessTest, ExtendedBlock) {
 TEST_F(NvramAccessTest, VariablesByChip) {
     Reopen("9.04.02", 0x7300);
     GuardedBuffer classic(256, 0);
-    const flash::Variable& payload = flash::kVariableTable[kFramePayload];
-    EXPECT_EQ(1u, HXSetVariableValue(handle, classic.Data(), kFramePayload, 0x12345));
-    EXPECT_EQ(0u, HXSetVariableValue(handle, classic.Data(), kFramePayload, 0x2345));
-    EXPECT_EQ(0x2345u, HXGetVariableValue(handle, classic.Data(), kFramePayload));
+    const flash::Variable& payload = flash::kVariableTable[kPayloadSize];
+    EXPECT_EQ(1u, HXSetVariableValue(handle, classic.Data(), kPayloadSize, 0x12345));
+    EXPECT_EQ(0u, HXSetVariableValue(handle, classic.Data(), kPayloadSize, 0x2345));
+    EXPECT_EQ(0x2345u, HXGetVariableValue(handle, classic.Data(), kPayloadSize));
     EXPECT_EQ(0x45, classic[payload.word * 2u]);
     Reopen("9.04.02", 0x7740);
     GuardedBuffer extended(512, 0);
-    EXPECT_EQ(1u, HXSetVariableValue(handle, extended.Data(), kFramePayload, 0x2345));
+    EXPECT_EQ(1u, HXSetVariableValue(handle, extended.Data(), kPayloadSize, 0x2345));
     EXPECT_EQ(0x45, extended[payload.extendedOffset]);
     EXPECT_EQ(0u, HXSetVariableValue(handle, extended.Data(), kFamily, 3)) << "not there";
     EXPECT_EQ(0u, HXGetVariableValue(handle, extended.Data(), 188));
@@ -330,7 +330,7 @@ TEST_F(NvramAccessTest, TextFile) {
     memset(read.Data(), 0, 256);
     ASSERT_EQ(1, ReadNVRamFile(file.Path().c_str(), read.Data(), 0, 0));
     EXPECT_EQ(44u, flash::GetVariable({read.Data(), 256}, flash::BlockKind::Classic, 24));
-    EXPECT_EQ(7u, flash::GetVariable({read.Data(), 256}, flash::BlockKind::Classic, kFramePayload));
+    EXPECT_EQ(7u, flash::GetVariable({read.Data(), 256}, flash::BlockKind::Classic, kPayloadSize));
 
     // A file that cannot be opened: mode 1 has cleared the block but for what is read-only.
     const char* const nowhere = "Z:\\no such folder\\file.txt";
@@ -340,7 +340,7 @@ TEST_F(NvramAccessTest, TextFile) {
     EXPECT_EQ(before, block.First(256));
     EXPECT_EQ(0, ReadNVRamFile(nowhere, block.Data(), 1, 0));
     EXPECT_EQ(0, memcmp(block.Data(), "KPU ", 4));
-    EXPECT_EQ(0, block[flash::kVariableTable[kFramePayload].word * 2u]);
+    EXPECT_EQ(0, block[flash::kVariableTable[kPayloadSize].word * 2u]);
     EXPECT_EQ(0, WriteNVRamFile(nullptr, nowhere));
     EXPECT_EQ(0, ReadNVRamFile(nullptr, block.Data(), 1, 0));
 }

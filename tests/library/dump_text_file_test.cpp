@@ -10,7 +10,7 @@ namespace {
 using namespace support;
 
 // 2026-01-02 03:04:05.006 UTC
-constexpr uint64_t kFileTime = 134118758450060000;
+constexpr uint64_t kWrittenAt = 134118758450060000;
 
 class LocalSink final : public dumps::DumpSink {
   public:
@@ -19,7 +19,7 @@ class LocalSink final : public dumps::DumpSink {
         FILETIME utc;
         FILETIME local;
         SYSTEMTIME time;
-        memcpy(&utc, &kFileTime, sizeof utc);
+        memcpy(&utc, &kWrittenAt, sizeof utc);
         EXPECT_TRUE(FileTimeToLocalFileTime(&utc, &local) && FileTimeToSystemTime(&local, &time));
         return {time.wYear,   time.wMonth,  time.wDay,         time.wHour,
                 time.wMinute, time.wSecond, time.wMilliseconds};
@@ -36,7 +36,7 @@ class DumpTextFileTest : public OneAdapterTest {
         const uint32_t column = dumps::ColumnOfLayout(layout);
         dump = Patterned(static_cast<uint32_t>(dumps::RecordBytes(column, kExtents)));
         Put32(dump, 0, 0x11335577);
-        memcpy(&dump[60], &kFileTime, sizeof kFileTime);
+        memcpy(&dump[60], &kWrittenAt, sizeof kWrittenAt);
         LocalSink sink;
         dumps::WriteDumpText(dump, column, kExtents, sink);
         expected = sink.text;

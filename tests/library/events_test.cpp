@@ -210,7 +210,7 @@ TEST_F(EventsTest, ForcedEvent) {
 
 DWORD waitedFor = 0;
 DWORD waitResult = WAIT_TIMEOUT;
-DWORD WINAPI FailedWait(HANDLE, DWORD milliseconds) {
+DWORD WINAPI RefusedWait(HANDLE, DWORD milliseconds) {
     waitedFor = milliseconds;
     return waitResult;
 }
@@ -218,7 +218,7 @@ DWORD WINAPI FailedWait(HANDLE, DWORD milliseconds) {
 TEST_F(EventsTest, MutexThatIsNotFree) {
     HXEnableAen(handle);
     driver.port.Forget();
-    const auto wait = RedirectLibrary("WaitForSingleObject", &FailedWait);
+    const auto wait = RedirectLibrary("WaitForSingleObject", &RefusedWait);
     for (const DWORD result : {DWORD{WAIT_TIMEOUT}, DWORD{WAIT_FAILED}}) {
         waitResult = result;
         EXPECT_EQ(HXMGT_DEVICE_BUSY, Fetch(handle, 4).status);
