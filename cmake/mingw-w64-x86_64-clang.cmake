@@ -19,8 +19,9 @@ list(GET gcc_runtimes -1 gcc_runtime)
 set(gcc_headers ${gcc_runtime}/include/c++)
 set(CMAKE_CXX_FLAGS_INIT "-nostdinc++ -isystem ${gcc_headers} -isystem ${gcc_headers}/x86_64-w64-mingw32 -isystem ${gcc_headers}/backward")
 # Debug information as PDB, which Windows' own debuggers read.
-string(APPEND CMAKE_CXX_FLAGS_INIT " -gcodeview")
-set(CMAKE_C_FLAGS_INIT "-gcodeview")
-set(link_flags "-fuse-ld=lld -Wl,--pdb= -B${gcc_runtime} -L${gcc_runtime} -static -pthread")
+string(APPEND CMAKE_CXX_FLAGS_INIT " -gcodeview -Wno-unused-command-line-argument")
+set(CMAKE_C_FLAGS_INIT "-gcodeview -Wno-unused-command-line-argument")
+# The runtime has type_info::operator==, which clang also puts into its objects.
+set(link_flags "-fuse-ld=lld -Wl,--allow-multiple-definition -Wl,--pdb= -B${gcc_runtime} -L${gcc_runtime} -static -pthread")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${link_flags}")

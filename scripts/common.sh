@@ -25,7 +25,7 @@ wine_start() {
     fi
     # Persistent, so that not every program pays for a start of its own. The services that the
     # first program starts must not inherit a pipe that somebody waits for.
-    "$wineserver" -p
+    "$wineserver" -p || true  # it may be running
     wine cmd /c exit >/dev/null 2>&1 </dev/null
     started+=("$WINEPREFIX")
 }

@@ -55,7 +55,7 @@ constexpr uint32_t kParameter = HXMGT_INVALID_PARAMETER;
 // The record's driver version decides first.
 constexpr uint32_t kByEvents = ApiCall::kOwnRules;
 
-#define VX_ROW(name, required, badHandle, nullPointer, ...)                           \
+#define VX_API(name, required, badHandle, nullPointer, ...)                           \
     {                                                                                 \
 #name,                                                                              \
      [](uint32_t h, [[maybe_unused]] const Arguments& x) -> uint32_t {                   \
@@ -64,13 +64,13 @@ constexpr uint32_t kByEvents = ApiCall::kOwnRules;
      },                                                                                  \
      required, badHandle, nullPointer \
     }
-#define VX_CALL(required, name, ...) VX_ROW(name, required, kHandle, kParameter, __VA_ARGS__)
+#define VX_CALL(required, name, ...) VX_API(name, required, kHandle, kParameter, __VA_ARGS__)
 #define VX_HBA(required, name, ...) \
-    VX_ROW(Api().name, required, HBA_STATUS_ERROR_INVALID_HANDLE, HBA_STATUS_ERROR_ARG, __VA_ARGS__)
+    VX_API(Api().name, required, HBA_STATUS_ERROR_INVALID_HANDLE, HBA_STATUS_ERROR_ARG, __VA_ARGS__)
 
 const ApiCall kCalls[] = {
-    VX_ROW(HXVerifyHbaState, "", HXMGT_FIRMWARE_STATE_INVALID, 0),
-    VX_ROW(GetDriverType, "", 2, 0),
+    VX_API(HXVerifyHbaState, "", HXMGT_FIRMWARE_STATE_INVALID, 0),
+    VX_API(GetDriverType, "", 2, 0),
     VX_CALL("a", VXUpdateAdapterModelInBios, a),
     VX_CALL("a", HXGetDriverParameter, "x", a, kSome),
     VX_CALL("", SRBWithHeaderDeviceIoControl, 0xF0001001, 1, nullptr, 0, a, 696, nullptr),
@@ -86,9 +86,9 @@ const ApiCall kCalls[] = {
     VX_CALL("", HXGetHbaPortDisableInfo),
     VX_CALL("", HXEnableSmartSANFC),
     VX_CALL("", HXDisableSmartSANFC),
-    VX_ROW(HXEnableAen, "", kByEvents, 0),
-    VX_ROW(HXGetAen, "", kByEvents, 0, a, kSome, b),
-    VX_ROW(HXDisableAen, "", kByEvents, 0),
+    VX_API(HXEnableAen, "", kByEvents, 0),
+    VX_API(HXGetAen, "", kByEvents, 0, a, kSome, b),
+    VX_API(HXDisableAen, "", kByEvents, 0),
     VX_CALL("", HXForceZetaAEN),
     VX_CALL("tc", HXSendScsiPassThruFC, t, c, 6, a, 512, a, 512, b, 256),
     VX_CALL("t", HXSendScsiInquiryCmdFC, t, a, 255, b, 256),
@@ -150,7 +150,7 @@ const ApiCall kCalls[] = {
     VX_CALL("a", HXUpdateSecureOptionRomEx, 0, a, 0x10000, 7),
     VX_CALL("a", HXGetNVRam, 0, 2, a, kSome),
     VX_CALL("a", HXUpdateNVRam, 0, 3, a, 256),
-    VX_ROW(HXVerifyHbaNVRam, "", HXMGT_NVRAM_CHECKSUM_INVALID, 0, 0),
+    VX_API(HXVerifyHbaNVRam, "", HXMGT_NVRAM_CHECKSUM_INVALID, 0, 0),
     VX_CALL("al", HXGetVpd, 0, a, Sized(l)),
     VX_CALL("a", HXUpdateVpd, 0, a, kSome),
     VX_CALL("a", HXReadSFPData, 0, 0xA0, a, 64, 0, 0, b),
@@ -159,8 +159,8 @@ const ApiCall kCalls[] = {
     VX_CALL("a", HXLoadSFPFirmware, 0, a, 0x10000),
     VX_CALL("", HXGetBFSInfo),
     VX_CALL("a", HXOrvoMgt, HX_COMPANION_VERSION, a),
-    VX_ROW(HXGetVariableValue, "a", kHandle, 0, a, 1),
-    VX_ROW(HXSetVariableValue, "a", kHandle, 0, a, 1, 1),
+    VX_API(HXGetVariableValue, "a", kHandle, 0, a, 1),
+    VX_API(HXSetVariableValue, "a", kHandle, 0, a, 1, 1),
     VX_CALL("a", HXGetStatistics, 0, a),
     VX_CALL("", HXResetStatistics),
     VX_CALL("a", HXGetMgmtAddress, a, kSome),
@@ -181,7 +181,7 @@ const ApiCall kCalls[] = {
     VX_HBA("", ScsiInquiryHandler, kNobody, 0, 0, 0, a, 36, b, 256),
     VX_HBA("", ReportLUNsHandler, kNobody, a, 36, b, 256),
     VX_HBA("", ReadCapacityHandler, kNobody, 0, a, 8, b, 256),
-    VX_ROW(Api().ResetStatisticsHandler, "", HXMGT_INVALID_HANDLE, 0, 0),
+    VX_API(Api().ResetStatisticsHandler, "", HXMGT_INVALID_HANDLE, 0, 0),
 };
 
 }  // namespace

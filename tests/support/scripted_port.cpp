@@ -77,7 +77,7 @@ void ScriptedPort::On(transport::Command command, Reply reply) {
     On(command, [reply](const SentRequest&) { return reply; });
 }
 
-void ScriptedPort::On(transport::Command command, Handler handler) {
+void ScriptedPort::Handle(transport::Command command, Handler handler) {
     const std::lock_guard hold(lock_);
     extended_[{command.code, command.subCode}] = std::move(handler);
 }

@@ -1,6 +1,7 @@
 // A SCSI port whose driver answers as the test says and remembers every request.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "properties/driver_replies.h"
@@ -70,7 +72,10 @@ class ScriptedPort : public Device {
                           uint16_t deviceId = 0x7740);
 
     void On(transport::Command command, Reply reply);
-    void On(transport::Command command, Handler handler);
+    void On(transport::Command command, std::invocable<const SentRequest&> auto handler) {
+        Handle(command, std::move(handler));
+    }
+    void Handle(transport::Command command, Handler handler);
     void OnPlain(uint32_t code, Reply reply);
     void OnSelector(properties::LegacySelector selector, Reply reply);
     // Answers the next request, whatever it is, before any rule is looked at. Queues up.
