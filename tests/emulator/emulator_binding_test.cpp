@@ -36,6 +36,21 @@ class EmulatorBinding : public ModelFixture {
         return reply.error;
     }
 
+    // What a legacy caller sends about the second target, as the port lists it.
+    persist::TargetAndMaskRequest SecondTarget(uint32_t port) {
+        using List = properties::LegacyTargetListReply;
+        const Bytes data = AskPlain(port, LegacyQuery, Selector(kTargetList), sizeof(List));
+        persist::TargetAndMaskRequest request = {};
+        EXPECT_EQ(data.size(), sizeof(List));
+        std::memcpy(&request.entry, &data.at(offsetof(List, entries[1])), sizeof request.entry);
+        std::memcpy(request.nodeName, request.entry.nodeName, 8);
+        std::memcpy(request.portName, request.entry.portName, 8);
+        return request;
+    }
+    static constexpr auto kTargetList =
+        static_cast<uint8_t>(properties::LegacySelector::TargetList);
+    static Bytes Selector(uint8_t number) { return {0, 0, 0, 0, number, 0, 0, 0, 0, 0, 0, 0}; }
+
     const std::unique_ptr<vxemu::Profile> lab = MakeProfile("lab");
 };
 
@@ -171,9 +186,7 @@ TEST_F(EmulatorBinding, TargetsAreBoundAndSwapped) {
 
 TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
     auto lunList = [&] {
-        Bytes selector(12);
-        selector[4] = 12;
-        const Bytes data = AskPlain(kLegacy, LegacyQuery, selector, 73760);
+        const Bytes data = AskPlain(kLegacy, LegacyQuery, Selector(12), 73760);
         auto list = std::make_unique<persist::LunDataV1>();
         EXPECT_EQ(data.size(), sizeof *list);
         std::memcpy(list.get(), data.data(), std::min(data.size(), sizeof *list));
@@ -186,12 +199,7 @@ TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
     EXPECT_EQ(before->records[1].visible[31], 0xFF);
     EXPECT_EQ(before->records[1].visible[32], 0);
 
-    const auto targets = std::make_unique<properties::LegacyTargetListReply>(
-        AskLegacy<properties::LegacyTargetListReply>(properties::LegacySelector::TargetList));
-    persist::TargetAndMaskRequest request = {};
-    std::memcpy(&request.entry, &targets->entries[1], sizeof request.entry);
-    std::memcpy(request.nodeName, request.entry.nodeName, 8);
-    std::memcpy(request.portName, request.entry.portName, 8);
+    persist::TargetAndMaskRequest request = SecondTarget(kLegacy);
     request.visible[0] = 0xFE;
     AskPlain(kLegacy, LegacySetTarget, BytesOf(request), 0);
     EXPECT_EQ(lunList()->records[1].visible[0], 0xFE);
@@ -209,24 +217,14 @@ TEST_F(EmulatorBinding, LegacyMasksAndTargets) {
 }
 
 TEST_F(EmulatorBinding, ACurrentDriverTakesAppliedTargetData) {
-    Bytes selector(12);
-    selector[4] = static_cast<uint8_t>(properties::LegacySelector::TargetList);
-    const Bytes data =
-        AskPlain(kNewest, LegacyQuery, selector, sizeof(properties::LegacyTargetListReply));
-    auto list = std::make_unique<properties::LegacyTargetListReply>();
-    ASSERT_EQ(data.size(), sizeof *list);
-    std::memcpy(list.get(), data.data(), sizeof *list);
-    persist::TargetAndMaskRequest request = {};
-    std::memcpy(&request.entry, &list->entries[1], sizeof request.entry);
-    std::memcpy(request.nodeName, request.entry.nodeName, 8);
-    std::memcpy(request.portName, request.entry.portName, 8);
+    persist::TargetAndMaskRequest request = SecondTarget(kNewest);
     request.entry.bindingFlags = 5;
     request.visible[0] = 0xFE;
     AskPlain(kNewest, LegacySetTarget, BytesOf(request), 0);
     EXPECT_EQ(Database()[1].bindingFlags, 5);
     EXPECT_EQ(Mask(1)[0], 0xFE);
-    selector[4] = static_cast<uint8_t>(properties::LegacySelector::LinkValue);
-    AskPlain(kNewest, LegacyQuery, selector, 64, Invalid);
+    AskPlain(kNewest, LegacyQuery,
+             Selector(static_cast<uint8_t>(properties::LegacySelector::LinkValue)), 64, Invalid);
 }
 
 TEST_F(EmulatorBinding, TheFabricChangesWhileItRuns) {

@@ -14,9 +14,7 @@ class EmulatorDump : public ModelFixture {
   protected:
     template <typename Header>
     Answer Fetch(Command command, Header header, uint32_t room, uint32_t port = kNewest) {
-        Bytes input(sizeof header);
-        std::memcpy(input.data(), &header, sizeof header);
-        return Ask(port, command, sizeof header + room, input);
+        return Ask(port, command, sizeof header + room, BytesOf(header));
     }
 
     // The whole dump, fetched in pieces of that size; the size query comes first.

@@ -201,28 +201,6 @@ TEST_F(EmulatorFabric, NodeIdentification) {
     EXPECT_EQ(Ask(1, ScmManagement, 24, BytesOf(setting)).data[1], 0);
 }
 
-TEST_F(EmulatorFabric, StatisticsMoveAndReset) {
-    auto words = [&] {
-        const Bytes data = Ask(kNewest, LinkStatistics, 112).data;
-        std::vector<uint32_t> values(28);
-        EXPECT_EQ(data.size(), 112u);
-        std::memcpy(values.data(), data.data(), std::min<size_t>(data.size(), 112));
-        return values;
-    };
-    const auto first = words();
-    EXPECT_EQ(first[0], 0u);
-    host_.clock += 5000;
-    const auto second = words();
-    EXPECT_EQ(second[0], 5u);
-    EXPECT_EQ(second[1], first[1] + 6);
-    EXPECT_EQ(second[2], first[2] + 7);
-    EXPECT_EQ(Ask(kNewest, ResetStatistics, 0).Status(), Success);
-    EXPECT_EQ(words()[0], 0u);
-    EXPECT_EQ(words()[1], 2u);
-    AskPlain(kLegacy, LegacyResetStatistics, {}, 0);
-    AskPlain(kLegacy, LegacyResetStatistics2, {}, 0);
-}
-
 TEST_F(EmulatorFabric, LoopbackEchoes) {
     const Bytes data = {1, 2, 3, 4, 5};
     passthru::LoopbackRequest request = {};

@@ -5,8 +5,6 @@
 #include "flash/region_rules.h"
 #include "flash/version_text.h"
 #include "formats/rom_image.h"
-#include "model/storage/nvram_content.h"
-#include "support/has.h"
 #include "support/rom_builder.h"
 
 namespace {
@@ -127,16 +125,6 @@ std::map<std::string, std::string> ParseVpd(const Bytes& vpd) {
     return {};
 }
 
-bool ExtendedNvramHolds(const Bytes& block) {
-    uint32_t sum = 0;
-    for (size_t at = 0; at < block.size(); at += 4) {
-        uint32_t word;
-        std::memcpy(&word, &block[at], sizeof word);
-        sum += word;
-    }
-    return block.size() == 512 && std::memcmp(block.data(), "KPU ", 4) == 0 && sum == 0;
-}
-
 TEST_F(EmulatorFlash, WhatEveryChipIsDeliveredWith) {
     Start("full");
     const auto profile = MakeProfile("full");
@@ -159,7 +147,8 @@ TEST_F(EmulatorFlash, WhatEveryChipIsDeliveredWith) {
         const auto nvram = flash::RegionOfPort(flash::kNvramRegions, identity, flash::Bank::First);
         const auto vpd = flash::RegionOfPort(flash::kVpdRegions, identity, flash::Bank::First);
         const Bytes block = ReadRegion(port, static_cast<uint16_t>(*nvram));
-        EXPECT_TRUE(ExtendedNvramHolds(block));
+        EXPECT_TRUE(formats::HasSignature(block));
+        EXPECT_TRUE(formats::ChecksumHolds(flash::BlockKind::Extended, block));
         for (uint32_t at = 0; at < 8; ++at) {
             EXPECT_EQ(flash::GetVariable(block, flash::BlockKind::Extended, 24 + at),
                       profile->ports[port].portName[at]);
@@ -185,37 +174,6 @@ TEST_F(EmulatorFlash, WhatEveryChipIsDeliveredWith) {
         }
     });
     EXPECT_EQ(Status().portCount, 63u);
-}
-
-TEST_F(EmulatorFlash, VariablesMeanWhatTheirNamesSay) {
-    namespace variable = vxemu::nvram_variable;
-    const std::pair<uint32_t, const char*> names[] = {
-        {variable::kAdapterVersion, "Adapter Version"},
-        {variable::kFullLoginAfterLip, "Full Login After LIP"},
-        {variable::kFramePayloadSize, "Frame Payload Size"},
-        {variable::kMaxIocbs, "Maximum IOCB Allocation"},
-        {variable::kExecutionThrottle, "Execution Throttle"},
-        {variable::kRetryCount, "Retry Count"},
-        {variable::kPortName + 7, "Port Name Byte 7"},
-        {variable::kLoginTimeout, "Login Timeout"},
-        {variable::kNodeName + 7, "Node Name Byte 7"},
-        {variable::kInitialMode, "Initial Configuration Mode"},
-        {variable::kTape, "Enable FC Tape"},
-        {variable::kDataRate, "Data Rate"},
-        {variable::kDisableBios, "Disable BIOS"},
-        {variable::kLipFullLogin, "Enable LIP Full Login"},
-        {variable::kTargetReset, "Enable Target Reset"},
-        {variable::kResetDelay, "Reset Delay"},
-        {variable::kPortDownRetry, "Port Down Retry Count"},
-        {variable::kMaxLuns, "Maximum LUNs per Target"},
-        {variable::kNvme, "NVMe Enable"},
-        {variable::kLinkDownTimeout, "Link Down Timeout"},
-        {variable::kSubsystemVendor, "Subsystem Vendor ID"},
-        {variable::kSubsystemDevice, "Subsystem Device ID"},
-    };
-    for (const auto& [index, name] : names) {
-        EXPECT_STREQ(flash::kVariableTable[index].description, name);
-    }
 }
 
 TEST_F(EmulatorFlash, RangesThatDoNotExist) {
@@ -441,45 +399,6 @@ TEST_F(EmulatorFlash, NothingIsWrittenInLockdownOrToReadOnlyRegions) {
     EXPECT_EQ(ReadAll(kNewest), before);
     Set(3, "lockdown", 0);
     EXPECT_EQ(Ask(kNewest, LockdownState, 64, Bytes(64)).Status(), Success);
-}
-
-// Envelopes and records of any numbers: no byte beside the request is touched, and recovery
-// firmware stays.
-TEST_F(EmulatorFlash, SurvivesAnyRequest) {
-    const Bytes recovery = ReadRegion(kNewest, kRecovery);
-    uint32_t seed = 1;
-    const auto random = [&seed](uint32_t below) {
-        seed = seed * 1664525u + 1013904223u;
-        return (seed >> 8) % below;
-    };
-    const Command commands[] = {
-        FlashLayout,       FlashRead,         FlashWrite,        OptionRomWriteOld,
-        ActiveRegions,     LockdownState,     BootFromSan,       RestartFirmware,
-        SecureFlashBegin,  SecureFlashHeader, SecureFlashVerify, SecureFlashStatus,
-        SecureFlashCommit, NvramRead,         NvramWrite,        VpdRead,
-        VpdWrite,          SfpRead,           I2cRead,           I2cWrite,
-        LoadSfpFirmware,   AuxiliaryFirmware};
-    const uint16_t subCodes[] = {0, 1, 2, 3, 4, 7, 8, 21, 254, 255, 269, 0xFFFF};
-    const uint32_t numbers[] = {0,      1,      2,       3,       100,        256,
-                                512,    0xA0,   0xA2,    0x10000, 0x10001,    0x400000,
-                                524288, 131072, 1310720, 0x2000,  0xFFFFFFFF, 0xFFFFFF00};
-    const uint32_t lengths[] = {0, 1, 8, 24, 32, 40, 64, 266, 512, 526, 1024, 65536};
-    const auto number = [&] { return numbers[random(std::size(numbers))]; };
-    for (uint32_t round = 0; round < 30'000; ++round) {
-        const Command chosen = commands[random(std::size(commands))];
-        Bytes input(lengths[random(std::size(lengths))]);
-        for (size_t at = 0; at + 4 <= std::min<size_t>(input.size(), 64); at += 4) {
-            const uint32_t word = number();
-            std::memcpy(&input[at], &word, sizeof word);
-        }
-        const uint16_t subCode = random(2) == 0 && chosen.subCode == 0
-                                     ? subCodes[random(std::size(subCodes))]
-                                     : chosen.subCode;
-        const uint32_t requestLen = random(2) == 0 ? static_cast<uint32_t>(input.size()) : number();
-        AskFlash(round % 3, {chosen.code, chosen.subCode}, subCode, number(), input, requestLen,
-                 lengths[random(std::size(lengths))]);
-    }
-    EXPECT_EQ(ReadRegion(kNewest, kRecovery), recovery);
 }
 
 class EmulatorSecureUpdate : public EmulatorFlashFixture {

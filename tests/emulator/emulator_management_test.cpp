@@ -30,11 +30,6 @@ class EmulatorManagement : public ModelFixture {
         std::memcpy(input.data(), &setting, std::min(length, sizeof setting));
         return Ask(port, SetManagementAddress, 0, input).Status();
     }
-    void StartWithoutTransceiver() {
-        const auto profile = MakeProfile("lab");
-        profile->ports[kNewest].transceiverType[0] = 0;
-        Start(*profile);
-    }
 };
 
 TEST_F(EmulatorManagement, BothGenerationsCountAlike) {
@@ -115,24 +110,23 @@ TEST_F(EmulatorManagement, AddressIsThePortsOwnAndCanBeSet) {
 }
 
 TEST_F(EmulatorManagement, EmptyCageHasNoTransceiver) {
-    StartWithoutTransceiver();
+    const auto profile = MakeProfile("lab");
+    profile->ports[kNewest].transceiverType[0] = 0;
+    Start(*profile);
     const Answer pages = Ask(kNewest, SfpRead, 512, Bytes(512));
     EXPECT_EQ(pages.Status(), MailboxFailed);
     EXPECT_EQ(pages.envelope.ext.detailStatus, 0x4005u);
     flash::TwoWireRecord request = {};
     request.device = 0xA0;
     request.length = 1;
-    Bytes input(sizeof request);
-    std::memcpy(input.data(), &request, sizeof request);
-    const Answer byte = Ask(kNewest, I2cRead, sizeof request, input);
+    const Answer byte = Ask(kNewest, I2cRead, sizeof request, BytesOf(request));
     EXPECT_EQ(byte.Status(), MailboxFailed);
     EXPECT_EQ(byte.envelope.ext.detailStatus, 0x4002u);
     EXPECT_EQ(byte.As<flash::TwoWireRecord>().deviceStatus, 1) << "nobody acknowledges";
 
     // The adapter's own devices are still there, and so is the other port's transceiver.
     request.options = 0x2000;
-    std::memcpy(input.data(), &request, sizeof request);
-    EXPECT_EQ(Ask(kNewest, I2cRead, sizeof request, input).Status(), Success);
+    EXPECT_EQ(Ask(kNewest, I2cRead, sizeof request, BytesOf(request)).Status(), Success);
     EXPECT_EQ(Ask(1, SfpRead, 512, Bytes(512)).data.size(), 512u);
 }
 

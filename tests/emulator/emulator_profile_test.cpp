@@ -23,8 +23,9 @@ TEST(EmulatorProfile, BuiltInOnesAreValid) {
             << row.name << " " << fault.index << " " << (fault.field ? fault.field : "");
     }
     vxemu::Profile profile;
-    EXPECT_FALSE(vxemu::FillBuiltInProfile("labs", profile));
-    EXPECT_FALSE(vxemu::FillBuiltInProfile("la", profile));
+    for (const char* name : {"labs", "la"}) {
+        EXPECT_FALSE(vxemu::FillBuiltInProfile(name, profile));
+    }
 }
 
 TEST(EmulatorProfile, FaultyOnesAreRefused) {

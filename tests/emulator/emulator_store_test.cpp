@@ -54,9 +54,7 @@ class EmulatorStore : public ModelFixture {
         persist::FcAddressBlock block = {};
         block.driverType = static_cast<uint16_t>(properties::DriverAddress::PortName);
         std::memcpy(block.address, lab->targets[device].portName, 8);
-        Bytes input(sizeof block);
-        std::memcpy(input.data(), &block, sizeof block);
-        const Answer answer = Ask(port, TargetLunMaskFc, HX_LUN_MASK_SIZE, input);
+        const Answer answer = Ask(port, TargetLunMaskFc, HX_LUN_MASK_SIZE, BytesOf(block));
         EXPECT_EQ(answer.data.size(), HX_LUN_MASK_SIZE);
         return (answer.data.at(lun / 8) >> (lun % 8) & 1) == 0;
     }

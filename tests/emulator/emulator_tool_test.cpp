@@ -85,17 +85,17 @@ TEST(EmulatorProfileJson, TargetsAndTheirLuns) {
 
     EXPECT_TRUE(ErrorOf(with("{}")).starts_with("/targets: must be a list"));
     EXPECT_TRUE(ErrorOf(with("[{}]")).starts_with("/targets/0/port_name: is missing"));
-    EXPECT_TRUE(ErrorOf(with(R"([{"port_name":"2b00024545000100","luns":[{"number":1},)"
-                             R"({"number":1}]}])"))
-                    .starts_with("/targets/0/luns/1/number: the target has this LUN"));
-    EXPECT_TRUE(ErrorOf(with(R"([{"port_name":"2b00024545000100","luns":[{"number":2048}]}])"))
-                    .starts_with("/targets/0/luns/0/number: must be"));
-    EXPECT_TRUE(ErrorOf(with(R"([{"port_name":"2b00024545000100","role":"initiator",)"
-                             R"("luns":[{"number":1}]}])"))
-                    .starts_with("/targets/0/luns/0: the LUN's target does not exist"));
-    EXPECT_TRUE(ErrorOf(with(R"([{"port_name":"2b00024545000100","luns":[{"number":1,)"
-                             R"("block_size":520}]}])"))
-                    .starts_with("/targets/0/luns/0/block_size: must be one of 512, 4096"));
+    const std::pair<const char*, const char*> wrong[] = {
+        {R"("luns":[{"number":1},{"number":1}])", "/1/number: the target has this LUN"},
+        {R"("luns":[{"number":2048}])", "/0/number: must be"},
+        {R"("role":"initiator","luns":[{"number":1}])", "/0: the LUN's target does not exist"},
+        {R"("luns":[{"number":1,"block_size":520}])", "/0/block_size: must be one of 512, 4096"},
+    };
+    for (const auto& [members, text] : wrong) {
+        const std::string said =
+            ErrorOf(with(R"([{"port_name":"2b00024545000100",)" + std::string(members) + "}]"));
+        EXPECT_TRUE(said.starts_with(std::string("/targets/0/luns") + text)) << said;
+    }
 }
 
 TEST(EmulatorFlashImage, IsOfTheVersionThatWasAskedFor) {

@@ -109,25 +109,6 @@ TEST(NvramPure, ValuesAreComparedAsGiven) {
     EXPECT_EQ(0, std::memcmp(block.data(), "abcd", 4));
 }
 
-TEST(NvramPure, ExtendedChecksum) {
-    ExtendedBlock block;
-    std::minstd_rand random(7);
-    std::generate(block.begin(), block.end(), random);
-    const ExtendedBlock before = block;
-    formats::MakeChecksum(BlockKind::Extended, block);
-    EXPECT_TRUE(std::equal(before.begin(), before.end() - 4, block.begin()));
-    uint32_t sum = 0;
-    for (size_t offset = 0; offset < block.size(); offset += 4) {
-        uint32_t word;
-        std::memcpy(&word, block.data() + offset, 4);
-        sum += word;
-    }
-    EXPECT_EQ(0u, sum);
-    const ExtendedBlock once = block;
-    formats::MakeChecksum(BlockKind::Extended, block);
-    EXPECT_EQ(once, block);
-}
-
 TEST(NvramPure, ReadOnlyByFamily) {
     Block block = EmptyBlock();
     const auto readOnly = [&](uint32_t family) {

@@ -166,14 +166,10 @@ TEST_F(DumpTextFileTest, FileThatCannotBeOpenedOrWritten) {
     EXPECT_EQ(HXMGT_PERSISTENT_STORAGE_ERROR, Write()) << "a full disk shows at the end";
 }
 
-void* NoClearedMemory(size_t, size_t) {
-    return nullptr;
-}
-
 TEST_F(DumpTextFileTest, MemoryThatRunsOut) {
     Keep(200);
     claimedSize = 0xFFFFFFFF;
-    const auto calloc = RedirectLibrary("calloc", &NoClearedMemory);
+    const auto calloc = NoClearedMemory();
     EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Write());
     EXPECT_EQ(1u, port->Requests(command::FirmwareDump).size());
 }

@@ -30,7 +30,7 @@ class TextSink final : public dumps::DumpSink {
     std::string text;
 };
 
-std::vector<uint8_t> Bytes(const std::vector<uint32_t>& words) {
+std::vector<uint8_t> AsBytes(const std::vector<uint32_t>& words) {
     std::vector<uint8_t> bytes(words.size() * sizeof(uint32_t));
     memcpy(bytes.data(), words.data(), bytes.size());
     return bytes;
@@ -68,7 +68,7 @@ std::vector<uint8_t> RecordOf(uint8_t layout, const Extents& extents) {
                                                5,
                                                0x1AF};
     std::copy(std::begin(header), std::end(header), words.begin());
-    return Bytes(words);
+    return AsBytes(words);
 }
 
 struct Rendered {

@@ -207,17 +207,11 @@ TEST_F(ExecutorTest, BuffersAndLengths) {
                            reinterpret_cast<void*>(1), 0, &returned));
 }
 
-void* NoMemory(size_t) {
-    return nullptr;
-}
-void* NoClearedMemory(size_t, size_t) {
-    return nullptr;
-}
-
 TEST_F(ExecutorTest, MemoryThatRunsOut) {
     uint8_t bytes[8];
-    const auto malloc = RedirectLibrary("malloc", &NoMemory);
-    const auto calloc = RedirectLibrary("calloc", &NoClearedMemory);
+    const auto malloc = RedirectLibrary(
+        "malloc", +[](size_t) -> void* { return nullptr; });
+    const auto calloc = NoClearedMemory();
     EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Extended(handle, 0xF0001054, 0, bytes, 8, bytes, 8, &returned));
     EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Plain(handle, 0xF0000017, bytes, 8, bytes, 8));
     EXPECT_TRUE(port->Requests().empty());
@@ -259,32 +253,6 @@ TEST_F(ExecutorTest, PlainFormByteForByte) {
     // All the room is written: what the driver left open is zero.
     EXPECT_EQ(Counting(5), reply.First(5));
     EXPECT_TRUE(reply.Holds(0, 5, 16));
-}
-
-class ReturnCodeDevice : public ScriptedPort {
-  public:
-    uint32_t Control(uint32_t code, const void* input, uint32_t inputSize, void* output,
-                     uint32_t outputSize, uint32_t* returned) override {
-        const uint32_t error =
-            ScriptedPort::Control(code, input, inputSize, output, outputSize, returned);
-        if (outputSize >= transport::kHeaderLength) {
-            static_cast<transport::SrbIoControl*>(output)->returnCode = 0xDEAD;
-        }
-        return error;
-    }
-};
-
-TEST_F(ExecutorTest, ReturnCodeOfTheHeaderMeansNothing) {
-    ReturnCodeDevice device;
-    device.OnPlain(0xF0000017, {.data = {9}});
-    system.AttachScsiPort(3, &device);
-    const auto own = static_cast<int32_t>(Open(0));
-    uint8_t byte = 0;
-    EXPECT_EQ(0u, SendMiniPortControl(own, 0xF0000017, nullptr, 0, &byte, 1));
-    EXPECT_EQ(9, byte);
-    EXPECT_EQ(
-        0u, Extended(static_cast<uint32_t>(own), 0xF0001001, 1, nullptr, 0, nullptr, 0, &returned));
-    HXCloseDevice(own);
 }
 
 TEST_F(ExecutorTest, ThreadsShareAHandle) {

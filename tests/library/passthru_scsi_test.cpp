@@ -176,12 +176,8 @@ TEST_F(ScsiPassThruTest, RefusedBeforeAnythingIsSent) {
     EXPECT_TRUE(port->Requests().empty());
 }
 
-void* NoClearedMemory(size_t, size_t) {
-    return nullptr;
-}
-
 TEST_F(ScsiPassThruTest, MemoryThatRunsOut) {
-    const auto calloc = RedirectLibrary("calloc", &NoClearedMemory);
+    const auto calloc = NoClearedMemory();
     EXPECT_EQ(HXMGT_OUT_OF_MEMORY, Send({}));
     EXPECT_TRUE(port->Requests().empty());
 }

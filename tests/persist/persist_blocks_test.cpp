@@ -15,7 +15,7 @@ using persist::LunDataV1;
 using persist::LunRecordV1;
 
 // A block of exactly so many bytes, with this head and every other byte counting up.
-std::vector<uint8_t> Block(size_t size, uint16_t version, uint16_t count) {
+std::vector<uint8_t> BlockOf(size_t size, uint16_t version, uint16_t count) {
     std::vector<uint8_t> bytes(size);
     for (size_t i = 0; i < size; ++i) {
         bytes[i] = static_cast<uint8_t>(1 + i % 251);
@@ -64,14 +64,14 @@ TEST(PersistBlocks, RecordsAreBoundByCountLimitAndBytes) {
         {73760, 65535, 256}, {80000, 300, 256},
     };
     for (const Row& row : rows) {
-        const std::vector<uint8_t> block = Block(row.size, 1, row.count);
+        const std::vector<uint8_t> block = BlockOf(row.size, 1, row.count);
         const auto records = persist::RecordsIn<LunRecordV1>(Const(block));
         EXPECT_EQ(row.records, records.size()) << row.size << " " << row.count;
         HX_WWN_LIST list = {};
         persist::AddKeys<LunRecordV1>(Const(block), list);  // touches every one
     }
-    EXPECT_EQ(0, persist::VersionOf(Const(Block(31, 2, 0)))) << "no whole head, no version";
-    EXPECT_EQ(2, persist::VersionOf(Const(Block(32, 2, 0))));
+    EXPECT_EQ(0, persist::VersionOf(Const(BlockOf(31, 2, 0)))) << "no whole head, no version";
+    EXPECT_EQ(2, persist::VersionOf(Const(BlockOf(32, 2, 0))));
 }
 
 TEST(PersistBlocks, Version1KeepsTheStateOfLuns0To255) {
@@ -123,14 +123,14 @@ TEST(PersistBlocks, Version1KeepsTheStateOfLuns0To255) {
 TEST(PersistBlocks, ExpansionOfCutBlocks) {
     // A head that promises more than the block carries, and holes that stay holes.
     for (const size_t size : {size_t{32}, size_t{319}, size_t{320}, size_t{32 + 3 * 288}}) {
-        std::vector<uint8_t> stored = Block(size, 1, 256);
+        std::vector<uint8_t> stored = BlockOf(size, 1, 256);
         auto block = std::make_unique<HX_LUN_DATA>();
         memset(block.get(), 0xEE, sizeof *block);
         persist::ExpandVersion1(stored, *block);
         EXPECT_EQ((size - 32) / 288, block->count);
         EXPECT_EQ(0, block->records[255].nodeName[0]);
     }
-    std::vector<uint8_t> stored = Block(32 + 2 * 288, 1, 2);
+    std::vector<uint8_t> stored = BlockOf(32 + 2 * 288, 1, 2);
     memset(stored.data() + 32, 0, 288);
     auto block = std::make_unique<HX_LUN_DATA>();
     persist::ExpandVersion1(stored, *block);
@@ -140,64 +140,8 @@ TEST(PersistBlocks, ExpansionOfCutBlocks) {
     EXPECT_EQ(std::vector<uint8_t>(288), std::vector<uint8_t>(bytes + 32, bytes + 320));
 }
 
-TEST(PersistBlocks, NameList) {
-    HX_WWN_LIST list = {};
-    uint8_t name[8] = {};
-    persist::AddUniqueName(list, name);
-    EXPECT_EQ(0, list.names[0][7]) << "no name is not listed";
-    for (int i = 1; i <= 257; ++i) {
-        name[0] = static_cast<uint8_t>(i >> 8);
-        name[7] = static_cast<uint8_t>(i);
-        persist::AddUniqueName(list, name);
-        persist::AddUniqueName(list, name);
-    }
-    EXPECT_EQ(1, list.names[0][7]);
-    EXPECT_EQ(255, list.names[254][7]);
-    EXPECT_EQ(1, list.names[255][0]) << "256 names; the 257th is dropped";
-    EXPECT_EQ(0, list.names[255][7]);
-    memset(list.names[100], 0, 8);
-    persist::AddUniqueName(list, name);
-    EXPECT_EQ(1, list.names[100][7]) << "the first free slot";
-    EXPECT_EQ(1, list.names[100][0]);
-}
-
-TEST(PersistBlocks, DeletionLeavesHoles) {
-    auto data = std::make_unique<HX_TARGET_DATA>();
-    data->header = 0xABCD;
-    data->count = 4;
-    const uint8_t lasts[] = {1, 2, 1, 3, 1};  // the fifth is beyond the count
-    for (int i = 0; i < 5; ++i) {
-        memset(&data->entries[i], 0x77, sizeof data->entries[i]);
-        Name(data->entries[i].nodeName, 0x50, lasts[i]);
-    }
-    auto expected = std::make_unique<HX_TARGET_DATA>(*data);
-    expected->entries[0] = {};
-    expected->entries[2] = {};
-    uint8_t key[8];
-    Name(key, 0x50, 1);
-    const std::span bytes(reinterpret_cast<uint8_t*>(data.get()), sizeof *data);
-    EXPECT_TRUE(persist::FreeRecordsOf<HX_TARGET_ENTRY>(bytes, key));
-    EXPECT_EQ(0, memcmp(expected.get(), data.get(), sizeof *data)) << "count and order stay";
-    EXPECT_FALSE(persist::FreeRecordsOf<HX_TARGET_ENTRY>(bytes, key));
-    const uint8_t none[8] = {};
-    EXPECT_FALSE(persist::FreeRecordsOf<HX_TARGET_ENTRY>(bytes, none)) << "a hole has no key";
-}
-
-TEST(PersistBlocks, LunLengths) {
-    const std::pair<uint32_t, std::pair<uint32_t, uint32_t>> rows[] = {{1, {320, 73760}},
-                                                                       {2, {2112, 532512}}};
-    for (const auto& [version, range] : rows) {
-        EXPECT_FALSE(persist::IsLunLength(version, range.first - 1));
-        EXPECT_TRUE(persist::IsLunLength(version, range.first));
-        EXPECT_TRUE(persist::IsLunLength(version, range.second));
-        EXPECT_FALSE(persist::IsLunLength(version, range.second + 1));
-    }
-    EXPECT_FALSE(persist::IsLunLength(0, 2112));
-    EXPECT_FALSE(persist::IsLunLength(3, 2112));
-}
-
 TEST(PersistBlocks, MaskOfAVersion2RecordStartsAtTheLunBase) {
-    std::vector<uint8_t> block = Block(32 + 2 * 2080, 2, 2);
+    std::vector<uint8_t> block = BlockOf(32 + 2 * 2080, 2, 2);
     auto* const records = reinterpret_cast<HX_LUN_RECORD*>(block.data() + 32);
     Name(records[0].nodeName, 0, 0);  // free, though its second name fits
     Name(records[0].portName, 0x60, 1);
@@ -226,27 +170,13 @@ TEST(PersistBlocks, MaskOfAVersion2RecordStartsAtTheLunBase) {
     EXPECT_EQ(0xEE, untouched);
 }
 
-TEST(PersistBlocks, MaskOfAVersion1RecordIsCutToTheCallersSize) {
-    std::vector<uint8_t> block = Block(320, 1, 1);
-    auto* const record = reinterpret_cast<LunRecordV1*>(block.data() + 32);
-    Name(record->portName, 0x60, 1);
-    HX_TARGET_ENTRY entry = {};
-    Name(entry.portName, 0x60, 1);
-    for (const uint32_t size : {0u, 1u, 32u, 255u, 256u, 1000u}) {
-        std::vector<uint8_t> mask(std::min(size, 256u));
-        mask.shrink_to_fit();
-        ASSERT_TRUE(persist::ReadStoredMask(1, Const(block), entry, mask.data(), size));
-        EXPECT_TRUE(std::equal(mask.begin(), mask.end(), record->visible)) << size;
-    }
-}
-
 TEST(PersistBlocks, WritingAMaskKeepsEverythingElse) {
     persist::MaskedTarget target = {};
     Name(target.nodeName, 0x50, 2);
     Name(target.portName, 0x60, 9);
     for (const bool bySecondName : {false, true}) {
         std::vector<uint8_t> room(sizeof(HX_LUN_DATA));
-        std::vector<uint8_t> stored = Block(32 + 3 * 2080, 2, 3);
+        std::vector<uint8_t> stored = BlockOf(32 + 3 * 2080, 2, 3);
         auto* const records = reinterpret_cast<HX_LUN_RECORD*>(stored.data() + 32);
         Name(records[0].nodeName, 0x50, 1);
         Name(records[0].portName, 0x60, 1);
@@ -286,7 +216,7 @@ TEST(PersistBlocks, WritingAMaskOfATargetWithoutRecordAddsOne) {
     const std::vector<uint8_t> mask = {0x0F};
 
     std::vector<uint8_t> room(sizeof(HX_LUN_DATA), 0x77);
-    const std::vector<uint8_t> second = Block(2112, 2, 1);
+    const std::vector<uint8_t> second = BlockOf(2112, 2, 1);
     std::copy(second.begin(), second.end(), room.begin());
     ASSERT_EQ(2112u + 2080, persist::WriteStoredMask(2, room, 2112, target, mask));
     EXPECT_EQ(2, room[2]);
@@ -300,7 +230,7 @@ TEST(PersistBlocks, WritingAMaskOfATargetWithoutRecordAddsOne) {
     EXPECT_EQ(0x77, room[2112 + 2080]);
 
     std::vector<uint8_t> room1(sizeof(LunDataV1), 0x77);
-    const std::vector<uint8_t> first = Block(320, 1, 1);
+    const std::vector<uint8_t> first = BlockOf(320, 1, 1);
     std::copy(first.begin(), first.end(), room1.begin());
     ASSERT_EQ(608u, persist::WriteStoredMask(1, room1, 320, target, mask));
     LunRecordV1 expected1 = {};
@@ -310,14 +240,14 @@ TEST(PersistBlocks, WritingAMaskOfATargetWithoutRecordAddsOne) {
     EXPECT_EQ(0, memcmp(&expected1, room1.data() + 320, sizeof expected1));
 
     // The last free place, and none.
-    std::vector<uint8_t> full = Block(sizeof(LunDataV1), 1, 255);
+    std::vector<uint8_t> full = BlockOf(sizeof(LunDataV1), 1, 255);
     EXPECT_EQ(73760u, persist::WriteStoredMask(1, full, 73760, target, mask));
     Name(target.nodeName, 0x50, 3);
     const std::vector<uint8_t> before = full;
     EXPECT_EQ(0u, persist::WriteStoredMask(1, full, 73760, target, mask));
     EXPECT_EQ(before, full);
     // A count beyond the bytes: the new record goes behind what is there.
-    std::vector<uint8_t> lying = Block(sizeof(LunDataV1), 1, 65535);
+    std::vector<uint8_t> lying = BlockOf(sizeof(LunDataV1), 1, 65535);
     EXPECT_EQ(608u, persist::WriteStoredMask(1, lying, 320, target, mask));
     EXPECT_EQ(0, memcmp(target.nodeName, lying.data() + 320, 8));
     EXPECT_EQ(2, lying[2]);

@@ -183,6 +183,9 @@ const ApiCall kCalls[] = {
     VX_HBA("", ReadCapacityHandler, kNobody, 0, a, 8, b, 256),
     VX_API(Api().ResetStatisticsHandler, "", HXMGT_INVALID_HANDLE, 0, 0),
 };
+#undef VX_HBA
+#undef VX_CALL
+#undef VX_ROW
 
 }  // namespace
 

@@ -34,6 +34,12 @@ inline HX_STATUS Close(uint32_t handle) {
     return HXCloseDevice(static_cast<int32_t>(handle));
 }
 
+// While the result lives the library finds no cleared memory.
+inline std::unique_ptr<ImportRedirection> NoClearedMemory() {
+    return RedirectLibrary(
+        "calloc", +[](size_t, size_t) -> void* { return nullptr; });
+}
+
 class LibraryTest : public testing::Test {
   protected:
     ScriptedPort& AddPort(uint32_t scsiPort, std::string_view driverVersion = "9.04.02.20",

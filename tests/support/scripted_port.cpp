@@ -14,6 +14,9 @@ namespace {
 
 constexpr uint32_t kAnySelector = 0xFFFFFFFF;
 
+// What stands in the header's return code means nothing.
+constexpr uint32_t kReturnCode = 0xDEAD;
+
 // Copies as much of source as fits behind offset; returns the end of what was written.
 uint32_t Put(void* output, uint32_t outputSize, uint32_t offset, const Bytes& source) {
     if (offset >= outputSize) {
@@ -183,6 +186,7 @@ uint32_t ScriptedPort::Control(uint32_t code, const void* input, uint32_t inputS
     uint32_t end;
     if (request.IsExtended()) {
         transport::ExtRequest envelope = request.Envelope();
+        envelope.srb.returnCode = kReturnCode;
         envelope.ext.status = reply.status;
         envelope.ext.detailStatus = reply.detailStatus;
         envelope.ext.responseLen =
@@ -192,6 +196,7 @@ uint32_t ScriptedPort::Control(uint32_t code, const void* input, uint32_t inputS
     } else {
         transport::SrbIoControl header = {};
         memcpy(&header, input, std::min<size_t>(inputSize, sizeof header));
+        header.returnCode = kReturnCode;
         Put(output, outputSize, 0, BytesOf(header));
         end = Put(output, outputSize, transport::kHeaderLength, reply.data);
     }
