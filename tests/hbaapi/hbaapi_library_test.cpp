@@ -186,13 +186,20 @@ TEST_F(HbaApiTraceTest, FileNames) {
 }
 
 TEST_F(HbaApiTraceTest, OldTracesAreEmptied) {
-    FILE* stream = fopen("ApiTrace7.txt", "w");
-    fputs("text", stream);
-    fclose(stream);
+    const std::pair<const char*, DWORD> traces[] = {
+        {"ApiTrace1.txt", 0}, {"ApiTrace32.txt", 0}, {"ApiTrace0.txt", 4}, {"ApiTrace33.txt", 4}};
+    for (const auto& [name, left] : traces) {
+        FILE* stream = fopen(name, "w");
+        fputs("text", stream);
+        fclose(stream);
+    }
     EXPECT_EQ(0u, api.LoadLibraryHandler());
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    EXPECT_TRUE(GetFileAttributesExA("ApiTrace7.txt", GetFileExInfoStandard, &data));
-    EXPECT_EQ(0u, data.nFileSizeLow);
+    for (const auto& [name, left] : traces) {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        EXPECT_TRUE(GetFileAttributesExA(name, GetFileExInfoStandard, &data));
+        EXPECT_EQ(left, data.nFileSizeLow) << name;
+    }
+    EXPECT_EQ(std::size(traces), Files().size()) << "none is made";
     _fcloseall();  // the library leaves its streams open
 }
 

@@ -25,7 +25,7 @@ class HandleTableTest : public LibraryTest {
 
 TEST_F(HandleTableTest, OpenFillsTheRecord) {
     AddPort(3, "7.05.03", 0x7100);
-    AddPort(41, "9.04.02.20", 0x7740);
+    ScriptedPort& second = AddPort(41, "9.04.02.20", 0x7740);
     ASSERT_EQ(1u, Open(0));
     ASSERT_EQ(2u, Open(1));
 
@@ -47,21 +47,14 @@ TEST_F(HandleTableTest, OpenFillsTheRecord) {
     EXPECT_EQ(3u, open.sharing);
     EXPECT_EQ(3u, open.disposition);
     EXPECT_EQ(0x80u, open.flags);
+    for (const auto& [probe, room] :
+         {std::pair{command::NodeProperties, 696u}, {command::ChipProperties, 80u}}) {
+        ASSERT_EQ(1u, second.Requests(probe).size());
+        EXPECT_EQ(116u, second.Requests(probe)[0].inputSize) << "asked without input";
+        EXPECT_EQ(116u + room, second.Requests(probe)[0].outputSize);
+    }
     // Only the two handles are open: every probe closed its own.
     EXPECT_EQ(2u, system.OpenHandles());
-}
-
-TEST_F(HandleTableTest, OpenAsksWithoutInputForBothProbes) {
-    ScriptedPort& port = AddPort(3);
-    Open(0);
-    const auto node = port.Requests(command::NodeProperties);
-    const auto chip = port.Requests(command::ChipProperties);
-    ASSERT_EQ(1u, node.size());
-    ASSERT_EQ(1u, chip.size());
-    EXPECT_EQ(116u, node[0].inputSize);
-    EXPECT_EQ(116u + 696u, node[0].outputSize);
-    EXPECT_EQ(116u, chip[0].inputSize);
-    EXPECT_EQ(116u + 80u, chip[0].outputSize);
 }
 
 TEST_F(HandleTableTest, AdaptersAreCountedAnewOnEachOpen) {

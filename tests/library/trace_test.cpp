@@ -251,37 +251,4 @@ TEST_F(TraceTest, RetriesAndFailures) {
     EXPECT_EQ(expected, text);
 }
 
-TEST_F(TraceTest, ApiTraceFilesAreEmptied) {
-    char folder[MAX_PATH];
-    char before[MAX_PATH];
-    GetCurrentDirectoryA(sizeof before, before);
-    GetTempPathA(sizeof folder, folder);
-    const std::string own =
-        std::string(folder) + "vxmgmt api trace " + std::to_string(GetCurrentProcessId());
-    ASSERT_TRUE(CreateDirectoryA(own.c_str(), nullptr));
-    ASSERT_TRUE(SetCurrentDirectoryA(own.c_str()));
-    const char* const names[] = {"ApiTrace1.txt", "ApiTrace32.txt", "ApiTrace0.txt",
-                                 "ApiTrace33.txt"};
-    for (const char* name : names) {
-        FILE* stream = fopen(name, "w");
-        fputs("text", stream);
-        fclose(stream);
-    }
-    frame::ResetApiTraceFiles();
-    const long sizes[] = {0, 0, 4, 4};
-    for (size_t i = 0; i < 4; ++i) {
-        FILE* stream = fopen(names[i], "r");
-        fseek(stream, 0, SEEK_END);
-        EXPECT_EQ(sizes[i], ftell(stream)) << names[i];
-        fclose(stream);
-    }
-    EXPECT_EQ(nullptr, fopen("ApiTrace2.txt", "r")) << "none is made";
-    _fcloseall();  // the reset leaves its streams open
-    for (const char* name : names) {
-        remove(name);
-    }
-    SetCurrentDirectoryA(before);
-    RemoveDirectoryA(own.c_str());
-}
-
 }  // namespace

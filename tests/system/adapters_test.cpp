@@ -74,7 +74,7 @@ TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
 }
 
 TEST_F(SystemAdapters, BusyDriverIsWaitedFor) {
-    ASSERT_EQ(0u, Vxemu("fault add scsi:6 --code ChipProperties --times 2 --do busy").exit);
+    Fault("scsi:6 --code ChipProperties --times 2 --do busy");
     const json ports = Document("port list -p scsi:6")["result"]["ports"];
     ASSERT_EQ(1u, ports.size());
     EXPECT_EQ(nullptr, ports[0]["status"]);
@@ -82,7 +82,7 @@ TEST_F(SystemAdapters, BusyDriverIsWaitedFor) {
 }
 
 TEST_F(SystemAdapters, OnePortThatFailsLeavesTheOthers) {
-    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code PortPropertiesV2 --do status 23").exit);
+    Fault("scsi:4 --code PortPropertiesV2 --do status 23");
     const json document = Document("port list");
     EXPECT_EQ(11, document["exit"]);
     const json ports = document["result"]["ports"];

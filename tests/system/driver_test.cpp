@@ -104,7 +104,7 @@ TEST_F(SystemDriver, StopsWithAnOpenHandleAndStartsAgain) {
 }
 
 TEST_F(SystemDriver, APortThatHangsStopsNoOther) {
-    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code ChipProperties --do hang 6000").exit);
+    Fault("scsi:4 --code ChipProperties --do hang 6000");
     const HANDLE slow = OpenPort("\\\\.\\scsi4:");
     const HANDLE port = OpenPort();
     std::atomic<bool> answered = false;

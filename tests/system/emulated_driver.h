@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "support/document.h"
@@ -58,6 +59,10 @@ class EmulatedDriver : public testing::Test {
 
     json ExitOf(const std::string& arguments) { return Document(arguments)["exit"]; }
 
+    static void Fault(const std::string& rule) {
+        ASSERT_EQ(0u, Vxemu("fault add " + rule).exit) << rule;
+    }
+
     // What the driver says of a port, e.g. PortStatus("scsi:3")["event_delivery"].
     static json PortStatus(const std::string& port) {
         const json document = VxemuDocument("status");
@@ -80,6 +85,35 @@ class EmulatedDriver : public testing::Test {
         }
         return false;
     }
+};
+
+// The flash is as delivered at the start of every test, and all files of a test are its own.
+class FreshDriver : public EmulatedDriver {
+  public:
+    static void SetUpTestSuite() {}
+    static void TearDownTestSuite() {}
+
+  protected:
+    void SetUp() override {
+        std::filesystem::remove_all(folder_);
+        std::filesystem::create_directories(folder_);
+        StartDriver();
+    }
+    void TearDown() override {
+        EmulatedDriver::TearDown();
+        // A request of a program that was killed may hang in the driver for a while yet.
+        support::Ended stopped = Vxemu("stop");
+        for (int i = 0; i < 4 && stopped.exit == 7; ++i) {
+            stopped = Vxemu("stop");
+        }
+        EXPECT_EQ(0u, stopped.exit) << stopped.err;
+        std::filesystem::remove_all(folder_);
+    }
+
+    std::string File(const std::string& name) const { return (folder_ / name).string(); }
+    std::string Quoted(const std::string& name) const { return " \"" + File(name) + "\""; }
+
+    const std::filesystem::path folder_ = support::ScratchPath("-files");
 };
 
 }  // namespace system_test

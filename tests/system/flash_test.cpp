@@ -1,6 +1,5 @@
 // vxmgr on the flash of the running driver's adapters: what is written, what is refused, and what
 // is left behind when a write does not come to its end.
-#include <filesystem>
 #include <fstream>
 
 #include "emulated_driver.h"
@@ -12,12 +11,7 @@ namespace {
 namespace fs = std::filesystem;
 using Data = std::vector<char>;
 
-// The flash is as delivered at the start of every test, and all files of a test are its own.
-class SystemFlash : public EmulatedDriver {
-  public:
-    static void SetUpTestSuite() {}
-    static void TearDownTestSuite() {}
-
+class SystemFlash : public FreshDriver {
   protected:
     static inline const std::string kBanked = " -a serial:EMU7740A0001";
     static inline const std::string kLargeRom = " -a serial:EMU7404A0002";
@@ -27,25 +21,6 @@ class SystemFlash : public EmulatedDriver {
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-
-    void SetUp() override {
-        folder_ = support::ScratchPath("-flash");
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
-        StartDriver();
-    }
-    void TearDown() override {
-        EmulatedDriver::TearDown();
-        // A request of a program that was killed may hang in the driver for a while yet.
-        support::Ended stopped = Vxemu("stop");
-        for (int i = 0; i < 4 && stopped.exit == 7; ++i) {
-            stopped = Vxemu("stop");
-        }
-        EXPECT_EQ(0u, stopped.exit) << stopped.err;
-        fs::remove_all(folder_);
-    }
-
-    std::string File(const std::string& name) const { return (folder_ / name).string(); }
 
     // An image of a version for a region of the port's adapter, as the emulator makes it.
     std::string Image(const std::string& port, int region, const std::string& version) {
@@ -132,8 +107,6 @@ class SystemFlash : public EmulatedDriver {
         }
         return 0;
     }
-
-    fs::path folder_;
 };
 
 TEST_F(SystemFlash, DamagedCodeIsAFailure) {
@@ -157,7 +130,7 @@ TEST_F(SystemFlash, DamagedCodeIsAFailure) {
     EXPECT_EQ(0, Document("diag run -p scsi:6")["exit"]);
     ASSERT_EQ(0u, Vxemu("flash corrupt scsi:3 1 0x1000").exit);
 
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --do status 23").exit);
+    Fault("scsi:3 --code FlashRead --do status 23");
     EXPECT_NE(0, Document(std::string("fw show") + kBanked)["exit"]) << "what cannot be read";
 }
 
@@ -192,7 +165,7 @@ TEST_F(SystemFlash, IsReadByRegionAndByOffset) {
 }
 
 TEST_F(SystemFlash, OneRegionThatFailsLeavesTheOthers) {
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 9 --do status 11").exit);
+    Fault("scsi:3 --code FlashRead --sub 9 --do status 11");
     const fs::path folder = folder_ / "all";
     const json document = Document("flash read all \"" + folder.string() + "\"" + kBanked);
     EXPECT_EQ(11, document["exit"]);
@@ -345,21 +318,20 @@ TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
 
 TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
     // The read-back fails behind two looks of eight pieces each: before the question and behind it.
-    ASSERT_EQ(0u,
-              Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 16 --do status 11").exit);
+    Fault("scsi:3 --code FlashRead --sub 1 --after 16 --do status 11");
     json document = Write("firmware", Image("scsi:3", 1, "9.13.00"));
     EXPECT_EQ(9, document["exit"]);
     EXPECT_EQ(nullptr, document["result"]["verified"]);
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
 
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 16 --do corrupt").exit);
+    Fault("scsi:3 --code FlashRead --sub 1 --after 16 --do corrupt");
     document = Write("firmware", Image("scsi:3", 1, "9.14.00"));
     EXPECT_EQ(1, document["exit"]);
     EXPECT_EQ("mixed", document["result"]["state"]);
     EXPECT_EQ(false, document["result"]["verified"]);
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
 
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --do status 11").exit);
+    Fault("scsi:3 --code FlashWrite --do status 11");
     document = Write("firmware", Image("scsi:3", 1, "9.15.00"));
     EXPECT_EQ(1, document["exit"]);
     EXPECT_EQ("old", document["result"]["state"]);
@@ -369,9 +341,7 @@ TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
 
 TEST_F(SystemFlash, WhatAnotherProgramWroteMeanwhileIsNotOverwritten) {
     // The first one's look at the region takes long enough for the second one's whole write.
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashRead --sub 1 --after 7 --times 1 --do hang "
-                        "9000")
-                      .exit);
+    Fault("scsi:3 --code FlashRead --sub 1 --after 7 --times 1 --do hang 9000");
     const std::string late = Image("scsi:3", 1, "9.13.00");
     const std::string early = Image("scsi:3", 1, "9.14.00");
     support::Program first("vxmgr.exe", "flash write 1 \"" + late + "\"" + kBanked + kYes);
@@ -392,7 +362,7 @@ TEST_F(SystemFlash, LockOfAnotherProgramIsRespectedAndThatOfADeadOneReleased) {
     // Keeps the locks alive: they go with the last program that uses the library.
     support::Program keeper("vxmgr.exe", "event watch -p scsi:6");
     ASSERT_TRUE(PortReaches("scsi:6", "event_delivery", true));
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code FlashWrite --times 1 --do hang 8000").exit);
+    Fault("scsi:3 --code FlashWrite --times 1 --do hang 8000");
     const std::string image = Image("scsi:3", 1, "9.13.00");
     support::Program owner("vxmgr.exe", "flash write 1 \"" + image + "\"" + kBanked + kYes);
     const int pid = WaitForOwner();

@@ -262,7 +262,7 @@ TEST_F(SystemHbaApi, VxmgrShowsAllOfIt) {
     EXPECT_EQ(3, ExitOf("hbaapi show -p scsi:5"));
 
     // A driver that fails is told under the names of this interface; the other adapters stay.
-    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code PortProperties --do status 23").exit);
+    Fault("scsi:4 --code PortProperties --do status 23");
     const json failed = Document("hbaapi list");
     EXPECT_EQ(11, failed["exit"]);
     EXPECT_EQ("HBA_STATUS_ERROR", failed["result"]["adapters"][1]["status"]);

@@ -84,7 +84,7 @@ TEST_F(SystemMap, FailuresAreTold) {
     Units("disk 9999", 3);
     Units("disk x", 2);
     Units("volume Q:", 3);
-    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code PortDatabase --do status 23").exit);
+    Fault("scsi:4 --code PortDatabase --do status 23");
     int failed = 0;
     for (const json& row : Units("target all", 11)) {
         failed += row["status"].is_null() ? 0 : 1;
@@ -170,7 +170,7 @@ TEST_F(SystemStats, RowsKeepComing) {
 }
 
 TEST_F(SystemStats, DriversWithoutCountersAreTold) {
-    ASSERT_EQ(0u, Vxemu("fault add scsi:6 --code LinkStatistics --do status 12").exit);
+    Fault("scsi:6 --code LinkStatistics --do status 12");
     EXPECT_EQ(4, ExitOf("port stats -p scsi:6"));
     EXPECT_EQ(4, ExitOf("port stats --count 1 -p scsi:6"));
     EXPECT_EQ(4, ExitOf("port stats clear -p scsi:6"));
@@ -180,7 +180,7 @@ TEST_F(SystemStats, DriversWithoutCountersAreTold) {
     EXPECT_TRUE(all["result"]["readings"][2]["seconds"].is_null());
     EXPECT_TRUE(all["result"]["readings"][2]["status"].is_string());
     EXPECT_TRUE(all["result"]["readings"][3]["seconds"].is_number());
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code ResetStatistics --do status 23").exit);
+    Fault("scsi:3 --code ResetStatistics --do status 23");
     const json failed = Document("port stats clear -p scsi:3");
     EXPECT_EQ(false, failed["changed"]);
     EXPECT_EQ(false, failed["result"]["cleared"]);

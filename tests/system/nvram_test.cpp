@@ -1,6 +1,5 @@
 // vxmgr on NVRAM, product data and transceivers of the running driver's adapters: what is written
 // where, what is refused before the first byte, and what is said when a write does not succeed.
-#include <filesystem>
 #include <fstream>
 
 #include "emulated_driver.h"
@@ -8,8 +7,6 @@
 
 namespace system_test {
 namespace {
-
-namespace fs = std::filesystem;
 
 void Write(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
@@ -27,12 +24,7 @@ std::string TransceiverImage(const char (&revision)[5]) {
     return image + std::string(12, '\0') + code;
 }
 
-// Everything is as delivered at the start of every test, and all files of a test are its own.
-class SystemNvram : public EmulatedDriver {
-  public:
-    static void SetUpTestSuite() {}
-    static void TearDownTestSuite() {}
-
+class SystemNvram : public FreshDriver {
   protected:
     static inline const std::string kBanked = " -p scsi:3";
     static inline const std::string kLargeRom = " -p scsi:6";
@@ -40,21 +32,6 @@ class SystemNvram : public EmulatedDriver {
     static inline const std::string kYes = " -p scsi:3 --yes --confirm EMU7740A0001";
     static inline const std::string kYesLargeRom = " -p scsi:6 --yes --confirm EMU7404A0002";
     static inline const std::string kYesLegacy = " -p scsi:9 --yes --confirm E00003";
-
-    void SetUp() override {
-        folder_ = support::ScratchPath("-nvram");
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
-        StartDriver();
-    }
-    void TearDown() override {
-        EmulatedDriver::TearDown();
-        StopDriver();
-        fs::remove_all(folder_);
-    }
-
-    std::string File(const std::string& name) const { return (folder_ / name).string(); }
-    std::string Quoted(const std::string& name) const { return " \"" + File(name) + "\""; }
 
     json Value(const std::string& name, const std::string& rest) {
         return Document("nvram get " + name + rest)["result"]["value"];
@@ -68,9 +45,6 @@ class SystemNvram : public EmulatedDriver {
         }
         return "";
     }
-    void Fault(const std::string& fault) {
-        ASSERT_EQ(0u, Vxemu("fault add " + fault).exit) << fault;
-    }
     bool LockIsFree() {
         const json result = Document("flash lock show")["result"];
         for (const json& row : result["locks"]) {
@@ -80,8 +54,6 @@ class SystemNvram : public EmulatedDriver {
         }
         return result["locks"].size() == 3;
     }
-
-    fs::path folder_;
 };
 
 TEST_F(SystemNvram, BankedSettingsWaitForTheReset) {

@@ -205,7 +205,7 @@ TEST_F(SystemPersist, SwapKeepsStoreAndDriverTheSame) {
     }
     // What the driver refuses leaves the store as it was.
     const Bytes stored = StoredBytes(kPort0, "Data");
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code SwapTargets --do status 23").exit);
+    Fault("scsi:3 --code SwapTargets --do status 23");
     Expect(swap, 11, "unchanged failed");
     EXPECT_EQ(stored, StoredBytes(kPort0, "Data"));
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
@@ -345,7 +345,7 @@ TEST_F(SystemPersist, CleanTakesAbsentPortsAlone) {
     Expect("bind clean --dry-run", 0);
     Expect("bind clean --yes 21:00:02:45:4d:00:01:00", 8);
     // A port whose name cannot be read could be the absent one.
-    ASSERT_EQ(0u, Vxemu("fault add scsi:4 --code PortPropertiesV2 --do status 23").exit);
+    Fault("scsi:4 --code PortPropertiesV2 --do status 23");
     Expect("bind clean --yes", 8);
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
     EXPECT_EQ(data, StoredBytes(kNobody, "Data"));
@@ -360,10 +360,10 @@ TEST_F(SystemPersist, CleanTakesAbsentPortsAlone) {
 
 TEST_F(SystemPersist, FailingRequestsAreTold) {
     const std::string on = " -p scsi:3 -t " + kArrayA;
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code SetTargetLunMaskFc --do status 23").exit);
+    Fault("scsi:3 --code SetTargetLunMaskFc --do status 23");
     const json failed = Expect("lunmask deny 1 --yes" + on, 11, "done failed");
     EXPECT_EQ(true, failed["changed"]);
-    ASSERT_EQ(0u, Vxemu("fault add scsi:3 --code PortDatabase --do status 23").exit);
+    Fault("scsi:3 --code PortDatabase --do status 23");
     const json listed = Expect("target list", 11);
     int failures = 0;
     for (const json& row : listed["result"]["targets"]) {

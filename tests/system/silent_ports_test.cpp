@@ -32,8 +32,6 @@ class MissingDevice {
 
 class SystemSilentPorts : public EmulatedDriver {
   protected:
-    static void Fault(const std::string& rule) { ASSERT_EQ(0u, Vxemu("fault add " + rule).exit); }
-
     // The rows of the ports, which are all there; the one at this index does not answer.
     json PortsWithout(const std::string& command, size_t silent, const std::string& status,
                       int exit) {
