@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "transport/mailbox_request.h"
+
 namespace passthru {
 
 #pragma pack(push, 1)
@@ -81,20 +83,10 @@ static_assert(sizeof(LoopbackReply) == sizeof(LoopbackRequest));
 static_assert(offsetof(LoopbackReply, completion) == 12);
 static_assert(offsetof(LoopbackReply, counter22) == 22);
 
-inline constexpr uint32_t kMailboxIn = 32;
-inline constexpr uint32_t kMailboxOut = 64;
-
-// Mailbox.
-struct MailboxRequest {
-    uint16_t inCount;
-    uint16_t outCount;
-    uint16_t in[kMailboxIn];
-    uint16_t out[kMailboxOut];  // returned
-};
-static_assert(sizeof(MailboxRequest) == 196);
-static_assert(offsetof(MailboxRequest, in) == 4);
-static_assert(offsetof(MailboxRequest, out) == 68);
-
 #pragma pack(pop)
+
+using transport::kMailboxIn;
+using transport::kMailboxOut;
+using transport::MailboxRequest;
 
 }  // namespace passthru

@@ -9,6 +9,7 @@
 #include "persist/blocks.h"
 #include "properties/driver_replies.h"
 #include "properties/port_database_records.h"
+#include "properties/target_address.h"
 
 namespace persist {
 
@@ -79,13 +80,7 @@ struct BusAddressBlock {
 static_assert(sizeof(BusAddressBlock) == 16);
 
 // TargetLunMaskFc; in front of the mask also SetTargetLunMaskFc.
-struct FcAddressBlock {
-    uint8_t address[8];   // name; port identifier; or 16-bit bus and target
-    uint16_t driverType;  // properties::DriverAddress
-    uint8_t reserved10[6];
-};
-static_assert(sizeof(FcAddressBlock) == 16);
-static_assert(offsetof(FcAddressBlock, driverType) == 8);
+using FcAddressBlock = properties::AddressBlock;
 
 #pragma pack(pop)
 

@@ -46,11 +46,8 @@ inline MaskTarget ByAddress(const DESTINATIONADDRESS& address) {
     target.kind = properties::KindOf(address);
     target.read = transport::command::TargetLunMaskFc;
     target.write = transport::command::SetTargetLunMaskFc;
-    if (target.kind != nullptr) {
-        FcAddressBlock block{};
-        std::memcpy(block.address, address.address, target.kind->bytes);
-        block.driverType = static_cast<uint16_t>(target.kind->driverType);
-        target.block = std::bit_cast<std::array<uint8_t, 16>>(block);
+    if (const std::optional<FcAddressBlock> block = properties::BlockOf(address)) {
+        target.block = std::bit_cast<std::array<uint8_t, 16>>(*block);
     }
     target.legacyWrite = transport::command::LegacySetTarget;
     return target;

@@ -1,8 +1,10 @@
 // How a caller's address names a target: the one table of address types.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 #include "hxmgtapi.h"
 #include "hxpersist.h"
@@ -39,6 +41,33 @@ inline const AddressKind* KindOf(const HX_SCSI_ADDRESS& address) {
         }
     }
     return nullptr;
+}
+
+#pragma pack(push, 1)
+
+// How an address travels in front of a request's own data.
+struct AddressBlock {
+    uint8_t address[8];   // name; port identifier; or 16-bit bus and target
+    uint16_t driverType;  // DriverAddress
+    uint16_t page;        // of requests that have more than one kind of answer, else 0
+    uint8_t reserved12[4];
+};
+static_assert(sizeof(AddressBlock) == 16);
+static_assert(offsetof(AddressBlock, driverType) == 8);
+static_assert(offsetof(AddressBlock, page) == 10);
+
+#pragma pack(pop)
+
+// Nothing for an address of another type.
+inline std::optional<AddressBlock> BlockOf(const HX_SCSI_ADDRESS& address) {
+    const AddressKind* const kind = KindOf(address);
+    if (kind == nullptr) {
+        return std::nullopt;
+    }
+    AddressBlock block{};
+    std::memcpy(block.address, address.address, kind->bytes);
+    block.driverType = static_cast<uint16_t>(kind->driverType);
+    return block;
 }
 
 struct BusAndTarget {
