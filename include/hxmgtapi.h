@@ -448,7 +448,9 @@ HX_STATUS HXForceZetaAEN(int32_t handle);
 
 /* The rest of the interface, by subject. */
 #include "hxdumps.h"
+#include "hxfabric.h"
 #include "hxflash.h"
+#include "hxhealth.h"
 #include "hxmapping.h"
 #include "hxpassthru.h"
 #include "hxpersist.h"

@@ -18,6 +18,8 @@
 #include "persist/persist.h"
 #include "properties/port_database.h"
 #include "properties/properties.h"
+#include "statistics/fabric.h"
+#include "statistics/health.h"
 #include "statistics/statistics.h"
 #include "transport/requests.h"
 
@@ -581,6 +583,139 @@ HX_STATUS HXGetMgmtAddress(uint32_t handle, void* record, uint32_t size) {
 
 HX_STATUS HXSetMgmtAddress(uint32_t handle, const HX_MGMT_ADDRESS_SETTING* record) {
     return statistics::SetManagementAddress(handle, record);
+}
+
+HX_STATUS HXGetPortStatisticsFC(uint32_t handle, const DESTINATIONADDRESS* destination,
+                                HX_PORT_STATISTICS* record) {
+    return statistics::GetPortStatistics(handle, destination, record);
+}
+
+HX_STATUS HXGetPortStatisticsFCV1(uint32_t handle, const DESTINATIONADDRESS* destination,
+                                  HX_PORT_STATISTICS* record) {
+    return statistics::GetPortStatisticsV1(handle, destination, record);
+}
+
+HX_STATUS HXGetPortStatisticsFCV2(uint32_t handle, const DESTINATIONADDRESS* destination,
+                                  HX_PORT_STATISTICS_V2* record) {
+    return statistics::GetPortStatisticsV2(handle, destination, record);
+}
+
+HX_STATUS HXGetPortSCMStatsFC(uint32_t handle, const DESTINATIONADDRESS* destination,
+                              HX_PORT_SCM_STATISTICS* record) {
+    return statistics::GetPortScmStatistics(handle, destination, record);
+}
+
+HX_STATUS HXGetSCMStatistics(uint32_t handle, HX_SCM_STATISTICS* record) {
+    return statistics::GetScmStatistics(handle, record);
+}
+
+HX_STATUS HXGetPrivStats(uint32_t handle, HX_PRIVATE_STATISTICS* record) {
+    return statistics::GetPrivateStatistics(handle, record);
+}
+
+HX_STATUS HXGetPrivStatsEx(uint32_t handle, HX_PRIVATE_STATISTICS_EX* record) {
+    return statistics::GetPrivateStatisticsEx(handle, record);
+}
+
+HX_STATUS HXGetBBCRData(uint32_t handle, HX_BBCR_DATA* record) {
+    return statistics::GetCreditRecovery(handle, record);
+}
+
+HX_STATUS HXGetBoardTemp(uint32_t handle, HX_BOARD_TEMPERATURE* record) {
+    return statistics::GetBoardTemperature(handle, record);
+}
+
+HX_STATUS HXGetBeaconControl(uint32_t handle, HX_BEACON* beacon) {
+    return statistics::GetBeacon(handle, beacon);
+}
+
+HX_STATUS HXUpdateBeaconControl(uint32_t handle, const HX_BEACON* beacon) {
+    return statistics::SetBeacon(handle, beacon);
+}
+
+HX_STATUS HXGetFCSerDesRegister(uint32_t handle, uint16_t address, uint16_t* value) {
+    return statistics::GetSerdesRegister(handle, address, value);
+}
+
+HX_STATUS HXSetFCSerDesRegister(uint32_t handle, uint16_t address, uint16_t value) {
+    return statistics::SetSerdesRegister(handle, address, value);
+}
+
+HX_STATUS HXGetFCSerDesRegisterEx(uint32_t handle, uint16_t lane, uint32_t address,
+                                  uint32_t* value) {
+    return statistics::GetLaneRegister(handle, lane, address, value);
+}
+
+HX_STATUS HXSetFCSerDesRegisterEx(uint32_t handle, uint16_t lane, uint32_t address,
+                                  uint32_t value) {
+    return statistics::SetLaneRegister(handle, lane, address, value);
+}
+
+HX_STATUS HXReadSerdesParams(uint32_t handle, HX_SERDES_LANE* lanes, uint32_t* count) {
+    return statistics::GetSerdesLanes(handle, lanes, count);
+}
+
+HX_STATUS HXGetQuarnI2CRegister(uint32_t handle, uint16_t device, uint16_t address,
+                                uint16_t* value) {
+    return statistics::GetI2cRegister(handle, device, address, value);
+}
+
+HX_STATUS HXSetQuarnI2CRegister(uint32_t handle, uint16_t device, uint16_t address,
+                                uint16_t value) {
+    return statistics::SetI2cRegister(handle, device, address, value);
+}
+
+HX_STATUS HXGetPositionalMap(uint32_t handle, HX_POSITIONAL_MAP* map) {
+    return statistics::GetPositionalMap(handle, map);
+}
+
+HX_STATUS HXGetRemotePortInfo(uint32_t handle, HX_REMOTE_PORT* ports, uint32_t* count) {
+    return statistics::GetRemotePorts(handle, ports, count);
+}
+
+HX_STATUS HXGetSecurePortInfo(uint32_t handle, HX_SECURE_PORT* ports, uint32_t* count) {
+    return statistics::GetSecurePorts(handle, ports, count);
+}
+
+HX_STATUS HXGetTargetIDMALinkSpeed(uint32_t handle, const DESTINATIONADDRESS* target,
+                                   HX_TARGET_LINK_SPEED* record) {
+    return statistics::GetTargetLinkSpeed(handle, target, record);
+}
+
+HX_STATUS HXSetTargetIDMALinkSpeed(uint32_t handle, const DESTINATIONADDRESS* target,
+                                   uint16_t speed) {
+    return statistics::SetTargetLinkSpeed(handle, target, speed);
+}
+
+HX_STATUS HXGetLunQos(uint32_t handle, const DESTINATIONADDRESS* target, HX_LUN_QOS* qos) {
+    return statistics::GetLunQos(handle, target, qos);
+}
+
+HX_STATUS HXGetLunQosEnable(uint32_t handle, uint8_t* enabled) {
+    return statistics::GetLunQosEnable(handle, enabled);
+}
+
+HX_STATUS HXSetLunQos(uint32_t handle, const DESTINATIONADDRESS* target, HX_LUN_QOS* qos) {
+    return statistics::SetLunQos(handle, target, qos);
+}
+
+HX_STATUS HXGetNPIVAttributes(uint32_t handle, HX_NPIV_ATTRIBUTES* attributes,
+                              HX_VIRTUAL_PORT* ports, uint32_t* count) {
+    return statistics::GetVirtualPorts(handle, attributes, ports, count);
+}
+
+HX_STATUS HXRGetNVMeInfo(uint32_t handle, HX_NVME_PORT* ports, uint32_t* count) {
+    return statistics::GetNvmePorts(handle, ports, count);
+}
+
+HX_STATUS HXGetNVMeTargetInfo(uint32_t handle, const DESTINATIONADDRESS* target,
+                              HX_NVME_TARGET* record) {
+    return statistics::GetNvmeTarget(handle, target, record);
+}
+
+HX_STATUS HXGetNVMeNSInfo(uint32_t handle, const DESTINATIONADDRESS* target,
+                          HX_NVME_NAMESPACE* namespaces, uint32_t* count) {
+    return statistics::GetNvmeNamespaces(handle, target, namespaces, count);
 }
 
 // Operating system devices and volumes.
