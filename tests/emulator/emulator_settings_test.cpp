@@ -2,6 +2,7 @@
 #include "flash/nvram_variables.h"
 #include "model/storage/nvram_content.h"
 #include "model/storage/port_eeprom.h"
+#include "model/storage/sfp_content.h"
 #include "model/storage/sfp_firmware.h"
 #include "support/emulator_flash.h"
 
@@ -227,6 +228,28 @@ TEST_F(EmulatorTwoWire, TransceiverPagesHold) {
     EXPECT_EQ(dark[8] * 256 + dark[9], 1) << "no light";
     EXPECT_EQ(dark[14], 0x02) << "loss of signal";
     EXPECT_EQ(dark[17], 0x40) << "alarm";
+}
+
+// Rates of Fibre Channel links in units of 100 MBd, or of 250 MBd behind 255 (SFF-8472).
+TEST(EmulatorTransceiver, NominalRate) {
+    struct Row {
+        uint8_t speed, nominal, beyond;
+    };
+    for (const Row& row : {Row{HX_SPEED_1GBIT, 11, 0},
+                           {HX_SPEED_2GBIT, 21, 0},
+                           {HX_SPEED_4GBIT, 43, 0},
+                           {HX_SPEED_8GBIT, 85, 0},
+                           {HX_SPEED_16GBIT, 140, 0},
+                           {HX_SPEED_32GBIT, 255, 112},
+                           {HX_SPEED_64GBIT, 255, 116},
+                           {HX_SPEED_UNKNOWN, 140, 0}}) {
+        vxemu::PortProfile port{};
+        port.supportedSpeeds = row.speed;
+        formats::SfpIdentity identity;
+        vxemu::FillTransceiver(vxemu::AdapterProfile{}, port, identity);
+        EXPECT_EQ(row.nominal, identity.nominalRate) << int{row.speed};
+        EXPECT_EQ(row.beyond, identity.maxRate) << int{row.speed};
+    }
 }
 
 TEST_F(EmulatorTwoWire, OnlyWhatIsThereIsMoved) {

@@ -57,21 +57,31 @@ uint8_t SpeedBits(uint32_t gigabits) {
     return bits;
 }
 
-// Highest speed of the port, in gigabits, from its speed code.
-uint32_t GigabitsOf(const PortProfile& port) {
-    constexpr struct {
-        uint8_t code;
-        uint32_t gigabits;
-    } kSpeeds[] = {{HX_SPEED_1GBIT, 1},  {HX_SPEED_2GBIT, 2},   {HX_SPEED_4GBIT, 4},
-                   {HX_SPEED_8GBIT, 8},  {HX_SPEED_16GBIT, 16}, {HX_SPEED_32GBIT, 32},
-                   {HX_SPEED_64GBIT, 64}};
-    constexpr uint32_t kUsual = 16;
-    for (const auto& row : kSpeeds) {
-        if (port.supportedSpeeds == row.code) {
-            return row.gigabits;
+// What a port's highest speed means: its name in gigabits and its rate on the wire in MBd (FC-PI),
+// of which a symbol carries two bits at 64 gigabits.
+struct LinkRate {
+    uint8_t code;  // HX_SPEED_...
+    uint32_t gigabits;
+    uint32_t megabaud;
+};
+
+LinkRate RateOf(const PortProfile& port) {
+    constexpr LinkRate kRates[] = {
+        {HX_SPEED_1GBIT, 1, 1062},    {HX_SPEED_2GBIT, 2, 2125},    {HX_SPEED_4GBIT, 4, 4250},
+        {HX_SPEED_8GBIT, 8, 8500},    {HX_SPEED_16GBIT, 16, 14025}, {HX_SPEED_32GBIT, 32, 28050},
+        {HX_SPEED_64GBIT, 64, 28900},
+    };
+    constexpr LinkRate kUsual = {HX_SPEED_16GBIT, 16, 14025};
+    for (const LinkRate& rate : kRates) {
+        if (port.supportedSpeeds == rate.code) {
+            return rate;
         }
     }
     return kUsual;
+}
+
+uint8_t InUnits(uint32_t megabaud, uint32_t unit) {
+    return static_cast<uint8_t>((megabaud + unit / 2) / unit);
 }
 
 }  // namespace
@@ -79,21 +89,18 @@ uint32_t GigabitsOf(const PortProfile& port) {
 void FillTransceiver(const AdapterProfile& adapter, const PortProfile& port,
                      formats::SfpIdentity& identity) {
     std::memset(&identity, 0, sizeof identity);
-    const uint32_t gigabits = GigabitsOf(port);
+    const LinkRate rate = RateOf(port);
     identity.identifier = port.transceiverType[0];
     identity.extendedIdentifier = kTwoWireOnly;
     identity.connector = port.transceiverType[1];
     identity.fibreChannelLink = kShortDistance;
     identity.fibreChannelTechnology = kShortWaveLaser;
     identity.fibreChannelMedia = kMultimode;
-    identity.fibreChannelSpeeds = SpeedBits(gigabits);
-    identity.encoding = gigabits > kLowerRateGigabits ? k64b66b : k8b10b;
-    // A link of 8 gigabits runs at 8.5 GBd.
-    const uint32_t rate = gigabits * 1000 + gigabits * 1000 / 16;
-    identity.nominalRate =
-        rate >= kRateBeyondByte * 100 ? kRateBeyondByte : static_cast<uint8_t>(rate / 100);
-    identity.maxRate =
-        identity.nominalRate == kRateBeyondByte ? static_cast<uint8_t>(rate / 250) : 0;
+    identity.fibreChannelSpeeds = SpeedBits(rate.gigabits);
+    identity.encoding = rate.gigabits > kLowerRateGigabits ? k64b66b : k8b10b;
+    const bool beyond = rate.megabaud >= kRateBeyondByte * 100;
+    identity.nominalRate = beyond ? kRateBeyondByte : InUnits(rate.megabaud, 100);
+    identity.maxRate = beyond ? InUnits(rate.megabaud, 250) : 0;
     identity.lengthOm2 = 3;  // of 10 m, 50 um fibre
     identity.lengthOm3 = 7;  // of 10 m, OM3
     CopyPadded(identity.vendor, "EMULATED OPTICS");
