@@ -12,6 +12,7 @@
 #include "measure.h"
 #include "operations.h"
 #include "properties/driver_replies.h"
+#include "statistics/fabric_records.h"
 #include "support/fake_system.h"
 
 namespace bench {
@@ -40,8 +41,10 @@ constexpr uint32_t kDumpBytes = 16u << 20;
 constexpr flash::DriverRegion kRegions[] = {{200, 0, 0, 1u << 20, 0, 0},
                                             {201, 0, 0, 16u << 20, 0, 0}};
 
+constexpr uint32_t kRemotePorts = 512;
+
 // Succeeds at once: the reply is as long as there is room, whatever it holds. Only the size of the
-// firmware dump and the flash layout must be said.
+// firmware dump, the flash layout and the number of remote ports must be said.
 BOOL WINAPI NullDeviceIoControl(HANDLE, DWORD, LPVOID, DWORD, LPVOID output, DWORD outputSize,
                                 LPDWORD returned, LPOVERLAPPED) {
     if (outputSize == transport::kEnvelopeLength + sizeof(dumps::RawQuery)) {
@@ -54,6 +57,12 @@ BOOL WINAPI NullDeviceIoControl(HANDLE, DWORD, LPVOID, DWORD, LPVOID output, DWO
             *reinterpret_cast<flash::LayoutTable*>(static_cast<transport::ExtRequest*>(output) + 1);
         table.head.count = static_cast<uint32_t>(std::size(kRegions));
         memcpy(table.regions, kRegions, sizeof kRegions);
+    }
+    if (outputSize == transport::kEnvelopeLength + sizeof(statistics::RemotePortReply)) {
+        auto& reply = *reinterpret_cast<statistics::RemotePortReply*>(
+            static_cast<transport::ExtRequest*>(output) + 1);
+        reply.head.total = kRemotePorts;
+        reply.head.count = static_cast<uint32_t>(std::size(reply.entries));
     }
     *returned = outputSize;
     return TRUE;

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "dumps/dump_records.h"
 #include "hbaapi.h"
 #include "passthru/scsi_records.h"
 #include "properties/driver_replies.h"
+#include "statistics/fabric_records.h"
+#include "statistics/statistics_records.h"
 
 namespace bench {
 
@@ -76,6 +79,50 @@ void MeasureAttributes(uint32_t handle, const Carrier& carrier, uint32_t samples
                               samples));
 }
 
+// One fixed record, written to the caller after success alone.
+void MeasureCounters(uint32_t handle, const Carrier& carrier, uint32_t samples,
+                     std::vector<Result>& results) {
+    HX_PORT_STATISTICS_V2 record;
+    const auto ask = [&] { return HXGetPortStatisticsFCV2(handle, nullptr, &record); };
+    if (!Answers("Port counters", ask())) {
+        return;
+    }
+    BareExtended bare(carrier, command::DestinationStatisticsV2, sizeof(properties::AddressBlock),
+                      sizeof record);
+    results.push_back(Measure(
+        {"HXGetPortStatisticsFCV2 (1 request)", [&] { ask(); }, [&] { bare.Send(); }}, samples));
+}
+
+// A list, of which the pages are as long as they can be whatever they hold.
+void MeasureRemotePorts(uint32_t handle, const Carrier& carrier, uint32_t samples,
+                        std::vector<Result>& results) {
+    std::vector<HX_REMOTE_PORT> ports(1024);
+    uint32_t count = 0;
+    const auto ask = [&] {
+        count = static_cast<uint32_t>(ports.size());
+        return HXGetRemotePortInfo(handle, ports.data(), &count);
+    };
+    if (!Answers("Remote ports", ask())) {
+        return;
+    }
+    constexpr uint32_t perPage = std::size(statistics::RemotePortReply{}.entries);
+    const uint32_t pages = std::max(1u, (count + perPage - 1) / perPage);
+    BareExtended bare(carrier, command::RemotePortInfo, sizeof(statistics::RemotePortRequest),
+                      sizeof(statistics::RemotePortReply));
+    auto& request = *reinterpret_cast<statistics::RemotePortRequest*>(bare.Input().data());
+    request.list.version = statistics::kListVersion;
+    const std::string name = "HXGetRemotePortInfo, " + std::to_string(count) + " ports (" +
+                             std::to_string(pages) + (pages == 1 ? " request)" : " requests)");
+    results.push_back(Measure({name, [&] { ask(); },
+                               [&] {
+                                   for (uint32_t page = 0; page < pages; ++page) {
+                                       request.list.first = page * perPage;
+                                       bare.Send();
+                                   }
+                               }},
+                              samples));
+}
+
 void MeasureDump(uint32_t handle, const Carrier& carrier, uint32_t samples,
                  std::vector<Result>& results) {
     std::vector<uint8_t> buffer(sizeof(dumps::RawHeader));
@@ -127,6 +174,8 @@ std::vector<Result> MeasureOperations(uint32_t handle, const Carrier& carrier,
     std::vector<Result> results;
     MeasureInquiry(handle, carrier, target, samples, results);
     MeasureAttributes(handle, carrier, samples, results);
+    MeasureCounters(handle, carrier, samples, results);
+    MeasureRemotePorts(handle, carrier, samples, results);
     MeasureDump(handle, carrier, std::max(1u, samples / 10), results);
     return results;
 }

@@ -10,8 +10,9 @@
 
 namespace bench {
 
-// An INQUIRY to the target, the standard API's adapter attributes, and fetching the raw firmware
-// dump. What the driver does not answer is left out with a word about it.
+// An INQUIRY to the target, the standard API's adapter attributes, the port's counters, the remote
+// ports, and fetching the raw firmware dump. What the driver does not answer is left out with a
+// word about it.
 std::vector<Result> MeasureOperations(uint32_t handle, const Carrier& carrier,
                                       const HX_SCSI_ADDRESS& target, uint32_t samples);
 
