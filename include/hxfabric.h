@@ -49,17 +49,19 @@ enum HX_REMOTE_PORT_STATE {
     HX_REMOTE_PORT_NOT_LOGGED_IN = 3
 };
 
-enum HX_REMOTE_PORT_ROLE { /* bits */
-                           HX_ROLE_FCP_TARGET = 1,
-                           HX_ROLE_FCP_INITIATOR = 2,
-                           HX_ROLE_NVME_SUBSYSTEM = 4,
-                           HX_ROLE_NVME_HOST = 8,
-                           HX_ROLE_NVME_DISCOVERY = 16
+/* Bits. */
+enum HX_REMOTE_PORT_ROLE {
+    HX_ROLE_FCP_TARGET = 1,
+    HX_ROLE_FCP_INITIATOR = 2,
+    HX_ROLE_NVME_SUBSYSTEM = 4,
+    HX_ROLE_NVME_HOST = 8,
+    HX_ROLE_NVME_DISCOVERY = 16
 };
 
-enum HX_REMOTE_PORT_FLAG {                               /* bits */
-                           HX_REMOTE_PORT_DIAGNOSED = 1, /* it answered RDP: bytes 40..83 hold */
-                           HX_REMOTE_PORT_SECURED = 2
+/* Bits. */
+enum HX_REMOTE_PORT_FLAG {
+    HX_REMOTE_PORT_DIAGNOSED = 1, /* it answered RDP: bytes 40..83 hold */
+    HX_REMOTE_PORT_SECURED = 2
 };
 
 enum HX_SECURE_STATE {
@@ -83,21 +85,19 @@ enum HX_SECURE_ENCRYPTION {
     HX_ENCRYPTION_AES_GCM_256 = 2
 };
 
-enum HX_SECURE_DIRECTION { HX_SECURE_TX = 1, HX_SECURE_RX = 2 }; /* bits */
+/* Bits. */
+enum HX_SECURE_DIRECTION { HX_SECURE_TX = 1, HX_SECURE_RX = 2 };
 
 #define HX_LINK_SPEED_SET 1u /* flag: the speed was set by management */
 
-enum HX_QOS_LEVEL { /* frame priority (FC-FS CS_CTL) */
-                    HX_QOS_NONE = 0,
-                    HX_QOS_LOW = 1,
-                    HX_QOS_MEDIUM = 2,
-                    HX_QOS_HIGH = 3
-};
+/* Frame priority (FC-FS CS_CTL). */
+enum HX_QOS_LEVEL { HX_QOS_NONE = 0, HX_QOS_LOW = 1, HX_QOS_MEDIUM = 2, HX_QOS_HIGH = 3 };
 
-enum HX_NPIV_FLAG {                       /* bits */
-                    HX_NPIV_FIRMWARE = 1, /* the firmware supports it */
-                    HX_NPIV_FABRIC = 2,   /* the fabric supports it */
-                    HX_NPIV_ENABLED = 4
+/* Bits. */
+enum HX_NPIV_FLAG {
+    HX_NPIV_FIRMWARE = 1, /* the firmware supports it */
+    HX_NPIV_FABRIC = 2,   /* the fabric supports it */
+    HX_NPIV_ENABLED = 4
 };
 
 enum HX_VIRTUAL_PORT_STATE {
@@ -107,11 +107,8 @@ enum HX_VIRTUAL_PORT_STATE {
     HX_VIRTUAL_PORT_LINK_DOWN = 4
 };
 
-enum HX_NVME_ROLE { /* bits */
-                    HX_NVME_SUBSYSTEM = 1,
-                    HX_NVME_DISCOVERY = 2,
-                    HX_NVME_HOST = 4
-};
+/* Bits. */
+enum HX_NVME_ROLE { HX_NVME_SUBSYSTEM = 1, HX_NVME_DISCOVERY = 2, HX_NVME_HOST = 4 };
 
 enum HX_NVME_PORT_STATE { HX_NVME_PORT_ONLINE = 1, HX_NVME_PORT_LOST = 2 };
 
@@ -126,22 +123,20 @@ enum HX_NVME_STATE {
 
 #define HX_NVME_FLAG_ANA 1u /* flag of a controller: it reports asymmetric access */
 
-enum HX_NVME_ANA_STATE { /* asymmetric namespace access (NVM Express) */
-                         HX_ANA_OPTIMIZED = 1,
-                         HX_ANA_NON_OPTIMIZED = 2,
-                         HX_ANA_INACCESSIBLE = 3,
-                         HX_ANA_LOST = 4,
-                         HX_ANA_CHANGING = 15
+/* Asymmetric namespace access (NVM Express). */
+enum HX_NVME_ANA_STATE {
+    HX_ANA_OPTIMIZED = 1,
+    HX_ANA_NON_OPTIMIZED = 2,
+    HX_ANA_INACCESSIBLE = 3,
+    HX_ANA_LOST = 4,
+    HX_ANA_CHANGING = 15
 };
 
-enum HX_NVME_NAMESPACE_FLAG { /* bits */
-                              HX_NAMESPACE_SHARED = 1,
-                              HX_NAMESPACE_WRITE_PROTECTED = 2
-};
+/* Bits. */
+enum HX_NVME_NAMESPACE_FLAG { HX_NAMESPACE_SHARED = 1, HX_NAMESPACE_WRITE_PROTECTED = 2 };
 
 #define HX_QOS_LUNS 256
-#define HX_NVME_MOST_CONTROLLER 255u /* number of a controller whose namespaces can be asked for \
-                                      */
+#define HX_NVME_MOST_CONTROLLER 255u /* index of the last one that tells its namespaces */
 #define HX_NVME_NQN_SIZE 256
 
 #pragma pack(push, 1)

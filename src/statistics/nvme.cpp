@@ -14,10 +14,9 @@ struct NvmePorts : ListTraits<NvmePortReply> {
 };
 
 // Namespaces of a controller, by the number of their page.
-struct Namespaces : ListTraits<NvmeNamespaceReply> {
+struct Namespaces
+    : ListTraits<NvmeNamespaceReply, kNamespacesOnPage * kNamespacePages, kNamespacesOnPage> {
     static constexpr transport::Command kCommand = transport::command::NvmeNamespaceInfo;
-    static constexpr uint32_t kMost = kNamespacesOnPage * kNamespacePages;
-    static constexpr uint32_t kLeastOnPage = kNamespacesOnPage;
 
     DESTINATIONADDRESS controller;
 

@@ -75,12 +75,13 @@ std::span<const std::byte> BytesOf(const Request& request) {
     return std::as_bytes(std::span(&request, 1));
 }
 
-// What tells one list with a total from another.
-template <class PageReply>
+// What tells one list with a total from another: its pages, the most that the total may be, and how
+// many entries a page has at least that is not the last.
+template <class PageReply, uint32_t Most = kMostRecords, uint32_t LeastOnPage = 1>
 struct ListTraits {
     using Reply = PageReply;
-    static constexpr uint32_t kMost = kMostRecords;  // of the total
-    static constexpr uint32_t kLeastOnPage = 1;      // entries of a page that is not the last
+    static constexpr uint32_t kMost = Most;
+    static constexpr uint32_t kLeastOnPage = LeastOnPage;
     static uint32_t Total(const Reply& reply) { return reply.head.total; }
     template <class Record>
     static void Settle(Record&) {}  // makes an entry keep what its record promises
