@@ -9,6 +9,7 @@
 #include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
+#include "support/shown.h"
 #include "tools/common/csv.h"
 #include "tools/common/exit_codes.h"
 #include "tools/common/fields.h"
@@ -305,6 +306,8 @@ TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
         std::optional<uint32_t> speed;
         const Part* part;
         std::vector<Part> parts;
+        std::optional<Part> spliced{};
+        std::optional<std::vector<Part>> more{};
     };
     static constexpr const char* kNames[] = {"one", "two"};
     static const Fields<Part> kPart = {{"frames", "Frames", "FRAMES", kCounter, &Part::frames}};
@@ -315,6 +318,8 @@ TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
         {"part", "Part", kPart, &Whole::part},
         {"maybe", "Part", kPart, &Whole::part, "", kGroup.OrNull()},
         {"parts", "Parts", kPart, &Whole::parts},
+        {kPart, &Whole::spliced},
+        {"more", "More", kPart, &Whole::more},
     };
     const auto schema = Document::Parse(SchemaText("t.whole", "Whole", kWhole.ShapeOfAll()));
     const auto document = [](const Whole& whole) {
@@ -326,17 +331,28 @@ TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
     };
     const Part part{UINT64_MAX};
     for (const Whole& whole :
-         {Whole{"one", 8, &part, {part, {1}}}, Whole{"two", std::nullopt, nullptr, {}}}) {
+         {Whole{"one", 8, &part, {part, {1}}}, Whole{"two", std::nullopt, nullptr, {}},
+          Whole{"two", 1, nullptr, {}, part, {{part}}}}) {
         EXPECT_EQ(Lines(support::JsonSchemas::CheckAgainst(document(whole), schema)), "");
     }
     EXPECT_FALSE(
         support::JsonSchemas::CheckAgainst(document({"three", 8, nullptr, {}}), schema).empty());
     EXPECT_EQ(document({"two", 8, nullptr, {}}).size(), 4u);
     EXPECT_TRUE(document({"two", 8, nullptr, {}})["maybe"].is_null());
+    EXPECT_EQ(document({"two", 8, nullptr, {}, part, {{part}}}).size(), 7u) << "frames_s too";
     EXPECT_EQ(schema["$id"], "t.whole.json");
     // Every key and no other.
-    EXPECT_EQ(kWhole.Prototype().Fields().size(), 6u);
+    EXPECT_EQ(kWhole.Prototype().Fields().size(), 8u);
     EXPECT_EQ(schema["required"].size(), 4u);
+    // What was found out before an error is the result.
+    Record result;
+    try {
+        GrowingResult<Whole> growing(result, kWhole, {"one", {}, nullptr, {}});
+        growing.name = "two";
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_EQ(support::Shown(result, "name"), "two");
 }
 
 TEST(ToolsRender, TablesAlignWhatIsSeen) {

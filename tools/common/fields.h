@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "record.h"
+#include "text.h"
 
 namespace tools {
 
@@ -37,7 +38,8 @@ struct FieldType {
     bool large = false;     // a number that may have more than 53 bits
     bool array = false;     // any number of such values
     Secret secret = Secret::None;
-    const char* unit = "";                      // of a number, for people
+    uint8_t digits = 0;     // of a number that is written in hexadecimal, as a text
+    const char* unit = "";  // of a number, for people
     std::span<const char* const> choices = {};  // of a text: all that it can be
     std::span<const int> numbers = {};          // of a number: the same
 
@@ -63,6 +65,9 @@ inline constexpr FieldType kSerial{.secret = Secret::Serial};
 
 constexpr FieldType Integer(const char* unit) {
     return {.base = FieldType::Base::Integer, .unit = unit};
+}
+constexpr FieldType Hexadecimal(uint8_t digits) {
+    return {.digits = digits};
 }
 constexpr FieldType Choice(std::span<const char* const> choices) {
     return {.choices = choices};
@@ -111,12 +116,27 @@ inline Value ToValue(const FieldType& type, const char* text) {
 }
 template <class Number>
 requires std::is_integral_v<Number> Value ToValue(const FieldType& type, Number number) {
-    return Value::Number(static_cast<uint64_t>(number), type.unit);
+    const auto wide = static_cast<uint64_t>(number);
+    return type.digits != 0 ? Value::Text(Hex(wide, type.digits)) : Value::Number(wide, type.unit);
 }
 template <class T>
 Value ToValue(const FieldType& type, const std::optional<T>& value) {
     return value ? ToValue(type, *value) : Value();
 }
+
+template <class T>
+inline constexpr bool kIsOptional = false;
+template <class T>
+inline constexpr bool kIsOptional<std::optional<T>> = true;
+
+// What a getter gives of a source.
+template <class Get, class Source>
+using Gotten = std::remove_cvref_t<std::invoke_result_t<Get, const Source&>>;
+
+// Whether that is a part which may not be there.
+template <class Get, class Source, class Part>
+concept GivesMaybe = std::is_pointer_v<Gotten<Get, Source>> ||
+    std::is_same_v<Gotten<Get, Source>, std::optional<Part>>;
 
 template <class Source>
 class Fields;
@@ -159,12 +179,13 @@ class FieldRow {
         };
     }
 
-    // A group of something that the source has, or may have: get gives a pointer, null where the
-    // group is left out, or is null itself (kGroup.OrNull()).
+    // A group of something that the source has, or may have: get gives a pointer or an
+    // std::optional part. Without one the group is left out, or is null itself (kGroup.OrNull()).
     template <class Part, class Get>
-    requires std::is_pointer_v<std::remove_cvref_t<std::invoke_result_t<Get, const Source&>>>
-    FieldRow(const char* key, const char* label, const Fields<Part>& fields, Get get,
-             const char* about = "", FieldType type = kGroup.OrAbsent())
+    requires GivesMaybe<Get, Source, Part> FieldRow(const char* key, const char* label,
+                                                    const Fields<Part>& fields, Get get,
+                                                    const char* about = "",
+                                                    FieldType type = kGroup.OrAbsent())
         : shape_{.key = key,
                  .label = label,
                  .about = about,
@@ -172,7 +193,7 @@ class FieldRow {
                  .type = type,
                  .children = fields.ShapeOfAll()} {
         add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
-            if (const Part* const part = std::invoke(get, source)) {
+            if (const auto& part = std::invoke(get, source)) {
                 record.AddGroup(shape.key, shape.label, fields.Make(*part));
             } else if (shape.type.nullable) {
                 record.Add(shape.key, "", Value());
@@ -180,13 +201,23 @@ class FieldRow {
         };
     }
 
-    // The fields of a part, among the source's own. get gives the part, or a pointer to it.
+    // The fields of a part, among the source's own. get gives the part, a pointer to it, or an
+    // std::optional one, without which they are left out.
     template <class Part, class Get>
     FieldRow(const Fields<Part>& fields, Get get) : spliced_(fields.ShapeOfAll()) {
+        if constexpr (kIsOptional<Gotten<Get, Source>>) {
+            for (FieldShape& field : spliced_) {
+                field.type.optional = true;
+            }
+        }
         add_ = [&fields, get](const Source& source, Record& record) {
             decltype(auto) part = std::invoke(get, source);
-            if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(part)>>) {
+            if constexpr (std::is_pointer_v<Gotten<Get, Source>>) {
                 fields.AddTo(*part, record);
+            } else if constexpr (kIsOptional<Gotten<Get, Source>>) {
+                if (part) {
+                    fields.AddTo(*part, record);
+                }
             } else {
                 fields.AddTo(part, record);
             }
@@ -207,9 +238,10 @@ class FieldRow {
         return row;
     }
 
-    // A list. get gives a range of elements, or of pointers to them.
+    // A list. get gives a range of elements, or of pointers to them; where it gives an
+    // std::optional range, the list may be left out.
     template <class Element, class Get>
-    requires(!std::is_pointer_v<std::remove_cvref_t<std::invoke_result_t<Get, const Source&>>>)
+    requires(!GivesMaybe<Get, Source, Element>)
         FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
                  ListLayout layout = ListLayout::Table, const char* emptyText = "",
                  const char* about = "")
@@ -220,9 +252,10 @@ class FieldRow {
                  .children = fields.ShapeOfAll(),
                  .layout = layout,
                  .emptyText = emptyText} {
-        add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
+        shape_.type.optional = kIsOptional<Gotten<Get, Source>>;
+        const auto addRange = [shape = shape_, &fields](const auto& range, Record& record) {
             std::vector<Record> records;
-            for (const auto& element : std::invoke(get, source)) {
+            for (const auto& element : range) {
                 if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(element)>>) {
                     records.push_back(fields.Make(*element));
                 } else {
@@ -231,6 +264,14 @@ class FieldRow {
             }
             record.AddList(shape.key, shape.label, shape.layout, PrototypeOf(shape.children),
                            shape.emptyText, std::move(records));
+        };
+        add_ = [addRange, get](const Source& source, Record& record) {
+            const auto& range = std::invoke(get, source);
+            if constexpr (!kIsOptional<Gotten<Get, Source>>) {
+                addRange(range, record);
+            } else if (range) {
+                addRange(*range, record);
+            }
         };
     }
 
@@ -253,6 +294,7 @@ template <class Source>
 class Fields {
   public:
     Fields(std::initializer_list<FieldRow<Source>> rows) : rows_(rows) {}
+    Fields(std::vector<FieldRow<Source>> rows) : rows_(std::move(rows)) {}
 
     // A record of everything with a heading of its own in text mode.
     Fields(std::string (*title)(const Source&), std::initializer_list<FieldRow<Source>> rows)
@@ -285,6 +327,36 @@ class Fields {
   private:
     std::string (*title_)(const Source&) = nullptr;
     std::vector<FieldRow<Source>> rows_;
+};
+
+// The fields of a result that is one list.
+template <class Rows, class Element>
+Fields<Rows> ListOf(const char* key, const char* label, const Fields<Element>& fields,
+                    ListLayout layout = ListLayout::Table, const char* emptyText = "",
+                    const char* about = "") {
+    return {{key, label, fields, std::identity(), layout, emptyText, about}};
+}
+
+// For a command's row: the shape of what the function's table makes.
+template <auto fields>
+Shape ShapeOf() {
+    return fields().ShapeOfAll();
+}
+
+// A source that fills step by step. What it holds when it goes becomes the result, so that a
+// command that ends with an error reports what it has found out until then.
+template <class Source>
+class GrowingResult : public Source {
+  public:
+    GrowingResult(Record& into, const Fields<Source>& fields, Source begin = {})
+        : Source(std::move(begin)), into_(into), fields_(fields) {}
+    ~GrowingResult() { into_ = fields_.Make(*this); }
+    GrowingResult(const GrowingResult&) = delete;
+    GrowingResult& operator=(const GrowingResult&) = delete;
+
+  private:
+    Record& into_;
+    const Fields<Source>& fields_;
 };
 
 }  // namespace tools

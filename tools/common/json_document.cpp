@@ -174,6 +174,11 @@ Shape EnvelopeShape() {
     };
 }
 
+std::string RecordDocument(const Record& record) {
+    Redactor nothing(false);
+    return Dump(JsonOf(record, nothing), 2);
+}
+
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor) {
     return Dump(JsonOf(envelope, true, redactor), 2);
 }

@@ -31,6 +31,9 @@ inline constexpr int kSchemaMinor = 0;
 // The fields of the envelope and of what stands in it.
 Shape EnvelopeShape();
 
+// A record by itself, with nothing masked.
+std::string RecordDocument(const Record& record);
+
 // One document, indented, with a line end.
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor);
 
