@@ -1,5 +1,5 @@
 // bind apply.
-#include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/lunmask_live.h"
 

@@ -5,7 +5,7 @@
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"
-#include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_choice.h"
 #include "vxmgr/fabric/scsi_unit.h"

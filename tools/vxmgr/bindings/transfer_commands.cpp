@@ -1,6 +1,6 @@
 // bind export, import.
 #include "vxmgr/bindings/bind_document.h"
-#include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_transfer.h"
 

@@ -1,4 +1,4 @@
-#include "vxmgr/bindings/bind_live.h"
+#include "vxmgr/bindings/store_live.h"
 
 #include "common/status_codes.h"
 #include "common/text.h"
