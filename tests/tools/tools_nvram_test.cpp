@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <nlohmann/json.hpp>
 
 #include "vxmgr/settings/nvram_document.h"
 #include "vxmgr/settings/nvram_fields.h"
@@ -166,13 +167,13 @@ class ToolsNvramDocument : public testing::Test {
     }
 
     // The document after a change of its JSON.
-    std::string Changed(const std::function<void(DocumentJson&)>& change) const {
-        DocumentJson json = DocumentJson::parse(text_);
+    std::string Changed(const std::function<void(nlohmann::json&)>& change) const {
+        nlohmann::json json = nlohmann::json::parse(text_);
         change(json);
         return json.dump();
     }
-    static DocumentJson& Row(DocumentJson& json, uint32_t number) {
-        for (DocumentJson& row : json["variables"]) {
+    static nlohmann::json& Row(nlohmann::json& json, uint32_t number) {
+        for (nlohmann::json& row : json["variables"]) {
             if (row["number"] == number) {
                 return row;
             }
@@ -203,8 +204,8 @@ TEST_F(ToolsNvramDocument, UntouchedOnesGiveTheVeryBytesBack) {
 }
 
 TEST_F(ToolsNvramDocument, EditedVariablesCount) {
-    const NvramDocument read =
-        ReadNvramDocument(Changed([](DocumentJson& json) { Row(json, 19)["value"] = 1024; }), map_);
+    const NvramDocument read = ReadNvramDocument(
+        Changed([](nlohmann::json& json) { Row(json, 19)["value"] = 1024; }), map_);
     EXPECT_TRUE(IsSound(map_.kind, read.block));
     const NvramDifference difference = DifferenceOf(map_, block_, read.block);
     ASSERT_EQ(difference.changes.size(), 1u);
@@ -213,34 +214,34 @@ TEST_F(ToolsNvramDocument, EditedVariablesCount) {
 }
 
 TEST_F(ToolsNvramDocument, WhatDoesNotFitIsRefused) {
-    using Change = std::function<void(DocumentJson&)>;
+    using Change = std::function<void(nlohmann::json&)>;
     const std::pair<const char*, Change> kCases[] = {
         {"wrong checksum",
-         [](DocumentJson& j) {
+         [](nlohmann::json& j) {
              std::string hex = j["block"];
              hex[100] = hex[100] == '0' ? '1' : '0';
              j["block"] = hex;
          }},
-        {"no document kind", [](DocumentJson& j) { j["document"] = "vxmgr.bindings"; }},
-        {"another kind", [](DocumentJson& j) { j["kind"] = "classic"; }},
-        {"too small", [](DocumentJson& j) { j["size"] = 511; }},
-        {"other size", [](DocumentJson& j) { j["size"] = 601; }},
-        {"huge size", [](DocumentJson& j) { j["size"] = 1 << 30; }},
-        {"negative size", [](DocumentJson& j) { j["size"] = -1; }},
-        {"no block", [](DocumentJson& j) { j.erase("block"); }},
-        {"unknown key", [](DocumentJson& j) { j["more"] = 1; }},
-        {"unknown variable", [](DocumentJson& j) { Row(j, 19)["number"] = 20; }},
+        {"no document kind", [](nlohmann::json& j) { j["document"] = "vxmgr.bindings"; }},
+        {"another kind", [](nlohmann::json& j) { j["kind"] = "classic"; }},
+        {"too small", [](nlohmann::json& j) { j["size"] = 511; }},
+        {"other size", [](nlohmann::json& j) { j["size"] = 601; }},
+        {"huge size", [](nlohmann::json& j) { j["size"] = 1 << 30; }},
+        {"negative size", [](nlohmann::json& j) { j["size"] = -1; }},
+        {"no block", [](nlohmann::json& j) { j.erase("block"); }},
+        {"unknown key", [](nlohmann::json& j) { j["more"] = 1; }},
+        {"unknown variable", [](nlohmann::json& j) { Row(j, 19)["number"] = 20; }},
         {"variable that the chip lacks",
-         [](DocumentJson& j) {
+         [](nlohmann::json& j) {
              j["variables"].push_back({{"number", 22}, {"name", "retry_count"}, {"value", 0}});
          }},
-        {"number beyond all", [](DocumentJson& j) { Row(j, 19)["number"] = 188; }},
-        {"other name", [](DocumentJson& j) { Row(j, 19)["name"] = "frame"; }},
-        {"too large", [](DocumentJson& j) { Row(j, 19)["value"] = 65536; }},
-        {"twice", [](DocumentJson& j) { j["variables"].push_back(Row(j, 19)); }},
-        {"signature", [](DocumentJson& j) { Row(j, 0)["value"] = 1; }},
-        {"checksum edited", [](DocumentJson& j) { Row(j, 137)["value"] = 1; }},
-        {"chip", [](DocumentJson& j) { j["chip"] = "0x17740"; }},
+        {"number beyond all", [](nlohmann::json& j) { Row(j, 19)["number"] = 188; }},
+        {"other name", [](nlohmann::json& j) { Row(j, 19)["name"] = "frame"; }},
+        {"too large", [](nlohmann::json& j) { Row(j, 19)["value"] = 65536; }},
+        {"twice", [](nlohmann::json& j) { j["variables"].push_back(Row(j, 19)); }},
+        {"signature", [](nlohmann::json& j) { Row(j, 0)["value"] = 1; }},
+        {"checksum edited", [](nlohmann::json& j) { Row(j, 137)["value"] = 1; }},
+        {"chip", [](nlohmann::json& j) { j["chip"] = "0x17740"; }},
     };
     for (const auto& [what, change] : kCases) {
         EXPECT_NE(ErrorOf(Changed(change)), "") << what;

@@ -9,12 +9,11 @@
 #include "support/has.h"
 #include "support/json_schema.h"
 #include "vxmgr/app/port_id.h"
-#include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"
-#include "vxmgr/bindings/lunmask_document.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_difference.h"
+#include "vxmgr/bindings/store_document.h"
 #include "vxmgr/targets/target_luns.h"
 
 namespace {

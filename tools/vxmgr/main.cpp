@@ -2,12 +2,14 @@
 #include "common/command.h"
 #include "vxmgr/app/library.h"
 #include "vxmgr/bindings/commands.h"
+#include "vxmgr/bindings/store_document.h"
 #include "vxmgr/diag/commands.h"
 #include "vxmgr/fabric/commands.h"
 #include "vxmgr/flash/commands.h"
 #include "vxmgr/hbaapi/commands.h"
 #include "vxmgr/ports/commands.h"
 #include "vxmgr/settings/commands.h"
+#include "vxmgr/settings/nvram_document.h"
 #include "vxmgr/sfp/commands.h"
 #include "vxmgr/targets/commands.h"
 #include "vxmgr/update/commands.h"
@@ -77,6 +79,12 @@ constexpr tools::CommandGroup kGroups[] = {
     {"driver param", "parameters that a driver reads at its start"},
 };
 
+constexpr tools::Document kDocuments[] = {
+    {"bindings", "The document of `bind export` and `bind import`", BindDocumentShape},
+    {"lun_masks", "The document of `lunmask export` and `lunmask import`", LunMaskDocumentShape},
+    {"nvram", "The document of `nvram export` and `nvram import`", NvramDocumentShape},
+};
+
 // The order of the help.
 constexpr tools::CommandRows (*kFiles[])() = {
     AdapterAndPortCommands,
@@ -85,7 +93,6 @@ constexpr tools::CommandRows (*kFiles[])() = {
     MapCommands,
     BindListCommands,
     BindChangeCommands,
-    BindApplyCommands,
     BindTransferCommands,
     BindStoreCommands,
     LunmaskCommands,
@@ -131,6 +138,7 @@ int main() {
         .options = vxmgr::kOptions,
         .libraryVersion = vxmgr::LibraryVersion,
         .statusText = vxmgr::StatusMessage,
+        .documents = vxmgr::kDocuments,
         .cause = vxmgr::CauseOf,
         .topics = vxmgr::kTopics,
     };

@@ -1,13 +1,13 @@
-// bind add, remove, swap.
+// bind add, remove, swap, apply.
 #include <algorithm>
 
 #include "common/text.h"
 #include "vxmgr/app/port_id.h"
-#include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/bind_edit.h"
-#include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/commands.h"
-#include "vxmgr/bindings/store_choice.h"
+#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/bindings/store_live.h"
+#include "vxmgr/bindings/store_steps.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_select.h"
 
@@ -28,8 +28,9 @@ constexpr Argument Byte(const char* name, const char* help) {
             .help = help,
             .most = UINT8_MAX};
 }
-constexpr Argument kNodeArgument = {"--node", ArgumentKind::Text, "NAME",
-                                    "node name of a target that the driver does not know"};
+constexpr Argument kNodeArgument = {.name = "--node",
+                                    .valueName = "NAME",
+                                    .help = "node name of a target that the driver does not know"};
 constexpr Argument kPortIdArgument = {.name = "--port-id",
                                       .kind = ArgumentKind::Number,
                                       .valueName = "ID",
@@ -60,6 +61,10 @@ constexpr Argument kSwapArguments[] = {
     kNodeArgument,
     kPortIdArgument,
     kStoreArgument,
+};
+
+constexpr Argument kApplyArguments[] = {
+    {.name = "--masks", .kind = ArgumentKind::Flag, .help = "the stored LUN masks too"},
 };
 
 std::string NameAfter(tools::Invocation& invocation, const char* option) {
@@ -277,7 +282,7 @@ ExitCode BindAdd(tools::Invocation& invocation) {
     PortTargets targets = OpenPortTargets(invocation);
     const HX_DEVICE_RECORD wanted = WantedBinding(invocation, targets);
     const tools::Wwn name = tools::Wwn::Of(wanted.portName);
-    Steps steps(invocation, targets.OwnPort().Object());
+    Steps steps(invocation, targets.OwnPort());
     if (stores.registry) {
         CheckAddress(invocation, *targets.bindings.block, wanted);
         const auto lunBase = invocation.Given().Number("lun-base");
@@ -296,7 +301,7 @@ ExitCode BindAdd(tools::Invocation& invocation) {
         BindLive(invocation, targets, wanted,
                  stores.registry ? AwayTarget::Pending : AwayTarget::Failed, steps);
     }
-    return steps.Finish();
+    return steps.FinishResult();
 }
 
 ExitCode BindRemove(tools::Invocation& invocation) {
@@ -315,7 +320,7 @@ ExitCode BindRemove(tools::Invocation& invocation) {
                             " is not bound in the store",
                         "`bind list` shows what is");
     }
-    Steps steps(invocation, targets.OwnPort().Object());
+    Steps steps(invocation, targets.OwnPort());
     EditStored(invocation, targets, chosen->portName, "remove", steps,
                [&](HX_TARGET_DATA& block) { RemoveBinding(block, chosen->portName); });
     if (stores.live && chosen->known != nullptr &&
@@ -323,7 +328,7 @@ ExitCode BindRemove(tools::Invocation& invocation) {
         steps.Add(kLive, chosen->portName, Outcome::Pending,
                   "a running driver gives up no binding: it goes with the driver's next start");
     }
-    return steps.Finish();
+    return steps.FinishResult();
 }
 
 ExitCode BindSwap(tools::Invocation& invocation) {
@@ -348,7 +353,7 @@ ExitCode BindSwap(tools::Invocation& invocation) {
             "Put target " + newName.Colons() + " in the place of " + chosen.Text() + ".",
             "I/O to the address goes to the new target, whose data may be another."));
     }
-    Steps steps(invocation, targets.OwnPort().Object());
+    Steps steps(invocation, targets.OwnPort());
     // The store comes first, since it can be put back.
     const bool stored =
         plan.inStore &&
@@ -365,7 +370,29 @@ ExitCode BindSwap(tools::Invocation& invocation) {
         steps.Add(kInRegistry, chosen.portName, Outcome::Unchanged,
                   "neither of the two is bound in the store");
     }
-    return steps.Finish();
+    return steps.FinishResult();
+}
+
+ExitCode BindApply(tools::Invocation& invocation) {
+    PortTargets targets = OpenPortTargets(invocation);
+    const bool masks = invocation.Given().Has("masks");
+    TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
+    if (!targets.bindings.IsStored() && !(masks && targets.masks.IsStored())) {
+        invocation.Fail(ExitCode::NotFound, "there is nothing stored to apply",
+                        "`bind add` and `bind import` store bindings");
+    }
+    if (!invocation.DryRun()) {
+        invocation.Confirm(QuestionAbout(
+            targets.session, "Bind the stored targets in the running driver.",
+            "A target whose address changes is not reached meanwhile: I/O to it stops."));
+    }
+    Steps steps(invocation, targets.OwnPort());
+    ApplyBindings(invocation, targets, *targets.bindings.block, AwayTarget::Failed, steps);
+    if (masks) {
+        TellState(invocation, targets.OwnPort(), targets.masks.state, "LUN masks");
+        ApplyMasks(invocation, targets, *targets.masks.block, AwayTarget::Failed, steps);
+    }
+    return steps.FinishResult();
 }
 
 }  // namespace
@@ -380,6 +407,7 @@ tools::CommandRows BindChangeCommands() {
             .arguments = kAddArguments,
             .run = BindAdd,
             .example = "bind add -t wwn:2b:00:02:45:4d:00:01:00 --id 5 -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
         },
         {
             .path = "bind remove",
@@ -389,6 +417,7 @@ tools::CommandRows BindChangeCommands() {
             .arguments = kRemoveArguments,
             .run = BindRemove,
             .example = "bind remove -t 0:5 -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
         },
         {
             .path = "bind swap",
@@ -398,6 +427,17 @@ tools::CommandRows BindChangeCommands() {
             .arguments = kSwapArguments,
             .run = BindSwap,
             .example = "bind swap -t 0:5 --with wwn:2b:00:02:45:4d:00:02:00 -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
+        },
+        {
+            .path = "bind apply",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "bind in the driver what is stored",
+            .schema = "bind.change",
+            .arguments = kApplyArguments,
+            .run = BindApply,
+            .example = "bind apply --masks -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
         },
     };
     return kCommands;

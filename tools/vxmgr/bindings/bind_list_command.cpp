@@ -1,12 +1,13 @@
 // bind list.
 #include <set>
 
+#include "common/text.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/commands.h"
-#include "vxmgr/bindings/store_choice.h"
-#include "vxmgr/targets/target_records.h"
+#include "vxmgr/bindings/store_port.h"
+#include "vxmgr/bindings/store_steps.h"
 
 namespace vxmgr {
 namespace {
@@ -17,94 +18,111 @@ using tools::Value;
 
 constexpr tools::Argument kListArguments[] = {kStoreArgument};
 
-// A binding as one store has it.
-struct Binding {
-    uint32_t bus;
-    uint32_t target;
-    uint32_t targetNumber;
-    uint8_t flags;
+// A binding as the store and the driver have it, or one of them. Of a port that cannot be read
+// there is neither.
+struct BindRow {
+    const Port* port;
+    const HX_TARGET_ENTRY* stored = nullptr;
+    size_t place = 0;
+    const HX_DEVICE_RECORD* live = nullptr;
+
+    std::string Serial() const { return port->Serial(); }
+    std::optional<size_t> Slot() const { return stored ? std::optional(place) : std::nullopt; }
 };
 
-template <class Row>
-Binding BindingOf(const Row& row) {
-    return {row.bus, row.target, row.targetNumber, row.bindingFlags};
+// What both records tell of the target, by the stored one where there is one.
+template <auto stored, auto live, auto make>
+auto NamedBy(const BindRow& row) {
+    const bool named = row.stored || (row.live && !IsFree(*row.live));
+    return !named ? std::nullopt
+                  : std::optional(make(row.stored ? row.stored->*stored : row.live->*live));
 }
 
-void AddBinding(Record& row, const std::string& key, const std::string& label,
-                const std::string& column, const std::optional<Binding>& binding) {
-    const auto number = [&](uint32_t Binding::*member) {
-        return binding ? Value::Number((*binding).*member) : Value();
+template <auto record, auto member>
+std::optional<uint32_t> NumberIn(const BindRow& row) {
+    return row.*record ? std::optional<uint32_t>((row.*record)->*member) : std::nullopt;
+}
+
+template <auto record>
+Value AddressIn(const BindRow& row) {
+    const auto* const binding = row.*record;
+    return binding
+               ? Value::Number(binding->target)
+                     .Shown(std::to_string(binding->bus) + ":" + std::to_string(binding->target))
+               : Value();
+}
+
+const tools::Fields<BindRow>& BindRowFields() {
+    using Stored = HX_TARGET_ENTRY;
+    using Live = HX_DEVICE_RECORD;
+    constexpr auto kNumber = tools::kInteger.OrNull();
+    constexpr auto kFlags = tools::Hexadecimal(2).OrNull();
+    constexpr auto kStored = &BindRow::stored;
+    constexpr auto kNow = &BindRow::live;
+    static const tools::Fields<BindRow> kFields = {
+        {PortKeys(), &BindRow::port},
+        {"serial", "Adapter", tools::kSerial.OrNull(), &BindRow::Serial},
+        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
+         NamedBy<&Stored::portName, &Live::portName, tools::Wwn::Of>,
+         "port name; null in the row of a port that failed"},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+         NamedBy<&Stored::nodeName, &Live::nodeName, tools::Wwn::Of>},
+        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(),
+         NamedBy<&Stored::portId, &Live::portId, PortIdOf>},
+        {"slot", "Slot", "SLOT", kNumber, &BindRow::Slot, "place in the stored block"},
+        {"stored_bus", "Stored bus", kNumber, NumberIn<kStored, &Stored::bus>},
+        {"stored_target", "Stored target", "STORED", kNumber, AddressIn<kStored>},
+        {"stored_target_number", "Stored target number", kNumber,
+         NumberIn<kStored, &Stored::targetNumber>},
+        {"stored_flags", "Stored flags", "STORED FLAGS", kFlags,
+         NumberIn<kStored, &Stored::bindingFlags>},
+        {"stored_lun_base", "Stored LUN base", kNumber, NumberIn<kStored, &Stored::lunBase>},
+        {"live_bus", "Live bus", kNumber, NumberIn<kNow, &Live::bus>},
+        {"live_target", "Live target", "LIVE", kNumber, AddressIn<kNow>},
+        {"live_target_number", "Live target number", kNumber, NumberIn<kNow, &Live::targetNumber>},
+        {"live_flags", "Live flags", "LIVE FLAGS", kFlags, NumberIn<kNow, &Live::bindingFlags>},
+        {"status", "Status", tools::kText.OrNull(),
+         [](const BindRow& row) { return StatusValue(row.port->failure); }},
     };
-    const std::string address =
-        binding ? std::to_string(binding->bus) + ":" + std::to_string(binding->target) : "";
-    row.Add(key + "_bus", label + " bus", number(&Binding::bus));
-    row.Add(key + "_target", label + " target", number(&Binding::target).Shown(address), column);
-    row.Add(key + "_target_number", label + " target number", number(&Binding::targetNumber));
-    row.Add(key + "_flags", label + " flags", binding ? HexValue(binding->flags, 2) : Value(),
-            column + " FLAGS");
+    return kFields;
 }
 
-struct Names {
-    tools::Wwn portName;
-    tools::Wwn nodeName;
-    uint32_t portId = 0;
-};
-
-Record BindRow(const Port& port, const Names& names, const HX_TARGET_ENTRY* entry,
-               std::optional<size_t> slot, const std::optional<Binding>& live) {
-    const bool named = !names.nodeName.IsZero();
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()));
-    row.Add("target_wwn", "Target", named ? Value::Name(names.portName) : Value(), "TARGET");
-    row.Add("node_wwn", "Node name", named ? Value::Name(names.nodeName) : Value());
-    row.Add("port_id", "Port identifier", named ? HexValue(names.portId, 6) : Value(), "PORT ID");
-    row.Add("slot", "Slot", slot ? Value::Number(*slot) : Value(), "SLOT");
-    AddBinding(row, "stored", "Stored", "STORED",
-               entry != nullptr ? std::optional(BindingOf(*entry)) : std::nullopt);
-    row.Add("stored_lun_base", "Stored LUN base",
-            entry != nullptr ? Value::Number(entry->lunBase) : Value());
-    AddBinding(row, "live", "Live", "LIVE", live);
-    row.Add("status", "Status", StatusValue(port.failure));
-    return row;
+const tools::Fields<std::vector<BindRow>>& BindListFields() {
+    static const auto kFields = tools::ListOf<std::vector<BindRow>>(
+        "bindings", "Bindings", BindRowFields(), tools::ListLayout::Table, "no bindings",
+        "a binding that is in one store alone has null for the other");
+    return kFields;
 }
 
-template <class Row>
-Names NamesOf(const Row& row) {
-    return {tools::Wwn::Of(row.portName), tools::Wwn::Of(row.nodeName), PortIdOf(row.portId)};
-}
-
-std::optional<Binding> LiveBindingOf(const Port& port, const KnownTarget* known) {
-    return known != nullptr && IsBound(port, *known).value_or(false)
-               ? std::optional(BindingOf(known->record))
-               : std::nullopt;
+const HX_DEVICE_RECORD* LiveBindingOf(const Port& port, const KnownTarget* known) {
+    return known != nullptr && IsBound(port, *known).value_or(false) ? &known->record : nullptr;
 }
 
 // Stored bindings by slot, then what is bound live alone.
-void AddRows(PortTargets& targets, const StoreChoice& stores, std::vector<Record>* rows) {
+void AddBindings(PortTargets& targets, const StoreChoice& stores, std::vector<Record>* rows) {
     const Port& port = targets.OwnPort();
     std::set<std::string> listed;
+    const auto add = [&](const BindRow& row) { rows->push_back(BindRowFields().Make(row)); };
     const auto entries = RowsOf(*targets.bindings.block);
     for (size_t slot = 0; stores.registry && slot < entries.size(); ++slot) {
-        if (IsFree(entries[slot])) {
-            continue;
+        if (!IsFree(entries[slot])) {
+            const tools::Wwn name = tools::Wwn::Of(entries[slot].portName);
+            listed.insert(name.Digits());
+            add({&port, &entries[slot], slot,
+                 LiveBindingOf(port, stores.live ? targets.Known(name) : nullptr)});
         }
-        const Names names = NamesOf(entries[slot]);
-        listed.insert(names.portName.Digits());
-        const KnownTarget* known = stores.live ? targets.Known(names.portName) : nullptr;
-        rows->push_back(BindRow(port, names, &entries[slot], slot, LiveBindingOf(port, known)));
     }
     for (const KnownTarget& known : targets.known) {
-        const auto live = LiveBindingOf(port, &known);
+        const HX_DEVICE_RECORD* const live = LiveBindingOf(port, &known);
         if (stores.live && live && !listed.contains(known.PortName().Digits())) {
-            rows->push_back(BindRow(port, NamesOf(known.record), nullptr, std::nullopt, live));
+            add({&port, nullptr, 0, live});
         }
     }
 }
 
 ExitCode BindList(tools::Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
-    std::vector<Record> rows;
+    Record result = BindListFields().Prototype();
     const ExitCode exit = ListPortTargets(
         invocation,
         [&](PortTargets& targets, std::vector<Record>* into) {
@@ -115,11 +133,11 @@ ExitCode BindList(tools::Invocation& invocation) {
                 invocation.Note(targets.OwnPort().Object() +
                                 ": this driver does not tell which targets it has bound");
             }
-            AddRows(targets, stores, into);
+            AddBindings(targets, stores, into);
         },
-        [](const Port& port) { return BindRow(port, {}, nullptr, {}, {}); }, &rows);
-    invocation.Result().AddList("bindings", "Bindings", tools::ListLayout::Table,
-                                BindRow({}, {}, nullptr, {}, {}), "no bindings", std::move(rows));
+        [](const Port& port) { return BindRowFields().Make({&port}); },
+        &result.MainList()->records);
+    invocation.Result() = std::move(result);
     return exit;
 }
 
@@ -135,6 +153,7 @@ tools::CommandRows BindListCommands() {
             .arguments = kListArguments,
             .run = BindList,
             .example = "bind list --store registry",
+            .result = tools::ShapeOf<BindListFields>,
         },
     };
     return kCommands;

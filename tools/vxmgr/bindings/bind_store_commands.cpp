@@ -1,4 +1,5 @@
 // bind stores, clean: what is stored for ports of any driver, present or not.
+#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_blocks.h"
@@ -7,8 +8,6 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
 
 // As many driver services as can hold data of the same port.
 constexpr int kMostServices = 8;
@@ -49,20 +48,63 @@ const Port* PortNamed(const std::vector<Port>& ports, const tools::Wwn& name) {
     return nullptr;
 }
 
-Record PortRow(const tools::Wwn& name, const Port* port) {
-    Record row;
-    row.Add("port_wwn", "Port name", Value::Name(name), "PORT NAME");
-    row.Add("present", "Present", Value::Flag(port != nullptr), "PRESENT");
-    row.Add("port", "Port", port != nullptr ? Value::Number(port->index) : Value(), "PORT");
-    row.Add("serial", "Adapter", port != nullptr ? Value::Serial(port->Serial()) : Value(),
-            "ADAPTER");
-    return row;
+struct StoredPort {
+    tools::Wwn name;
+    const Port* port;  // null: it is absent
+
+    bool IsPresent() const { return port != nullptr; }
+    std::optional<uint32_t> Index() const {
+        return port ? std::optional(port->index) : std::nullopt;
+    }
+    std::optional<uint32_t> ScsiPort() const { return port ? port->scsiPort : std::nullopt; }
+    std::string Serial() const { return port ? port->Serial() : ""; }
+};
+
+struct StoredData {
+    std::vector<StoredPort> ports;
+    std::vector<tools::Wwn> targets;
+};
+
+struct CleanedPort {
+    tools::Wwn name;
+    const char* outcome;
+};
+
+using CleanedPorts = std::vector<CleanedPort>;
+
+const tools::Fields<StoredData>& BindStoresFields() {
+    constexpr auto kSerialOrNull = tools::kSerial.OrNull();
+    static const tools::Fields<StoredPort> kPorts = {
+        {"port_wwn", "Port name", "PORT NAME", tools::kWwn, &StoredPort::name},
+        {"present", "Present", "PRESENT", tools::kFlag, &StoredPort::IsPresent},
+        {"port", "Port", "PORT", tools::kInteger.OrNull(), &StoredPort::Index},
+        {"scsi_port", "", tools::kInteger.OrNull(), &StoredPort::ScsiPort},
+        {"adapter_serial", "", kSerialOrNull, &StoredPort::Serial},
+        {"serial", "Adapter", "ADAPTER", kSerialOrNull, &StoredPort::Serial},
+    };
+    static const tools::Fields<tools::Wwn> kTargets = {
+        {"node_wwn", "Node name", "TARGET NODE NAME", tools::kWwn, std::identity()},
+    };
+    static const tools::Fields<StoredData> kFields = {
+        {"ports", "Ports", kPorts, &StoredData::ports, tools::ListLayout::Table,
+         "nothing is stored", "ports that have stored data, of any driver"},
+        {"targets", "Targets", kTargets, &StoredData::targets, tools::ListLayout::Table, "",
+         "targets in any port's stored data"},
+    };
+    return kFields;
 }
 
-Record TargetRow(const tools::Wwn& name) {
-    Record row;
-    row.Add("node_wwn", "Node name", Value::Name(name), "TARGET NODE NAME");
-    return row;
+const tools::Fields<CleanedPorts>& BindCleanFields() {
+    static constexpr const char* kOutcomes[] = {"planned", "deleted", "failed"};
+    static const tools::Fields<CleanedPort> kPorts = {
+        {"port_wwn", "Port name", "PORT NAME", tools::kWwn, &CleanedPort::name},
+        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), &CleanedPort::outcome},
+    };
+    static const tools::Fields<CleanedPorts> kFields = {
+        {"ports", "Ports", kPorts, std::identity(), tools::ListLayout::Table,
+         "nothing is stored for an absent port"},
+    };
+    return kFields;
 }
 
 // Ports of which the name is not known could be any of those in the store.
@@ -158,34 +200,19 @@ tools::Question QuestionAbout(const std::vector<tools::Wwn>& names) {
     return question;
 }
 
-Record CleanRow(const tools::Wwn& name, const char* outcome) {
-    Record row;
-    row.Add("port_wwn", "Port name", Value::Name(name), "PORT NAME");
-    row.Add("outcome", "Outcome", Value::Text(outcome), "OUTCOME");
-    return row;
-}
-
 ExitCode BindStores(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
-    std::vector<Record> rows;
+    StoredData data;
     for (const tools::Wwn& name :
          StoredNames(invocation, HXGetPersistentDeviceEntryList, "ports with stored data")) {
-        rows.push_back(PortRow(name, PortNamed(ports, name)));
+        data.ports.push_back({name, PortNamed(ports, name)});
     }
-    std::vector<Record> targets;
-    for (const tools::Wwn& name :
-         StoredNames(invocation, HXGetPersistentTargetEntryList, "stored targets")) {
-        targets.push_back(TargetRow(name));
-    }
+    data.targets = StoredNames(invocation, HXGetPersistentTargetEntryList, "stored targets");
     if (const Port* nameless = FirstNameless(ports)) {
         invocation.Warn(nameless->Object() +
                         ": the port's name cannot be read: it may be shown as absent");
     }
-    Record& result = invocation.Result();
-    result.AddList("ports", "Ports", tools::ListLayout::Table, PortRow({}, nullptr),
-                   "nothing is stored", std::move(rows));
-    result.AddList("targets", "Targets", tools::ListLayout::Table, TargetRow({}), "",
-                   std::move(targets));
+    invocation.Result() = BindStoresFields().Make(data);
     return ExitCode::Done;
 }
 
@@ -197,18 +224,17 @@ ExitCode BindClean(tools::Invocation& invocation) {
     if (!names.empty() && !invocation.DryRun()) {
         invocation.Confirm(QuestionAbout(names));
     }
-    std::vector<Record> rows;
+    CleanedPorts rows;
     size_t failures = 0;
     for (const tools::Wwn& name : names) {
         invocation.CheckStop();
         const bool planned = invocation.DryRun();
         const bool deleted = planned || Delete(invocation, name);
         failures += deleted ? 0 : 1;
-        rows.push_back(CleanRow(name, planned ? "planned" : deleted ? "deleted" : "failed"));
+        rows.push_back({name, planned ? "planned" : deleted ? "deleted" : "failed"});
     }
     const bool all = failures == rows.size();
-    invocation.Result().AddList("ports", "Ports", tools::ListLayout::Table, CleanRow({}, ""),
-                                "nothing is stored for an absent port", std::move(rows));
+    invocation.Result() = BindCleanFields().Make(rows);
     if (names.empty()) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -228,6 +254,7 @@ tools::CommandRows BindStoreCommands() {
             .schema = "bind.stores",
             .run = BindStores,
             .example = "bind stores",
+            .result = tools::ShapeOf<BindStoresFields>,
         },
         {
             .path = "bind clean",
@@ -237,6 +264,7 @@ tools::CommandRows BindStoreCommands() {
             .arguments = kCleanArguments,
             .run = BindClean,
             .example = "bind clean 21:00:02:45:4d:00:09:00",
+            .result = tools::ShapeOf<BindCleanFields>,
         },
     };
     return kCommands;

@@ -7,7 +7,6 @@ namespace vxmgr {
 
 tools::CommandRows BindListCommands();
 tools::CommandRows BindChangeCommands();
-tools::CommandRows BindApplyCommands();
 tools::CommandRows BindTransferCommands();
 tools::CommandRows BindStoreCommands();
 tools::CommandRows LunmaskCommands();

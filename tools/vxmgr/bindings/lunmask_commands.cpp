@@ -1,8 +1,9 @@
 #include "vxmgr/bindings/commands.h"
 
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/lunmask_live.h"
-#include "vxmgr/bindings/store_choice.h"
+#include "vxmgr/bindings/store_live.h"
+#include "vxmgr/bindings/store_steps.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_records.h"
 #include "vxmgr/targets/target_select.h"
@@ -21,58 +22,88 @@ constexpr tools::Argument kChangeArguments[] = {
     kStoreArgument,
 };
 
-// The masks of a target; a store that was not asked for gives nothing.
-struct Masks {
-    std::optional<LunSet> live;
-    std::optional<LunSet> stored;
+// The masks of a target; a store that was not asked for gives nothing. Of a port that cannot be
+// read all but the port is missing.
+struct MaskRow {
+    const Port* port;
+    tools::Wwn portName{};
+    tools::Wwn nodeName{};
+    std::optional<LunSet> live{};
+    std::optional<LunSet> stored{};
+
+    std::string Serial() const { return port->Serial(); }
 };
 
-Record MaskRow(const Port& port, const tools::Wwn& name, const tools::Wwn& node,
-               const Masks& masks) {
-    const bool named = !node.IsZero();
-    const auto count = [](const std::optional<LunSet>& masked) {
-        return masked ? Value::Number(masked->count()) : Value();
+// A target without a node name is none.
+template <auto name>
+std::optional<tools::Wwn> NameIn(const MaskRow& row) {
+    return row.nodeName.IsZero() ? std::nullopt : std::optional(row.*name);
+}
+
+template <auto mask>
+Value LunsIn(const MaskRow& row) {
+    return row.*mask ? LunsValue(*(row.*mask)) : Value();
+}
+
+template <auto mask>
+std::optional<size_t> CountIn(const MaskRow& row) {
+    return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
+}
+
+const tools::Fields<MaskRow>& MaskFields() {
+    constexpr auto kTextOrNull = tools::kText.OrNull();
+    constexpr auto kNumberOrNull = tools::kInteger.OrNull();
+    static const tools::Fields<MaskRow> kFields = {
+        {PortKeys(), &MaskRow::port},
+        {"serial", "Adapter", tools::kSerial.OrNull(), &MaskRow::Serial},
+        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(), NameIn<&MaskRow::portName>,
+         "port name; null in the row of a port that failed"},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
+        {"masked_live", "Masked live", "MASKED LIVE", kTextOrNull, LunsIn<&MaskRow::live>,
+         "LUNs as in 0-7,12; empty when none is masked, null when there is no mask"},
+        {"masked_live_count", "LUNs masked live", kNumberOrNull, CountIn<&MaskRow::live>},
+        {"masked_stored", "Masked in the store", "MASKED IN THE STORE", kTextOrNull,
+         LunsIn<&MaskRow::stored>},
+        {"masked_stored_count", "LUNs masked in the store", kNumberOrNull,
+         CountIn<&MaskRow::stored>},
+        {"status", "Status", kTextOrNull,
+         [](const MaskRow& row) { return StatusValue(row.port->failure); }},
     };
-    const auto luns = [](const std::optional<LunSet>& masked) {
-        return masked ? LunsValue(*masked) : Value();
-    };
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()));
-    row.Add("target_wwn", "Target", named ? Value::Name(name) : Value(), "TARGET");
-    row.Add("node_wwn", "Node name", named ? Value::Name(node) : Value());
-    row.Add("masked_live", "Masked live", luns(masks.live), "MASKED LIVE");
-    row.Add("masked_live_count", "LUNs masked live", count(masks.live));
-    row.Add("masked_stored", "Masked in the store", luns(masks.stored), "MASKED IN THE STORE");
-    row.Add("masked_stored_count", "LUNs masked in the store", count(masks.stored));
-    row.Add("status", "Status", StatusValue(port.failure));
-    return row;
+    return kFields;
+}
+
+const tools::Fields<std::vector<MaskRow>>& MaskListFields() {
+    static const auto kFields = tools::ListOf<std::vector<MaskRow>>(
+        "masks", "LUN masks", MaskFields(), tools::ListLayout::Table, "no LUN masks");
+    return kFields;
 }
 
 // Targets that the driver knows, then those that are stored alone.
-void AddRows(tools::Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
-             std::vector<Record>* rows) {
+void AddMasks(tools::Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
+              std::vector<Record>* rows) {
     const Port& port = targets.OwnPort();
     const auto chosen = invocation.Given().Has("target")
                             ? FindTarget(targets, GivenAddress(invocation, "target"))
                             : std::nullopt;
-    const auto isWanted = [&](const tools::Wwn& name) {
-        return !invocation.Given().Has("target") || (chosen && chosen->portName == name);
+    const auto addWanted = [&](const MaskRow& row) {
+        if (!invocation.Given().Has("target") || (chosen && chosen->portName == row.portName)) {
+            rows->push_back(MaskFields().Make(row));
+        }
     };
     for (const KnownTarget& known : targets.known) {
         const tools::Wwn name = known.PortName();
-        const Masks masks{stores.live ? LiveMaskOf(targets, known) : std::nullopt,
+        const MaskRow row{&port, name, known.NodeName(),
+                          stores.live ? LiveMaskOf(targets, known) : std::nullopt,
                           stores.registry ? StoredMaskOf(targets, name) : std::nullopt};
-        if (isWanted(name) && (masks.live || masks.stored || stores.live)) {
-            rows->push_back(MaskRow(port, name, known.NodeName(), masks));
+        if (row.live || row.stored || stores.live) {
+            addWanted(row);
         }
     }
     for (const HX_LUN_RECORD& record : RowsOf(*targets.masks.block)) {
         const tools::Wwn name = tools::Wwn::Of(record.portName);
-        if (stores.registry && !IsFree(record) && targets.Known(name) == nullptr &&
-            isWanted(name)) {
-            rows->push_back(MaskRow(port, name, tools::Wwn::Of(record.nodeName),
-                                    {std::nullopt, StoredMaskOf(targets, name)}));
+        if (stores.registry && !IsFree(record) && targets.Known(name) == nullptr) {
+            addWanted({&port, name, tools::Wwn::Of(record.nodeName), std::nullopt,
+                       StoredMaskOf(targets, name)});
         }
     }
 }
@@ -98,14 +129,14 @@ LunSet WithinLimit(tools::Invocation& invocation, const Port& port, const LunSet
                     "leave out " + LunsText(luns & ~limit));
 }
 
-LunSet Changed(const LunSet& masked, const LunSet& luns, bool allow) {
+LunSet ChangedMask(const LunSet& masked, const LunSet& luns, bool allow) {
     return allow ? masked & ~luns : masked | luns;
 }
 
 // The block that the driver reads at its start: the one that HXSetLunData writes. A target without
 // a record begins as the driver has it now, so that its next start changes nothing else.
-void ChangeStored(tools::Invocation& invocation, PortTargets& targets, const ChosenTarget& target,
-                  const LunSet& luns, bool allow, Steps& steps) {
+void ChangeStoredMask(tools::Invocation& invocation, PortTargets& targets,
+                      const ChosenTarget& target, const LunSet& luns, bool allow, Steps& steps) {
     HX_LUN_DATA& block = *targets.masks.block;
     HX_LUN_RECORD* record = FindRow(block, target.portName);
     const bool isNew = record == nullptr;
@@ -123,7 +154,7 @@ void ChangeStored(tools::Invocation& invocation, PortTargets& targets, const Cho
         SetMasked(live.value_or(LunSet()), *record);
     }
     const LunSet before = MaskedOf(*record);
-    const LunSet after = Changed(before, luns, allow);
+    const LunSet after = ChangedMask(before, luns, allow);
     if (!isNew && before == after) {
         steps.Add(kInRegistry, target.portName, Outcome::Unchanged, MaskText(after));
         return;
@@ -139,8 +170,8 @@ void ChangeStored(tools::Invocation& invocation, PortTargets& targets, const Cho
                (isNew ? "no mask" : MaskText(before)) + " -> " + MaskText(after));
 }
 
-void ChangeLive(tools::Invocation& invocation, const PortTargets& targets,
-                const ChosenTarget& target, const LunSet& luns, bool allow, Steps& steps) {
+void ChangeLiveMask(tools::Invocation& invocation, const PortTargets& targets,
+                    const ChosenTarget& target, const LunSet& luns, bool allow, Steps& steps) {
     LunSet before;
     const HX_STATUS status =
         ReadLiveMask(targets.OwnPort(), targets.Handle(), target.portName, &before);
@@ -152,10 +183,11 @@ void ChangeLive(tools::Invocation& invocation, const PortTargets& targets,
         steps.Tried(kLive, target.portName, status, "the mask cannot be read");
         return;
     }
-    MaskLive(invocation, targets, target.portName, Changed(before, luns, allow), steps);
+    MaskLive(invocation, targets, target.portName, ChangedMask(before, luns, allow), steps);
 }
 
-ExitCode Change(tools::Invocation& invocation, bool allow) {
+template <bool allow>
+ExitCode ChangeMask(tools::Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
     const LunSet given = GivenLuns(invocation);
@@ -168,32 +200,32 @@ ExitCode Change(tools::Invocation& invocation, bool allow) {
             "Hide LUNs " + LunsText(luns) + " of target " + target.Text() + " from this host.",
             "I/O to them stops."));
     }
-    Steps steps(invocation, targets.OwnPort().Object());
+    Steps steps(invocation, targets.OwnPort());
     if (stores.registry) {
-        ChangeStored(invocation, targets, target, luns, allow, steps);
+        ChangeStoredMask(invocation, targets, target, luns, allow, steps);
     }
     if (stores.live) {
-        ChangeLive(invocation, targets, target, luns, allow, steps);
+        ChangeLiveMask(invocation, targets, target, luns, allow, steps);
     }
-    return steps.Finish();
+    return steps.FinishResult();
 }
 
 ExitCode LunMaskShow(tools::Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
-    std::vector<Record> rows;
+    Record result = MaskListFields().Prototype();
+    std::vector<Record>& rows = result.MainList()->records;
     const ExitCode exit = ListPortTargets(
         invocation,
         [&](PortTargets& targets, std::vector<Record>* into) {
             if (stores.registry) {
                 TellState(invocation, targets.OwnPort(), targets.masks.state, "LUN masks");
             }
-            AddRows(invocation, targets, stores, into);
+            AddMasks(invocation, targets, stores, into);
         },
-        [](const Port& port) { return MaskRow(port, {}, {}, {}); }, &rows);
+        [](const Port& port) { return MaskFields().Make({&port}); }, &rows);
     const bool none = rows.empty() && invocation.Given().Has("target");
-    invocation.Result().AddList("masks", "LUN masks", tools::ListLayout::Table,
-                                MaskRow({}, {}, {}, {}), "no LUN masks", std::move(rows));
+    invocation.Result() = std::move(result);
     if (none) {
         invocation.Fail(
             ExitCode::NotFound,
@@ -201,14 +233,6 @@ ExitCode LunMaskShow(tools::Invocation& invocation) {
             "see `target list`");
     }
     return exit;
-}
-
-ExitCode LunMaskAllow(tools::Invocation& invocation) {
-    return Change(invocation, true);
-}
-
-ExitCode LunMaskDeny(tools::Invocation& invocation) {
-    return Change(invocation, false);
 }
 
 }  // namespace
@@ -223,6 +247,7 @@ tools::CommandRows LunmaskCommands() {
             .arguments = kShowArguments,
             .run = LunMaskShow,
             .example = "lunmask show -p scsi:3",
+            .result = tools::ShapeOf<MaskListFields>,
         },
         {
             .path = "lunmask allow",
@@ -230,8 +255,9 @@ tools::CommandRows LunmaskCommands() {
             .help = "let the host see LUNs of a target",
             .schema = "lunmask.change",
             .arguments = kChangeArguments,
-            .run = LunMaskAllow,
+            .run = ChangeMask<true>,
             .example = "lunmask allow 0-7,12 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
         },
         {
             .path = "lunmask deny",
@@ -239,8 +265,9 @@ tools::CommandRows LunmaskCommands() {
             .help = "hide LUNs of a target from the host",
             .schema = "lunmask.change",
             .arguments = kChangeArguments,
-            .run = LunMaskDeny,
+            .run = ChangeMask<false>,
             .example = "lunmask deny 3 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+            .result = tools::ShapeOf<StoreChangeFields>,
         },
     };
     return kCommands;

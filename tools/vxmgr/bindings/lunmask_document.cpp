@@ -1,21 +1,32 @@
-#include "vxmgr/bindings/lunmask_document.h"
+#include "vxmgr/bindings/store_document.h"
 
-#include <cstring>
-
-#include "common/text.h"
 #include "vxmgr/bindings/lunmask_luns.h"
-#include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_rows.h"
 
 namespace vxmgr {
 namespace {
 
-constexpr char kKind[] = "vxmgr.lun_masks";
+constexpr const char* kMasksKind[] = {"vxmgr.lun_masks"};
 constexpr uint8_t kOtherBits = static_cast<uint8_t>(~HX_LUN_MASKED);
 
-// Runs of LUNs with the same other bits; those without any are left out.
-DocumentJson OtherBits(const HX_LUN_RECORD& record) {
-    DocumentJson runs = DocumentJson::array();
+// LUNs one after the other with the same other bits.
+struct BitRun {
+    LunRange luns;
+    uint8_t bits;
+};
+
+const tools::Fields<BitRun>& BitRunFields() {
+    static const tools::Fields<BitRun> kFields = {
+        {"luns", "", tools::kText, [](const BitRun& run) { return RangeText(run.luns); }},
+        {"bits", "", tools::kText, [](const BitRun& run) { return tools::Hex(run.bits, 2); },
+         "0x01 to 0x7f"},
+    };
+    return kFields;
+}
+
+// Those without any other bits are left out.
+std::optional<std::vector<BitRun>> BitRunsOf(const HX_LUN_RECORD& record) {
+    std::vector<BitRun> runs;
     for (uint32_t first = 0; first < HX_MAX_LUNS;) {
         const uint8_t bits = record.luns[first] & kOtherBits;
         uint32_t last = first;
@@ -23,21 +34,11 @@ DocumentJson OtherBits(const HX_LUN_RECORD& record) {
             ++last;
         }
         if (bits != 0) {
-            runs.push_back({{"luns", RangeText({first, last})}, {"bits", tools::Hex(bits, 2)}});
+            runs.push_back({{first, last}, bits});
         }
         first = last + 1;
     }
-    return runs;
-}
-
-DocumentJson JsonOf(size_t slot, const HX_LUN_RECORD& record) {
-    DocumentJson row = RowHead(slot, record);
-    row["masked"] = LunsText(MaskedOf(record));
-    if (DocumentJson runs = OtherBits(record); !runs.empty()) {
-        row["other_bits"] = std::move(runs);
-    }
-    PutBytes(row, "reserved16", record.reserved16);
-    return row;
+    return runs.empty() ? std::nullopt : std::optional(std::move(runs));
 }
 
 LunSet ReadLuns(const DocumentObject& object, const char* key) {
@@ -50,17 +51,14 @@ LunSet ReadLuns(const DocumentObject& object, const char* key) {
     return luns;
 }
 
-void ReadRow(const DocumentObject& row, HX_LUN_RECORD& record) {
-    row.Close({"slot", "target_wwn", "node_wwn", "free", "masked", "other_bits", "reserved16"});
-    SetMasked(ReadLuns(row, "masked"), record);
-    row.Bytes("reserved16", record.reserved16);
+void ReadBitRuns(const DocumentObject& row, HX_LUN_RECORD& record) {
     if (!row.Has("other_bits")) {
         return;
     }
     LunSet seen;
-    for (const DocumentJson& json : row.Array("other_bits")) {
-        const DocumentObject run(json, "a member of other_bits");
-        run.Close({"luns", "bits"});
+    const tools::Shape known = BitRunFields().ShapeOfAll();
+    for (const DocumentObject& run : row.Objects("other_bits")) {
+        run.Close(known);
         const LunSet luns = ReadLuns(run, "luns");
         const auto bits = static_cast<uint8_t>(run.Hex("bits", kOtherBits));
         if ((seen & luns).any()) {
@@ -73,29 +71,46 @@ void ReadRow(const DocumentObject& row, HX_LUN_RECORD& record) {
     }
 }
 
+const StoredDocument<HX_LUN_DATA>& MasksDocument() {
+    using Block = HX_LUN_DATA;
+    using Record = HX_LUN_RECORD;
+    static const StoredDocument<Block> kDocument(
+        kMasksKind,
+        {
+            NumberField("format", &Block::version, "stored form: 1 holds LUNs 0 to 255, 2 all"),
+            NumberField("count", &Block::count, "rows in use, free ones among them: 0 to 256",
+                        HX_MAX_TARGETS),
+            BytesField("reserved4", &Block::reserved4),
+        },
+        {
+            {{"masked", "", tools::kText,
+              [](const Record& record) { return LunsText(MaskedOf(record)); },
+              "LUNs as in 0-7,12; empty when none is masked"},
+             [](const DocumentObject& row, Record& record) {
+                 SetMasked(ReadLuns(row, "masked"), record);
+             }},
+            {{"other_bits", "", BitRunFields(), BitRunsOf, tools::ListLayout::Table, "",
+              "the other bits of the LUN bytes; left out when they are zero"},
+             ReadBitRuns},
+            BytesField("reserved16", &Record::reserved16),
+        },
+        // Only the rows that are counted are stored.
+        [](const Block& block) { return size_t{block.count}; });
+    return kDocument;
+}
+
 }  // namespace
 
+tools::Shape LunMaskDocumentShape() {
+    return MasksDocument().Shape();
+}
+
 std::string LunMaskDocument(const DocumentPort& port, const HX_LUN_DATA& block) {
-    DocumentJson document = DocumentHead(kKind, port);
-    document["format"] = block.version;
-    document["count"] = block.count;
-    PutBytes(document, "reserved4", block.reserved4);
-    PutRows(document, block, JsonOf);
-    return DocumentText(document);
+    return MasksDocument().Write(port, block);
 }
 
 DocumentPort ReadLunMaskDocument(std::string_view text, HX_LUN_DATA* block) {
-    const DocumentJson json = ParseDocument(text);
-    const DocumentObject document(json, "the document");
-    const DocumentPort port = CheckDocumentHead(document, kKind);
-    document.Close({"document", "version", "port", "format", "count", "reserved4", "targets"});
-    std::memset(block, 0, sizeof *block);
-    block->version = static_cast<uint16_t>(document.Number("format", UINT16_MAX));
-    block->count = static_cast<uint16_t>(document.Number("count", HX_MAX_TARGETS));
-    document.Bytes("reserved4", block->reserved4);
-    // Only the rows that are counted are stored.
-    ReadRows(document, *block, block->count, ReadRow);
-    return port;
+    return MasksDocument().Read(text, block);
 }
 
 }  // namespace vxmgr

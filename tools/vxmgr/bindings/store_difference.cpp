@@ -2,12 +2,16 @@
 
 #include "common/text.h"
 #include "vxmgr/app/port_id.h"
-#include "vxmgr/bindings/bind_document.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
+#include "vxmgr/bindings/store_document.h"
 
 namespace vxmgr {
 namespace {
+
+constexpr char kAdded[] = "added";
+constexpr char kRemoved[] = "removed";
+constexpr char kChanged[] = "changed";
 
 struct NamedPart {
     const char* name;
@@ -64,7 +68,7 @@ std::vector<DifferenceRow> Compare(const Block& before, const Block& after) {
     std::vector<DifferenceRow> rows;
     for (const auto& row : RowsOf(before)) {
         if (!IsFree(row) && FindRow(after, tools::Wwn::Of(row.portName)) == nullptr) {
-            rows.push_back(Difference("removed", row, Described(row)));
+            rows.push_back(Difference(kRemoved, row, Described(row)));
         }
     }
     for (const auto& row : RowsOf(after)) {
@@ -73,9 +77,9 @@ std::vector<DifferenceRow> Compare(const Block& before, const Block& after) {
         }
         const auto* old = FindRow(before, tools::Wwn::Of(row.portName));
         if (old == nullptr) {
-            rows.push_back(Difference("added", row, Described(row)));
+            rows.push_back(Difference(kAdded, row, Described(row)));
         } else if (!SameBytes(*old, row)) {
-            rows.push_back(Difference("changed", row, Compared(*old, row)));
+            rows.push_back(Difference(kChanged, row, Compared(*old, row)));
         }
     }
     return rows;
@@ -92,14 +96,15 @@ std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN
     return Compare(before, after);
 }
 
-tools::Record RecordOf(const DifferenceRow& row) {
-    using tools::Value;
-    tools::Record record;
-    record.Add("action", "Action", Value::TextOrNull(row.action), "ACTION");
-    record.Add("target_wwn", "Target", Value::Name(row.target), "TARGET");
-    record.Add("node_wwn", "Node name", Value::Name(row.node));
-    record.Add("what", "What", Value::TextOrNull(row.what), "WHAT");
-    return record;
+const tools::Fields<DifferenceRow>& DifferenceFields() {
+    static constexpr const char* kActions[] = {kAdded, kRemoved, kChanged};
+    static const tools::Fields<DifferenceRow> kFields = {
+        {"action", "Action", "ACTION", tools::Choice(kActions), &DifferenceRow::action},
+        {"target_wwn", "Target", "TARGET", tools::kWwn, &DifferenceRow::target},
+        {"node_wwn", "Node name", tools::kWwn, &DifferenceRow::node},
+        {"what", "What", "WHAT", tools::kText.OrNull(), &DifferenceRow::what},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr

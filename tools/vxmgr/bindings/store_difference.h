@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "hxmgtapi.h"
 
 namespace vxmgr {
@@ -19,6 +19,6 @@ struct DifferenceRow {
 std::vector<DifferenceRow> DifferencesOf(const HX_TARGET_DATA& before, const HX_TARGET_DATA& after);
 std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN_DATA& after);
 
-tools::Record RecordOf(const DifferenceRow& row);
+const tools::Fields<DifferenceRow>& DifferenceFields();
 
 }  // namespace vxmgr

@@ -1,42 +1,44 @@
 #include "vxmgr/bindings/store_document.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
-#include <vector>
 
 #include "common/text.h"
 
 namespace vxmgr {
 namespace {
 
+using Json = nlohmann::ordered_json;
+
+constexpr int kVersions[] = {1};
+
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
 }
 
-}  // namespace
-
-DocumentJson ParseDocument(std::string_view text) {
+Json ParseOnce(std::string_view text) {
     std::vector<std::set<std::string>> keys;
     std::string twice;
-    const auto watch = [&](int, DocumentJson::parse_event_t event, DocumentJson& parsed) {
-        if (event == DocumentJson::parse_event_t::object_start) {
+    const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
+        if (event == Json::parse_event_t::object_start) {
             keys.emplace_back();
-        } else if (event == DocumentJson::parse_event_t::object_end) {
+        } else if (event == Json::parse_event_t::object_end) {
             keys.pop_back();
-        } else if (event == DocumentJson::parse_event_t::key &&
+        } else if (event == Json::parse_event_t::key &&
                    !keys.back().insert(parsed.get<std::string>()).second && twice.empty()) {
             twice = parsed.get<std::string>();
         }
         return true;
     };
     try {
-        DocumentJson document = DocumentJson::parse(text.begin(), text.end(), watch);
+        Json document = Json::parse(text.begin(), text.end(), watch);
         if (!twice.empty()) {
             throw DocumentError{"the key " + Quoted(twice) + " stands twice in an object"};
         }
         return document;
-    } catch (const DocumentJson::exception& error) {
+    } catch (const Json::exception& error) {
         // The name of the error in brackets comes first.
         const std::string what = error.what();
         const size_t bracket = what.find("] ");
@@ -45,9 +47,35 @@ DocumentJson ParseDocument(std::string_view text) {
     }
 }
 
-DocumentObject::DocumentObject(const DocumentJson& json, std::string place)
-    : json_(json), place_(std::move(place)) {
-    if (!json.is_object()) {
+const tools::Fields<DocumentPort>& DocumentPortFields() {
+    static const tools::Fields<DocumentPort> kFields = {
+        {"port_wwn", "", tools::kText, [](const DocumentPort& p) { return p.portName.Digits(); }},
+        {"node_wwn", "", tools::kText, [](const DocumentPort& p) { return p.nodeName.Digits(); }},
+        {"serial", "", tools::kText, &DocumentPort::serial},
+    };
+    return kFields;
+}
+
+}  // namespace
+
+struct DocumentObject::Part {
+    std::shared_ptr<const Json> whole;  // what is inside a document keeps the whole of it
+    const Json& json;
+};
+
+DocumentObject::DocumentObject(std::string_view text) : place_("the document") {
+    const auto whole = std::make_shared<const Json>(ParseOnce(text));
+    part_ = std::make_shared<const Part>(Part{whole, *whole});
+    CheckObject();
+}
+
+DocumentObject::DocumentObject(const Part& part, std::string place)
+    : part_(std::make_shared<const Part>(part)), place_(std::move(place)) {
+    CheckObject();
+}
+
+void DocumentObject::CheckObject() const {
+    if (!part_->json.is_object()) {
         throw DocumentError{place_ + " is no object"};
     }
 }
@@ -56,16 +84,20 @@ void DocumentObject::Fail(const std::string& key, const std::string& text) const
     throw DocumentError{place_ + ": " + key + " " + text};
 }
 
-const DocumentJson& DocumentObject::Member(const char* key) const {
-    const auto found = json_.find(key);
-    if (found == json_.end()) {
+bool DocumentObject::Has(const char* key) const {
+    return part_->json.contains(key);
+}
+
+DocumentObject::Part DocumentObject::Member(const char* key) const {
+    const auto found = part_->json.find(key);
+    if (found == part_->json.end()) {
         Fail(key, "is missing");
     }
-    return *found;
+    return {part_->whole, *found};
 }
 
 uint64_t DocumentObject::Number(const char* key, uint64_t most) const {
-    const DocumentJson& member = Member(key);
+    const Json& member = Member(key).json;
     if (!member.is_number_unsigned() || member.get<uint64_t>() > most) {
         Fail(key, "is no number from 0 to " + std::to_string(most));
     }
@@ -73,7 +105,7 @@ uint64_t DocumentObject::Number(const char* key, uint64_t most) const {
 }
 
 std::string DocumentObject::Text(const char* key) const {
-    const DocumentJson& member = Member(key);
+    const Json& member = Member(key).json;
     if (!member.is_string()) {
         Fail(key, "is no text");
     }
@@ -84,10 +116,11 @@ bool DocumentObject::Flag(const char* key) const {
     if (!Has(key)) {
         return false;
     }
-    if (!Member(key).is_boolean()) {
+    const Json& member = Member(key).json;
+    if (!member.is_boolean()) {
         Fail(key, "is neither true nor false");
     }
-    return Member(key).get<bool>();
+    return member.get<bool>();
 }
 
 tools::Wwn DocumentObject::Name(const char* key) const {
@@ -116,57 +149,54 @@ void DocumentObject::Bytes(const char* key, std::span<uint8_t> field) const {
     std::copy(bytes.begin(), bytes.end(), field.begin());
 }
 
-const DocumentJson& DocumentObject::Array(const char* key) const {
-    const DocumentJson& member = Member(key);
-    if (!member.is_array()) {
-        Fail(key, "is no list");
-    }
-    return member;
-}
-
 DocumentObject DocumentObject::Object(const char* key) const {
     return DocumentObject(Member(key), place_ + "." + key);
 }
 
-void DocumentObject::Close(std::initializer_list<std::string_view> known) const {
-    for (const auto& [key, value] : json_.items()) {
-        if (std::find(known.begin(), known.end(), key) == known.end()) {
+std::vector<DocumentObject> DocumentObject::Objects(const char* key) const {
+    const Part list = Member(key);
+    if (!list.json.is_array()) {
+        Fail(key, "is no list");
+    }
+    std::vector<DocumentObject> objects;
+    for (const Json& json : list.json) {
+        const std::string place = std::string(key) + "[" + std::to_string(objects.size()) + "]";
+        objects.push_back(DocumentObject({list.whole, json}, place));
+    }
+    return objects;
+}
+
+void DocumentObject::Close(const tools::Shape& known) const {
+    for (const auto& [key, value] : part_->json.items()) {
+        const auto isIt = [&name = key](const tools::FieldShape& field) {
+            return name == field.key;
+        };
+        if (std::none_of(known.begin(), known.end(), isIt)) {
             Fail(Quoted(key), "is no key of it");
         }
     }
 }
 
-DocumentJson DocumentHead(const char* kind, const DocumentPort& port) {
-    DocumentJson document;
-    document["document"] = kind;
-    document["version"] = kDocumentVersion;
-    document["port"] = {{"port_wwn", port.portName.Digits()},
-                        {"node_wwn", port.nodeName.Digits()},
-                        {"serial", port.serial}};
-    return document;
+tools::Fields<DocumentPort> DocumentHeadFields(DocumentKind kind) {
+    const tools::FieldType version{.base = tools::FieldType::Base::Integer, .numbers = kVersions};
+    return {
+        {"document", "", tools::Choice(kind), [kind](const DocumentPort&) { return kind.front(); }},
+        {"version", "", version, [](const DocumentPort&) { return kVersions[0]; }},
+        {"port", "", DocumentPortFields(), [](const DocumentPort& port) { return &port; },
+         "the adapter port that the data was stored for", tools::kGroup},
+    };
 }
 
-DocumentPort CheckDocumentHead(const DocumentObject& document, const char* kind) {
-    if (const std::string found = document.Text("document"); found != kind) {
-        document.Fail("document", Quoted(found) + " is not " + Quoted(kind));
+DocumentPort ReadDocumentHead(const DocumentObject& document, DocumentKind kind) {
+    if (const std::string found = document.Text("document"); found != kind.front()) {
+        document.Fail("document", Quoted(found) + " is not " + Quoted(kind.front()));
     }
-    if (const uint64_t version = document.Number("version", UINT32_MAX);
-        version != kDocumentVersion) {
+    if (const uint64_t version = document.Number("version", UINT32_MAX); version != kVersions[0]) {
         document.Fail("version", std::to_string(version) + " is not known; 1 is");
     }
     const DocumentObject port = document.Object("port");
-    port.Close({"port_wwn", "node_wwn", "serial"});
+    port.Close(DocumentPortFields().ShapeOfAll());
     return {port.Name("port_wwn"), port.Name("node_wwn"), port.Text("serial")};
-}
-
-void PutBytes(DocumentJson& object, const char* key, Bytes bytes) {
-    if (std::any_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte != 0; })) {
-        object[key] = HexDigits(bytes);
-    }
-}
-
-std::string DocumentText(const DocumentJson& document) {
-    return document.dump(2, ' ', false, DocumentJson::error_handler_t::replace) + "\n";
 }
 
 }  // namespace vxmgr

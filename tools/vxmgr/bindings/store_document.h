@@ -3,24 +3,20 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
-#include <nlohmann/json.hpp>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "common/wwn.h"
+#include "common/fields.h"
+#include "hxmgtapi.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {
 
-using DocumentJson = nlohmann::ordered_json;
-
 struct DocumentError {
     std::string text;
 };
-
-inline constexpr uint64_t kDocumentVersion = 1;
 
 // The adapter port that a document was made of.
 struct DocumentPort {
@@ -29,13 +25,11 @@ struct DocumentPort {
     std::string serial;
 };
 
-// The text as JSON; a key that stands twice in an object is an error.
-DocumentJson ParseDocument(std::string_view text);
-
 // One object: every key that is asked for is checked, and Close finds the keys that nobody knows.
 class DocumentObject {
   public:
-    DocumentObject(const DocumentJson& json, std::string place);
+    // The document itself. A key that stands twice in an object is an error.
+    explicit DocumentObject(std::string_view text);
 
     uint64_t Number(const char* key, uint64_t most) const;
     std::string Text(const char* key) const;
@@ -44,28 +38,40 @@ class DocumentObject {
     uint64_t Hex(const char* key, uint64_t most) const;
     // As many bytes as the field has, or zeros when the key is not there.
     void Bytes(const char* key, std::span<uint8_t> field) const;
-    const DocumentJson& Array(const char* key) const;
-    bool Has(const char* key) const { return json_.contains(key); }
+    bool Has(const char* key) const;
     DocumentObject Object(const char* key) const;
+    std::vector<DocumentObject> Objects(const char* key) const;  // of a list
 
-    void Close(std::initializer_list<std::string_view> known) const;
+    void Close(const tools::Shape& known) const;
 
     [[noreturn]] void Fail(const std::string& key, const std::string& text) const;
 
   private:
-    const DocumentJson& Member(const char* key) const;
+    struct Part;
 
-    const DocumentJson& json_;
+    DocumentObject(const Part& part, std::string place);
+    void CheckObject() const;
+    Part Member(const char* key) const;
+
+    std::shared_ptr<const Part> part_;
     std::string place_;
 };
 
-// Head of every document, its keys "document", "version" and "port".
-DocumentJson DocumentHead(const char* kind, const DocumentPort& port);
-DocumentPort CheckDocumentHead(const DocumentObject& document, const char* kind);
+// The keys "document", "version" and "port", with which every document begins. kind: its one name.
+using DocumentKind = std::span<const char* const, 1>;
+tools::Fields<DocumentPort> DocumentHeadFields(DocumentKind kind);
+DocumentPort ReadDocumentHead(const DocumentObject& document, DocumentKind kind);
 
-// Reserved bytes: the key is left out when they are all zero.
-void PutBytes(DocumentJson& object, const char* key, Bytes bytes);
+// A port's bound targets. The document holds every byte of the block: what is zero and has no name
+// of its own is left out. Reading throws DocumentError.
+tools::Shape BindDocumentShape();
+std::string BindDocument(const DocumentPort& port, const HX_TARGET_DATA& block);
+DocumentPort ReadBindDocument(std::string_view text, HX_TARGET_DATA* block);
 
-std::string DocumentText(const DocumentJson& document);
+// A port's LUN masks, with every byte that is stored. Masks are ranges of LUNs; the other bits of
+// the LUN bytes come as runs of equal bytes.
+tools::Shape LunMaskDocumentShape();
+std::string LunMaskDocument(const DocumentPort& port, const HX_LUN_DATA& block);
+DocumentPort ReadLunMaskDocument(std::string_view text, HX_LUN_DATA* block);
 
 }  // namespace vxmgr

@@ -12,7 +12,7 @@ bool SameAddress(const HX_DEVICE_RECORD& a, const HX_DEVICE_RECORD& b) {
     return a.bus == b.bus && a.target == b.target;
 }
 
-std::string Described(const HX_DEVICE_RECORD& device) {
+std::string PlaceText(const HX_DEVICE_RECORD& device) {
     return "bus:target " + std::to_string(device.bus) + ":" + std::to_string(device.target) +
            ", flags " + tools::Hex(device.bindingFlags, 2);
 }
@@ -61,10 +61,10 @@ void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVI
     const KnownTarget* known = targets.Known(name);
     const bool current = targets.OwnPort().IsCurrentGeneration();
     const bool sameAddress = known != nullptr && SameAddress(known->record, wanted);
-    const std::string what = "bind, " + Described(wanted);
+    const std::string what = "bind, " + PlaceText(wanted);
     // An older driver does not tell the flags, so that they are always sent.
     if (sameAddress && current && known->record.bindingFlags == wanted.bindingFlags) {
-        steps.Add(kLive, name, Outcome::Unchanged, Described(wanted));
+        steps.Add(kLive, name, Outcome::Unchanged, PlaceText(wanted));
         return;
     }
     // There the request that adds a target would mask all of its LUNs.
@@ -162,6 +162,55 @@ void ApplyBindings(tools::Invocation& invocation, PortTargets& targets, const HX
         wanted.target = entry.target;
         wanted.bindingFlags = entry.bindingFlags;
         BindLive(invocation, targets, wanted, away, steps);
+    }
+}
+
+std::string MaskText(const LunSet& masked) {
+    return "masked: " + (masked.none() ? "none" : LunsText(masked));
+}
+
+void MaskLive(tools::Invocation& invocation, const PortTargets& targets, const tools::Wwn& target,
+              const LunSet& masked, Steps& steps) {
+    const std::string what = MaskText(masked);
+    LunSet before;
+    HX_STATUS status = ReadLiveMask(targets.OwnPort(), targets.Handle(), target, &before);
+    if (status == HXMGT_SUCCESS && before == masked) {
+        steps.Add(kLive, target, Outcome::Unchanged, what);
+        return;
+    }
+    if (status == HXMGT_SUCCESS && invocation.DryRun()) {
+        steps.Done(kLive, target, MaskText(before) + " -> " + what);
+        return;
+    }
+    if (status == HXMGT_SUCCESS) {
+        status = WriteLiveMask(targets.Handle(), target, masked);
+    }
+    LunSet after;
+    if (status == HXMGT_SUCCESS &&
+        (ReadLiveMask(targets.OwnPort(), targets.Handle(), target, &after) != HXMGT_SUCCESS ||
+         after != masked)) {
+        invocation.Changed();
+        steps.Fail(kLive, target, tools::ExitCode::NotProven,
+                   "the driver took the mask, but does not show it", "see `lunmask show`");
+        return;
+    }
+    steps.Tried(kLive, target, status, MaskText(before) + " -> " + what);
+}
+
+void ApplyMasks(tools::Invocation& invocation, PortTargets& targets, const HX_LUN_DATA& block,
+                AwayTarget away, Steps& steps) {
+    for (const HX_LUN_RECORD& record : RowsOf(block)) {
+        invocation.CheckStop();
+        const tools::Wwn target = tools::Wwn::Of(record.portName);
+        if (IsFree(record)) {
+            continue;
+        }
+        if (targets.Known(target) != nullptr) {
+            const LunSet masked = MaskedOf(record) & FirstLuns(LunLimit(targets.OwnPort()));
+            MaskLive(invocation, targets, target, masked, steps);
+        } else {
+            steps.Away(target, away, WhyAway(targets));
+        }
     }
 }
 

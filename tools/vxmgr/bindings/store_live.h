@@ -1,4 +1,4 @@
-// Binding a target in the driver.
+// Binding targets and masking LUNs in the driver.
 #pragma once
 
 #include "vxmgr/bindings/bind_edit.h"
@@ -24,5 +24,15 @@ std::string SwapText(const tools::Wwn& newTarget);  // "gives its place to ..."
 // The bindings of a whole block.
 void ApplyBindings(tools::Invocation& invocation, PortTargets& targets, const HX_TARGET_DATA& block,
                    AwayTarget away, Steps& steps);
+
+// Masks these LUNs of the target and no others, and proves it by reading back, as one step.
+void MaskLive(tools::Invocation& invocation, const PortTargets& targets, const tools::Wwn& target,
+              const LunSet& masked, Steps& steps);
+
+// The masks of a whole block.
+void ApplyMasks(tools::Invocation& invocation, PortTargets& targets, const HX_LUN_DATA& block,
+                AwayTarget away, Steps& steps);
+
+std::string MaskText(const LunSet& masked);  // "masked: 3-4"
 
 }  // namespace vxmgr

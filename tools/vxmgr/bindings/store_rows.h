@@ -1,67 +1,177 @@
-// The "targets" of a document: the rows of a stored block by their slots. Rows of zeros are left
-// out; free rows with something in them are marked as free, so that no slip of the pen makes one.
+// The document of a stored block, from one table for both ways: what each member of the block and
+// of its rows is called, how it is written and how it is read. Rows are named by their slots. Rows
+// of zeros are left out; free rows with something in them are marked as free, so that no slip of
+// the pen makes one.
 #pragma once
 
+#include <functional>
+#include <limits>
 #include <set>
 
+#include "common/json_document.h"
+#include "common/text.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_document.h"
 
 namespace vxmgr {
 
-template <class Row>
-DocumentJson RowHead(size_t slot, const Row& row) {
-    DocumentJson json;
-    json["slot"] = slot;
-    json["target_wwn"] = tools::Wwn::Of(row.portName).Digits();
-    json["node_wwn"] = tools::Wwn::Of(row.nodeName).Digits();
-    if (IsFree(row)) {
-        json["free"] = true;
-    }
-    return json;
+template <class Record>
+struct StoredField {
+    tools::FieldRow<Record> written;
+    std::function<void(const DocumentObject& object, Record& record)> read;
+};
+template <class Record>
+using StoredFields = std::vector<StoredField<Record>>;
+
+template <class Record, class Number>
+StoredField<Record> NumberField(const char* key, Number Record::*member, const char* about = "",
+                                uint64_t most = std::numeric_limits<Number>::max()) {
+    return {{key, "", tools::kInteger, member, about},
+            [=](const DocumentObject& object, Record& record) {
+                record.*member = static_cast<Number>(object.Number(key, most));
+            }};
 }
 
-// jsonOf(slot, row) makes an object of a row.
-template <class Block, class JsonOf>
-void PutRows(DocumentJson& document, const Block& block, JsonOf jsonOf) {
-    DocumentJson& rows = document["targets"] = DocumentJson::array();
-    for (size_t slot = 0; slot < HX_MAX_TARGETS; ++slot) {
-        if (!IsNothing(SlotsOf(block)[slot])) {
-            rows.push_back(jsonOf(slot, SlotsOf(block)[slot]));
-        }
-    }
+// Reserved bytes: the key is left out when they are all zero.
+template <class Record, class Member>
+StoredField<Record> BytesField(const char* key, Member Record::*member) {
+    static const std::string kAbout = std::to_string(sizeof(Member)) +
+                                      " reserved bytes in hexadecimal digits; left out when zero";
+    const auto digits = [member](const Record& record) {
+        return IsNothing(record.*member) ? "" : HexDigits(BytesOf(record.*member));
+    };
+    return {{key, "", tools::kText.OrAbsent(), digits, kAbout.c_str()},
+            [=](const DocumentObject& object, Record& record) {
+                object.Bytes(key, {reinterpret_cast<uint8_t*>(&(record.*member)), sizeof(Member)});
+            }};
 }
 
-// Fills the slots of the block, of which the document may use so many; read(object, row) reads what
-// follows the head of a row. No slot and no target comes twice.
-template <class Block, class Read>
-void ReadRows(const DocumentObject& document, Block& block, size_t slots, Read read) {
-    std::set<uint64_t> usedSlots;
-    std::set<std::string> usedNames;
-    size_t position = 0;
-    for (const DocumentJson& json : document.Array("targets")) {
-        const DocumentObject object(json, "targets[" + std::to_string(position++) + "]");
-        const uint64_t slot = object.Number("slot", HX_MAX_TARGETS - 1);
-        if (slot >= slots) {
-            object.Fail("slot", std::to_string(slot) + " is beyond the count");
+template <class Record>
+tools::Fields<Record> WrittenFields(const StoredFields<Record>& fields) {
+    std::vector<tools::FieldRow<Record>> rows;
+    for (const StoredField<Record>& field : fields) {
+        rows.push_back(field.written);
+    }
+    return rows;
+}
+
+template <class Block>
+class StoredDocument {
+  public:
+    using Row = std::remove_cvref_t<decltype(SlotsOf(std::declval<Block&>()).front())>;
+
+    // usable: how many slots a document may fill, once the members of the block are read.
+    StoredDocument(DocumentKind kind, StoredFields<Block> block, StoredFields<Row> row,
+                   size_t (*usable)(const Block& block))
+        : kind_(kind),
+          blockFields_(std::move(block)),
+          rowFields_(std::move(row)),
+          usable_(usable),
+          head_(DocumentHeadFields(kind)),
+          block_(WrittenFields(blockFields_)),
+          row_(WrittenFields(rowFields_)),
+          slot_{
+              {"slot", "", tools::kInteger, &Slot::number, "place in the stored block, from 0"},
+              {"target_wwn", "", tools::kText,
+               [](const Slot& slot) { return tools::Wwn::Of(slot.row->portName).Digits(); },
+               "port name, 16 hexadecimal digits"},
+              {"node_wwn", "", tools::kText,
+               [](const Slot& slot) { return tools::Wwn::Of(slot.row->nodeName).Digits(); },
+               "node name; zeros mark a free row"},
+              {"free", "", tools::kFlag.OrAbsent(),
+               [](const Slot& slot) {
+                   return IsFree(*slot.row) ? std::optional(true) : std::nullopt;
+               },
+               "true with every node name of zeros, and with no other"},
+              {row_, &Slot::row},
+          },
+          whole_{
+              {head_, &Source::port},
+              {block_, &Source::block},
+              {"targets", "", slot_, UsedSlots},
+          } {}
+    StoredDocument(const StoredDocument&) = delete;
+    StoredDocument& operator=(const StoredDocument&) = delete;
+
+    tools::Shape Shape() const { return whole_.ShapeOfAll(); }
+
+    std::string Write(const DocumentPort& port, const Block& block) const {
+        return tools::RecordDocument(whole_.Make({&port, &block}));
+    }
+
+    // Throws DocumentError. No slot and no target comes twice.
+    DocumentPort Read(std::string_view text, Block* block) const {
+        const DocumentObject document(text);
+        DocumentPort port = ReadDocumentHead(document, kind_);
+        document.Close(whole_.ShapeOfAll());
+        std::memset(block, 0, sizeof *block);
+        for (const StoredField<Block>& field : blockFields_) {
+            field.read(document, *block);
         }
-        if (!usedSlots.insert(slot).second) {
-            object.Fail("slot", std::to_string(slot) + " stands twice");
+        std::set<uint64_t> usedSlots;
+        std::set<std::string> usedNames;
+        const tools::Shape known = slot_.ShapeOfAll();
+        for (const DocumentObject& object : document.Objects("targets")) {
+            object.Close(known);
+            const uint64_t slot = object.Number("slot", HX_MAX_TARGETS - 1);
+            if (slot >= usable_(*block)) {
+                object.Fail("slot", std::to_string(slot) + " is beyond the count");
+            }
+            if (!usedSlots.insert(slot).second) {
+                object.Fail("slot", std::to_string(slot) + " stands twice");
+            }
+            Row& row = SlotsOf(*block)[static_cast<size_t>(slot)];
+            const tools::Wwn portName = ReadNames(object, row);
+            if (!IsFree(row) && !portName.IsZero() && !usedNames.insert(portName.Digits()).second) {
+                object.Fail("target_wwn", portName.Digits() + " stands twice");
+            }
+            for (const StoredField<Row>& field : rowFields_) {
+                field.read(object, row);
+            }
         }
+        return port;
+    }
+
+  private:
+    struct Slot {
+        size_t number;
+        const Row* row;
+    };
+    struct Source {
+        const DocumentPort* port;
+        const Block* block;
+    };
+
+    static std::vector<Slot> UsedSlots(const Source& source) {
+        std::vector<Slot> used;
+        for (const Row& row : SlotsOf(*source.block)) {
+            if (!IsNothing(row)) {
+                used.push_back({static_cast<size_t>(&row - SlotsOf(*source.block).data()), &row});
+            }
+        }
+        return used;
+    }
+
+    static tools::Wwn ReadNames(const DocumentObject& object, Row& row) {
         const tools::Wwn portName = object.Name("target_wwn");
         const tools::Wwn nodeName = object.Name("node_wwn");
         if (nodeName.IsZero() != object.Flag("free")) {
             object.Fail("node_wwn",
                         "is zero in free rows, which say \"free\": true, and in no other");
         }
-        const bool named = !nodeName.IsZero() && !portName.IsZero();
-        if (named && !usedNames.insert(portName.Digits()).second) {
-            object.Fail("target_wwn", portName.Digits() + " stands twice");
-        }
-        auto& row = SlotsOf(block)[static_cast<size_t>(slot)];
         SetNames(row, nodeName, portName);
-        read(object, row);
+        return portName;
     }
-}
+
+    const DocumentKind kind_;
+    const StoredFields<Block> blockFields_;
+    const StoredFields<Row> rowFields_;
+    size_t (*const usable_)(const Block& block);
+    const tools::Fields<DocumentPort> head_;
+    const tools::Fields<Block> block_;
+    const tools::Fields<Row> row_;
+    const tools::Fields<Slot> slot_;
+    const tools::Fields<Source> whole_;
+};
 
 }  // namespace vxmgr

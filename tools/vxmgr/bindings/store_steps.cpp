@@ -6,33 +6,42 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
 using tools::Tone;
 using tools::Value;
 
-struct OutcomeText {
-    const char* text;
-    Tone tone;
-};
-constexpr OutcomeText kOutcomes[] = {
-    // In the order of Outcome.
-    {"done", Tone::Good},     {"planned", Tone::Plain}, {"unchanged", Tone::Plain},
-    {"pending", Tone::Plain}, {"failed", Tone::Bad},
-};
+// In the order of Outcome.
+constexpr const char* kOutcomes[] = {"done", "planned", "unchanged", "pending", "failed"};
 
-Record StepRow(const char* store, const tools::Wwn& target, Outcome outcome,
-               const std::string& what, HX_STATUS status) {
-    const OutcomeText& text = kOutcomes[static_cast<int>(outcome)];
-    Record row;
-    row.Add("store", "Store", Value::Text(store), "STORE");
-    row.Add("target_wwn", "Target", Value::Name(target), "TARGET");
-    row.Add("outcome", "Outcome", Value::Text(text.text).In(text.tone), "OUTCOME");
-    row.Add("what", "What", Value::TextOrNull(what), "WHAT");
-    row.Add("status", "Status", StatusValue(status));
-    return row;
+Value OutcomeValue(const StoreStep& row) {
+    constexpr Tone kTones[] = {Tone::Good, Tone::Plain, Tone::Plain, Tone::Plain, Tone::Bad};
+    const auto place = static_cast<size_t>(row.outcome);
+    return Value::Text(kOutcomes[place]).In(kTones[place]);
 }
 
 }  // namespace
+
+const tools::Fields<StoreStep>& StoreStepFields() {
+    static constexpr const char* kStores[] = {kInRegistry, kLive};
+    static const tools::Fields<StoreStep> kFields = {
+        {"store", "Store", "STORE", tools::Choice(kStores), &StoreStep::store},
+        {"target_wwn", "Target", "TARGET", tools::kWwn, &StoreStep::target},
+        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), OutcomeValue,
+         "planned: by a dry run; pending: takes effect at the driver's next start"},
+        {"what", "What", "WHAT", tools::kText.OrNull(), &StoreStep::what},
+        {"status", "Status", tools::kText.OrNull(),
+         [](const StoreStep& row) { return StatusValue(row.status); }},
+    };
+    return kFields;
+}
+
+const tools::Fields<StoreChangeResult>& StoreChangeFields() {
+    static const tools::Fields<StoreChangeResult> kFields = {
+        {PortKeys(kNoPortKey), &StoreChangeResult::port},
+        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, tools::ListLayout::Table,
+         "nothing to do"},
+    };
+    return kFields;
+}
 
 void Steps::AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
                    const std::string& what, HX_STATUS status) {
@@ -43,7 +52,7 @@ void Steps::AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
     behind_ = behind_ || (!inRegistry && outcome > Outcome::Unchanged);
     const size_t place = inRegistry ? registryRows_++ : rows_.size();
     rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(place),
-                 StepRow(store, target, outcome, what, status));
+                 {store, target, outcome, what, status});
 }
 
 void Steps::Add(const char* store, const tools::Wwn& target, Outcome outcome,
@@ -106,15 +115,17 @@ ExitCode Steps::Finish() {
             {object_, "driver_restart", "what is stored takes effect at the driver's next start"});
     }
     const bool all = failures_ == rows_.size();
-    invocation_.Result().AddList("steps", "Steps", tools::ListLayout::Table,
-                                 StepRow("", {}, Outcome::Done, "", HXMGT_SUCCESS), "nothing to do",
-                                 std::move(rows_));
     if (!anythingToDo_) {
         invocation_.Note("nothing to do");
     } else if (invocation_.DryRun()) {
         invocation_.Note("dry run: nothing was changed");
     }
     return failures_ == 0 ? ExitCode::Done : all ? first_ : ExitCode::Partial;
+}
+
+ExitCode Steps::FinishResult() {
+    invocation_.Result() = StoreChangeFields().Make({&port_, rows_});
+    return Finish();
 }
 
 }  // namespace vxmgr

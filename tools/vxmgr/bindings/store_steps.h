@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/invocation.h"
-#include "hxmgtapi.h"
+#include "vxmgr/app/port_fields.h"
 
 namespace vxmgr {
 
@@ -17,10 +16,44 @@ enum class AwayTarget { Pending, Failed };
 inline constexpr char kInRegistry[] = "registry";
 inline constexpr char kLive[] = "live";
 
+// --store: what the driver reads at its next start, what it works with now, or both.
+inline constexpr const char* kStoreNames[] = {"registry", "live", "both"};
+inline constexpr tools::Argument kStoreArgument = {
+    .name = "--store",
+    .valueName = "STORE",
+    .help = "registry (read at the driver's next start), live (the driver now) or both (both)",
+    .choices = kStoreNames};
+
+struct StoreChoice {
+    bool registry;
+    bool live;
+};
+
+inline StoreChoice GivenStores(tools::Invocation& invocation, const char* otherwise = "both") {
+    const std::string given = invocation.Given().Text("store", otherwise);
+    return {given != "live", given != "registry"};
+}
+
+struct StoreStep {
+    const char* store;
+    tools::Wwn target;
+    Outcome outcome;
+    std::string what;
+    HX_STATUS status;
+};
+const tools::Fields<StoreStep>& StoreStepFields();
+
+// The result of a command that changes what is bound or masked.
+struct StoreChangeResult {
+    const Port* port;
+    std::vector<StoreStep> steps;
+};
+const tools::Fields<StoreChangeResult>& StoreChangeFields();
+
 class Steps {
   public:
-    Steps(tools::Invocation& invocation, std::string object)
-        : invocation_(invocation), object_(std::move(object)) {}
+    Steps(tools::Invocation& invocation, const Port& port)
+        : invocation_(invocation), port_(port), object_(port.Object()) {}
 
     // Planned instead of done in a dry run.
     void Done(const char* store, const tools::Wwn& target, const std::string& what);
@@ -36,16 +69,21 @@ class Steps {
     // The whole store was written, or would be, which makes no row.
     void StoreWritten();
 
-    // Puts the rows into the result; the exit code of the whole.
+    // Says what is pending, or that there was nothing to do; the exit code of the whole.
     tools::ExitCode Finish();
+    // The same, with the rows as the command's result.
+    tools::ExitCode FinishResult();
+
+    const std::vector<StoreStep>& Rows() const { return rows_; }
 
   private:
     void AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
                 const std::string& what, HX_STATUS status);
 
     tools::Invocation& invocation_;
+    const Port& port_;
     const std::string object_;
-    std::vector<tools::Record> rows_;
+    std::vector<StoreStep> rows_;
     size_t registryRows_ = 0;  // they come before the others
     size_t failures_ = 0;
     bool anythingToDo_ = false;

@@ -1,31 +1,216 @@
-// bind export, import.
-#include "vxmgr/bindings/bind_document.h"
-#include "vxmgr/bindings/store_live.h"
+// bind export, import; lunmask export, import: the same for both kinds of stored data.
+#include "vxmgr/app/files.h"
 #include "vxmgr/bindings/commands.h"
-#include "vxmgr/bindings/store_transfer.h"
+#include "vxmgr/bindings/store_difference.h"
+#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/bindings/store_live.h"
+#include "vxmgr/targets/target_records.h"
 
 namespace vxmgr {
 namespace {
 
+using tools::ArgumentKind;
 using tools::ExitCode;
+using tools::ListLayout;
 
-size_t CountTargets(const HX_TARGET_DATA& block) {
-    const auto rows = RowsOf(block);
-    return static_cast<size_t>(std::count_if(
-        rows.begin(), rows.end(), [](const HX_TARGET_ENTRY& entry) { return !IsFree(entry); }));
+constexpr size_t kLongestDocument = size_t{16} << 20;
+constexpr size_t kRowsInQuestion = 12;
+
+constexpr const char* kExportStores[] = {kInRegistry, kLive};
+constexpr tools::Argument kExportArguments[] = {
+    {.name = "FILE", .help = "the document to write", .required = true},
+    {.name = "--store",
+     .valueName = "STORE",
+     .help = "registry or live (registry)",
+     .choices = kExportStores},
+};
+constexpr tools::Argument kImportArguments[] = {
+    {.name = "FILE", .help = "the document to read", .required = true},
+    {.name = "--as-port",
+     .kind = ArgumentKind::Flag,
+     .help = "take the document of another port for the selected one"},
+    kStoreArgument,
+};
+
+// One kind of stored data.
+template <class Block>
+struct StoredKind {
+    const char* name;  // "bindings"
+    StoredBlock<Block> PortTargets::*stored;
+    // What the driver has now, as the store would hold it.
+    std::unique_ptr<Block> (*live)(tools::Invocation& invocation, const PortTargets& targets);
+    std::string (*write)(const DocumentPort& port, const Block& block);
+    DocumentPort (*read)(std::string_view text, Block* block);
+    // Makes the block fit for the port's driver, or ends the command; null where any block fits.
+    void (*adapt)(tools::Invocation& invocation, const PortTargets& targets, Block& block);
+    void (*applyLive)(tools::Invocation& invocation, PortTargets& targets, const Block& block,
+                      AwayTarget away, Steps& steps);
+    const char* consequence;  // for the question, where the command asks one
+};
+
+template <class Block>
+std::unique_ptr<Block> NewBlock(const StoredKind<Block>&) {
+    return std::make_unique<Block>();
 }
 
-// What the driver has bound, as the store would hold it.
-HX_TARGET_DATA LiveBindings(tools::Invocation& invocation, const PortTargets& targets) {
+template <class Block>
+DocumentPort LoadDocument(tools::Invocation& invocation, const StoredKind<Block>& kind,
+                          Block* block) {
+    const std::string path = invocation.Given().Text("FILE");
+    const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestDocument);
+    try {
+        return kind.read({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, block);
+    } catch (const DocumentError& error) {
+        invocation.Fail(ExitCode::Refused, path + ": " + error.text, "nothing was changed");
+    }
+}
+
+void CheckPort(tools::Invocation& invocation, const PortTargets& targets,
+               const DocumentPort& origin) {
+    if (origin.portName == targets.Origin().portName) {
+        return;
+    }
+    const std::string serial = invocation.Names().Mask(tools::Secret::Serial, origin.serial);
+    const std::string what = "the document is of port " + origin.portName.Colons() + " (serial " +
+                             serial + "), the selected one is " +
+                             targets.Origin().portName.Colons();
+    if (!invocation.Given().Has("as-port")) {
+        invocation.Fail(ExitCode::Refused, what, "--as-port takes it for the selected port");
+    }
+    invocation.Warn(what);
+}
+
+tools::Question QuestionOf(const PortTargets& targets, const char* name, const char* consequence,
+                           const std::vector<DifferenceRow>& rows) {
+    tools::Question question = QuestionAbout(
+        targets.session, std::string("Import ") + name + " from a document.", consequence);
+    for (size_t i = 0; i < rows.size() && i < kRowsInQuestion; ++i) {
+        question.lines.push_back(std::string("  ") + rows[i].action + " " +
+                                 rows[i].target.Colons() + ": " + rows[i].what);
+    }
+    if (rows.size() > kRowsInQuestion) {
+        question.lines.push_back("  and " + std::to_string(rows.size() - kRowsInQuestion) +
+                                 " more: see them with --dry-run");
+    }
+    return question;
+}
+
+struct ExportResult {
+    const Port* port;
+    std::string file;
+    size_t targets;
+};
+
+struct ImportResult {
+    const Port* port;
+    std::vector<DifferenceRow> differences;
+    bool stored;
+    std::optional<std::vector<StoreStep>> steps;
+};
+
+const tools::Fields<ExportResult>& ExportFields() {
+    static const tools::Fields<ExportResult> kFields = {
+        {PortKeys(kPortIndex | kPortName), &ExportResult::port},
+        {"file", "File", tools::kText, &ExportResult::file},
+        {"targets", "Targets", tools::kInteger, &ExportResult::targets,
+         "number of targets in the document"},
+    };
+    return kFields;
+}
+
+// An import that leaves the store alone has nothing to say of it.
+template <bool toStore>
+const tools::Fields<ImportResult>& ImportFields() {
+    static const tools::Fields<ImportResult> kFields = {
+        {PortKeys(kNoPortKey), &ImportResult::port},
+        {"differences", "Differences", DifferenceFields(), &ImportResult::differences,
+         ListLayout::Table, toStore ? "no target changes in the store" : "",
+         "against what was stored before"},
+        {"stored", "Stored", tools::kFlag, &ImportResult::stored, "the store was written"},
+        {"steps", "Steps", StoreStepFields(), &ImportResult::steps, ListLayout::Table,
+         "nothing to do", "what was done in the driver"},
+    };
+    return kFields;
+}
+
+template <const auto& kind>
+ExitCode Export(tools::Invocation& invocation) {
+    const std::string path = invocation.Given().Text("FILE");
+    PortTargets targets = OpenPortTargets(invocation);
+    const auto& stored = targets.*kind.stored;
+    const bool live = invocation.Given().Text("store") == kLive;
+    if (!live && !stored.IsStored()) {
+        TellState(invocation, targets.OwnPort(), stored.state, kind.name);
+        invocation.Fail(ExitCode::NotFound,
+                        std::string("there are no stored ") + kind.name + " to export");
+    }
+    const auto block = live ? kind.live(invocation, targets) : AsStored(*stored.block);
+    const std::string text = kind.write(targets.Origin(), *block);
+    SaveFile(invocation, path, {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+    const auto rows = RowsOf(*block);
+    const auto count =
+        std::count_if(rows.begin(), rows.end(), [](const auto& row) { return !IsFree(row); });
+    invocation.Result() =
+        ExportFields().Make({&targets.OwnPort(), path, static_cast<size_t>(count)});
+    if (invocation.Names().Enabled()) {
+        invocation.Note("the document itself has the names: --redact masks the output alone");
+    }
+    return ExitCode::Done;
+}
+
+template <const auto& kind>
+ExitCode Import(tools::Invocation& invocation) {
+    const StoreChoice stores = GivenStores(invocation);
+    const auto block = NewBlock(kind);
+    const DocumentPort origin = LoadDocument(invocation, kind, block.get());
+    PortTargets targets = OpenPortTargets(invocation);
+    CheckPort(invocation, targets, origin);
+    if (kind.adapt != nullptr) {
+        kind.adapt(invocation, targets, *block);
+    }
+
+    const auto& stored = targets.*kind.stored;
+    std::vector<DifferenceRow> differences;
+    if (stores.registry) {
+        if (stored.state == StoreState::Unusable) {
+            TellState(invocation, targets.OwnPort(), stored.state, kind.name);
+        }
+        differences = DifferencesOf(*stored.block, *block);
+    }
+    const bool needed =
+        stores.registry && (!stored.IsStored() || !SameBytes(*stored.block, *block));
+    if ((needed || stores.live) && !invocation.DryRun()) {
+        invocation.Confirm(QuestionOf(targets, kind.name, kind.consequence, differences));
+    }
+
+    tools::GrowingResult<ImportResult> result(
+        invocation.Result(), stores.registry ? ImportFields<true>() : ImportFields<false>(),
+        {&targets.OwnPort(), differences, needed && !invocation.DryRun(), {}});
+    if (needed && !invocation.DryRun()) {
+        WriteStored(invocation, targets, *block);
+    }
+    Steps steps(invocation, targets.OwnPort());
+    if (needed) {
+        steps.StoreWritten();
+    }
+    if (stores.live) {
+        kind.applyLive(invocation, targets, *block, AwayTarget::Pending, steps);
+    }
+    result.steps = steps.Rows();
+    return steps.Finish();
+}
+
+std::unique_ptr<HX_TARGET_DATA> LiveBindings(tools::Invocation& invocation,
+                                             const PortTargets& targets) {
     if (!targets.OwnPort().IsCurrentGeneration()) {
         invocation.Fail(
             ExitCode::NotSupported,
             targets.OwnPort().Object() + ": this driver does not tell which targets it has bound");
     }
-    HX_TARGET_DATA block{};
+    auto block = std::make_unique<HX_TARGET_DATA>();
     for (const KnownTarget& target : targets.known) {
         HX_TARGET_ENTRY* entry =
-            IsBound(targets.OwnPort(), target).value_or(false) ? NewRow(block) : nullptr;
+            IsBound(targets.OwnPort(), target).value_or(false) ? NewRow(*block) : nullptr;
         if (entry == nullptr) {
             continue;
         }
@@ -39,31 +224,65 @@ HX_TARGET_DATA LiveBindings(tools::Invocation& invocation, const PortTargets& ta
     return block;
 }
 
-void Adapt(tools::Invocation&, const PortTargets&, HX_TARGET_DATA&) {}
-
-void ApplyLive(tools::Invocation& invocation, PortTargets& targets, const HX_TARGET_DATA& block,
-               Steps& steps) {
-    ApplyBindings(invocation, targets, block, AwayTarget::Pending, steps);
+// The driver's generation decides on the form in which masks are stored.
+uint16_t FormOf(const Port& port) {
+    return port.IsCurrentGeneration() ? 2 : 1;
 }
 
-ExitCode BindExport(tools::Invocation& invocation) {
-    return Export(invocation, [&](PortTargets& targets, size_t* count) {
-        const bool live = invocation.Given().Text("store") == kLive;
-        if (!live && !targets.bindings.IsStored()) {
-            TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
-            invocation.Fail(ExitCode::NotFound, "there are no stored bindings to export");
+std::unique_ptr<HX_LUN_DATA> LiveMasks(tools::Invocation& invocation, const PortTargets& targets) {
+    auto block = std::make_unique<HX_LUN_DATA>();
+    block->version = FormOf(targets.OwnPort());
+    for (const KnownTarget& target : targets.known) {
+        invocation.CheckStop();
+        const auto masked = LiveMaskOf(targets, target);
+        HX_LUN_RECORD* record = masked ? NewRow(*block) : nullptr;
+        if (record != nullptr) {
+            SetNames(*record, target.NodeName(), target.PortName());
+            SetMasked(*masked, *record);
         }
-        const HX_TARGET_DATA block =
-            live ? LiveBindings(invocation, targets) : *targets.bindings.block;
-        *count = CountTargets(block);
-        return BindDocument(targets.Origin(), block);
-    });
+    }
+    return block;
 }
 
-ExitCode BindImport(tools::Invocation& invocation) {
-    return Import<HX_TARGET_DATA>(
-        invocation, {"bindings", ReadBindDocument, &PortTargets::bindings, Adapt, ApplyLive, ""});
+void AdaptMasks(tools::Invocation& invocation, const PortTargets& targets, HX_LUN_DATA& block) {
+    const LunSet beyond = ~FirstLuns(LunLimit(targets.OwnPort()));
+    for (const HX_LUN_RECORD& record : RowsOf(block)) {
+        if (const LunSet lost = MaskedOf(record) & beyond; lost.any()) {
+            invocation.Fail(ExitCode::Refused,
+                            "the document masks LUNs " + LunsText(lost) + " of " +
+                                tools::Wwn::Of(record.portName).Colons() +
+                                ": this driver has masks for LUNs 0 to " +
+                                std::to_string(LunLimit(targets.OwnPort()) - 1) + " alone");
+        }
+    }
+    const uint16_t form = FormOf(targets.OwnPort());
+    if (block.version != form) {
+        invocation.Note("the masks were stored in form " + std::to_string(block.version) +
+                        "; this driver stores them in form " + std::to_string(form));
+        block.version = form;
+    }
 }
+
+constexpr StoredKind<HX_TARGET_DATA> kBindings{
+    .name = "bindings",
+    .stored = &PortTargets::bindings,
+    .live = LiveBindings,
+    .write = BindDocument,
+    .read = ReadBindDocument,
+    .adapt = nullptr,
+    .applyLive = ApplyBindings,
+    .consequence = "",
+};
+constexpr StoredKind<HX_LUN_DATA> kMasks{
+    .name = "LUN masks",
+    .stored = &PortTargets::masks,
+    .live = LiveMasks,
+    .write = LunMaskDocument,
+    .read = ReadLunMaskDocument,
+    .adapt = AdaptMasks,
+    .applyLive = ApplyMasks,
+    .consequence = "LUNs that become masked are hidden from this host: I/O to them stops.",
+};
 
 }  // namespace
 
@@ -74,18 +293,46 @@ tools::CommandRows BindTransferCommands() {
             .risk = tools::Risk::Reads,
             .help = "write a port's bindings to a document",
             .schema = "bind.export",
-            .arguments = ExportArguments(),
-            .run = BindExport,
+            .arguments = kExportArguments,
+            .run = Export<kBindings>,
             .example = "bind export bindings.json -p scsi:3",
+            .result = tools::ShapeOf<ExportFields>,
         },
         {
             .path = "bind import",
             .risk = tools::Risk::Reversible,
             .help = "take a port's bindings from a document",
             .schema = "bind.import",
-            .arguments = ImportArguments(),
-            .run = BindImport,
+            .arguments = kImportArguments,
+            .run = Import<kBindings>,
             .example = "bind import bindings.json -p scsi:3 --dry-run",
+            .result = tools::ShapeOf<ImportFields<true>>,
+        },
+    };
+    return kCommands;
+}
+
+tools::CommandRows LunmaskTransferCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "lunmask export",
+            .risk = tools::Risk::Reads,
+            .help = "write a port's LUN masks to a document",
+            .schema = "lunmask.export",
+            .arguments = kExportArguments,
+            .run = Export<kMasks>,
+            .example = "lunmask export masks.json -p scsi:3",
+            .result = tools::ShapeOf<ExportFields>,
+        },
+        {
+            .path = "lunmask import",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "take a port's LUN masks from a document",
+            .schema = "lunmask.import",
+            .arguments = kImportArguments,
+            .run = Import<kMasks>,
+            .example = "lunmask import masks.json -p scsi:3 --dry-run",
+            .result = tools::ShapeOf<ImportFields<true>>,
         },
     };
     return kCommands;

@@ -1,16 +1,68 @@
 #include "vxmgr/settings/nvram_document.h"
 
+#include "common/json_document.h"
 #include "common/text.h"
 
 namespace vxmgr {
 namespace {
 
-constexpr char kKind[] = "vxmgr.nvram";
+constexpr const char* kNvramKind[] = {"vxmgr.nvram"};
 constexpr size_t kLargestBlock = 65536;
+
+struct WrittenVariable {
+    const NvramVariable* variable;
+    uint32_t value;
+};
+
+const tools::Fields<WrittenVariable>& WrittenVariableFields() {
+    static const tools::Fields<WrittenVariable> kFields = {
+        {"number", "", tools::kInteger,
+         [](const WrittenVariable& row) { return row.variable->number; }},
+        {"name", "", tools::kText, [](const WrittenVariable& row) { return row.variable->name; }},
+        {"value", "", tools::kInteger, &WrittenVariable::value},
+    };
+    return kFields;
+}
+
+struct NvramSource {
+    const NvramOrigin* origin;
+    const NvramMap* map;
+    Bytes block;
+
+    std::vector<WrittenVariable> Variables() const {
+        std::vector<WrittenVariable> rows;
+        for (const NvramVariable& variable : map->variables) {
+            if (variable.field) {
+                rows.push_back({&variable, ValueOf(block, variable)});
+            }
+        }
+        return rows;
+    }
+};
+
+const tools::Fields<NvramSource>& NvramDocumentFields() {
+    static const char* const kKinds[] = {NameOf(NvramKind::Classic), NameOf(NvramKind::Extended)};
+    static const auto kHead = DocumentHeadFields(kNvramKind);
+    static const tools::Fields<NvramSource> kFields = {
+        {kHead, [](const NvramSource& source) { return &source.origin->port; }},
+        {"chip", "", tools::Hexadecimal(4),
+         [](const NvramSource& source) { return source.origin->chip; }, "PCI device ID"},
+        {"kind", "", tools::Choice(kKinds),
+         [](const NvramSource& source) { return NameOf(source.map->kind); }},
+        {"size", "", tools::kInteger,
+         [](const NvramSource& source) { return source.block.size(); }},
+        {"variables", "", WrittenVariableFields(), &NvramSource::Variables,
+         tools::ListLayout::Table, "", "a value that differs from the block's is a change"},
+        {"block", "", tools::kText,
+         [](const NvramSource& source) { return HexDigits(source.block); },
+         "hexadecimal digits, with its checksum"},
+    };
+    return kFields;
+}
 
 void TakeVariable(const DocumentObject& row, const NvramMap& map, std::vector<uint8_t>& block,
                   std::vector<bool>& taken) {
-    row.Close({"number", "name", "value"});
+    row.Close(WrittenVariableFields().ShapeOfAll());
     const uint64_t number = row.Number("number", HX_NVRAM_VARIABLES - 1);
     const NvramVariable* variable = map.WithNumber(number);
     if (variable == nullptr || !variable->field) {
@@ -36,30 +88,19 @@ void TakeVariable(const DocumentObject& row, const NvramMap& map, std::vector<ui
 
 }  // namespace
 
+tools::Shape NvramDocumentShape() {
+    return NvramDocumentFields().ShapeOfAll();
+}
+
 std::string NvramDocumentText(const NvramOrigin& origin, const NvramMap& map, Bytes block) {
-    DocumentJson document = DocumentHead(kKind, origin.port);
-    document["chip"] = tools::Hex(origin.chip, 4);
-    document["kind"] = NameOf(map.kind);
-    document["size"] = block.size();
-    DocumentJson rows = DocumentJson::array();
-    for (const NvramVariable& variable : map.variables) {
-        if (variable.field) {
-            rows.push_back({{"number", variable.number},
-                            {"name", variable.name},
-                            {"value", ValueOf(block, variable)}});
-        }
-    }
-    document["variables"] = std::move(rows);
-    document["block"] = HexDigits(block);
-    return DocumentText(document);
+    return tools::RecordDocument(NvramDocumentFields().Make({&origin, &map, block}));
 }
 
 NvramDocument ReadNvramDocument(std::string_view text, const NvramMap& map) {
-    const DocumentJson json = ParseDocument(text);
-    const DocumentObject document(json, "the document");
+    const DocumentObject document(text);
     NvramDocument result;
-    result.origin.port = CheckDocumentHead(document, kKind);
-    document.Close({"document", "version", "port", "chip", "kind", "size", "variables", "block"});
+    result.origin.port = ReadDocumentHead(document, kNvramKind);
+    document.Close(NvramDocumentFields().ShapeOfAll());
     result.origin.chip = static_cast<uint16_t>(document.Hex("chip", UINT16_MAX));
     if (const std::string kind = document.Text("kind"); kind != NameOf(map.kind)) {
         document.Fail("kind", "is \"" + kind + "\", this chip's blocks are " + NameOf(map.kind));
@@ -80,10 +121,8 @@ NvramDocument ReadNvramDocument(std::string_view text, const NvramMap& map) {
         document.Fail("block", "has a wrong checksum");
     }
     std::vector<bool> taken(HX_NVRAM_VARIABLES);
-    size_t index = 0;
-    for (const DocumentJson& row : document.Array("variables")) {
-        TakeVariable(DocumentObject(row, "variables[" + std::to_string(index++) + "]"), map,
-                     result.block, taken);
+    for (const DocumentObject& row : document.Objects("variables")) {
+        TakeVariable(row, map, result.block, taken);
     }
     MakeChecksum(map.kind, result.block);
     return result;
