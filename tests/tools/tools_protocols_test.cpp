@@ -19,6 +19,16 @@ using namespace vxmgr;
 using support::Shown;
 using Data = std::vector<uint8_t>;
 
+tools::Record InquiryRecord(Bytes data) {
+    return InquiryFields().Make(DecodeInquiry(data));
+}
+tools::Record VpdRecord(Bytes data) {
+    return ScsiVpdFields().Make(DecodeScsiVpd(data));
+}
+tools::Record NodeRecord(Bytes data) {
+    return NodeIdentificationFields().Make(DecodeNodeIdentification(data));
+}
+
 Data FixedSenseData(uint8_t key, uint8_t code, uint8_t qualifier) {
     return {0x70, 0, key, 0, 0, 0, 0, 10, 0, 0, 0, 0, code, qualifier, 0, 0, 0, 0};
 }
@@ -263,14 +273,14 @@ TEST(ToolsEls, NodeIdentificationWithinItsLengths) {
     answer[16] = 0x20;
     answer[43] = 0x0A;
     answer[51] = 3;
-    EXPECT_EQ(Shown(NodeIdentificationRecord(answer), "unit_type"), "host");
-    EXPECT_EQ(Shown(NodeIdentificationRecord(answer), "attached_nodes"), "3");
-    EXPECT_EQ(Shown(NodeIdentificationRecord(answer), "node_wwn"), "20:00:00:00:00:00:00:00");
+    EXPECT_EQ(Shown(NodeRecord(answer), "unit_type"), "host");
+    EXPECT_EQ(Shown(NodeRecord(answer), "attached_nodes"), "3");
+    EXPECT_EQ(Shown(NodeRecord(answer), "node_wwn"), "20:00:00:00:00:00:00:00");
     answer[7] = 0;  // common data alone
-    EXPECT_EQ(Shown(NodeIdentificationRecord(answer), "unit_type"), "-");
+    EXPECT_EQ(Shown(NodeRecord(answer), "unit_type"), "-");
     answer[5] = 8;  // half of it
-    EXPECT_EQ(Shown(NodeIdentificationRecord(answer), "node_wwn"), "-");
-    EXPECT_EQ(Shown(NodeIdentificationRecord({}), "port_wwn"), "-");
+    EXPECT_EQ(Shown(NodeRecord(answer), "node_wwn"), "-");
+    EXPECT_EQ(Shown(NodeRecord({}), "port_wwn"), "-");
 }
 
 // Bytes of any kind at any length: whatever is wrong with them shows under the sanitizers.
@@ -295,7 +305,7 @@ TEST(ToolsProtocols, AnyBytesAtAnyLength) {
         const tools::Field* list = page.MainList();
         EXPECT_TRUE(list == nullptr || list->records.size() <= bytes.size());
         EXPECT_FALSE(InquiryRecord(bytes).Empty());
-        EXPECT_FALSE(NodeIdentificationRecord(bytes).Empty());
+        EXPECT_FALSE(NodeRecord(bytes).Empty());
         EXPECT_EQ(DecodeLinkErrors(bytes).has_value(), bytes.size() >= 28 && bytes[0] == 2);
     }
 }

@@ -5,9 +5,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::Record;
-using tools::Value;
-
 constexpr size_t kRowBytes = 16;
 
 std::string PairsOf(Bytes bytes) {
@@ -24,14 +21,6 @@ std::string Printable(Bytes bytes) {
         text += byte >= ' ' && byte <= '~' ? static_cast<char>(byte) : '.';
     }
     return text;
-}
-
-Record HexRow(size_t offset, Bytes bytes) {
-    Record row;
-    row.Add("offset", "Offset", Value::Text(tools::Hex(offset, 4)), "OFFSET");
-    row.Add("hex", "Bytes", Value::Text(PairsOf(bytes)), "BYTES", 3 * kRowBytes - 1);
-    row.Add("text", "Text", Value::Text(Printable(bytes)), "TEXT");
-    return row;
 }
 
 int DigitOf(char letter) {
@@ -54,12 +43,34 @@ std::string HexDigits(Bytes bytes) {
     return text;
 }
 
-void AddHexRows(Record& record, const std::string& key, const std::string& label, Bytes bytes) {
-    std::vector<Record> rows;
+const tools::Fields<HexRow>& HexRowFields() {
+    static const tools::Fields<HexRow> kFields = {
+        {"offset", "Offset", "OFFSET", tools::Hexadecimal(4), &HexRow::offset},
+        {"hex", "Bytes", "BYTES", tools::kText,
+         [](const HexRow& row) { return PairsOf(row.bytes); }, "", 3 * kRowBytes - 1},
+        {"text", "Text", "TEXT", tools::kText,
+         [](const HexRow& row) { return Printable(row.bytes); }},
+    };
+    return kFields;
+}
+
+std::vector<HexRow> HexRowsOf(Bytes bytes) {
+    std::vector<HexRow> rows;
     for (size_t offset = 0; offset < bytes.size(); offset += kRowBytes) {
-        rows.push_back(HexRow(offset, Part(bytes, offset, kRowBytes)));
+        const Bytes part = Part(bytes, offset, kRowBytes);
+        rows.push_back({offset, {part.begin(), part.end()}});
     }
-    record.AddList(key, label, tools::ListLayout::Table, HexRow(0, {}), "no data", std::move(rows));
+    return rows;
+}
+
+void AddHexRows(tools::Record& record, const std::string& key, const std::string& label,
+                Bytes bytes) {
+    std::vector<tools::Record> rows;
+    for (const HexRow& row : HexRowsOf(bytes)) {
+        rows.push_back(HexRowFields().Make(row));
+    }
+    record.AddList(key, label, tools::ListLayout::Table, HexRowFields().Prototype(), "no data",
+                   std::move(rows));
 }
 
 bool ParseHex(const std::string& text, std::vector<uint8_t>* bytes) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "formats/bytes.h"
 
 namespace vxmgr {
@@ -20,6 +20,13 @@ using formats::PutBigEndian;
 std::string HexDigits(Bytes bytes);
 
 // Sixteen bytes a row: offset, hexadecimal, text.
+struct HexRow {
+    size_t offset;
+    std::vector<uint8_t> bytes;
+};
+const tools::Fields<HexRow>& HexRowFields();
+std::vector<HexRow> HexRowsOf(Bytes bytes);
+
 void AddHexRows(tools::Record& record, const std::string& key, const std::string& label,
                 Bytes bytes);
 

@@ -53,12 +53,12 @@ tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
              session.port.Object(), status}};
 }
 
-void AddData(tools::Invocation& invocation, const std::string& label, Bytes bytes) {
+std::optional<std::vector<HexRow>> DataRows(tools::Invocation& invocation, Bytes bytes) {
     if (invocation.Names().Enabled()) {
         invocation.Note("with --redact the data is left out");
-    } else {
-        AddHexRows(invocation.Result(), "data", label, bytes);
+        return std::nullopt;
     }
+    return HexRowsOf(bytes);
 }
 
 }  // namespace vxmgr

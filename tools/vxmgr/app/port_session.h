@@ -34,6 +34,6 @@ tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
 
 // Bytes as they came, as rows of the result. With --redact they stay out: names and serial numbers
 // in them cannot be told from the rest.
-void AddData(tools::Invocation& invocation, const std::string& label, Bytes bytes);
+std::optional<std::vector<HexRow>> DataRows(tools::Invocation& invocation, Bytes bytes);
 
 }  // namespace vxmgr

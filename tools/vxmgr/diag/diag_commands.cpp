@@ -6,8 +6,8 @@
 #include "common/text.h"
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/app/code_text.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
-#include "vxmgr/app/values.h"
 
 namespace vxmgr {
 namespace {
@@ -15,8 +15,9 @@ namespace {
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
+using tools::kInteger;
+using tools::kText;
+using tools::ListLayout;
 
 constexpr uint32_t kLoopbackDriver = 80100;  // older ones report success without a test
 constexpr size_t kMostIn = 32;
@@ -59,10 +60,6 @@ constexpr CodeText kCompletions[] = {
     {HX_LOOPBACK_COMMAND_ERROR, "command error"},
 };
 
-std::string CompletionText(uint16_t code) {
-    return TextOfCode(kCompletions, code, "other");
-}
-
 // All byte values, in an order that repeats with no power of two.
 std::vector<uint8_t> Pattern(size_t size) {
     std::vector<uint8_t> pattern(size);
@@ -96,11 +93,82 @@ std::vector<uint16_t> GivenRegisters(tools::Invocation& invocation) {
     return registers;
 }
 
-Record RegisterRow(size_t number, uint16_t value) {
-    Record row;
-    row.Add("register", "Register", Value::Number(number), "REGISTER");
-    row.Add("value", "Value", Value::Text(tools::Hex(value, 4)), "VALUE");
-    return row;
+struct LoopbackOutcome {
+    HX_LOOPBACK_EX_RESULT reported{};
+    uint32_t size = 0;
+    size_t wrongBytes = 0;
+
+    bool IsComplete() const { return reported.completion == HX_LOOPBACK_COMPLETE; }
+    std::string Completion() const {
+        return TextOfCode(kCompletions, reported.completion, "other");
+    }
+    template <size_t counter>
+    uint32_t Counter() const {
+        return reported.counters[counter];
+    }
+    uint32_t Iterations() const { return Counter<3>() << 16 | Counter<4>(); }
+};
+
+struct LoopbackResult {
+    const Port* port;
+    bool tested = false;
+    std::optional<LoopbackOutcome> outcome;
+};
+
+const tools::Fields<LoopbackResult>& LoopbackFields() {
+    static const tools::Fields<LoopbackOutcome> kOutcome = {
+        {"completion", "Completion", kText, &LoopbackOutcome::Completion},
+        {"size", "Size", tools::Integer("bytes").OrNull(), &LoopbackOutcome::size},
+        {"wrong_bytes", "Wrong bytes", kInteger, &LoopbackOutcome::wrongBytes},
+        {"crc_errors", "CRC errors", kInteger, &LoopbackOutcome::Counter<0>},
+        {"disparity_errors", "Disparity errors", kInteger, &LoopbackOutcome::Counter<1>},
+        {"frame_length_errors", "Frame length errors", kInteger, &LoopbackOutcome::Counter<2>},
+        {"iterations", "Iterations done", kInteger, &LoopbackOutcome::Iterations},
+    };
+    static const tools::Fields<LoopbackResult> kFields = {
+        {PortKeys(), &LoopbackResult::port},
+        {"tested", "Tested", tools::kFlag, &LoopbackResult::tested},
+        {kOutcome, &LoopbackResult::outcome},
+    };
+    return kFields;
+}
+
+struct DportResult {
+    const Port* port;
+    std::optional<std::vector<HexRow>> data;
+};
+
+const tools::Fields<DportResult>& DportFields() {
+    static const tools::Fields<DportResult> kFields = {
+        {PortKeys(), &DportResult::port},
+        {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
+    };
+    return kFields;
+}
+
+struct MailboxRegister {
+    size_t number;
+    uint16_t value;
+};
+
+struct MailboxResult {
+    const Port* port;
+    uint16_t command;
+    std::optional<std::vector<MailboxRegister>> registers;
+};
+
+const tools::Fields<MailboxResult>& MailboxFields() {
+    static const tools::Fields<MailboxRegister> kRegister = {
+        {"register", "Register", "REGISTER", kInteger, &MailboxRegister::number},
+        {"value", "Value", "VALUE", tools::Hexadecimal(4), &MailboxRegister::value},
+    };
+    static const tools::Fields<MailboxResult> kFields = {
+        {PortKeys(), &MailboxResult::port},
+        {"command", "Command", tools::Hexadecimal(4), &MailboxResult::command},
+        {"registers", "Registers", kRegister, &MailboxResult::registers, ListLayout::Table,
+         "no registers"},
+    };
+    return kFields;
 }
 
 ExitCode DiagLoopback(tools::Invocation& invocation) {
@@ -109,16 +177,14 @@ ExitCode DiagLoopback(tools::Invocation& invocation) {
     const auto iterations = static_cast<uint32_t>(given.Number("iterations").value_or(1));
     const auto options = static_cast<uint16_t>(given.Number("options").value_or(0));
     const PortSession session = OpenSelectedPort(invocation);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
+    tools::GrowingResult<LoopbackResult> result(invocation.Result(), LoopbackFields(),
+                                                {&session.port, false, {}});
     if (session.port.driverVersionCode < kLoopbackDriver) {
-        result.Add("tested", "Tested", Value::Flag(false));
         invocation.Fail(ExitCode::NotSupported,
                         "not tested: drivers below 8.01.00 report success without a test",
                         "see `driver show`");
     }
     if (invocation.DryRun()) {
-        result.Add("tested", "Tested", Value::Flag(false));
         invocation.Note("dry run: " + std::to_string(size) + " bytes would be looped");
         return ExitCode::Done;
     }
@@ -126,28 +192,21 @@ ExitCode DiagLoopback(tools::Invocation& invocation) {
                                      "I/O through this port stops until it ends."));
     const std::vector<uint8_t> sent = Pattern(size);
     std::vector<uint8_t> received(size);
-    HX_LOOPBACK_EX_RESULT answer{};
-    const HX_STATUS status = HXRunDiagLoopbackEx(session.Handle(), 0, options, sent.data(), size,
-                                                 received.data(), size, iterations, &answer);
-    result.Add("tested", "Tested", Value::Flag(status == HXMGT_SUCCESS));
+    LoopbackOutcome outcome{{}, size, 0};
+    const HX_STATUS status =
+        HXRunDiagLoopbackEx(session.Handle(), 0, options, sent.data(), size, received.data(), size,
+                            iterations, &outcome.reported);
     if (status != HXMGT_SUCCESS) {
         return invocation.Report(status, "loopback", session.port.Object());
     }
-    const size_t differences = Differences(sent, received);
-    const bool complete = answer.completion == HX_LOOPBACK_COMPLETE;
-    const uint32_t done = uint32_t{answer.counters[3]} << 16 | answer.counters[4];
-    result.Add("completion", "Completion", Value::Text(CompletionText(answer.completion)));
-    result.Add("size", "Size", Value::Number(size, "bytes"));
-    result.Add("wrong_bytes", "Wrong bytes", Value::Number(differences));
-    result.Add("crc_errors", "CRC errors", Value::Number(answer.counters[0]));
-    result.Add("disparity_errors", "Disparity errors", Value::Number(answer.counters[1]));
-    result.Add("frame_length_errors", "Frame length errors", Value::Number(answer.counters[2]));
-    result.Add("iterations", "Iterations done", Value::Number(done));
-    if (!complete || differences != 0) {
+    outcome.wrongBytes = Differences(sent, received);
+    result.tested = true;
+    result.outcome = outcome;
+    if (!outcome.IsComplete() || outcome.wrongBytes != 0) {
         invocation.Fail(ExitCode::Failed,
-                        complete
-                            ? std::to_string(differences) + " bytes came back wrong"
-                            : "the firmware ended the test: " + CompletionText(answer.completion));
+                        outcome.IsComplete()
+                            ? std::to_string(outcome.wrongBytes) + " bytes came back wrong"
+                            : "the firmware ended the test: " + outcome.Completion());
     }
     return ExitCode::Done;
 }
@@ -156,8 +215,8 @@ ExitCode DiagDport(tools::Invocation& invocation) {
     constexpr std::chrono::milliseconds kPoll{500};
     constexpr int kLongest = 600;  // polls: five minutes
     const PortSession session = OpenSelectedPort(invocation);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
+    tools::GrowingResult<DportResult> result(invocation.Result(), DportFields(),
+                                             {&session.port, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: a D-port test would run");
         return ExitCode::Done;
@@ -182,7 +241,7 @@ ExitCode DiagDport(tools::Invocation& invocation) {
     while (bytes.size() > 1 && bytes.back() == 0) {
         bytes = bytes.first(bytes.size() - 1);
     }
-    AddData(invocation, "Results", bytes);
+    result.data = DataRows(invocation, bytes);
     return ExitCode::Done;
 }
 
@@ -190,9 +249,8 @@ ExitCode DiagMailbox(tools::Invocation& invocation) {
     const std::vector<uint16_t> registers = GivenRegisters(invocation);
     const auto wanted = static_cast<size_t>(invocation.Given().Number("registers").value_or(8));
     const PortSession session = OpenSelectedPort(invocation);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("command", "Command", Value::Text(tools::Hex(registers[0], 4)));
+    tools::GrowingResult<MailboxResult> result(invocation.Result(), MailboxFields(),
+                                               {&session.port, registers[0], {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the mailbox command would be sent");
         return ExitCode::Done;
@@ -205,12 +263,10 @@ ExitCode DiagMailbox(tools::Invocation& invocation) {
                                                static_cast<int16_t>(registers.size()),
                                                answer.data(), static_cast<int16_t>(wanted));
     invocation.Changed();
-    std::vector<Record> rows;
+    result.registers.emplace();
     for (size_t number = 0; number < wanted; ++number) {
-        rows.push_back(RegisterRow(number, answer[number]));
+        result.registers->push_back({number, answer[number]});
     }
-    result.AddList("registers", "Registers", tools::ListLayout::Table, RegisterRow(0, 0),
-                   "no registers", std::move(rows));
     return status == HXMGT_SUCCESS
                ? ExitCode::Done
                : invocation.Report(status, "the mailbox command", session.port.Object());
@@ -228,6 +284,7 @@ tools::CommandRows DiagCommands() {
             .arguments = kLoopbackArguments,
             .run = DiagLoopback,
             .example = "diag loopback --size 512 --iterations 10 -p scsi:3",
+            .result = tools::ShapeOf<LoopbackFields>,
         },
         {
             .path = "diag dport",
@@ -236,6 +293,7 @@ tools::CommandRows DiagCommands() {
             .schema = "diag.dport",
             .run = DiagDport,
             .example = "diag dport -p scsi:3",
+            .result = tools::ShapeOf<DportFields>,
         },
         {
             .path = "diag mailbox",
@@ -245,6 +303,7 @@ tools::CommandRows DiagCommands() {
             .arguments = kMailboxArguments,
             .run = DiagMailbox,
             .example = "diag mailbox 0x08 -p scsi:3",
+            .result = tools::ShapeOf<MailboxFields>,
         },
     };
     return kCommands;

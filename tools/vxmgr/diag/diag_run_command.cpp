@@ -4,6 +4,7 @@
 
 #include "common/status_codes.h"
 #include "common/text.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/diag/commands.h"
@@ -18,22 +19,22 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
 using tools::Tone;
 using tools::Value;
 
-constexpr tools::Argument kArguments[] = {
-    {"-t,--target", tools::ArgumentKind::Text, "TARGET",
-     "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
+constexpr tools::Argument kRunArguments[] = {
+    {.name = "-t,--target",
+     .valueName = "TARGET",
+     .help = "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
 };
 
 // The fabric and remote ports get their time as well, and whole regions are read.
 constexpr std::chrono::seconds kCheckTime{60};
 
-enum class Outcome : uint8_t { Passed, Warning, Failed, Skipped };
+enum class CheckOutcome : uint8_t { Passed, Warning, Failed, Skipped };
 
 struct Finding {
-    Outcome outcome = Outcome::Passed;
+    CheckOutcome outcome = CheckOutcome::Passed;
     std::string detail;
 };
 
@@ -52,7 +53,7 @@ Finding OfStatus(HX_STATUS status) {
         return {};
     }
     const bool cannot = tools::ExitCodeOf(status) == ExitCode::NotSupported;
-    return {cannot ? Outcome::Skipped : Outcome::Failed,
+    return {cannot ? CheckOutcome::Skipped : CheckOutcome::Failed,
             StatusMessage(status) + " (" + tools::StatusText(status) + ")"};
 }
 
@@ -70,17 +71,17 @@ Finding CheckDriver(const Subject& subject) {
 
 Finding CheckFirmware(const Subject& subject) {
     if (!subject.port.firmware) {
-        return {Outcome::Skipped, "the driver does not report the firmware"};
+        return {CheckOutcome::Skipped, "the driver does not report the firmware"};
     }
     const auto& version = subject.port.firmware->version;
     const std::string text = tools::FieldText(version, sizeof version);
-    return text.empty() ? Finding{Outcome::Failed, "no version is reported"}
-                        : Finding{Outcome::Passed, "version " + text};
+    return text.empty() ? Finding{CheckOutcome::Failed, "no version is reported"}
+                        : Finding{CheckOutcome::Passed, "version " + text};
 }
 
 Finding CheckStoredCode(const Subject& subject) {
     if (subject.sibling) {
-        return {Outcome::Skipped, "as of port " + std::to_string(*subject.sibling)};
+        return {CheckOutcome::Skipped, "as of port " + std::to_string(*subject.sibling)};
     }
     FlashLayout layout;
     const HX_STATUS status = QueryFlashLayout(subject.handle, &layout);
@@ -96,7 +97,7 @@ Finding CheckStoredCode(const Subject& subject) {
             return OfStatus(code.status);
         }
         if (!damage.empty()) {
-            finding.outcome = Outcome::Failed;
+            finding.outcome = CheckOutcome::Failed;
             finding.detail += (finding.detail.empty() ? "" : "; ") + damage;
         }
     }
@@ -105,7 +106,7 @@ Finding CheckStoredCode(const Subject& subject) {
 
 Finding CheckLink(const Subject& subject) {
     if (!subject.port.port) {
-        return {Outcome::Failed, "the port's properties cannot be read"};
+        return {CheckOutcome::Failed, "the port's properties cannot be read"};
     }
     const Value state = StateValue(subject.port);
     const std::string* text = std::get_if<std::string>(&state.Content());
@@ -114,9 +115,9 @@ Finding CheckLink(const Subject& subject) {
                                                      : "unknown state";
     // Somebody wanted a disabled port to be down.
     if (subject.port.disabled.value_or(false)) {
-        return {Outcome::Warning, shown};
+        return {CheckOutcome::Warning, shown};
     }
-    return {subject.IsOnline() ? Outcome::Passed : Outcome::Failed, shown};
+    return {subject.IsOnline() ? CheckOutcome::Passed : CheckOutcome::Failed, shown};
 }
 
 Finding CheckLinkErrors(const Subject& subject) {
@@ -127,42 +128,40 @@ Finding CheckLinkErrors(const Subject& subject) {
     }
     const std::string errors = LinkErrorsText(statistics);
     const std::string since = " in " + std::to_string(statistics.secondsSinceReset) + " s";
-    return errors.empty()
-               ? Finding{Outcome::Passed, "none" + since}
-               : Finding{Outcome::Warning, errors + since + "; `port stats clear` begins anew"};
+    return errors.empty() ? Finding{CheckOutcome::Passed, "none" + since}
+                          : Finding{CheckOutcome::Warning,
+                                    errors + since + "; `port stats clear` begins anew"};
 }
 
 Finding CheckDiagnosticMode(const Subject& subject) {
     if (!subject.port.hasSecondVersion || !subject.port.port) {
-        return {Outcome::Skipped, "the driver does not report it"};
+        return {CheckOutcome::Skipped, "the driver does not report it"};
     }
     const uint8_t state = subject.port.port->diagnosticState;
-    return state == 0
-               ? Finding{}
-               : Finding{Outcome::Warning, "a diagnostic state is on: " + std::to_string(state)};
+    return state == 0 ? Finding{}
+                      : Finding{CheckOutcome::Warning,
+                                "a diagnostic state is on: " + std::to_string(state)};
 }
 
 Finding CheckNameServer(const Subject& subject) {
     if (!subject.IsOnline()) {
-        return {Outcome::Skipped, "the port is not online"};
+        return {CheckOutcome::Skipped, "the port is not online"};
     }
     const auto request = NameServerRequest(kGetAllNext, std::vector<uint8_t>(4), kGetAllNextLength);
     std::vector<uint8_t> response(sizeof(CtHeader) + kGetAllNextLength);
-    const HX_STATUS status =
-        HXSendCTPassThru(subject.handle, request.data(), static_cast<uint32_t>(request.size()),
-                         response.data(), static_cast<uint32_t>(response.size()));
+    const HX_STATUS status = SendCt(subject.handle, request, &response);
     if (status != HXMGT_SUCCESS) {
         return OfStatus(status);
     }
     const CtResponse answer = DecodeCtResponse(response).value_or(CtResponse{});
-    return answer.accepted ? Finding{} : Finding{Outcome::Warning, CtRejectText(answer)};
+    return answer.accepted ? Finding{} : Finding{CheckOutcome::Warning, CtRejectText(answer)};
 }
 
 Finding CheckDumps(const Subject& subject) {
     uint32_t size = 0;
     const HX_STATUS status = DumpKinds().front().size(subject.handle, &size);
     if (status == HXMGT_SUCCESS && size != 0) {
-        return {Outcome::Warning, "the firmware made a dump: `dump save fc FILE`"};
+        return {CheckOutcome::Warning, "the firmware made a dump: `dump save fc FILE`"};
     }
     return status == HXMGT_NO_FIRMWARE_DUMP ? Finding{} : OfStatus(status);
 }
@@ -170,7 +169,7 @@ Finding CheckDumps(const Subject& subject) {
 Finding CheckEcho(const Subject& subject) {
     constexpr size_t kBytes = 128;
     if (subject.target == nullptr) {
-        return {Outcome::Skipped, "no target given: -t"};
+        return {CheckOutcome::Skipped, "no target given: -t"};
     }
     const auto request = EchoRequest(kBytes, 1);
     std::vector<uint8_t> answer;
@@ -178,7 +177,8 @@ Finding CheckEcho(const Subject& subject) {
     if (status != HXMGT_SUCCESS) {
         return OfStatus(status);
     }
-    return IsEchoOf(request, answer) ? Finding{} : Finding{Outcome::Failed, "other data came back"};
+    return IsEchoOf(request, answer) ? Finding{}
+                                     : Finding{CheckOutcome::Failed, "other data came back"};
 }
 
 struct Check {
@@ -199,17 +199,31 @@ constexpr Check kChecks[] = {
     {"echo", CheckEcho},
 };
 
-Record CheckRow(const Port& port, const char* check, const Finding& finding) {
-    constexpr const char* kNames[] = {"passed", "warning", "failed", "skipped"};
+struct CheckRow : Finding {
+    const Port* port;
+    const char* check;
+
+    std::string Serial() const { return port->Serial(); }
+};
+
+const tools::Fields<std::vector<CheckRow>>& DiagRunFields() {
+    // In the order of CheckOutcome.
+    static constexpr const char* kOutcomes[] = {"passed", "warning", "failed", "skipped"};
     constexpr Tone kTones[] = {Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
-    const auto outcome = static_cast<size_t>(finding.outcome);
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
-    row.Add("check", "Check", Value::Text(check), "CHECK");
-    row.Add("outcome", "Outcome", Value::Text(kNames[outcome]).In(kTones[outcome]), "OUTCOME");
-    row.Add("detail", "Detail", Value::TextOrNull(finding.detail), "DETAIL");
-    return row;
+    const auto outcome = [kTones](const CheckRow& row) {
+        const auto place = static_cast<size_t>(row.outcome);
+        return Value::Text(kOutcomes[place]).In(kTones[place]);
+    };
+    static const tools::Fields<CheckRow> kRows = {
+        {PortKeys(), &CheckRow::port},
+        {"serial", "Adapter", "ADAPTER", tools::kSerial.OrNull(), &CheckRow::Serial},
+        {"check", "Check", "CHECK", tools::kText, &CheckRow::check},
+        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), outcome},
+        {"detail", "Detail", "DETAIL", tools::kText.OrNull(), &CheckRow::detail},
+    };
+    static const auto kFields = tools::ListOf<std::vector<CheckRow>>(
+        "checks", "Checks", kRows, tools::ListLayout::Table, "no ports");
+    return kFields;
 }
 
 // Ports that share an adapter with an earlier one, which looks at its flash for them: by index.
@@ -237,11 +251,11 @@ ExitCode DiagRun(tools::Invocation& invocation) {
         target = GivenTarget(invocation);
     }
     std::vector<Port> ports = ReadSelectedPorts(invocation);
-    std::vector<Record> rows;
+    std::vector<CheckRow> rows;
     size_t failed = 0;
     const auto add = [&](const Port& port, const Check& check, const Finding& finding) {
-        rows.push_back(CheckRow(port, check.name, finding));
-        if (finding.outcome == Outcome::Failed) {
+        rows.push_back({finding, &port, check.name});
+        if (finding.outcome == CheckOutcome::Failed) {
             ++failed;
             const std::string& detail = finding.detail;
             invocation.Add({tools::Severity::Error,
@@ -273,8 +287,7 @@ ExitCode DiagRun(tools::Invocation& invocation) {
             add(*one.port, kChecks[i], one.answer[i]);
         }
     }
-    invocation.Result().AddList("checks", "Checks", tools::ListLayout::Table, CheckRow({}, "", {}),
-                                "no ports", std::move(rows));
+    invocation.Result() = DiagRunFields().Make(rows);
     if (failed != 0) {
         invocation.Fail(ExitCode::Failed,
                         failed == 1 ? "1 check failed" : std::to_string(failed) + " checks failed");
@@ -291,9 +304,10 @@ tools::CommandRows DiagRunCommands() {
             .risk = tools::Risk::Reads,
             .help = "run every check that does no harm",
             .schema = "diag.run",
-            .arguments = kArguments,
+            .arguments = kRunArguments,
             .run = DiagRun,
             .example = "diag run -p scsi:3",
+            .result = tools::ShapeOf<DiagRunFields>,
         },
     };
     return kCommands;

@@ -3,6 +3,7 @@
 #include "common/console.h"
 #include "common/status_codes.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/size_text.h"
@@ -15,7 +16,7 @@ namespace {
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
+using tools::kText;
 using tools::Value;
 
 constexpr Argument kSaveArguments[] = {
@@ -24,7 +25,9 @@ constexpr Argument kSaveArguments[] = {
      .required = true,
      .choices = kDumpNames},
     {.name = "FILE", .help = "the file to write", .required = true},
-    {"--text", ArgumentKind::Flag, "", "the firmware's registers and memory as text (fc alone)"},
+    {.name = "--text",
+     .kind = ArgumentKind::Flag,
+     .help = "the firmware's registers and memory as text (fc alone)"},
 };
 
 // A dump that is not there, or that the chip does not make, is no failure of a list.
@@ -32,24 +35,16 @@ bool HasNone(HX_STATUS status) {
     return status == HXMGT_NO_FIRMWARE_DUMP || tools::ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
-const char* StateOf(HX_STATUS status, uint32_t size) {
-    if (status == HXMGT_NO_FIRMWARE_DUMP || (status == HXMGT_SUCCESS && size == 0)) {
-        return "none";
-    }
-    if (status == HXMGT_SUCCESS) {
-        return "present";
-    }
-    return HasNone(status) ? "not supported" : "failed";
-}
-
-Value SizeValue(uint64_t size) {
+Value DumpSizeValue(uint64_t size) {
     return Value::Number(size, "bytes").Shown(SizeText(size));
 }
 
 struct DumpSize {
-    const DumpKind* kind;
-    HX_STATUS status;
-    uint32_t bytes;
+    const DumpKind* kind = nullptr;
+    HX_STATUS status = HXMGT_SUCCESS;
+    uint32_t bytes = 0;
+
+    bool IsPresent() const { return status == HXMGT_SUCCESS && bytes != 0; }
 };
 
 // The first failure among the sizes; they all are asked for.
@@ -68,31 +63,79 @@ HX_STATUS AskSizes(PortVisit& visit, std::vector<DumpSize>* sizes) {
     return failure;
 }
 
-Record DumpRow(const Port& port, const DumpKind& kind, HX_STATUS status, uint32_t size) {
-    const bool present = status == HXMGT_SUCCESS && size != 0;
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
-    row.Add("kind", "Kind", Value::Text(kind.name), "KIND");
-    row.Add("what", "Of", Value::Text(kind.what), "OF");
-    row.Add(
-        "state", "State",
-        Value::Text(StateOf(status, size)).In(present ? tools::Tone::Warning : tools::Tone::Plain),
-        "STATE");
-    row.Add("size", "Size", present ? SizeValue(size) : Value(), "SIZE");
-    row.Add("status", "Status", HasNone(status) ? Value() : StatusValue(status));
-    return row;
+struct DumpRow : DumpSize {
+    const Port* port = nullptr;
+
+    std::string Serial() const { return port->Serial(); }
+};
+
+Value DumpStateValue(const DumpRow& row) {
+    if (row.IsPresent()) {
+        return Value::Text("present").In(tools::Tone::Warning);
+    }
+    if (row.status == HXMGT_NO_FIRMWARE_DUMP || row.status == HXMGT_SUCCESS) {
+        return Value::Text("none");
+    }
+    return Value::Text(HasNone(row.status) ? "not supported" : "failed");
 }
 
-void AddFile(Record& result, const PortSession& session, const std::string& kind,
-             const std::string& path, uint64_t size) {
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("kind", "Kind", Value::Text(kind));
-    result.Add("file", "File", Value::Text(path));
-    result.Add("size", "Size", SizeValue(size));
+const tools::Fields<std::vector<DumpRow>>& DumpListFields() {
+    static constexpr const char* kStates[] = {"present", "none", "not supported", "failed"};
+    const auto size = [](const DumpRow& row) {
+        return row.IsPresent() ? DumpSizeValue(row.bytes) : Value();
+    };
+    const auto status = [](const DumpRow& row) {
+        return HasNone(row.status) ? Value() : StatusValue(row.status);
+    };
+    static const tools::Fields<DumpRow> kRows = {
+        {PortKeys(), &DumpRow::port},
+        {"serial", "Adapter", "ADAPTER", tools::kSerial.OrNull(), &DumpRow::Serial},
+        {"kind", "Kind", "KIND", tools::Choice(kDumpNames),
+         [](const DumpRow& row) { return row.kind->name; }},
+        {"what", "Of", "OF", kText, [](const DumpRow& row) { return row.kind->what; }},
+        {"state", "State", "STATE", tools::Choice(kStates), DumpStateValue},
+        {"size", "Size", "SIZE", tools::kInteger.OrNull(), size},
+        {"status", "Status", kText.OrNull(), status},
+    };
+    static const auto kFields = tools::ListOf<std::vector<DumpRow>>(
+        "dumps", "Dumps", kRows, tools::ListLayout::Table, "no ports");
+    return kFields;
 }
 
-void SaveText(tools::Invocation& invocation, const PortSession& session, const std::string& path) {
+struct SavedDump {
+    const Port* port;
+    const DumpKind* kind;
+    std::string file;
+    uint64_t size;
+};
+
+const tools::Fields<SavedDump>& SavedDumpFields() {
+    static const tools::Fields<SavedDump> kFields = {
+        {PortKeys(), &SavedDump::port},
+        {"kind", "Kind", kText, [](const SavedDump& saved) { return saved.kind->name; }},
+        {"file", "File", kText, &SavedDump::file},
+        {"size", "Size", tools::kInteger.OrNull(),
+         [](const SavedDump& saved) { return DumpSizeValue(saved.size); }},
+    };
+    return kFields;
+}
+
+struct DumpTaken {
+    const Port* port;
+    std::optional<bool> taken;
+};
+
+const tools::Fields<DumpTaken>& DumpTakenFields() {
+    static const tools::Fields<DumpTaken> kFields = {
+        {PortKeys(), &DumpTaken::port},
+        {"taken", "Dump taken", tools::kFlag.OrAbsent(), &DumpTaken::taken},
+    };
+    return kFields;
+}
+
+// How long the text became.
+uint64_t SaveText(tools::Invocation& invocation, const PortSession& session,
+                  const std::string& path) {
     uint64_t size = 0;
     ReplaceFile(invocation, path, [&](const std::string& temporary) {
         invocation.Progress("fetching the firmware dump");
@@ -105,11 +148,11 @@ void SaveText(tools::Invocation& invocation, const PortSession& session, const s
         }
         size = FileSize(temporary);
     });
-    AddFile(invocation.Result(), session, "fc", path, size);
+    return size;
 }
 
-void SaveBytes(tools::Invocation& invocation, const PortSession& session, const DumpKind& kind,
-               const std::string& path) {
+uint64_t SaveBytes(tools::Invocation& invocation, const PortSession& session, const DumpKind& kind,
+                   const std::string& path) {
     const std::string name = std::string("the ") + kind.name + " dump";
     uint32_t size = 0;
     HX_STATUS status = kind.size(session.Handle(), &size);
@@ -126,15 +169,15 @@ void SaveBytes(tools::Invocation& invocation, const PortSession& session, const 
         invocation.Fail(status, name, session.port.Object());
     }
     SaveFile(invocation, path, bytes);
-    AddFile(invocation.Result(), session, kind.name, path, bytes.size());
+    return bytes.size();
 }
 
 ExitCode DumpTake(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
+    tools::GrowingResult<DumpTaken> result(invocation.Result(), DumpTakenFields(),
+                                           {&session.port, {}});
     if (invocation.DryRun()) {
-        result.Add("taken", "Dump taken", Value::Flag(false));
+        result.taken = false;
         invocation.Note("dry run: a firmware dump would be taken");
         return ExitCode::Done;
     }
@@ -143,7 +186,7 @@ ExitCode DumpTake(tools::Invocation& invocation) {
         "The firmware stops and restarts: I/O through this adapter halts meanwhile. An older dump "
         "is replaced."));
     const HX_STATUS status = HXForceFwDump(session.Handle());
-    result.Add("taken", "Dump taken", Value::Flag(status == HXMGT_SUCCESS));
+    result.taken = status == HXMGT_SUCCESS;
     if (status != HXMGT_SUCCESS) {
         return invocation.Report(status, "the dump was not taken", session.port.Object());
     }
@@ -161,18 +204,16 @@ ExitCode DumpSave(tools::Invocation& invocation) {
                         "only fc has one");
     }
     const PortSession session = OpenSelectedPort(invocation);
-    if (asText) {
-        SaveText(invocation, session, path);
-    } else {
-        SaveBytes(invocation, session, kind, path);
-    }
+    const uint64_t size =
+        asText ? SaveText(invocation, session, path) : SaveBytes(invocation, session, kind, path);
+    invocation.Result() = SavedDumpFields().Make({&session.port, &kind, path, size});
     return ExitCode::Done;
 }
 
 ExitCode DumpList(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> shown = SelectPorts(invocation, ports);
-    std::vector<Record> rows;
+    std::vector<DumpRow> rows;
     for (const auto& one : ForEachPort<std::vector<DumpSize>>(invocation, shown, AskSizes)) {
         Port& port = *one.port;
         if (one.status != HXMGT_SUCCESS && port.failure == HXMGT_SUCCESS) {
@@ -180,12 +221,10 @@ ExitCode DumpList(tools::Invocation& invocation) {
             port.failedQuery = one.query;
         }
         for (const DumpSize& size : one.answer) {
-            rows.push_back(DumpRow(port, *size.kind, size.status, size.bytes));
+            rows.push_back({size, &port});
         }
     }
-    invocation.Result().AddList("dumps", "Dumps", tools::ListLayout::Table,
-                                DumpRow({}, DumpKinds().front(), HXMGT_SUCCESS, 0), "no ports",
-                                std::move(rows));
+    invocation.Result() = DumpListFields().Make(rows);
     return ReportFailures(invocation, shown);
 }
 
@@ -200,6 +239,7 @@ tools::CommandRows DumpCommands() {
             .schema = "dump.list",
             .run = DumpList,
             .example = "dump list -p scsi:3",
+            .result = tools::ShapeOf<DumpListFields>,
         },
         {
             .path = "dump save",
@@ -209,6 +249,7 @@ tools::CommandRows DumpCommands() {
             .arguments = kSaveArguments,
             .run = DumpSave,
             .example = "dump save fc firmware.dmp -p scsi:3",
+            .result = tools::ShapeOf<SavedDumpFields>,
         },
         {
             .path = "dump take",
@@ -217,6 +258,7 @@ tools::CommandRows DumpCommands() {
             .schema = "dump.take",
             .run = DumpTake,
             .example = "dump take -p scsi:3",
+            .result = tools::ShapeOf<DumpTakenFields>,
         },
     };
     return kCommands;

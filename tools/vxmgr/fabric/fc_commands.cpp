@@ -5,6 +5,8 @@
 #include "common/status_codes.h"
 #include "common/text.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/fc_services.h"
 #include "vxmgr/fabric/scsi_unit.h"
@@ -15,17 +17,19 @@ namespace {
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
+using tools::kInteger;
+using tools::kText;
+using tools::kWwn;
 using tools::ListLayout;
-using tools::Record;
-using tools::Value;
 
 constexpr size_t kLongestCt = 65536;
 constexpr size_t kLongestCtAnswer = size_t{1} << 20;
 constexpr uint8_t kTopologyFormat = 0xDF;
 
 constexpr Argument kNodeArguments[] = {
-    {"-t,--target", ArgumentKind::Text, "TARGET",
-     "remote port: wwn:NAME; without it the port that this one is attached to"},
+    {.name = "-t,--target",
+     .valueName = "TARGET",
+     .help = "remote port: wwn:NAME; without it the port that this one is attached to"},
 };
 constexpr Argument kRemoteArguments[] = {kTargetArgument};
 constexpr Argument kEchoArguments[] = {
@@ -51,12 +55,12 @@ constexpr Argument kCtArguments[] = {
      .help = "bytes of the longest response (4096)",
      .least = sizeof(CtHeader),
      .most = kLongestCtAnswer},
-    {"--out-file", ArgumentKind::Text, "FILE", "where the response goes"},
+    {.name = "--out-file", .valueName = "FILE", .help = "where the response goes"},
 };
 constexpr Argument kElsArguments[] = {
     {.name = "FILE", .help = "the request, binary, its command code first", .required = true},
     kTargetArgument,
-    {"--out-file", ArgumentKind::Text, "FILE", "where the response goes"},
+    {.name = "--out-file", .valueName = "FILE", .help = "where the response goes"},
 };
 
 // Link services go by port name or identifier.
@@ -69,22 +73,172 @@ HX_SCSI_ADDRESS GivenRemotePort(tools::Invocation& invocation) {
     return address;
 }
 
-Record NameRow(const NamedPort& port, uint32_t own) {
-    Record row;
-    row.Add("port_id", "Port ID", Value::Text(tools::Hex(port.portId, 6)), "PORT ID");
-    row.Add("port_wwn", "Port name", Value::Name(port.portName), "PORT NAME");
-    row.Add("node_wwn", "Node name", Value::Name(port.nodeName), "NODE NAME");
-    row.Add("type", "Type", Value::Text(PortTypeName(port.type)), "TYPE");
-    row.Add("protocols", "Protocols", Value::TextOrNull(port.protocols), "PROTOCOLS");
-    row.Add("own", "This port", Value::Flag(own == port.portId), "THIS PORT");
-    row.Add("symbolic_port", "Symbolic port name", Value::TextOrNull(port.symbolicPort),
-            "SYMBOLIC NAME");
-    row.Add("symbolic_node", "Symbolic node name", Value::TextOrNull(port.symbolicNode));
-    return row;
+struct FabricNameRow : NamedPort {
+    bool own = false;
+};
+
+struct FabricNamesResult {
+    const Port* port;
+    std::vector<FabricNameRow> names;
+};
+
+const tools::Fields<FabricNamesResult>& FabricNamesFields() {
+    using Row = FabricNameRow;
+    static const tools::Fields<Row> kNames = {
+        {"port_id", "Port ID", "PORT ID", tools::Hexadecimal(6), &Row::portId},
+        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), &Row::portName},
+        {"node_wwn", "Node name", "NODE NAME", kWwn.OrNull(), &Row::nodeName},
+        {"type", "Type", "TYPE", kText, [](const Row& row) { return PortTypeName(row.type); }},
+        {"protocols", "Protocols", "PROTOCOLS", kText.OrNull(), &Row::protocols},
+        {"own", "This port", "THIS PORT", tools::kFlag, &Row::own},
+        {"symbolic_port", "Symbolic port name", "SYMBOLIC NAME", kText.OrNull(),
+         &Row::symbolicPort},
+        {"symbolic_node", "Symbolic node name", kText.OrNull(), &Row::symbolicNode},
+    };
+    static const tools::Fields<FabricNamesResult> kFields = {
+        {PortKeys(kNoPortKey), &FabricNamesResult::port},
+        {"ports", "Ports", kNames, &FabricNamesResult::names, ListLayout::Table,
+         "the name server knows no ports"},
+    };
+    return kFields;
 }
 
-uint32_t OwnPortId(const Port& port) {
-    return port.port ? static_cast<uint32_t>(BigEndian(port.port->portId)) : 0;
+// port_wwn is here that of the port that answered.
+struct FabricNodeResult {
+    const Port* port;
+    NodeIdentification node;
+};
+
+const tools::Fields<FabricNodeResult>& FabricNodeFields() {
+    using Result = FabricNodeResult;
+    static const tools::Fields<Result> kFields = {
+        {"port", "", kInteger, [](const Result& result) { return result.port->index; }},
+        {"scsi_port", "", kInteger.OrNull(),
+         [](const Result& result) { return result.port->scsiPort; }},
+        {"adapter_serial", "", tools::kSerial.OrNull(),
+         [](const Result& result) { return result.port->Serial(); }},
+        {NodeIdentificationFields(), &Result::node},
+    };
+    return kFields;
+}
+
+struct RemoteErrorsResult {
+    const Port* port;
+    uint32_t portId;
+    std::optional<LinkErrors> errors;
+};
+
+const tools::Fields<RemoteErrorsResult>& RemoteErrorsFields() {
+    using Result = RemoteErrorsResult;
+    static const tools::Fields<Result> kFields = {
+        {PortKeys(kNoPortKey), &Result::port},
+        {"port_id", "Port ID", tools::Hexadecimal(6), &Result::portId, "of the port that answered"},
+        {"errors", "Link errors", LinkErrorsFields(), &Result::errors, "", tools::kGroup},
+    };
+    return kFields;
+}
+
+struct EchoResult {
+    const Port* port;
+    uint64_t count;
+    size_t size;
+    uint64_t good = 0;
+    uint64_t least = UINT64_MAX;
+    uint64_t most = 0;
+    uint64_t sum = 0;
+
+    void Add(uint64_t time) {
+        least = std::min(least, time);
+        most = std::max(most, time);
+        sum += time;
+    }
+    uint64_t Mean() const { return sum / count; }
+};
+
+const tools::Fields<EchoResult>& EchoFields() {
+    static const tools::Fields<EchoResult> kFields = {
+        {PortKeys(kNoPortKey), &EchoResult::port},
+        {"sent", "Sent", kInteger, &EchoResult::count},
+        {"good", "Came back unchanged", kInteger, &EchoResult::good},
+        {"size", "Size", tools::Integer("bytes").OrNull(), &EchoResult::size},
+        {"least_us", "Shortest", tools::Integer("us"), &EchoResult::least},
+        {"mean_us", "Mean", tools::Integer("us"), &EchoResult::Mean},
+        {"most_us", "Longest", tools::Integer("us"), &EchoResult::most},
+    };
+    return kFields;
+}
+
+// What came back, saved or shown.
+struct FabricResponse {
+    std::string file;
+    std::optional<std::vector<HexRow>> data;
+};
+
+const tools::Fields<FabricResponse>& FabricResponseFields() {
+    static const tools::Fields<FabricResponse> kFields = {
+        {"file", "File", kText.OrAbsent(), &FabricResponse::file},
+        {"data", "Response", HexRowFields(), &FabricResponse::data, ListLayout::Table, "no data"},
+    };
+    return kFields;
+}
+
+FabricResponse TakeResponse(tools::Invocation& invocation, Bytes response) {
+    const std::string path = invocation.Given().Text("out-file");
+    if (path.empty()) {
+        return {{}, DataRows(invocation, response)};
+    }
+    SaveFile(invocation, path, response);
+    return {path, {}};
+}
+
+struct CtResult {
+    const Port* port;
+    CtHeader header;
+    size_t sent;
+    std::optional<CtResponse> answer;
+    FabricResponse response;
+};
+
+const tools::Fields<CtResult>& CtResultFields() {
+    static const tools::Fields<CtResponse> kAnswer = {
+        {"accepted", "Accepted", tools::kFlag, &CtResponse::accepted},
+        {"response", "Response code", tools::Hexadecimal(4), &CtResponse::code},
+        {"reason", "Reason", kText.OrNull(),
+         [](const CtResponse& answer) { return answer.accepted ? "" : CtRejectText(answer); }},
+    };
+    const auto service = [](const CtResult& result) {
+        return CtServiceName(result.header.gsType, result.header.gsSubtype);
+    };
+    const auto command = [](const CtResult& result) { return BigEndian(result.header.command); };
+    static const tools::Fields<CtResult> kFields = {
+        {PortKeys(kNoPortKey), &CtResult::port},
+        {"service", "Service", kText, service},
+        {"command", "Command", tools::Hexadecimal(4), command},
+        {"sent", "Sent", tools::Integer("bytes"), &CtResult::sent},
+        {kAnswer, &CtResult::answer},
+        {FabricResponseFields(), &CtResult::response},
+    };
+    return kFields;
+}
+
+struct ElsResult {
+    const Port* port;
+    uint8_t request;
+    size_t sent;
+    std::string answer;
+    FabricResponse response;
+};
+
+const tools::Fields<ElsResult>& ElsResultFields() {
+    static const tools::Fields<ElsResult> kFields = {
+        {PortKeys(kNoPortKey), &ElsResult::port},
+        {"request", "Request", kText,
+         [](const ElsResult& result) { return ElsName(result.request); }},
+        {"sent", "Sent", tools::Integer("bytes"), &ElsResult::sent},
+        {"response", "Response", kText.OrAbsent(), &ElsResult::answer},
+        {FabricResponseFields(), &ElsResult::response},
+    };
+    return kFields;
 }
 
 // Walks the name server from the lowest identifier until it starts over.
@@ -123,37 +277,14 @@ ExitCode LinkServiceFailed(tools::Invocation& invocation, const PortSession& ses
     return tools::ExitCodeOf(status);
 }
 
-void AddResponse(tools::Invocation& invocation, Bytes response) {
-    if (invocation.Given().Has("out-file")) {
-        const std::string path = invocation.Given().Text("out-file");
-        SaveFile(invocation, path, response);
-        invocation.Result().Add("file", "File", Value::Text(path));
-    } else {
-        AddData(invocation, "Response", response);
-    }
-}
-
-struct EchoTimes {
-    uint64_t least = UINT64_MAX;
-    uint64_t most = 0;
-    uint64_t sum = 0;
-
-    void Add(uint64_t time) {
-        least = std::min(least, time);
-        most = std::max(most, time);
-        sum += time;
-    }
-};
-
 ExitCode FabricNames(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
-    const uint32_t own = OwnPortId(session.port);
-    std::vector<Record> rows;
+    const uint32_t own = session.port.port ? PortIdOf(session.port.port->portId) : 0;
+    FabricNamesResult result{&session.port, {}};
     for (const NamedPort& port : WalkNames(invocation, session)) {
-        rows.push_back(NameRow(port, own));
+        result.names.push_back({port, own == port.portId});
     }
-    invocation.Result().AddList("ports", "Ports", ListLayout::Table, NameRow({}, 0),
-                                "the name server knows no ports", std::move(rows));
+    invocation.Result() = FabricNamesFields().Make(result);
     return ExitCode::Done;
 }
 
@@ -174,7 +305,8 @@ ExitCode FabricNode(tools::Invocation& invocation) {
     if (status != HXMGT_SUCCESS) {
         return LinkServiceFailed(invocation, session, status, "RNID", {});
     }
-    invocation.Result() = NodeIdentificationRecord(answer);
+    invocation.Result() =
+        FabricNodeFields().Make({&session.port, DecodeNodeIdentification(answer)});
     return ExitCode::Done;
 }
 
@@ -191,8 +323,7 @@ ExitCode FabricLinkErrors(tools::Invocation& invocation) {
                                  status == HXMGT_SUCCESS ? HXMGT_ELS_REJECTED : status, "RLS",
                                  answer);
     }
-    invocation.Result().Add("port_id", "Port ID", Value::Text(tools::Hex(portId, 6)));
-    invocation.Result().AddGroup("errors", "Link errors", LinkErrorsRecord(*errors));
+    invocation.Result() = RemoteErrorsFields().Make({&session.port, portId, errors});
     return ExitCode::Done;
 }
 
@@ -202,8 +333,7 @@ ExitCode FabricEcho(tools::Invocation& invocation) {
     const size_t size = static_cast<size_t>(invocation.Given().Number("size").value_or(128));
     const uint64_t count = invocation.Given().Number("count").value_or(4);
     const PortSession session = OpenSelectedPort(invocation);
-    uint64_t good = 0;
-    EchoTimes times;
+    EchoResult result{&session.port, count, size};
     for (uint64_t i = 0; i < count; ++i) {
         invocation.CheckStop();
         const std::vector<uint8_t> request = EchoRequest(size, static_cast<uint8_t>(i * 37));
@@ -215,18 +345,12 @@ ExitCode FabricEcho(tools::Invocation& invocation) {
         if (status != HXMGT_SUCCESS) {
             return LinkServiceFailed(invocation, session, status, "ECHO", answer);
         }
-        good += IsEchoOf(request, answer) ? 1 : 0;
-        times.Add(static_cast<uint64_t>(time.count()));
+        result.good += IsEchoOf(request, answer) ? 1 : 0;
+        result.Add(static_cast<uint64_t>(time.count()));
     }
-    Record& result = invocation.Result();
-    result.Add("sent", "Sent", Value::Number(count));
-    result.Add("good", "Came back unchanged", Value::Number(good));
-    result.Add("size", "Size", Value::Number(size, "bytes"));
-    result.Add("least_us", "Shortest", Value::Number(times.least, "us"));
-    result.Add("mean_us", "Mean", Value::Number(times.sum / count, "us"));
-    result.Add("most_us", "Longest", Value::Number(times.most, "us"));
-    if (good != count) {
-        invocation.Fail(ExitCode::Failed, std::to_string(count - good) +
+    invocation.Result() = EchoFields().Make(result);
+    if (result.good != count) {
+        invocation.Fail(ExitCode::Failed, std::to_string(count - result.good) +
                                               " answers did not hold the data that was sent");
     }
     return ExitCode::Done;
@@ -238,33 +362,26 @@ ExitCode FabricCt(tools::Invocation& invocation) {
     if (request.size() < sizeof(CtHeader)) {
         invocation.Fail(ExitCode::Usage, "the request is shorter than its 16-byte header");
     }
-    const auto header = Padded<CtHeader>(request);
-    Record& result = invocation.Result();
-    result.Add("service", "Service", Value::Text(CtServiceName(header.gsType, header.gsSubtype)));
-    result.Add("command", "Command", Value::Text(tools::Hex(BigEndian(header.command), 4)));
-    result.Add("sent", "Sent", Value::Number(request.size(), "bytes"));
     const PortSession session = OpenSelectedPort(invocation);
+    tools::GrowingResult<CtResult> result(
+        invocation.Result(), CtResultFields(),
+        {&session.port, Padded<CtHeader>(request), request.size(), {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the request would be sent");
         return ExitCode::Done;
     }
     std::vector<uint8_t> response(
         static_cast<size_t>(invocation.Given().Number("room").value_or(4096)));
-    const HX_STATUS status =
-        HXSendCTPassThru(session.Handle(), request.data(), static_cast<uint32_t>(request.size()),
-                         response.data(), static_cast<uint32_t>(response.size()));
+    const HX_STATUS status = SendCt(session.Handle(), request, &response);
     if (status != HXMGT_SUCCESS) {
         throw RemoteFailure(session, status, "the request");
     }
     invocation.Changed();
-    const CtResponse answer = DecodeCtResponse(response).value_or(CtResponse{});
-    result.Add("accepted", "Accepted", Value::Flag(answer.accepted));
-    result.Add("response", "Response code", Value::Text(tools::Hex(answer.code, 4)));
-    result.Add("reason", "Reason", answer.accepted ? Value() : Value::Text(CtRejectText(answer)));
-    AddResponse(invocation, response);
-    if (!answer.accepted) {
+    result.answer = DecodeCtResponse(response).value_or(CtResponse{});
+    result.response = TakeResponse(invocation, response);
+    if (!result.answer->accepted) {
         invocation.Fail(ExitCode::Failed,
-                        "the service rejects the request: " + CtRejectText(answer));
+                        "the service rejects the request: " + CtRejectText(*result.answer));
     }
     return ExitCode::Done;
 }
@@ -276,10 +393,9 @@ ExitCode FabricEls(tools::Invocation& invocation) {
     if (request.empty()) {
         invocation.Fail(ExitCode::Usage, "the request is empty");
     }
-    Record& result = invocation.Result();
-    result.Add("request", "Request", Value::Text(ElsName(request[0])));
-    result.Add("sent", "Sent", Value::Number(request.size(), "bytes"));
     const PortSession session = OpenSelectedPort(invocation);
+    tools::GrowingResult<ElsResult> result(invocation.Result(), ElsResultFields(),
+                                           {&session.port, request[0], request.size(), {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the request would be sent");
         return ExitCode::Done;
@@ -288,9 +404,8 @@ ExitCode FabricEls(tools::Invocation& invocation) {
     const HX_STATUS status = SendLinkService(session.Handle(), address, request, &answer);
     if (status == HXMGT_SUCCESS || !answer.empty()) {
         invocation.Changed();
-        result.Add("response", "Response",
-                   answer.empty() ? Value() : Value::Text(ElsName(answer[0])));
-        AddResponse(invocation, answer);
+        result.answer = answer.empty() ? "" : ElsName(answer[0]);
+        result.response = TakeResponse(invocation, answer);
     }
     if (status != HXMGT_SUCCESS || ElsRejectText(answer)) {
         return LinkServiceFailed(invocation, session, status, ElsName(request[0]), answer);
@@ -309,6 +424,7 @@ tools::CommandRows FcCommands() {
             .schema = "fc.names",
             .run = FabricNames,
             .example = "fc names -p scsi:3",
+            .result = tools::ShapeOf<FabricNamesFields>,
         },
         {
             .path = "fc rnid",
@@ -318,6 +434,7 @@ tools::CommandRows FcCommands() {
             .arguments = kNodeArguments,
             .run = FabricNode,
             .example = "fc rnid -t id:0x020000 -p scsi:3",
+            .result = tools::ShapeOf<FabricNodeFields>,
         },
         {
             .path = "fc rls",
@@ -327,6 +444,7 @@ tools::CommandRows FcCommands() {
             .arguments = kRemoteArguments,
             .run = FabricLinkErrors,
             .example = "fc rls -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+            .result = tools::ShapeOf<RemoteErrorsFields>,
         },
         {
             .path = "fc echo",
@@ -336,6 +454,7 @@ tools::CommandRows FcCommands() {
             .arguments = kEchoArguments,
             .run = FabricEcho,
             .example = "fc echo -t id:0x020000 --count 10 -p scsi:3",
+            .result = tools::ShapeOf<EchoFields>,
         },
         {
             .path = "fc ct",
@@ -345,6 +464,7 @@ tools::CommandRows FcCommands() {
             .arguments = kCtArguments,
             .run = FabricCt,
             .example = "fc ct request.bin --out-file reply.bin -p scsi:3",
+            .result = tools::ShapeOf<CtResultFields>,
         },
         {
             .path = "fc els",
@@ -354,6 +474,7 @@ tools::CommandRows FcCommands() {
             .arguments = kElsArguments,
             .run = FabricEls,
             .example = "fc els request.bin -t id:0x020000 -p scsi:3",
+            .result = tools::ShapeOf<ElsResultFields>,
         },
     };
     return kCommands;

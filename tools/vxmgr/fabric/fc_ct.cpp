@@ -10,7 +10,7 @@ namespace {
 
 using namespace formats;
 
-constexpr CodeText kReasons[] = {
+constexpr CodeText kCtReasons[] = {
     {0x01, "invalid command code"},
     {0x02, "invalid version"},
     {0x03, "logical error"},
@@ -23,7 +23,7 @@ constexpr CodeText kReasons[] = {
     {0x0E, "the session could not be established"},
     {0xFF, "vendor specific error"},
 };
-constexpr CodeText kExplanations[] = {
+constexpr CodeText kCtExplanations[] = {
     {0x00, "no explanation"},
     {0x01, "port identifier not registered"},
     {0x02, "port name not registered"},
@@ -89,8 +89,8 @@ std::optional<CtResponse> DecodeCtResponse(Bytes response) {
 }
 
 std::string CtRejectText(const CtResponse& response) {
-    return TextOrNumber(kReasons, response.reason, "reason") + ": " +
-           TextOrNumber(kExplanations, response.explanation, "explanation") + " (" +
+    return TextOrNumber(kCtReasons, response.reason, "reason") + ": " +
+           TextOrNumber(kCtExplanations, response.explanation, "explanation") + " (" +
            tools::Hex(response.reason, 2) + "/" + tools::Hex(response.explanation, 2) + ")";
 }
 
@@ -98,12 +98,12 @@ std::string CtServiceName(uint8_t gsType, uint8_t gsSubtype) {
     if (gsType == kDirectoryService && gsSubtype == kNameServer) {
         return "name server";
     }
-    constexpr CodeText kServices[] = {
+    constexpr CodeText kCtServices[] = {
         {0xF7, "key distribution service"}, {0xF8, "alias service"},
         {0xFA, "management service"},       {0xFB, "time service"},
         {0xFC, "directory service"},
     };
-    return TextOrNumber(kServices, gsType, "service");
+    return TextOrNumber(kCtServices, gsType, "service");
 }
 
 std::optional<NamedPort> DecodeNamedPort(Bytes payload) {

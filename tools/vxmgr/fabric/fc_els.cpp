@@ -1,25 +1,23 @@
 #include "vxmgr/fabric/fc_els.h"
 
 #include "common/text.h"
-#include "common/wwn.h"
-#include "formats/link_services.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::Record;
-using tools::Value;
+using tools::kInteger;
+using tools::kText;
 
-constexpr CodeText kServices[] = {
+constexpr CodeText kElsServices[] = {
     {0x01, "LS_RJT"}, {0x02, "LS_ACC"}, {0x03, "PLOGI"}, {0x04, "FLOGI"}, {0x05, "LOGO"},
     {0x0D, "RES"},    {0x0E, "RSS"},    {0x0F, "RLS"},   {0x10, "ECHO"},  {0x11, "TEST"},
     {0x12, "RRQ"},    {0x20, "PRLI"},   {0x21, "PRLO"},  {0x24, "TPRLO"}, {0x50, "PDISC"},
     {0x51, "FDISC"},  {0x52, "ADISC"},  {0x56, "RPS"},   {0x57, "RPL"},   {0x60, "FAN"},
     {0x61, "RSCN"},   {0x62, "SCR"},    {0x78, "RNID"},  {0x7A, "LIRR"},
 };
-constexpr CodeText kReasons[] = {
+constexpr CodeText kElsReasons[] = {
     {0x01, "invalid command code"},
     {0x03, "logical error"},
     {0x05, "logical busy"},
@@ -29,7 +27,7 @@ constexpr CodeText kReasons[] = {
     {0x0E, "command already in progress"},
     {0xFF, "vendor specific error"},
 };
-constexpr CodeText kExplanations[] = {
+constexpr CodeText kElsExplanations[] = {
     {0x00, "no explanation"},
     {0x01, "service parameter error, options"},
     {0x03, "service parameter error, initiator control"},
@@ -53,15 +51,14 @@ constexpr CodeText kUnitTypes[] = {
     {0x0E, "module"},
 };
 
-Value NameOrNull(const uint8_t (&name)[8]) {
-    const auto wwn = tools::Wwn::Of(name);
-    return wwn.IsZero() ? Value() : Value::Name(wwn);
+std::optional<tools::Wwn> NameUnlessZero(const tools::Wwn& name) {
+    return name.IsZero() ? std::nullopt : std::optional(name);
 }
 
 }  // namespace
 
 std::string ElsName(uint8_t command) {
-    return TextOrNumber(kServices, command, "service");
+    return TextOrNumber(kElsServices, command, "service");
 }
 
 std::vector<uint8_t> EchoRequest(size_t length, uint8_t seed) {
@@ -97,16 +94,16 @@ std::optional<LinkErrors> DecodeLinkErrors(Bytes answer) {
     return LinkErrors{counter(0), counter(1), counter(2), counter(3), counter(4), counter(5)};
 }
 
-Record LinkErrorsRecord(const LinkErrors& errors) {
-    Record record;
-    record.Add("link_failures", "Link failures", Value::Number(errors.linkFailures));
-    record.Add("losses_of_sync", "Losses of sync", Value::Number(errors.lossesOfSync));
-    record.Add("losses_of_signal", "Losses of signal", Value::Number(errors.lossesOfSignal));
-    record.Add("protocol_errors", "Primitive sequence errors",
-               Value::Number(errors.protocolErrors));
-    record.Add("invalid_words", "Invalid transmission words", Value::Number(errors.invalidWords));
-    record.Add("crc_errors", "CRC errors", Value::Number(errors.crcErrors));
-    return record;
+const tools::Fields<LinkErrors>& LinkErrorsFields() {
+    static const tools::Fields<LinkErrors> kFields = {
+        {"link_failures", "Link failures", kInteger, &LinkErrors::linkFailures},
+        {"losses_of_sync", "Losses of sync", kInteger, &LinkErrors::lossesOfSync},
+        {"losses_of_signal", "Losses of signal", kInteger, &LinkErrors::lossesOfSignal},
+        {"protocol_errors", "Primitive sequence errors", kInteger, &LinkErrors::protocolErrors},
+        {"invalid_words", "Invalid transmission words", kInteger, &LinkErrors::invalidWords},
+        {"crc_errors", "CRC errors", kInteger, &LinkErrors::crcErrors},
+    };
+    return kFields;
 }
 
 std::optional<std::string> ElsRejectText(Bytes answer) {
@@ -114,30 +111,50 @@ std::optional<std::string> ElsRejectText(Bytes answer) {
         return std::nullopt;
     }
     const auto reject = Padded<RejectAnswer>(answer);
-    return TextOrNumber(kReasons, reject.reason, "reason") + ": " +
-           TextOrNumber(kExplanations, reject.explanation, "explanation") + " (" +
+    return TextOrNumber(kElsReasons, reject.reason, "reason") + ": " +
+           TextOrNumber(kElsExplanations, reject.explanation, "explanation") + " (" +
            tools::Hex(reject.reason, 2) + "/" + tools::Hex(reject.explanation, 2) + ")";
 }
 
-Record NodeIdentificationRecord(Bytes answer) {
+NodeIdentification DecodeNodeIdentification(Bytes answer) {
     const auto head = Padded<NodeIdHead>(answer);
-    const Bytes common = Part(answer, sizeof head, head.commonLength);
     const Bytes specific = Part(answer, sizeof head + head.commonLength, head.specificLength);
-    const auto names = Padded<NodeIdNames>(common);
-    const auto topology = Padded<NodeIdTopology>(specific);
-    const bool hasNodes = specific.size() >= offsetof(NodeIdTopology, rest);
-    const auto unit = static_cast<uint32_t>(BigEndian(topology.unitType));
-    Record record;
-    record.Add("format", "Format", Value::Text(tools::Hex(head.format, 2)));
-    record.Add("port_wwn", "Port name", NameOrNull(names.portName));
-    record.Add("node_wwn", "Node name", NameOrNull(names.nodeName));
-    record.Add("unit_type", "Unit type",
-               hasNodes ? Value::Text(TextOrNumber(kUnitTypes, unit, "type")) : Value());
-    record.Add("port_number", "Port number",
-               hasNodes ? Value::Text(tools::Hex(BigEndian(topology.portNumber), 6)) : Value());
-    record.Add("attached_nodes", "Attached nodes",
-               hasNodes ? Value::Number(BigEndian(topology.attachedNodes)) : Value());
-    return record;
+    const auto names = Padded<NodeIdNames>(Part(answer, sizeof head, head.commonLength));
+    NodeIdentification node{
+        head.format, tools::Wwn::Of(names.portName), tools::Wwn::Of(names.nodeName), {}};
+    if (specific.size() >= offsetof(NodeIdTopology, rest)) {
+        node.topology = Padded<NodeIdTopology>(specific);
+    }
+    return node;
+}
+
+const tools::Fields<NodeIdentification>& NodeIdentificationFields() {
+    using Node = NodeIdentification;
+    const auto unitType = [](const Node& node) {
+        return node.topology
+                   ? TextOrNumber(kUnitTypes,
+                                  static_cast<uint32_t>(BigEndian(node.topology->unitType)), "type")
+                   : "";
+    };
+    const auto portNumber = [](const Node& node) {
+        return node.topology ? tools::Hex(BigEndian(node.topology->portNumber), 6) : "";
+    };
+    const auto attachedNodes = [](const Node& node) {
+        return node.topology ? std::optional(BigEndian(node.topology->attachedNodes))
+                             : std::nullopt;
+    };
+    static const tools::Fields<Node> kFields = {
+        {"format", "Format", tools::Hexadecimal(2), &Node::format},
+        {"port_wwn", "Port name", tools::kWwn.OrNull(),
+         [](const Node& node) { return NameUnlessZero(node.portName); },
+         "of the port that answered"},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+         [](const Node& node) { return NameUnlessZero(node.nodeName); }},
+        {"unit_type", "Unit type", kText.OrNull(), unitType},
+        {"port_number", "Port number", kText.OrNull(), portNumber},
+        {"attached_nodes", "Attached nodes", kInteger.OrNull(), attachedNodes},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "formats/link_services.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {
@@ -30,12 +31,19 @@ struct LinkErrors {
     uint64_t crcErrors = 0;
 };
 std::optional<LinkErrors> DecodeLinkErrors(Bytes answer);
-tools::Record LinkErrorsRecord(const LinkErrors& errors);
+const tools::Fields<LinkErrors>& LinkErrorsFields();
 
 // The reason of an LS_RJT in words; nothing for any other answer.
 std::optional<std::string> ElsRejectText(Bytes answer);
 
-// An accepted RNID; fields that the answer has not are null.
-tools::Record NodeIdentificationRecord(Bytes answer);
+// An accepted RNID; what the answer has not is zero, or nothing.
+struct NodeIdentification {
+    uint8_t format = 0;
+    tools::Wwn portName;
+    tools::Wwn nodeName;
+    std::optional<formats::NodeIdTopology> topology;
+};
+NodeIdentification DecodeNodeIdentification(Bytes answer);
+const tools::Fields<NodeIdentification>& NodeIdentificationFields();
 
 }  // namespace vxmgr

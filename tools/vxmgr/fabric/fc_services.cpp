@@ -7,15 +7,18 @@ namespace vxmgr {
 using formats::PortIdAnswer;
 using tools::ExitCode;
 
+HX_STATUS SendCt(uint32_t handle, Bytes request, std::vector<uint8_t>* response) {
+    return HXSendCTPassThru(handle, request.data(), static_cast<uint32_t>(request.size()),
+                            response->data(), static_cast<uint32_t>(response->size()));
+}
+
 std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
                                                   const PortSession& session, uint16_t command,
                                                   Bytes payload, size_t answerLength,
                                                   std::optional<uint8_t> expected) {
     const std::vector<uint8_t> request = NameServerRequest(command, payload, answerLength);
     std::vector<uint8_t> response(sizeof(CtHeader) + answerLength);
-    const HX_STATUS status =
-        HXSendCTPassThru(session.Handle(), request.data(), static_cast<uint32_t>(request.size()),
-                         response.data(), static_cast<uint32_t>(response.size()));
+    const HX_STATUS status = SendCt(session.Handle(), request, &response);
     if (status != HXMGT_SUCCESS) {
         throw RemoteFailure(session, status, "the name server");
     }

@@ -9,6 +9,9 @@
 
 namespace vxmgr {
 
+// A Common Transport request; *response is as long as the longest one that is expected.
+HX_STATUS SendCt(uint32_t handle, Bytes request, std::vector<uint8_t>* response);
+
 // A name server request and the payload of its answer. Ends the command when the request fails, or
 // is rejected with another explanation than `expected`; then the result is empty.
 std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,

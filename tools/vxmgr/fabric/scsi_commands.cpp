@@ -4,6 +4,7 @@
 #include "common/text.h"
 #include "formats/scsi_data.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/fabric/scsi_inquiry.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/fabric/scsi_units.h"
@@ -15,9 +16,9 @@ using namespace formats;
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
+using tools::kFlag;
+using tools::kText;
 using tools::ListLayout;
-using tools::Record;
-using tools::Value;
 
 // More than that a driver below 7.05.03 does not move.
 constexpr size_t kLegacyRoom = 4096;
@@ -49,8 +50,8 @@ constexpr Argument kRawArguments[] = {
      .help = "bytes to receive",
      .least = 1,
      .most = kLongestTransfer},
-    {"--out-file", ArgumentKind::Text, "FILE", "where the received data goes"},
-    {"--data-file", ArgumentKind::Text, "FILE", "data to send"},
+    {.name = "--out-file", .valueName = "FILE", .help = "where the received data goes"},
+    {.name = "--data-file", .valueName = "FILE", .help = "data to send"},
 };
 
 // Commands that change nothing in the unit: no question is asked for them.
@@ -78,43 +79,123 @@ constexpr uint8_t Low(size_t value) {
     return static_cast<uint8_t>(value);
 }
 
-ExitCode StandardInquiry(tools::Invocation& invocation, ScsiUnit& unit) {
+using DataList = std::optional<std::vector<HexRow>>;
+
+// A result that begins with the unit's port.
+template <class Result>
+struct UnitReport : tools::GrowingResult<Result> {
+    UnitReport(tools::Invocation& invocation, const ScsiUnit& unit,
+               const tools::Fields<Result>& fields)
+        : tools::GrowingResult<Result>(invocation.Result(), fields) {
+        this->port = &unit.Session().port;
+    }
+};
+
+// A table of a command's result: its own fields between those that every one has.
+template <class Result>
+tools::Fields<Result> UnitFields(std::initializer_list<tools::FieldRow<Result>> own) {
+    std::vector<tools::FieldRow<Result>> rows = {{PortKeys(kNoPortKey), &Result::port}};
+    rows.insert(rows.end(), own);
+    rows.push_back({"sense", "Sense data", SenseFields(), &Result::sense,
+                    "when the unit answered with a check condition"});
+    return rows;
+}
+
+struct InquiryResult : UnitResult {
+    std::optional<InquiryData> inquiry;
+    std::optional<ScsiVpdPage> vpd;
+    DataList data;
+};
+
+const tools::Fields<InquiryResult>& InquiryResultFields() {
+    static const auto kFields = UnitFields<InquiryResult>({
+        {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
+        {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
+        {"data", "Data", HexRowFields(), &InquiryResult::data, ListLayout::Table, "no data",
+         "the bytes as they came, sixteen a row"},
+    });
+    return kFields;
+}
+
+struct CapacityResult : UnitResult {
+    std::optional<Capacity> capacity;
+};
+
+const tools::Fields<CapacityResult>& CapacityResultFields() {
+    static const auto kFields =
+        UnitFields<CapacityResult>({{CapacityFields(), &CapacityResult::capacity}});
+    return kFields;
+}
+
+struct LunsResult : UnitResult {
+    std::optional<std::vector<LunEntry>> luns;
+    std::optional<bool> probed;
+    std::optional<bool> truncated;
+};
+
+const tools::Fields<LunsResult>& LunsResultFields() {
+    static const auto kFields = UnitFields<LunsResult>({
+        {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, ListLayout::Table,
+         "no logical units"},
+        {"made_by_probing", "Made by probing", kFlag.OrAbsent(), &LunsResult::probed,
+         "the target refuses REPORT LUNS: LUNs 0 to 7 were asked one by one"},
+        {"truncated", "Truncated", kFlag.OrAbsent(), &LunsResult::truncated},
+    });
+    return kFields;
+}
+
+struct RawResult : UnitResult {
+    std::vector<uint8_t> cdb;
+    size_t sent = 0;
+    std::optional<HX_STATUS> status;
+    std::string file;
+    DataList data;
+};
+
+const tools::Fields<RawResult>& RawResultFields() {
+    const auto status = [](const RawResult& raw) {
+        return raw.status ? tools::StatusName(*raw.status) : std::string();
+    };
+    static const auto kFields = UnitFields<RawResult>({
+        {"cdb", "CDB", kText, [](const RawResult& raw) { return HexDigits(raw.cdb); }},
+        {"sent", "Data sent", tools::Integer("bytes"), &RawResult::sent},
+        {"status", "Status", kText.OrAbsent(), status, "none of a dry run"},
+        {"file", "File", kText.OrAbsent(), &RawResult::file},
+        {"data", "Data", HexRowFields(), &RawResult::data, ListLayout::Table, "no data"},
+    });
+    return kFields;
+}
+
+ExitCode StandardInquiry(tools::Invocation& invocation, ScsiUnit& unit, InquiryResult& result) {
     constexpr uint8_t kRoom = 255;
     const uint8_t cdb[6] = {kInquiry, 0, 0, 0, kRoom, 0};
     const ScsiReply reply = unit.Send(cdb, kRoom);
     if (reply.status != HXMGT_SUCCESS) {
-        return unit.Fails(reply, "INQUIRY");
+        return unit.Fails(reply, "INQUIRY", result);
     }
-    invocation.Result().AddGroup("inquiry", "Logical unit", InquiryRecord(reply.data));
-    AddData(invocation, "Data", Part(reply.data, 0, InquiryLength(reply.data)));
+    result.inquiry = DecodeInquiry(reply.data);
+    result.data = DataRows(invocation, Part(reply.data, 0, InquiryLength(reply.data)));
     return ExitCode::Done;
 }
 
-ExitCode VitalProductData(tools::Invocation& invocation, ScsiUnit& unit, uint8_t page) {
+ExitCode VitalProductData(tools::Invocation& invocation, ScsiUnit& unit, uint8_t page,
+                          InquiryResult& result) {
     constexpr uint8_t kEnableVpd = 1;
     const uint8_t cdb[6] = {kInquiry, kEnableVpd, page, Low(kLegacyRoom >> 8), Low(kLegacyRoom), 0};
     const ScsiReply reply = unit.Send(cdb, kLegacyRoom);
     if (reply.status != HXMGT_SUCCESS) {
-        return unit.Fails(reply, "INQUIRY of page " + tools::Hex(page, 2));
+        return unit.Fails(reply, "INQUIRY of page " + tools::Hex(page, 2), result);
     }
     if (reply.data[1] != page) {
         invocation.Fail(ExitCode::NotSupported,
                         "the unit answered with page " + tools::Hex(reply.data[1], 2),
                         "`scsi inquiry --page 0` shows the pages that it has");
     }
-    invocation.Result().AddGroup("vpd", "Vital product data", VpdRecord(reply.data));
+    result.vpd = DecodeScsiVpd(reply.data);
     if (invocation.Verbose() || VpdPageName(page).empty()) {
-        AddData(invocation, "Data", Part(reply.data, 0, VpdLength(reply.data)));
+        result.data = DataRows(invocation, Part(reply.data, 0, VpdLength(reply.data)));
     }
     return ExitCode::Done;
-}
-
-Record LunRow(const LunEntry& entry) {
-    Record row;
-    row.Add("lun", "LUN", entry.lun ? Value::Number(*entry.lun) : Value(), "LUN");
-    row.Add("method", "Addressing", Value::TextOrNull(entry.method), "ADDRESSING");
-    row.Add("address", "Address", Value::TextOrNull(entry.address), "ADDRESS");
-    return row;
 }
 
 bool IsHarmless(uint8_t operation) {
@@ -137,13 +218,15 @@ std::vector<uint8_t> GivenCdb(tools::Invocation& invocation) {
 
 ExitCode ScsiInquiry(tools::Invocation& invocation) {
     ScsiUnit unit(invocation);
+    UnitReport<InquiryResult> result(invocation, unit, InquiryResultFields());
     const auto page = invocation.Given().Number("page");
-    return page ? VitalProductData(invocation, unit, Low(*page))
-                : StandardInquiry(invocation, unit);
+    return page ? VitalProductData(invocation, unit, Low(*page), result)
+                : StandardInquiry(invocation, unit, result);
 }
 
 ExitCode ScsiCapacity(tools::Invocation& invocation) {
     ScsiUnit unit(invocation);
+    UnitReport<CapacityResult> result(invocation, unit, CapacityResultFields());
     constexpr size_t kShort = 8;
     constexpr uint8_t kLong = 32;
     const uint8_t shortCdb[10] = {kReadCapacity10};
@@ -156,14 +239,15 @@ ExitCode ScsiCapacity(tools::Invocation& invocation) {
         capacity = DecodeCapacity16(reply.data);
     }
     if (reply.status != HXMGT_SUCCESS) {
-        return unit.Fails(reply, "READ CAPACITY");
+        return unit.Fails(reply, "READ CAPACITY", result);
     }
-    invocation.Result() = CapacityRecord(capacity.value_or(Capacity{}));
+    result.capacity = capacity.value_or(Capacity{});
     return ExitCode::Done;
 }
 
 ExitCode ScsiLuns(tools::Invocation& invocation) {
     ScsiUnit unit(invocation);
+    UnitReport<LunsResult> result(invocation, unit, LunsResultFields());
     ScsiReply reply = unit.ReportLuns(kLegacyRoom);
     const uint64_t wanted = LunListLength(reply.data);
     if (reply.status == HXMGT_SUCCESS && wanted > kLegacyRoom && !unit.IsLegacy()) {
@@ -171,18 +255,12 @@ ExitCode ScsiLuns(tools::Invocation& invocation) {
     }
     const bool probed = reply.status == HXMGT_BUILT_BY_API;
     if (reply.status != HXMGT_SUCCESS && !probed) {
-        return unit.Fails(reply, "REPORT LUNS");
+        return unit.Fails(reply, "REPORT LUNS", result);
     }
     const bool truncated = LunListLength(reply.data) > reply.data.size();
-    std::vector<Record> rows;
-    for (const LunEntry& entry : DecodeLuns(reply.data)) {
-        rows.push_back(LunRow(entry));
-    }
-    Record& result = invocation.Result();
-    result.AddList("luns", "Logical units", ListLayout::Table, LunRow({}), "no logical units",
-                   std::move(rows));
-    result.Add("made_by_probing", "Made by probing", Value::Flag(probed));
-    result.Add("truncated", "Truncated", Value::Flag(truncated));
+    result.luns = DecodeLuns(reply.data);
+    result.probed = probed;
+    result.truncated = truncated;
     if (probed) {
         invocation.Warn("the target refuses REPORT LUNS: the list was made by asking LUNs 0 to 7",
                         "LUNs above 7 may be there and are not listed");
@@ -213,9 +291,9 @@ ExitCode ScsiRaw(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::NotSupported,
                         "this driver moves at most " + std::to_string(kLegacyRoom) + " bytes");
     }
-    Record& result = invocation.Result();
-    result.Add("cdb", "CDB", Value::Text(HexDigits(cdb)));
-    result.Add("sent", "Data sent", Value::Number(dataOut.size(), "bytes"));
+    UnitReport<RawResult> result(invocation, unit, RawResultFields());
+    result.cdb = cdb;
+    result.sent = dataOut.size();
     if (invocation.DryRun()) {
         invocation.Note("dry run: the command would be sent");
         return ExitCode::Done;
@@ -229,18 +307,18 @@ ExitCode ScsiRaw(tools::Invocation& invocation) {
             "The command may change or destroy data there; nothing is checked before."));
     }
     const ScsiReply reply = unit.Send(cdb, room, dataOut);
-    result.Add("status", "Status", Value::Text(tools::StatusName(reply.status)));
+    result.status = reply.status;
     if (!harmless) {
         invocation.Changed();
     }
     if (reply.status != HXMGT_SUCCESS) {
-        return unit.Fails(reply, "the command");
+        return unit.Fails(reply, "the command", result);
     }
     if (given.Has("out-file")) {
         SaveFile(invocation, given.Text("out-file"), reply.data);
-        result.Add("file", "File", Value::Text(given.Text("out-file")));
+        result.file = given.Text("out-file");
     } else {
-        AddData(invocation, "Data", reply.data);
+        result.data = DataRows(invocation, reply.data);
     }
     return ExitCode::Done;
 }
@@ -257,6 +335,7 @@ tools::CommandRows ScsiCommands() {
             .arguments = kInquiryArguments,
             .run = ScsiInquiry,
             .example = "scsi inquiry --page 0x83 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+            .result = tools::ShapeOf<InquiryResultFields>,
         },
         {
             .path = "scsi capacity",
@@ -266,6 +345,7 @@ tools::CommandRows ScsiCommands() {
             .arguments = kUnitArguments,
             .run = ScsiCapacity,
             .example = "scsi capacity -t 0:0 --lun 1 -p scsi:3",
+            .result = tools::ShapeOf<CapacityResultFields>,
         },
         {
             .path = "scsi luns",
@@ -275,6 +355,7 @@ tools::CommandRows ScsiCommands() {
             .arguments = kTargetArguments,
             .run = ScsiLuns,
             .example = "scsi luns -t 0:0 -p scsi:3",
+            .result = tools::ShapeOf<LunsResultFields>,
         },
         {
             .path = "scsi raw",
@@ -284,6 +365,7 @@ tools::CommandRows ScsiCommands() {
             .arguments = kRawArguments,
             .run = ScsiRaw,
             .example = "scsi raw 12 00 00 00 24 00 --in 36 -t 0:0 -p scsi:3",
+            .result = tools::ShapeOf<RawResultFields>,
         },
     };
     return kCommands;

@@ -8,7 +8,8 @@ namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::Record;
+using tools::kFlag;
+using tools::kText;
 using tools::Value;
 
 constexpr CodeText kTypes[] = {
@@ -66,19 +67,16 @@ std::string TextOf(Bytes bytes) {
     return tools::FieldText(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
-Record PageRow(uint8_t page) {
-    Record row;
-    row.Add("page", "Page", Value::Text(tools::Hex(page, 2)), "PAGE");
-    row.Add("name", "Name", Value::TextOrNull(VpdPageName(page)), "NAME");
-    return row;
-}
-
 // Identifiers name the unit as serial numbers do, and are masked with them.
-Value DesignatorValue(uint8_t codeSet, uint8_t type, Bytes bytes) {
-    if (codeSet != kBinary) {
+Value IdentifierValue(const Designator& designator) {
+    const std::vector<uint8_t>& bytes = designator.bytes;
+    if (bytes.empty()) {
+        return {};
+    }
+    if ((designator.head.codeSet & 0x0F) != kBinary) {
         return Value::Serial(TextOf(bytes));
     }
-    if (type == kNaa && bytes.size() == sizeof(tools::Wwn::bytes)) {
+    if (designator.Type() == kNaa && bytes.size() == sizeof(tools::Wwn::bytes)) {
         uint8_t name[8];
         std::memcpy(name, bytes.data(), sizeof name);
         return Value::Name(tools::Wwn::Of(name));
@@ -86,38 +84,48 @@ Value DesignatorValue(uint8_t codeSet, uint8_t type, Bytes bytes) {
     return Value::Serial(HexDigits(bytes));
 }
 
-Record DesignatorRow(const DesignatorHead& head, Bytes bytes) {
-    const uint8_t type = head.association & 0x0F;
-    const uint8_t association = head.association >> 4 & 3;
-    Record row;
-    row.Add("association", "Names the",
-            Value::Text(TextOfCode(kAssociations, association, "reserved")), "NAMES THE");
-    row.Add("type", "Type",
-            Value::Text(TextOfCode(kDesignators, type, "type " + tools::Hex(type, 1))), "TYPE");
-    row.Add("identifier", "Identifier",
-            bytes.empty() ? Value() : DesignatorValue(head.codeSet & 0x0F, type, bytes),
-            "IDENTIFIER");
-    return row;
-}
-
-void AddSupportedPages(Record& record, Bytes body) {
-    std::vector<Record> rows;
-    for (const uint8_t page : body) {
-        rows.push_back(PageRow(page));
-    }
-    record.AddList("pages", "Pages", tools::ListLayout::Table, PageRow(0), "no pages",
-                   std::move(rows));
-}
-
-void AddDesignators(Record& record, Bytes body) {
-    std::vector<Record> rows;
+std::vector<Designator> DesignatorsOf(Bytes body) {
+    std::vector<Designator> designators;
     while (body.size() >= sizeof(DesignatorHead)) {
         const auto head = Padded<DesignatorHead>(body);
-        rows.push_back(DesignatorRow(head, Part(body, sizeof head, head.length)));
+        const Bytes bytes = Part(body, sizeof head, head.length);
+        designators.push_back({head, {bytes.begin(), bytes.end()}});
         body = Part(body, sizeof head + head.length);
     }
-    record.AddList("identifiers", "Identifiers", tools::ListLayout::Table, DesignatorRow({}, {}),
-                   "no identifiers", std::move(rows));
+    return designators;
+}
+
+const tools::Fields<uint8_t>& PageFields() {
+    static const tools::Fields<uint8_t> kFields = {
+        {"page", "Page", "PAGE", kText, [](uint8_t page) { return tools::Hex(page, 2); }},
+        {"name", "Name", "NAME", kText.OrNull(), VpdPageName},
+    };
+    return kFields;
+}
+
+const tools::Fields<Designator>& DesignatorFields() {
+    const auto association = [](const Designator& d) {
+        return TextOfCode(kAssociations, d.head.association >> 4 & 3, "reserved");
+    };
+    const auto typeText = [](const Designator& d) {
+        return TextOfCode(kDesignators, d.Type(), "type " + tools::Hex(d.Type(), 1));
+    };
+    static const tools::Fields<Designator> kFields = {
+        {"association", "Names the", "NAMES THE", kText, association},
+        {"type", "Type", "TYPE", kText, typeText},
+        {"identifier", "Identifier", "IDENTIFIER", tools::kSerial.OrNull(), IdentifierValue},
+    };
+    return kFields;
+}
+
+template <auto member>
+std::string FieldOf(const InquiryData& inquiry) {
+    return tools::FieldText(inquiry.*member, sizeof(inquiry.*member));
+}
+
+template <auto member, uint8_t bits>
+bool IsSet(const InquiryData& inquiry) {
+    return (inquiry.*member & bits) != 0;
 }
 
 }  // namespace
@@ -139,47 +147,65 @@ size_t VpdLength(Bytes data) {
     return sizeof(VpdPageHead) + BigEndian(Padded<VpdPageHead>(data).length);
 }
 
-Record InquiryRecord(Bytes data) {
-    const auto inquiry = Padded<InquiryData>(Part(data, 0, InquiryLength(data)));
-    const uint8_t qualifier = inquiry.peripheral >> 5;
-    const auto text = [](const char* field, size_t size) {
-        return Value::TextOrNull(tools::FieldText(field, size));
-    };
-    Record record;
-    record.Add("device_type", "Device type", Value::Text(DeviceTypeName(inquiry.peripheral)));
-    record.Add(
-        "qualifier", "Presence",
-        Value::Text(TextOfCode(kQualifiers, qualifier, "qualifier " + tools::Hex(qualifier, 1)))
-            .In(qualifier == 0 ? tools::Tone::Good : tools::Tone::Warning));
-    record.Add("vendor", "Vendor", text(inquiry.vendor, sizeof inquiry.vendor));
-    record.Add("product", "Product", text(inquiry.product, sizeof inquiry.product));
-    record.Add("revision", "Revision", text(inquiry.revision, sizeof inquiry.revision));
-    record.Add("standard", "Standard",
-               Value::Text(TextOfCode(kVersions, inquiry.version, tools::Hex(inquiry.version, 2))));
-    record.Add("removable", "Removable medium", Value::Flag((inquiry.removable & 0x80) != 0));
-    record.Add("command_queuing", "Command queuing", Value::Flag((inquiry.flags7 & 0x02) != 0));
-    record.Add("multiple_ports", "Several ports", Value::Flag((inquiry.flags6 & 0x10) != 0));
-    record.Add("asymmetric_access", "Asymmetric access", Value::Flag((inquiry.flags5 & 0x30) != 0));
-    record.Add("protection", "Protection information", Value::Flag((inquiry.flags5 & 0x01) != 0));
-    return record;
+InquiryData DecodeInquiry(Bytes data) {
+    return Padded<InquiryData>(Part(data, 0, InquiryLength(data)));
 }
 
-Record VpdRecord(Bytes data) {
-    const auto head = Padded<VpdPageHead>(data);
-    const Bytes body = Part(data, sizeof head, BigEndian(head.length));
-    Record record;
-    record.Add("page", "Page", Value::Text(tools::Hex(head.page, 2)));
-    record.Add("name", "Name", Value::TextOrNull(VpdPageName(head.page)));
-    record.Add("device_type", "Device type", Value::Text(DeviceTypeName(head.peripheral)));
-    record.Add("length", "Length", Value::Number(BigEndian(head.length), "bytes"));
-    if (head.page == kSupportedPages) {
-        AddSupportedPages(record, body);
-    } else if (head.page == kSerialPage) {
-        record.Add("serial", "Serial number", Value::Serial(TextOf(body)));
-    } else if (head.page == kIdentificationPage) {
-        AddDesignators(record, body);
+const tools::Fields<InquiryData>& InquiryFields() {
+    const auto presence = [](const InquiryData& inquiry) {
+        const uint8_t code = inquiry.peripheral >> 5;
+        return Value::Text(TextOfCode(kQualifiers, code, "qualifier " + tools::Hex(code, 1)))
+            .In(code == 0 ? tools::Tone::Good : tools::Tone::Warning);
+    };
+    const auto standard = [](const InquiryData& inquiry) {
+        return TextOfCode(kVersions, inquiry.version, tools::Hex(inquiry.version, 2));
+    };
+    static const tools::Fields<InquiryData> kFields = {
+        {"device_type", "Device type", kText,
+         [](const InquiryData& inquiry) { return DeviceTypeName(inquiry.peripheral); }},
+        {"qualifier", "Presence", kText, presence},
+        {"vendor", "Vendor", kText.OrNull(), FieldOf<&InquiryData::vendor>},
+        {"product", "Product", kText.OrNull(), FieldOf<&InquiryData::product>},
+        {"revision", "Revision", kText.OrNull(), FieldOf<&InquiryData::revision>},
+        {"standard", "Standard", kText, standard},
+        {"removable", "Removable medium", kFlag, IsSet<&InquiryData::removable, 0x80>},
+        {"command_queuing", "Command queuing", kFlag, IsSet<&InquiryData::flags7, 0x02>},
+        {"multiple_ports", "Several ports", kFlag, IsSet<&InquiryData::flags6, 0x10>},
+        {"asymmetric_access", "Asymmetric access", kFlag, IsSet<&InquiryData::flags5, 0x30>},
+        {"protection", "Protection information", kFlag, IsSet<&InquiryData::flags5, 0x01>},
+    };
+    return kFields;
+}
+
+ScsiVpdPage DecodeScsiVpd(Bytes data) {
+    ScsiVpdPage page{Padded<VpdPageHead>(data), {}, {}, {}};
+    const Bytes body = Part(data, sizeof page.head, BigEndian(page.head.length));
+    if (page.head.page == kSupportedPages) {
+        page.pages.emplace(body.begin(), body.end());
+    } else if (page.head.page == kSerialPage) {
+        page.serial = TextOf(body);
+    } else if (page.head.page == kIdentificationPage) {
+        page.identifiers = DesignatorsOf(body);
     }
-    return record;
+    return page;
+}
+
+const tools::Fields<ScsiVpdPage>& ScsiVpdFields() {
+    static const tools::Fields<ScsiVpdPage> kFields = {
+        {"page", "Page", kText,
+         [](const ScsiVpdPage& vpd) { return tools::Hex(vpd.head.page, 2); }},
+        {"name", "Name", kText.OrNull(),
+         [](const ScsiVpdPage& vpd) { return VpdPageName(vpd.head.page); }},
+        {"device_type", "Device type", kText,
+         [](const ScsiVpdPage& vpd) { return DeviceTypeName(vpd.head.peripheral); }},
+        {"length", "Length", tools::Integer("bytes"),
+         [](const ScsiVpdPage& vpd) { return BigEndian(vpd.head.length); }},
+        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, tools::ListLayout::Table, "no pages"},
+        {"serial", "Serial number", tools::kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
+        {"identifiers", "Identifiers", DesignatorFields(), &ScsiVpdPage::identifiers,
+         tools::ListLayout::Table, "no identifiers"},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr

@@ -9,7 +9,7 @@ namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::Value;
+using tools::kText;
 
 constexpr uint8_t kValid = 0x80;
 constexpr uint8_t kResponseMask = 0x7F;
@@ -178,18 +178,20 @@ std::string SenseText(const Sense& sense) {
            " (" + Codes(sense) + ")" + (sense.deferred ? ", of an earlier command" : "");
 }
 
-tools::Record SenseRecord(const Sense& sense) {
-    tools::Record record;
-    record.Add("key", "Sense key", Value::Text(tools::Hex(sense.key, 1)));
-    record.Add("key_name", "Key name", Value::Text(SenseKeyName(sense.key)));
-    record.Add("asc", "Additional code", Value::Text(tools::Hex(sense.code, 2)));
-    record.Add("ascq", "Qualifier", Value::Text(tools::Hex(sense.qualifier, 2)));
-    record.Add("meaning", "Meaning", Value::Text(AdditionalSenseText(sense.code, sense.qualifier)));
-    record.Add("deferred", "Of an earlier command", Value::Flag(sense.deferred));
-    record.Add("format", "Format", Value::Text(sense.descriptorFormat ? "descriptor" : "fixed"));
-    record.Add("information", "Information",
-               sense.information ? Value::Text(tools::Hex(*sense.information, 8)) : Value());
-    return record;
+const tools::Fields<Sense>& SenseFields() {
+    static const tools::Fields<Sense> kFields = {
+        {"key", "Sense key", tools::Hexadecimal(1), &Sense::key},
+        {"key_name", "Key name", kText, [](const Sense& s) { return SenseKeyName(s.key); }},
+        {"asc", "Additional code", tools::Hexadecimal(2), &Sense::code},
+        {"ascq", "Qualifier", tools::Hexadecimal(2), &Sense::qualifier},
+        {"meaning", "Meaning", kText,
+         [](const Sense& s) { return AdditionalSenseText(s.code, s.qualifier); }},
+        {"deferred", "Of an earlier command", tools::kFlag, &Sense::deferred},
+        {"format", "Format", kText,
+         [](const Sense& s) { return s.descriptorFormat ? "descriptor" : "fixed"; }},
+        {"information", "Information", tools::Hexadecimal(8).OrNull(), &Sense::information},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr

@@ -57,13 +57,11 @@ ScsiReply ScsiUnit::ReportLuns(size_t room) {
     return ReplyOf(status, std::move(data), sense);
 }
 
-tools::ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text) {
-    std::string whole = text;
-    if (reply.sense) {
-        invocation_.Result().AddGroup("sense", "Sense data", SenseRecord(*reply.sense));
-        whole += ": " + SenseText(*reply.sense);
-    }
-    const tools::CommandError error = RemoteFailure(session_, reply.status, whole);
+tools::ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text,
+                                UnitResult& result) {
+    result.sense = reply.sense;
+    const tools::CommandError error = RemoteFailure(
+        session_, reply.status, reply.sense ? text + ": " + SenseText(*reply.sense) : text);
     invocation_.Add(error.message);
     return error.exit;
 }

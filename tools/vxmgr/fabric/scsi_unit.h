@@ -29,6 +29,13 @@ struct ScsiReply {
     std::optional<Sense> sense;  // with HXMGT_SCSI_CHECK_CONDITION
 };
 
+// What every command to a unit reports: through which port, and what the unit says of a command
+// that it refused.
+struct UnitResult {
+    const Port* port = nullptr;
+    std::optional<Sense> sense;
+};
+
 class ScsiUnit {
   public:
     explicit ScsiUnit(tools::Invocation& invocation);
@@ -40,7 +47,7 @@ class ScsiUnit {
     ScsiReply ReportLuns(size_t room);
 
     // Puts the sense data into the result and reports the status; the command's exit code.
-    tools::ExitCode Fails(const ScsiReply& reply, const std::string& text);
+    tools::ExitCode Fails(const ScsiReply& reply, const std::string& text, UnitResult& result);
 
   private:
     static ScsiReply ReplyOf(HX_STATUS status, std::vector<uint8_t> data, Bytes sense);

@@ -44,18 +44,18 @@ bool NeedsLongForm(const Capacity& capacity) {
     return capacity.lastBlock == UINT32_MAX;
 }
 
-tools::Record CapacityRecord(const Capacity& capacity) {
-    const auto number = [](std::optional<uint64_t> value) {
-        return value ? Value::Number(*value) : Value();
+const tools::Fields<Capacity>& CapacityFields() {
+    const auto total = [](const Capacity& capacity) {
+        const auto bytes = capacity.TotalBytes();
+        return bytes ? Value::Number(*bytes).Shown(SizeText(*bytes)) : Value();
     };
-    const auto total = capacity.TotalBytes();
-    tools::Record record;
-    record.Add("bytes", "Capacity",
-               total ? Value::Number(*total).Shown(SizeText(*total)) : Value());
-    record.Add("blocks", "Blocks", number(capacity.Blocks()));
-    record.Add("block_size", "Block size", Value::Number(capacity.blockBytes, "bytes"));
-    record.Add("last_block", "Last block", Value::Number(capacity.lastBlock));
-    return record;
+    static const tools::Fields<Capacity> kFields = {
+        {"bytes", "Capacity", tools::kCounter.OrNull(), total},
+        {"blocks", "Blocks", tools::kCounter.OrNull(), &Capacity::Blocks},
+        {"block_size", "Block size", tools::Integer("bytes"), &Capacity::blockBytes},
+        {"last_block", "Last block", tools::kCounter, &Capacity::lastBlock},
+    };
+    return kFields;
 }
 
 uint64_t LunListLength(Bytes list) {
@@ -83,6 +83,15 @@ std::vector<LunEntry> DecodeLuns(Bytes list) {
         entries.push_back(std::move(entry));
     }
     return entries;
+}
+
+const tools::Fields<LunEntry>& LunEntryFields() {
+    static const tools::Fields<LunEntry> kFields = {
+        {"lun", "LUN", "LUN", tools::kInteger.OrNull(), &LunEntry::lun},
+        {"method", "Addressing", "ADDRESSING", tools::kText.OrNull(), &LunEntry::method},
+        {"address", "Address", "ADDRESS", tools::kText.OrNull(), &LunEntry::address},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr
