@@ -155,7 +155,7 @@ TEST(ToolsHbaApi, EveryAnswerBecomesARecord) {
     const HbaAdapter adapter = ReadFake({});
     EXPECT_EQ(adapter.name, std::string(255, 'n'));
     EXPECT_FALSE(adapter.Failed());
-    const tools::Record detail = HbaDetail(adapter);
+    const tools::Record detail = HbaDetailFields().Make(adapter);
     EXPECT_EQ(Shown(detail, "attributes_manufacturer"), std::string(64, 'M'));
     EXPECT_EQ(Shown(detail, "attributes_serial"), "S1??");
     EXPECT_EQ(Shown(detail, "port_fc_id"), "0x010203");
@@ -166,7 +166,7 @@ TEST(ToolsHbaApi, EveryAnswerBecomesARecord) {
     EXPECT_EQ(Shown(detail, "management_udp_port"), "-");
     EXPECT_EQ(Shown(detail, "mapping_status"), "HBA_STATUS_OK");
     EXPECT_EQ(adapter.discovered.size(), 2u);
-    EXPECT_EQ(Shown(HbaSummary(adapter), "status"), "HBA_STATUS_OK");
+    EXPECT_EQ(Shown(HbaSummaryFields().Make(adapter), "status"), "HBA_STATUS_OK");
 }
 
 TEST(ToolsHbaApi, FailingHandlersAreTold) {
@@ -182,11 +182,11 @@ TEST(ToolsHbaApi, FailingHandlersAreTold) {
     for (const auto& row : kRows) {
         const HbaAdapter adapter = ReadFake(row.library);
         EXPECT_TRUE(adapter.Failed()) << row.status;
-        EXPECT_EQ(Shown(HbaSummary(adapter), "status"), row.status);
-        EXPECT_EQ(Shown(HbaDetail(adapter), "status"), row.status);
+        EXPECT_EQ(Shown(HbaSummaryFields().Make(adapter), "status"), row.status);
+        EXPECT_EQ(Shown(HbaDetailFields().Make(adapter), "status"), row.status);
     }
     const HbaAdapter noPort = ReadFake({.port = HBA_STATUS_ERROR});
-    EXPECT_EQ(Shown(HbaDetail(noPort), "port_fc_id"), "-")
+    EXPECT_EQ(Shown(HbaDetailFields().Make(noPort), "port_fc_id"), "-")
         << "the record of a failure means nothing";
     EXPECT_EQ(noPort.discovered.size(), 0u);
 }

@@ -121,7 +121,6 @@ constexpr tools::CommandRows (*kFiles[])() = {
     DumpCommands,
     DriverCommands,
     HbaapiCommands,
-    HbaapiRegistrationCommands,
 };
 
 }  // namespace

@@ -6,6 +6,5 @@
 namespace vxmgr {
 
 tools::CommandRows HbaapiCommands();
-tools::CommandRows HbaapiRegistrationCommands();
 
 }  // namespace vxmgr

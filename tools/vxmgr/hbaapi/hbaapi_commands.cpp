@@ -1,5 +1,5 @@
-// hbaapi list|show: what a program gets that knows the standard HBA API alone. The management API
-// only tells beforehand which port would hold that up.
+// hbaapi list|show|register|unregister: what a program gets that knows the standard HBA API alone.
+// The management API only tells beforehand which port would hold that up.
 #include "vxmgr/hbaapi/commands.h"
 
 #include <algorithm>
@@ -17,7 +17,6 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
 
 tools::Identity IdentityOf(const HbaAdapter& adapter) {
     tools::Identity identity;
@@ -71,12 +70,23 @@ ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapte
 
 // The standard API counts its adapters anew for each that is opened, port after port, and would
 // wait every time for one that does not answer.
-void CheckThatPortsAnswer(tools::Invocation& invocation) {
-    for (const Port& port : ReadPorts(invocation)) {
+std::vector<Port> PortsThatAllAnswer(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadPorts(invocation);
+    for (const Port& port : ports) {
         if (port.failure == HXMGT_TIMED_OUT) {
             invocation.Fail(port.failure,
                             "the standard API asks every port in turn, and " + port.failedQuery,
                             port.Object());
+        }
+    }
+    return ports;
+}
+
+void FindManagedPort(const std::vector<Port>& ports, HbaAdapter& adapter) {
+    const tools::Wwn name = tools::Wwn::Of(adapter.port.record.PortWWN.wwn);
+    for (const Port& port : ports) {
+        if (adapter.port.Holds() && port.port && tools::Wwn::Of(port.port->portName) == name) {
+            adapter.managedPort = port.index;
         }
     }
 }
@@ -114,13 +124,25 @@ std::vector<HbaAdapter> ReadAdapters(tools::Invocation& invocation,
     return adapters;
 }
 
-ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout layout,
-              Record (*recordOf)(const HbaAdapter&)) {
+using HbaAdapters = std::vector<HbaAdapter>;
+
+template <const tools::Fields<HbaAdapter>& (*fields)(), tools::ListLayout layout>
+const tools::Fields<HbaAdapters>& HbaAdaptersFields() {
+    static const tools::Fields<HbaAdapters> kFields = {
+        {"adapters", "Adapters", fields(), std::identity(), layout, "No adapters."},
+    };
+    return kFields;
+}
+constexpr auto HbaListFields = HbaAdaptersFields<HbaSummaryFields, tools::ListLayout::Table>;
+constexpr auto HbaShowFields = HbaAdaptersFields<HbaDetailFields, tools::ListLayout::Sections>;
+
+ExitCode Show(tools::Invocation& invocation, HbaDepth depth,
+              const tools::Fields<HbaAdapters>& fields) {
     const auto file = OwnLibraryFile();
     if (!file) {
         invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program");
     }
-    CheckThatPortsAnswer(invocation);
+    const std::vector<Port> ports = PortsThatAllAnswer(invocation);
     const auto library = std::make_shared<VendorLibrary>();
     std::string error;
     if (!library->Load(*file, &error)) {
@@ -140,21 +162,84 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth, tools::ListLayout l
         }
         adapters = ReadAdapters(invocation, library, indexes, depth);
     }
-    std::vector<Record> records;
-    for (const HbaAdapter& adapter : adapters) {
-        records.push_back(recordOf(adapter));
+    for (HbaAdapter& adapter : adapters) {
+        FindManagedPort(ports, adapter);
     }
-    invocation.Result().AddList("adapters", "Adapters", layout, recordOf(HbaAdapter()),
-                                "No adapters.", std::move(records));
+    invocation.Result() = fields.Make(adapters);
     return ReportFailed(invocation, adapters);
 }
 
 ExitCode HbaList(tools::Invocation& invocation) {
-    return Show(invocation, HbaDepth::Attributes, tools::ListLayout::Table, HbaSummary);
+    return Show(invocation, HbaDepth::Attributes, HbaListFields());
 }
 
 ExitCode HbaShow(tools::Invocation& invocation) {
-    return Show(invocation, HbaDepth::Everything, tools::ListLayout::Sections, HbaDetail);
+    return Show(invocation, HbaDepth::Everything, HbaShowFields());
+}
+
+// The entry by which the common library of the standard HBA API finds this vendor's.
+using File = std::optional<std::string>;
+
+File Registered(tools::Invocation& invocation) {
+    File file;
+    if (const uint32_t error = ReadRegisteredFile(&file); error != 0) {
+        invocation.Fail(error, "the registry entry cannot be read", RegistrationKey());
+    }
+    return file;
+}
+
+struct Registration {
+    File previous;
+    File file;
+};
+
+const tools::Fields<Registration>& RegistrationFields() {
+    static const tools::Fields<Registration> kFields = {
+        {"key", "Registry key", tools::kText,
+         [](const Registration&) { return RegistrationKey(); }},
+        {"value_name", "Value", tools::kText, [](const Registration&) { return kRegisteredValue; }},
+        {"previous", "Before", tools::kText.OrNull(), &Registration::previous,
+         "null: none was registered"},
+        {"file", "Library", tools::kText.OrNull(), &Registration::file, "what is registered now"},
+    };
+    return kFields;
+}
+
+// Brings the entry from what it is to what it is to be.
+ExitCode ChangeRegistration(tools::Invocation& invocation, const File& wanted) {
+    const File before = Registered(invocation);
+    const bool needed = before != wanted;
+    if (needed && !invocation.DryRun()) {
+        const uint32_t error = wanted ? WriteRegisteredFile(*wanted) : RemoveRegisteredFile();
+        if (error != 0) {
+            invocation.Fail(error, "the registry entry cannot be changed", RegistrationKey());
+        }
+        invocation.Changed();
+    }
+    const File after = Registered(invocation);
+    invocation.Result() = RegistrationFields().Make({before, after});
+    if (!needed) {
+        invocation.Note(wanted ? "already registered" : "is not registered");
+    } else if (invocation.DryRun()) {
+        invocation.Note("dry run: " + (wanted ? *wanted + " would be registered"
+                                              : *before + " would no longer be registered"));
+    } else if (after != wanted) {
+        invocation.Fail(ExitCode::NotProven, "the entry was changed, but does not read back");
+    }
+    return ExitCode::Done;
+}
+
+ExitCode HbaRegister(tools::Invocation& invocation) {
+    const File own = OwnLibraryFile();
+    if (!own) {
+        invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program",
+                        "run the vxmgr.exe that is beside the library to register");
+    }
+    return ChangeRegistration(invocation, own);
+}
+
+ExitCode HbaUnregister(tools::Invocation& invocation) {
+    return ChangeRegistration(invocation, std::nullopt);
 }
 
 }  // namespace
@@ -168,6 +253,7 @@ tools::CommandRows HbaapiCommands() {
             .schema = "hbaapi.list",
             .run = HbaList,
             .example = "hbaapi list",
+            .result = tools::ShapeOf<HbaListFields>,
         },
         {
             .path = "hbaapi show",
@@ -176,6 +262,25 @@ tools::CommandRows HbaapiCommands() {
             .schema = "hbaapi.show",
             .run = HbaShow,
             .example = "hbaapi show -p scsi:3",
+            .result = tools::ShapeOf<HbaShowFields>,
+        },
+        {
+            .path = "hbaapi register",
+            .risk = tools::Risk::Reversible,
+            .help = "have the common library of the HBA API find this one",
+            .schema = "hbaapi.registration",
+            .run = HbaRegister,
+            .example = "hbaapi register",
+            .result = tools::ShapeOf<RegistrationFields>,
+        },
+        {
+            .path = "hbaapi unregister",
+            .risk = tools::Risk::Reversible,
+            .help = "take that registration back",
+            .schema = "hbaapi.registration",
+            .run = HbaUnregister,
+            .example = "hbaapi unregister",
+            .result = tools::ShapeOf<RegistrationFields>,
         },
     };
     return kCommands;

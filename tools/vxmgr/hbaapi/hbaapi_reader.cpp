@@ -43,14 +43,15 @@ void ReadDiscovered(const HBA_ENTRYPOINTS& api, HBA_HANDLE handle, HbaAdapter& a
             ? std::min<HBA_UINT32>(adapter.port.record.NumberofDiscoveredPorts, kMostDiscovered)
             : 0;
     for (HBA_UINT32 index = 0; index < count; ++index) {
-        HBA_PORTATTRIBUTES remote{};
-        const HBA_STATUS status = api.GetDiscoveredPortAttributesHandler(handle, 0, index, &remote);
+        HbaAnswer<HBA_PORTATTRIBUTES> remote;
+        remote.status = api.GetDiscoveredPortAttributesHandler(handle, 0, index, &remote.record);
         // Ports may have gone since they were counted.
-        if (status == HBA_STATUS_ERROR_ILLEGAL_WWN || status == HBA_STATUS_ERROR_ILLEGAL_INDEX) {
+        if (remote.status == HBA_STATUS_ERROR_ILLEGAL_WWN ||
+            remote.status == HBA_STATUS_ERROR_ILLEGAL_INDEX) {
             return;
         }
-        if (status != HBA_STATUS_OK) {
-            adapter.discoveredEnd = status;
+        if (!remote.Holds()) {
+            adapter.discoveredEnd = remote.status;
             return;
         }
         adapter.discovered.push_back(remote);

@@ -20,7 +20,8 @@ struct HbaAnswer {
 
 struct HbaAdapter {
     HBA_UINT32 index = 0;
-    HBA_STATUS named = HBA_STATUS_OK;  // of the question for the name
+    std::optional<uint32_t> managedPort;  // index of the port as the management API has it
+    HBA_STATUS named = HBA_STATUS_OK;     // of the question for the name
     std::string name;
     bool opened = false;
     HbaAnswer<HBA_ADAPTERATTRIBUTES> attributes;
@@ -28,7 +29,7 @@ struct HbaAdapter {
     // With everything that can be asked.
     HbaAnswer<HBA_PORTSTATISTICS> statistics;
     HbaAnswer<HBA_MGMTINFO> management;
-    std::vector<HBA_PORTATTRIBUTES> discovered;
+    std::vector<HbaAnswer<HBA_PORTATTRIBUTES>> discovered;
     HBA_STATUS discoveredEnd = HBA_STATUS_OK;  // a failure that ended the list early
     HbaAnswer<std::vector<HBA_FCPSCSIENTRY>> mapping;
 

@@ -1,35 +1,62 @@
 #include "vxmgr/hbaapi/hbaapi_records.h"
 
-#include <cstddef>
-#include <cstring>
-
 #include "common/text.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Record;
+using tools::Fields;
+using tools::kText;
+using tools::ListLayout;
 using tools::Value;
+using Attributes = HBA_ADAPTERATTRIBUTES;
+using PortAttributes = HBA_PORTATTRIBUTES;
+using Statistics = HBA_PORTSTATISTICS;
+using Management = HBA_MGMTINFO;
+using Mapping = HBA_FCPSCSIENTRY;
 
-template <size_t Size>
-Value TextOf(const char (&field)[Size]) {
-    return Value::TextOrNull(tools::FieldText(field, Size));
-}
+constexpr auto kNumberOrNull = tools::kInteger.OrNull();
+constexpr auto kCounterOrNull = tools::kCounter.OrNull();
+constexpr auto kNameOrNull = tools::kWwn.OrNull();
+constexpr auto kTextOrNull = kText.OrNull();
 
-Value NameOf(const HBA_WWN& name) {
+// Getters of records.
+template <auto member>
+constexpr auto kTextOf =
+    [](const auto& record) { return tools::FieldText(record.*member, sizeof(record.*member)); };
+
+std::optional<tools::Wwn> NameUnlessZero(const HBA_WWN& name) {
     const tools::Wwn wwn = tools::Wwn::Of(name.wwn);
-    return wwn.IsZero() ? Value() : Value::Name(wwn);
+    return wwn.IsZero() ? std::nullopt : std::optional(wwn);
 }
 
-Value FcIdOf(HBA_UINT32 id) {
-    return Value::Text(tools::Hex(id, 6));
+template <auto member>
+constexpr auto kNameOf = [](const auto& record) { return NameUnlessZero(record.*member); };
+
+template <auto member, auto textOf>
+constexpr auto kWordsOf = [](const auto& record) { return textOf(record.*member); };
+
+template <auto member, int digits>
+constexpr auto kHexOf = [](const auto& record) { return tools::Hex(record.*member, digits); };
+
+// Counters below zero are those that the library does not count.
+template <auto member>
+constexpr auto kCounterOf = [](const Statistics& statistics) {
+    const HBA_INT64 value = statistics.*member;
+    return value < 0 ? std::nullopt : std::optional(static_cast<uint64_t>(value));
+};
+
+// The getter for an answer: null unless it holds.
+auto Held(auto get) {
+    return [get](const auto& answer) {
+        return answer.Holds() ? std::optional(std::invoke(get, answer.record)) : std::nullopt;
+    };
 }
 
-// Null unless the answer holds.
-template <typename Row, typename Make>
-Value Of(const HbaAnswer<Row>& answer, Make make) {
-    return answer.Holds() ? make(answer.record) : Value();
+// The same for an answer of the adapter.
+auto HeldOf(auto answer, auto get) {
+    return [answer, held = Held(get)](const HbaAdapter& adapter) { return held(adapter.*answer); };
 }
 
 Value StatusOf(HBA_STATUS status) {
@@ -37,7 +64,7 @@ Value StatusOf(HBA_STATUS status) {
         .In(status == HBA_STATUS_OK ? tools::Tone::Plain : tools::Tone::Warning);
 }
 
-// The state of an adapter as a whole, for lists.
+// The state of an adapter as a whole.
 Value ConditionOf(const HbaAdapter& adapter) {
     const auto failure = adapter.Failure();
     if (!failure) {
@@ -46,237 +73,231 @@ Value ConditionOf(const HbaAdapter& adapter) {
     return StatusOf(*failure);
 }
 
-using Attributes = HBA_ADAPTERATTRIBUTES;
-using PortAttributes = HBA_PORTATTRIBUTES;
-
-Value SerialOf(const HbaAdapter& adapter) {
-    return Value::Serial(HbaSerial(adapter));
+std::optional<uint32_t> ScsiPortOf(const HbaAdapter& adapter) {
+    const PortAttributes& port = adapter.port.record;
+    return adapter.port.Holds() ? ScsiPortOfDevice(port.OSDeviceName, sizeof port.OSDeviceName)
+                                : std::nullopt;
 }
 
-Record AttributesGroup(const HbaAdapter& adapter) {
-    const auto& answer = adapter.attributes;
-    const auto text = [&](auto field) {
-        return Of(answer, [&](const Attributes& record) { return TextOf(record.*field); });
+template <class Row>
+Fields<HbaAnswer<Row>> WithStatus(const Fields<HbaAnswer<Row>>& fields) {
+    return {
+        {fields, [](const HbaAnswer<Row>& answer) { return &answer; }},
+        {"status", "Status", kText,
+         [](const HbaAnswer<Row>& answer) { return StatusOf(answer.status); }},
     };
-    Record group;
-    group.Add("manufacturer", "Manufacturer", text(&Attributes::Manufacturer));
-    group.Add("serial", "Serial number", SerialOf(adapter), "SERIAL");
-    group.Add("model", "Model", text(&Attributes::Model), "MODEL");
-    group.Add("model_description", "Description", text(&Attributes::ModelDescription));
-    group.Add("node_wwn", "Node name",
-              Of(answer, [](const Attributes& record) { return NameOf(record.NodeWWN); }));
-    group.Add("node_symbolic_name", "Symbolic node name", text(&Attributes::NodeSymbolicName));
-    group.Add("hardware_version", "Hardware", text(&Attributes::HardwareVersion));
-    group.Add("driver_version", "Driver", text(&Attributes::DriverVersion));
-    group.Add("option_rom_version", "Option ROM", text(&Attributes::OptionROMVersion));
-    group.Add("firmware_version", "Firmware", text(&Attributes::FirmwareVersion));
-    group.Add("vendor_specific_id", "Vendor specific", Of(answer, [](const Attributes& record) {
-                  return Value::Text(tools::Hex(record.VendorSpecificID, 8));
-              }));
-    group.Add("number_of_ports", "Ports", Of(answer, [](const Attributes& record) {
-                  return Value::Number(record.NumberOfPorts);
-              }));
-    group.Add("driver_name", "Driver file", text(&Attributes::DriverName));
-    group.Add("status", "Status", StatusOf(answer.status));
-    return group;
+}
+
+const Fields<HbaAnswer<Attributes>>& AttributesFields() {
+    static const Fields<HbaAnswer<Attributes>> kFields = {
+        {"manufacturer", "Manufacturer", kTextOrNull, Held(kTextOf<&Attributes::Manufacturer>)},
+        {"serial", "Serial number", "SERIAL", tools::kSerial.OrNull(),
+         Held(kTextOf<&Attributes::SerialNumber>)},
+        {"model", "Model", "MODEL", kTextOrNull, Held(kTextOf<&Attributes::Model>)},
+        {"model_description", "Description", kTextOrNull,
+         Held(kTextOf<&Attributes::ModelDescription>)},
+        {"node_wwn", "Node name", kNameOrNull, Held(kNameOf<&Attributes::NodeWWN>)},
+        {"node_symbolic_name", "Symbolic node name", kTextOrNull,
+         Held(kTextOf<&Attributes::NodeSymbolicName>)},
+        {"hardware_version", "Hardware", kTextOrNull, Held(kTextOf<&Attributes::HardwareVersion>)},
+        {"driver_version", "Driver", kTextOrNull, Held(kTextOf<&Attributes::DriverVersion>)},
+        {"option_rom_version", "Option ROM", kTextOrNull,
+         Held(kTextOf<&Attributes::OptionROMVersion>)},
+        {"firmware_version", "Firmware", kTextOrNull, Held(kTextOf<&Attributes::FirmwareVersion>)},
+        {"vendor_specific_id", "Vendor specific", kTextOrNull,
+         Held(kHexOf<&Attributes::VendorSpecificID, 8>)},
+        {"number_of_ports", "Ports", kNumberOrNull, Held(&Attributes::NumberOfPorts)},
+        {"driver_name", "Driver file", kTextOrNull, Held(kTextOf<&Attributes::DriverName>)},
+    };
+    static const auto kWithStatus = WithStatus(kFields);
+    return kWithStatus;
 }
 
 // The same for the adapter's own port and for those that it discovered.
-void AddPort(Record& record, const HbaAnswer<PortAttributes>& answer) {
-    const auto of = [&](auto make) { return Of(answer, make); };
-    record.Add("port_wwn", "Port name",
-               of([](const PortAttributes& port) { return NameOf(port.PortWWN); }), "PORT NAME");
-    record.Add("node_wwn", "Node name",
-               of([](const PortAttributes& port) { return NameOf(port.NodeWWN); }));
-    record.Add("fc_id", "Port identifier",
-               of([](const PortAttributes& port) { return FcIdOf(port.PortFcId); }), "FC ID");
-    record.Add("type", "Type", of([](const PortAttributes& port) {
-                   return Value::Text(HbaPortTypeText(port.PortType));
-               }),
-               "TYPE");
-    record.Add("state", "State", of([](const PortAttributes& port) {
-                   return Value::Text(HbaPortStateText(port.PortState));
-               }),
-               "STATE");
-    record.Add("os_device", "System device",
-               of([](const PortAttributes& port) { return TextOf(port.OSDeviceName); }), "DEVICE");
-    record.Add("symbolic_name", "Symbolic name",
-               of([](const PortAttributes& port) { return TextOf(port.PortSymbolicName); }));
-    record.Add("classes_of_service", "Classes of service", of([](const PortAttributes& port) {
-                   return Value::Text(tools::Hex(port.PortSupportedClassofService, 8));
-               }));
-    record.Add("supported_fc4", "FC-4 types", of([](const PortAttributes& port) {
-                   return Value::TextOrNull(HbaFc4TypesText(port.PortSupportedFc4Types));
-               }));
-    record.Add("active_fc4", "FC-4 types in use", of([](const PortAttributes& port) {
-                   return Value::TextOrNull(HbaFc4TypesText(port.PortActiveFc4Types));
-               }));
-    record.Add("supported_speeds", "Speeds", of([](const PortAttributes& port) {
-                   return Value::TextOrNull(HbaSpeedsText(port.PortSupportedSpeed));
-               }));
-    record.Add("speed", "Speed", of([](const PortAttributes& port) {
-                   return Value::TextOrNull(HbaSpeedsText(port.PortSpeed));
-               }));
-    record.Add("max_frame_size", "Largest frame", of([](const PortAttributes& port) {
-                   return Value::Number(port.PortMaxFrameSize, "bytes");
-               }));
-    record.Add("fabric_name", "Fabric name",
-               of([](const PortAttributes& port) { return NameOf(port.FabricName); }));
-    record.Add("discovered_ports", "Discovered ports", of([](const PortAttributes& port) {
-                   return Value::Number(port.NumberofDiscoveredPorts);
-               }));
-}
-
-struct CounterRow {
-    const char* key;
-    const char* label;
-    HBA_INT64 HBA_PORTSTATISTICS::*value;
-};
-constexpr CounterRow kCounters[] = {
-    {"seconds", "Since the last reset", &HBA_PORTSTATISTICS::SecondsSinceLastReset},
-    {"tx_frames", "Frames sent", &HBA_PORTSTATISTICS::TxFrames},
-    {"tx_words", "Words sent", &HBA_PORTSTATISTICS::TxWords},
-    {"rx_frames", "Frames received", &HBA_PORTSTATISTICS::RxFrames},
-    {"rx_words", "Words received", &HBA_PORTSTATISTICS::RxWords},
-    {"lips", "Loop initialisations", &HBA_PORTSTATISTICS::LIPCount},
-    {"nos", "NOS events", &HBA_PORTSTATISTICS::NOSCount},
-    {"error_frames", "Frames with errors", &HBA_PORTSTATISTICS::ErrorFrames},
-    {"dumped_frames", "Frames lost", &HBA_PORTSTATISTICS::DumpedFrames},
-    {"link_failures", "Link failures", &HBA_PORTSTATISTICS::LinkFailureCount},
-    {"losses_of_sync", "Losses of synchronisation", &HBA_PORTSTATISTICS::LossOfSyncCount},
-    {"losses_of_signal", "Losses of signal", &HBA_PORTSTATISTICS::LossOfSignalCount},
-    {"sequence_errors", "Primitive sequence errors",
-     &HBA_PORTSTATISTICS::PrimitiveSeqProtocolErrCount},
-    {"invalid_words", "Invalid transmission words", &HBA_PORTSTATISTICS::InvalidTxWordCount},
-    {"invalid_crcs", "CRC errors", &HBA_PORTSTATISTICS::InvalidCRCCount},
-};
-
-Record StatisticsGroup(const HbaAnswer<HBA_PORTSTATISTICS>& answer) {
-    Record group;
-    for (const CounterRow& row : kCounters) {
-        group.Add(row.key, row.label, Of(answer, [&](const HBA_PORTSTATISTICS& statistics) {
-                      const HBA_INT64 value = statistics.*row.value;
-                      return value < 0 ? Value() : Value::Number(static_cast<uint64_t>(value));
-                  }));
-    }
-    group.Add("status", "Status", StatusOf(answer.status));
-    return group;
-}
-
-Record ManagementGroup(const HbaAnswer<HBA_MGMTINFO>& answer) {
-    const auto number = [&](auto field) {
-        return Of(answer, [&](const HBA_MGMTINFO& info) { return Value::Number(info.*field); });
+const Fields<HbaAnswer<PortAttributes>>& RemotePortFields() {
+    using Port = PortAttributes;
+    constexpr auto kFc4 = HbaFc4TypesText;
+    constexpr auto kSpeed = HbaSpeedsText;
+    static const Fields<HbaAnswer<Port>> kFields = {
+        {"port_wwn", "Port name", "PORT NAME", kNameOrNull, Held(kNameOf<&Port::PortWWN>)},
+        {"node_wwn", "Node name", kNameOrNull, Held(kNameOf<&Port::NodeWWN>)},
+        {"fc_id", "Port identifier", "FC ID", kTextOrNull, Held(kHexOf<&Port::PortFcId, 6>)},
+        {"type", "Type", "TYPE", kTextOrNull, Held(kWordsOf<&Port::PortType, HbaPortTypeText>)},
+        {"state", "State", "STATE", kTextOrNull,
+         Held(kWordsOf<&Port::PortState, HbaPortStateText>)},
+        {"os_device", "System device", "DEVICE", kTextOrNull, Held(kTextOf<&Port::OSDeviceName>)},
+        {"symbolic_name", "Symbolic name", kTextOrNull, Held(kTextOf<&Port::PortSymbolicName>)},
+        {"classes_of_service", "Classes of service", kTextOrNull,
+         Held(kHexOf<&Port::PortSupportedClassofService, 8>)},
+        {"supported_fc4", "FC-4 types", kTextOrNull,
+         Held(kWordsOf<&Port::PortSupportedFc4Types, kFc4>)},
+        {"active_fc4", "FC-4 types in use", kTextOrNull,
+         Held(kWordsOf<&Port::PortActiveFc4Types, kFc4>)},
+        {"supported_speeds", "Speeds", kTextOrNull,
+         Held(kWordsOf<&Port::PortSupportedSpeed, kSpeed>)},
+        {"speed", "Speed", kTextOrNull, Held(kWordsOf<&Port::PortSpeed, kSpeed>)},
+        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+         Held(&Port::PortMaxFrameSize)},
+        {"fabric_name", "Fabric name", kNameOrNull, Held(kNameOf<&Port::FabricName>)},
+        {"discovered_ports", "Discovered ports", kNumberOrNull,
+         Held(&Port::NumberofDiscoveredPorts)},
     };
-    Record group;
-    group.Add("wwn", "Name", Of(answer, [](const HBA_MGMTINFO& info) { return NameOf(info.wwn); }));
-    group.Add("unit_type", "Unit type", number(&HBA_MGMTINFO::unittype));
-    group.Add("port_number", "Port number", number(&HBA_MGMTINFO::PortId));
-    group.Add("attached_nodes", "Attached nodes", number(&HBA_MGMTINFO::NumberOfAttachedNodes));
-    group.Add("ip_version", "IP version", number(&HBA_MGMTINFO::IPVersion));
-    group.Add("ip_address", "IP address", Of(answer, [](const HBA_MGMTINFO& info) {
-                  return Value::TextOrNull(HbaAddressText(info.IPVersion, info.IPAddress));
-              }));
-    group.Add("udp_port", "UDP port", number(&HBA_MGMTINFO::UDPPort));
-    group.Add("topology_discovery_flags", "Discovery flags",
-              number(&HBA_MGMTINFO::TopologyDiscoveryFlags));
-    group.Add("status", "Status", StatusOf(answer.status));
-    return group;
+    return kFields;
 }
 
-Record DiscoveredRow(const HBA_PORTATTRIBUTES& port) {
-    HbaAnswer<HBA_PORTATTRIBUTES> answer;
-    answer.status = HBA_STATUS_OK;
-    answer.record = port;
-    Record row;
-    AddPort(row, answer);
-    return row;
+const Fields<HbaAnswer<PortAttributes>>& OwnPortFields() {
+    static const auto kFields = WithStatus(RemotePortFields());
+    return kFields;
 }
 
-Record MappingRow(const HBA_FCPSCSIENTRY& entry) {
-    Record row;
-    row.Add("os_device", "Device", TextOf(entry.ScsiId.OSDeviceName), "DEVICE");
-    row.Add("bus", "Bus", Value::Number(entry.ScsiId.ScsiBusNumber), "BUS");
-    row.Add("target", "Target", Value::Number(entry.ScsiId.ScsiTargetNumber), "ID");
-    row.Add("lun", "LUN", Value::Number(entry.ScsiId.ScsiOSLun), "LUN");
-    row.Add("fc_id", "Port identifier", FcIdOf(entry.FcpId.FcId), "FC ID");
-    row.Add("port_wwn", "Port name", NameOf(entry.FcpId.PortWWN), "PORT NAME");
-    row.Add("node_wwn", "Node name", NameOf(entry.FcpId.NodeWWN));
-    row.Add("fcp_lun", "FCP LUN", Value::Text(HbaFcpLunText(entry.FcpId.FcpLun)), "FCP LUN");
-    return row;
+const Fields<HbaAnswer<Statistics>>& StatisticsFields() {
+    static const Fields<HbaAnswer<Statistics>> kFields = {
+        {"seconds", "Since the last reset", kCounterOrNull,
+         Held(kCounterOf<&Statistics::SecondsSinceLastReset>)},
+        {"tx_frames", "Frames sent", kCounterOrNull, Held(kCounterOf<&Statistics::TxFrames>)},
+        {"tx_words", "Words sent", kCounterOrNull, Held(kCounterOf<&Statistics::TxWords>)},
+        {"rx_frames", "Frames received", kCounterOrNull, Held(kCounterOf<&Statistics::RxFrames>)},
+        {"rx_words", "Words received", kCounterOrNull, Held(kCounterOf<&Statistics::RxWords>)},
+        {"lips", "Loop initialisations", kCounterOrNull, Held(kCounterOf<&Statistics::LIPCount>)},
+        {"nos", "NOS events", kCounterOrNull, Held(kCounterOf<&Statistics::NOSCount>)},
+        {"error_frames", "Frames with errors", kCounterOrNull,
+         Held(kCounterOf<&Statistics::ErrorFrames>)},
+        {"dumped_frames", "Frames lost", kCounterOrNull,
+         Held(kCounterOf<&Statistics::DumpedFrames>)},
+        {"link_failures", "Link failures", kCounterOrNull,
+         Held(kCounterOf<&Statistics::LinkFailureCount>)},
+        {"losses_of_sync", "Losses of synchronisation", kCounterOrNull,
+         Held(kCounterOf<&Statistics::LossOfSyncCount>)},
+        {"losses_of_signal", "Losses of signal", kCounterOrNull,
+         Held(kCounterOf<&Statistics::LossOfSignalCount>)},
+        {"sequence_errors", "Primitive sequence errors", kCounterOrNull,
+         Held(kCounterOf<&Statistics::PrimitiveSeqProtocolErrCount>)},
+        {"invalid_words", "Invalid transmission words", kCounterOrNull,
+         Held(kCounterOf<&Statistics::InvalidTxWordCount>)},
+        {"invalid_crcs", "CRC errors", kCounterOrNull,
+         Held(kCounterOf<&Statistics::InvalidCRCCount>)},
+    };
+    static const auto kWithStatus = WithStatus(kFields);
+    return kWithStatus;
+}
+
+const Fields<HbaAnswer<Management>>& ManagementFields() {
+    const auto address = [](const Management& info) {
+        return HbaAddressText(info.IPVersion, info.IPAddress);
+    };
+    static const Fields<HbaAnswer<Management>> kFields = {
+        {"wwn", "Name", kNameOrNull, Held(kNameOf<&Management::wwn>)},
+        {"unit_type", "Unit type", kNumberOrNull, Held(&Management::unittype)},
+        {"port_number", "Port number", kNumberOrNull, Held(&Management::PortId)},
+        {"attached_nodes", "Attached nodes", kNumberOrNull,
+         Held(&Management::NumberOfAttachedNodes)},
+        {"ip_version", "IP version", kNumberOrNull, Held(&Management::IPVersion)},
+        {"ip_address", "IP address", kTextOrNull, Held(address)},
+        {"udp_port", "UDP port", kNumberOrNull, Held(&Management::UDPPort)},
+        {"topology_discovery_flags", "Discovery flags", kNumberOrNull,
+         Held(&Management::TopologyDiscoveryFlags)},
+    };
+    static const auto kWithStatus = WithStatus(kFields);
+    return kWithStatus;
+}
+
+const Fields<Mapping>& MappingFields() {
+    static const Fields<Mapping> kFields = {
+        {"os_device", "Device", "DEVICE", kTextOrNull,
+         [](const Mapping& entry) { return kTextOf<&HBA_SCSIID::OSDeviceName>(entry.ScsiId); }},
+        {"bus", "Bus", "BUS", tools::kInteger,
+         [](const Mapping& entry) { return entry.ScsiId.ScsiBusNumber; }},
+        {"target", "Target", "ID", tools::kInteger,
+         [](const Mapping& entry) { return entry.ScsiId.ScsiTargetNumber; }},
+        {"lun", "LUN", "LUN", tools::kInteger,
+         [](const Mapping& entry) { return entry.ScsiId.ScsiOSLun; }},
+        {"fc_id", "Port identifier", "FC ID", kText,
+         [](const Mapping& entry) { return tools::Hex(entry.FcpId.FcId, 6); }},
+        {"port_wwn", "Port name", "PORT NAME", kNameOrNull,
+         [](const Mapping& entry) { return NameUnlessZero(entry.FcpId.PortWWN); }},
+        {"node_wwn", "Node name", kNameOrNull,
+         [](const Mapping& entry) { return NameUnlessZero(entry.FcpId.NodeWWN); }},
+        {"fcp_lun", "FCP LUN", "FCP LUN", kText,
+         [](const Mapping& entry) { return HbaFcpLunText(entry.FcpId.FcpLun); },
+         "a number, or the eight bytes when they address the unit in another way"},
+    };
+    return kFields;
 }
 
 }  // namespace
 
 std::string HbaSerial(const HbaAdapter& adapter) {
-    return adapter.attributes.Holds()
-               ? tools::FieldText(adapter.attributes.record.SerialNumber,
-                                  sizeof adapter.attributes.record.SerialNumber)
-               : std::string();
+    return HeldOf(&HbaAdapter::attributes, kTextOf<&Attributes::SerialNumber>)(adapter).value_or(
+        "");
 }
 
-Record HbaSummary(const HbaAdapter& adapter) {
-    const auto& attributes = adapter.attributes;
-    const auto& port = adapter.port;
-    const auto text = [&](auto field) {
-        return Of(attributes, [&](const Attributes& record) { return TextOf(record.*field); });
+const Fields<HbaAdapter>& HbaSummaryFields() {
+    constexpr auto kAttributes = &HbaAdapter::attributes;
+    constexpr auto kPort = &HbaAdapter::port;
+    static const Fields<HbaAdapter> kFields = {
+        {"index", "Adapter", "ADAPTER", tools::kInteger, &HbaAdapter::index},
+        {"port", "", kNumberOrNull, &HbaAdapter::managedPort,
+         "index of the port in the other commands"},
+        {"scsi_port", "", kNumberOrNull, ScsiPortOf},
+        {"adapter_serial", "", tools::kSerial.OrNull(), HbaSerial},
+        {"name", "Name", "NAME", kTextOrNull, &HbaAdapter::name},
+        {"serial", "Serial number", "SERIAL", tools::kSerial.OrNull(), HbaSerial},
+        {"model", "Model", "MODEL", kTextOrNull, HeldOf(kAttributes, kTextOf<&Attributes::Model>)},
+        {"port_wwn", "Port name", "PORT NAME", kNameOrNull,
+         HeldOf(kPort, kNameOf<&PortAttributes::PortWWN>)},
+        {"fc_id", "Port identifier", "FC ID", kTextOrNull,
+         HeldOf(kPort, kHexOf<&PortAttributes::PortFcId, 6>)},
+        {"state", "State", "STATE", kTextOrNull,
+         HeldOf(kPort, kWordsOf<&PortAttributes::PortState, HbaPortStateText>)},
+        {"speed", "Speed", "SPEED", kTextOrNull,
+         HeldOf(kPort, kWordsOf<&PortAttributes::PortSpeed, HbaSpeedsText>)},
+        {"firmware_version", "Firmware", "FIRMWARE", kTextOrNull,
+         HeldOf(kAttributes, kTextOf<&Attributes::FirmwareVersion>)},
+        {"driver_version", "Driver", "DRIVER", kTextOrNull,
+         HeldOf(kAttributes, kTextOf<&Attributes::DriverVersion>)},
+        {"status", "Status", "STATUS", kText, ConditionOf,
+         "the standard API's name of a status, a number that is none of its own, or not_opened"},
     };
-    Record row;
-    row.Add("index", "Adapter", Value::Number(adapter.index), "ADAPTER");
-    row.Add("name", "Name", Value::TextOrNull(adapter.name), "NAME");
-    row.Add("serial", "Serial number", SerialOf(adapter), "SERIAL");
-    row.Add("model", "Model", text(&Attributes::Model), "MODEL");
-    row.Add("port_wwn", "Port name",
-            Of(port, [](const PortAttributes& record) { return NameOf(record.PortWWN); }),
-            "PORT NAME");
-    row.Add("fc_id", "Port identifier",
-            Of(port, [](const PortAttributes& record) { return FcIdOf(record.PortFcId); }),
-            "FC ID");
-    row.Add("state", "State",
-            Of(port,
-               [](const PortAttributes& record) {
-                   return Value::Text(HbaPortStateText(record.PortState));
-               }),
-            "STATE");
-    row.Add("speed", "Speed",
-            Of(port,
-               [](const PortAttributes& record) {
-                   return Value::TextOrNull(HbaSpeedsText(record.PortSpeed));
-               }),
-            "SPEED");
-    row.Add("firmware_version", "Firmware", text(&Attributes::FirmwareVersion), "FIRMWARE");
-    row.Add("driver_version", "Driver", text(&Attributes::DriverVersion), "DRIVER");
-    row.Add("status", "Status", ConditionOf(adapter), "STATUS");
-    return row;
+    return kFields;
 }
 
-Record HbaDetail(const HbaAdapter& adapter) {
-    Record detail;
-    detail.title = adapter.name.empty() ? "Adapter " + std::to_string(adapter.index) : adapter.name;
-    detail.Add("index", "", Value::Number(adapter.index), "ADAPTER");
-    detail.Add("name", "", Value::TextOrNull(adapter.name), "NAME");
-    detail.Add("status", "Status", ConditionOf(adapter), "STATUS");
-    detail.AddGroup("attributes", "Adapter attributes", AttributesGroup(adapter));
-    Record port;
-    AddPort(port, adapter.port);
-    port.Add("status", "Status", StatusOf(adapter.port.status));
-    detail.AddGroup("port", "Port attributes", std::move(port));
-    detail.AddGroup("statistics", "Port statistics", StatisticsGroup(adapter.statistics));
-    detail.AddGroup("management", "Management information", ManagementGroup(adapter.management));
-    std::vector<Record> discovered;
-    for (const HBA_PORTATTRIBUTES& remote : adapter.discovered) {
-        discovered.push_back(DiscoveredRow(remote));
-    }
-    detail.Add("discovered_status", "Discovered ports", StatusOf(adapter.discoveredEnd));
-    detail.AddList("discovered", "Discovered ports", tools::ListLayout::Table, DiscoveredRow({}),
-                   "no discovered ports", std::move(discovered));
-    std::vector<Record> mapping;
-    for (const HBA_FCPSCSIENTRY& entry : adapter.mapping.record) {
-        mapping.push_back(MappingRow(entry));
-    }
-    detail.Add("mapping_status", "Target mapping", StatusOf(adapter.mapping.status));
-    detail.AddList("mapping", "Target mapping", tools::ListLayout::Table, MappingRow({}),
-                   "no devices", std::move(mapping));
-    return detail;
+const Fields<HbaAdapter>& HbaDetailFields() {
+    const auto title = [](const HbaAdapter& adapter) {
+        return adapter.name.empty() ? "Adapter " + std::to_string(adapter.index) : adapter.name;
+    };
+    const auto partOf = [](auto member) {
+        return [member](const HbaAdapter& adapter) { return &(adapter.*member); };
+    };
+    const auto group = tools::kGroup;
+    static const Fields<HbaAdapter> kFields(
+        +title,
+        {
+            {"index", "", "ADAPTER", tools::kInteger, &HbaAdapter::index},
+            {"scsi_port", "", kNumberOrNull, ScsiPortOf},
+            {"port_wwn", "", kNameOrNull,
+             HeldOf(&HbaAdapter::port, kNameOf<&PortAttributes::PortWWN>)},
+            {"adapter_serial", "", tools::kSerial.OrNull(), HbaSerial},
+            {"name", "", "NAME", kTextOrNull, &HbaAdapter::name},
+            {"status", "Status", "STATUS", kText, ConditionOf,
+             "as in hbaapi.list; the groups have the statuses of their own handlers"},
+            {"attributes", "Adapter attributes", AttributesFields(),
+             partOf(&HbaAdapter::attributes), "", group},
+            {"port", "Port attributes", OwnPortFields(), partOf(&HbaAdapter::port), "", group},
+            {"statistics", "Port statistics", StatisticsFields(), partOf(&HbaAdapter::statistics),
+             "null: the library does not count it", group},
+            {"management", "Management information", ManagementFields(),
+             partOf(&HbaAdapter::management), "", group},
+            {"discovered_status", "Discovered ports", kText,
+             [](const HbaAdapter& adapter) { return StatusOf(adapter.discoveredEnd); }},
+            {"discovered", "Discovered ports", RemotePortFields(), &HbaAdapter::discovered,
+             ListLayout::Table, "no discovered ports"},
+            {"mapping_status", "Target mapping", kText,
+             [](const HbaAdapter& adapter) { return StatusOf(adapter.mapping.status); }},
+            {"mapping", "Target mapping", MappingFields(),
+             [](const HbaAdapter& adapter) { return adapter.mapping.record; }, ListLayout::Table,
+             "no devices"},
+        });
+    return kFields;
 }
 
 }  // namespace vxmgr

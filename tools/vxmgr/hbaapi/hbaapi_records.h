@@ -1,14 +1,14 @@
 // What the standard HBA API says, as records.
 #pragma once
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "vxmgr/hbaapi/hbaapi_reader.h"
 
 namespace vxmgr {
 
 std::string HbaSerial(const HbaAdapter& adapter);  // empty: none, or not known
 
-tools::Record HbaSummary(const HbaAdapter& adapter);
-tools::Record HbaDetail(const HbaAdapter& adapter);
+const tools::Fields<HbaAdapter>& HbaSummaryFields();
+const tools::Fields<HbaAdapter>& HbaDetailFields();
 
 }  // namespace vxmgr

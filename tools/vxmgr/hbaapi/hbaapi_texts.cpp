@@ -2,23 +2,17 @@
 
 #include <cstdio>
 #include <cstring>
-#include <span>
 
-#include "common/text.h"
+#include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
-
-struct TextRow {
-    uint32_t code;
-    const char* text;
-};
 
 #define ROW(prefix, name) \
     { prefix##name, #name }
 #define STATUS_ROW(name) \
     { name, #name }
-constexpr TextRow kStatuses[] = {
+constexpr CodeText kStatuses[] = {
     STATUS_ROW(HBA_STATUS_OK),
     STATUS_ROW(HBA_STATUS_ERROR),
     STATUS_ROW(HBA_STATUS_ERROR_NOT_SUPPORTED),
@@ -28,11 +22,11 @@ constexpr TextRow kStatuses[] = {
     STATUS_ROW(HBA_STATUS_ERROR_ILLEGAL_INDEX),
     STATUS_ROW(HBA_STATUS_ERROR_MORE_DATA),
 };
-constexpr TextRow kTypes[] = {
+constexpr CodeText kTypes[] = {
     ROW(HBA_PORTTYPE_, UNKNOWN), ROW(HBA_PORTTYPE_, NPORT), ROW(HBA_PORTTYPE_, NLPORT),
     ROW(HBA_PORTTYPE_, LPORT),   ROW(HBA_PORTTYPE_, PTP),
 };
-constexpr TextRow kStates[] = {
+constexpr CodeText kStates[] = {
     ROW(HBA_PORTSTATE_, UNKNOWN),
     ROW(HBA_PORTSTATE_, ONLINE),
     ROW(HBA_PORTSTATE_, OFFLINE),
@@ -41,7 +35,7 @@ constexpr TextRow kStates[] = {
 #undef ROW
 #undef STATUS_ROW
 
-constexpr TextRow kSpeeds[] = {
+constexpr CodeText kSpeeds[] = {
     {HBA_PORTSPEED_1GBIT, "1 Gbit/s"},   {HBA_PORTSPEED_2GBIT, "2 Gbit/s"},
     {HBA_PORTSPEED_4GBIT, "4 Gbit/s"},   {HBA_PORTSPEED_8GBIT, "8 Gbit/s"},
     {HBA_PORTSPEED_10GBIT, "10 Gbit/s"}, {HBA_PORTSPEED_16GBIT, "16 Gbit/s"},
@@ -49,22 +43,8 @@ constexpr TextRow kSpeeds[] = {
 };
 
 // FC-4 types (FC-GS): bit type%8 of byte type/8.
-constexpr TextRow kFc4Types[] = {{0x05, "IP"}, {0x08, "FCP"}, {0x20, "CT"}, {0x28, "NVMe"}};
+constexpr CodeText kFc4Types[] = {{0x05, "IP"}, {0x08, "FCP"}, {0x20, "CT"}, {0x28, "NVMe"}};
 constexpr uint32_t kFc4Count = 256;
-
-const char* Find(std::span<const TextRow> rows, uint32_t code) {
-    for (const TextRow& row : rows) {
-        if (row.code == code) {
-            return row.text;
-        }
-    }
-    return nullptr;
-}
-
-std::string NameOrNumber(std::span<const TextRow> rows, uint32_t code) {
-    const char* text = Find(rows, code);
-    return text != nullptr ? text : std::to_string(code);
-}
 
 void Append(std::string& list, const std::string& text) {
     list += (list.empty() ? "" : ", ") + text;
@@ -77,16 +57,15 @@ constexpr uint8_t kFlat = 0x40;
 }  // namespace
 
 std::string HbaStatusText(HBA_STATUS status) {
-    const char* text = Find(kStatuses, status);
-    return text != nullptr ? text : tools::Hex(status, 8);
+    return TextOfCode(kStatuses, status, tools::Hex(status, 8));
 }
 
 std::string HbaPortTypeText(HBA_PORTTYPE type) {
-    return NameOrNumber(kTypes, type);
+    return TextOfCode(kTypes, type, std::to_string(type));
 }
 
 std::string HbaPortStateText(HBA_PORTSTATE state) {
-    return NameOrNumber(kStates, state);
+    return TextOfCode(kStates, state, std::to_string(state));
 }
 
 std::string HbaSpeedsText(HBA_PORTSPEED speeds) {
@@ -94,7 +73,7 @@ std::string HbaSpeedsText(HBA_PORTSPEED speeds) {
     if (speeds == HBA_PORTSPEED_NOT_REPORTED) {
         return text;
     }
-    for (const TextRow& row : kSpeeds) {
+    for (const CodeText& row : kSpeeds) {
         if ((speeds & row.code) != 0) {
             Append(text, row.text);
         }
@@ -106,8 +85,7 @@ std::string HbaFc4TypesText(const HBA_FC4TYPES& types) {
     std::string text;
     for (uint32_t type = 0; type < kFc4Count; ++type) {
         if ((types.bits[type / 8] >> (type % 8) & 1) != 0) {
-            const char* name = Find(kFc4Types, type);
-            Append(text, name != nullptr ? name : tools::Hex(type, 2));
+            Append(text, TextOfCode(kFc4Types, type, tools::Hex(type, 2)));
         }
     }
     return text;
