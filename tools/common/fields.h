@@ -35,6 +35,7 @@ struct FieldType {
     Base base = Base::Text;
     bool nullable = false;  // null: not supported, or not known
     bool optional = false;  // where there is no value, the field is left out
+    bool quiet = false;     // where there is no value, text mode has no line
     bool large = false;     // a number that may have more than 53 bits
     bool array = false;     // any number of such values
     Secret secret = Secret::None;
@@ -51,6 +52,11 @@ struct FieldType {
     constexpr FieldType OrAbsent() const {
         FieldType type = *this;
         type.optional = true;
+        return type;
+    }
+    constexpr FieldType Quiet() const {
+        FieldType type = *this;
+        type.quiet = true;
         return type;
     }
 };
@@ -157,8 +163,10 @@ class FieldRow {
                  .width = width} {
         add_ = [shape = shape_, get](const Source& source, Record& record) {
             Value value = ToValue(shape.type, std::invoke(get, source));
+            const bool silent = value.IsNull() && shape.type.quiet;
             if (!value.IsNull() || !shape.type.optional) {
-                record.Add(shape.key, shape.label, std::move(value), shape.column, shape.width);
+                record.Add(shape.key, silent ? "" : shape.label, std::move(value), shape.column,
+                           shape.width);
             }
         };
     }
