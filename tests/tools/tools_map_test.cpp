@@ -68,23 +68,23 @@ TEST(ToolsMap, DisksHaveSeveralNames) {
 
 TEST(ToolsMap, ARowPerVolumeAndOneWithout) {
     MappedUnit unit = UnitOf(Disk(7, 1));
-    const MapPort port{2, 6, "EMU1", {}};
     EXPECT_TRUE(unit.IsDisk(7));
     EXPECT_FALSE(unit.IsDisk(8));
-    std::vector<tools::Record> rows = MapRows(port, unit);
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(Shown(rows[0], "target_wwn"), "2b:00:02:45:4d:00:01:00");
-    EXPECT_EQ(Shown(rows[0], "port_id"), "0x010203");
-    EXPECT_EQ(Shown(rows[0], "disk"), "7");
-    EXPECT_EQ(Shown(rows[0], "device"), "\\\\.\\PhysicalDrive7");
-    EXPECT_EQ(Shown(rows[0], "mounted_at"), "-");
+    ASSERT_EQ(PlacesOf(unit).size(), 1u);
+    const tools::Record bare = PlaceFields().Make(PlacesOf(unit)[0]);
+    EXPECT_EQ(Shown(bare, "target_wwn"), "2b:00:02:45:4d:00:01:00");
+    EXPECT_EQ(Shown(bare, "port_id"), "0x010203");
+    EXPECT_EQ(Shown(bare, "disk"), "7");
+    EXPECT_EQ(Shown(bare, "device"), "\\\\.\\PhysicalDrive7");
+    EXPECT_EQ(Shown(bare, "mounted_at"), "-");
     unit.volumes = {Volume("E:\\", 1ull << 40), Volume("", 5)};
-    rows = MapRows(port, unit);
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(Shown(rows[0], "mounted_at"), "E:\\");
-    EXPECT_EQ(Shown(rows[0], "bytes_on_disk"), "1099511627776");
-    EXPECT_EQ(Shown(rows[1], "mounted_at"), "-");
-    EXPECT_EQ(Shown(rows[1], "volume"), "\\\\?\\Volume{1}\\");
+    ASSERT_EQ(PlacesOf(unit).size(), 2u);
+    const tools::Record first = PlaceFields().Make(PlacesOf(unit)[0]);
+    EXPECT_EQ(Shown(first, "mounted_at"), "E:\\");
+    EXPECT_EQ(Shown(first, "bytes_on_disk"), "1099511627776");
+    const tools::Record second = PlaceFields().Make(PlacesOf(unit)[1]);
+    EXPECT_EQ(Shown(second, "mounted_at"), "-");
+    EXPECT_EQ(Shown(second, "volume"), "\\\\?\\Volume{1}\\");
 }
 
 TEST(ToolsMap, WhatIsNotThereIsNull) {
@@ -93,19 +93,19 @@ TEST(ToolsMap, WhatIsNotThereIsNull) {
     tape.type = HX_OS_DEVICE_TAPE;
     const MappedUnit unit = UnitOf(tape);
     EXPECT_FALSE(unit.IsDisk(7));
-    const tools::Record row = MapRow({}, &unit, nullptr);
+    const tools::Record row = PlaceFields().Make({&unit});
     EXPECT_EQ(Shown(row, "device_type"), "tape");
-    for (const char* key : {"disk", "target_wwn", "port_id", "scsi_port", "volume"}) {
+    for (const char* key : {"disk", "target_wwn", "port_id", "volume"}) {
         EXPECT_EQ(Shown(row, key), "-") << key;
     }
     EXPECT_EQ(Shown(row, "target"), "300");
     MappedUnit bare;
     bare.lun = 3;
     EXPECT_FALSE(bare.IsDisk(0));
-    EXPECT_EQ(Shown(MapRow({}, &bare, nullptr), "lun"), "3");
-    EXPECT_EQ(Shown(MapRow({}, &bare, nullptr), "device"), "-");
-    // A failed port and a found unit have the same columns.
-    const tools::Record failed = MapRow({}, nullptr, nullptr);
+    EXPECT_EQ(Shown(PlaceFields().Make({&bare}), "lun"), "3");
+    EXPECT_EQ(Shown(PlaceFields().Make({&bare}), "device"), "-");
+    // A port that failed has the same columns.
+    const tools::Record failed = PlaceFields().Make({});
     EXPECT_EQ(Shown(failed, "lun"), "-");
     ASSERT_EQ(failed.Fields().size(), row.Fields().size());
 }

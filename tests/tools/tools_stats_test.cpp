@@ -54,14 +54,12 @@ TEST(ToolsStats, EveryWordWithAMeaningHasItsCounter) {
     EXPECT_EQ(values.size(), 12u);
     EXPECT_EQ(keys.size(), 12u);
 
-    tools::Record record;
-    AddCounters(record, &statistics);
+    const tools::Record record = CounterFields().Make(statistics);
     tools::Redactor redactor(false);
     const std::string text = tools::RenderText(record, {false, &redactor});
     EXPECT_TRUE(support::Has(text, "1000 s")) << text;
     EXPECT_TRUE(support::Has(text, "CRC errors                  1011\n")) << text;
-    tools::Record none;
-    AddCounters(none, nullptr);
+    const tools::Record none = CounterFields().Make(std::nullopt);
     for (const tools::Field& field : none.Fields()) {
         EXPECT_TRUE(field.value.IsNull()) << field.key;
     }

@@ -1,32 +1,59 @@
 #include "vxmgr/app/port_fields.h"
 
 #include <map>
+#include <mutex>
+
+#include "vxmgr/app/values.h"
 
 namespace vxmgr {
 namespace {
 
-std::optional<tools::Wwn> PortNameOf(const Port& port) {
-    return port.port ? std::optional(tools::Wwn::Of(port.port->portName)) : std::nullopt;
-}
+using tools::kInteger;
 
 tools::Fields<Port> KeysWith(unsigned shown) {
-    const auto seen = [shown](PortKey key, const char* text) { return shown & key ? text : ""; };
+    const auto label = [shown](unsigned key, const char* text) {
+        return shown & key & kPortLabels ? text : "";
+    };
+    const auto column = [shown](unsigned key, const char* text) {
+        return shown & key & kPortColumns ? text : "";
+    };
+    // Widths: those of the columns where rows are printed as they come.
     return {
-        {"port", seen(kPortIndex, "Port"), seen(kPortIndex, "PORT"), tools::kInteger, &Port::index},
-        {"scsi_port", seen(kScsiPort, "SCSI port"), seen(kScsiPort, "SCSI"),
-         tools::kInteger.OrNull(), &Port::scsiPort},
-        {"port_wwn", seen(kPortName, "Port name"), seen(kPortName, "PORT NAME"),
-         tools::kWwn.OrNull(), PortNameOf},
-        {"adapter_serial", seen(kAdapterSerial, "Adapter serial"), seen(kAdapterSerial, "ADAPTER"),
-         tools::kSerial.OrNull(), &Port::Serial},
+        {"port", label(kPortIndex, "Port"), column(kPortIndex, "PORT"), kInteger, &Port::index},
+        {"scsi_port", label(kScsiPort, "SCSI port"), column(kScsiPort, "SCSI"), kInteger.OrNull(),
+         &Port::scsiPort},
+        {"port_wwn", label(kPortName, "Port name"), column(kPortName, "PORT NAME"),
+         tools::kWwn.OrNull(), PortNameOf, "", 23},
+        {"adapter_serial", label(kAdapterSerial, "Adapter serial"),
+         column(kAdapterSerial, "ADAPTER"), tools::kSerial.OrNull(), &Port::Serial, "", 14},
     };
 }
 
 }  // namespace
 
+std::optional<tools::Wwn> PortNameOf(const Port& port) {
+    return port.port ? std::optional(tools::Wwn::Of(port.port->portName)) : std::nullopt;
+}
+
 const tools::Fields<Port>& PortKeys(unsigned shown) {
+    static std::mutex lock;  // rows are also made on the threads of ports
     static std::map<unsigned, tools::Fields<Port>> made;
+    const std::lock_guard guard(lock);
     return made.try_emplace(shown, KeysWith(shown)).first->second;
+}
+
+const tools::Fields<Port>& PortSerialAlias() {
+    static const tools::Fields<Port> kFields = {
+        {"serial", "", tools::kSerial.OrNull(), &Port::Serial, "the same as adapter_serial"}};
+    return kFields;
+}
+
+const tools::Fields<Port>& PortStatus() {
+    static const tools::Fields<Port> kFields = {
+        {"status", "Status", tools::kText.OrNull().Quiet(),
+         [](const Port& port) { return StatusValue(port.failure); },
+         "null, or the status that made the port fail"}};
+    return kFields;
 }
 
 void AddPortKeys(tools::Record& record, const Port& port, unsigned shown) {

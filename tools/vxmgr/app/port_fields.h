@@ -6,17 +6,27 @@
 
 namespace vxmgr {
 
-// Which of them people see; the others are for programs.
+// Which of them people see, as a line of text mode and as a column; the others are for programs.
 enum PortKey : unsigned {
     kNoPortKey = 0,
-    kPortIndex = 1,
-    kScsiPort = 2,
-    kPortName = 4,
-    kAdapterSerial = 8,
+    kPortIndex = 0x11,
+    kScsiPort = 0x22,
+    kPortName = 0x44,
+    kAdapterSerial = 0x88,
+    kPortLabels = 0x0F,
+    kPortColumns = 0xF0,
 };
 
 // For a splice: {PortKeys(kPortIndex | kAdapterSerial), &Row::port}.
 const tools::Fields<Port>& PortKeys(unsigned shown = kPortIndex);
+
+// The serial number's older key, where documents had it before adapter_serial.
+const tools::Fields<Port>& PortSerialAlias();
+
+// The status that the port failed with, null for none.
+const tools::Fields<Port>& PortStatus();
+
+std::optional<tools::Wwn> PortNameOf(const Port& port);
 
 // The whole of a result that a command gives about one port begins with them.
 void AddPortKeys(tools::Record& record, const Port& port, unsigned shown = kPortIndex);

@@ -20,22 +20,6 @@ constexpr SpeedRow kSpeeds[] = {
     {HX_SPEED_10GBIT, 10}, {HX_SPEED_16GBIT, 16}, {HX_SPEED_32GBIT, 32}, {HX_SPEED_64GBIT, 64},
 };
 
-// The number's text, or null for one that the table does not have.
-template <typename Row, size_t rows>
-Value Named(const Row (&table)[rows], uint32_t code) {
-    for (const Row& row : table) {
-        if (row.code == code) {
-            return Value::Text(row.text);
-        }
-    }
-    return {};
-}
-
-struct TextRow {
-    uint32_t code;
-    const char* text;
-};
-
 struct StateRow {
     uint8_t state;
     const char* name;
@@ -43,13 +27,16 @@ struct StateRow {
     Tone tone;
 };
 constexpr StateRow kStates[] = {
-    {HX_PORT_STATE_ONLINE, "online", "online", Tone::Good},
-    {HX_PORT_STATE_OFFLINE, "offline", "offline", Tone::Bad},
-    {HX_PORT_STATE_LINK_DOWN, "link_down", "link down", Tone::Bad},
+    {HX_PORT_STATE_ONLINE, kPortStates[0], "online", Tone::Good},
+    {HX_PORT_STATE_OFFLINE, kPortStates[1], "offline", Tone::Bad},
+    {HX_PORT_STATE_LINK_DOWN, kPortStates[2], "link down", Tone::Bad},
 };
 
-constexpr TextRow kRoles[] = {{1, "initiator"}, {2, "other"}};
-constexpr TextRow kInterruptModes[] = {{0, "line"}, {1, "msi"}, {2, "msi_x"}};
+// Null for a number without a name. first: the number of the first name.
+template <size_t names>
+Value Named(const char* const (&table)[names], uint32_t number, uint32_t first) {
+    return number >= first && number - first < names ? Value::Text(table[number - first]) : Value();
+}
 
 }  // namespace
 
@@ -70,7 +57,7 @@ Value StateValue(const Port& port) {
         return Value().Shown(port.answers ? "failed" : "not answering").In(Tone::Bad);
     }
     if (port.disabled.value_or(false)) {
-        return Value::Text("disabled").In(Tone::Warning);
+        return Value::Text(kPortStates[3]).In(Tone::Warning);
     }
     for (const StateRow& row : kStates) {
         if (row.state == port.port->state) {
@@ -98,19 +85,19 @@ Value TopologyValue(const Port& port) {
         return {};
     }
     if (port.port->topology == kLoop) {
-        return Value::Text("loop");
+        return Value::Text(kTopologies[2]);
     }
     if (port.port->topology != kPointToPoint) {
         return {};
     }
     // Only a fabric assigns an identifier with a domain.
     const bool hasDomain = port.port->portId[0] != 0;
-    return hasDomain ? Value::Text("fabric")
-                     : Value::Text("point_to_point").Shown("point to point");
+    return hasDomain ? Value::Text(kTopologies[0])
+                     : Value::Text(kTopologies[1]).Shown("point to point");
 }
 
 Value RoleValue(const Port& port) {
-    return port.port ? Named(kRoles, port.port->role) : Value();
+    return port.port ? Named(kPortRoles, port.port->role, 1) : Value();
 }
 
 Value SpeedValue(uint8_t code) {
@@ -132,7 +119,7 @@ Value OnOffValue(bool on) {
 }
 
 Value InterruptModeValue(uint16_t mode) {
-    return Named(kInterruptModes, mode);
+    return Named(kInterruptModes, mode, 0);
 }
 
 Value PciLocationValue(const HX_CHIP_PROPERTY& chip) {

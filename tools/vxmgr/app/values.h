@@ -12,6 +12,12 @@ namespace vxmgr {
 tools::Value FieldValue(const char* field, size_t size);  // null when empty
 tools::Value HexValue(uint64_t value, int digits);
 
+// What the values with names can be.
+inline constexpr const char* kPortStates[] = {"online", "offline", "link_down", "disabled"};
+inline constexpr const char* kTopologies[] = {"fabric", "point_to_point", "loop"};
+inline constexpr const char* kPortRoles[] = {"initiator", "other"};
+inline constexpr const char* kInterruptModes[] = {"line", "msi", "msi_x"};
+
 tools::Value StatusValue(HX_STATUS status);  // null for success
 tools::Value StateValue(const Port& port);
 tools::Value PortIdValue(const Port& port);

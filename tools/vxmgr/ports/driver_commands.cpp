@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <optional>
 
-#include "vxmgr/app/inventory.h"
+#include "common/fields.h"
+#include "common/text.h"
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
 
@@ -11,8 +13,9 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
+using tools::kInteger;
+using tools::kText;
 using tools::ListLayout;
-using tools::Record;
 using tools::Value;
 
 constexpr tools::Argument kNameArguments[] = {
@@ -29,79 +32,138 @@ struct Service {
     std::vector<const Port*> ports;
 };
 
-std::string VersionOf(const Port& port) {
-    return port.driver ? FieldValue(port.driver->version, sizeof port.driver->version).Shown()
-                       : std::string();
-}
-
-std::vector<Service> ServicesOf(const std::vector<const Port*>& ports) {
+// Drivers of different versions still share the parameters of one service.
+std::vector<Service> ServicesOf(const std::vector<const Port*>& ports, bool byVersion) {
     std::vector<Service> services;
     for (const Port* port : ports) {
-        const std::string version = VersionOf(*port);
-        const auto known = std::find_if(services.begin(), services.end(), [&](const Service& one) {
-            return one.name == port->driverService && one.version == version;
+        const std::string version = TextIn(port->driver, &HX_DRIVER_PROPERTY::version);
+        const auto known = std::ranges::find_if(services, [&](const Service& one) {
+            return one.name == port->driverService && (!byVersion || one.version == version);
         });
-        Service& service = known != services.end() ? *known : services.emplace_back();
-        service.name = port->driverService;
-        service.version = version;
-        service.ports.push_back(port);
-    }
-    return services;
-}
-
-// Drivers of different versions still share the parameters of one service.
-std::vector<Service> ParameterServices(const std::vector<const Port*>& ports) {
-    std::vector<Service> services;
-    for (Service& service : ServicesOf(ports)) {
-        const auto known = std::find_if(services.begin(), services.end(), [&](const Service& one) {
-            return one.name == service.name;
-        });
-        if (known == services.end()) {
-            services.push_back(std::move(service));
+        if (known != services.end()) {
+            known->ports.push_back(port);
         } else {
-            known->ports.insert(known->ports.end(), service.ports.begin(), service.ports.end());
+            services.push_back({port->driverService, version, {port}});
         }
     }
     return services;
 }
 
-Record DriverRow(const Service& service) {
-    static const Port kNone;
-    const Port& port = service.ports.empty() ? kNone : *service.ports.front();
-    const HX_DRIVER_PROPERTY driver = port.driver.value_or(HX_DRIVER_PROPERTY{});
-    const auto number = [&](uint64_t value, std::string_view unit = {}) {
-        return port.driver ? Value::Number(value, unit) : Value();
-    };
-    const bool current = port.driver && port.IsCurrentGeneration();
-    std::string scsiPorts;
-    for (const Port* one : service.ports) {
-        if (one->scsiPort) {
-            scsiPorts += (scsiPorts.empty() ? "" : " ") + std::to_string(*one->scsiPort);
+std::string ScsiPortsOf(const Service& service) {
+    std::string text;
+    for (const Port* port : service.ports) {
+        if (port->scsiPort) {
+            text += (text.empty() ? "" : " ") + std::to_string(*port->scsiPort);
         }
     }
-    Record row;
-    row.title = "Driver " + (service.name.empty() ? std::string("without a name") : service.name);
-    row.Add("service", "Service", Value::TextOrNull(service.name), "SERVICE");
-    row.Add("version", "Version", Value::TextOrNull(service.version), "VERSION");
-    row.Add("scsi_ports", "SCSI ports", Value::TextOrNull(scsiPorts), "SCSI PORTS");
-    row.Add("current_generation", "Current generation", Value::Flag(port.IsCurrentGeneration()),
-            "CURRENT");
-    row.Add("model", "Miniport model", port.driver ? HexValue(driver.driverModel, 4) : Value());
-    row.Add("model_revision", "Model revision", number(driver.driverModelRevision));
-    row.Add("interrupt_mode", "Interrupt mode",
-            current ? InterruptModeValue(driver.interruptMode) : Value(), "INTERRUPTS");
-    row.Add("max_scatter_gather", "Scatter/gather elements", number(driver.maxScatterGather));
-    row.Add("max_transfer_length", "Largest transfer", number(driver.maxTransferLength, "bytes"));
-    row.Add("max_queue_depth", "Queue depth", current ? number(driver.maxQueueDepth) : Value(),
-            "QUEUE");
-    row.Add("number_of_ports", "Ports", number(driver.numberOfPorts), "PORTS");
-    row.Add("build", "Build",
-            current ? FieldValue(reinterpret_cast<const char*>(driver.buildText),
-                                 sizeof driver.buildText)
-                    : Value(),
-            "BUILD");
-    row.Add("build_number", "Build number", current ? number(driver.buildNumber) : Value());
-    return row;
+    return text;
+}
+
+bool IsCurrent(const Service& service) {
+    return service.ports.front()->IsCurrentGeneration();
+}
+
+template <auto member>
+auto DriverNumber(const Service& service) {
+    return NumberIn(service.ports.front()->driver, member);
+}
+// Older drivers give fixed values, or none.
+template <auto member>
+auto CurrentDriverNumber(const Service& service) {
+    const auto number = DriverNumber<member>(service);
+    return IsCurrent(service) ? number : std::nullopt;
+}
+
+std::string BuildOf(const Service& service) {
+    const auto& driver = service.ports.front()->driver;
+    return driver && IsCurrent(service)
+               ? tools::FieldText(reinterpret_cast<const char*>(driver->buildText),
+                                  sizeof driver->buildText)
+               : std::string();
+}
+
+std::string ServiceTitle(const Service& service) {
+    return "Driver " + (service.name.empty() ? std::string("without a name") : service.name);
+}
+
+const tools::Fields<Service>& ServiceFields() {
+    using Driver = HX_DRIVER_PROPERTY;
+    static const tools::Fields<Service> kFields = {
+        ServiceTitle,
+        {
+            {"service", "Service", "SERVICE", kText.OrNull(), &Service::name},
+            {"version", "Version", "VERSION", kText.OrNull(), &Service::version},
+            {"scsi_ports", "SCSI ports", "SCSI PORTS", kText.OrNull(), ScsiPortsOf},
+            {"current_generation", "Current generation", "CURRENT", tools::kFlag, IsCurrent},
+            {"model", "Miniport model", tools::Hexadecimal(4).OrNull(),
+             DriverNumber<&Driver::driverModel>},
+            {"model_revision", "Model revision", kInteger.OrNull(),
+             DriverNumber<&Driver::driverModelRevision>},
+            {"interrupt_mode", "Interrupt mode", "INTERRUPTS",
+             tools::Choice(kInterruptModes).OrNull(),
+             When(CurrentDriverNumber<&Driver::interruptMode>,
+                  [](const Service& service) {
+                      return InterruptModeValue(service.ports.front()->driver->interruptMode);
+                  })},
+            {"max_scatter_gather", "Scatter/gather elements", kInteger.OrNull(),
+             DriverNumber<&Driver::maxScatterGather>},
+            {"max_transfer_length", "Largest transfer", tools::Integer("bytes").OrNull(),
+             DriverNumber<&Driver::maxTransferLength>},
+            {"max_queue_depth", "Queue depth", "QUEUE", kInteger.OrNull(),
+             CurrentDriverNumber<&Driver::maxQueueDepth>},
+            {"number_of_ports", "Ports", "PORTS", kInteger.OrNull(),
+             DriverNumber<&Driver::numberOfPorts>},
+            {"build", "Build", "BUILD", kText.OrNull(), BuildOf},
+            {"build_number", "Build number", kInteger.OrNull(),
+             CurrentDriverNumber<&Driver::buildNumber>},
+        }};
+    return kFields;
+}
+
+const tools::Fields<std::vector<Service>>& ServiceList() {
+    static const auto kFields = tools::ListOf<std::vector<Service>>(
+        "drivers", "Drivers", ServiceFields(), ListLayout::Sections, "No drivers.");
+    return kFields;
+}
+
+// A parameter of a driver service; no value: it has none of that name.
+struct Parameter {
+    std::string service;
+    std::string name;
+    std::optional<std::string> value;
+    std::optional<std::string> previous;
+};
+
+// A value that is empty is one, other than none.
+template <auto member>
+Value ValueOrNull(const Parameter& parameter) {
+    return parameter.*member ? Value::Text(*(parameter.*member)) : Value();
+}
+
+const tools::Fields<Parameter>& ParameterFields() {
+    static const tools::Fields<Parameter> kFields = {
+        {"driver_service", "Driver service", "SERVICE", kText.OrNull(), &Parameter::service},
+        {"name", "Parameter", "PARAMETER", kText.OrNull(), &Parameter::name},
+        {"value", "Value", "VALUE", kText.OrNull(), ValueOrNull<&Parameter::value>,
+         "null: the driver has no such parameter"},
+    };
+    return kFields;
+}
+
+const tools::Fields<std::vector<Parameter>>& ParameterList() {
+    static const auto kFields =
+        tools::ListOf<std::vector<Parameter>>("parameters", "Parameters", ParameterFields());
+    return kFields;
+}
+
+const tools::Fields<Parameter>& ChangeFields() {
+    static const tools::Fields<Parameter> kFields = {
+        {"driver_service", "Driver service", kText.OrNull(), &Parameter::service},
+        {"name", "Parameter", kText, &Parameter::name},
+        {"previous", "Before", kText.OrNull(), ValueOrNull<&Parameter::previous>},
+        {"value", "Value", kText.OrNull(), ValueOrNull<&Parameter::value>},
+    };
+    return kFields;
 }
 
 Device OpenPortOf(tools::Invocation& invocation, const Service& service) {
@@ -130,20 +192,7 @@ std::optional<std::string> ReadParameter(tools::Invocation& invocation, const De
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the parameter cannot be read");
     }
-    return FieldValue(value, sizeof value).Shown();
-}
-
-Value ValueOrNull(const std::optional<std::string>& value) {
-    return value ? Value::Text(*value) : Value();
-}
-
-Record ParameterRow(const std::string& service, const std::string& name,
-                    const std::optional<std::string>& value) {
-    Record row;
-    row.Add("driver_service", "Driver service", Value::TextOrNull(service), "SERVICE");
-    row.Add("name", "Parameter", Value::TextOrNull(name), "PARAMETER");
-    row.Add("value", "Value", ValueOrNull(value), "VALUE");
-    return row;
+    return tools::FieldText(value, sizeof value);
 }
 
 std::vector<const Port*> OpenablePorts(tools::Invocation& invocation,
@@ -230,28 +279,21 @@ void WriteParameter(tools::Invocation& invocation, const Device& device, const S
 ExitCode DriverShow(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
-    std::vector<Record> rows;
-    for (const Service& service : ServicesOf(selected)) {
-        rows.push_back(DriverRow(service));
-    }
-    invocation.Result().AddList("drivers", "Drivers", ListLayout::Sections, DriverRow(Service()),
-                                "No drivers.", std::move(rows));
+    invocation.Result() = ServiceList().Make(ServicesOf(selected, true));
     return ReportFailures(invocation, selected);
 }
 
 ExitCode DriverParameterGet(tools::Invocation& invocation) {
     const std::string name = invocation.Given().Text("NAME");
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
-    std::vector<Record> rows;
+    std::vector<Parameter> parameters;
     bool found = false;
-    for (const Service& service : ParameterServices(OpenablePorts(invocation, ports))) {
+    for (const Service& service : ServicesOf(OpenablePorts(invocation, ports), false)) {
         const Device device = OpenPortOf(invocation, service);
-        const auto value = ReadParameter(invocation, device, name);
-        rows.push_back(ParameterRow(service.name, name, value));
-        found = found || value.has_value();
+        parameters.push_back({service.name, name, ReadParameter(invocation, device, name), {}});
+        found = found || parameters.back().value.has_value();
     }
-    invocation.Result().AddList("parameters", "Parameters", ListLayout::Table,
-                                ParameterRow("", "", {}), "", std::move(rows));
+    invocation.Result() = ParameterList().Make(parameters);
     if (!found) {
         invocation.Fail(ExitCode::NotFound, "no driver has a parameter \"" + name + "\"");
     }
@@ -261,7 +303,7 @@ ExitCode DriverParameterGet(tools::Invocation& invocation) {
 ExitCode DriverParameterSet(tools::Invocation& invocation) {
     const Setting setting = ParseSetting(invocation);
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
-    const std::vector<Service> services = ParameterServices(OpenablePorts(invocation, ports));
+    const std::vector<Service> services = ServicesOf(OpenablePorts(invocation, ports), false);
     const Service& service = OnlyService(invocation, services);
     const Device device = OpenPortOf(invocation, service);
     const auto before = ReadParameter(invocation, device, setting.name);
@@ -274,11 +316,7 @@ ExitCode DriverParameterSet(tools::Invocation& invocation) {
                                "the parameter takes effect at the driver's next start"});
     }
     const auto after = ReadParameter(invocation, device, setting.name);
-    Record& result = invocation.Result();
-    result.Add("driver_service", "Driver service", Value::TextOrNull(service.name));
-    result.Add("name", "Parameter", Value::Text(setting.name));
-    result.Add("previous", "Before", ValueOrNull(before));
-    result.Add("value", "Value", ValueOrNull(after));
+    invocation.Result() = ChangeFields().Make({service.name, setting.name, after, before});
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -300,6 +338,7 @@ tools::CommandRows DriverCommands() {
             .schema = "driver.show",
             .run = DriverShow,
             .example = "driver show",
+            .result = tools::ShapeOf<ServiceList>,
         },
         {
             .path = "driver param get",
@@ -309,6 +348,7 @@ tools::CommandRows DriverCommands() {
             .arguments = kNameArguments,
             .run = DriverParameterGet,
             .example = "driver param get qdepth -p scsi:3",
+            .result = tools::ShapeOf<ParameterList>,
         },
         {
             .path = "driver param set",
@@ -318,6 +358,7 @@ tools::CommandRows DriverCommands() {
             .arguments = kSettingArguments,
             .run = DriverParameterSet,
             .example = "driver param set qdepth=32 -p scsi:3",
+            .result = tools::ShapeOf<ChangeFields>,
         },
     };
     return kCommands;

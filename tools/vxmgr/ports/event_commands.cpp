@@ -1,55 +1,124 @@
 // event watch, event test.
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <iterator>
 #include <memory>
 #include <mutex>
 
-#include "common/status_codes.h"
 #include "common/text.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
+#include "vxmgr/app/watch.h"
 #include "vxmgr/ports/commands.h"
-#include "vxmgr/ports/event_texts.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
 
-constexpr std::chrono::milliseconds kPollInterval{250};
 constexpr size_t kEventsPerRead = 32;
 // The library's queue keeps 31 events and drops the oldest without a word: a read that brings as
 // many may have come too late for others.
 constexpr size_t kFullRead = 31;
-// The library says busy for a process without an event slot, and now and then for a fetch that
-// another program held up.
-constexpr int kBusyReads = 3;
+// The library itself waits for another program that fetches events of the adapter.
+constexpr std::chrono::seconds kFetchTime{40};
+
+// The names that --kind takes.
+constexpr const char* kKindNames[] = {"lip",  "link-up",     "link-down", "lip-reset",
+                                      "rscn", "port-update", "test"};
+struct EventKind {
+    uint32_t type;
+    const char* name;
+    const char* meaning;
+};
+constexpr EventKind kEventKinds[] = {
+    {HX_EVENT_LIP, kKindNames[0], "the loop was initialised"},
+    {HX_EVENT_LINK_UP, kKindNames[1], "the link came up"},
+    {HX_EVENT_LINK_DOWN, kKindNames[2], "the link went down"},
+    {HX_EVENT_LIP_RESET, kKindNames[3], "the loop was reset"},
+    {HX_EVENT_RSCN, kKindNames[4], "the fabric reports a state change"},
+    {HX_EVENT_PORT_UPDATE, kKindNames[5], "the list of discovered ports changed"},
+    {HX_EVENT_TEST, kKindNames[6], "test event"},
+};
+static_assert(std::size(kKindNames) == std::size(kEventKinds));
 
 constexpr tools::Argument kWatchArguments[] = {
     {.name = "--kind",
      .valueName = "K",
      .help = "only events of this kind; may be repeated",
      .repeated = true,
-     .choices = kEventKindNames},
+     .choices = kKindNames},
     {.name = "--count",
      .kind = tools::ArgumentKind::Number,
      .valueName = "N",
      .help = "end after N events",
      .least = 1},
+    kForArgument,
 };
 
-// A port that delivers events. Delivery is switched off once, by whoever comes first: the end of
-// the command, or its clean-up when the command hangs.
-class Watch {
+const EventKind* KindOf(uint32_t type) {
+    const auto found = std::ranges::find(kEventKinds, type, &EventKind::type);
+    return found != std::end(kEventKinds) ? &*found : nullptr;
+}
+
+struct PortEvent {
+    const Port* port;
+    HX_EVENT event;
+
+    std::string Kind() const {
+        const EventKind* const kind = KindOf(event.type);
+        return kind != nullptr ? kind->name : "type-" + std::to_string(event.type);
+    }
+
+    std::string Meaning() const {
+        const EventKind* const kind = KindOf(event.type);
+        std::string meaning = kind != nullptr ? kind->meaning : "an event without a known meaning";
+        if (event.type == HX_EVENT_RSCN) {
+            // Affected N_Port page: address format in the top byte's low bits, then the address.
+            constexpr const char* kFormats[] = {"port", "area", "domain", "fabric"};
+            const uint32_t page = event.data[0];
+            meaning += std::string(": ") + kFormats[(page >> 24) & 3] + " " +
+                       tools::Hex(page & 0xFFFFFF, 6);
+        }
+        return meaning;
+    }
+
+    template <size_t word>
+    uint32_t Data() const {
+        return event.data[word];
+    }
+};
+
+const tools::Fields<PortEvent>& EventFields() {
+    static const tools::Fields<PortEvent> kFields = {
+        TimeField<PortEvent>("UTC, when the event was fetched"),
+        {PortKeys(kPortIndex | kAdapterSerial), &PortEvent::port},
+        {PortSerialAlias(), &PortEvent::port},
+        {"kind", "Kind", "KIND", tools::kText, &PortEvent::Kind, "", 11},
+        {"meaning", "Meaning", "MEANING", tools::kText, &PortEvent::Meaning},
+        {"type", "Type", tools::kInteger, [](const PortEvent& one) { return one.event.type; }},
+        {"data0", "Data 0", tools::Hexadecimal(8), &PortEvent::Data<0>},
+        {"data1", "Data 1", tools::Hexadecimal(8), &PortEvent::Data<1>},
+        {"data2", "Data 2", tools::Hexadecimal(8), &PortEvent::Data<2>},
+    };
+    return kFields;
+}
+
+const tools::Fields<std::vector<PortEvent>>& EventList() {
+    static const auto kFields =
+        tools::ListOf<std::vector<PortEvent>>("events", "Events", EventFields());
+    return kFields;
+}
+
+// The event delivery of a port. It is switched off once, by whoever comes first: the end of the
+// command, or its clean-up when the command hangs.
+class Delivery {
   public:
-    Watch(Port port, Device device) : port_(std::move(port)), device_(std::move(device)) {}
-    ~Watch() { Disable(); }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
+    explicit Delivery(Device device) : device_(std::move(device)) {}
+    ~Delivery() { Disable(); }
+    Delivery(const Delivery&) = delete;
+    Delivery& operator=(const Delivery&) = delete;
 
     HX_STATUS Enable() {
         const HX_STATUS status = HXEnableAen(device_.Handle());
@@ -67,185 +136,59 @@ class Watch {
         return HXGetAen(device_.Handle(), reinterpret_cast<uint8_t*>(events), sizeof events, count);
     }
 
-    const Port& Watched() const { return port_; }
-    bool IsLive() const { return enabled_; }
-    int busyReads = 0;
-
   private:
-    const Port port_;
     Device device_;
     std::atomic<bool> enabled_{false};
 };
-using WatchPointer = std::shared_ptr<Watch>;
 
-// Every watch that was made, whichever thread made it: for the clean-up.
-class AllWatches {
+// Every delivery that was switched on, whichever thread did it: for the clean-up.
+class AllDeliveries {
   public:
-    void Add(WatchPointer watch) {
+    void Add(const std::shared_ptr<Delivery>& delivery) {
         const std::lock_guard guard(lock_);
-        watches_.push_back(std::move(watch));
+        deliveries_.push_back(delivery);
     }
     void Disable() {
         const std::lock_guard guard(lock_);
-        for (const WatchPointer& watch : watches_) {
-            watch->Disable();
+        for (const std::weak_ptr<Delivery>& one : deliveries_) {
+            if (const auto delivery = one.lock()) {
+                delivery->Disable();
+            }
         }
     }
 
   private:
     std::mutex lock_;
-    std::vector<WatchPointer> watches_;
+    std::vector<std::weak_ptr<Delivery>> deliveries_;
 };
 
-Record EventRow(const Port& port, const HX_EVENT& event, const std::string& time) {
-    Record row;
-    row.Add("time", "Time", Value::Text(time), "TIME", time.size());
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("scsi_port", "SCSI port", port.scsiPort ? Value::Number(*port.scsiPort) : Value());
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER", 14);
-    row.Add("port_wwn", "Port name",
-            port.port ? Value::Name(tools::Wwn::Of(port.port->portName)) : Value());
-    row.Add("kind", "Kind", Value::Text(EventKindName(event.type)), "KIND", 11);
-    row.Add("meaning", "Meaning", Value::Text(EventMeaning(event)), "MEANING");
-    row.Add("type", "Type", Value::Number(event.type));
-    row.Add("data0", "Data 0", HexValue(event.data[0], 8));
-    row.Add("data1", "Data 1", HexValue(event.data[1], 8));
-    row.Add("data2", "Data 2", HexValue(event.data[2], 8));
-    return row;
-}
-
-class Watcher {
-  public:
-    explicit Watcher(tools::Invocation& invocation)
-        : invocation_(invocation),
-          kinds_(invocation.Given().All("kind")),
-          remaining_(invocation.Given().Number("count")),
-          cleanUp_(invocation.Hooks(), [all = all_] { all->Disable(); }) {}
-    ~Watcher() { all_->Disable(); }
-
-    // The first enabling of a port counts the adapters at the ports before it, and waits for each
-    // of them that does not answer.
-    void Start(const std::vector<Port*>& ports) {
-        const bool chosen = invocation_.Given().Has("port") || invocation_.Given().Has("adapter");
-        const AskPort<WatchPointer> enable = [all = all_](PortVisit& visit, WatchPointer* made) {
-            visit.query = "events cannot be enabled";
-            *made = std::make_shared<Watch>(visit.port, std::move(visit.device));
-            all->Add(*made);
-            const HX_STATUS status = (*made)->Enable();
-            try {
-                visit.task.Answered();
-            } catch (...) {
-                (*made)->Disable();  // nobody waits for it any more
-                throw;
-            }
-            return status;
-        };
-        std::vector<const Port*> answered;
-        std::copy_if(ports.begin(), ports.end(), std::back_inserter(answered),
-                     [](const Port* port) { return port->answers; });
-        for (auto& one : ForEachPort<WatchPointer>(invocation_, ports, enable)) {
-            if (!one.port->answers &&
-                std::find(answered.begin(), answered.end(), one.port) != answered.end()) {
-                one.query = "events cannot be enabled: " + one.port->Name() +
-                            " or a port in front of it is not answering";
-            }
-            if (one.answer != nullptr) {
-                watches_.push_back(std::move(one.answer));
-            }
-            if (one.status == HXMGT_NOT_SUPPORTED && !chosen) {
-                invocation_.Note("port " + std::to_string(one.port->index) +
-                                 " is left out: its driver delivers no events");
-            } else if (one.status != HXMGT_SUCCESS) {
-                Failed(*one.port, one.status, one.query.c_str());
-            }
-        }
-    }
-
-    ExitCode Run() {
-        if (CountLive() == 0) {
-            invocation_.Result().AddList("events", "Events", tools::ListLayout::Table,
-                                         EventRow(Port(), HX_EVENT{}, {}), "", {});
-            return failures_ != 0 ? exit_ : ExitCode::NotSupported;
-        }
-        invocation_.Progress("watching " + std::to_string(CountLive()) + " of " +
-                             std::to_string(watches_.size()) + " ports; Ctrl-C ends");
-        invocation_.BeginStream("events", "Events",
-                                EventRow(Port(), HX_EVENT{}, tools::FormatUtc({})), "");
-        while (CountLive() != 0) {
-            for (const WatchPointer& watch : watches_) {
-                if (watch->IsLive() && !Poll(*watch)) {
-                    return ExitOfAll();
-                }
-            }
-            invocation_.Sleep(kPollInterval);
-        }
-        return exit_;
-    }
-
-  private:
-    // False when the number of events asked for is complete.
-    bool Poll(Watch& watch) {
+// Those of the port's events that --kind wants: all without it.
+auto EventsOf(const Port& port, std::shared_ptr<Delivery> delivery,
+              std::vector<std::string> kinds) {
+    return [port, delivery = std::move(delivery), kinds = std::move(kinds)](PortTask& task,
+                                                                            WatchTurn& turn) {
         HX_EVENT events[kEventsPerRead];
         uint32_t count = 0;
-        const HX_STATUS status = watch.Read(events, &count);
-        const std::string time = tools::FormatUtc(std::chrono::system_clock::now());
+        task.Answered(kFetchTime);
+        turn.status = delivery->Read(events, &count);
+        turn.query = turn.status == HXMGT_DEVICE_BUSY
+                         ? "no event slot is free (eight processes share them)"
+                         : "events cannot be read";
         for (uint32_t i = 0; i < count; ++i) {
-            if (Wanted(events[i])) {
-                invocation_.Stream(EventRow(watch.Watched(), events[i], time));
-                if (remaining_ && --*remaining_ == 0) {
-                    return false;
-                }
+            const PortEvent event{&port, events[i]};
+            if (kinds.empty() || std::ranges::find(kinds, event.Kind()) != kinds.end()) {
+                turn.rows.push_back(EventFields().Make(event));
             }
         }
         if (count >= kFullRead) {
-            invocation_.Add({tools::Severity::Warning,
-                             "events may be lost: more came at once than the queue keeps",
-                             {},
-                             watch.Watched().Object(),
-                             {}});
+            task.Tell({tools::Severity::Warning,
+                       "events may be lost: more came at once than the queue keeps",
+                       {},
+                       port.Object(),
+                       {}});
         }
-        if (status == HXMGT_DEVICE_BUSY && ++watch.busyReads < kBusyReads) {
-            return true;
-        }
-        if (status != HXMGT_SUCCESS) {
-            Failed(watch.Watched(), status,
-                   status == HXMGT_DEVICE_BUSY
-                       ? "no event slot is free (eight processes share them)"
-                       : "events cannot be read");
-            watch.Disable();
-        } else {
-            watch.busyReads = 0;
-        }
-        return true;
-    }
-
-    bool Wanted(const HX_EVENT& event) const {
-        return kinds_.empty() ||
-               std::find(kinds_.begin(), kinds_.end(), EventKindName(event.type)) != kinds_.end();
-    }
-
-    void Failed(const Port& port, HX_STATUS status, const char* text) {
-        const ExitCode exit = invocation_.Report(status, text, port.Object());
-        exit_ = failures_++ == 0 ? exit : exit_;
-    }
-
-    size_t CountLive() const {
-        return static_cast<size_t>(
-            std::count_if(watches_.begin(), watches_.end(),
-                          [](const WatchPointer& watch) { return watch->IsLive(); }));
-    }
-
-    ExitCode ExitOfAll() const { return failures_ == 0 ? ExitCode::Done : ExitCode::Partial; }
-
-    tools::Invocation& invocation_;
-    const std::vector<std::string> kinds_;
-    std::optional<uint64_t> remaining_;
-    const std::shared_ptr<AllWatches> all_ = std::make_shared<AllWatches>();
-    std::vector<WatchPointer> watches_;  // in the order of the ports
-    size_t failures_ = 0;
-    ExitCode exit_ = ExitCode::Done;
-    tools::AbandonHooks::Registration cleanUp_;  // goes first
-};
+    };
+}
 
 ExitCode EventWatch(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -253,34 +196,89 @@ ExitCode EventWatch(tools::Invocation& invocation) {
     if (selected.empty()) {
         invocation.Fail(ExitCode::NotFound, "there is no port to watch", "see `port list`");
     }
-    Watcher watcher(invocation);
-    watcher.Start(selected);
-    return watcher.Run();
+    const auto all = std::make_shared<AllDeliveries>();
+    const AskPort<std::shared_ptr<Delivery>> enable = [all](PortVisit& visit, auto* made) {
+        visit.query = "events cannot be enabled";
+        *made = std::make_shared<Delivery>(std::move(visit.device));
+        all->Add(*made);
+        const HX_STATUS status = (*made)->Enable();
+        try {
+            visit.task.Answered();
+        } catch (...) {
+            (*made)->Disable();  // nobody waits for it any more
+            throw;
+        }
+        return status;
+    };
+    const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
+    std::vector<bool> answered;
+    for (const Port* port : selected) {
+        answered.push_back(port->answers);
+    }
+    std::vector<const Port*> counted;
+    std::vector<WatchedPort> watched;
+    const tools::AbandonHooks::Registration cleanUp(invocation.Hooks(), [all] { all->Disable(); });
+    auto answers = ForEachPort(invocation, selected, enable);
+    for (size_t i = 0; i < answers.size(); ++i) {
+        auto& [port, status, query, delivery] = answers[i];
+        if (status == HXMGT_NOT_SUPPORTED && !chosen) {
+            invocation.Note("port " + std::to_string(port->index) +
+                            " is left out: its driver delivers no events");
+            continue;
+        }
+        // The first enabling of a port counts the adapters at the ports before it, and waits for
+        // each of them that does not answer.
+        const bool fellSilent = answered[i] && !port->answers;
+        port->failure = status;
+        port->failedQuery = !fellSilent ? query
+                                        : "events cannot be enabled: " + port->Name() +
+                                              " or a port in front of it is not answering";
+        counted.push_back(port);
+        if (status == HXMGT_SUCCESS) {
+            watched.push_back(
+                {*port, EventsOf(*port, std::move(delivery), invocation.Given().All("kind"))});
+        }
+    }
+    const ExitCode exit = ReportFailures(invocation, counted);
+    return WatchPorts(invocation,
+                      {.what = "ports",
+                       .interval = std::chrono::milliseconds(250),
+                       .rows = invocation.Given().Number("count").value_or(UINT64_MAX)},
+                      std::move(watched), exit);
+}
+
+struct Raised {
+    Port port;
+    bool raised;
+};
+
+const tools::Fields<Raised>& RaisedFields() {
+    static const tools::Fields<Raised> kFields = {
+        {PortKeys(kPortIndex | kAdapterSerial), &Raised::port},
+        {PortSerialAlias(), &Raised::port},
+        {"raised", "Test event raised", tools::kFlag, &Raised::raised},
+    };
+    return kFields;
 }
 
 ExitCode EventTest(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const Port& port = SelectOnePort(invocation, ports);
-    const auto finish = [&](bool raised) {
-        Record& result = invocation.Result();
-        result.Add("port", "Port", Value::Number(port.index));
-        result.Add("serial", "Adapter serial", Value::Serial(port.Serial()));
-        result.Add("raised", "Test event raised", Value::Flag(raised));
-        return ExitCode::Done;
-    };
-    if (invocation.DryRun()) {
+    const bool dry = invocation.DryRun();
+    if (dry) {
         invocation.Note("dry run: no event was raised");
-        return finish(false);
+    } else {
+        Device device;
+        HX_STATUS status = port.Open(TracePath(invocation), &device);
+        if (status == HXMGT_SUCCESS) {
+            status = HXForceZetaAEN(static_cast<int32_t>(device.Handle()));
+        }
+        if (status != HXMGT_SUCCESS) {
+            invocation.Fail(status, "the test event was not raised", port.Object());
+        }
     }
-    Device device;
-    HX_STATUS status = port.Open(TracePath(invocation), &device);
-    if (status == HXMGT_SUCCESS) {
-        status = HXForceZetaAEN(static_cast<int32_t>(device.Handle()));
-    }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the test event was not raised", port.Object());
-    }
-    return finish(true);
+    invocation.Result() = RaisedFields().Make({port, !dry});
+    return ExitCode::Done;
 }
 
 }  // namespace
@@ -295,6 +293,7 @@ tools::CommandRows EventCommands() {
             .arguments = kWatchArguments,
             .run = EventWatch,
             .example = "event watch --count 2",
+            .result = tools::ShapeOf<EventList>,
         },
         {
             .path = "event test",
@@ -303,6 +302,7 @@ tools::CommandRows EventCommands() {
             .schema = "event.test",
             .run = EventTest,
             .example = "event test -p scsi:3",
+            .result = tools::ShapeOf<RaisedFields>,
         },
     };
     return kCommands;

@@ -1,60 +1,379 @@
 // adapter list|show, port list|show.
+#include <algorithm>
+
+#include "common/text.h"
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
-#include "vxmgr/ports/records.h"
 
 namespace vxmgr {
 namespace {
 
+using tools::Choice;
 using tools::ExitCode;
+using tools::Fields;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kSerial;
+using tools::kText;
+using tools::kWwn;
 using tools::ListLayout;
-using tools::Record;
+using tools::Value;
 
-constexpr const char* kNoAdapters = "No adapters.";
-constexpr const char* kNoPorts = "No ports.";
+constexpr tools::FieldType kPciId = tools::Hexadecimal(4).OrNull();
+constexpr tools::FieldType kSeconds = tools::Integer("s").OrNull();
+constexpr char kAnswersAbout[] =
+    "false: the port did not answer in time, or could not be opened; it keeps its index";
 
-ExitCode Adapters(tools::Invocation& invocation, ListLayout layout,
-                  Record (*recordOf)(const Adapter&)) {
+using Chip = HX_CHIP_PROPERTY;
+using Node = HX_NODE_PROPERTY;
+using Properties = HX_PORT_PROPERTY;
+
+template <auto member>
+std::string NodeText(const Port& port) {
+    return TextIn(port.node, member);
+}
+
+// Four characters and a terminator are the version; what follows has no meaning.
+std::string OptionRomVersion(const Port& port) {
+    return port.node ? tools::FieldText(port.node->optionRomVersion, 4) : std::string();
+}
+
+template <auto member>
+auto ChipNumber(const Port& port) {
+    return NumberIn(port.chip, member);
+}
+
+// Numbers of the port record: of every driver, of the current generation, of the second version.
+template <auto member>
+auto PortNumber(const Port& port) {
+    return NumberIn(port.port, member);
+}
+template <auto member>
+auto CurrentNumber(const Port& port) {
+    const auto number = NumberIn(port.port, member);
+    return port.IsCurrentGeneration() ? number : std::nullopt;
+}
+template <auto member>
+auto SecondNumber(const Port& port) {
+    const auto number = NumberIn(port.port, member);
+    return port.hasSecondVersion ? number : std::nullopt;
+}
+template <auto member>
+std::optional<bool> SecondFlag(const Port& port) {
+    const auto number = SecondNumber<member>(port);
+    return number ? std::optional(*number != 0) : std::nullopt;
+}
+
+template <auto member>
+Value PortSpeed(const Port& port) {
+    return SpeedValue(NumberIn(port.port, member).value_or(HX_SPEED_UNKNOWN));
+}
+
+std::string FirmwareVersion(const Port& port) {
+    return port.firmware ? TextIn(port.firmware, &HX_FIRMWARE_PROPERTY::version)
+                         : TextIn(port.node, &Node::firmwareVersion);
+}
+
+std::optional<tools::Wwn> NodeNameOf(const Port& port) {
+    return port.node ? std::optional(tools::Wwn::Of(port.node->nodeName)) : std::nullopt;
+}
+
+std::string SystemDeviceOf(const Port& port) {
+    return port.scsiPort ? "\\\\.\\Scsi" + std::to_string(*port.scsiPort) + ":" : std::string();
+}
+
+// Older drivers say nothing about the slot.
+bool KnowsSlot(const Port& port) {
+    return port.chip && port.IsCurrentGeneration();
+}
+template <auto word>
+PcieLink LinkIn(const Port& port) {
+    return KnowsSlot(port) ? LinkOf(*NumberIn(port.chip, word)) : PcieLink{};
+}
+template <auto word>
+Value LinkValue(const Port& port) {
+    return LinkText(LinkIn<word>(port));
+}
+template <auto word, auto part>
+Value LinkPart(const Port& port) {
+    const uint32_t number = LinkIn<word>(port).*part;
+    return number != 0 ? Value::Number(number) : Value();
+}
+
+// A port in a list; among its adapter's own ones the table need not repeat the adapter.
+Fields<Port> SummaryFields(bool withAdapter) {
+    return {
+        {"index", "", kInteger, &Port::index, "the same as port"},
+        {"port", "Port", "PORT", kInteger, &Port::index},
+        {"scsi_port", "SCSI port", "SCSI", kInteger.OrNull(), &Port::scsiPort},
+        {"adapter_serial", "Adapter serial", withAdapter ? "ADAPTER" : "", kSerial.OrNull(),
+         &Port::Serial},
+        {PortSerialAlias(), std::identity()},
+        {"model", "Model", withAdapter ? "MODEL" : "", kText.OrNull(), NodeText<&Node::model>},
+        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
+        {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
+        {"port_id", "Port ID", "PORT ID", kText.OrNull(), PortIdValue},
+        {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
+        {"answers", "", kFlag, &Port::answers, kAnswersAbout},
+        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), PortSpeed<&Properties::currentSpeed>},
+        {"topology", "Topology", "TOPOLOGY", Choice(kTopologies).OrNull(), TopologyValue},
+        {"discovered_targets", "Targets", "TARGETS", kInteger.OrNull(),
+         PortNumber<&Properties::discoveredTargets>},
+        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
+        {PortStatus(), std::identity()},
+    };
+}
+
+const Fields<Port>& IdentityFields() {
+    static const Fields<Port> kFields = {
+        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
+        {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
+        {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
+        {"model", "Model", "MODEL", kText.OrNull(), NodeText<&Node::model>},
+        {"model_description", "Description", kText.OrNull(), NodeText<&Node::modelDescription>},
+    };
+    return kFields;
+}
+
+const Fields<Port>& PortLinkFields() {
+    static const Fields<Port> kFields = {
+        {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
+        {"disabled", "Port disabled", kFlag.OrNull(), &Port::disabled},
+        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), PortSpeed<&Properties::currentSpeed>},
+        {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
+         PortSpeed<&Properties::supportedSpeeds>},
+        {"topology", "Topology", Choice(kTopologies).OrNull(), TopologyValue},
+        {"port_id", "Port ID", kText.OrNull(), PortIdValue},
+        {"role", "Role", Choice(kPortRoles).OrNull(), RoleValue},
+    };
+    return kFields;
+}
+
+const Fields<Port>& FibreChannelFields() {
+    static const Fields<Port> kFields = {
+        {"discovered_devices", "Discovered devices", kInteger.OrNull(),
+         PortNumber<&Properties::discoveredDevices>},
+        {"discovered_targets", "Discovered targets", kInteger.OrNull(),
+         PortNumber<&Properties::discoveredTargets>},
+        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+         CurrentNumber<&Properties::maxFrameSize>},
+        {"bb_credits", "Buffer credits", kInteger.OrNull(), CurrentNumber<&Properties::bbCredits>},
+        {"npiv_in_use", "NPIV ports in use", kInteger.OrNull(),
+         CurrentNumber<&Properties::npivInUse>},
+        {"npiv_maximum", "NPIV ports at most", kInteger.OrNull(),
+         CurrentNumber<&Properties::npivMaximum>},
+        {"fcp", "FCP", kFlag.OrNull(), SecondFlag<&Properties::fcpEnabled>},
+        {"nvme", "NVMe", kFlag.OrNull(), SecondFlag<&Properties::nvmeEnabled>},
+        {"fec", "Forward error correction", kFlag.OrNull(), SecondFlag<&Properties::fecActive>},
+        {"trunk_state", "Trunk state", kInteger.OrNull(), SecondNumber<&Properties::trunkState>},
+        {"diagnostic_state", "Diagnostic state", kInteger.OrNull(),
+         SecondNumber<&Properties::diagnosticState>},
+        {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
+    };
+    return kFields;
+}
+
+const Fields<Port>& LimitsFields() {
+    static const Fields<Port> kFields = {
+        {"max_targets", "Targets at most", kInteger.OrNull(),
+         SecondNumber<&Properties::maxTargets>},
+        {"max_luns_per_target", "LUNs per target", kInteger.OrNull(),
+         SecondNumber<&Properties::maxLunsPerTarget>},
+        {"execution_throttle", "Execution throttle", kInteger.OrNull(),
+         SecondNumber<&Properties::executionThrottle>},
+        {"login_timeout_s", "Login time-out", kSeconds, SecondNumber<&Properties::loginTimeout>},
+        {"link_down_timeout_s", "Link-down time-out", kSeconds,
+         SecondNumber<&Properties::linkDownTimeout>},
+        {"port_down_retry_s", "Port-down retry", kSeconds,
+         SecondNumber<&Properties::portDownRetry>},
+    };
+    return kFields;
+}
+
+const Fields<Port>& VersionsFields() {
+    static const Fields<Port> kFields = {
+        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
+        {"driver", "Driver", kText.OrNull(), NodeText<&Node::driverVersion>},
+        {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
+        {"option_rom", "Option ROM", kText.OrNull(), OptionRomVersion},
+    };
+    return kFields;
+}
+
+const Fields<Port>& PciFields() {
+    static const Fields<Port> kFields = {
+        {"location", "Location", "PCI", kText.OrNull(),
+         When(KnowsSlot, [](const Port& port) { return PciLocationValue(*port.chip); })},
+        {"function", "", kInteger.OrNull(),
+         When(KnowsSlot, [](const Port& port) { return port.chip->functionBits >> 5; })},
+        {"vendor_id", "Vendor ID", kPciId, ChipNumber<&Chip::vendorId>},
+        {"device_id", "Device ID", kPciId, ChipNumber<&Chip::deviceId>},
+        {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
+         ChipNumber<&Chip::subsystemVendorId>},
+        {"subsystem_device_id", "Subsystem device ID", kPciId,
+         ChipNumber<&Chip::subsystemDeviceId>},
+        {"revision", "Revision", kPciId, ChipNumber<&Chip::revision>},
+        {"link", "Link", "PCI LINK", kText.OrNull(), LinkValue<&Chip::linkStatus>},
+        {"link_maximum", "Link at most", kText.OrNull(), LinkValue<&Chip::linkCapabilities>},
+        {"link_generation", "", kInteger.OrNull(),
+         LinkPart<&Chip::linkStatus, &PcieLink::generation>},
+        {"link_width", "", kInteger.OrNull(), LinkPart<&Chip::linkStatus, &PcieLink::width>},
+        {"link_maximum_generation", "", kInteger.OrNull(),
+         LinkPart<&Chip::linkCapabilities, &PcieLink::generation>},
+        {"link_maximum_width", "", kInteger.OrNull(),
+         LinkPart<&Chip::linkCapabilities, &PcieLink::width>},
+    };
+    return kFields;
+}
+
+std::string PortTitle(const Port& port) {
+    return "Port " + std::to_string(port.index);
+}
+
+const Fields<Port>& DetailFields() {
+    static const Fields<Port> kFields = {
+        PortTitle,
+        {
+            {"index", "", kInteger, &Port::index, "the same as port"},
+            {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
+            {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
+            {"answers", "", kFlag, &Port::answers, kAnswersAbout},
+            {PortStatus(), std::identity()},
+            {"identity", "Identity", IdentityFields()},
+            {"link", "Link", PortLinkFields()},
+            {"fibre_channel", "Fibre Channel", FibreChannelFields()},
+            {"limits", "Limits", LimitsFields()},
+            {"versions", "Versions", VersionsFields()},
+            {"pci", "PCI", PciFields()},
+        }};
+    return kFields;
+}
+
+// What one port tells of its adapter.
+const Fields<Port>& SpeakerFields() {
+    static const Fields<Port> kFields = {
+        {"adapter_serial", "Serial number", "SERIAL", kSerial.OrNull(), &Port::Serial},
+        {PortSerialAlias(), std::identity()},
+        {"manufacturer", "Manufacturer", kText.OrNull(), NodeText<&Node::manufacturer>},
+        {"model", "Model", "MODEL", kText.OrNull(), NodeText<&Node::model>},
+        {"model_description", "Description", "DESCRIPTION", kText.OrNull(),
+         NodeText<&Node::modelDescription>},
+        {"vendor_id", "PCI vendor ID", kPciId, ChipNumber<&Chip::vendorId>},
+        {"device_id", "PCI device ID", "DEVICE", kPciId, ChipNumber<&Chip::deviceId>},
+        {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
+         ChipNumber<&Chip::subsystemVendorId>},
+        {"subsystem_device_id", "Subsystem device ID", kPciId,
+         ChipNumber<&Chip::subsystemDeviceId>},
+        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), NodeText<&Node::firmwareVersion>},
+        {"driver", "Driver", "DRIVER", kText.OrNull(), NodeText<&Node::driverVersion>},
+        {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
+        {"option_rom", "Option ROM", "OPTION ROM", kText.OrNull(), OptionRomVersion},
+        {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
+    };
+    return kFields;
+}
+
+// The first port whose node record could be read.
+const Port& SpeakerOf(const Adapter& adapter) {
+    const auto found = std::ranges::find_if(
+        adapter.ports, [](const Port* port) { return port->node.has_value(); });
+    return found != adapter.ports.end() ? **found : adapter.First();
+}
+
+Value OnlinePorts(const Adapter& adapter) {
+    const auto online = std::ranges::count_if(adapter.ports, [](const Port* port) {
+        return port->port && port->port->state == HX_PORT_STATE_ONLINE &&
+               !port->disabled.value_or(false);
+    });
+    const auto all = static_cast<ptrdiff_t>(adapter.ports.size());
+    return Value::Number(static_cast<uint64_t>(online))
+        .Shown(std::to_string(online) + " of " + std::to_string(all))
+        .In(online == all ? tools::Tone::Good
+            : online == 0 ? tools::Tone::Bad
+                          : tools::Tone::Warning);
+}
+
+Value AdapterStatus(const Adapter& adapter) {
+    const auto failed = std::ranges::find_if(
+        adapter.ports, [](const Port* port) { return port->failure != HXMGT_SUCCESS; });
+    return failed != adapter.ports.end() ? StatusValue((*failed)->failure) : Value();
+}
+
+const Fields<Adapter>& AdapterFields() {
+    static const Fields<Adapter> kFields = {
+        {"index", "", "ADAPTER", kInteger, &Adapter::index},
+        {SpeakerFields(), SpeakerOf},
+        {"port_count", "", kInteger, [](const Adapter& adapter) { return adapter.ports.size(); }},
+        {"ports_online", "Ports online", "ONLINE", kInteger, OnlinePorts},
+        {"status", "Status", kText.OrNull().Quiet(), AdapterStatus,
+         "null, or the status of the first port that failed"},
+    };
+    return kFields;
+}
+
+std::string AdapterTitle(const Adapter& adapter) {
+    return "Adapter " + std::to_string(adapter.index);
+}
+
+const Fields<Adapter>& AdapterDetailFields() {
+    static const Fields<Port> kPorts = SummaryFields(false);
+    static const Fields<Adapter> kFields = {AdapterTitle,
+                                            {
+                                                {AdapterFields(), std::identity()},
+                                                {"ports", "Ports", kPorts, &Adapter::ports},
+                                            }};
+    return kFields;
+}
+
+using AdapterRows = std::vector<const Adapter*>;
+using PortRows = std::vector<const Port*>;
+
+const Fields<AdapterRows>& AdapterList() {
+    static const auto kFields = tools::ListOf<AdapterRows>("adapters", "Adapters", AdapterFields(),
+                                                           ListLayout::Table, "No adapters.");
+    return kFields;
+}
+
+const Fields<AdapterRows>& AdapterDetails() {
+    static const auto kFields = tools::ListOf<AdapterRows>(
+        "adapters", "Adapters", AdapterDetailFields(), ListLayout::Sections, "No adapters.");
+    return kFields;
+}
+
+const Fields<PortRows>& PortList() {
+    static const Fields<Port> kPort = SummaryFields(true);
+    static const auto kFields =
+        tools::ListOf<PortRows>("ports", "Ports", kPort, ListLayout::Table, "No ports.");
+    return kFields;
+}
+
+const Fields<PortRows>& PortDetails() {
+    static const auto kFields = tools::ListOf<PortRows>("ports", "Ports", DetailFields(),
+                                                        ListLayout::Sections, "No ports.");
+    return kFields;
+}
+
+template <auto fields>
+ExitCode ShowAdapters(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
-    std::vector<Record> rows;
-    std::vector<const Port*> shown;
-    for (const Adapter* adapter : SelectAdapters(invocation, adapters)) {
-        rows.push_back(recordOf(*adapter));
+    const AdapterRows rows = SelectAdapters(invocation, adapters);
+    PortRows shown;
+    for (const Adapter* adapter : rows) {
         shown.insert(shown.end(), adapter->ports.begin(), adapter->ports.end());
     }
-    const Port none;
-    invocation.Result().AddList("adapters", "Adapters", layout, recordOf({0, {&none}}), kNoAdapters,
-                                std::move(rows));
+    invocation.Result() = fields().Make(rows);
     return ReportFailures(invocation, shown);
 }
 
-ExitCode Ports(tools::Invocation& invocation, ListLayout layout, Record (*recordOf)(const Port&)) {
+template <auto fields>
+ExitCode ShowPorts(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
-    const std::vector<const Port*> shown = SelectPorts(invocation, ports);
-    std::vector<Record> rows;
-    for (const Port* port : shown) {
-        rows.push_back(recordOf(*port));
-    }
-    invocation.Result().AddList("ports", "Ports", layout, recordOf(Port()), kNoPorts,
-                                std::move(rows));
+    const PortRows shown = SelectPorts(invocation, ports);
+    invocation.Result() = fields().Make(shown);
     return ReportFailures(invocation, shown);
-}
-
-ExitCode AdapterList(tools::Invocation& invocation) {
-    return Adapters(invocation, ListLayout::Table, AdapterSummary);
-}
-
-ExitCode AdapterShow(tools::Invocation& invocation) {
-    return Adapters(invocation, ListLayout::Sections, AdapterDetail);
-}
-
-ExitCode PortList(tools::Invocation& invocation) {
-    return Ports(invocation, ListLayout::Table,
-                 [](const Port& port) { return PortSummary(port, true); });
-}
-
-ExitCode PortShow(tools::Invocation& invocation) {
-    return Ports(invocation, ListLayout::Sections, PortDetail);
 }
 
 }  // namespace
@@ -66,32 +385,36 @@ tools::CommandRows AdapterAndPortCommands() {
             .risk = tools::Risk::Reads,
             .help = "list the adapters",
             .schema = "adapter.list",
-            .run = AdapterList,
+            .run = ShowAdapters<AdapterList>,
             .example = "adapter list",
+            .result = tools::ShapeOf<AdapterList>,
         },
         {
             .path = "adapter show",
             .risk = tools::Risk::Reads,
             .help = "show adapters in detail, with their ports",
             .schema = "adapter.show",
-            .run = AdapterShow,
+            .run = ShowAdapters<AdapterDetails>,
             .example = "adapter show -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<AdapterDetails>,
         },
         {
             .path = "port list",
             .risk = tools::Risk::Reads,
             .help = "list the ports",
             .schema = "port.list",
-            .run = PortList,
+            .run = ShowPorts<PortList>,
             .example = "port list -o csv",
+            .result = tools::ShapeOf<PortList>,
         },
         {
             .path = "port show",
             .risk = tools::Risk::Reads,
             .help = "show ports in detail",
             .schema = "port.show",
-            .run = PortShow,
+            .run = ShowPorts<PortDetails>,
             .example = "port show -p scsi:3",
+            .result = tools::ShapeOf<PortDetails>,
         },
     };
     return kCommands;

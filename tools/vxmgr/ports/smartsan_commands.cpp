@@ -1,5 +1,5 @@
 // smartsan get|on|off: the switch of the driver service, which all its adapters share.
-#include "vxmgr/app/inventory.h"
+#include "common/fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
 
@@ -7,6 +7,25 @@ namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
+
+struct SwitchState {
+    bool enabled;
+    bool previous;
+};
+
+const tools::Fields<bool>& EnabledFields() {
+    static const tools::Fields<bool> kFields = {{"enabled", "SmartSAN", tools::kFlag, OnOffValue}};
+    return kFields;
+}
+
+const tools::Fields<SwitchState>& SwitchFields() {
+    static const tools::Fields<SwitchState> kFields = {
+        {EnabledFields(), &SwitchState::enabled},
+        {"previous", "Before", tools::kFlag,
+         [](const SwitchState& state) { return OnOffValue(state.previous); }},
+    };
+    return kFields;
+}
 
 // Any port of the driver reaches the switch: the first selected one that can be opened.
 Device OpenAnyPort(tools::Invocation& invocation) {
@@ -35,10 +54,10 @@ bool IsEnabled(tools::Invocation& invocation, const Device& device) {
     return enabled != 0;
 }
 
-ExitCode Switch(tools::Invocation& invocation, bool wanted) {
+template <bool wanted>
+ExitCode SwitchSmartSan(tools::Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
     const bool before = IsEnabled(invocation, device);
-    tools::Record& result = invocation.Result();
     const bool needed = before != wanted;
     if (needed && !invocation.DryRun()) {
         const HX_STATUS status =
@@ -51,8 +70,7 @@ ExitCode Switch(tools::Invocation& invocation, bool wanted) {
             {"driver", "driver_restart", "SmartSAN changes at the next start of the driver"});
     }
     const bool after = IsEnabled(invocation, device);
-    result.Add("enabled", "SmartSAN", OnOffValue(after));
-    result.Add("previous", "Before", OnOffValue(before));
+    invocation.Result() = SwitchFields().Make({after, before});
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -66,16 +84,8 @@ ExitCode Switch(tools::Invocation& invocation, bool wanted) {
 
 ExitCode SmartSanGet(tools::Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
-    invocation.Result().Add("enabled", "SmartSAN", OnOffValue(IsEnabled(invocation, device)));
+    invocation.Result() = EnabledFields().Make(IsEnabled(invocation, device));
     return ExitCode::Done;
-}
-
-ExitCode SmartSanOn(tools::Invocation& invocation) {
-    return Switch(invocation, true);
-}
-
-ExitCode SmartSanOff(tools::Invocation& invocation) {
-    return Switch(invocation, false);
 }
 
 }  // namespace
@@ -89,22 +99,25 @@ tools::CommandRows SmartsanCommands() {
             .schema = "smartsan.get",
             .run = SmartSanGet,
             .example = "smartsan get",
+            .result = tools::ShapeOf<EnabledFields>,
         },
         {
             .path = "smartsan on",
             .risk = tools::Risk::Reversible,
             .help = "switch SmartSAN on from the driver's next start",
             .schema = "smartsan.set",
-            .run = SmartSanOn,
+            .run = SwitchSmartSan<true>,
             .example = "smartsan on -p scsi:3",
+            .result = tools::ShapeOf<SwitchFields>,
         },
         {
             .path = "smartsan off",
             .risk = tools::Risk::Reversible,
             .help = "switch SmartSAN off from the driver's next start",
             .schema = "smartsan.set",
-            .run = SmartSanOff,
+            .run = SwitchSmartSan<false>,
             .example = "smartsan off -p scsi:3",
+            .result = tools::ShapeOf<SwitchFields>,
         },
     };
     return kCommands;

@@ -1,59 +1,130 @@
-#include "vxmgr/ports/commands.h"
-#include "vxmgr/ports/stats_row.h"
-
-#include <chrono>
-
-#include "common/text.h"
+// port stats, port stats clear.
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
-#include "vxmgr/app/values.h"
+#include "vxmgr/app/watch.h"
+#include "vxmgr/ports/commands.h"
 #include "vxmgr/ports/stats_counters.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
 
-constexpr uint64_t kLongestInterval = 86400;
-
-constexpr Argument kArguments[] = {
-    {.name = "--interval",
-     .kind = ArgumentKind::Number,
-     .valueName = "S",
-     .help = "print a row every S seconds (5)",
-     .least = 1,
-     .most = kLongestInterval},
-    {.name = "--count",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "end after N rows of each port",
-     .least = 1},
-    {"--delta", ArgumentKind::Flag, "", "rows of what was counted since the row before"},
+constexpr tools::Argument kStatsArguments[] = {
+    kIntervalArgument,
+    kTurnsArgument,
+    kForArgument,
+    {.name = "--delta",
+     .kind = tools::ArgumentKind::Flag,
+     .help = "rows of what was counted since the row before"},
 };
 
-HX_STATUS ReadStatistics(PortVisit& visit, HX_STATISTICS* statistics) {
-    visit.query = "statistics";
-    return HXGetStatistics(visit.Handle(), 0, statistics);
+// A reading of a port. reset: since the reading before, where there is one.
+struct Reading {
+    const Port* port;
+    GivenStatistics statistics;
+    std::optional<bool> reset;
+};
+
+const tools::Fields<Reading>& ReadingFields() {
+    static const tools::Fields<Reading> kFields = {
+        [](const Reading& reading) { return "Port " + std::to_string(reading.port->index); },
+        {
+            TimeField<Reading>("UTC, when the counters were read"),
+            {PortKeys((kPortIndex & kPortColumns) | (kPortName & kPortLabels) | kAdapterSerial),
+             &Reading::port},
+            {PortSerialAlias(), &Reading::port},
+            {CounterFields(), &Reading::statistics},
+            {"reset", "", tools::kFlag.OrNull(), &Reading::reset,
+             "rows that keep coming: the counters were reset since the row before"},
+            {PortStatus(), &Reading::port},
+        }};
+    return kFields;
 }
 
-ExitCode ShowOnce(tools::Invocation& invocation) {
+const tools::Fields<std::vector<Reading>>& ReadingList() {
+    static const auto kFields = tools::ListOf<std::vector<Reading>>(
+        "readings", "Readings", ReadingFields(), tools::ListLayout::Sections, "No ports.");
+    return kFields;
+}
+
+struct OpenReading {
+    std::shared_ptr<Device> device;  // shared with a thread that may be left behind
+    HX_STATISTICS statistics{};
+};
+
+HX_STATUS ReadFirst(PortVisit& visit, OpenReading* first) {
+    visit.query = "statistics";
+    first->device = std::make_shared<Device>(std::move(visit.device));
+    return HXGetStatistics(first->device->Handle(), 0, &first->statistics);
+}
+
+// What comes behind the first reading, one after the other. delta: rows of what was counted in
+// between.
+auto NextReadings(const Port& port, const OpenReading& first, bool delta) {
+    return [port, device = first.device, last = std::make_shared<HX_STATISTICS>(first.statistics),
+            delta](PortTask&, WatchTurn& turn) {
+        HX_STATISTICS now{};
+        turn.status = HXGetStatistics(device->Handle(), 0, &now);
+        if (turn.status == HXMGT_SUCCESS) {
+            turn.rows.push_back(ReadingFields().Make(
+                {&port, delta ? CountedBetween(*last, now) : now, WasReset(*last, now)}));
+            *last = now;
+        }
+    };
+}
+
+ExitCode PortStats(tools::Invocation& invocation) {
+    const tools::Options& given = invocation.Given();
+    const bool delta = given.Has("delta");
+    const bool watch = delta || given.Has("interval") || given.Has("count") || given.Has("for");
     std::vector<Port> ports = ReadSelectedPorts(invocation);
-    const std::vector<Port*> shown = SelectPorts(invocation, ports);
-    std::vector<Record> records;
-    for (const auto& one : ForEachPort<HX_STATISTICS>(invocation, shown, ReadStatistics)) {
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
+    if (watch && selected.empty()) {
+        invocation.Fail(ExitCode::NotFound, "there is no port to watch", "see `port list`");
+    }
+    std::vector<Reading> readings;
+    std::vector<WatchedPort> watched;
+    for (const auto& one : ForEachPort<OpenReading>(invocation, selected, ReadFirst)) {
+        const bool good = one.status == HXMGT_SUCCESS;
         // What else the port fails at is not asked here.
         one.port->failure = one.status;
         one.port->failedQuery = one.query;
-        records.push_back(
-            StatsRow(*one.port, one.status == HXMGT_SUCCESS ? &one.answer : nullptr, {}));
+        readings.push_back(
+            {one.port, good ? GivenStatistics(one.answer.statistics) : std::nullopt, {}});
+        if (watch && good) {
+            watched.push_back({*one.port, NextReadings(*one.port, one.answer, delta)});
+        }
     }
-    invocation.Result().AddList("readings", "Readings", tools::ListLayout::Sections,
-                                StatsRow(Port(), nullptr, {}), "No ports.", std::move(records));
-    return ReportFailures(invocation, shown);
+    if (!watch) {
+        invocation.Result() = ReadingList().Make(readings);
+    }
+    const ExitCode exit = ReportFailures(invocation, selected);
+    if (!watch) {
+        return exit;
+    }
+    WatchPlan plan = GivenPlan(invocation, "ports");
+    plan.waitsFirst = delta;
+    return WatchPorts(invocation, plan, std::move(watched), exit);
+}
+
+struct Clearing {
+    Port port;
+    bool cleared;
+    GivenStatistics before;
+};
+
+const tools::Fields<Clearing>& ClearingFields() {
+    static const tools::Fields<Clearing> kFields = {
+        {PortKeys(kPortIndex | kAdapterSerial), &Clearing::port},
+        {PortSerialAlias(), &Clearing::port},
+        {"cleared", "Cleared", tools::kFlag, &Clearing::cleared},
+        {"before", "Before", CounterFields(),
+         [](const Clearing& clearing) { return &clearing.before; },
+         "the counters before they were set to zero", tools::kGroup},
+    };
+    return kFields;
 }
 
 // Whether the second reading can only be that of counters that were reset in between.
@@ -66,57 +137,23 @@ bool ProvesReset(const HX_STATISTICS& before, const HX_STATISTICS& after) {
     return WasReset(before, after) || before.secondsSinceReset == 0;
 }
 
-}  // namespace
-
-Record StatsRow(const Port& port, const HX_STATISTICS* statistics, std::optional<bool> reset) {
-    const std::string time = tools::FormatUtc(std::chrono::system_clock::now());
-    const HX_STATUS status = statistics != nullptr ? HX_STATUS{HXMGT_SUCCESS} : port.failure;
-    Record row;
-    row.title = "Port " + std::to_string(port.index);
-    row.Add("time", "Time", Value::Text(time), "TIME", time.size());
-    row.Add("port", "", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter serial", Value::Serial(port.Serial()), "ADAPTER", 14);
-    row.Add("port_wwn", "Port name",
-            port.port ? Value::Name(tools::Wwn::Of(port.port->portName)) : Value());
-    AddCounters(row, statistics);
-    row.Add("reset", "", reset ? Value::Flag(*reset) : Value());
-    row.Add("status", status == HXMGT_SUCCESS ? "" : "Status", StatusValue(status));
-    return row;
-}
-
-namespace {
-
-ExitCode PortStats(tools::Invocation& invocation) {
-    const tools::Options& given = invocation.Given();
-    const bool watch = given.Has("interval") || given.Has("count") || given.Has("delta");
-    return watch ? PortStatsWatch(invocation) : ShowOnce(invocation);
-}
-
 ExitCode PortStatsClear(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     HX_STATISTICS before{};
-    const HX_STATUS read = HXGetStatistics(session.Handle(), 0, &before);
-    if (read != HXMGT_SUCCESS) {
-        invocation.Fail(read, "statistics", session.port.Object());
+    HX_STATUS status = HXGetStatistics(session.Handle(), 0, &before);
+    if (status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "statistics", session.port.Object());
     }
-    HX_STATUS status = HXMGT_SUCCESS;
-    if (!invocation.DryRun()) {
-        status = HXResetStatistics(session.Handle());
-        if (status == HXMGT_SUCCESS) {
-            invocation.Changed();
-        }
+    const bool dry = invocation.DryRun();
+    if (!dry && (status = HXResetStatistics(session.Handle())) == HXMGT_SUCCESS) {
+        invocation.Changed();
     }
-    Record counters;
-    AddCounters(counters, &before);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("serial", "Adapter serial", Value::Serial(session.port.Serial()));
-    result.Add("cleared", "Cleared", Value::Flag(!invocation.DryRun() && status == HXMGT_SUCCESS));
-    result.AddGroup("before", "Before", std::move(counters));
+    invocation.Result() =
+        ClearingFields().Make({session.port, !dry && status == HXMGT_SUCCESS, before});
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the counters were not reset", session.port.Object());
     }
-    if (invocation.DryRun()) {
+    if (dry) {
         invocation.Note("dry run: the counters would be set to zero");
         return ExitCode::Done;
     }
@@ -138,9 +175,10 @@ tools::CommandRows StatsCommands() {
             .risk = tools::Risk::Reads,
             .help = "show the counters of the ports' links",
             .schema = "port.stats",
-            .arguments = kArguments,
+            .arguments = kStatsArguments,
             .run = PortStats,
             .example = "port stats --interval 10 --delta",
+            .result = tools::ShapeOf<ReadingList>,
         },
         {
             .path = "port stats clear",
@@ -149,6 +187,7 @@ tools::CommandRows StatsCommands() {
             .schema = "port.stats.clear",
             .run = PortStatsClear,
             .example = "port stats clear -p scsi:3",
+            .result = tools::ShapeOf<ClearingFields>,
         },
     };
     return kCommands;

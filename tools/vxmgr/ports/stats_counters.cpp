@@ -70,19 +70,27 @@ std::string LinkErrorsText(const HX_STATISTICS& statistics) {
     return text;
 }
 
-void AddCounters(tools::Record& record, const HX_STATISTICS* statistics) {
-    for (const StatsCounter& counter : kCounters) {
-        const bool isTime = &counter == &kCounters[kSeconds];
-        Value value;
-        if (statistics != nullptr) {
-            const uint32_t count = CounterOf(*statistics, counter);
-            value = isTime ? Value::Number(count, "s") : Value::Number(count);
-            if (counter.one != nullptr && count != 0) {
-                value = Value::Number(count).In(tools::Tone::Warning);
-            }
+const tools::Fields<GivenStatistics>& CounterFields() {
+    static const tools::Fields<GivenStatistics> kFields([] {
+        std::vector<tools::FieldRow<GivenStatistics>> rows;
+        for (const StatsCounter& counter : kCounters) {
+            const bool isTime = &counter == &kCounters[kSeconds];
+            const auto value = [&counter, isTime](const GivenStatistics& statistics) {
+                if (!statistics) {
+                    return Value();
+                }
+                const uint32_t count = CounterOf(*statistics, counter);
+                const bool isError = counter.one != nullptr && count != 0;
+                return Value::Number(count, isTime ? "s" : "")
+                    .In(isError ? tools::Tone::Warning : tools::Tone::Plain);
+            };
+            rows.push_back({counter.key, counter.label, counter.column, tools::kInteger.OrNull(),
+                            value, isTime ? "since the counters were last reset" : counter.label,
+                            counter.width});
         }
-        record.Add(counter.key, counter.label, std::move(value), counter.column, counter.width);
-    }
+        return rows;
+    }());
+    return kFields;
 }
 
 }  // namespace vxmgr

@@ -3,10 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "hxstatistics.h"
 
 namespace vxmgr {
@@ -35,7 +36,8 @@ HX_STATISTICS CountedBetween(const HX_STATISTICS& before, const HX_STATISTICS& a
 // "2 link failures, 1 CRC error"; empty when nothing went wrong.
 std::string LinkErrorsText(const HX_STATISTICS& statistics);
 
-// A field per counter; null statistics give fields without values.
-void AddCounters(tools::Record& record, const HX_STATISTICS* statistics);
+// A field per counter, without a value where there are no statistics.
+using GivenStatistics = std::optional<HX_STATISTICS>;
+const tools::Fields<GivenStatistics>& CounterFields();
 
 }  // namespace vxmgr

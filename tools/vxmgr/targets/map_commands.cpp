@@ -1,15 +1,16 @@
 // map target|volume|disk: from the targets to what the operating system makes of them, and back.
 #include "vxmgr/targets/commands.h"
 
+#include <deque>
 #include <functional>
 #include <vector>
 
 #include "common/console.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_id.h"
-#include "vxmgr/app/values.h"
 #include "vxmgr/fabric/scsi_target.h"
 #include "vxmgr/targets/map_units.h"
-#include "vxmgr/targets/target_reported.h"
+#include "vxmgr/targets/target_records.h"
 #include "vxmgr/targets/target_select.h"
 
 namespace vxmgr {
@@ -17,7 +18,6 @@ namespace {
 
 using tools::Argument;
 using tools::ExitCode;
-using tools::Record;
 
 constexpr Argument kTargetArguments[] = {
     {.name = "TARGET", .help = "wwn:NAME, id:0xDDAAPP, BUS:TARGET, or all", .required = true},
@@ -31,8 +31,22 @@ constexpr Argument kDiskArguments[] = {
     {.name = "DISK", .help = "a disk: N or PhysicalDriveN", .required = true},
 };
 
-MapPort PortOf(const Port& port) {
-    return {port.index, port.scsiPort, port.Serial(), StatusValue(port.failure)};
+struct MapRow {
+    const Port* port;
+    MappedPlace place;
+};
+
+const tools::Fields<std::vector<MapRow>>& MapList() {
+    static const tools::Fields<MapRow> kRow = {
+        {PortKeys(kPortIndex | kScsiPort), &MapRow::port},
+        {PortSerialAlias(), &MapRow::port},
+        {PlaceFields(), &MapRow::place},
+        {PortStatus(), &MapRow::port},
+    };
+    static const auto kFields = tools::ListOf<std::vector<MapRow>>(
+        "units", "Logical units", kRow, tools::ListLayout::Table, "no logical units",
+        "a row per volume; one for a logical unit without volumes");
+    return kFields;
 }
 
 // Collects the units of each selected port; a port that fails has a row of its own.
@@ -45,50 +59,43 @@ class Mapper {
         : invocation_(invocation), ports_(ReadSelectedPorts(invocation)) {}
 
     void Run(const Collect& collect) {
-        for (Port* selected : SelectPorts(invocation_, ports_)) {
+        for (Port* port : SelectPorts(invocation_, ports_)) {
             invocation_.CheckStop();
-            Port& port = *selected;
-            std::vector<MappedUnit> units;
+            auto& units = units_.emplace_back();
             Device device;
-            HX_STATUS status = port.Open(TracePath(invocation_), &device);
-            if (status == HXMGT_SUCCESS) {
-                status = collect(port, device.Handle(), &units);
+            port->failure = port->Open(TracePath(invocation_), &device);
+            if (port->failure == HXMGT_SUCCESS) {
+                port->failure = collect(*port, device.Handle(), &units);
             }
-            port.failure = status;
-            if (port.answers) {
-                port.failedQuery = device.IsOpen() ? "mapping" : "open";
+            if (port->answers) {
+                port->failedQuery = device.IsOpen() ? "mapping" : "open";
             }
-            asked_.push_back(&port);
-            Add(port, units);
+            asked_.push_back(port);
+            for (const MappedUnit& unit : units) {
+                for (const MappedPlace& place : PlacesOf(unit)) {
+                    rows_.push_back({port, place});
+                }
+            }
+            found_ = found_ || !units.empty();
+            if (port->failure != HXMGT_SUCCESS) {
+                rows_.push_back({port, {}});
+            }
         }
     }
 
     ExitCode Finish() {
-        invocation_.Result().AddList("units", "Logical units", tools::ListLayout::Table,
-                                     MapRow({}, nullptr, nullptr), "no logical units",
-                                     std::move(rows_));
+        invocation_.Result() = MapList().Make(rows_);
         return ReportFailures(invocation_, asked_);
     }
 
     bool Found() const { return found_; }
 
   private:
-    void Add(const Port& port, const std::vector<MappedUnit>& units) {
-        for (const MappedUnit& unit : units) {
-            found_ = true;
-            for (Record& row : MapRows(PortOf(port), unit)) {
-                rows_.push_back(std::move(row));
-            }
-        }
-        if (port.failure != HXMGT_SUCCESS) {
-            rows_.push_back(MapRow(PortOf(port), nullptr, nullptr));
-        }
-    }
-
     tools::Invocation& invocation_;
     std::vector<Port> ports_;
     std::vector<const Port*> asked_;
-    std::vector<Record> rows_;
+    std::deque<std::vector<MappedUnit>> units_;  // of each port; the rows are about them
+    std::vector<MapRow> rows_;
     bool found_ = false;
 };
 
@@ -260,6 +267,7 @@ tools::CommandRows MapCommands() {
             .arguments = kTargetArguments,
             .run = MapTarget,
             .example = "map target all",
+            .result = tools::ShapeOf<MapList>,
         },
         {
             .path = "map volume",
@@ -269,6 +277,7 @@ tools::CommandRows MapCommands() {
             .arguments = kVolumeArguments,
             .run = MapVolume,
             .example = "map volume E:",
+            .result = tools::ShapeOf<MapList>,
         },
         {
             .path = "map disk",
@@ -278,6 +287,7 @@ tools::CommandRows MapCommands() {
             .arguments = kDiskArguments,
             .run = MapDisk,
             .example = "map disk 41",
+            .result = tools::ShapeOf<MapList>,
         },
     };
     return kCommands;

@@ -3,23 +3,20 @@
 #include <algorithm>
 
 #include "common/text.h"
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_id.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Record;
-using tools::Value;
+using tools::kInteger;
+using tools::kText;
 
 constexpr std::string_view kDevicePrefix = "\\\\.\\";
 constexpr std::string_view kDiskPrefix = "PhysicalDrive";
 
-Value NameValue(const tools::Wwn& name) {
-    return name.IsZero() ? Value() : Value::Name(name);
-}
-
-Value TextValue(const char* field, size_t size) {
-    return Value::TextOrNull(tools::FieldText(field, size));
+std::optional<tools::Wwn> NameIn(const tools::Wwn& name) {
+    return name.IsZero() ? std::nullopt : std::optional(name);
 }
 
 bool StartsWith(std::string_view text, std::string_view prefix) {
@@ -62,54 +59,68 @@ std::optional<uint32_t> ParseDisk(std::string_view text) {
 }
 
 const char* DeviceTypeText(uint32_t type) {
-    constexpr const char* kTypes[] = {nullptr, "disk", "tape", "changer"};
-    return type < std::size(kTypes) ? kTypes[type] : nullptr;
+    return type != 0 && type <= std::size(kDeviceTypes) ? kDeviceTypes[type - 1] : nullptr;
 }
 
-Record MapRow(const MapPort& port, const MappedUnit* unit, const HX_VOLUME* volume) {
-    static const MappedUnit kNone;
-    const MappedUnit& at = unit != nullptr ? *unit : kNone;
-    const auto known = [&](Value value) { return unit != nullptr ? value : Value(); };
-    const HX_OS_DEVICE device = at.device.value_or(HX_OS_DEVICE{});
-    const char* type = DeviceTypeText(device.type);
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("scsi_port", "SCSI port", port.scsiPort ? Value::Number(*port.scsiPort) : Value(),
-            "SCSI");
-    row.Add("serial", "Adapter", Value::Serial(port.serial));
-    row.Add("target_wwn", "Target", NameValue(at.portName), "TARGET");
-    row.Add("node_wwn", "Node name", NameValue(at.nodeName));
-    row.Add("port_id", "Port identifier",
-            at.portName.IsZero() ? Value() : Value::Text(tools::Hex(at.portId, 6)));
-    row.Add("bus", "Bus", known(Value::Number(at.bus)), "BUS");
-    row.Add("target", "Target", known(Value::Number(at.target)), "ID");
-    row.Add("lun", "LUN", known(Value::Number(at.lun)), "LUN");
-    row.Add("device", "Device", TextValue(device.name, sizeof device.name), "DEVICE");
-    row.Add("device_type", "Type", type != nullptr ? Value::Text(type) : Value(), "TYPE");
-    row.Add("disk", "Disk", at.IsDisk(device.number) ? Value::Number(device.number) : Value());
-    row.Add("volume", "Volume",
-            volume != nullptr ? TextValue(volume->name, sizeof volume->name) : Value());
-    row.Add("mounted_at", "Mounted at",
-            volume != nullptr ? TextValue(volume->path, sizeof volume->path) : Value(),
-            "MOUNTED AT");
-    row.Add("bytes_on_disk", "Bytes on the disk",
-            volume != nullptr ? Value::Number(volume->bytesOnDisk) : Value(), "BYTES");
-    row.Add("extents", "Extents", volume != nullptr ? Value::Number(volume->extents) : Value());
-    row.Add("extents_on_disk", "Extents on the disk",
-            volume != nullptr ? Value::Number(volume->extentsOnDisk) : Value());
-    row.Add("status", "Status", port.status);
-    return row;
+const tools::Fields<MappedPlace>& PlaceFields() {
+    using Place = MappedPlace;
+    static const auto kHasDevice = [](const Place& at) { return at.unit && at.unit->device; };
+    static const tools::Fields<Place> kFields = {
+        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
+         When(&Place::unit, [](const Place& at) { return NameIn(at.unit->portName); })},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+         When(&Place::unit, [](const Place& at) { return NameIn(at.unit->nodeName); })},
+        {"port_id", "Port identifier", tools::Hexadecimal(6).OrNull(),
+         When([](const Place& at) { return at.unit && !at.unit->portName.IsZero(); },
+              [](const Place& at) { return at.unit->portId; })},
+        {"bus", "Bus", "BUS", kInteger.OrNull(),
+         When(&Place::unit, [](const Place& at) { return at.unit->bus; })},
+        {"target", "Target", "ID", kInteger.OrNull(),
+         When(&Place::unit, [](const Place& at) { return at.unit->target; })},
+        {"lun", "LUN", "LUN", kInteger.OrNull(),
+         When(&Place::unit, [](const Place& at) { return at.unit->lun; })},
+        {"device", "Device", "DEVICE", kText.OrNull(),
+         When(kHasDevice,
+              [](const Place& at) { return TextIn(at.unit->device, &HX_OS_DEVICE::name); }),
+         "as it is opened; null: the operating system has none"},
+        {"device_type", "Type", "TYPE", tools::Choice(kDeviceTypes).OrNull(),
+         When(kHasDevice, [](const Place& at) { return DeviceTypeText(at.unit->device->type); })},
+        {"disk", "Disk", kInteger.OrNull(),
+         When(
+             [](const Place& at) {
+                 return kHasDevice(at) && at.unit->IsDisk(at.unit->device->number);
+             },
+             [](const Place& at) { return at.unit->device->number; }),
+         "number of a disk"},
+        {"volume", "Volume", kText.OrNull(),
+         When(&Place::volume,
+              [](const Place& at) {
+                  return tools::FieldText(at.volume->name, sizeof at.volume->name);
+              }),
+         "the volume's own name; null: no volume is on the device"},
+        {"mounted_at", "Mounted at", "MOUNTED AT", kText.OrNull(),
+         When(&Place::volume,
+              [](const Place& at) {
+                  return tools::FieldText(at.volume->path, sizeof at.volume->path);
+              }),
+         "the first place"},
+        {"bytes_on_disk", "Bytes on the disk", "BYTES", kInteger.OrNull(),
+         When(&Place::volume, [](const Place& at) { return at.volume->bytesOnDisk; })},
+        {"extents", "Extents", kInteger.OrNull(),
+         When(&Place::volume, [](const Place& at) { return at.volume->extents; }),
+         "stretches of disk that the volume consists of"},
+        {"extents_on_disk", "Extents on the disk", kInteger.OrNull(),
+         When(&Place::volume, [](const Place& at) { return at.volume->extentsOnDisk; })},
+    };
+    return kFields;
 }
 
-std::vector<Record> MapRows(const MapPort& port, const MappedUnit& unit) {
-    std::vector<Record> rows;
+std::vector<MappedPlace> PlacesOf(const MappedUnit& unit) {
+    std::vector<MappedPlace> places;
     for (const HX_VOLUME& volume : unit.volumes) {
-        rows.push_back(MapRow(port, &unit, &volume));
+        places.push_back({&unit, &volume});
     }
-    if (rows.empty()) {
-        rows.push_back(MapRow(port, &unit, nullptr));
-    }
-    return rows;
+    return places.empty() ? std::vector<MappedPlace>{{&unit}} : places;
 }
 
 std::string VolumesText(std::vector<MappedUnit> units) {

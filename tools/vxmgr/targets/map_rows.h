@@ -7,18 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "hxmgtapi.h"
 
 namespace vxmgr {
-
-// The port that a unit is reached through.
-struct MapPort {
-    uint32_t index = 0;
-    std::optional<uint32_t> scsiPort;
-    std::string serial;
-    tools::Value status;
-};
 
 struct MappedUnit {
     tools::Wwn portName;  // of the target; zero: not told
@@ -40,11 +32,18 @@ MappedUnit UnitOf(const HX_OS_DEVICE& device);
 // "5", "PhysicalDrive5" or "\\\\.\\PhysicalDrive5", in any letter case.
 std::optional<uint32_t> ParseDisk(std::string_view text);
 
+inline constexpr const char* kDeviceTypes[] = {"disk", "tape", "changer"};
 const char* DeviceTypeText(uint32_t type);  // null for a type that is none
 
-// A row per volume, one for a unit without volumes; null unit: the row of a port that failed.
-std::vector<tools::Record> MapRows(const MapPort& port, const MappedUnit& unit);
-tools::Record MapRow(const MapPort& port, const MappedUnit* unit, const HX_VOLUME* volume);
+// A unit, and a volume that is on it. Without a unit: a port that failed.
+struct MappedPlace {
+    const MappedUnit* unit = nullptr;
+    const HX_VOLUME* volume = nullptr;
+};
+const tools::Fields<MappedPlace>& PlaceFields();
+
+// A place per volume, one for a unit without volumes.
+std::vector<MappedPlace> PlacesOf(const MappedUnit& unit);
 
 // The disks and tapes among the units, with the places where their volumes are mounted, those
 // first; empty when there is none.

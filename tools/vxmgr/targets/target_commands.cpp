@@ -1,96 +1,222 @@
+// target list|show|luns.
 #include "vxmgr/targets/commands.h"
 
+#include "common/text.h"
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/targets/target_luns.h"
 #include "vxmgr/targets/target_records.h"
-#include "vxmgr/targets/target_reported.h"
 #include "vxmgr/targets/target_select.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::ListLayout;
+using tools::Fields;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
+using tools::kWwn;
 using tools::Record;
-using tools::Value;
 
 constexpr tools::Argument kSelectArguments[] = {kSelectTargetArgument};
 
-using TargetRecord = Record (*)(const PortTargets& targets, const KnownTarget& target);
-using FailedRecord = Record (*)(const Port& port);
+// What is known of a target; without a target: of a port that failed.
+struct TargetRow {
+    const Port* port = nullptr;
+    const KnownTarget* target = nullptr;
+    const HX_TARGET_ENTRY* stored = nullptr;
+    std::optional<LunSet> maskedLive = std::nullopt;
+    std::optional<LunSet> maskedStored = std::nullopt;
 
-// One record per known target; with -t for those ports that know the target.
-ExitCode ListTargets(tools::Invocation& invocation, TargetRecord record, FailedRecord failed,
-                     ListLayout layout) {
-    CheckTargetOption(invocation);
-    std::vector<Record> rows;
-    const ExitCode exit = ListPortTargets(
-        invocation,
-        [&](PortTargets& targets, std::vector<Record>* into) {
-            for (const KnownTarget* target : ChooseKnown(invocation, targets)) {
-                invocation.CheckStop();
-                into->push_back(record(targets, *target));
-            }
-        },
-        failed, &rows);
-    const bool none = rows.empty() && invocation.Given().Has("target");
-    invocation.Result().AddList("targets", "Targets", layout, failed({}), "no targets",
-                                std::move(rows));
-    if (none) {
-        invocation.Fail(ExitCode::NotFound,
-                        "no selected port knows the target " + invocation.Given().Text("target"),
-                        "see `target list`");
+    HX_DEVICE_RECORD Device() const {
+        return target != nullptr ? target->record : HX_DEVICE_RECORD{};
     }
-    return exit;
+    bool IsNamed() const { return target != nullptr && !target->NodeName().IsZero(); }
+    bool IsCurrent() const { return port->IsCurrentGeneration(); }
+};
+
+const Fields<TargetRow>& TargetHeadFields() {
+    static const Fields<TargetRow> kFields = {
+        {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels)), &TargetRow::port},
+        {PortSerialAlias(), &TargetRow::port},
+        {"target_wwn", "Port name", "TARGET", kWwn.OrNull(),
+         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->PortName(); }),
+         "port name; null in the row of a port that failed"},
+        {"node_wwn", "Node name", kWwn.OrNull(),
+         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->NodeName(); })},
+        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(),
+         When(&TargetRow::IsNamed,
+              [](const TargetRow& row) { return PortIdOf(row.Device().portId); })},
+        {"bus", "Bus", "BUS", kInteger.OrNull(),
+         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.Device().bus; })},
+        {"target", "Target", "ID", kInteger.OrNull(),
+         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.Device().target; }),
+         "target ID"},
+        {"symbolic_name", "Name", "NAME", kText.OrNull(),
+         [](const TargetRow& row) {
+             const HX_DEVICE_RECORD device = row.Device();
+             return tools::FieldText(reinterpret_cast<const char*>(device.symbolicName),
+                                     sizeof device.symbolicName);
+         }},
+        {"role", "Role", "ROLE", tools::Choice(kTargetRoles).OrNull(),
+         [](const TargetRow& row) { return RoleText(row.Device().roleAndState); }},
+        {"present", "Reached now", "PRESENT", kFlag.OrNull(),
+         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->present; }),
+         "the driver reaches it now"},
+        {"luns", "LUNs", "LUNS", kInteger.OrNull(),
+         When(&TargetRow::target, [](const TargetRow& row) { return row.target->luns; }),
+         "as the driver counts them; null on drivers below 7.05.03"},
+    };
+    return kFields;
 }
 
-Record LunRow(const Port& port, const tools::Wwn& target, const LunRun* run) {
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()));
-    row.Add("target_wwn", "Target", target.IsZero() ? Value() : Value::Name(target), "TARGET");
-    row.Add("luns", "LUNs", run != nullptr ? Value::Text(RangeText(run->luns)) : Value(), "LUNS");
-    row.Add("first", "First", run != nullptr ? Value::Number(run->luns.first) : Value());
-    row.Add("last", "Last", run != nullptr ? Value::Number(run->luns.last) : Value());
-    row.Add("seen", "Seen", run != nullptr ? FlagOrNull(run->seen) : Value(), "SEEN");
-    row.Add("masked_live", "Masked live", run != nullptr ? FlagOrNull(run->maskedLive) : Value(),
-            "MASKED LIVE");
-    row.Add("masked_stored", "Masked in the store",
-            run != nullptr ? FlagOrNull(run->maskedStored) : Value(), "MASKED STORED");
-    row.Add("status", "Status", StatusValue(port.failure));
-    return row;
+const Fields<TargetRow>& BoundFields() {
+    static const Fields<TargetRow> kFields = {
+        {"bound_live", "Bound live", "BOUND LIVE", kFlag.OrNull(),
+         When(&TargetRow::target,
+              [](const TargetRow& row) { return IsBound(*row.port, *row.target); }),
+         "null: the driver does not tell"},
+        {"bound_stored", "Bound in the store", "BOUND STORED", kFlag.OrNull(),
+         When(&TargetRow::target, [](const TargetRow& row) { return row.stored != nullptr; })},
+    };
+    return kFields;
 }
 
-ExitCode TargetList(tools::Invocation& invocation) {
-    return ListTargets(invocation, TargetSummary, FailedSummary, ListLayout::Table);
+template <auto mask>
+auto CountOf(const TargetRow& row) {
+    return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
+}
+template <auto mask>
+tools::Value LunsOf(const TargetRow& row) {
+    return row.*mask ? LunsValue(*(row.*mask)) : tools::Value();
 }
 
-ExitCode TargetShow(tools::Invocation& invocation) {
-    return ListTargets(invocation, TargetDetail, FailedDetail, ListLayout::Sections);
+const Fields<TargetRow>& TargetSummaryFields() {
+    static const Fields<TargetRow> kFields = {
+        {TargetHeadFields(), std::identity()},
+        {BoundFields(), std::identity()},
+        {"masked_live", "Masked live", "MASKED LIVE", kInteger.OrNull(),
+         CountOf<&TargetRow::maskedLive>, "number of masked LUNs; null when there is no mask"},
+        {"masked_stored", "Masked in the store", "MASKED STORED", kInteger.OrNull(),
+         CountOf<&TargetRow::maskedStored>, "number of masked LUNs; null when nothing is stored"},
+        {PortStatus(), &TargetRow::port},
+    };
+    return kFields;
 }
 
-ExitCode TargetLuns(tools::Invocation& invocation) {
+std::string TargetTitle(const TargetRow& row) {
+    const std::string port = std::to_string(row.port->index);
+    return row.target != nullptr ? "Target " + row.target->PortName().Colons() + " of port " + port
+                                 : "Port " + port;
+}
+
+const Fields<TargetRow>& TargetDetailFields() {
+    static const Fields<TargetRow> kFields = {
+        TargetTitle,
+        {
+            {TargetHeadFields(), std::identity()},
+            {"target_number", "Target number", kInteger,
+             [](const TargetRow& row) { return row.Device().targetNumber; }},
+            {"role_and_state", "Role and state word", tools::Hexadecimal(8).OrNull(),
+             When(&TargetRow::IsCurrent,
+                  [](const TargetRow& row) { return row.Device().roleAndState; })},
+            {"port_flags", "Port flags", tools::Hexadecimal(4).OrNull(),
+             When(&TargetRow::IsCurrent,
+                  [](const TargetRow& row) { return row.Device().portFlags; })},
+            {"binding_flags", "Binding flags", tools::Hexadecimal(2).OrNull(),
+             When(&TargetRow::IsCurrent,
+                  [](const TargetRow& row) { return row.Device().bindingFlags; })},
+            {BoundFields(), std::identity()},
+            {"stored_address", "Stored bus:target", kText.OrNull(),
+             When(&TargetRow::stored,
+                  [](const TargetRow& row) {
+                      return std::to_string(row.stored->bus) + ":" +
+                             std::to_string(row.stored->target);
+                  }),
+             "bus:target"},
+            {"stored_flags", "Stored flags", tools::Hexadecimal(2).OrNull(),
+             When(&TargetRow::stored,
+                  [](const TargetRow& row) { return row.stored->bindingFlags; })},
+            {"masked_live", "Masked live", kText.OrNull(), LunsOf<&TargetRow::maskedLive>,
+             "LUNs as in 0-7,12; empty when none is masked"},
+            {"masked_stored", "Masked in the store", kText.OrNull(),
+             LunsOf<&TargetRow::maskedStored>},
+            {PortStatus(), &TargetRow::port},
+        }};
+    return kFields;
+}
+
+template <auto target, tools::ListLayout layout>
+const Fields<std::vector<TargetRow>>& TargetList() {
+    static const auto kFields =
+        tools::ListOf<std::vector<TargetRow>>("targets", "Targets", target(), layout, "no targets");
+    return kFields;
+}
+
+struct LunRow {
+    const Port* port = nullptr;
+    const KnownTarget* target = nullptr;  // null: a port that failed
+    std::optional<LunRun> run = std::nullopt;
+};
+
+const Fields<LunRow>& LunFields() {
+    static const Fields<LunRow> kFields = {
+        {PortKeys(kPortIndex), &LunRow::port},
+        {PortSerialAlias(), &LunRow::port},
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
+         When(&LunRow::target, [](const LunRow& row) { return row.target->PortName(); })},
+        {"luns", "LUNs", "LUNS", kText.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return RangeText(row.run->luns); }),
+         "one LUN, or a range of LUNs that all look the same"},
+        {"first", "First", kInteger.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return row.run->luns.first; })},
+        {"last", "Last", kInteger.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return row.run->luns.last; })},
+        {"seen", "Seen", "SEEN", kFlag.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return row.run->seen; }),
+         "the target reports it to this host; null: it did not answer"},
+        {"masked_live", "Masked live", "MASKED LIVE", kFlag.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return row.run->maskedLive; })},
+        {"masked_stored", "Masked in the store", "MASKED STORED", kFlag.OrNull(),
+         When(&LunRow::run, [](const LunRow& row) { return row.run->maskedStored; }),
+         "null: no mask is stored"},
+        {PortStatus(), &LunRow::port},
+    };
+    return kFields;
+}
+
+const Fields<std::vector<LunRow>>& LunList() {
+    static const auto kFields = tools::ListOf<std::vector<LunRow>>(
+        "luns", "LUNs", LunFields(), tools::ListLayout::Table, "no LUNs",
+        "LUNs that nobody sees and nobody masks are left out");
+    return kFields;
+}
+
+using AddRows =
+    std::function<void(PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows)>;
+
+// Rows of every known target; with -t for those ports that know the target. empty: the result
+// without rows.
+ExitCode ListTargets(tools::Invocation& invocation, Record empty, const AddRows& add,
+                     const RowOfFailure& failed) {
     CheckTargetOption(invocation);
-    std::vector<Record> rows;
     bool found = false;
+    std::vector<Record> rows;
     const ExitCode exit = ListPortTargets(
         invocation,
         [&](PortTargets& targets, std::vector<Record>* into) {
             for (const KnownTarget* target : ChooseKnown(invocation, targets)) {
                 invocation.CheckStop();
                 found = true;
-                const LunViews views{ReportedLuns(invocation, targets.OwnPort(), targets.Handle(),
-                                                  target->PortName()),
-                                     LiveMaskOf(targets, *target),
-                                     StoredMaskOf(targets, target->PortName())};
-                for (const LunRun& run : LunRuns(views)) {
-                    into->push_back(LunRow(targets.OwnPort(), target->PortName(), &run));
-                }
+                add(targets, *target, into);
             }
         },
-        [](const Port& port) { return LunRow(port, {}, nullptr); }, &rows);
-    invocation.Result().AddList("luns", "LUNs", ListLayout::Table, LunRow({}, {}, nullptr),
-                                "no LUNs", std::move(rows));
+        failed, &rows);
+    empty.MainList()->records = std::move(rows);
+    invocation.Result() = std::move(empty);
     if (!found && exit == ExitCode::Done && invocation.Given().Has("target")) {
         invocation.Fail(ExitCode::NotFound,
                         "no selected port knows the target " + invocation.Given().Text("target"),
@@ -99,9 +225,37 @@ ExitCode TargetLuns(tools::Invocation& invocation) {
     return exit;
 }
 
+template <auto fields, tools::ListLayout layout>
+ExitCode ShowTargets(tools::Invocation& invocation) {
+    return ListTargets(
+        invocation, TargetList<fields, layout>().Prototype(),
+        [](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
+            rows->push_back(fields().Make(
+                {&targets.OwnPort(), &target, FindRow(*targets.bindings.block, target.PortName()),
+                 LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())}));
+        },
+        [](const Port& port) { return fields().Make({&port}); });
+}
+
+ExitCode TargetLuns(tools::Invocation& invocation) {
+    return ListTargets(
+        invocation, LunList().Prototype(),
+        [&](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
+            const Port& port = targets.OwnPort();
+            const LunViews views{
+                ReportedLuns(invocation, port, targets.Handle(), target.PortName()),
+                LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())};
+            for (const LunRun& run : LunRuns(views)) {
+                rows->push_back(LunFields().Make({&port, &target, run}));
+            }
+        },
+        [](const Port& port) { return LunFields().Make({&port}); });
+}
+
 }  // namespace
 
 tools::CommandRows TargetCommands() {
+    using enum tools::ListLayout;
     static const tools::Command kCommands[] = {
         {
             .path = "target list",
@@ -109,8 +263,9 @@ tools::CommandRows TargetCommands() {
             .help = "list the targets of the ports",
             .schema = "target.list",
             .arguments = kSelectArguments,
-            .run = TargetList,
+            .run = ShowTargets<TargetSummaryFields, Table>,
             .example = "target list -p scsi:3",
+            .result = tools::ShapeOf<TargetList<TargetSummaryFields, Table>>,
         },
         {
             .path = "target show",
@@ -118,8 +273,9 @@ tools::CommandRows TargetCommands() {
             .help = "show targets in detail",
             .schema = "target.show",
             .arguments = kSelectArguments,
-            .run = TargetShow,
+            .run = ShowTargets<TargetDetailFields, Sections>,
             .example = "target show -t wwn:2b:00:02:45:4d:00:01:00",
+            .result = tools::ShapeOf<TargetList<TargetDetailFields, Sections>>,
         },
         {
             .path = "target luns",
@@ -129,6 +285,7 @@ tools::CommandRows TargetCommands() {
             .arguments = kSelectArguments,
             .run = TargetLuns,
             .example = "target luns -p scsi:3",
+            .result = tools::ShapeOf<LunList>,
         },
     };
     return kCommands;

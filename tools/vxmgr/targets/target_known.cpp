@@ -13,7 +13,6 @@ constexpr size_t kMostDevices = UINT16_MAX;
 // The low bits of the role and state word.
 constexpr uint32_t kRoleMask = 3;
 constexpr uint32_t kInitiatorAlone = 2;
-constexpr const char* kRoles[] = {nullptr, "target", "initiator", "target and initiator"};
 
 HX_STATUS ReadDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices) {
     std::vector<uint8_t> buffer(HX_PORT_DATABASE_SIZE(kDevicesAtFirst));
@@ -80,7 +79,8 @@ std::optional<bool> IsBound(const Port& port, const KnownTarget& target) {
 }
 
 const char* RoleText(uint32_t roleAndState) {
-    return kRoles[roleAndState & kRoleMask];
+    const uint32_t role = roleAndState & kRoleMask;
+    return role != 0 ? kTargetRoles[role - 1] : nullptr;
 }
 
 uint32_t LunLimit(const Port& port) {

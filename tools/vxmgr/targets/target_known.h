@@ -27,6 +27,7 @@ HX_STATUS ReadKnownTargets(const Port& port, uint32_t handle, std::vector<KnownT
 // Nothing for a driver below 7.05.03, which does not tell.
 std::optional<bool> IsBound(const Port& port, const KnownTarget& target);
 
+inline constexpr const char* kTargetRoles[] = {"target", "initiator", "target and initiator"};
 const char* RoleText(uint32_t roleAndState);  // null: the driver gives no role
 
 // LUNs that a mask of the port's driver covers.

@@ -1,92 +1,11 @@
 #include "vxmgr/targets/target_records.h"
 
-#include "common/text.h"
-#include "vxmgr/app/port_id.h"
-#include "vxmgr/app/values.h"
+#include "vxmgr/fabric/scsi_units.h"
 
 namespace vxmgr {
-namespace {
 
-using tools::Record;
-using tools::Value;
-
-std::string Address(uint32_t bus, uint32_t target) {
-    return std::to_string(bus) + ":" + std::to_string(target);
-}
-
-Value MaskedValue(const std::optional<LunSet>& masked) {
-    return masked ? Value::Number(masked->count()) : Value();
-}
-
-void AddHead(Record& row, const Port& port, const KnownTarget& target) {
-    const HX_DEVICE_RECORD& record = target.record;
-    const auto known = [&](Value value) { return target.NodeName().IsZero() ? Value() : value; };
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()));
-    row.Add("target_wwn", "Port name", known(Value::Name(target.PortName())), "TARGET");
-    row.Add("node_wwn", "Node name", known(Value::Name(target.NodeName())));
-    row.Add("port_id", "Port identifier", known(HexValue(PortIdOf(record.portId), 6)), "PORT ID");
-    row.Add("bus", "Bus", known(Value::Number(record.bus)), "BUS");
-    row.Add("target", "Target", known(Value::Number(record.target)), "ID");
-    row.Add(
-        "symbolic_name", "Name",
-        FieldValue(reinterpret_cast<const char*>(record.symbolicName), sizeof record.symbolicName),
-        "NAME");
-    const char* role = RoleText(record.roleAndState);
-    row.Add("role", "Role", role != nullptr ? Value::Text(role) : Value(), "ROLE");
-    row.Add("present", "Reached now", known(Value::Flag(target.present)), "PRESENT");
-    row.Add("luns", "LUNs", target.luns ? Value::Number(*target.luns) : Value(), "LUNS");
-}
-
-void AddBinding(Record& row, std::optional<bool> live, std::optional<bool> stored) {
-    row.Add("bound_live", "Bound live", FlagOrNull(live), "BOUND LIVE");
-    row.Add("bound_stored", "Bound in the store", FlagOrNull(stored), "BOUND STORED");
-}
-
-Record Summary(const Port& port, const KnownTarget& target, std::optional<bool> live,
-               std::optional<bool> stored, const std::optional<LunSet>& liveMask,
-               const std::optional<LunSet>& storedMask) {
-    Record row;
-    AddHead(row, port, target);
-    AddBinding(row, live, stored);
-    row.Add("masked_live", "Masked live", MaskedValue(liveMask), "MASKED LIVE");
-    row.Add("masked_stored", "Masked in the store", MaskedValue(storedMask), "MASKED STORED");
-    row.Add("status", "Status", StatusValue(port.failure));
-    return row;
-}
-
-Record Detail(const Port& port, const KnownTarget& target, std::optional<bool> live,
-              const HX_TARGET_ENTRY* stored, const std::optional<LunSet>& liveMask,
-              const std::optional<LunSet>& storedMask) {
-    const HX_DEVICE_RECORD& record = target.record;
-    const bool current = port.IsCurrentGeneration();
-    Record row;
-    row.title = "Target " + target.PortName().Colons() + " of port " + std::to_string(port.index);
-    AddHead(row, port, target);
-    row.Add("target_number", "Target number", Value::Number(record.targetNumber));
-    row.Add("role_and_state", "Role and state word",
-            current ? HexValue(record.roleAndState, 8) : Value());
-    row.Add("port_flags", "Port flags", current ? HexValue(record.portFlags, 4) : Value());
-    row.Add("binding_flags", "Binding flags", current ? HexValue(record.bindingFlags, 2) : Value());
-    AddBinding(row, live, stored != nullptr);
-    row.Add("stored_address", "Stored bus:target",
-            stored != nullptr ? Value::Text(Address(stored->bus, stored->target)) : Value());
-    row.Add("stored_flags", "Stored flags",
-            stored != nullptr ? HexValue(stored->bindingFlags, 2) : Value());
-    row.Add("masked_live", "Masked live", liveMask ? LunsValue(*liveMask) : Value());
-    row.Add("masked_stored", "Masked in the store", storedMask ? LunsValue(*storedMask) : Value());
-    row.Add("status", "Status", StatusValue(port.failure));
-    return row;
-}
-
-}  // namespace
-
-Value LunsValue(const LunSet& luns) {
-    return luns.none() ? Value::Text("").Shown("none") : Value::Text(LunsText(luns));
-}
-
-Value FlagOrNull(const std::optional<bool>& flag) {
-    return flag ? Value::Flag(*flag) : Value();
+tools::Value LunsValue(const LunSet& luns) {
+    return tools::Value::Text(LunsText(luns)).Shown(luns.none() ? "none" : LunsText(luns));
 }
 
 std::optional<LunSet> LiveMaskOf(const PortTargets& targets, const KnownTarget& target) {
@@ -103,26 +22,30 @@ std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const tools::Wwn&
                : std::optional(MaskedOf(*record) & FirstLuns(LunLimit(targets.OwnPort())));
 }
 
-Record TargetSummary(const PortTargets& targets, const KnownTarget& target) {
-    return Summary(targets.OwnPort(), target, IsBound(targets.OwnPort(), target),
-                   FindRow(*targets.bindings.block, target.PortName()) != nullptr,
-                   LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName()));
-}
-
-Record TargetDetail(const PortTargets& targets, const KnownTarget& target) {
-    return Detail(targets.OwnPort(), target, IsBound(targets.OwnPort(), target),
-                  FindRow(*targets.bindings.block, target.PortName()), LiveMaskOf(targets, target),
-                  StoredMaskOf(targets, target.PortName()));
-}
-
-Record FailedSummary(const Port& port) {
-    return Summary(port, {}, {}, {}, {}, {});
-}
-
-Record FailedDetail(const Port& port) {
-    Record row = Detail(port, {}, {}, nullptr, {}, {});
-    row.title = "Port " + std::to_string(port.index);
-    return row;
+std::optional<LunSet> ReportedLuns(tools::Invocation& invocation, const Port& port, uint32_t handle,
+                                   const tools::Wwn& target) {
+    constexpr size_t kRoom = 4096;  // more an older driver does not move
+    constexpr size_t kLargeRoom = 8 * (HX_MAX_LUNS + 1);
+    const HX_SCSI_ADDRESS address = AddressByPortName(target);
+    std::vector<uint8_t> list(port.IsCurrentGeneration() ? kLargeRoom : kRoom);
+    uint8_t sense[256] = {};
+    const HX_STATUS status = HXSendScsiReportLunsCmdFC(
+        handle, &address, list.data(), static_cast<uint32_t>(list.size()), sense, sizeof sense);
+    const std::string object = port.Object() + " " + target.Colons();
+    if (status == HXMGT_BUILT_BY_API) {
+        invocation.Note(object + ": the target refuses REPORT LUNS: LUNs 0 to 7 were asked",
+                        "LUNs above 7 may be there and are not seen");
+    } else if (status != HXMGT_SUCCESS) {
+        invocation.Warn(object + ": the target does not report its LUNs: " + StatusMessage(status));
+        return std::nullopt;
+    }
+    LunSet luns;
+    for (const LunEntry& entry : DecodeLuns(list)) {
+        if (entry.lun && *entry.lun < luns.size()) {
+            luns.set(static_cast<size_t>(*entry.lun));
+        }
+    }
+    return luns;
 }
 
 }  // namespace vxmgr

@@ -1,20 +1,19 @@
-// A port's targets as records: the same keys in the list and in detail.
+// The LUNs of a target: those that it reports, and those that are masked.
 #pragma once
 
 #include "vxmgr/bindings/store_port.h"
 
 namespace vxmgr {
 
-tools::Value LunsValue(const LunSet& luns);  // null for none
-tools::Value FlagOrNull(const std::optional<bool>& flag);
+tools::Value LunsValue(const LunSet& luns);  // "none" for people when there are none
 
-// The masked LUNs in the driver and in the store; nothing when there is no such mask.
+// The masked LUNs; nothing when there is no such mask.
 std::optional<LunSet> LiveMaskOf(const PortTargets& targets, const KnownTarget& target);
 std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const tools::Wwn& target);
 
-tools::Record TargetSummary(const PortTargets& targets, const KnownTarget& target);
-tools::Record TargetDetail(const PortTargets& targets, const KnownTarget& target);
-tools::Record FailedSummary(const Port& port);
-tools::Record FailedDetail(const Port& port);
+// LUNs that the target of this port name reports to this host; nothing, and a warning, when it does
+// not answer.
+std::optional<LunSet> ReportedLuns(tools::Invocation& invocation, const Port& port, uint32_t handle,
+                                   const tools::Wwn& target);
 
 }  // namespace vxmgr

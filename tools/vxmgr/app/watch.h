@@ -1,0 +1,74 @@
+// Ports that are watched: asked again and again, side by side, with rows that go out as they come.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/fields.h"
+#include "vxmgr/app/inventory.h"
+#include "vxmgr/app/side_by_side.h"
+
+namespace vxmgr {
+
+inline constexpr tools::Argument kIntervalArgument = {
+    .name = "--interval",
+    .kind = tools::ArgumentKind::Number,
+    .valueName = "S",
+    .help = "seconds between the rows of a port (5)",
+    .least = 1,
+    .most = 86400};
+inline constexpr tools::Argument kTurnsArgument = {.name = "--count",
+                                                   .kind = tools::ArgumentKind::Number,
+                                                   .valueName = "N",
+                                                   .help = "end after N rows of each port",
+                                                   .least = 1};
+inline constexpr tools::Argument kForArgument = {
+    .name = "--for",
+    .kind = tools::ArgumentKind::Number,
+    .valueName = "S",
+    .help = "end after S seconds, with what has come until then",
+    .least = 1};
+
+// What a port gave when it was asked once.
+struct WatchTurn {
+    HX_STATUS status = HXMGT_SUCCESS;
+    std::string query;  // what failed, where there is more to say than the status
+    std::vector<tools::Record> rows;
+};
+
+struct WatchedPort {
+    Port port;
+    // On a thread that may be left behind: it owns, or shares, what it uses.
+    std::function<void(PortTask& task, WatchTurn& turn)> ask;
+};
+
+struct WatchPlan {
+    const char* what;  // is watched, in the plural
+    std::chrono::milliseconds interval;
+    bool waitsFirst = false;      // there is nothing to tell before the first interval is over
+    uint64_t turns = UINT64_MAX;  // to end after
+    uint64_t rows = UINT64_MAX;   // of all ports together, likewise
+};
+
+// As --interval and --count say.
+WatchPlan GivenPlan(tools::Invocation& invocation, const char* what);
+
+// Asks the ports until the plan or --for is fulfilled, the user ends it, or no port answers any
+// more: one that fails three times in a row, or does not answer in time, is left alone. The rows
+// are those of the one list in the command's result. started: how the ports came to be watched, the
+// command's exit code when nothing else happens.
+tools::ExitCode WatchPorts(tools::Invocation& invocation, const WatchPlan& plan,
+                           std::vector<WatchedPort> ports, tools::ExitCode started);
+
+// The first field of such rows.
+std::string TimeNow();
+template <class Source>
+tools::FieldRow<Source> TimeField(const char* about) {
+    constexpr size_t kWidth = sizeof "2026-01-31T23:59:59.123Z" - 1;
+    return {"time", "Time", "TIME", tools::kText, [](const Source&) { return TimeNow(); },
+            about,  kWidth};
+}
+
+}  // namespace vxmgr
