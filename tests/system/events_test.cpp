@@ -58,6 +58,13 @@ TEST_F(SystemEvents, ADriverWithoutEventsLeavesAnEmptyList) {
     EXPECT_EQ("[]", document["result"]["events"].dump());
 }
 
+TEST_F(SystemEvents, AQuietTimeIsNoFailure) {
+    const json document = Document("event watch -p scsi:3 --for 1");
+    EXPECT_EQ(0, document["exit"]);
+    EXPECT_EQ(json::array(), document["result"]["events"]);
+    EXPECT_EQ(false, PortStatus("scsi:3")["event_delivery"]);
+}
+
 TEST_F(SystemEvents, NinthProcessHasNoSlot) {
     std::vector<std::unique_ptr<Program>> watchers;
     for (int i = 0; i < 8; ++i) {

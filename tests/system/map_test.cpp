@@ -167,6 +167,12 @@ TEST_F(SystemStats, RowsKeepComing) {
         // One request between two rows: a second's idle frame each, and the request's own.
         EXPECT_EQ(row["seconds"].number() + 1, row["tx_frames"].number());
     }
+    // At once, and when the time is over, however long the interval is.
+    for (const char* command : {"port stats -p scsi:3", "sfp watch -p scsi:3"}) {
+        const json timed = Document(std::string(command) + " --interval 86400 --for 1");
+        EXPECT_EQ(0, timed["exit"]) << command;
+        EXPECT_EQ(2u, timed["result"]["readings"].size()) << command;
+    }
 }
 
 TEST_F(SystemStats, DriversWithoutCountersAreTold) {

@@ -5,33 +5,33 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
 
 #include "common/text.h"
 
 namespace vxmgr {
 
-// A number of a packed record, which may stand at any address; nothing without the record.
-template <class Source, class Number>
-std::optional<Number> NumberIn(const std::optional<Source>& record, Number Source::*member) {
-    if (!record) {
-        return std::nullopt;
-    }
-    Number number;
-    std::memcpy(&number, &((*record).*member), sizeof number);
+// A number of a packed record, which may stand at any address.
+template <auto member>
+inline constexpr auto Packed = [](const auto& record) {
+    std::remove_cvref_t<decltype(record.*member)> number;
+    std::memcpy(&number, &(record.*member), sizeof number);
     return number;
-}
+};
 
-// A text of such a record; empty without one.
-template <class Source, size_t size>
-std::string TextIn(const std::optional<Source>& record, const char (Source::*member)[size]) {
-    return record ? tools::FieldText((*record).*member, size) : std::string();
-}
+// A text of such a record.
+template <auto member>
+inline constexpr auto TextOf = [](const auto& record) {
+    const auto& field = record.*member;
+    return tools::FieldText(reinterpret_cast<const char*>(field), sizeof field);
+};
 
-// For a field that only some rows have a value of: what get gives for those that hold.
-template <class Holds, class Get>
-auto When(Holds holds, Get get) {
-    return [holds, get](const auto& row) {
-        return std::invoke(holds, row) ? std::optional(std::invoke(get, row)) : std::nullopt;
+// What get gives of a part, which is a pointer or an std::optional; nothing for a row without it.
+template <class Part, class Get>
+constexpr auto Of(Part part, Get get) {
+    return [part, get](const auto& row) {
+        const auto& given = std::invoke(part, row);
+        return given ? std::optional(std::invoke(get, *given)) : std::nullopt;
     };
 }
 

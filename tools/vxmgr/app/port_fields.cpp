@@ -51,13 +51,8 @@ const tools::Fields<Port>& PortSerialAlias() {
 const tools::Fields<Port>& PortStatus() {
     static const tools::Fields<Port> kFields = {
         {"status", "Status", tools::kText.OrNull().Quiet(),
-         [](const Port& port) { return StatusValue(port.failure); },
-         "null, or the status that made the port fail"}};
+         [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout}};
     return kFields;
-}
-
-void AddPortKeys(tools::Record& record, const Port& port, unsigned shown) {
-    PortKeys(shown).AddTo(port, record);
 }
 
 }  // namespace vxmgr

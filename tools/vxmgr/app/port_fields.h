@@ -24,11 +24,9 @@ const tools::Fields<Port>& PortKeys(unsigned shown = kPortIndex);
 const tools::Fields<Port>& PortSerialAlias();
 
 // The status that the port failed with, null for none.
+inline constexpr char kPortStatusAbout[] = "null, or the status that made the port fail";
 const tools::Fields<Port>& PortStatus();
 
 std::optional<tools::Wwn> PortNameOf(const Port& port);
-
-// The whole of a result that a command gives about one port begins with them.
-void AddPortKeys(tools::Record& record, const Port& port, unsigned shown = kPortIndex);
 
 }  // namespace vxmgr

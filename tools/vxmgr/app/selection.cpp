@@ -11,21 +11,29 @@ namespace {
 using tools::ExitCode;
 
 template <typename Object>
-const Object& Plain(const Object& object) {
-    return object;
-}
-template <typename Object>
-const Object& Plain(const Object* const& object) {
-    return *object;
-}
-
-template <typename Range>
-std::vector<tools::Identity> IdentitiesOf(const Range& objects) {
+std::vector<tools::Identity> IdentitiesOf(const std::vector<const Object*>& objects) {
     std::vector<tools::Identity> identities;
-    for (const auto& object : objects) {
-        identities.push_back(Plain(object).Identity());
+    for (const Object* object : objects) {
+        identities.push_back(object->Identity());
     }
     return identities;
+}
+
+template <typename Object>
+std::vector<const Object*> PointersTo(const std::vector<Object>& objects) {
+    std::vector<const Object*> pointers;
+    for (const Object& object : objects) {
+        pointers.push_back(&object);
+    }
+    return pointers;
+}
+
+std::vector<const Port*> PortsOf(const std::vector<const Adapter*>& adapters) {
+    std::vector<const Port*> ports;
+    for (const Adapter* adapter : adapters) {
+        ports.insert(ports.end(), adapter->ports.begin(), adapter->ports.end());
+    }
+    return ports;
 }
 
 std::string NoMatchHint(const char* option, const std::vector<tools::Identity>& identities,
@@ -62,23 +70,24 @@ std::vector<size_t> SelectFrom(tools::Invocation& invocation, const char* option
 }
 
 // The first port that does not answer; empty: none.
-template <typename Ports>
-std::string SilentOne(const Ports& ports) {
-    for (const auto& port : ports) {
-        if (!Plain(port).answers) {
-            return Plain(port).Object();
-        }
-    }
-    return {};
+std::string SilentOne(const std::vector<const Port*>& ports) {
+    const auto silent = std::ranges::find(ports, false, &Port::answers);
+    return silent != ports.end() ? (*silent)->Object() : std::string();
 }
 
-std::string SilentOne(const std::vector<const Adapter*>& adapters) {
-    for (const Adapter* adapter : adapters) {
-        if (std::string one = SilentOne(adapter->ports); !one.empty()) {
-            return one;
-        }
+// Those of the ports that -p selects, all of them without it.
+std::vector<const Port*> PortsOfOption(tools::Invocation& invocation,
+                                       const std::vector<const Port*>& ports) {
+    const auto selector = GivenSelector(invocation, "port");
+    if (!selector) {
+        return ports;
     }
-    return {};
+    std::vector<const Port*> matching;
+    for (const size_t position :
+         SelectFrom(invocation, "port", *selector, IdentitiesOf(ports), SilentOne(ports))) {
+        matching.push_back(ports[position]);
+    }
+    return matching;
 }
 
 // Adapters are counted by their serial numbers. A port that does not tell its own counts as an
@@ -107,17 +116,14 @@ void CheckNumber(tools::Invocation& invocation, const tools::Selector& selector,
 // The adapters that -a selects, all of them without it.
 std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
                                              const std::vector<Adapter>& adapters) {
-    std::vector<const Adapter*> all;
-    for (const Adapter& adapter : adapters) {
-        all.push_back(&adapter);
-    }
+    const std::vector<const Adapter*> all = PointersTo(adapters);
     const auto selector = GivenSelector(invocation, "adapter");
     if (!selector) {
         return all;
     }
     std::vector<const Adapter*> selected;
     for (const size_t position :
-         SelectFrom(invocation, "adapter", *selector, IdentitiesOf(all), SilentOne(all))) {
+         SelectFrom(invocation, "adapter", *selector, IdentitiesOf(all), SilentOne(PortsOf(all)))) {
         CheckNumber(invocation, *selector, all, *all[position]);
         selected.push_back(all[position]);
     }
@@ -125,13 +131,15 @@ std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
 }
 
 // A --confirm that names another adapter than those selected is a mistake whatever the command.
-template <typename Range>
-void CheckConfirmed(const tools::Invocation& invocation, const Range& selected) {
+template <typename Object>
+std::vector<const Object*> Confirmed(const tools::Invocation& invocation,
+                                     std::vector<const Object*> selected) {
     std::vector<std::string> serials;
-    for (const auto* object : selected) {
+    for (const Object* object : selected) {
         serials.push_back(object->Identity().serial);
     }
     invocation.CheckConfirmed(serials);
+    return selected;
 }
 
 }  // namespace
@@ -163,28 +171,14 @@ std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, cons
 std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
                                            const std::vector<Adapter>& adapters) {
     std::vector<const Adapter*> selected = AdaptersOfOption(invocation, adapters);
-    if (const auto selector = GivenSelector(invocation, "port")) {
+    if (invocation.Given().Has("port")) {
         // The adapters that own the ports.
-        std::vector<const Port*> ports;
-        for (const Adapter* adapter : selected) {
-            ports.insert(ports.end(), adapter->ports.begin(), adapter->ports.end());
-        }
-        const std::vector<size_t> found =
-            SelectFrom(invocation, "port", *selector, IdentitiesOf(ports), SilentOne(ports));
-        std::vector<const Adapter*> matching;
-        for (const Adapter* adapter : selected) {
-            const bool owns = std::any_of(found.begin(), found.end(), [&](size_t position) {
-                return std::find(adapter->ports.begin(), adapter->ports.end(), ports[position]) !=
-                       adapter->ports.end();
-            });
-            if (owns) {
-                matching.push_back(adapter);
-            }
-        }
-        selected = std::move(matching);
+        const std::vector<const Port*> chosen = PortsOfOption(invocation, PortsOf(selected));
+        std::erase_if(selected, [&](const Adapter* adapter) {
+            return std::ranges::find_first_of(adapter->ports, chosen) == adapter->ports.end();
+        });
     }
-    CheckConfirmed(invocation, selected);
-    return selected;
+    return Confirmed(invocation, std::move(selected));
 }
 
 std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
@@ -195,27 +189,12 @@ std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* o
 
 std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
                                      const std::vector<Port>& ports) {
-    std::vector<const Port*> selected;
-    if (invocation.Given().Has("adapter")) {
-        const std::vector<Adapter> adapters = GroupAdapters(ports);
-        for (const Adapter* adapter : AdaptersOfOption(invocation, adapters)) {
-            selected.insert(selected.end(), adapter->ports.begin(), adapter->ports.end());
-        }
-    } else {
-        for (const Port& port : ports) {
-            selected.push_back(&port);
-        }
+    if (!invocation.Given().Has("adapter")) {
+        return Confirmed(invocation, PortsOfOption(invocation, PointersTo(ports)));
     }
-    if (const auto selector = GivenSelector(invocation, "port")) {
-        std::vector<const Port*> matching;
-        for (const size_t position : SelectFrom(invocation, "port", *selector,
-                                                IdentitiesOf(selected), SilentOne(selected))) {
-            matching.push_back(selected[position]);
-        }
-        selected = std::move(matching);
-    }
-    CheckConfirmed(invocation, selected);
-    return selected;
+    const std::vector<Adapter> adapters = GroupAdapters(ports);
+    return Confirmed(invocation,
+                     PortsOfOption(invocation, PortsOf(AdaptersOfOption(invocation, adapters))));
 }
 
 std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>& ports) {

@@ -18,6 +18,8 @@ using tools::kText;
 using tools::ListLayout;
 using tools::Value;
 
+using Driver = HX_DRIVER_PROPERTY;
+
 constexpr tools::Argument kNameArguments[] = {
     {.name = "NAME", .help = "the parameter's name", .required = true},
 };
@@ -36,7 +38,7 @@ struct Service {
 std::vector<Service> ServicesOf(const std::vector<const Port*>& ports, bool byVersion) {
     std::vector<Service> services;
     for (const Port* port : ports) {
-        const std::string version = TextIn(port->driver, &HX_DRIVER_PROPERTY::version);
+        const std::string version = Of(&Port::driver, TextOf<&Driver::version>)(*port).value_or("");
         const auto known = std::ranges::find_if(services, [&](const Service& one) {
             return one.name == port->driverService && (!byVersion || one.version == version);
         });
@@ -63,23 +65,12 @@ bool IsCurrent(const Service& service) {
     return service.ports.front()->IsCurrentGeneration();
 }
 
-template <auto member>
-auto DriverNumber(const Service& service) {
-    return NumberIn(service.ports.front()->driver, member);
+const std::optional<Driver>& DriverOf(const Service& service) {
+    return service.ports.front()->driver;
 }
-// Older drivers give fixed values, or none.
-template <auto member>
-auto CurrentDriverNumber(const Service& service) {
-    const auto number = DriverNumber<member>(service);
-    return IsCurrent(service) ? number : std::nullopt;
-}
-
-std::string BuildOf(const Service& service) {
-    const auto& driver = service.ports.front()->driver;
-    return driver && IsCurrent(service)
-               ? tools::FieldText(reinterpret_cast<const char*>(driver->buildText),
-                                  sizeof driver->buildText)
-               : std::string();
+// Older drivers give fixed values there, or none.
+const Driver* CurrentDriverOf(const Service& service) {
+    return DriverOf(service) && IsCurrent(service) ? &*DriverOf(service) : nullptr;
 }
 
 std::string ServiceTitle(const Service& service) {
@@ -87,7 +78,6 @@ std::string ServiceTitle(const Service& service) {
 }
 
 const tools::Fields<Service>& ServiceFields() {
-    using Driver = HX_DRIVER_PROPERTY;
     static const tools::Fields<Service> kFields = {
         ServiceTitle,
         {
@@ -96,26 +86,25 @@ const tools::Fields<Service>& ServiceFields() {
             {"scsi_ports", "SCSI ports", "SCSI PORTS", kText.OrNull(), ScsiPortsOf},
             {"current_generation", "Current generation", "CURRENT", tools::kFlag, IsCurrent},
             {"model", "Miniport model", tools::Hexadecimal(4).OrNull(),
-             DriverNumber<&Driver::driverModel>},
+             Of(DriverOf, Packed<&Driver::driverModel>)},
             {"model_revision", "Model revision", kInteger.OrNull(),
-             DriverNumber<&Driver::driverModelRevision>},
+             Of(DriverOf, Packed<&Driver::driverModelRevision>)},
             {"interrupt_mode", "Interrupt mode", "INTERRUPTS",
              tools::Choice(kInterruptModes).OrNull(),
-             When(CurrentDriverNumber<&Driver::interruptMode>,
-                  [](const Service& service) {
-                      return InterruptModeValue(service.ports.front()->driver->interruptMode);
-                  })},
+             Of(CurrentDriverOf,
+                [](const Driver& driver) { return InterruptModeValue(driver.interruptMode); })},
             {"max_scatter_gather", "Scatter/gather elements", kInteger.OrNull(),
-             DriverNumber<&Driver::maxScatterGather>},
+             Of(DriverOf, Packed<&Driver::maxScatterGather>)},
             {"max_transfer_length", "Largest transfer", tools::Integer("bytes").OrNull(),
-             DriverNumber<&Driver::maxTransferLength>},
+             Of(DriverOf, Packed<&Driver::maxTransferLength>)},
             {"max_queue_depth", "Queue depth", "QUEUE", kInteger.OrNull(),
-             CurrentDriverNumber<&Driver::maxQueueDepth>},
+             Of(CurrentDriverOf, Packed<&Driver::maxQueueDepth>)},
             {"number_of_ports", "Ports", "PORTS", kInteger.OrNull(),
-             DriverNumber<&Driver::numberOfPorts>},
-            {"build", "Build", "BUILD", kText.OrNull(), BuildOf},
+             Of(DriverOf, Packed<&Driver::numberOfPorts>)},
+            {"build", "Build", "BUILD", kText.OrNull(),
+             Of(CurrentDriverOf, TextOf<&Driver::buildText>)},
             {"build_number", "Build number", kInteger.OrNull(),
-             CurrentDriverNumber<&Driver::buildNumber>},
+             Of(CurrentDriverOf, Packed<&Driver::buildNumber>)},
         }};
     return kFields;
 }

@@ -31,9 +31,7 @@ using Node = HX_NODE_PROPERTY;
 using Properties = HX_PORT_PROPERTY;
 
 template <auto member>
-std::string NodeText(const Port& port) {
-    return TextIn(port.node, member);
-}
+constexpr auto kNodeText = Of(&Port::node, TextOf<member>);
 
 // Four characters and a terminator are the version; what follows has no meaning.
 std::string OptionRomVersion(const Port& port) {
@@ -41,39 +39,35 @@ std::string OptionRomVersion(const Port& port) {
 }
 
 template <auto member>
-auto ChipNumber(const Port& port) {
-    return NumberIn(port.chip, member);
-}
+constexpr auto kChipNumber = Of(&Port::chip, Packed<member>);
 
-// Numbers of the port record: of every driver, of the current generation, of the second version.
-template <auto member>
-auto PortNumber(const Port& port) {
-    return NumberIn(port.port, member);
+// Records of the current generation, and of the second version, have numbers that others lack.
+const Properties* CurrentProperties(const Port& port) {
+    return port.port && port.IsCurrentGeneration() ? &*port.port : nullptr;
 }
-template <auto member>
-auto CurrentNumber(const Port& port) {
-    const auto number = NumberIn(port.port, member);
-    return port.IsCurrentGeneration() ? number : std::nullopt;
-}
-template <auto member>
-auto SecondNumber(const Port& port) {
-    const auto number = NumberIn(port.port, member);
-    return port.hasSecondVersion ? number : std::nullopt;
-}
-template <auto member>
-std::optional<bool> SecondFlag(const Port& port) {
-    const auto number = SecondNumber<member>(port);
-    return number ? std::optional(*number != 0) : std::nullopt;
+const Properties* SecondProperties(const Port& port) {
+    return port.port && port.hasSecondVersion ? &*port.port : nullptr;
 }
 
 template <auto member>
-Value PortSpeed(const Port& port) {
-    return SpeedValue(NumberIn(port.port, member).value_or(HX_SPEED_UNKNOWN));
-}
+constexpr auto kPortNumber = Of(&Port::port, Packed<member>);
+template <auto member>
+constexpr auto kCurrentNumber = Of(CurrentProperties, Packed<member>);
+template <auto member>
+constexpr auto kSecondNumber = Of(SecondProperties, Packed<member>);
+template <auto member>
+constexpr auto kSecondFlag = Of(SecondProperties, [](const Properties& properties) {
+    return properties.*member != 0;
+});
+
+template <auto member>
+constexpr auto kSpeed = Of(&Port::port, [](const Properties& properties) {
+    return SpeedValue(properties.*member);
+});
 
 std::string FirmwareVersion(const Port& port) {
-    return port.firmware ? TextIn(port.firmware, &HX_FIRMWARE_PROPERTY::version)
-                         : TextIn(port.node, &Node::firmwareVersion);
+    return port.firmware ? TextOf<&HX_FIRMWARE_PROPERTY::version>(*port.firmware)
+                         : kNodeText<&Node::firmwareVersion>(port).value_or("");
 }
 
 std::optional<tools::Wwn> NodeNameOf(const Port& port) {
@@ -85,22 +79,17 @@ std::string SystemDeviceOf(const Port& port) {
 }
 
 // Older drivers say nothing about the slot.
-bool KnowsSlot(const Port& port) {
-    return port.chip && port.IsCurrentGeneration();
+const Chip* SlotOf(const Port& port) {
+    return port.chip && port.IsCurrentGeneration() ? &*port.chip : nullptr;
 }
 template <auto word>
-PcieLink LinkIn(const Port& port) {
-    return KnowsSlot(port) ? LinkOf(*NumberIn(port.chip, word)) : PcieLink{};
-}
-template <auto word>
-Value LinkValue(const Port& port) {
-    return LinkText(LinkIn<word>(port));
-}
+constexpr auto kLink = Of(SlotOf,
+                          [](const Chip& chip) { return LinkText(LinkOf(Packed<word>(chip))); });
 template <auto word, auto part>
-Value LinkPart(const Port& port) {
-    const uint32_t number = LinkIn<word>(port).*part;
+constexpr auto kLinkPart = Of(SlotOf, [](const Chip& chip) {
+    const uint32_t number = LinkOf(Packed<word>(chip)).*part;
     return number != 0 ? Value::Number(number) : Value();
-}
+});
 
 // A port in a list; among its adapter's own ones the table need not repeat the adapter.
 Fields<Port> SummaryFields(bool withAdapter) {
@@ -111,16 +100,16 @@ Fields<Port> SummaryFields(bool withAdapter) {
         {"adapter_serial", "Adapter serial", withAdapter ? "ADAPTER" : "", kSerial.OrNull(),
          &Port::Serial},
         {PortSerialAlias(), std::identity()},
-        {"model", "Model", withAdapter ? "MODEL" : "", kText.OrNull(), NodeText<&Node::model>},
+        {"model", "Model", withAdapter ? "MODEL" : "", kText.OrNull(), kNodeText<&Node::model>},
         {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
         {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
         {"port_id", "Port ID", "PORT ID", kText.OrNull(), PortIdValue},
         {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
         {"answers", "", kFlag, &Port::answers, kAnswersAbout},
-        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), PortSpeed<&Properties::currentSpeed>},
+        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), kSpeed<&Properties::currentSpeed>},
         {"topology", "Topology", "TOPOLOGY", Choice(kTopologies).OrNull(), TopologyValue},
         {"discovered_targets", "Targets", "TARGETS", kInteger.OrNull(),
-         PortNumber<&Properties::discoveredTargets>},
+         kPortNumber<&Properties::discoveredTargets>},
         {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
         {PortStatus(), std::identity()},
     };
@@ -131,8 +120,8 @@ const Fields<Port>& IdentityFields() {
         {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
         {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
         {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
-        {"model", "Model", "MODEL", kText.OrNull(), NodeText<&Node::model>},
-        {"model_description", "Description", kText.OrNull(), NodeText<&Node::modelDescription>},
+        {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
+        {"model_description", "Description", kText.OrNull(), kNodeText<&Node::modelDescription>},
     };
     return kFields;
 }
@@ -141,11 +130,11 @@ const Fields<Port>& PortLinkFields() {
     static const Fields<Port> kFields = {
         {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
         {"disabled", "Port disabled", kFlag.OrNull(), &Port::disabled},
-        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), PortSpeed<&Properties::currentSpeed>},
+        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), kSpeed<&Properties::currentSpeed>},
         {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
-         PortSpeed<&Properties::supportedSpeeds>},
+         kSpeed<&Properties::supportedSpeeds>},
         {"topology", "Topology", Choice(kTopologies).OrNull(), TopologyValue},
-        {"port_id", "Port ID", kText.OrNull(), PortIdValue},
+        {"port_id", "Port ID", "PORT ID", kText.OrNull(), PortIdValue},
         {"role", "Role", Choice(kPortRoles).OrNull(), RoleValue},
     };
     return kFields;
@@ -154,22 +143,22 @@ const Fields<Port>& PortLinkFields() {
 const Fields<Port>& FibreChannelFields() {
     static const Fields<Port> kFields = {
         {"discovered_devices", "Discovered devices", kInteger.OrNull(),
-         PortNumber<&Properties::discoveredDevices>},
+         kPortNumber<&Properties::discoveredDevices>},
         {"discovered_targets", "Discovered targets", kInteger.OrNull(),
-         PortNumber<&Properties::discoveredTargets>},
+         kPortNumber<&Properties::discoveredTargets>},
         {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
-         CurrentNumber<&Properties::maxFrameSize>},
-        {"bb_credits", "Buffer credits", kInteger.OrNull(), CurrentNumber<&Properties::bbCredits>},
+         kCurrentNumber<&Properties::maxFrameSize>},
+        {"bb_credits", "Buffer credits", kInteger.OrNull(), kCurrentNumber<&Properties::bbCredits>},
         {"npiv_in_use", "NPIV ports in use", kInteger.OrNull(),
-         CurrentNumber<&Properties::npivInUse>},
+         kCurrentNumber<&Properties::npivInUse>},
         {"npiv_maximum", "NPIV ports at most", kInteger.OrNull(),
-         CurrentNumber<&Properties::npivMaximum>},
-        {"fcp", "FCP", kFlag.OrNull(), SecondFlag<&Properties::fcpEnabled>},
-        {"nvme", "NVMe", kFlag.OrNull(), SecondFlag<&Properties::nvmeEnabled>},
-        {"fec", "Forward error correction", kFlag.OrNull(), SecondFlag<&Properties::fecActive>},
-        {"trunk_state", "Trunk state", kInteger.OrNull(), SecondNumber<&Properties::trunkState>},
+         kCurrentNumber<&Properties::npivMaximum>},
+        {"fcp", "FCP", kFlag.OrNull(), kSecondFlag<&Properties::fcpEnabled>},
+        {"nvme", "NVMe", kFlag.OrNull(), kSecondFlag<&Properties::nvmeEnabled>},
+        {"fec", "Forward error correction", kFlag.OrNull(), kSecondFlag<&Properties::fecActive>},
+        {"trunk_state", "Trunk state", kInteger.OrNull(), kSecondNumber<&Properties::trunkState>},
         {"diagnostic_state", "Diagnostic state", kInteger.OrNull(),
-         SecondNumber<&Properties::diagnosticState>},
+         kSecondNumber<&Properties::diagnosticState>},
         {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
     };
     return kFields;
@@ -178,16 +167,16 @@ const Fields<Port>& FibreChannelFields() {
 const Fields<Port>& LimitsFields() {
     static const Fields<Port> kFields = {
         {"max_targets", "Targets at most", kInteger.OrNull(),
-         SecondNumber<&Properties::maxTargets>},
+         kSecondNumber<&Properties::maxTargets>},
         {"max_luns_per_target", "LUNs per target", kInteger.OrNull(),
-         SecondNumber<&Properties::maxLunsPerTarget>},
+         kSecondNumber<&Properties::maxLunsPerTarget>},
         {"execution_throttle", "Execution throttle", kInteger.OrNull(),
-         SecondNumber<&Properties::executionThrottle>},
-        {"login_timeout_s", "Login time-out", kSeconds, SecondNumber<&Properties::loginTimeout>},
+         kSecondNumber<&Properties::executionThrottle>},
+        {"login_timeout_s", "Login time-out", kSeconds, kSecondNumber<&Properties::loginTimeout>},
         {"link_down_timeout_s", "Link-down time-out", kSeconds,
-         SecondNumber<&Properties::linkDownTimeout>},
+         kSecondNumber<&Properties::linkDownTimeout>},
         {"port_down_retry_s", "Port-down retry", kSeconds,
-         SecondNumber<&Properties::portDownRetry>},
+         kSecondNumber<&Properties::portDownRetry>},
     };
     return kFields;
 }
@@ -195,7 +184,7 @@ const Fields<Port>& LimitsFields() {
 const Fields<Port>& VersionsFields() {
     static const Fields<Port> kFields = {
         {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
-        {"driver", "Driver", kText.OrNull(), NodeText<&Node::driverVersion>},
+        {"driver", "Driver", kText.OrNull(), kNodeText<&Node::driverVersion>},
         {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
         {"option_rom", "Option ROM", kText.OrNull(), OptionRomVersion},
     };
@@ -204,26 +193,25 @@ const Fields<Port>& VersionsFields() {
 
 const Fields<Port>& PciFields() {
     static const Fields<Port> kFields = {
-        {"location", "Location", "PCI", kText.OrNull(),
-         When(KnowsSlot, [](const Port& port) { return PciLocationValue(*port.chip); })},
+        {"location", "Location", "PCI", kText.OrNull(), Of(SlotOf, PciLocationValue)},
         {"function", "", kInteger.OrNull(),
-         When(KnowsSlot, [](const Port& port) { return port.chip->functionBits >> 5; })},
-        {"vendor_id", "Vendor ID", kPciId, ChipNumber<&Chip::vendorId>},
-        {"device_id", "Device ID", kPciId, ChipNumber<&Chip::deviceId>},
+         Of(SlotOf, [](const Chip& chip) { return chip.functionBits >> 5; })},
+        {"vendor_id", "Vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
+        {"device_id", "Device ID", kPciId, kChipNumber<&Chip::deviceId>},
         {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
-         ChipNumber<&Chip::subsystemVendorId>},
+         kChipNumber<&Chip::subsystemVendorId>},
         {"subsystem_device_id", "Subsystem device ID", kPciId,
-         ChipNumber<&Chip::subsystemDeviceId>},
-        {"revision", "Revision", kPciId, ChipNumber<&Chip::revision>},
-        {"link", "Link", "PCI LINK", kText.OrNull(), LinkValue<&Chip::linkStatus>},
-        {"link_maximum", "Link at most", kText.OrNull(), LinkValue<&Chip::linkCapabilities>},
+         kChipNumber<&Chip::subsystemDeviceId>},
+        {"revision", "Revision", kPciId, kChipNumber<&Chip::revision>},
+        {"link", "Link", "PCI LINK", kText.OrNull(), kLink<&Chip::linkStatus>},
+        {"link_maximum", "Link at most", kText.OrNull(), kLink<&Chip::linkCapabilities>},
         {"link_generation", "", kInteger.OrNull(),
-         LinkPart<&Chip::linkStatus, &PcieLink::generation>},
-        {"link_width", "", kInteger.OrNull(), LinkPart<&Chip::linkStatus, &PcieLink::width>},
+         kLinkPart<&Chip::linkStatus, &PcieLink::generation>},
+        {"link_width", "", kInteger.OrNull(), kLinkPart<&Chip::linkStatus, &PcieLink::width>},
         {"link_maximum_generation", "", kInteger.OrNull(),
-         LinkPart<&Chip::linkCapabilities, &PcieLink::generation>},
+         kLinkPart<&Chip::linkCapabilities, &PcieLink::generation>},
         {"link_maximum_width", "", kInteger.OrNull(),
-         LinkPart<&Chip::linkCapabilities, &PcieLink::width>},
+         kLinkPart<&Chip::linkCapabilities, &PcieLink::width>},
     };
     return kFields;
 }
@@ -240,7 +228,8 @@ const Fields<Port>& DetailFields() {
             {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
             {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
             {"answers", "", kFlag, &Port::answers, kAnswersAbout},
-            {PortStatus(), std::identity()},
+            {"status", "Status", "STATUS", kText.OrNull().Quiet(),
+             [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout},
             {"identity", "Identity", IdentityFields()},
             {"link", "Link", PortLinkFields()},
             {"fibre_channel", "Fibre Channel", FibreChannelFields()},
@@ -256,18 +245,18 @@ const Fields<Port>& SpeakerFields() {
     static const Fields<Port> kFields = {
         {"adapter_serial", "Serial number", "SERIAL", kSerial.OrNull(), &Port::Serial},
         {PortSerialAlias(), std::identity()},
-        {"manufacturer", "Manufacturer", kText.OrNull(), NodeText<&Node::manufacturer>},
-        {"model", "Model", "MODEL", kText.OrNull(), NodeText<&Node::model>},
+        {"manufacturer", "Manufacturer", kText.OrNull(), kNodeText<&Node::manufacturer>},
+        {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
         {"model_description", "Description", "DESCRIPTION", kText.OrNull(),
-         NodeText<&Node::modelDescription>},
-        {"vendor_id", "PCI vendor ID", kPciId, ChipNumber<&Chip::vendorId>},
-        {"device_id", "PCI device ID", "DEVICE", kPciId, ChipNumber<&Chip::deviceId>},
+         kNodeText<&Node::modelDescription>},
+        {"vendor_id", "PCI vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
+        {"device_id", "PCI device ID", "DEVICE", kPciId, kChipNumber<&Chip::deviceId>},
         {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
-         ChipNumber<&Chip::subsystemVendorId>},
+         kChipNumber<&Chip::subsystemVendorId>},
         {"subsystem_device_id", "Subsystem device ID", kPciId,
-         ChipNumber<&Chip::subsystemDeviceId>},
-        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), NodeText<&Node::firmwareVersion>},
-        {"driver", "Driver", "DRIVER", kText.OrNull(), NodeText<&Node::driverVersion>},
+         kChipNumber<&Chip::subsystemDeviceId>},
+        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), kNodeText<&Node::firmwareVersion>},
+        {"driver", "Driver", "DRIVER", kText.OrNull(), kNodeText<&Node::driverVersion>},
         {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
         {"option_rom", "Option ROM", "OPTION ROM", kText.OrNull(), OptionRomVersion},
         {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},

@@ -19,6 +19,20 @@ std::optional<tools::Wwn> NameIn(const tools::Wwn& name) {
     return name.IsZero() ? std::nullopt : std::optional(name);
 }
 
+// The unit of a target that told its name.
+const MappedUnit* TargetOf(const MappedPlace& place) {
+    return place.unit != nullptr && !place.unit->portName.IsZero() ? place.unit : nullptr;
+}
+
+const HX_OS_DEVICE* DeviceOf(const MappedPlace& place) {
+    return place.unit != nullptr && place.unit->device ? &*place.unit->device : nullptr;
+}
+
+const HX_OS_DEVICE* DiskOf(const MappedPlace& place) {
+    const HX_OS_DEVICE* const device = DeviceOf(place);
+    return device != nullptr && device->type == HX_OS_DEVICE_DISK ? device : nullptr;
+}
+
 bool StartsWith(std::string_view text, std::string_view prefix) {
     return tools::EqualIgnoringCase(text.substr(0, prefix.size()), prefix);
 }
@@ -64,53 +78,31 @@ const char* DeviceTypeText(uint32_t type) {
 
 const tools::Fields<MappedPlace>& PlaceFields() {
     using Place = MappedPlace;
-    static const auto kHasDevice = [](const Place& at) { return at.unit && at.unit->device; };
+    using Unit = MappedUnit;
     static const tools::Fields<Place> kFields = {
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
-         When(&Place::unit, [](const Place& at) { return NameIn(at.unit->portName); })},
+        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(), Of(TargetOf, &Unit::portName)},
         {"node_wwn", "Node name", tools::kWwn.OrNull(),
-         When(&Place::unit, [](const Place& at) { return NameIn(at.unit->nodeName); })},
-        {"port_id", "Port identifier", tools::Hexadecimal(6).OrNull(),
-         When([](const Place& at) { return at.unit && !at.unit->portName.IsZero(); },
-              [](const Place& at) { return at.unit->portId; })},
-        {"bus", "Bus", "BUS", kInteger.OrNull(),
-         When(&Place::unit, [](const Place& at) { return at.unit->bus; })},
-        {"target", "Target", "ID", kInteger.OrNull(),
-         When(&Place::unit, [](const Place& at) { return at.unit->target; })},
-        {"lun", "LUN", "LUN", kInteger.OrNull(),
-         When(&Place::unit, [](const Place& at) { return at.unit->lun; })},
-        {"device", "Device", "DEVICE", kText.OrNull(),
-         When(kHasDevice,
-              [](const Place& at) { return TextIn(at.unit->device, &HX_OS_DEVICE::name); }),
+         Of(&Place::unit, [](const Unit& unit) { return NameIn(unit.nodeName); })},
+        {"port_id", "Port identifier", tools::Hexadecimal(6).OrNull(), Of(TargetOf, &Unit::portId)},
+        {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&Place::unit, &Unit::bus)},
+        {"target", "Target", "ID", kInteger.OrNull(), Of(&Place::unit, &Unit::target)},
+        {"lun", "LUN", "LUN", kInteger.OrNull(), Of(&Place::unit, &Unit::lun)},
+        {"device", "Device", "DEVICE", kText.OrNull(), Of(DeviceOf, TextOf<&HX_OS_DEVICE::name>),
          "as it is opened; null: the operating system has none"},
         {"device_type", "Type", "TYPE", tools::Choice(kDeviceTypes).OrNull(),
-         When(kHasDevice, [](const Place& at) { return DeviceTypeText(at.unit->device->type); })},
-        {"disk", "Disk", kInteger.OrNull(),
-         When(
-             [](const Place& at) {
-                 return kHasDevice(at) && at.unit->IsDisk(at.unit->device->number);
-             },
-             [](const Place& at) { return at.unit->device->number; }),
+         Of(DeviceOf, [](const HX_OS_DEVICE& device) { return DeviceTypeText(device.type); })},
+        {"disk", "Disk", kInteger.OrNull(), Of(DiskOf, Packed<&HX_OS_DEVICE::number>),
          "number of a disk"},
-        {"volume", "Volume", kText.OrNull(),
-         When(&Place::volume,
-              [](const Place& at) {
-                  return tools::FieldText(at.volume->name, sizeof at.volume->name);
-              }),
+        {"volume", "Volume", kText.OrNull(), Of(&Place::volume, TextOf<&HX_VOLUME::name>),
          "the volume's own name; null: no volume is on the device"},
         {"mounted_at", "Mounted at", "MOUNTED AT", kText.OrNull(),
-         When(&Place::volume,
-              [](const Place& at) {
-                  return tools::FieldText(at.volume->path, sizeof at.volume->path);
-              }),
-         "the first place"},
+         Of(&Place::volume, TextOf<&HX_VOLUME::path>), "the first place"},
         {"bytes_on_disk", "Bytes on the disk", "BYTES", kInteger.OrNull(),
-         When(&Place::volume, [](const Place& at) { return at.volume->bytesOnDisk; })},
-        {"extents", "Extents", kInteger.OrNull(),
-         When(&Place::volume, [](const Place& at) { return at.volume->extents; }),
+         Of(&Place::volume, Packed<&HX_VOLUME::bytesOnDisk>)},
+        {"extents", "Extents", kInteger.OrNull(), Of(&Place::volume, Packed<&HX_VOLUME::extents>),
          "stretches of disk that the volume consists of"},
         {"extents_on_disk", "Extents on the disk", kInteger.OrNull(),
-         When(&Place::volume, [](const Place& at) { return at.volume->extentsOnDisk; })},
+         Of(&Place::volume, Packed<&HX_VOLUME::extentsOnDisk>)},
     };
     return kFields;
 }

@@ -21,6 +21,8 @@ using tools::kText;
 using tools::kWwn;
 using tools::Record;
 
+using DeviceRecord = HX_DEVICE_RECORD;
+
 constexpr tools::Argument kSelectArguments[] = {kSelectTargetArgument};
 
 // What is known of a target; without a target: of a port that failed.
@@ -31,11 +33,20 @@ struct TargetRow {
     std::optional<LunSet> maskedLive = std::nullopt;
     std::optional<LunSet> maskedStored = std::nullopt;
 
-    HX_DEVICE_RECORD Device() const {
-        return target != nullptr ? target->record : HX_DEVICE_RECORD{};
+    const DeviceRecord& Device() const {
+        static const DeviceRecord kNone{};
+        return target != nullptr ? target->record : kNone;
     }
-    bool IsNamed() const { return target != nullptr && !target->NodeName().IsZero(); }
-    bool IsCurrent() const { return port->IsCurrentGeneration(); }
+    const KnownTarget* NamedTarget() const {
+        return target != nullptr && !target->NodeName().IsZero() ? target : nullptr;
+    }
+    const DeviceRecord* NamedDevice() const {
+        return NamedTarget() != nullptr ? &target->record : nullptr;
+    }
+    // Drivers of the current generation alone tell the words of flags.
+    const DeviceRecord* CurrentDevice() const {
+        return port->IsCurrentGeneration() ? &Device() : nullptr;
+    }
 };
 
 const Fields<TargetRow>& TargetHeadFields() {
@@ -43,31 +54,24 @@ const Fields<TargetRow>& TargetHeadFields() {
         {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels)), &TargetRow::port},
         {PortSerialAlias(), &TargetRow::port},
         {"target_wwn", "Port name", "TARGET", kWwn.OrNull(),
-         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->PortName(); }),
+         Of(&TargetRow::NamedTarget, &KnownTarget::PortName),
          "port name; null in the row of a port that failed"},
         {"node_wwn", "Node name", kWwn.OrNull(),
-         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->NodeName(); })},
+         Of(&TargetRow::NamedTarget, &KnownTarget::NodeName)},
         {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(),
-         When(&TargetRow::IsNamed,
-              [](const TargetRow& row) { return PortIdOf(row.Device().portId); })},
+         Of(&TargetRow::NamedDevice,
+            [](const DeviceRecord& device) { return PortIdOf(device.portId); })},
         {"bus", "Bus", "BUS", kInteger.OrNull(),
-         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.Device().bus; })},
+         Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::bus>)},
         {"target", "Target", "ID", kInteger.OrNull(),
-         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.Device().target; }),
-         "target ID"},
+         Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::target>), "target ID"},
         {"symbolic_name", "Name", "NAME", kText.OrNull(),
-         [](const TargetRow& row) {
-             const HX_DEVICE_RECORD device = row.Device();
-             return tools::FieldText(reinterpret_cast<const char*>(device.symbolicName),
-                                     sizeof device.symbolicName);
-         }},
+         [](const TargetRow& row) { return TextOf<&DeviceRecord::symbolicName>(row.Device()); }},
         {"role", "Role", "ROLE", tools::Choice(kTargetRoles).OrNull(),
          [](const TargetRow& row) { return RoleText(row.Device().roleAndState); }},
         {"present", "Reached now", "PRESENT", kFlag.OrNull(),
-         When(&TargetRow::IsNamed, [](const TargetRow& row) { return row.target->present; }),
-         "the driver reaches it now"},
-        {"luns", "LUNs", "LUNS", kInteger.OrNull(),
-         When(&TargetRow::target, [](const TargetRow& row) { return row.target->luns; }),
+         Of(&TargetRow::NamedTarget, &KnownTarget::present), "the driver reaches it now"},
+        {"luns", "LUNs", "LUNS", kInteger.OrNull(), Of(&TargetRow::target, &KnownTarget::luns),
          "as the driver counts them; null on drivers below 7.05.03"},
     };
     return kFields;
@@ -76,22 +80,16 @@ const Fields<TargetRow>& TargetHeadFields() {
 const Fields<TargetRow>& BoundFields() {
     static const Fields<TargetRow> kFields = {
         {"bound_live", "Bound live", "BOUND LIVE", kFlag.OrNull(),
-         When(&TargetRow::target,
-              [](const TargetRow& row) { return IsBound(*row.port, *row.target); }),
+         [](const TargetRow& row) {
+             return row.target != nullptr ? IsBound(*row.port, *row.target) : std::nullopt;
+         },
          "null: the driver does not tell"},
         {"bound_stored", "Bound in the store", "BOUND STORED", kFlag.OrNull(),
-         When(&TargetRow::target, [](const TargetRow& row) { return row.stored != nullptr; })},
+         [](const TargetRow& row) {
+             return row.target != nullptr ? std::optional(row.stored != nullptr) : std::nullopt;
+         }},
     };
     return kFields;
-}
-
-template <auto mask>
-auto CountOf(const TargetRow& row) {
-    return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
-}
-template <auto mask>
-tools::Value LunsOf(const TargetRow& row) {
-    return row.*mask ? LunsValue(*(row.*mask)) : tools::Value();
 }
 
 const Fields<TargetRow>& TargetSummaryFields() {
@@ -99,9 +97,11 @@ const Fields<TargetRow>& TargetSummaryFields() {
         {TargetHeadFields(), std::identity()},
         {BoundFields(), std::identity()},
         {"masked_live", "Masked live", "MASKED LIVE", kInteger.OrNull(),
-         CountOf<&TargetRow::maskedLive>, "number of masked LUNs; null when there is no mask"},
+         Of(&TargetRow::maskedLive, &LunSet::count),
+         "number of masked LUNs; null when there is no mask"},
         {"masked_stored", "Masked in the store", "MASKED STORED", kInteger.OrNull(),
-         CountOf<&TargetRow::maskedStored>, "number of masked LUNs; null when nothing is stored"},
+         Of(&TargetRow::maskedStored, &LunSet::count),
+         "number of masked LUNs; null when nothing is stored"},
         {PortStatus(), &TargetRow::port},
     };
     return kFields;
@@ -121,29 +121,24 @@ const Fields<TargetRow>& TargetDetailFields() {
             {"target_number", "Target number", kInteger,
              [](const TargetRow& row) { return row.Device().targetNumber; }},
             {"role_and_state", "Role and state word", tools::Hexadecimal(8).OrNull(),
-             When(&TargetRow::IsCurrent,
-                  [](const TargetRow& row) { return row.Device().roleAndState; })},
+             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::roleAndState>)},
             {"port_flags", "Port flags", tools::Hexadecimal(4).OrNull(),
-             When(&TargetRow::IsCurrent,
-                  [](const TargetRow& row) { return row.Device().portFlags; })},
+             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::portFlags>)},
             {"binding_flags", "Binding flags", tools::Hexadecimal(2).OrNull(),
-             When(&TargetRow::IsCurrent,
-                  [](const TargetRow& row) { return row.Device().bindingFlags; })},
+             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::bindingFlags>)},
             {BoundFields(), std::identity()},
             {"stored_address", "Stored bus:target", kText.OrNull(),
-             When(&TargetRow::stored,
-                  [](const TargetRow& row) {
-                      return std::to_string(row.stored->bus) + ":" +
-                             std::to_string(row.stored->target);
-                  }),
+             Of(&TargetRow::stored,
+                [](const HX_TARGET_ENTRY& entry) {
+                    return std::to_string(entry.bus) + ":" + std::to_string(entry.target);
+                }),
              "bus:target"},
             {"stored_flags", "Stored flags", tools::Hexadecimal(2).OrNull(),
-             When(&TargetRow::stored,
-                  [](const TargetRow& row) { return row.stored->bindingFlags; })},
-            {"masked_live", "Masked live", kText.OrNull(), LunsOf<&TargetRow::maskedLive>,
+             Of(&TargetRow::stored, Packed<&HX_TARGET_ENTRY::bindingFlags>)},
+            {"masked_live", "Masked live", kText.OrNull(), Of(&TargetRow::maskedLive, LunsValue),
              "LUNs as in 0-7,12; empty when none is masked"},
             {"masked_stored", "Masked in the store", kText.OrNull(),
-             LunsOf<&TargetRow::maskedStored>},
+             Of(&TargetRow::maskedStored, LunsValue)},
             {PortStatus(), &TargetRow::port},
         }};
     return kFields;
@@ -167,22 +162,20 @@ const Fields<LunRow>& LunFields() {
         {PortKeys(kPortIndex), &LunRow::port},
         {PortSerialAlias(), &LunRow::port},
         {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
-         When(&LunRow::target, [](const LunRow& row) { return row.target->PortName(); })},
+         Of(&LunRow::target, &KnownTarget::PortName)},
         {"luns", "LUNs", "LUNS", kText.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return RangeText(row.run->luns); }),
+         Of(&LunRow::run, [](const LunRun& run) { return RangeText(run.luns); }),
          "one LUN, or a range of LUNs that all look the same"},
         {"first", "First", kInteger.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return row.run->luns.first; })},
+         Of(&LunRow::run, [](const LunRun& run) { return run.luns.first; })},
         {"last", "Last", kInteger.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return row.run->luns.last; })},
-        {"seen", "Seen", "SEEN", kFlag.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return row.run->seen; }),
+         Of(&LunRow::run, [](const LunRun& run) { return run.luns.last; })},
+        {"seen", "Seen", "SEEN", kFlag.OrNull(), Of(&LunRow::run, &LunRun::seen),
          "the target reports it to this host; null: it did not answer"},
         {"masked_live", "Masked live", "MASKED LIVE", kFlag.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return row.run->maskedLive; })},
+         Of(&LunRow::run, &LunRun::maskedLive)},
         {"masked_stored", "Masked in the store", "MASKED STORED", kFlag.OrNull(),
-         When(&LunRow::run, [](const LunRow& row) { return row.run->maskedStored; }),
-         "null: no mask is stored"},
+         Of(&LunRow::run, &LunRun::maskedStored), "null: no mask is stored"},
         {PortStatus(), &LunRow::port},
     };
     return kFields;
