@@ -63,26 +63,18 @@ std::string SilenceText(const Port& port, const std::string& after) {
     return port.Name() + " is not answering" + after;
 }
 
-// The ports of other drivers that turn out to be of the family. Most of the numbers belong to
-// nobody, which is known at once: one thread asks them all.
+// Those of the ports that are of the family, or turn out to be. Most numbers without a driver
+// belong to nobody, which is known at once: one thread asks them all.
 using Found = std::vector<Port>;
-PortQuestion<Found> QuestionTo(const std::string& name, std::vector<Port> ports,
+PortQuestion<Found> QuestionTo(const std::string& name, std::vector<Port> ports, bool family,
                                const ReadingOptions& options) {
-    return {name, [ports = std::move(ports), options](PortTask& task, Found& found) {
+    return {name, [ports = std::move(ports), family, options](PortTask& task, Found& found) {
                 for (Port port : ports) {
-                    if (ReadPort(task, options, port) || IsOneOfUs(port)) {
+                    if (ReadPort(task, options, port) || family || IsOneOfUs(port)) {
                         found.push_back(std::move(port));
                     }
                     task.Answered();
                 }
-            }};
-}
-
-PortQuestion<Found> QuestionToFamily(const Port& port, const ReadingOptions& options) {
-    return {port.Name(), [port, options](PortTask& task, Found& found) {
-                Port own = port;
-                ReadPort(task, options, own);
-                found.push_back(std::move(own));
             }};
 }
 
@@ -91,7 +83,7 @@ std::vector<Port> Read(tools::Invocation& invocation, const Candidates& candidat
                                  invocation.Verbose()};
     std::vector<PortQuestion<Found>> questions;
     for (const Port& port : candidates.family) {
-        questions.push_back(QuestionToFamily(port, options));
+        questions.push_back(QuestionTo(port.Name(), {port}, true, options));
     }
     std::vector<Port> unknown;
     for (const Port& port : candidates.others) {
@@ -99,11 +91,12 @@ std::vector<Port> Read(tools::Invocation& invocation, const Candidates& candidat
             unknown.push_back(port);
         } else {
             questions.push_back(
-                QuestionTo("scsi:" + std::to_string(*port.scsiPort), {port}, options));
+                QuestionTo("scsi:" + std::to_string(*port.scsiPort), {port}, false, options));
         }
     }
     if (!unknown.empty()) {
-        questions.push_back(QuestionTo("SCSI ports without a driver", std::move(unknown), options));
+        questions.push_back(
+            QuestionTo("SCSI ports without a driver", std::move(unknown), false, options));
     }
     std::vector<std::optional<Found>> answers = AskSideBySide(invocation, std::move(questions));
 

@@ -216,13 +216,9 @@ const Fields<Port>& PciFields() {
     return kFields;
 }
 
-std::string PortTitle(const Port& port) {
-    return "Port " + std::to_string(port.index);
-}
-
 const Fields<Port>& DetailFields() {
     static const Fields<Port> kFields = {
-        PortTitle,
+        [](const Port& port) { return "Port " + std::to_string(port.index); },
         {
             {"index", "", kInteger, &Port::index, "the same as port"},
             {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
@@ -302,17 +298,14 @@ const Fields<Adapter>& AdapterFields() {
     return kFields;
 }
 
-std::string AdapterTitle(const Adapter& adapter) {
-    return "Adapter " + std::to_string(adapter.index);
-}
-
 const Fields<Adapter>& AdapterDetailFields() {
     static const Fields<Port> kPorts = SummaryFields(false);
-    static const Fields<Adapter> kFields = {AdapterTitle,
-                                            {
-                                                {AdapterFields(), std::identity()},
-                                                {"ports", "Ports", kPorts, &Adapter::ports},
-                                            }};
+    static const Fields<Adapter> kFields = {
+        [](const Adapter& adapter) { return "Adapter " + std::to_string(adapter.index); },
+        {
+            {AdapterFields(), std::identity()},
+            {"ports", "Ports", kPorts, &Adapter::ports},
+        }};
     return kFields;
 }
 

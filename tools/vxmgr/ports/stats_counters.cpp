@@ -26,7 +26,7 @@ constexpr StatsCounter kCounters[] = {
 // clang-format on
 #undef FIELD
 
-constexpr size_t kSeconds = 0;
+constexpr size_t kTimeCounter = 0;
 
 }  // namespace
 
@@ -74,7 +74,7 @@ const tools::Fields<GivenStatistics>& CounterFields() {
     static const tools::Fields<GivenStatistics> kFields([] {
         std::vector<tools::FieldRow<GivenStatistics>> rows;
         for (const StatsCounter& counter : kCounters) {
-            const bool isTime = &counter == &kCounters[kSeconds];
+            const bool isTime = &counter == &kCounters[kTimeCounter];
             const auto value = [&counter, isTime](const GivenStatistics& statistics) {
                 if (!statistics) {
                     return Value();

@@ -107,6 +107,12 @@ SystemDevices ReadSystem(tools::Invocation& invocation) {
     return system;
 }
 
+void TakeNames(const KnownTarget& target, MappedUnit* unit) {
+    unit->portName = target.PortName();
+    unit->nodeName = target.NodeName();
+    unit->portId = PortIdOf(target.record.portId);
+}
+
 // The units that a target reports, in order of their LUNs.
 void AddUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
               const KnownTarget& target, const SystemDevices& system,
@@ -121,9 +127,7 @@ void AddUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
             continue;
         }
         MappedUnit& unit = units->emplace_back();
-        unit.portName = target.PortName();
-        unit.nodeName = target.NodeName();
-        unit.portId = PortIdOf(target.record.portId);
+        TakeNames(target, &unit);
         unit.bus = target.record.bus;
         unit.target = target.record.target;
         unit.lun = lun;
@@ -150,19 +154,12 @@ HX_STATUS AddDisks(const Port& port, uint32_t handle, const std::vector<uint32_t
         for (const KnownTarget& target : targets) {
             if (target.present && target.record.bus == unit.bus &&
                 target.record.target == unit.target) {
-                unit.portName = target.PortName();
-                unit.nodeName = target.NodeName();
-                unit.portId = PortIdOf(target.record.portId);
+                TakeNames(target, &unit);
                 break;
             }
         }
     }
     return status;
-}
-
-// The path in the library's interface; folders may have names beyond ASCII.
-std::string GivenVolume(tools::Invocation& invocation) {
-    return tools::console::ToSystemCodePage(invocation.Given().Text("VOLUME"));
 }
 
 std::string DisksText(const std::vector<uint32_t>& disks) {
@@ -206,10 +203,10 @@ ExitCode MapTarget(tools::Invocation& invocation) {
 }
 
 ExitCode MapVolume(tools::Invocation& invocation) {
-    const std::string volume = GivenVolume(invocation);
     const std::string shown = invocation.Given().Text("VOLUME");
     std::vector<uint32_t> disks;
-    const HX_STATUS told = ReadDisksOfVolume(volume, &disks);
+    // Folders may have names beyond ASCII.
+    const HX_STATUS told = ReadDisksOfVolume(tools::console::ToSystemCodePage(shown), &disks);
     if (told != HXMGT_SUCCESS) {
         invocation.Fail(told, "the disks of " + shown + " are not known");
     }

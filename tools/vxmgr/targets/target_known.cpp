@@ -7,7 +7,7 @@ namespace vxmgr {
 namespace {
 
 constexpr uint32_t kAllDevices = 7;
-constexpr size_t kDevicesAtFirst = HX_MAX_TARGETS + 1;
+constexpr size_t kUsualDevices = HX_MAX_TARGETS + 1;
 constexpr size_t kMostDevices = UINT16_MAX;
 
 // The low bits of the role and state word.
@@ -15,7 +15,7 @@ constexpr uint32_t kRoleMask = 3;
 constexpr uint32_t kInitiatorAlone = 2;
 
 HX_STATUS ReadDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices) {
-    std::vector<uint8_t> buffer(HX_PORT_DATABASE_SIZE(kDevicesAtFirst));
+    std::vector<uint8_t> buffer(HX_PORT_DATABASE_SIZE(kUsualDevices));
     const auto ask = [&] {
         return HXGetPortDatabase(handle, kAllDevices, buffer.data(),
                                  static_cast<uint32_t>(buffer.size()));

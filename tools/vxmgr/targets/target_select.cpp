@@ -7,14 +7,10 @@
 namespace vxmgr {
 namespace {
 
-bool IsPortNameOf(const HX_SCSI_ADDRESS& address, const uint8_t (&portName)[8]) {
+// Of a port or a node.
+bool IsName(const HX_SCSI_ADDRESS& address, const uint8_t (&name)[8]) {
     return address.type == HX_ADDRESS_PORT_NAME &&
-           std::memcmp(address.address, portName, sizeof portName) == 0;
-}
-
-bool IsNodeNameOf(const HX_SCSI_ADDRESS& address, const uint8_t (&nodeName)[8]) {
-    return address.type == HX_ADDRESS_PORT_NAME &&
-           std::memcmp(address.address, nodeName, sizeof nodeName) == 0;
+           std::memcmp(address.address, name, sizeof name) == 0;
 }
 
 // A device record or a target entry.
@@ -45,10 +41,10 @@ auto* FindIn(Range&& range, const HX_SCSI_ADDRESS& address) {
         if (tools::Wwn::Of(row.nodeName).IsZero()) {
             continue;
         }
-        if (IsPortNameOf(address, row.portName) || HasAddress(address, row)) {
+        if (IsName(address, row.portName) || HasAddress(address, row)) {
             return &one;
         }
-        if (byNode == nullptr && IsNodeNameOf(address, row.nodeName)) {
+        if (byNode == nullptr && IsName(address, row.nodeName)) {
             byNode = &one;
         }
     }
@@ -94,7 +90,7 @@ std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRE
         return chosen;
     }
     for (const HX_LUN_RECORD& record : RowsOf(*targets.masks.block)) {
-        if (!IsFree(record) && IsPortNameOf(address, record.portName)) {
+        if (!IsFree(record) && IsName(address, record.portName)) {
             take(record);
             return chosen;
         }
