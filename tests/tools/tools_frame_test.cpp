@@ -355,6 +355,24 @@ TEST(ToolsFields, RecordsFollowTheSchemaOfTheirTable) {
     EXPECT_EQ(support::Shown(result, "name"), "two");
 }
 
+TEST(ToolsFields, ElementsStandBesideEachOtherByTheirKey) {
+    struct Side {
+        const char* name;
+        uint32_t frames;
+    };
+    using Sides = std::vector<Side>;
+    static constexpr const char* kNames[] = {"one", "two"};
+    static const Fields<Side> kSide = {{"name", "", Choice(kNames), &Side::name},
+                                       {"frames", "", kInteger, &Side::frames}};
+    static const Fields<Sides> kSides = {
+        {"sides", "", kSide, std::identity(), ListLayout::Table, "", "", "name"}};
+    for (const Record& record : {kSides.Make({{"two", 5}}), kSides.Make({}), kSides.Prototype()}) {
+        EXPECT_EQ(Flatten(record).size(), 2u) << "columns do not depend on what is there";
+        EXPECT_EQ(support::Shown(record, "sides_one_frames"), "-");
+    }
+    EXPECT_EQ(support::Shown(kSides.Make({{"two", 5}}), "sides_two_frames"), "5");
+}
+
 TEST(ToolsRender, TablesAlignWhatIsSeen) {
     Redactor open(false);
     const Record result =

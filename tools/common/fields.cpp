@@ -86,12 +86,26 @@ Record PrototypeOf(const Shape& shape) {
                 record.AddGroup(field.key, field.label, PrototypeOf(field.children));
                 break;
             case FieldKind::List:
-                record.AddList(field.key, field.label, field.layout, PrototypeOf(field.children),
-                               field.emptyText, {});
+                AddListOf(field, {}, record);
                 break;
         }
     }
     return record;
+}
+
+void AddListOf(const FieldShape& shape, std::vector<Record> records, Record& record) {
+    Field& list = record.AddList(shape.key, shape.label, shape.layout, PrototypeOf(shape.children),
+                                 shape.emptyText, std::move(records));
+    list.spreadBy = shape.spreadBy;
+    for (size_t place = 0; place < shape.children.size(); ++place) {
+        if (list.spreadBy == shape.children[place].key) {
+            list.prototype.clear();
+            for (const char* const choice : shape.children[place].type.choices) {
+                list.prototype.push_back(PrototypeOf(shape.children));
+                list.prototype.back().Fields()[place].value = Value::Text(choice);
+            }
+        }
+    }
 }
 
 std::string SchemaText(const char* name, const char* title, const Shape& shape) {

@@ -91,11 +91,15 @@ struct FieldShape {
     std::vector<FieldShape> children{};  // of a group, or of a list's elements
     ListLayout layout = ListLayout::Table;
     const char* emptyText = "";
+    const char* spreadBy = "";  // of a list: as of a Field; the choices of that key tell how many
 };
 using Shape = std::vector<FieldShape>;
 
 // A record with these columns and no values.
 Record PrototypeOf(const Shape& shape);
+
+// Adds the list that the shape describes.
+void AddListOf(const FieldShape& shape, std::vector<Record> records, Record& record);
 
 // The JSON Schema (draft 2020-12) of an object of this shape, as a document with a final newline.
 std::string SchemaText(const char* name, const char* title, const Shape& shape);
@@ -252,14 +256,15 @@ class FieldRow {
     requires(!GivesMaybe<Get, Source, Element>)
         FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
                  ListLayout layout = ListLayout::Table, const char* emptyText = "",
-                 const char* about = "")
+                 const char* about = "", const char* spreadBy = "")
         : shape_{.key = key,
                  .label = label,
                  .about = about,
                  .kind = FieldKind::List,
                  .children = fields.ShapeOfAll(),
                  .layout = layout,
-                 .emptyText = emptyText} {
+                 .emptyText = emptyText,
+                 .spreadBy = spreadBy} {
         shape_.type.optional = kIsOptional<Gotten<Get, Source>>;
         const auto addRange = [shape = shape_, &fields](const auto& range, Record& record) {
             std::vector<Record> records;
@@ -270,8 +275,7 @@ class FieldRow {
                     records.push_back(fields.Make(element));
                 }
             }
-            record.AddList(shape.key, shape.label, shape.layout, PrototypeOf(shape.children),
-                           shape.emptyText, std::move(records));
+            AddListOf(shape, std::move(records), record);
         };
         add_ = [addRange, get](const Source& source, Record& record) {
             const auto& range = std::invoke(get, source);
@@ -345,7 +349,7 @@ Fields<Rows> ListOf(const char* key, const char* label, const Fields<Element>& f
     return {{key, label, fields, std::identity(), layout, emptyText, about}};
 }
 
-// For a command's row: the shape of what the function's table makes.
+// The shape of a table, for a row of the command table: .result = tools::ShapeOf<PortFields>.
 template <auto fields>
 Shape ShapeOf() {
     return fields().ShapeOfAll();
