@@ -19,16 +19,22 @@ lock_is() {
     wine "$bin/vxmgr.exe" flash lock show --json >"$log/lock.txt" 2>&1 </dev/null || fail "lock show"
     tr -d ' \r\n' <"$log/lock.txt" | grep -q "\"serial\":\"EMU7740A0001\",\"held\":$1"
 }
+hangs() {
+    wine "$bin/vxemu.exe" fault list --json >"$log/faults.txt" 2>&1 </dev/null || fail "fault list"
+    tr -d ' \r\n' <"$log/faults.txt" | grep -q '"acted":1'
+}
 # Starts a write that hangs for some time, interrupts it as often as told, and prints its exit code.
 interrupt() {
     local version=$1 milliseconds=$2 times=$3 code=0
     emulator flash image scsi:3 1 "$log/image" --as "$version"
+    emulator fault clear
     emulator fault add scsi:3 --code FlashWrite --times 1 --do hang "$milliseconds"
     wine "$bin/vxmgr.exe" flash write 1 "$log/image" -a serial:EMU7740A0001 \
         --yes --confirm EMU7740A0001 --json >"$log/write.txt" 2>&1 </dev/null &
     local writer=$!
+    # Until the first byte is on its way a Ctrl-C cancels the write.
     for _ in $(seq 60); do
-        lock_is true && break
+        hangs && break
         sleep 0.1
     done
     lock_is true || fail "the lock is not taken"

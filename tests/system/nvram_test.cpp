@@ -212,7 +212,7 @@ TEST_F(SystemNvram, AFailedWriteSaysWhatStandsThere) {
     EXPECT_EQ(0, ExitOf(set));
     EXPECT_EQ(0, ExitOf("nvram activate --yes" + kBanked));
     EXPECT_EQ(90, Value("login_timeout", kBanked));
-    Fault("scsi:6 --code FlashRead --after 3 --do status 11");
+    Fault("scsi:6 --code FlashRead --after 2 --do status 11");
     document = Document("nvram set login_timeout=91" + kYesLargeRom);
     EXPECT_EQ(9, document["exit"]);
     EXPECT_EQ(true, document["changed"]);

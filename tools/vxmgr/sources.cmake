@@ -8,7 +8,6 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/flash/flash_firmware.cpp
     tools/vxmgr/flash/flash_image.cpp
     tools/vxmgr/flash/flash_image_check.cpp
-    tools/vxmgr/flash/flash_lock_table.cpp
     tools/vxmgr/flash/flash_regions.cpp
     tools/vxmgr/flash/flash_rom.cpp
     tools/vxmgr/flash/flash_version.cpp
@@ -18,7 +17,6 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/lunmask_document.cpp
     tools/vxmgr/bindings/lunmask_luns.cpp
     tools/vxmgr/targets/map_rows.cpp
-    tools/vxmgr/settings/nvram_block.cpp
     tools/vxmgr/settings/nvram_document.cpp
     tools/vxmgr/settings/nvram_fields.cpp
     tools/vxmgr/settings/nvram_text.cpp

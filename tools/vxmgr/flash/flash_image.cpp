@@ -4,27 +4,15 @@
 
 #include "formats/nvram_block.h"
 #include "formats/vpd_tags.h"
+#include "vxmgr/app/size_text.h"
 
 namespace vxmgr {
 namespace {
 
 constexpr uint8_t kErasedByte = 0xFF;
 
-struct KindRow {
-    ImageKind kind;
-    const char* key;
-    const char* name;
-};
-constexpr KindRow kKinds[] = {
-    {ImageKind::Unknown, "unknown", "unknown data"}, {ImageKind::Erased, "erased", "erased flash"},
-    {ImageKind::BootCode, "boot_code", "boot code"}, {ImageKind::Firmware, "firmware", "firmware"},
-    {ImageKind::Nvram, "nvram", "settings (NVRAM)"}, {ImageKind::Vpd, "vpd", "product data (VPD)"},
-};
-
-constexpr const KindRow& RowOf(ImageKind kind) {
-    return kKinds[static_cast<size_t>(kind)];
-}
-static_assert(RowOf(ImageKind::Vpd).kind == ImageKind::Vpd);
+constexpr const char* kKindNames[] = {"unknown data", "erased flash",     "boot code",
+                                      "firmware",     "settings (NVRAM)", "product data (VPD)"};
 
 bool BeginsNvram(Bytes bytes) {
     return bytes.size() >= formats::kClassicBlock && formats::HasSignature(bytes);
@@ -105,11 +93,15 @@ void InspectNvram(Bytes bytes, ImageInfo& info) {
 }  // namespace
 
 const char* KindName(ImageKind kind) {
-    return RowOf(kind).name;
+    return kKindNames[static_cast<size_t>(kind)];
 }
 
-const char* KindKey(ImageKind kind) {
-    return RowOf(kind).key;
+tools::Value KindValue(ImageKind kind) {
+    return tools::Value::Text(kImageKinds[static_cast<size_t>(kind)]).Shown(KindName(kind));
+}
+
+tools::Value SizeValue(uint64_t bytes) {
+    return tools::Value::Number(bytes, "bytes").Shown(SizeText(bytes));
 }
 
 ImageInfo InspectImage(Bytes bytes) {

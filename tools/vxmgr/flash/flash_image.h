@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "common/fields.h"
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/flash/flash_firmware.h"
 #include "vxmgr/flash/flash_rom.h"
@@ -14,7 +15,12 @@ namespace vxmgr {
 enum class ImageKind : uint8_t { Unknown, Erased, BootCode, Firmware, Nvram, Vpd };
 
 const char* KindName(ImageKind kind);  // "boot code"
-const char* KindKey(ImageKind kind);   // "boot_code", in documents
+
+// In results.
+inline constexpr const char* kImageKinds[] = {"unknown",  "erased", "boot_code",
+                                              "firmware", "nvram",  "vpd"};
+tools::Value KindValue(ImageKind kind);
+tools::Value SizeValue(uint64_t bytes);
 
 struct ImageInfo {
     ImageKind kind = ImageKind::Unknown;

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "common/status_codes.h"
-#include "vxmgr/flash/flash_regions.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
@@ -85,10 +85,9 @@ FlashLayout ReadFlashLayout(tools::Invocation& invocation, const Port& port, uin
     FlashLayout layout;
     const HX_STATUS status = QueryFlashLayout(handle, &layout);
     if (IsUnknown(status)) {
-        throw tools::CommandError{
-            ExitCode::NotSupported,
-            {tools::Severity::Error, "the driver gives no access to the flash of this adapter",
-             "drivers from 7.05.03 on may: see `driver show`", port.Object(), status}};
+        FailAt(port.Object(), ExitCode::NotSupported,
+               "the driver gives no access to the flash of this adapter",
+               "drivers from 7.05.03 on may: see `driver show`", status);
     }
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the layout of the flash cannot be read", port.Object());

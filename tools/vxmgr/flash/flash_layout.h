@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "vxmgr/app/inventory.h"
+#include "vxmgr/flash/flash_regions.h"
 
 namespace vxmgr {
 
@@ -14,7 +15,10 @@ struct FlashRegion {
     uint32_t code = 0;
     uint8_t flags = 0;
     uint32_t size = 0;
-    std::optional<uint32_t> start;  // empty: the driver does not tell
+    std::optional<uint32_t> start{};  // empty: the driver does not tell
+
+    std::string Key() const { return RegionKey(code); }
+    std::string Name() const { return RegionName(code); }
 };
 
 struct FlashLayout {

@@ -1,51 +1,75 @@
 // flash layout
-#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/commands.h"
+#include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"
-#include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_adapter.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
+using tools::kText;
+using Region = FlashRegion;
 
-Record RegionRowOf(const FlashRegion& region) {
-    const bool secure = (region.flags & HX_REGION_FLAG_SECURE) != 0;
-    const bool placed = region.start.has_value();
-    Record row;
-    row.Add("code", "Code", Value::Number(region.code), "CODE");
-    row.Add("key", "Key", Value::Text(RegionKey(region.code)), "KEY");
-    row.Add("name", "Name", Value::Text(RegionName(region.code)), "HOLDS");
-    row.Add("start", "Start", placed ? HexValue(*region.start, 8) : Value(), "START");
-    row.Add("end", "End",
-            placed && region.size != 0 ? HexValue(uint64_t{*region.start} + region.size - 1, 8)
-                                       : Value(),
-            "END");
-    row.Add("size", "Size", Value::Number(region.size, "bytes").Shown(SizeText(region.size)),
-            "SIZE");
-    row.Add("flags", "Flags", HexValue(region.flags, 2).Shown(secure ? "secure" : "-"), "FLAGS");
-    return row;
+tools::Value LastByte(const Region& region) {
+    return region.start && region.size != 0 ? HexValue(uint64_t{*region.start} + region.size - 1, 8)
+                                            : tools::Value();
+}
+
+const tools::Fields<Region>& RegionFields() {
+    static const tools::Fields<Region> kFields = {
+        {"code", "Code", "CODE", tools::kInteger, &Region::code},
+        {"key", "Key", "KEY", kText, &Region::Key},
+        {"name", "Name", "HOLDS", kText, &Region::Name},
+        {"start", "Start", "START", kText.OrNull(),
+         [](const Region& one) { return one.start ? HexValue(*one.start, 8) : tools::Value(); },
+         "first byte in the flash"},
+        {"end", "End", "END", kText.OrNull(), LastByte, "last byte"},
+        {"size", "Size", "SIZE", tools::kInteger,
+         [](const Region& one) { return SizeValue(one.size); }},
+        {"flags", "Flags", "FLAGS", kText,
+         [](const Region& one) {
+             const bool secure = (one.flags & HX_REGION_FLAG_SECURE) != 0;
+             return HexValue(one.flags, 2).Shown(secure ? "secure" : "-");
+         },
+         "bit 0: secure updates go through this region"},
+    };
+    return kFields;
+}
+
+struct ShownLayout {
+    const AdapterSession* session;
+    FlashLayout layout;
+
+    uint64_t Bytes() const {
+        uint64_t bytes = 0;
+        for (const Region& region : layout.regions) {
+            bytes += region.size;
+        }
+        return bytes;
+    }
+};
+
+const tools::Fields<ShownLayout>& LayoutFields() {
+    static const tools::Fields<ShownLayout> kFields = {
+        {SessionFields(), &ShownLayout::session},
+        {"has_regions", "Has regions", tools::kFlag,
+         [](const ShownLayout& shown) { return !shown.layout.whole; },
+         "false: one region stands for the whole flash"},
+        {"size", "Size of all regions", tools::kInteger,
+         [](const ShownLayout& shown) { return SizeValue(shown.Bytes()); }, "bytes of all regions"},
+        {"regions", "Regions", RegionFields(),
+         [](const ShownLayout& shown) { return shown.layout.regions; }, tools::ListLayout::Table,
+         "no regions"},
+    };
+    return kFields;
 }
 
 ExitCode FlashLayoutShow(tools::Invocation& invocation) {
     const AdapterSession session = OpenSelectedAdapter(invocation);
-    const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
-    uint64_t bytes = 0;
-    std::vector<Record> rows;
-    for (const FlashRegion& region : layout.regions) {
-        bytes += region.size;
-        rows.push_back(RegionRowOf(region));
-    }
-    Record& result = invocation.Result();
-    result.Add("serial", "Adapter", Value::Serial(session.Serial()));
-    result.Add("has_regions", "Has regions", Value::Flag(!layout.whole));
-    result.Add("size", "Size of all regions", Value::Number(bytes, "bytes").Shown(SizeText(bytes)));
-    result.AddList("regions", "Regions", tools::ListLayout::Table, RegionRowOf({}), "no regions",
-                   std::move(rows));
+    invocation.Result() = LayoutFields().Make(
+        {&session, ReadFlashLayout(invocation, session.First(), session.Handle())});
     return ExitCode::Done;
 }
 
@@ -60,6 +84,7 @@ tools::CommandRows FlashLayoutCommands() {
             .schema = "flash.layout",
             .run = FlashLayoutShow,
             .example = "flash layout -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<LayoutFields>,
         },
     };
     return kCommands;

@@ -1,25 +1,25 @@
 // flash lock show|release
 #include <algorithm>
 
+#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
-#include "vxmgr/app/values.h"
 #include "vxmgr/flash/commands.h"
-#include "vxmgr/flash/flash_lock_child.h"
 #include "vxmgr/flash/flash_lock_view.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kSerial;
 using tools::Tone;
 using tools::Value;
 
-constexpr Argument kReleaseArguments[] = {
+constexpr tools::Argument kReleaseArguments[] = {
     {.name = "--owner-pid",
-     .kind = ArgumentKind::Number,
+     .kind = tools::ArgumentKind::Number,
      .valueName = "N",
      .help = "process that held the lock when it ended",
      .required = true,
@@ -31,40 +31,70 @@ constexpr Argument kReleaseArguments[] = {
 struct LockRow {
     const Adapter* adapter = nullptr;
     std::string serial;
-    LockState state;
+    LockState state{};
+    bool released = false;
+
+    std::optional<uint32_t> AdapterIndex() const {
+        return adapter != nullptr ? std::optional(adapter->index) : std::nullopt;
+    }
+    // Null for a lock that nobody holds.
+    Value WhenHeld(Value value) const { return state.held ? std::move(value) : Value(); }
 };
 
-Record RecordOf(const LockRow& row) {
-    const LockState& state = row.state;
-    const auto whenHeld = [&](Value value) { return state.held ? std::move(value) : Value(); };
-    Record record;
-    record.Add("adapter", "Adapter", row.adapter ? Value::Number(row.adapter->index) : Value(),
-               "ADAPTER");
-    record.Add("serial", "Serial", Value::Serial(row.serial), "SERIAL");
-    record.Add("held", "Lock",
-               Value::Flag(state.held)
-                   .Shown(state.held ? "held" : "free")
-                   .In(state.held ? Tone::Warning : Tone::Plain),
-               "LOCK");
-    record.Add("owner_pid", "Owner", whenHeld(Value::Number(state.owner)), "OWNER");
-    record.Add("owner_lives", "Owner lives",
-               whenHeld(Value::Flag(state.ownerLives)
-                            .Shown(state.ownerLives ? "yes" : "no")
-                            .In(state.ownerLives ? Tone::Plain : Tone::Bad)),
-               "LIVES");
-    record.Add("held_seconds", "Held for", whenHeld(Value::Number(state.heldSeconds, "s")),
-               "HELD FOR");
-    record.Add("expired", "Time over",
-               whenHeld(Value::Flag(state.expired).Shown(state.expired ? "yes" : "no")),
-               "TIME OVER");
-    return record;
+const tools::Fields<LockRow>& LockFields() {
+    static const tools::Fields<LockRow> kFields = {
+        {"adapter", "Adapter", "ADAPTER", kInteger.OrNull(), &LockRow::AdapterIndex,
+         "null: the adapter is not there"},
+        {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
+        {"serial", "Serial", "SERIAL", kSerial.OrNull(), &LockRow::serial},
+        {"held", "Lock", "LOCK", kFlag,
+         [](const LockRow& row) {
+             return Value::Flag(row.state.held)
+                 .Shown(row.state.held ? "held" : "free")
+                 .In(row.state.held ? Tone::Warning : Tone::Plain);
+         }},
+        {"owner_pid", "Owner", "OWNER", kInteger.OrNull(),
+         [](const LockRow& row) { return row.WhenHeld(Value::Number(row.state.owner)); }},
+        {"owner_lives", "Owner lives", "LIVES", kFlag.OrNull(),
+         [](const LockRow& row) {
+             return row.WhenHeld(Value::Flag(row.state.ownerLives)
+                                     .In(row.state.ownerLives ? Tone::Plain : Tone::Bad));
+         }},
+        {"held_seconds", "Held for", "HELD FOR", kInteger.OrNull(),
+         [](const LockRow& row) {
+             return row.WhenHeld(Value::Number(row.state.heldSeconds, "s"));
+         }},
+        {"expired", "Time over", "TIME OVER", kFlag.OrNull(),
+         [](const LockRow& row) { return row.WhenHeld(Value::Flag(row.state.expired)); },
+         "held for so long that anybody may take it over"},
+    };
+    return kFields;
 }
 
-std::vector<LockRow> LocksOf(const FlashLockArea& table,
-                             const std::vector<const Adapter*>& adapters) {
-    std::vector<LockRow> rows;
+using LockRows = std::vector<LockRow>;
+
+const tools::Fields<LockRows>& LockShowFields() {
+    static const auto kFields = tools::ListOf<LockRows>("locks", "Update locks", LockFields(),
+                                                        tools::ListLayout::Table, "No adapters.");
+    return kFields;
+}
+
+const tools::Fields<LockRow>& LockReleaseFields() {
+    static const tools::Fields<LockRow> kFields = {
+        {"serial", "Adapter", kSerial.OrNull(), &LockRow::serial},
+        {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
+        {"owner_pid", "Owner", kInteger, [](const LockRow& row) { return row.state.owner; }},
+        {"held_seconds", "Held for", tools::Integer("s"),
+         [](const LockRow& row) { return row.state.heldSeconds; }},
+        {"released", "Released", kFlag, &LockRow::released},
+    };
+    return kFields;
+}
+
+LockRows LocksOf(const FlashLockArea& table, const std::vector<const Adapter*>& adapters) {
+    LockRows rows;
     for (const Adapter* adapter : adapters) {
-        LockRow row{adapter, adapter->First().Serial(), {}};
+        LockRow row{adapter, adapter->First().Serial()};
         if (const FlashLock* record = FindLock(table, row.serial)) {
             row.state = StateOf(*record);
         }
@@ -74,8 +104,7 @@ std::vector<LockRow> LocksOf(const FlashLockArea& table,
 }
 
 // Held locks of adapters that are not there: nobody but their owner can give them back.
-void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters,
-             std::vector<LockRow>& rows) {
+void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters, LockRows& rows) {
     for (const FlashLock& record : table.locks) {
         const std::string serial = SerialOf(record);
         const bool known = std::any_of(adapters.begin(), adapters.end(), [&](const Adapter& one) {
@@ -87,10 +116,6 @@ void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters,
     }
 }
 
-bool SelectsNothing(tools::Invocation& invocation) {
-    return !invocation.Given().Has("adapter") && !invocation.Given().Has("port");
-}
-
 // The lock that the process left behind on a selected adapter.
 LockRow LeftBehind(tools::Invocation& invocation, uint32_t owner,
                    const std::vector<Adapter>& adapters) {
@@ -100,13 +125,9 @@ LockRow LeftBehind(tools::Invocation& invocation, uint32_t owner,
             continue;
         }
         if (row.state.ownerLives) {
-            throw tools::CommandError{
-                ExitCode::Busy,
-                {tools::Severity::Error,
-                 "process " + std::to_string(owner) + " lives and may be updating the adapter",
-                 "end it first; a lock is free for all after 15 minutes at the latest",
-                 row.adapter->First().Object(),
-                 {}}};
+            FailAt(row.adapter->First().Object(), ExitCode::Busy,
+                   "process " + std::to_string(owner) + " lives and may be updating the adapter",
+                   "end it first; a lock is free for all after 15 minutes at the latest");
         }
         return row;
     }
@@ -119,12 +140,9 @@ uint32_t GivenOwner(tools::Invocation& invocation) {
     return static_cast<uint32_t>(invocation.Given().Number("owner-pid").value_or(0));
 }
 
-void AddRelease(tools::Invocation& invocation, const LockRow& row, bool released) {
-    Record& result = invocation.Result();
-    result.Add("serial", "Adapter", Value::Serial(row.serial));
-    result.Add("owner_pid", "Owner", Value::Number(row.state.owner));
-    result.Add("held_seconds", "Held for", Value::Number(row.state.heldSeconds, "s"));
-    result.Add("released", "Released", Value::Flag(released));
+void ShowRelease(tools::Invocation& invocation, LockRow& lock, bool released) {
+    lock.released = released;
+    invocation.Result() = LockReleaseFields().Make(lock);
 }
 
 ExitCode FlashLockShow(tools::Invocation& invocation) {
@@ -132,13 +150,11 @@ ExitCode FlashLockShow(tools::Invocation& invocation) {
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
     const auto table = ReadLockTable(invocation);
-    std::vector<LockRow> locks = LocksOf(*table, selected);
-    if (SelectsNothing(invocation)) {
+    LockRows locks = LocksOf(*table, selected);
+    if (!invocation.Given().Has("adapter") && !invocation.Given().Has("port")) {
         AddGone(*table, adapters, locks);
     }
-    std::vector<Record> rows;
     for (const LockRow& lock : locks) {
-        rows.push_back(RecordOf(lock));
         if (lock.state.held && !lock.state.ownerLives) {
             invocation.Warn("process " + std::to_string(lock.state.owner) +
                                 " ended without giving its lock back",
@@ -146,8 +162,7 @@ ExitCode FlashLockShow(tools::Invocation& invocation) {
                                 "` frees it");
         }
     }
-    invocation.Result().AddList("locks", "Update locks", tools::ListLayout::Table, RecordOf({}),
-                                "No adapters.", std::move(rows));
+    invocation.Result() = LockShowFields().Make(locks);
     return ExitCode::Done;
 }
 
@@ -155,9 +170,9 @@ ExitCode FlashLockRelease(tools::Invocation& invocation) {
     const uint32_t owner = GivenOwner(invocation);
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
-    const LockRow lock = LeftBehind(invocation, owner, adapters);
+    LockRow lock = LeftBehind(invocation, owner, adapters);
     if (invocation.DryRun()) {
-        AddRelease(invocation, lock, false);
+        ShowRelease(invocation, lock, false);
         invocation.Note("dry run: the lock would be released");
         return ExitCode::Done;
     }
@@ -165,15 +180,13 @@ ExitCode FlashLockRelease(tools::Invocation& invocation) {
     const auto table = ReadLockTable(invocation);
     const FlashLock* now = FindLock(*table, lock.serial);
     const bool released = now == nullptr || now->owner != owner;
-    AddRelease(invocation, lock, released);
+    ShowRelease(invocation, lock, released);
     if (!released) {
-        invocation.Add({tools::Severity::Error,
-                        "the lock is still held: the process that was to release it ended with "
-                        "exit code " +
-                            std::to_string(Number(ended)),
-                        "a lock is free for all after 15 minutes at the latest",
-                        lock.adapter->First().Object(),
-                        {}});
+        Complain(
+            invocation, lock.adapter->First().Object(),
+            "the lock is still held: the process that was to release it ended with exit code " +
+                std::to_string(Number(ended)),
+            "a lock is free for all after 15 minutes at the latest");
         return ended == ExitCode::Done ? ExitCode::Failed : ended;
     }
     invocation.Changed();
@@ -184,7 +197,7 @@ ExitCode FlashLockEnd(tools::Invocation& invocation) {
     const uint32_t owner = GivenOwner(invocation);
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
-    const LockRow lock = LeftBehind(invocation, owner, adapters);
+    LockRow lock = LeftBehind(invocation, owner, adapters);
     Device device;
     HX_STATUS status = lock.adapter->Speaker().Open(TracePath(invocation), &device);
     if (status == HXMGT_SUCCESS) {
@@ -192,7 +205,7 @@ ExitCode FlashLockEnd(tools::Invocation& invocation) {
         // nothing may follow here.
         status = HXEndFlashUpdate(device.Handle(), 0, owner);
     }
-    AddRelease(invocation, lock, status == HXMGT_SUCCESS);
+    ShowRelease(invocation, lock, status == HXMGT_SUCCESS);
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the lock cannot be released", lock.adapter->First().Object());
     }
@@ -210,6 +223,7 @@ tools::CommandRows FlashLockCommands() {
             .schema = "flash.lock.show",
             .run = FlashLockShow,
             .example = "flash lock show",
+            .result = tools::ShapeOf<LockShowFields>,
         },
         {
             .path = "flash lock release",
@@ -219,6 +233,7 @@ tools::CommandRows FlashLockCommands() {
             .arguments = kReleaseArguments,
             .run = FlashLockRelease,
             .example = "flash lock release --owner-pid 1424",
+            .result = tools::ShapeOf<LockReleaseFields>,
         },
         {
             .path = kLockEndCommand,

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "common/text.h"
 #include "formats/flash_lock.h"
 
 namespace vxmgr {
@@ -10,10 +11,21 @@ namespace vxmgr {
 using formats::FlashLock;
 using formats::FlashLockArea;
 
-std::string SerialOf(const FlashLock& record);  // empty: not in use
+// Empty: not in use.
+inline std::string SerialOf(const FlashLock& record) {
+    return record.serial[0] == 0 ? std::string()
+                                 : tools::FieldText(record.serial + 1, sizeof record.serial - 1);
+}
 
 // The record of an adapter, or null when it has none yet.
-const FlashLock* FindLock(const FlashLockArea& table, const std::string& serial);
+inline const FlashLock* FindLock(const FlashLockArea& table, const std::string& serial) {
+    for (const FlashLock& record : table.locks) {
+        if (!serial.empty() && SerialOf(record) == serial) {
+            return &record;
+        }
+    }
+    return nullptr;
+}
 
 // How long a lock has been held at a tick count.
 inline uint32_t HeldMs(const FlashLock& record, uint32_t nowTick) {

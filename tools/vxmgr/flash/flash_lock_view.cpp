@@ -3,27 +3,14 @@
 #include <windows.h>
 
 #include <cstring>
+#include <string>
+
+#include "frame/owned.h"
 
 namespace vxmgr {
 namespace {
 
-// Closes itself.
-class Handle {
-  public:
-    explicit Handle(HANDLE handle) : handle_(handle) {}
-    ~Handle() {
-        if (handle_ != nullptr) {
-            CloseHandle(handle_);
-        }
-    }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    HANDLE Get() const { return handle_; }
-
-  private:
-    const HANDLE handle_;
-};
+using tools::ExitCode;
 
 constexpr uint64_t kTicksPerMs = 10000;  // of a FILETIME
 
@@ -35,9 +22,9 @@ uint64_t TicksOf(const FILETIME& time) {
 // as old as can be.
 bool LifeOf(uint32_t processId, uint64_t* ms) {
     *ms = UINT64_MAX / 2;
-    const Handle process(
+    const frame::OwnedObject process(
         OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
-    if (process.Get() == nullptr) {
+    if (!process.Valid()) {
         return GetLastError() == ERROR_ACCESS_DENIED;
     }
     if (WaitForSingleObject(process.Get(), 0) != WAIT_TIMEOUT) {
@@ -55,13 +42,34 @@ bool LifeOf(uint32_t processId, uint64_t* ms) {
     return true;
 }
 
+constexpr DWORD kPatienceMs = 120000;  // a driver may be busy for more than a minute
+constexpr DWORD kPollMs = 100;
+
+std::wstring OwnProgram() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length =
+            GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+std::wstring Widened(const std::string& ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
 }  // namespace
 
 std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation) {
-    const Handle section(OpenFileMappingA(FILE_MAP_READ, FALSE, formats::kFlashLockAreaName));
-    const void* view = section.Get() == nullptr ? nullptr
-                                                : MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0,
-                                                                sizeof(FlashLockArea));
+    const frame::OwnedObject section(
+        OpenFileMappingA(FILE_MAP_READ, FALSE, formats::kFlashLockAreaName));
+    const void* view =
+        section.Valid() ? MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0, sizeof(FlashLockArea))
+                        : nullptr;
     if (view == nullptr) {
         invocation.Fail(static_cast<uint32_t>(GetLastError()),
                         "the update locks cannot be looked at");
@@ -84,6 +92,36 @@ LockState StateOf(const FlashLock& record) {
         state.ownerLives = LifeOf(record.owner, &lifeMs) && MayOwn(lifeMs, heldMs);
     }
     return state;
+}
+
+ExitCode EndLockInChild(tools::Invocation& invocation, uint32_t portIndex, uint32_t owner) {
+    const std::wstring program = OwnProgram();
+    std::wstring line = L"\"" + program + L"\" " +
+                        Widened(std::string(kLockEndCommand) + " --quiet --owner-pid " +
+                                std::to_string(owner) + " -p index:" + std::to_string(portIndex));
+    // Inherits no handles and has no console: neither its output nor its end is anybody's business.
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                        nullptr, nullptr, &start, &process)) {
+        invocation.Fail(static_cast<uint32_t>(GetLastError()),
+                        "the process that releases the lock cannot be started");
+    }
+    const frame::OwnedObject thread(process.hThread);
+    const frame::OwnedObject ending(process.hProcess);
+    DWORD waited = 0;
+    while (WaitForSingleObject(process.hProcess, kPollMs) == WAIT_TIMEOUT && waited < kPatienceMs) {
+        waited += kPollMs;
+    }
+    DWORD exit = static_cast<DWORD>(Number(ExitCode::TimedOut));
+    if (waited >= kPatienceMs) {
+        TerminateProcess(process.hProcess, exit);
+    } else {
+        GetExitCodeProcess(process.hProcess, &exit);
+    }
+    const tools::ExitCodeRow* row = tools::FindExitCode(static_cast<int>(exit));
+    return row == nullptr ? ExitCode::Internal : row->code;
 }
 
 }  // namespace vxmgr

@@ -1,4 +1,5 @@
-// A look at the update locks of this machine, without touching them.
+// The update locks of this machine as they stand, and how that of a process that has ended is given
+// back.
 #pragma once
 
 #include <cstdint>
@@ -22,5 +23,12 @@ struct LockState {
 };
 
 LockState StateOf(const FlashLock& record);
+
+inline constexpr const char* kLockEndCommand = "flash lock end";
+
+// The call that ends a lock also terminates and closes the thread whose handle its record keeps.
+// That handle was the owner's: here the number may stand for anything. So it is made by a process
+// that has nothing to lose. Returns that process's exit code.
+tools::ExitCode EndLockInChild(tools::Invocation& invocation, uint32_t portIndex, uint32_t owner);
 
 }  // namespace vxmgr

@@ -2,35 +2,37 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "common/text.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/commands.h"
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"
-#include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_adapter.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
 namespace fs = std::filesystem;
-using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
+using tools::kInteger;
+using tools::kText;
 using tools::Value;
 
 constexpr uint64_t kMostBytes = 64u << 20;
 constexpr const char* kAll = "all";
 
-constexpr Argument kReadArguments[] = {
+constexpr tools::Argument kReadArguments[] = {
     {.name = "REGION",
      .help = "region by key or code, or all; with --offset the file to write",
      .required = true},
-    {"FILE", ArgumentKind::Text, "", "the file to write; with all, the folder"},
-    {"--offset", ArgumentKind::Number, "N", "read from this byte of the flash on"},
+    {.name = "FILE", .help = "the file to write; with all, the folder"},
+    {.name = "--offset",
+     .kind = ArgumentKind::Number,
+     .valueName = "N",
+     .help = "read from this byte of the flash on"},
     {.name = "--length",
      .kind = ArgumentKind::Number,
      .valueName = "N",
@@ -40,33 +42,72 @@ constexpr Argument kReadArguments[] = {
 };
 
 // What was read and saved, or why not.
-struct Saved {
+struct SavedRegion {
     FlashRegion region;
     std::string file;
     HX_STATUS status = HXMGT_SUCCESS;
-    ImageInfo image;
+    ImageInfo image{};
+
+    bool IsSaved() const { return status == HXMGT_SUCCESS; }
+};
+using SavedRegions = std::vector<SavedRegion>;
+
+const tools::Fields<SavedRegion>& SavedRegionFields() {
+    using Saved = SavedRegion;
+    static const tools::Fields<Saved> kFields = {
+        {"code", "Region", "CODE", kInteger, [](const Saved& one) { return one.region.code; }},
+        {"key", "Key", "KEY", kText, [](const Saved& one) { return one.region.Key(); }},
+        {"content", "Content", "CONTENT", tools::Choice(kImageKinds).OrNull(),
+         [](const Saved& one) { return one.IsSaved() ? KindValue(one.image.kind) : Value(); }},
+        {"version", "Version", "VERSION", kText.OrNull(),
+         [](const Saved& one) { return one.image.version; }},
+        {"size", "Size", "SIZE", kInteger,
+         [](const Saved& one) { return SizeValue(one.region.size); }},
+        {"file", "File", "FILE", kText.OrNull(),
+         [](const Saved& one) { return one.IsSaved() ? one.file : std::string(); },
+         "null when the region could not be read"},
+        {"status", "Status", "STATUS", kText.OrNull(),
+         [](const Saved& one) { return StatusValue(one.status); }},
+    };
+    return kFields;
+}
+
+// A part of the flash that has no name.
+struct SavedRange {
+    uint32_t offset;
+    uint32_t length;
+    std::string file;
 };
 
-Record SavedRow(const Saved& saved) {
-    Record row;
-    row.Add("code", "Region", Value::Number(saved.region.code), "CODE");
-    row.Add("key", "Key", Value::Text(RegionKey(saved.region.code)), "KEY");
-    row.Add("content", "Content",
-            saved.status == HXMGT_SUCCESS
-                ? Value::Text(KindKey(saved.image.kind)).Shown(KindName(saved.image.kind))
-                : Value(),
-            "CONTENT");
-    row.Add("version", "Version", Value::TextOrNull(saved.image.version), "VERSION");
-    row.Add("size", "Size",
-            Value::Number(saved.region.size, "bytes").Shown(SizeText(saved.region.size)), "SIZE");
-    row.Add("file", "File", saved.status == HXMGT_SUCCESS ? Value::Text(saved.file) : Value(),
-            "FILE");
-    row.Add("status", "Status", StatusValue(saved.status), "STATUS");
-    return row;
+const tools::Fields<SavedRange>& RangeFields() {
+    static const tools::Fields<SavedRange> kFields = {
+        {"offset", "Offset", kText, [](const SavedRange& one) { return HexValue(one.offset, 8); },
+         "with --offset"},
+        {"size", "Size", kInteger, [](const SavedRange& one) { return SizeValue(one.length); },
+         "with --offset"},
+        {"file", "File", kText, &SavedRange::file, "with --offset"},
+    };
+    return kFields;
+}
+
+struct FlashSaved {
+    const AdapterSession* session;
+    std::optional<SavedRegions> regions{};
+    std::optional<SavedRange> range{};
+};
+
+const tools::Fields<FlashSaved>& FlashReadFields() {
+    static const tools::Fields<FlashSaved> kFields = {
+        {SessionFields(), &FlashSaved::session},
+        {"regions", "Regions", SavedRegionFields(), &FlashSaved::regions, tools::ListLayout::Table,
+         "no regions", "without --offset"},
+        {RangeFields(), &FlashSaved::range},
+    };
+    return kFields;
 }
 
 void SaveRegion(tools::Invocation& invocation, const AdapterSession& session,
-                const FlashLayout& layout, Saved& saved) {
+                const FlashLayout& layout, SavedRegion& saved) {
     invocation.CheckStop();
     invocation.Progress("reading region " + std::to_string(saved.region.code) + ", " +
                         SizeText(saved.region.size));
@@ -95,15 +136,15 @@ void MakeFolder(tools::Invocation& invocation, const std::string& folder) {
     }
 }
 
-std::vector<Saved> WhatToRead(tools::Invocation& invocation, const FlashLayout& layout,
-                              const std::string& region, const std::string& path) {
+SavedRegions WhatToRead(tools::Invocation& invocation, const FlashLayout& layout,
+                        const std::string& region, const std::string& path) {
     if (region != kAll) {
-        return {{GivenRegion(invocation, layout, region), path, HXMGT_SUCCESS, {}}};
+        return {{GivenRegion(invocation, layout, region), path}};
     }
     MakeFolder(invocation, path);
-    std::vector<Saved> all;
+    SavedRegions all;
     for (const FlashRegion& one : layout.regions) {
-        all.push_back({one, path + "/" + FileNameOf(one), HXMGT_SUCCESS, {}});
+        all.push_back({one, path + "/" + FileNameOf(one)});
     }
     return all;
 }
@@ -112,25 +153,18 @@ ExitCode ReadRegions(tools::Invocation& invocation, const std::string& region,
                      const std::string& path) {
     const AdapterSession session = OpenSelectedAdapter(invocation);
     const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
-    std::vector<Record> rows;
-    size_t failures = 0;
-    ExitCode first = ExitCode::Done;
-    std::vector<Saved> wanted = WhatToRead(invocation, layout, region, path);
-    for (Saved& saved : wanted) {
+    FailureTally failed;
+    SavedRegions wanted = WhatToRead(invocation, layout, region, path);
+    for (SavedRegion& saved : wanted) {
         SaveRegion(invocation, session, layout, saved);
         if (saved.status != HXMGT_SUCCESS) {
-            const ExitCode exit = invocation.Report(
+            failed.Add(invocation.Report(
                 saved.status, "region " + std::to_string(saved.region.code) + " cannot be read",
-                session.Object());
-            first = failures++ == 0 ? exit : first;
+                session.Object()));
         }
-        rows.push_back(SavedRow(saved));
     }
-    Record& result = invocation.Result();
-    result.Add("serial", "Adapter", Value::Serial(session.Serial()));
-    result.AddList("regions", "Regions", tools::ListLayout::Table, SavedRow({}), "no regions",
-                   std::move(rows));
-    return failures != 0 && failures < wanted.size() ? ExitCode::Partial : first;
+    invocation.Result() = FlashReadFields().Make({&session, wanted});
+    return failed.Of(wanted.size());
 }
 
 ExitCode ReadRange(tools::Invocation& invocation, uint32_t offset, uint32_t length,
@@ -140,21 +174,17 @@ ExitCode ReadRange(tools::Invocation& invocation, uint32_t offset, uint32_t leng
     const HX_STATUS status =
         HXGetOptionRomOffset(session.Handle(), 0, bytes.data(), length, offset);
     if (status == HXMGT_INVALID_PARAMETER) {
-        throw tools::CommandError{
-            ExitCode::Failed,
-            {tools::Severity::Error, "the flash has no such bytes, or none from this offset on",
-             "newer chips are read from multiples of 256 on; `flash layout` shows the size",
-             session.Object(), status}};
+        FailAt(session.Object(), ExitCode::Failed,
+               "the flash has no such bytes, or none from this offset on",
+               "newer chips are read from multiples of 256 on; `flash layout` shows the size",
+               status);
     }
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the flash cannot be read", session.Object());
     }
     SaveFile(invocation, path, bytes);
-    Record& result = invocation.Result();
-    result.Add("serial", "Adapter", Value::Serial(session.Serial()));
-    result.Add("offset", "Offset", HexValue(offset, 8));
-    result.Add("size", "Size", Value::Number(length, "bytes").Shown(SizeText(length)));
-    result.Add("file", "File", Value::Text(path));
+    invocation.Result() =
+        FlashReadFields().Make({&session, std::nullopt, SavedRange{offset, length, path}});
     return ExitCode::Done;
 }
 
@@ -190,6 +220,7 @@ tools::CommandRows FlashReadCommands() {
             .arguments = kReadArguments,
             .run = FlashRead,
             .example = "flash read boot boot.bin -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<FlashReadFields>,
         },
     };
     return kCommands;

@@ -1,48 +1,112 @@
 // flash write
 #include "vxmgr/flash/commands.h"
-#include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/flash/flash_version.h"
+#include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_plan.h"
-#include "vxmgr/update/update_region.h"
 #include "vxmgr/update/update_stored.h"
+#include "vxmgr/update/update_write.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
+using tools::kFlag;
 
-constexpr Argument kWriteArguments[] = {
+constexpr tools::Argument kWriteArguments[] = {
     {.name = "REGION", .help = "region by key or code", .required = true},
     {.name = "FILE", .help = "the image", .required = true},
-    {"--pad", ArgumentKind::Flag, "", "fill a shorter image up to the region's size with 0xff"},
-    {"--allow-older", ArgumentKind::Flag, "", "write an older version than there is"},
-    {"--allow-same", ArgumentKind::Flag, "", "write what the region holds already"},
+    {.name = "--pad",
+     .kind = ArgumentKind::Flag,
+     .help = "fill a shorter image up to the region's size with 0xff"},
+    {.name = "--allow-older",
+     .kind = ArgumentKind::Flag,
+     .help = "write an older version than there is"},
+    {.name = "--allow-same",
+     .kind = ArgumentKind::Flag,
+     .help = "write what the region holds already"},
 };
 
-// Null: the adapter does not answer, so that nobody knows.
-Value WrittenValue(const RegionOutcome& outcome) {
-    const bool unknown = outcome.state == RegionState::Unknown && outcome.status != HXMGT_SUCCESS;
-    return unknown ? Value() : Value::Flag(outcome.state != RegionState::Old);
+// What came of it, known only at the end.
+struct FlashWriteEnd {
+    std::optional<bool> written = false;
+    std::optional<PlaceState> state{};
+    std::optional<bool> verified{};
+    std::string running;
+};
+
+const tools::Fields<FlashWriteEnd>& FlashWriteEndFields() {
+    using End = FlashWriteEnd;
+    static const tools::Fields<End> kFields = {
+        {"written", "Written", kFlag.OrNull(), &End::written,
+         "null: the adapter does not answer, so that nobody knows"},
+        {"state", "Region holds", tools::Choice(kPlaceStates).OrNull(),
+         [](const End& end) {
+             return end.state ? kPlaceStates[static_cast<size_t>(*end.state)] : nullptr;
+         },
+         "what the region held when it was read back: its old contents, the image, a mixture, or "
+         "not known; null when nothing was to be written"},
+        {"verified", "Verified", kFlag.OrNull(), &End::verified,
+         "null when nothing was written or the region could not be read back"},
+        {"running_after", "Running now", tools::kText.OrNull(), &End::running},
+    };
+    return kFields;
 }
 
-void AddOutcome(Record& result, Value written, Value state, Value verified,
-                const std::string& running) {
-    result.Add("written", "Written", std::move(written));
-    result.Add("state", "Region holds", std::move(state));
-    result.Add("verified", "Verified", std::move(verified));
-    result.Add("running_after", "Running now", Value::TextOrNull(running));
+struct FlashWritten {
+    const UpdatePlan* plan;
+    std::optional<FlashWriteEnd> end;
+};
+
+const tools::Fields<FlashWritten>& FlashWriteFields() {
+    static const tools::Fields<FlashWritten> kFields = {
+        {PlanFields(), &FlashWritten::plan},
+        {FlashWriteEndFields(), &FlashWritten::end},
+    };
+    return kFields;
 }
 
-void AddNothing(Record& result, const UpdatePlan& plan) {
-    AddOutcome(result, Value::Flag(false), Value(), Value(), plan.running);
+PlaceWrite RegionWrite(const UpdatePlan& plan) {
+    const uint32_t handle = plan.session->Handle();
+    return {
+        .what = "region " + std::to_string(plan.region.code) + " (" + plan.region.Name() + ")",
+        .finishes = "the region",
+        .image = plan.bytes,
+        .before = plan.before,
+        .lookAgain = "look at it again with `fw check`",
+        .recheck = Recheck::WhenReadable,
+        .read =
+            [handle, &plan](std::vector<uint8_t>* bytes) {
+                return ReadRegion(handle, plan.layout, plan.region, bytes);
+            },
+        .write =
+            [handle, &plan](std::vector<uint8_t>& image) {
+                return WriteRegion(handle, plan.layout, plan.region, image);
+            },
+        .failed = {{" was not written whole, and cannot be read back",
+                    "read it with `flash read` once the adapter answers, and write it again before "
+                    "the adapter is restarted"},
+                   {" was not written: it holds what it held before",
+                    "the adapter works as before; the cause is in the status"},
+                   {" holds the whole image, but the adapter reported a failure",
+                    "look at `fw show` before the adapter is restarted"},
+                   {" holds neither its old contents nor the image",
+                    "write the region again before the adapter is restarted"}},
+        .accepted = {{" was written, but cannot be read back",
+                      "read it with `flash read` and compare before the adapter is restarted"},
+                     {" was not written, although the adapter reported success: it holds what it "
+                      "held before",
+                      "the adapter works as before"},
+                     {},
+                     {" holds neither its old contents nor the image, although the adapter "
+                      "reported success",
+                      "write the region again before the adapter is restarted"}},
+        .mixedUpTo = "it is the image",
+    };
 }
 
 // Whether what was written has still to be started.
-bool IsPending(const UpdatePlan& plan, const RegionOutcome& outcome, const std::string& running) {
+bool IsPending(const UpdatePlan& plan, const WriteOutcome& outcome, const std::string& running) {
     if (outcome.NeedsRestart()) {
         return true;
     }
@@ -54,37 +118,41 @@ bool IsPending(const UpdatePlan& plan, const RegionOutcome& outcome, const std::
     return kind == RegionKind::Nvram || kind == RegionKind::Vpd;
 }
 
-void TellPending(tools::Invocation& invocation, const AdapterSession& session,
-                 const UpdatePlan& plan) {
-    invocation.AddPending({session.Object(), "firmware_restart",
-                           RegionName(plan.region.code) +
-                               ": stored, takes effect when the firmware starts next (`fw "
-                               "activate`, or a restart of the host)"});
+FlashWriteEnd EndOf(const WriteOutcome& outcome, const std::string& running) {
+    const bool unknown = outcome.state == PlaceState::Unknown;
+    FlashWriteEnd end{.state = outcome.state, .running = running};
+    end.written = unknown && outcome.status != HXMGT_SUCCESS
+                      ? std::nullopt
+                      : std::optional(outcome.state != PlaceState::Old);
+    end.verified = unknown ? std::nullopt : std::optional(!outcome.trouble);
+    return end;
 }
 
-ExitCode Write(tools::Invocation& invocation, AdapterSession& session, const UpdatePlan& plan) {
-    RegionWrite write{plan.layout, plan.region, plan.before, plan.bytes};
-    const RegionOutcome outcome = UpdateRegion(invocation, session, write);
+ExitCode WriteImage(tools::Invocation& invocation, AdapterSession& session, const UpdatePlan& plan,
+                    FlashWritten& result) {
+    PlaceWrite write = RegionWrite(plan);
+    const WriteOutcome outcome = WritePlace(invocation, session.Handle(), session.First(), write);
     session.Refresh();
     const std::string running = RunningVersion(session.First(), plan.region.code);
-    AddOutcome(invocation.Result(), WrittenValue(outcome), Value::Text(StateName(outcome.state)),
-               outcome.state == RegionState::Unknown ? Value() : Value::Flag(outcome.Proven()),
-               running);
-    const ExitCode exit = ReportOutcome(invocation, session, write, outcome);
-    if (outcome.state != RegionState::Old) {
-        invocation.Changed();
-    }
-    if (exit == ExitCode::Done && IsPending(plan, outcome, running)) {
-        TellPending(invocation, session, plan);
-    }
-    if (exit == ExitCode::Done && write.image != plan.bytes) {
-        invocation.Note("the adapter's own identity was carried over into the image");
+    result.end = EndOf(outcome, running);
+    if (outcome.trouble) {
+        invocation.Add(outcome.trouble->message);
+    } else {
+        if (IsPending(plan, outcome, running)) {
+            invocation.AddPending({session.Object(), "firmware_restart",
+                                   plan.region.Name() +
+                                       ": stored, takes effect when the firmware starts next (`fw "
+                                       "activate`, or a restart of the host)"});
+        }
+        if (write.image != plan.bytes) {
+            invocation.Note("the adapter's own identity was carried over into the image");
+        }
     }
     if (outcome.interrupted) {
         invocation.Note("interrupted: the region was finished first");
-        throw tools::Stopped{tools::StopReason::Interrupted};
     }
-    return exit;
+    StopWhen(outcome.interrupted);
+    return outcome.trouble ? outcome.trouble->exit : ExitCode::Done;
 }
 
 ExitCode FlashWrite(tools::Invocation& invocation) {
@@ -93,26 +161,24 @@ ExitCode FlashWrite(tools::Invocation& invocation) {
     const UpdatePlan plan = PlanUpdate(
         invocation, session,
         {given.Text("FILE"), given.Text("REGION"), given.Has("pad"), {given.Has("allow-older")}});
-    Record& result = invocation.Result();
-    AddPlan(result, session, plan);
+    tools::GrowingResult result(invocation.Result(), FlashWriteFields(),
+                                {&plan, FlashWriteEnd{.running = plan.running}});
     if (const ExitCode exit = ReportFindings(invocation, plan); exit != ExitCode::Done) {
-        AddNothing(result, plan);
         return exit;
     }
     if (plan.same && !given.Has("allow-same")) {
-        AddNothing(result, plan);
         invocation.Note("nothing to do: the region holds these bytes already",
                         "--allow-same writes them all the same");
         return ExitCode::Done;
     }
     if (invocation.DryRun()) {
-        AddNothing(result, plan);
         invocation.Note("dry run: the image would be written");
         return ExitCode::Done;
     }
-    invocation.Confirm(QuestionAbout(session, plan));
+    result.end.reset();
+    invocation.Confirm(QuestionAbout(plan));
     invocation.CheckStop();
-    return Write(invocation, session, plan);
+    return WriteImage(invocation, session, plan, result);
 }
 
 }  // namespace
@@ -127,6 +193,7 @@ tools::CommandRows FlashWriteCommands() {
             .arguments = kWriteArguments,
             .run = FlashWrite,
             .example = "flash write boot boot-362.bin -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<FlashWriteFields>,
         },
     };
     return kCommands;

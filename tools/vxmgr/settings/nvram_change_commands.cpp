@@ -1,18 +1,30 @@
-// nvram set, nvram import.
+// nvram set, nvram import, nvram activate.
 #include <algorithm>
 
 #include "vxmgr/settings/commands.h"
-#include "vxmgr/settings/nvram_change.h"
 #include "vxmgr/settings/nvram_file.h"
+#include "vxmgr/settings/nvram_records.h"
+#include "vxmgr/settings/settings_store.h"
+#include "vxmgr/update/update_checks.h"
+#include "vxmgr/update/update_lock.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
+using tools::kFlag;
 
-constexpr Argument kSetArguments[] = {
+constexpr size_t kRowsInQuestion = 12;
+
+constexpr tools::Argument kActivateArgument = {
+    .name = "--activate",
+    .kind = ArgumentKind::Flag,
+    .help = "have the firmware read it at once: restarts the port"};
+constexpr tools::Argument kBackupArgument = {
+    .name = "--backup", .valueName = "FILE", .help = "first write an export of the block as it is"};
+constexpr tools::Argument kSetArguments[] = {
     {.name = "SETTING",
      .help = "NAME=VALUE: a variable by number, name or start of its name",
      .required = true,
@@ -24,13 +36,204 @@ constexpr Argument kSetArguments[] = {
     kActivateArgument,
     kBackupArgument,
 };
-constexpr Argument kImportArguments[] = {
+constexpr tools::Argument kImportArguments[] = {
     {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
-    {"--as-port", ArgumentKind::Flag, "",
-     "take the settings of another port's document; names and board IDs stay"},
+    {.name = "--as-port",
+     .kind = ArgumentKind::Flag,
+     .help = "take the settings of another port's document; names and board IDs stay"},
     kActivateArgument,
     kBackupArgument,
 };
+
+// What was changed, or would be, and what came of it.
+struct NvramChanged {
+    const PortNvram* before;
+    NvramDifference difference;
+    bool stored = false;
+    bool active = false;
+};
+
+const tools::Fields<NvramChanged>& NvramChangeFields() {
+    using Changed = NvramChanged;
+    static const tools::Fields<Changed> kFields = {
+        {PortKeys(), [](const Changed& one) { return &one.before->ItsPort(); }},
+        {"bank", "Goes to bank", kBank, [](const Changed& one) { return one.before->Target(); },
+         "null on chips with one bank"},
+        {ChangeFields(), &Changed::difference},
+        {"stored", "Stored", kFlag, &Changed::stored, "written and read back"},
+        {"active", "In use", kFlag, &Changed::active, "the firmware uses it"},
+    };
+    return kFields;
+}
+
+struct Restart {
+    const PortNvram* before;
+    const PortNvram* after;
+    bool restarted;
+};
+
+const tools::Fields<Restart>& RestartFields() {
+    static const tools::Fields<Restart> kFields = {
+        {PortKeys(), [](const Restart& one) { return &one.before->ItsPort(); }},
+        {"bank_before", "Bank before", kBank, [](const Restart& one) { return one.before->Bank(); },
+         "null on chips with one bank"},
+        {"bank", "Bank", kBank, [](const Restart& one) { return one.after->Bank(); },
+         "null on chips with one bank"},
+        {"restarted", "Restarted", kFlag, &Restart::restarted},
+    };
+    return kFields;
+}
+
+// What the question says of the change.
+std::vector<std::string> LinesOf(const NvramDifference& difference) {
+    std::vector<std::string> lines;
+    for (size_t i = 0; i < difference.changes.size() && i < kRowsInQuestion; ++i) {
+        const NvramChange& change = difference.changes[i];
+        lines.push_back("  " + change.variable->name + ": " +
+                        ShownValue(*change.variable, change.before) + " -> " +
+                        ShownValue(*change.variable, change.after));
+    }
+    if (difference.changes.size() > kRowsInQuestion) {
+        lines.push_back("  and " + std::to_string(difference.changes.size() - kRowsInQuestion) +
+                        " more: see them with --dry-run");
+    }
+    if (difference.otherBytes != 0) {
+        lines.push_back("  and " + std::to_string(difference.otherBytes) +
+                        " bytes that belong to no variable");
+    }
+    return lines;
+}
+
+// A change that waits in the other bank would be lost without a word. Whether it waits, or is what
+// was in use before, cannot be told.
+void WarnOfOtherBank(tools::Invocation& invocation, const PortNvram& nvram,
+                     const std::vector<uint8_t>& other) {
+    if (!nvram.bank || nvram.fromOther || !IsSound(nvram.map.kind, other)) {
+        return;
+    }
+    const NvramDifference difference = DifferenceOf(nvram.map, nvram.bytes, other);
+    if (!difference.Equal()) {
+        invocation.Warn("the " + std::string(nvram.bank->Name()) + " bank holds other settings (" +
+                            std::to_string(difference.changes.size()) +
+                            " variables differ): they are replaced, also if they wait for a reset",
+                        "--bank other starts from them instead");
+    }
+}
+
+bool WriteNvram(tools::Invocation& invocation, const PortNvram& before,
+                std::vector<uint8_t> replaced, std::vector<uint8_t>& block) {
+    const auto write = [](uint32_t handle, std::vector<uint8_t>& image) {
+        return HXUpdateNVRam(handle, 0, HX_NVRAM_BLOCK, image.data(),
+                             static_cast<uint32_t>(image.size()));
+    };
+    return WriteSettings(invocation, {"the NVRAM", before, std::move(replaced), write}, block);
+}
+
+void SaveBackup(tools::Invocation& invocation, const PortNvram& nvram) {
+    const std::string path = invocation.Given().Text("backup");
+    if (!path.empty()) {
+        SaveNvramDocument(invocation, nvram, path);
+        invocation.Note("the block as it is was saved to " + path);
+    }
+}
+
+// A reset in vain, or one that the port does not come back from.
+[[noreturn]] void RefuseDamaged(tools::Invocation& invocation, const char* which) {
+    invocation.Fail(ExitCode::Refused,
+                    std::string("signature or checksum of the block ") + which +
+                        " are wrong: the port was not restarted",
+                    "`nvram import` writes an export again");
+}
+
+// The block that the firmware will use behind a restart: on chips with two banks the one of the
+// other bank if it waits, which only the restart shows.
+void CheckBlocks(tools::Invocation& invocation, const PortSession& session,
+                 const PortNvram& nvram) {
+    if (!nvram.IsWhole()) {
+        RefuseDamaged(invocation, "in use");
+    }
+    std::vector<uint8_t> other;
+    if (nvram.bank && ReadBank(session, *nvram.bank, &other) == HXMGT_SUCCESS && !IsBlank(other) &&
+        !IsSound(nvram.map.kind, other)) {
+        RefuseDamaged(invocation, "in the other bank");
+    }
+}
+
+// Not while another program writes to the adapter.
+HX_STATUS RestartPort(tools::Invocation& invocation, const PortSession& session) {
+    const UpdateLock lock(invocation, session);
+    invocation.Progress("restarting the port's firmware");
+    return HXReloadNvramAndInitFw(session.Handle());
+}
+
+// Restarts the port's firmware and looks whether it uses the block. Reports what went wrong.
+ExitCode ActivateNvram(tools::Invocation& invocation, const PortSession& session, NvramKind kind,
+                       const std::vector<uint8_t>& block) {
+    const HX_STATUS status = RestartPort(invocation, session);
+    if (status != HXMGT_SUCCESS) {
+        return invocation.Report(status, "written, but the firmware did not take it over",
+                                 session.port.Object());
+    }
+    std::vector<uint8_t> now;
+    if (const HX_STATUS read = ReadBlock(session, kind, &now); read != HXMGT_SUCCESS) {
+        invocation.Report(read, "written and activated, but the NVRAM cannot be read",
+                          session.port.Object());
+        return ExitCode::NotProven;
+    }
+    if (now != block) {
+        Complain(invocation, session.port.Object(),
+                 "the firmware restarted, but uses other settings than were written",
+                 "compare `nvram show` with `nvram show --bank other`");
+        return ExitCode::NotProven;
+    }
+    return ExitCode::Done;
+}
+
+// Shows the difference, asks, writes, proves, and activates where that was asked for. before: the
+// block that `block` was made from; when they are equal, there is nothing to do.
+ExitCode ChangeNvram(tools::Invocation& invocation, const PortNvram& before,
+                     std::vector<uint8_t> block, const std::string& action) {
+    const PortSession& session = *before.session;
+    const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
+    const bool activate = invocation.Given().Has("activate");
+    NvramChanged changed{&before, DifferenceOf(before.map, before.bytes, block)};
+    // A checksum that is made good is a change as well.
+    const bool needed = block != before.bytes;
+    ExitCode exit = ExitCode::Done;
+    if (needed) {
+        std::vector<uint8_t> replaced = ReadReplaced(before);
+        WarnOfOtherBank(invocation, before, replaced);
+        if (!invocation.DryRun()) {
+            ConfirmUpdate(invocation, session, outlook, action,
+                          WhereItGoes(before.bank) +
+                              (activate ? " The port restarts at once: I/O through it stops for a "
+                                          "while."
+                                        : " Nothing stops now.") +
+                              " Wrong settings can keep the port from working.",
+                          LinesOf(changed.difference));
+            SaveBackup(invocation, before);
+            invocation.CheckStop();
+            exit = WriteNvram(invocation, before, std::move(replaced), block) ? ExitCode::Cancelled
+                                                                              : ExitCode::Done;
+            changed.stored = true;
+            if (activate && exit == ExitCode::Done) {
+                exit = ActivateNvram(invocation, session, before.map.kind, block);
+                changed.active = exit == ExitCode::Done;
+            }
+        }
+    }
+    invocation.Result() = NvramChangeFields().Make(changed);
+    if (!needed) {
+        invocation.Note("nothing to do");
+    } else if (!changed.stored) {
+        invocation.Note("dry run: nothing was written");
+    } else if (!changed.active) {
+        invocation.AddPending({session.port.Object(), "port_reset",
+                               "stored and read back, pending: the firmware uses it from the "
+                               "port's next reset on, or from `nvram activate` on"});
+    }
+    return exit;
+}
 
 ExitCode ExitOf(SettingFault fault) {
     return fault == SettingFault::Usage          ? ExitCode::Usage
@@ -59,24 +262,48 @@ void ApplySettings(tools::Invocation& invocation, const NvramMap& map,
 ExitCode NvramSet(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, WantsOtherBank(invocation));
-    std::vector<uint8_t> block = before.block;
+    std::vector<uint8_t> block = before.bytes;
     ApplySettings(invocation, before.map, block);
     // A checksum made over a damaged block would hide the damage.
-    if (!IsSound(before.map.kind, before.block)) {
+    if (!before.IsWhole()) {
         invocation.Fail(ExitCode::Refused,
                         "signature or checksum of the block are wrong: nothing was written",
                         "`nvram import` writes an export again");
     }
     MakeChecksum(before.map.kind, block);
-    return ChangeNvram(invocation, session, before, std::move(block), "Change NVRAM settings.");
+    return ChangeNvram(invocation, before, std::move(block), "Change NVRAM settings.");
 }
 
 ExitCode NvramImport(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, false);
-    std::vector<uint8_t> block = LoadNvramFile(invocation, session, before, FileUse::Write);
-    return ChangeNvram(invocation, session, before, std::move(block),
-                       "Import NVRAM settings from a file.");
+    std::vector<uint8_t> block = LoadNvramFile(invocation, before, FileUse::Write);
+    return ChangeNvram(invocation, before, std::move(block), "Import NVRAM settings from a file.");
+}
+
+ExitCode NvramActivate(tools::Invocation& invocation) {
+    const PortSession session = OpenSelectedPort(invocation);
+    const PortNvram before = ReadNvram(invocation, session, false);
+    const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
+    CheckBlocks(invocation, session, before);
+    if (invocation.DryRun()) {
+        invocation.Result() = RestartFields().Make({&before, &before, false});
+        invocation.Note("dry run: the port would restart");
+        return ExitCode::Done;
+    }
+    ConfirmUpdate(invocation, session, outlook,
+                  "Restart the port, so that its firmware uses the settings that were written.",
+                  "I/O through the port stops for a while.");
+    if (const HX_STATUS status = RestartPort(invocation, session); status != HXMGT_SUCCESS) {
+        invocation.Fail(status, "the port did not restart", session.port.Object());
+    }
+    invocation.Changed();
+    const PortNvram after = ReadNvram(invocation, session, false);
+    invocation.Result() = RestartFields().Make({&before, &after, true});
+    if (before.bank && after.bank && before.bank->second == after.bank->second) {
+        invocation.Note("no settings waited: the bank in use is the same");
+    }
+    return ExitCode::Done;
 }
 
 }  // namespace
@@ -91,6 +318,7 @@ tools::CommandRows NvramChangeCommands() {
             .arguments = kSetArguments,
             .run = NvramSet,
             .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
+            .result = tools::ShapeOf<NvramChangeFields>,
         },
         {
             .path = "nvram import",
@@ -100,6 +328,22 @@ tools::CommandRows NvramChangeCommands() {
             .arguments = kImportArguments,
             .run = NvramImport,
             .example = "nvram import settings.json -p scsi:3 --dry-run",
+            .result = tools::ShapeOf<NvramChangeFields>,
+        },
+    };
+    return kCommands;
+}
+
+tools::CommandRows NvramActivateCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvram activate",
+            .risk = tools::Risk::InterruptsIo,
+            .help = "have the firmware use what was written: restarts the port",
+            .schema = "nvram.activate",
+            .run = NvramActivate,
+            .example = "nvram activate -p scsi:3",
+            .result = tools::ShapeOf<RestartFields>,
         },
     };
     return kCommands;

@@ -10,67 +10,127 @@
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
 using tools::ExitCode;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kSerial;
 using tools::ListLayout;
-using tools::Record;
 using tools::Tone;
 using tools::Value;
 
-constexpr Argument kGetArguments[] = {
+constexpr tools::Argument kGetArguments[] = {
     {.name = "NAME",
      .help = "a variable: its number, its name, or the start of exactly one name",
      .required = true},
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help = "in-use or other (in-use)",
-     .choices = kBankChoices},
+    kBankArgument,
 };
-
-Record VariableRow(tools::Invocation& invocation, const NvramVariable& variable, uint32_t value) {
-    Record row;
-    row.Add("number", "Number", Value::Number(variable.number), "NUMBER");
-    row.Add("name", "Name", Value::Text(variable.name), "NAME");
-    row.Add("value", "Value", VariableValue(invocation, variable, value), "VALUE");
-    row.Add("highest", "Highest", Value::Number(variable.Most()), "HIGHEST");
-    row.Add("read_only", "Read-only", Value::Flag(!variable.Settable()), "READ-ONLY");
-    row.Add("description", "Description", Value::Text(variable.description), "DESCRIPTION");
-    return row;
-}
-
-Value NameValue(const std::optional<tools::Wwn>& name) {
-    return name ? Value::Name(*name) : Value();
-}
 
 Value SoundValue(bool sound) {
     return Value::Flag(sound).Shown(sound ? "good" : "wrong").In(sound ? Tone::Plain : Tone::Bad);
 }
 
+const tools::Fields<PortNvram>& NvramShowFields() {
+    using Nvram = PortNvram;
+    static const tools::Fields<Nvram> kFields = {
+        {"port", "Port", kInteger, [](const Nvram& nvram) { return nvram.ItsPort().index; }},
+        {"scsi_port", "", kInteger.OrNull(),
+         [](const Nvram& nvram) { return nvram.ItsPort().scsiPort; }},
+        {"serial", "Adapter", kSerial.OrNull(),
+         [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
+        {"adapter_serial", "", kSerial.OrNull(),
+         [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
+        {"kind", "Kind", tools::Choice(kNvramKinds),
+         [](const Nvram& nvram) { return NameOf(nvram.map.kind); }},
+        {"size", "Size", tools::Integer("bytes"),
+         [](const Nvram& nvram) { return nvram.bytes.size(); }},
+        {"bank", "Bank", kBank, &Nvram::Bank, "null on chips with one bank"},
+        {"sound", "Block", kFlag, [](const Nvram& nvram) { return SoundValue(nvram.IsWhole()); },
+         "signature and checksum hold"},
+        {"port_wwn", "Port name", tools::kWwn.OrNull(),
+         [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Port Name Byte"); },
+         "the name in the block"},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+         [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Node Name Byte"); }},
+        {"variables", "Variables", VariableFields(),
+         [](const Nvram& nvram) {
+             std::vector<VariableRow> rows;
+             for (const NvramVariable& variable : nvram.map.variables) {
+                 if (variable.field) {
+                     rows.push_back({&variable, ValueOf(nvram.bytes, variable)});
+                 }
+             }
+             return rows;
+         },
+         ListLayout::Table, "no variables"},
+    };
+    return kFields;
+}
+
+struct ShownVariable {
+    VariableRow row;
+    const PortNvram* nvram;
+};
+
+const tools::Fields<ShownVariable>& NvramGetFields() {
+    using Shown = ShownVariable;
+    static const tools::Fields<Shown> kFields = {
+        {VariableFields(), &Shown::row},
+        {PortKeys(), [](const Shown& shown) { return &shown.nvram->ItsPort(); }},
+        {"bank", "Bank", kBank, [](const Shown& shown) { return shown.nvram->Bank(); },
+         "null on chips with one bank"},
+    };
+    return kFields;
+}
+
 // What verifying one port found; empty fields could not be told.
 struct Verified {
     HX_STATUS status = HXMGT_SUCCESS;  // of reading the block
-    std::optional<NvramKind> kind;
+    const Port* port = nullptr;
+    std::optional<NvramKind> kind{};
     size_t size = 0;
-    std::optional<bool> signature, checksum, byDriver;
-    std::optional<bool> otherBank;  // the bank that is not in use holds a whole block
+    std::optional<bool> signature{}, checksum{}, byDriver{};
+    std::optional<bool> otherBank{};  // the bank that is not in use holds a whole block
+
+    std::string Serial() const { return port->Serial(); }
+    bool IsBad() const {
+        return !signature.value_or(true) || !checksum.value_or(true) || !byDriver.value_or(true);
+    }
 };
 
-Record VerifyRow(const Port& port, const Verified& verified) {
-    const auto sound = [](const std::optional<bool>& flag) {
-        return flag ? SoundValue(*flag) : Value();
+const tools::Fields<Verified>& VerifiedFields() {
+    using Field = std::optional<bool> Verified::*;
+    const auto sound = [](Field field) {
+        return [field](const Verified& one) {
+            return one.*field ? SoundValue(*(one.*field)) : Value();
+        };
     };
-    Record row;
-    row.Add("port", "Port", Value::Number(port.index), "PORT");
-    row.Add("serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
-    row.Add("kind", "Kind", verified.kind ? Value::Text(NameOf(*verified.kind)) : Value(), "KIND");
-    row.Add("size", "Size", verified.size == 0 ? Value() : Value::Number(verified.size, "bytes"),
-            "SIZE");
-    row.Add("signature_good", "Signature", sound(verified.signature), "SIGNATURE");
-    row.Add("checksum_good", "Checksum", sound(verified.checksum), "CHECKSUM");
-    row.Add("verified", "Driver says", sound(verified.byDriver), "DRIVER SAYS");
-    row.Add("other_bank_good", "Other bank", sound(verified.otherBank), "OTHER BANK");
-    row.Add("status", "Status", StatusValue(verified.status));
-    return row;
+    static const tools::Fields<Verified> kFields = {
+        {PortKeys(), &Verified::port},
+        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &Verified::Serial},
+        {"kind", "Kind", "KIND", tools::Choice(kNvramKinds).OrNull(),
+         [](const Verified& one) { return one.kind ? NameOf(*one.kind) : nullptr; }},
+        {"size", "Size", "SIZE", kInteger.OrNull(),
+         [](const Verified& one) {
+             return one.size == 0 ? Value() : Value::Number(one.size, "bytes");
+         }},
+        {"signature_good", "Signature", "SIGNATURE", kFlag.OrNull(), sound(&Verified::signature)},
+        {"checksum_good", "Checksum", "CHECKSUM", kFlag.OrNull(), sound(&Verified::checksum)},
+        {"verified", "Driver says", "DRIVER SAYS", kFlag.OrNull(), sound(&Verified::byDriver),
+         "what the driver says"},
+        {"other_bank_good", "Other bank", "OTHER BANK", kFlag.OrNull(), sound(&Verified::otherBank),
+         "null on chips with one bank"},
+        {"status", "Status", tools::kText.OrNull(),
+         [](const Verified& one) { return StatusValue(one.status); }},
+    };
+    return kFields;
+}
+
+using VerifiedPorts = std::vector<Verified>;
+
+const tools::Fields<VerifiedPorts>& NvramVerifyFields() {
+    static const auto kFields = tools::ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(),
+                                                             ListLayout::Table, "no ports");
+    return kFields;
 }
 
 Verified Verify(tools::Invocation& invocation, const PortSession& session) {
@@ -97,27 +157,8 @@ Verified Verify(tools::Invocation& invocation, const PortSession& session) {
 ExitCode NvramShow(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
-    const bool sound = IsSound(nvram.map.kind, nvram.block);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("serial", "Adapter", Value::Serial(session.port.Serial()));
-    result.Add("kind", "Kind", Value::Text(NameOf(nvram.map.kind)));
-    result.Add("size", "Size", Value::Number(nvram.block.size(), "bytes"));
-    result.Add("bank", "Bank", BankValue(nvram));
-    result.Add("sound", "Block", SoundValue(sound));
-    result.Add("port_wwn", "Port name",
-               NameValue(NameInBlock(nvram.map, nvram.block, "Port Name Byte")));
-    result.Add("node_wwn", "Node name",
-               NameValue(NameInBlock(nvram.map, nvram.block, "Node Name Byte")));
-    std::vector<Record> rows;
-    for (const NvramVariable& variable : nvram.map.variables) {
-        if (variable.field) {
-            rows.push_back(VariableRow(invocation, variable, ValueOf(nvram.block, variable)));
-        }
-    }
-    result.AddList("variables", "Variables", ListLayout::Table, VariableRow(invocation, {}, 0),
-                   "no variables", std::move(rows));
-    if (!sound) {
+    invocation.Result() = NvramShowFields().Make(nvram);
+    if (!nvram.IsWhole()) {
         invocation.Warn("signature or checksum of the block are wrong",
                         "`nvram verify` tells which; `nvram import` writes an export again");
     }
@@ -136,17 +177,15 @@ ExitCode NvramGet(tools::Invocation& invocation) {
     if (!variable->field) {
         invocation.Fail(ExitCode::NotSupported, "this chip has no variable " + variable->name);
     }
-    Record& result = invocation.Result();
-    result = VariableRow(invocation, *variable, ValueOf(nvram.block, *variable));
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank", "Bank", BankValue(nvram));
+    invocation.Result() =
+        NvramGetFields().Make({{variable, ValueOf(nvram.bytes, *variable)}, &nvram});
     return ExitCode::Done;
 }
 
 ExitCode NvramVerify(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
-    std::vector<Record> rows;
+    VerifiedPorts verifiedPorts;
     bool bad = false;
     const AskPort<Verified> verify = [&invocation](PortVisit& visit, Verified* verified) {
         if (visit.port.failure != HXMGT_SUCCESS) {
@@ -159,17 +198,13 @@ ExitCode NvramVerify(tools::Invocation& invocation) {
         return verified->status;
     };
     for (auto& one : ForEachPort<Verified>(invocation, selected, verify)) {
-        Port& port = *one.port;
-        Verified& verified = one.answer;
-        verified.status = one.status;
-        port.failure = one.status;
-        port.failedQuery = one.query;
-        bad = bad || !verified.signature.value_or(true) || !verified.checksum.value_or(true) ||
-              !verified.byDriver.value_or(true);
-        rows.push_back(VerifyRow(port, verified));
+        one.answer.port = one.port;
+        one.answer.status = one.port->failure = one.status;
+        one.port->failedQuery = one.query;
+        bad = bad || one.answer.IsBad();
+        verifiedPorts.push_back(one.answer);
     }
-    invocation.Result().AddList("ports", "Ports", ListLayout::Table, VerifyRow({}, {}), "no ports",
-                                std::move(rows));
+    invocation.Result() = NvramVerifyFields().Make(verifiedPorts);
     const ExitCode exit = ReportFailures(invocation, selected);
     if (!bad) {
         return exit;
@@ -191,9 +226,10 @@ tools::CommandRows NvramCommands() {
             .risk = tools::Risk::Reads,
             .help = "show the settings of a port",
             .schema = "nvram.show",
-            .arguments = BankArguments(),
+            .arguments = {&kBankArgument, 1},
             .run = NvramShow,
             .example = "nvram show -p scsi:3",
+            .result = tools::ShapeOf<NvramShowFields>,
         },
         {
             .path = "nvram get",
@@ -203,6 +239,7 @@ tools::CommandRows NvramCommands() {
             .arguments = kGetArguments,
             .run = NvramGet,
             .example = "nvram get execution_throttle -p scsi:3",
+            .result = tools::ShapeOf<NvramGetFields>,
         },
         {
             .path = "nvram verify",
@@ -211,6 +248,7 @@ tools::CommandRows NvramCommands() {
             .schema = "nvram.verify",
             .run = NvramVerify,
             .example = "nvram verify",
+            .result = tools::ShapeOf<NvramVerifyFields>,
         },
     };
     return kCommands;

@@ -7,7 +7,6 @@
 namespace vxmgr {
 namespace {
 
-constexpr uint32_t kSignatureVariable = 0;
 constexpr std::string_view kReserved = "Reserved";
 constexpr size_t kNamesInError = 5;
 
@@ -37,7 +36,7 @@ NvramRole RoleOf(uint32_t number, std::string_view description) {
     return NvramRole::Plain;
 }
 
-std::string NameOf(std::string_view description) {
+std::string NameFrom(std::string_view description) {
     std::string name;
     for (const char letter : tools::Lowercase(description)) {
         const bool plain = (letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9');
@@ -80,7 +79,7 @@ std::optional<NvramVariable> DescribedVariable(uint32_t number, const char* desc
     NvramVariable variable;
     variable.number = number;
     variable.description = description;
-    variable.name = NameOf(variable.description);
+    variable.name = NameFrom(variable.description);
     variable.role = RoleOf(number, variable.description);
     return variable;
 }
@@ -100,7 +99,7 @@ const NvramVariable* FindVariable(const NvramMap& map, std::string_view text, st
         }
         return variable;
     }
-    const std::string wanted = NameOf(text);
+    const std::string wanted = NameFrom(text);
     std::vector<const NvramVariable*> found;
     for (const NvramVariable& variable : map.variables) {
         if (variable.name == wanted) {

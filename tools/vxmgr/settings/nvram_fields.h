@@ -25,12 +25,15 @@ enum class NvramRole : uint8_t {
     Identity,  // whose block it is: names and board
 };
 
+inline constexpr uint32_t kSignatureVariable = 0;  // the number of the one that holds a text
+
 struct NvramVariable {
     uint32_t number = 0;
     std::string description;  // the library's
     std::string name;         // the description in lower case, joined with '_'
     NvramRole role = NvramRole::Plain;
     bool readOnly = false;          // on the chip family of the block at hand
+    bool masked = false;            // a byte of a name, which --redact keeps back
     std::optional<BitField> field;  // empty: this chip has no such variable
 
     bool Settable() const { return field && !readOnly && role != NvramRole::Fixed; }

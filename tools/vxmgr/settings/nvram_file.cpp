@@ -31,32 +31,36 @@ std::string_view TextOf(const std::vector<uint8_t>& bytes) {
 void KeepIdentity(const PortNvram& own, std::vector<uint8_t>& block) {
     for (const NvramVariable& variable : own.map.variables) {
         if (variable.role == NvramRole::Identity) {
-            SetValue(block, variable, ValueOf(own.block, variable));
+            SetValue(block, variable, ValueOf(own.bytes, variable));
         }
     }
     MakeChecksum(own.map.kind, block);
 }
 
-void CheckFit(tools::Invocation& invocation, const PortSession& session, const PortNvram& nvram,
-              const std::string& path, const NvramDocument& document) {
-    const uint16_t chip = session.port.chip ? session.port.chip->deviceId : uint16_t{0};
+uint16_t ChipOf(const PortNvram& nvram) {
+    const auto& chip = nvram.ItsPort().chip;
+    return chip ? chip->deviceId : uint16_t{0};
+}
+
+void CheckFit(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
+              const NvramDocument& document) {
+    const uint16_t chip = ChipOf(nvram);
     if (document.origin.chip != chip) {
         Refuse(invocation, path,
                "it is for chip " + tools::Hex(document.origin.chip, 4) + ", the port has " +
                    tools::Hex(chip, 4));
     }
-    if (document.block.size() != nvram.block.size()) {
+    if (document.block.size() != nvram.bytes.size()) {
         Refuse(invocation, path,
                "its block has " + std::to_string(document.block.size()) + " bytes, the port's " +
-                   std::to_string(nvram.block.size()));
+                   std::to_string(nvram.bytes.size()));
     }
 }
 
-void CheckOwner(tools::Invocation& invocation, const PortSession& session, const std::string& path,
+void CheckOwner(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
                 const DocumentPort& origin) {
-    const bool own =
-        session.port.port && origin.portName == tools::Wwn::Of(session.port.port->portName);
-    if (!own) {
+    const auto& port = nvram.ItsPort().port;
+    if (!port || origin.portName != tools::Wwn::Of(port->portName)) {
         invocation.Fail(ExitCode::Refused,
                         path + ": it is of port " + origin.portName.Colons() +
                             ", serial:" + origin.serial + ", not of the selected one",
@@ -66,7 +70,7 @@ void CheckOwner(tools::Invocation& invocation, const PortSession& session, const
 
 void CheckReadOnly(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
                    const std::vector<uint8_t>& block) {
-    for (const NvramChange& change : DifferenceOf(nvram.map, nvram.block, block).changes) {
+    for (const NvramChange& change : DifferenceOf(nvram.map, nvram.bytes, block).changes) {
         if (change.variable->readOnly) {
             Refuse(invocation, path,
                    change.variable->name + " differs, which is read-only on this chip family");
@@ -111,7 +115,7 @@ std::string ModelText(tools::Invocation& invocation, const PortNvram& nvram) {
 
 std::vector<uint8_t> ReadText(tools::Invocation& invocation, const PortNvram& nvram,
                               const std::string& path, bool withReadOnly) {
-    std::vector<uint8_t> block = nvram.block;
+    std::vector<uint8_t> block = nvram.bytes;
     if (ReadNVRamFile(tools::console::ToSystemCodePage(path).c_str(), block.data(), kKeepBlock,
                       withReadOnly ? 1 : 0) == 0) {
         invocation.Fail(ExitCode::Failed, path + " cannot be read");
@@ -138,18 +142,17 @@ std::vector<uint8_t> BlockOfText(tools::Invocation& invocation, const PortNvram&
     return block;
 }
 
-std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortSession& session,
-                                     const PortNvram& nvram, const std::string& path,
-                                     std::string_view text, FileUse use) {
+std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortNvram& nvram,
+                                     const std::string& path, std::string_view text, FileUse use) {
     NvramDocument document = ReadNvramDocument(text, nvram.map);
-    CheckFit(invocation, session, nvram, path, document);
+    CheckFit(invocation, nvram, path, document);
     if (use == FileUse::Compare) {
         return std::move(document.block);
     }
     if (invocation.Given().Has("as-port")) {
         KeepIdentity(nvram, document.block);
     } else {
-        CheckOwner(invocation, session, path, document.origin.port);
+        CheckOwner(invocation, nvram, path, document.origin.port);
     }
     CheckReadOnly(invocation, nvram, path, document.block);
     return std::move(document.block);
@@ -157,18 +160,18 @@ std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortSe
 
 }  // namespace
 
-std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortSession& session,
-                                   const PortNvram& nvram, FileUse use) {
+std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortNvram& nvram,
+                                   FileUse use) {
     const std::string path = invocation.Given().Text("FILE");
     const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestFile);
     try {
         if (LooksLikeDocument(TextOf(bytes))) {
-            return BlockOfDocument(invocation, session, nvram, path, TextOf(bytes), use);
+            return BlockOfDocument(invocation, nvram, path, TextOf(bytes), use);
         }
         if (nvram.map.kind != NvramKind::Classic) {
             throw DocumentError{"it is no document, and this chip's blocks have no text form"};
         }
-        if (use == FileUse::Write && !IsSound(nvram.map.kind, nvram.block)) {
+        if (use == FileUse::Write && !nvram.IsWhole()) {
             throw DocumentError{
                 "a text does not hold the whole block, and the port's own is damaged"};
         }
@@ -179,13 +182,29 @@ std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortSess
     }
 }
 
+void SaveNvramDocument(tools::Invocation& invocation, const PortNvram& nvram,
+                       const std::string& path) {
+    const Port& port = nvram.ItsPort();
+    NvramOrigin origin;
+    origin.port.serial = port.Serial();
+    origin.chip = ChipOf(nvram);
+    if (port.port) {
+        origin.port.portName = tools::Wwn::Of(port.port->portName);
+    }
+    if (port.node) {
+        origin.port.nodeName = tools::Wwn::Of(port.node->nodeName);
+    }
+    const std::string text = NvramDocumentText(origin, nvram.map, nvram.bytes);
+    SaveFile(invocation, path, {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}
+
 void SaveNvramText(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path) {
     if (nvram.map.kind != NvramKind::Classic) {
         invocation.Fail(ExitCode::NotSupported, "this chip's blocks have no text form",
                         "leave out --text: the document has every variable");
     }
     ReplaceFile(invocation, path, [&](const std::string& temporary) {
-        if (WriteNVRamFile(nvram.block.data(),
+        if (WriteNVRamFile(nvram.bytes.data(),
                            tools::console::ToSystemCodePage(temporary).c_str()) == 0) {
             invocation.Fail(ExitCode::Failed, path + " cannot be written", "is the disk full?");
         }

@@ -2,9 +2,6 @@
 
 #include <array>
 #include <set>
-
-#include "common/status_codes.h"
-
 namespace vxmgr {
 namespace {
 
@@ -63,6 +60,8 @@ NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& sessio
         if (!variable) {
             continue;
         }
+        variable->masked = invocation.Names().Enabled() &&
+                           variable->description.find("Name Byte") != std::string::npos;
         const HX_VARIABLE_FIELD& field = fields[number];
         if (field.width != 0) {
             variable->field = BitField{field.firstBit, field.width};
@@ -85,25 +84,16 @@ HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint
 PortNvram ReadNvram(tools::Invocation& invocation, const PortSession& session, bool otherBank) {
     PortNvram nvram;
     nvram.map = LearnVariables(invocation, session);
-    nvram.bank = otherBank ? RequireOtherBank(invocation, session, Settings::Nvram)
-                           : FindOtherBank(invocation, session, Settings::Nvram);
-    nvram.fromOther = otherBank;
-    const HX_STATUS status = otherBank ? ReadBank(session, *nvram.bank, &nvram.block)
-                                       : ReadBlock(session, nvram.map.kind, &nvram.block);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the NVRAM cannot be read", session.port.Object());
-    }
-    if (nvram.block.size() < BlockBytes(nvram.map.kind)) {
+    const auto readInUse = [&session, kind = nvram.map.kind](std::vector<uint8_t>* block) {
+        return ReadBlock(session, kind, block);
+    };
+    static_cast<PortSettings&>(nvram) =
+        ReadSettings(invocation, session, Settings::Nvram, readInUse, otherBank);
+    if (nvram.bytes.size() < BlockBytes(nvram.map.kind)) {
         invocation.Fail(ExitCode::NotSupported, "the NVRAM is smaller than a block of this chip");
     }
-    MarkReadOnly(nvram.map, nvram.block);
+    MarkReadOnly(nvram.map, nvram.bytes);
     return nvram;
-}
-
-tools::Value BankValue(const PortNvram& nvram) {
-    return nvram.bank
-               ? tools::Value::Text(nvram.fromOther ? nvram.bank->Name() : nvram.bank->NameInUse())
-               : tools::Value();
 }
 
 }  // namespace vxmgr

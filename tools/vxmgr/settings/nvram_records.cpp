@@ -5,27 +5,49 @@
 namespace vxmgr {
 namespace {
 
-using tools::Record;
+using tools::kInteger;
+using tools::kText;
 using tools::Value;
 
-constexpr uint32_t kSignatureVariable = 0;
 constexpr size_t kNameBytes = 8;
+constexpr char kMaskedNote[] = "null: a byte of a name, left out with --redact";
 
-bool IsNameByte(const NvramVariable& variable) {
-    return variable.description.find("Name Byte") != std::string::npos;
+Value VariableValue(const NvramVariable& variable, uint32_t value) {
+    return !variable.field || variable.masked
+               ? Value()
+               : Value::Number(value).Shown(ShownValue(variable, value));
 }
 
-Record ChangeRow(tools::Invocation& invocation, const NvramChange& change,
-                 const DifferenceHeadings& headings) {
-    const NvramVariable& variable = *change.variable;
-    Record row;
-    row.Add("number", "Number", Value::Number(variable.number), "NUMBER");
-    row.Add("name", "Name", Value::Text(variable.name), "NAME");
-    row.Add(headings.beforeKey, headings.before, VariableValue(invocation, variable, change.before),
-            tools::Uppercase(headings.before));
-    row.Add(headings.afterKey, headings.after, VariableValue(invocation, variable, change.after),
-            tools::Uppercase(headings.after));
-    return row;
+struct SideNames {
+    const char* key;
+    const char* label;
+    const char* column;
+};
+
+// Both sides of a change, under names that say what they are.
+tools::Fields<NvramChange> SideFields(SideNames before, SideNames after) {
+    using Change = NvramChange;
+    return {
+        {"number", "Number", "NUMBER", kInteger,
+         [](const Change& change) { return change.variable->number; }},
+        {"name", "Name", "NAME", kText, [](const Change& change) { return change.variable->name; }},
+        {before.key, before.label, before.column, kInteger.OrNull(),
+         [](const Change& change) { return VariableValue(*change.variable, change.before); },
+         kMaskedNote},
+        {after.key, after.label, after.column, kInteger.OrNull(),
+         [](const Change& change) { return VariableValue(*change.variable, change.after); },
+         kMaskedNote},
+    };
+}
+
+tools::Fields<NvramDifference> DifferenceFields(const tools::Fields<NvramChange>& sides,
+                                                const char* emptyText) {
+    return {
+        {"changes", "Changes", sides, &NvramDifference::changes, tools::ListLayout::Table,
+         emptyText},
+        {"other_bytes", "Other bytes that differ", kInteger, &NvramDifference::otherBytes,
+         "bytes that differ outside all variables"},
+    };
 }
 
 }  // namespace
@@ -41,11 +63,22 @@ std::string ShownValue(const NvramVariable& variable, uint32_t value) {
     return "\"" + tools::FieldText(text, sizeof text) + "\"";
 }
 
-Value VariableValue(tools::Invocation& invocation, const NvramVariable& variable, uint32_t value) {
-    if (!variable.field || (invocation.Names().Enabled() && IsNameByte(variable))) {
-        return {};
-    }
-    return Value::Number(value).Shown(ShownValue(variable, value));
+const tools::Fields<VariableRow>& VariableFields() {
+    using Row = VariableRow;
+    static const tools::Fields<Row> kFields = {
+        {"number", "Number", "NUMBER", kInteger,
+         [](const Row& row) { return row.variable->number; }},
+        {"name", "Name", "NAME", kText, [](const Row& row) { return row.variable->name; }},
+        {"value", "Value", "VALUE", kInteger.OrNull(),
+         [](const Row& row) { return VariableValue(*row.variable, row.value); }, kMaskedNote},
+        {"highest", "Highest", "HIGHEST", kInteger,
+         [](const Row& row) { return row.variable->Most(); }},
+        {"read_only", "Read-only", "READ-ONLY", tools::kFlag,
+         [](const Row& row) { return !row.variable->Settable(); }},
+        {"description", "Description", "DESCRIPTION", kText,
+         [](const Row& row) { return row.variable->description; }},
+    };
+    return kFields;
 }
 
 std::optional<tools::Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description) {
@@ -59,17 +92,18 @@ std::optional<tools::Wwn> NameInBlock(const NvramMap& map, Bytes block, const ch
     return found == kNameBytes ? std::optional(name) : std::nullopt;
 }
 
-void AddDifference(tools::Invocation& invocation, const NvramDifference& difference,
-                   const DifferenceHeadings& headings, const char* emptyText) {
-    static const NvramVariable kNone;
-    std::vector<Record> rows;
-    for (const NvramChange& change : difference.changes) {
-        rows.push_back(ChangeRow(invocation, change, headings));
-    }
-    Record& result = invocation.Result();
-    result.AddList("changes", "Changes", tools::ListLayout::Table,
-                   ChangeRow(invocation, {&kNone, 0, 0}, headings), emptyText, std::move(rows));
-    result.Add("other_bytes", "Other bytes that differ", Value::Number(difference.otherBytes));
+const tools::Fields<NvramDifference>& ChangeFields() {
+    static const auto kSides =
+        SideFields({"before", "Before", "BEFORE"}, {"after", "After", "AFTER"});
+    static const auto kFields = DifferenceFields(kSides, "no variable changes");
+    return kFields;
+}
+
+const tools::Fields<NvramDifference>& FileDiffFields() {
+    static const auto kSides =
+        SideFields({"adapter", "Adapter", "ADAPTER"}, {"file", "File", "FILE"});
+    static const auto kFields = DifferenceFields(kSides, "no variable differs");
+    return kFields;
 }
 
 }  // namespace vxmgr

@@ -1,47 +1,71 @@
 // nvram export, nvram diff.
-#include "vxmgr/app/files.h"
 #include "vxmgr/settings/commands.h"
-#include "vxmgr/settings/nvram_change.h"
 #include "vxmgr/settings/nvram_file.h"
 #include "vxmgr/settings/nvram_records.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Value;
 
-constexpr Argument kDiffArguments[] = {
+constexpr tools::Argument kDiffArguments[] = {
     {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help = "in-use or other (in-use)",
-     .choices = kBankChoices},
+    kBankArgument,
 };
-constexpr Argument kExportArguments[] = {
+constexpr tools::Argument kExportArguments[] = {
     {.name = "FILE", .help = "the file to write", .required = true},
-    {"--text", ArgumentKind::Flag, "",
-     "one line for each variable, without the bytes between them (older chips alone)"},
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help = "in-use or other (in-use)",
-     .choices = kBankChoices},
+    {.name = "--text",
+     .kind = tools::ArgumentKind::Flag,
+     .help = "one line for each variable, without the bytes between them (older chips alone)"},
+    kBankArgument,
 };
-constexpr DifferenceHeadings kHeadings = {"adapter", "file", "Adapter", "File"};
+
+struct NvramCompared {
+    const PortNvram* nvram;
+    NvramDifference difference;
+    bool equal;
+};
+
+const tools::Fields<NvramCompared>& NvramDiffFields() {
+    using Compared = NvramCompared;
+    static const tools::Fields<Compared> kFields = {
+        {PortKeys(), [](const Compared& one) { return &one.nvram->ItsPort(); }},
+        {"bank", "Bank", kBank, [](const Compared& one) { return one.nvram->Bank(); },
+         "null on chips with one bank"},
+        {FileDiffFields(), &Compared::difference},
+        {"equal", "Equal", tools::kFlag, &Compared::equal, "byte for byte"},
+    };
+    return kFields;
+}
+
+struct NvramExported {
+    const PortNvram* nvram;
+    std::string file;
+};
+
+const tools::Fields<NvramExported>& NvramExportFields() {
+    using Exported = NvramExported;
+    static const tools::Fields<Exported> kFields = {
+        {PortKeys(), [](const Exported& one) { return &one.nvram->ItsPort(); }},
+        {"kind", "Kind", tools::Choice(kNvramKinds),
+         [](const Exported& one) { return NameOf(one.nvram->map.kind); }},
+        {"bank", "Bank", kBank, [](const Exported& one) { return one.nvram->Bank(); },
+         "null on chips with one bank"},
+        {"file", "File", tools::kText, &Exported::file},
+        {"size", "Block", tools::Integer("bytes"),
+         [](const Exported& one) { return one.nvram->bytes.size(); }},
+        {"sound", "Sound", tools::kFlag, [](const Exported& one) { return one.nvram->IsWhole(); },
+         "signature and checksum hold"},
+    };
+    return kFields;
+}
 
 ExitCode NvramDiff(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
-    const std::vector<uint8_t> block = LoadNvramFile(invocation, session, nvram, FileUse::Compare);
-    const NvramDifference difference = DifferenceOf(nvram.map, nvram.block, block);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank", "Bank", BankValue(nvram));
-    AddDifference(invocation, difference, kHeadings, "no variable differs");
-    result.Add("equal", "Equal", Value::Flag(nvram.block == block));
+    const std::vector<uint8_t> block = LoadNvramFile(invocation, nvram, FileUse::Compare);
+    invocation.Result() = NvramDiffFields().Make(
+        {&nvram, DifferenceOf(nvram.map, nvram.bytes, block), nvram.bytes == block});
     return ExitCode::Done;
 }
 
@@ -53,26 +77,15 @@ ExitCode NvramExport(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::Failed, "the port does not tell its name and chip",
                         "see `port show`");
     }
-    if (invocation.Given().Has("text")) {
-        SaveNvramText(invocation, nvram, path);
-    } else {
-        const std::string text = DocumentOf(session, nvram);
-        SaveFile(invocation, path, {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
-    }
-    const bool sound = IsSound(nvram.map.kind, nvram.block);
-    if (!sound) {
+    const bool asText = invocation.Given().Has("text");
+    (asText ? SaveNvramText : SaveNvramDocument)(invocation, nvram, path);
+    if (!nvram.IsWhole()) {
         invocation.Warn("signature or checksum of the block are wrong: it cannot be imported");
     }
     if (invocation.Names().Enabled()) {
         invocation.Note("the file itself has the names: --redact masks the output alone");
     }
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("kind", "Kind", Value::Text(NameOf(nvram.map.kind)));
-    result.Add("bank", "Bank", BankValue(nvram));
-    result.Add("file", "File", Value::Text(path));
-    result.Add("size", "Block", Value::Number(nvram.block.size(), "bytes"));
-    result.Add("sound", "Sound", Value::Flag(sound));
+    invocation.Result() = NvramExportFields().Make({&nvram, path});
     return ExitCode::Done;
 }
 
@@ -88,6 +101,7 @@ tools::CommandRows NvramTransferCommands() {
             .arguments = kDiffArguments,
             .run = NvramDiff,
             .example = "nvram diff settings.json -p scsi:3",
+            .result = tools::ShapeOf<NvramDiffFields>,
         },
         {
             .path = "nvram export",
@@ -97,6 +111,7 @@ tools::CommandRows NvramTransferCommands() {
             .arguments = kExportArguments,
             .run = NvramExport,
             .example = "nvram export settings.json -p scsi:3",
+            .result = tools::ShapeOf<NvramExportFields>,
         },
     };
     return kCommands;

@@ -1,28 +1,15 @@
 #include "vxmgr/settings/settings_bank.h"
 
-#include "common/status_codes.h"
-#include "vxmgr/flash/flash_regions.h"
+#include "vxmgr/update/update_checks.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
 
-constexpr size_t kActiveRegionBytes = 6;
-constexpr size_t kSettingsBank = 2;  // of those bytes
-constexpr uint8_t kSecondBank = 2;
-
-constexpr tools::Argument kBankArguments[] = {
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help =
-         "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
-     .choices = kBankChoices},
-};
-
 const FlashRegion* FindRegion(const FlashLayout& layout, const std::string& key) {
     for (const FlashRegion& region : layout.regions) {
-        if (RegionKey(region.code) == key) {
+        if (region.Key() == key) {
             return &region;
         }
     }
@@ -50,12 +37,12 @@ std::optional<OtherBank> FindOtherBank(tools::Invocation& invocation, const Port
     if (firstRegion == nullptr || secondRegion == nullptr) {
         return std::nullopt;
     }
-    uint8_t active[kActiveRegionBytes] = {};
-    const HX_STATUS status = HXGetActiveRegions(session.Handle(), 0, active);
+    bool second = false;
+    const HX_STATUS status = AskSecondBank(session.Handle(), &second);
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "which bank is in use cannot be told", port.Object());
     }
-    bank.second = active[kSettingsBank] != kSecondBank;
+    bank.second = !second;
     bank.region = bank.second ? *secondRegion : *firstRegion;
     return bank;
 }
@@ -64,22 +51,31 @@ HX_STATUS ReadBank(const PortSession& session, const OtherBank& bank, std::vecto
     return ReadRegion(session.Handle(), bank.layout, bank.region, bytes);
 }
 
-std::span<const tools::Argument> BankArguments() {
-    return kBankArguments;
-}
-
 bool WantsOtherBank(tools::Invocation& invocation) {
     return invocation.Given().Text("bank") == kBankChoices[1];
 }
 
-OtherBank RequireOtherBank(tools::Invocation& invocation, const PortSession& session,
-                           Settings settings) {
-    const auto bank = FindOtherBank(invocation, session, settings);
-    if (!bank) {
+const char* PortSettings::Bank() const {
+    return !bank ? nullptr : fromOther ? bank->Name() : bank->NameInUse();
+}
+
+PortSettings ReadSettings(tools::Invocation& invocation, const PortSession& session,
+                          Settings settings, const ReadBytes& readInUse, bool otherBank) {
+    PortSettings read{
+        &session, {}, FindOtherBank(invocation, session, settings), otherBank, readInUse};
+    if (otherBank && !read.bank) {
         invocation.Fail(ExitCode::NotSupported, "this chip has one bank only",
                         "leave out --bank other");
     }
-    return *bank;
+    const HX_STATUS status =
+        otherBank ? ReadBank(session, *read.bank, &read.bytes) : readInUse(&read.bytes);
+    if (status != HXMGT_SUCCESS) {
+        invocation.Fail(status,
+                        settings == Settings::Nvram ? "the NVRAM cannot be read"
+                                                    : "the product data cannot be read",
+                        session.port.Object());
+    }
+    return read;
 }
 
 }  // namespace vxmgr

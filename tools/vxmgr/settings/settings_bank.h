@@ -1,26 +1,30 @@
-// Chips with two banks of NVRAM and product data: reads come from the bank in use, writes go to the
-// other one, which nothing but its flash region shows.
+// The settings (NVRAM) and product data of a port. Chips with two banks of them: reads come from
+// the bank in use, writes go to the other one, which nothing but its flash region shows.
 #pragma once
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <vector>
 
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/flash/flash_layout.h"
+#include "vxmgr/update/update_write.h"
 
 namespace vxmgr {
 
 enum class Settings : uint8_t { Nvram, Vpd };
+
+inline constexpr const char* kBankNames[] = {"first", "second"};
+inline constexpr tools::FieldType kBank = tools::Choice(kBankNames).OrNull();
 
 struct OtherBank {
     bool second = false;  // the second bank is the other one
     FlashLayout layout;
     FlashRegion region;
 
-    const char* Name() const { return second ? "second" : "first"; }
-    const char* NameInUse() const { return second ? "first" : "second"; }
+    const char* Name() const { return kBankNames[second ? 1 : 0]; }
+    const char* NameInUse() const { return kBankNames[second ? 0 : 1]; }
 };
 
 // The bank that is not in use; nothing on a chip with one bank. Ends the command when it cannot be
@@ -30,11 +34,32 @@ std::optional<OtherBank> FindOtherBank(tools::Invocation& invocation, const Port
 HX_STATUS ReadBank(const PortSession& session, const OtherBank& bank, std::vector<uint8_t>* bytes);
 
 // "--bank in-use|other" of the commands that read.
-std::span<const tools::Argument> BankArguments();
 inline constexpr const char* kBankChoices[] = {"in-use", "other"};
+inline constexpr tools::Argument kBankArgument = {
+    .name = "--bank",
+    .valueName = "BANK",
+    .help =
+        "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
+    .choices = kBankChoices};
 bool WantsOtherBank(tools::Invocation& invocation);
-// As above, and ends the command when there is only one.
-OtherBank RequireOtherBank(tools::Invocation& invocation, const PortSession& session,
-                           Settings settings);
+
+// What one bank holds.
+struct PortSettings {
+    const PortSession* session = nullptr;
+    std::vector<uint8_t> bytes;
+    std::optional<OtherBank> bank;  // of chips with two banks
+    bool fromOther = false;         // the bytes are those of the other bank
+    ReadBytes readInUse;
+
+    const Port& ItsPort() const { return session->port; }
+    // Of the bank that was read, and of the one that writes go to; null on chips with one bank.
+    const char* Bank() const;
+    const char* Target() const { return bank ? bank->Name() : nullptr; }
+};
+
+// Reads the bank in use, or the other one. Ends the command, with what cannot be read, when it
+// cannot, or when the other one is wanted and there is none.
+PortSettings ReadSettings(tools::Invocation& invocation, const PortSession& session,
+                          Settings settings, const ReadBytes& readInUse, bool otherBank);
 
 }  // namespace vxmgr

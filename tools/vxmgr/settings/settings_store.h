@@ -1,36 +1,30 @@
-// Writing a port's NVRAM or product data: under the update lock, read back, and told what stands
-// there afterwards.
+// Writing a port's NVRAM or product data: read back, and told what stands there afterwards.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "vxmgr/app/port_session.h"
 #include "vxmgr/settings/settings_bank.h"
 
 namespace vxmgr {
 
-using ReadBytes = std::function<HX_STATUS(std::vector<uint8_t>* bytes)>;
+// What the place that a write goes to holds, where that is not what was read already; empty: it is,
+// or it cannot be read.
+std::vector<uint8_t> ReadReplaced(const PortSettings& settings);
 
 struct SettingsWrite {
-    const char* what;  // "the NVRAM"; a text that stays
-    const std::optional<OtherBank>& bank;
-    std::vector<uint8_t> image;  // as it goes out
-    // What the image was made from: it must still stand there.
-    std::vector<uint8_t> base;
-    ReadBytes readBase;
-    // The place that the write goes to, and what it held when the user was asked: another bank may
-    // have been written meanwhile. Empty: not known.
-    ReadBytes readTarget;
-    std::vector<uint8_t> replaced;
-    std::function<HX_STATUS(std::vector<uint8_t>& image)> write;
+    const char* what;               // "the NVRAM"; a text that stays
+    const PortSettings& base;       // what the image was made from: it must still stand there
+    std::vector<uint8_t> replaced;  // what the user was told of
+    HX_STATUS (*write)(uint32_t handle, std::vector<uint8_t>& image);
 };
 
 // Returns when the image was written and reads back: true when Ctrl-C came meanwhile, so that
-// nothing more may be started. Ends the command otherwise, saying what stands there.
-bool WriteSettings(tools::Invocation& invocation, const PortSession& session, SettingsWrite& write);
+// nothing more may be started. Ends the command otherwise, saying what stands there. The library
+// may change the image.
+bool WriteSettings(tools::Invocation& invocation, const SettingsWrite& given,
+                   std::vector<uint8_t>& image);
 
 // "in the second bank, which the firmware uses from the port's next reset on"; for questions.
 std::string WhereItGoes(const std::optional<OtherBank>& bank);

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/text.h"
 #include "vxmgr/app/files.h"
-#include "vxmgr/app/port_session.h"
-#include "vxmgr/settings/settings_bank.h"
+#include "vxmgr/app/values.h"
 #include "vxmgr/settings/settings_store.h"
 #include "vxmgr/settings/vpd_pci.h"
 #include "vxmgr/update/update_checks.h"
@@ -14,11 +12,9 @@
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Tone;
+using tools::kFlag;
+using tools::kText;
 using tools::Value;
 
 constexpr uint32_t kUsualRoom = 4096;
@@ -27,17 +23,15 @@ constexpr uint32_t kWholeKib = 1023;  // the library writes the last piece of a 
 constexpr size_t kShownCharacters = 64;
 constexpr std::string_view kSerialKeyword = "SN";
 
-constexpr Argument kReadArguments[] = {
+constexpr tools::Argument kVpdReadArguments[] = {
     {.name = "FILE", .help = "the file to write", .required = true},
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help = "in-use or other (in-use)",
-     .choices = kBankChoices},
+    kBankArgument,
 };
-constexpr Argument kWriteArguments[] = {
+constexpr tools::Argument kVpdWriteArguments[] = {
     {.name = "FILE", .help = "the product data, as `vpd read` fetches it", .required = true},
-    {"--other-identity", ArgumentKind::Flag, "",
-     "also when part or serial number are not those of the adapter"},
+    {.name = "--other-identity",
+     .kind = tools::ArgumentKind::Flag,
+     .help = "also when part or serial number are not those of the adapter"},
 };
 
 HX_STATUS ReadInUse(const PortSession& session, std::vector<uint8_t>* bytes) {
@@ -51,28 +45,12 @@ HX_STATUS ReadInUse(const PortSession& session, std::vector<uint8_t>* bytes) {
     return status;
 }
 
-// The product data of a port, of one bank.
-struct PortVpd {
-    std::vector<uint8_t> bytes;
-    std::optional<OtherBank> bank;
-    bool fromOther = false;
-
-    Value BankName() const {
-        return bank ? Value::Text(fromOther ? bank->Name() : bank->NameInUse()) : Value();
-    }
-};
-
-PortVpd ReadPortVpd(tools::Invocation& invocation, const PortSession& session, bool otherBank) {
-    PortVpd vpd;
-    vpd.bank = otherBank ? RequireOtherBank(invocation, session, Settings::Vpd)
-                         : FindOtherBank(invocation, session, Settings::Vpd);
-    vpd.fromOther = otherBank;
-    const HX_STATUS status =
-        otherBank ? ReadBank(session, *vpd.bank, &vpd.bytes) : ReadInUse(session, &vpd.bytes);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the product data cannot be read", session.port.Object());
-    }
-    return vpd;
+PortSettings ReadPortVpd(tools::Invocation& invocation, const PortSession& session,
+                         bool otherBank) {
+    const auto readInUse = [&session](std::vector<uint8_t>* bytes) {
+        return ReadInUse(session, bytes);
+    };
+    return ReadSettings(invocation, session, Settings::Vpd, readInUse, otherBank);
 }
 
 Value DataValue(const VpdItem& item) {
@@ -86,18 +64,83 @@ Value DataValue(const VpdItem& item) {
                : std::move(value).Shown(text.substr(0, kShownCharacters) + "...");
 }
 
-Record ItemRow(const VpdItem& item) {
-    Record row;
-    row.Add("section", "Section", Value::Text(NameOf(item.section)), "SECTION");
-    row.Add("keyword", "Keyword", Value::TextOrNull(item.keyword), "KEYWORD");
-    row.Add("meaning", "Meaning",
-            Value::Text(item.keyword.empty() ? "product name" : VpdKeywordText(item.keyword)),
-            "MEANING");
-    row.Add("offset", "Offset", Value::Text(tools::Hex(item.offset, 4)), "OFFSET");
-    row.Add("length", "Length", Value::Number(item.data.size(), "bytes"));
-    row.Add("is_text", "Text", Value::Flag(item.IsText()));
-    row.Add("value", "Value", DataValue(item), "VALUE");
-    return row;
+const tools::Fields<VpdItem>& VpdItemFields() {
+    using Item = VpdItem;
+    static const tools::Fields<Item> kFields = {
+        {"section", "Section", "SECTION", tools::Choice(kVpdSections),
+         [](const Item& item) { return kVpdSections[static_cast<size_t>(item.section)]; }},
+        {"keyword", "Keyword", "KEYWORD", kText.OrNull(), &Item::keyword},
+        {"meaning", "Meaning", "MEANING", kText,
+         [](const Item& item) {
+             return item.keyword.empty() ? "product name" : VpdKeywordText(item.keyword);
+         }},
+        {"offset", "Offset", "OFFSET", kText,
+         [](const Item& item) { return HexValue(item.offset, 4); }},
+        {"length", "Length", tools::Integer("bytes"),
+         [](const Item& item) { return item.data.size(); }},
+        {"is_text", "Text", kFlag, &Item::IsText, "else the value is in hexadecimal digits"},
+        {"value", "Value", "VALUE", kText.OrNull(), DataValue},
+    };
+    return kFields;
+}
+
+struct ShownVpd {
+    const PortSettings* settings;
+    PciVpd vpd = DecodeVpd(settings->bytes);
+    std::string file{};
+    bool stored = false;
+
+    const Port& ItsPort() const { return settings->ItsPort(); }
+    const char* Bank() const { return settings->Bank(); }
+    size_t Size() const { return settings->bytes.size(); }
+};
+
+Value VpdChecksumValue(const ShownVpd& shown) {
+    const auto& holds = shown.vpd.checksumHolds;
+    return !holds ? Value()
+                  : Value::Flag(*holds)
+                        .Shown(*holds ? "good" : "wrong")
+                        .In(*holds ? tools::Tone::Plain : tools::Tone::Bad);
+}
+
+const tools::Fields<ShownVpd>& VpdShowFields() {
+    static const tools::Fields<ShownVpd> kFields = {
+        {PortKeys(), &ShownVpd::ItsPort},
+        {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
+        {"used", "Used", tools::kInteger.OrNull(),
+         [](const ShownVpd& shown) {
+             return shown.vpd.used == 0 ? Value() : Value::Number(shown.vpd.used, "bytes");
+         }},
+        {"checksum_good", "Checksum", kFlag.OrNull(), VpdChecksumValue},
+        {"sound", "Sound", kFlag, [](const ShownVpd& shown) { return shown.vpd.faults.empty(); }},
+        {"items", "Items", VpdItemFields(), [](const ShownVpd& shown) { return shown.vpd.items; },
+         tools::ListLayout::Table, "no product data"},
+    };
+    return kFields;
+}
+
+const tools::Fields<ShownVpd>& VpdReadFields() {
+    static const tools::Fields<ShownVpd> kFields = {
+        {PortKeys(), &ShownVpd::ItsPort},
+        {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+        {"file", "File", kText, &ShownVpd::file},
+        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
+    };
+    return kFields;
+}
+
+const tools::Fields<ShownVpd>& VpdWriteFields() {
+    static const tools::Fields<ShownVpd> kFields = {
+        {PortKeys(), &ShownVpd::ItsPort},
+        {"bank", "Goes to bank", kBank,
+         [](const ShownVpd& shown) { return shown.settings->Target(); },
+         "null on chips with one bank"},
+        {"file", "File", kText, &ShownVpd::file},
+        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
+        {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},
+    };
+    return kFields;
 }
 
 std::string FaultsText(const PciVpd& vpd) {
@@ -109,8 +152,8 @@ std::string FaultsText(const PciVpd& vpd) {
 }
 
 // Everything that can be wrong with a file, before the first byte goes out.
-void CheckImage(tools::Invocation& invocation, const std::string& path, Bytes image,
-                Bytes current) {
+void CheckVpdImage(tools::Invocation& invocation, const std::string& path, Bytes image,
+                   Bytes current) {
     if (image.size() != current.size()) {
         invocation.Fail(ExitCode::Refused,
                         path + " has " + std::to_string(image.size()) +
@@ -139,49 +182,21 @@ void CheckImage(tools::Invocation& invocation, const std::string& path, Bytes im
     }
 }
 
-bool WriteImage(tools::Invocation& invocation, const PortSession& session, const PortVpd& current,
-                std::vector<uint8_t> replaced, std::vector<uint8_t> image) {
-    const auto readInUse = [&](std::vector<uint8_t>* bytes) { return ReadInUse(session, bytes); };
-    const auto readOther = [&](std::vector<uint8_t>* bytes) {
-        return ReadBank(session, *current.bank, bytes);
+bool WriteVpd(tools::Invocation& invocation, const PortSettings& current,
+              std::vector<uint8_t> replaced, std::vector<uint8_t>& image) {
+    const auto write = [](uint32_t handle, std::vector<uint8_t>& bytes) {
+        return HXUpdateVpd(handle, 0, bytes.data(), static_cast<uint32_t>(bytes.size()));
     };
-    SettingsWrite write{"the product data",
-                        current.bank,
-                        std::move(image),
-                        current.bytes,
-                        readInUse,
-                        current.bank ? ReadBytes(readOther) : ReadBytes(readInUse),
-                        std::move(replaced),
-                        [&](std::vector<uint8_t>& bytes) {
-                            return HXUpdateVpd(session.Handle(), 0, bytes.data(),
-                                               static_cast<uint32_t>(bytes.size()));
-                        }};
-    return WriteSettings(invocation, session, write);
+    return WriteSettings(invocation, {"the product data", current, std::move(replaced), write},
+                         image);
 }
 
 ExitCode PciVpdShow(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
-    const PortVpd vpd = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
-    const PciVpd decoded = DecodeVpd(vpd.bytes);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank", "Bank", vpd.BankName());
-    result.Add("size", "Size", Value::Number(vpd.bytes.size(), "bytes"));
-    result.Add("used", "Used", decoded.used == 0 ? Value() : Value::Number(decoded.used, "bytes"));
-    const bool checksum = decoded.checksumHolds.value_or(false);
-    result.Add("checksum_good", "Checksum",
-               decoded.checksumHolds ? Value::Flag(checksum)
-                                           .Shown(checksum ? "good" : "wrong")
-                                           .In(checksum ? Tone::Plain : Tone::Bad)
-                                     : Value());
-    result.Add("sound", "Sound", Value::Flag(decoded.faults.empty()));
-    std::vector<Record> rows;
-    for (const VpdItem& item : decoded.items) {
-        rows.push_back(ItemRow(item));
-    }
-    result.AddList("items", "Items", tools::ListLayout::Table, ItemRow({}), "no product data",
-                   std::move(rows));
-    for (const std::string& fault : decoded.faults) {
+    const PortSettings settings = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
+    const ShownVpd shown{&settings};
+    invocation.Result() = VpdShowFields().Make(shown);
+    for (const std::string& fault : shown.vpd.faults) {
         invocation.Warn("product data: " + fault);
     }
     return ExitCode::Done;
@@ -190,16 +205,12 @@ ExitCode PciVpdShow(tools::Invocation& invocation) {
 ExitCode PciVpdRead(tools::Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const PortSession session = OpenSelectedPort(invocation);
-    const PortVpd vpd = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
-    SaveFile(invocation, path, vpd.bytes);
+    const PortSettings settings = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
+    SaveFile(invocation, path, settings.bytes);
     if (invocation.Names().Enabled()) {
         invocation.Note("the file itself has the serial number: --redact masks the output alone");
     }
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank", "Bank", vpd.BankName());
-    result.Add("file", "File", Value::Text(path));
-    result.Add("size", "Size", Value::Number(vpd.bytes.size(), "bytes"));
+    invocation.Result() = VpdReadFields().Make({.settings = &settings, .file = path});
     return ExitCode::Done;
 }
 
@@ -207,39 +218,27 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     std::vector<uint8_t> image = LoadFile(invocation, path, kMostRoom);
     const PortSession session = OpenSelectedPort(invocation);
-    const PortVpd current = ReadPortVpd(invocation, session, false);
-    CheckImage(invocation, path, image, current.bytes);
+    const PortSettings current = ReadPortVpd(invocation, session, false);
+    CheckVpdImage(invocation, path, image, current.bytes);
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
     const bool needed = image != current.bytes;
+    ShownVpd shown{.settings = &current, .file = path};
     bool interrupted = false;
     if (needed && !invocation.DryRun()) {
-        std::vector<uint8_t> replaced;
-        if (current.bank && ReadBank(session, *current.bank, &replaced) != HXMGT_SUCCESS) {
-            replaced.clear();
-        }
+        std::vector<uint8_t> replaced = ReadReplaced(current);
         const PciVpd given = DecodeVpd(image);
-        tools::Question question = QuestionAbout(
-            session, "Write the product data of " + path + ".",
-            WhereItGoes(current.bank) + " Wrong product data can keep the host from starting.");
-        question.lines.push_back("  " + DecodeVpd(current.bytes).Identifier() + " -> " +
-                                 given.Identifier() + ", part " + given.Text("PN"));
-        question.lines.insert(question.lines.end(), outlook.warnings.begin(),
-                              outlook.warnings.end());
-        invocation.Confirm(question);
-        invocation.CheckStop();
-        interrupted =
-            WriteImage(invocation, session, current, std::move(replaced), std::move(image));
+        ConfirmUpdate(
+            invocation, session, outlook, "Write the product data of " + path + ".",
+            WhereItGoes(current.bank) + " Wrong product data can keep the host from starting.",
+            {"  " + shown.vpd.Identifier() + " -> " + given.Identifier() + ", part " +
+             given.Text("PN")});
+        interrupted = WriteVpd(invocation, current, std::move(replaced), image);
+        shown.stored = true;
     }
-    const bool stored = needed && !invocation.DryRun();
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("bank", "Goes to bank", current.bank ? Value::Text(current.bank->Name()) : Value());
-    result.Add("file", "File", Value::Text(path));
-    result.Add("size", "Size", Value::Number(current.bytes.size(), "bytes"));
-    result.Add("stored", "Stored", Value::Flag(stored));
+    invocation.Result() = VpdWriteFields().Make(shown);
     if (!needed) {
         invocation.Note("nothing to do");
-    } else if (invocation.DryRun()) {
+    } else if (!shown.stored) {
         invocation.Note("dry run: nothing was written");
     } else if (current.bank) {
         invocation.AddPending({session.port.Object(), "port_reset",
@@ -258,27 +257,30 @@ tools::CommandRows VpdCommands() {
             .risk = tools::Risk::Reads,
             .help = "show the product data of a port",
             .schema = "vpd.show",
-            .arguments = BankArguments(),
+            .arguments = {&kBankArgument, 1},
             .run = PciVpdShow,
             .example = "vpd show -p scsi:3",
+            .result = tools::ShapeOf<VpdShowFields>,
         },
         {
             .path = "vpd read",
             .risk = tools::Risk::Reads,
             .help = "fetch the product data into a file",
             .schema = "vpd.read",
-            .arguments = kReadArguments,
+            .arguments = kVpdReadArguments,
             .run = PciVpdRead,
             .example = "vpd read vpd.bin -p scsi:3",
+            .result = tools::ShapeOf<VpdReadFields>,
         },
         {
             .path = "vpd write",
             .risk = tools::Risk::Irrecoverable,
             .help = "write product data from a file",
             .schema = "vpd.write",
-            .arguments = kWriteArguments,
+            .arguments = kVpdWriteArguments,
             .run = PciVpdWrite,
             .example = "vpd write vpd.bin -p scsi:3 --dry-run",
+            .result = tools::ShapeOf<VpdWriteFields>,
         },
     };
     return kCommands;

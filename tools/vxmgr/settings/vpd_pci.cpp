@@ -124,11 +124,6 @@ class Decoder {
 
 }  // namespace
 
-const char* NameOf(VpdSection section) {
-    constexpr const char* kNames[] = {"identifier", "read_only", "writable"};
-    return kNames[static_cast<int>(section)];
-}
-
 bool VpdItem::IsText() const {
     return keyword != formats::kChecksumKeyword && keyword != kRest &&
            std::all_of(data.begin(), data.end(),

@@ -13,7 +13,7 @@
 namespace vxmgr {
 
 enum class VpdSection : uint8_t { Identifier, ReadOnly, Writable };
-const char* NameOf(VpdSection section);  // "read_only"
+inline constexpr const char* kVpdSections[] = {"identifier", "read_only", "writable"};
 
 struct VpdItem {
     VpdSection section = VpdSection::Identifier;

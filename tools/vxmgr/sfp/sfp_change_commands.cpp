@@ -4,34 +4,33 @@
 #include "common/status_codes.h"
 #include "common/text.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/size_text.h"
-#include "vxmgr/app/values.h"
 #include "vxmgr/sfp/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
+#include "vxmgr/update/update_messages.h"
+#include "vxmgr/update/update_write.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Severity;
+using tools::kText;
 using tools::Value;
 
 constexpr size_t kLargestFirmware = size_t{4} << 20;
-constexpr uint16_t kNoOptions = 0;
+constexpr char kLoadAgain[] = "load it again before the port or the host is reset";
 
-constexpr Argument kWriteArguments[] = {
+constexpr tools::Argument kSfpWriteArguments[] = {
     {.name = "PAGE",
      .help = "a0 (identity) or a2 (diagnostics)",
      .required = true,
      .choices = kSfpPageNames},
     {.name = "OFFSET",
-     .kind = ArgumentKind::Number,
+     .kind = tools::ArgumentKind::Number,
      .help = "where in the page",
      .required = true,
      .most = kSfpPageBytes - 1},
@@ -40,7 +39,7 @@ constexpr Argument kWriteArguments[] = {
      .required = true,
      .repeated = true},
 };
-constexpr Argument kLoadArguments[] = {
+constexpr tools::Argument kSfpLoadArguments[] = {
     {.name = "FILE",
      .help = "the firmware, as the transceiver's maker gives it out",
      .required = true},
@@ -79,90 +78,116 @@ std::vector<uint8_t> GivenBytes(tools::Invocation& invocation, size_t offset) {
     return bytes;
 }
 
-[[noreturn]] void FailTransfer(const PortSession& session, HX_STATUS failure, ExitCode exit,
-                               const std::string& text, uint16_t deviceStatus) {
-    const HX_STATUS status = CauseOf(failure, session.port.Object());
-    throw tools::CommandError{
-        status == kWentAway ? ExitCode::NotFound : exit,
-        {Severity::Error,
-         text + " (device status " + std::to_string(deviceStatus) + "): " + StatusMessage(status),
-         "", session.port.Object(), status}};
+std::string DeviceNote(uint16_t deviceStatus) {
+    return " (device status " + std::to_string(deviceStatus) + ")";
 }
 
-std::vector<uint8_t> ReadPage(const PortSession& session, const SfpPage& page) {
+std::vector<uint8_t> ReadPage(tools::Invocation& invocation, const PortSession& session,
+                              const SfpPage& page) {
     std::vector<uint8_t> bytes(kSfpPageBytes);
     uint16_t deviceStatus = 0;
     const HX_STATUS status = ReadSfp(session.Handle(), page, 0, bytes, &deviceStatus);
     if (status != HXMGT_SUCCESS) {
-        FailTransfer(session, status, tools::ExitCodeOf(status),
-                     std::string("page ") + page.name + " cannot be read; nothing was written",
-                     deviceStatus);
+        invocation.Fail(status,
+                        std::string("page ") + page.name + " cannot be read; nothing was written" +
+                            DeviceNote(deviceStatus),
+                        session.port.Object());
     }
     return bytes;
 }
 
-// A checksum that held and would not any more: hosts may refuse such a transceiver.
-bool BreaksChecksum(const Patch& patch) {
-    const std::vector<uint8_t> after = patch.PageAfter();
-    const auto breaks = [&](auto holds, auto layout) {
-        using Layout = decltype(layout);
-        return holds(Padded<Layout>(patch.before)) && !holds(Padded<Layout>(after));
-    };
-    if (patch.page.device != kSfpPages[0].device) {
-        return breaks([](const SfpDiagnostics& page) { return ChecksumHolds(page); },
-                      SfpDiagnostics{});
+// The checksums of the page that hold, as bits.
+unsigned HoldingChecksums(const SfpPage& page, Bytes bytes) {
+    if (page.device != kSfpPages[0].device) {
+        return ChecksumHolds(Padded<SfpDiagnostics>(bytes)) ? 1 : 0;
     }
-    return breaks([](const SfpIdentity& page) { return BaseChecksumHolds(page); }, SfpIdentity{}) ||
-           breaks([](const SfpIdentity& page) { return ExtendedChecksumHolds(page); },
-                  SfpIdentity{});
+    const auto identity = Padded<SfpIdentity>(bytes);
+    return (BaseChecksumHolds(identity) ? 1 : 0) | (ExtendedChecksumHolds(identity) ? 2 : 0);
 }
 
-// What the page holds after the write. Bytes outside the patch may move: measured values do.
-ExitCode Prove(tools::Invocation& invocation, const PortSession& session, const Patch& patch,
-               HX_STATUS status, uint16_t deviceStatus) {
-    std::vector<uint8_t> after(patch.bytes.size());
-    const HX_STATUS readStatus = ReadSfp(session.Handle(), patch.page, patch.offset, after);
-    const bool isNew = readStatus == HXMGT_SUCCESS && after == patch.bytes;
-    const bool isOld = readStatus == HXMGT_SUCCESS && std::ranges::equal(after, patch.Before());
-    if (!isOld) {
-        invocation.Changed();
-    }
-    if (status != HXMGT_SUCCESS) {
-        const char* state = isOld   ? "the write failed, the old bytes stand there"
-                            : isNew ? "the bytes stand there, but the write reported a failure"
-                                    : "the write failed half way, or its result cannot be read";
-        FailTransfer(session, status,
-                     isOld   ? tools::ExitCodeOf(status)
-                     : isNew ? ExitCode::NotProven
-                             : ExitCode::Failed,
-                     state, deviceStatus);
-    }
-    if (readStatus != HXMGT_SUCCESS) {
-        const ExitCode exit = invocation.Report(readStatus, "written, but it cannot be read back",
-                                                session.port.Object());
-        return exit == ExitCode::NotFound ? exit : ExitCode::NotProven;
-    }
-    if (!isNew) {
-        invocation.Add({Severity::Error,
-                        "the write was accepted, but other bytes stand there",
-                        "the transceiver may protect them, or measure them",
-                        session.port.Object(),
-                        {}});
-        return ExitCode::Failed;
+// One that held and would not any more: hosts may refuse such a transceiver.
+bool BreaksChecksum(const Patch& patch) {
+    return (HoldingChecksums(patch.page, patch.before) &
+            ~HoldingChecksums(patch.page, patch.PageAfter())) != 0;
+}
+
+// Bytes outside the patch may move: measured values do.
+ExitCode WritePatch(tools::Invocation& invocation, const PortSession& session, const Patch& patch) {
+    constexpr char kOtherBytes[] = ": the write was accepted, but other bytes stand there";
+    constexpr char kHalfWay[] = ": the write failed half way, or its result cannot be read";
+    constexpr char kProtected[] = "the transceiver may protect them, or measure them";
+    const Bytes before = patch.Before();
+    PlaceWrite write{
+        .what = std::string("page ") + patch.page.name + " of the transceiver",
+        .finishes = "the write to the transceiver",
+        .image = patch.bytes,
+        .before = {before.begin(), before.end()},
+        .lookAgain = "",
+        .recheck = Recheck::None,
+        .read =
+            [&](std::vector<uint8_t>* bytes) {
+                bytes->resize(patch.bytes.size());
+                return ReadSfp(session.Handle(), patch.page, patch.offset, *bytes);
+            },
+        .write = nullptr,
+        .failed = {{kHalfWay, "read it with `sfp dump`, and write it again"},
+                   {": the write failed, the old bytes stand there", ""},
+                   {": the bytes stand there, but the write reported a failure", ""},
+                   {kHalfWay, ""}},
+        .accepted = {{": written, but it cannot be read back", ""},
+                     {kOtherBytes, kProtected},
+                     {},
+                     {kOtherBytes, kProtected}},
+    };
+    write.write = [&](std::vector<uint8_t>& bytes) {
+        uint16_t deviceStatus = 0;
+        const HX_STATUS status =
+            HXWriteSFPData(session.Handle(), 0, patch.page.device, bytes.data(),
+                           static_cast<uint16_t>(bytes.size()), static_cast<uint16_t>(patch.offset),
+                           kNoSfpOptions, &deviceStatus);
+        write.detail = DeviceNote(deviceStatus);
+        return status;
+    };
+    const WriteOutcome outcome = WritePlace(invocation, session.Handle(), session.port, write);
+    if (outcome.trouble) {
+        throw *outcome.trouble;
     }
     return ExitCode::Done;
 }
 
-ExitCode WritePatch(tools::Invocation& invocation, const PortSession& session, const Patch& patch) {
-    const FinishFirst finish(invocation, "the write to the transceiver");
-    const UpdateLock lock(invocation, session);
-    uint16_t deviceStatus = 0;
-    const HX_STATUS status =
-        HXWriteSFPData(session.Handle(), 0, patch.page.device, patch.bytes.data(),
-                       static_cast<uint16_t>(patch.bytes.size()),
-                       static_cast<uint16_t>(patch.offset), kNoOptions, &deviceStatus);
-    return Prove(invocation, session, patch, status, deviceStatus);
+struct SfpWritten {
+    const Port* port;
+    const Patch* patch;
+    bool shown;  // a serial number among the bytes cannot be told from the rest
+
+    Value Digits(Bytes bytes) const { return shown ? Value::Text(HexDigits(bytes)) : Value(); }
+};
+
+const tools::Fields<SfpWritten>& SfpWriteFields() {
+    using Written = SfpWritten;
+    static const tools::Fields<Written> kFields = {
+        {PortKeys(), &Written::port},
+        {"page", "Page", tools::Choice(kSfpPageNames),
+         [](const Written& one) { return one.patch->page.name; }},
+        {"offset", "Offset", tools::kInteger, [](const Written& one) { return one.patch->offset; }},
+        {"before", "Before", kText.OrNull(),
+         [](const Written& one) { return one.Digits(one.patch->Before()); },
+         "hexadecimal digits; null with --redact"},
+        {"after", "Written", kText.OrNull(),
+         [](const Written& one) { return one.Digits(one.patch->bytes); },
+         "hexadecimal digits; null with --redact"},
+    };
+    return kFields;
 }
+
+struct SfpLoaded {
+    const Port* port;
+    std::string file;
+    size_t size;
+    SfpModule before;
+    std::string revision;
+    bool loaded = false;
+};
 
 std::string RevisionOf(const SfpModule& module) {
     return tools::FieldText(module.identity.revision, sizeof module.identity.revision);
@@ -175,16 +200,29 @@ std::string Describe(const SfpModule& module) {
            RevisionOf(module);
 }
 
+const tools::Fields<SfpLoaded>& SfpLoadFields() {
+    using Loaded = SfpLoaded;
+    static const tools::Fields<Loaded> kFields = {
+        {PortKeys(), &Loaded::port},
+        {"file", "File", kText, &Loaded::file},
+        {"size", "Size", tools::Integer("bytes"), &Loaded::size},
+        {"transceiver", "Transceiver", kText,
+         [](const Loaded& one) { return Describe(one.before); }},
+        {"revision_before", "Revision before", kText.OrNull(),
+         [](const Loaded& one) { return RevisionOf(one.before); }},
+        {"revision", "Revision", kText.OrNull(), &Loaded::revision},
+        {"loaded", "Loaded", tools::kFlag, &Loaded::loaded},
+    };
+    return kFields;
+}
+
 HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& session,
                         const std::vector<uint8_t>& image) {
-    const tools::AbandonHooks::Registration whenGivenUp(
-        invocation.Hooks(), [&invocation, &session] {
-            invocation.Add({Severity::Error,
-                            "the transceiver was being loaded and may have half of the firmware",
-                            "load it again before the port or the host is reset",
-                            session.port.Object(),
-                            {}});
-        });
+    const tools::AbandonHooks::Registration whenGivenUp(invocation.Hooks(), [&invocation,
+                                                                             &session] {
+        Complain(invocation, session.port.Object(),
+                 "the transceiver was being loaded and may have half of the firmware", kLoadAgain);
+    });
     const FinishFirst finish(invocation, "the transceiver's firmware");
     const UpdateLock lock(invocation, session);
     invocation.Progress("loading the transceiver, " + SizeText(image.size()));
@@ -202,12 +240,10 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
     }
     SfpModule module;
     const bool answers = ReadSfpModule(session.Handle(), &module) == HXMGT_SUCCESS;
-    throw tools::CommandError{
-        tools::ExitCodeOf(status),
-        {Severity::Error,
-         std::string("the transceiver was not loaded: ") + StatusMessage(status) +
-             (answers ? "; it answers as " + Describe(module) : "; it does not answer"),
-         "load it again before the port or the host is reset", session.port.Object(), status}};
+    FailAt(session.port.Object(), tools::ExitCodeOf(status),
+           "the transceiver was not loaded: " + StatusMessage(status) +
+               (answers ? "; it answers as " + Describe(module) : "; it does not answer"),
+           kLoadAgain, status);
 }
 
 ExitCode SfpWrite(tools::Invocation& invocation) {
@@ -216,17 +252,9 @@ ExitCode SfpWrite(tools::Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const SfpPage& page = SfpPageOf(invocation.Given().Text("PAGE"));
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
-    const Patch patch{page, offset, std::move(bytes), ReadPage(session, page)};
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    result.Add("page", "Page", Value::Text(page.name));
-    result.Add("offset", "Offset", Value::Number(offset));
-    // A serial number among the bytes cannot be told from the rest.
-    const auto shown = [&](Bytes data) {
-        return invocation.Names().Enabled() ? Value() : Value::Text(HexDigits(data));
-    };
-    result.Add("before", "Before", shown(patch.Before()));
-    result.Add("after", "Written", shown(patch.bytes));
+    const Patch patch{page, offset, std::move(bytes), ReadPage(invocation, session, page)};
+    invocation.Result() =
+        SfpWriteFields().Make({&session.port, &patch, !invocation.Names().Enabled()});
     if (!patch.IsNeeded()) {
         invocation.Note("nothing to do");
         return ExitCode::Done;
@@ -239,15 +267,11 @@ ExitCode SfpWrite(tools::Invocation& invocation) {
         invocation.Note("dry run: nothing was written");
         return ExitCode::Done;
     }
-    tools::Question question =
-        QuestionAbout(session,
-                      std::string("Write to page ") + page.name +
-                          " of the transceiver, from byte " + std::to_string(offset) + ": " +
-                          HexDigits(patch.Before()) + " -> " + HexDigits(patch.bytes),
-                      "Wrong bytes can make the transceiver useless, in every host.");
-    question.lines.insert(question.lines.end(), outlook.warnings.begin(), outlook.warnings.end());
-    invocation.Confirm(question);
-    invocation.CheckStop();
+    ConfirmUpdate(invocation, session, outlook,
+                  std::string("Write to page ") + page.name + " of the transceiver, from byte " +
+                      std::to_string(offset) + ": " + HexDigits(patch.Before()) + " -> " +
+                      HexDigits(patch.bytes),
+                  "Wrong bytes can make the transceiver useless, in every host.");
     return WritePatch(invocation, session, patch);
 }
 
@@ -265,31 +289,18 @@ ExitCode SfpLoad(tools::Invocation& invocation) {
         invocation.Fail(status, "the transceiver cannot be read; nothing was written",
                         session.port.Object());
     }
-    const auto report = [&](const std::string& revision, bool loaded) {
-        Record& result = invocation.Result();
-        result.Add("port", "Port", Value::Number(session.port.index));
-        result.Add("file", "File", Value::Text(path));
-        result.Add("size", "Size", Value::Number(image.size(), "bytes"));
-        result.Add("transceiver", "Transceiver", Value::Text(Describe(before)));
-        result.Add("revision_before", "Revision before", Value::TextOrNull(RevisionOf(before)));
-        result.Add("revision", "Revision", Value::TextOrNull(revision));
-        result.Add("loaded", "Loaded", Value::Flag(loaded));
-    };
+    SfpLoaded loaded{&session.port, path, image.size(), before, RevisionOf(before)};
     if (invocation.DryRun()) {
-        report(RevisionOf(before), false);
+        invocation.Result() = SfpLoadFields().Make(loaded);
         invocation.Note("dry run: nothing was written",
                         "whether the file fits is for the transceiver to say");
         return ExitCode::Done;
     }
-    tools::Question question = QuestionAbout(
-        session,
-        "Load " + path + ", " + SizeText(image.size()) + ", into the transceiver " +
-            Describe(before) + ".",
-        "The link may go down meanwhile. A load that is cut short can make the transceiver "
-        "useless.");
-    question.lines.insert(question.lines.end(), outlook.warnings.begin(), outlook.warnings.end());
-    invocation.Confirm(question);
-    invocation.CheckStop();
+    ConfirmUpdate(invocation, session, outlook,
+                  "Load " + path + ", " + SizeText(image.size()) + ", into the transceiver " +
+                      Describe(before) + ".",
+                  "The link may go down meanwhile. A load that is cut short can make the "
+                  "transceiver useless.");
     const HX_STATUS status = LoadUnderLock(invocation, session, image);
     if (status != HXMGT_SUCCESS) {
         FailLoad(invocation, session, status);
@@ -297,7 +308,9 @@ ExitCode SfpLoad(tools::Invocation& invocation) {
     invocation.Changed();
     SfpModule after;
     const HX_STATUS readStatus = ReadSfpModule(session.Handle(), &after);
-    report(readStatus == HXMGT_SUCCESS ? RevisionOf(after) : std::string(), true);
+    loaded.revision = readStatus == HXMGT_SUCCESS ? RevisionOf(after) : std::string();
+    loaded.loaded = true;
+    invocation.Result() = SfpLoadFields().Make(loaded);
     if (readStatus != HXMGT_SUCCESS) {
         invocation.Report(readStatus, "loaded, but the transceiver does not answer",
                           session.port.Object());
@@ -317,18 +330,20 @@ tools::CommandRows SfpChangeCommands() {
             .risk = tools::Risk::Irrecoverable,
             .help = "write bytes to the memory of a transceiver",
             .schema = "sfp.write",
-            .arguments = kWriteArguments,
+            .arguments = kSfpWriteArguments,
             .run = SfpWrite,
             .example = "sfp write a2 0x80 01020304 -p scsi:3",
+            .result = tools::ShapeOf<SfpWriteFields>,
         },
         {
             .path = "sfp load",
             .risk = tools::Risk::Irrecoverable,
             .help = "load firmware into a transceiver",
             .schema = "sfp.load",
-            .arguments = kLoadArguments,
+            .arguments = kSfpLoadArguments,
             .run = SfpLoad,
             .example = "sfp load transceiver.bin -p scsi:3",
+            .result = tools::ShapeOf<SfpLoadFields>,
         },
     };
     return kCommands;

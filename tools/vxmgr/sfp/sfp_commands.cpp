@@ -1,91 +1,133 @@
 // sfp show, sfp dump.
 #include "vxmgr/sfp/commands.h"
 
-#include "vxmgr/app/values.h"
+#include "vxmgr/app/port_fields.h"
 #include "vxmgr/sfp/sfp_port.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
 using tools::ExitCode;
 using tools::ListLayout;
-using tools::Record;
 using tools::Tone;
 using tools::Value;
 
 constexpr const char* kPageChoices[] = {kSfpPages[0].name, kSfpPages[1].name, "all"};
-constexpr Argument kDumpArguments[] = {
+constexpr tools::Argument kDumpArguments[] = {
     {.name = "--page",
      .valueName = "PAGE",
      .help = "a0 (identity), a2 (diagnostics) or all (all)",
      .choices = kPageChoices},
 };
 
-// Null without diagnostics.
-Record StatusRecord(const std::optional<SfpReadings>& readings) {
-    Record record;
-    const auto add = [&](const char* key, const char* label, bool SfpReadings::*flag, bool good) {
-        const bool set = readings && (*readings).*flag;
-        record.Add(key, label,
-                   readings ? Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad) : Value());
-    };
-    add("tx_disabled", "Transmitter off", &SfpReadings::transmitDisabled, false);
-    add("tx_fault", "Transmitter fault", &SfpReadings::transmitFault, false);
-    add("rx_lost", "Signal lost", &SfpReadings::signalLost, false);
-    add("ready", "Ready", &SfpReadings::ready, true);
-    add("checksum_good", "Good checksum", &SfpReadings::checksumHolds, true);
-    return record;
+// The transceiver of a port, and what it measures.
+struct ShownModule {
+    const Port* port;
+    SfpModule module;
+    std::optional<SfpReadings> readings{};  // empty: no diagnostics
+
+    std::vector<SfpReadingRow> Rows() const {
+        return readings ? ReadingRows(*readings) : std::vector<SfpReadingRow>();
+    }
+};
+
+Value ModuleTrouble(const ShownModule& shown) {
+    const std::string trouble = shown.readings ? TroubleText(*shown.readings) : std::string();
+    return shown.readings ? Value::Text(trouble).Shown(trouble.empty() ? "none" : trouble)
+                          : Value();
 }
 
-Record ModuleRecord(const Port& port, const SfpModule& module) {
-    Record record;
-    record.title = "Transceiver of port " + std::to_string(port.index);
-    record.Add("port", "Port", Value::Number(port.index), "PORT");
-    record.Add("adapter_serial", "Adapter", Value::Serial(port.Serial()), "ADAPTER");
-    const Record identity = SfpIdentityRecord(module.identity);
-    record.AddGroup("identity", "Identity", identity);
-    std::vector<Record> rows;
-    std::optional<SfpReadings> readings;
-    std::string trouble;
-    if (module.diagnostics) {
-        readings = ReadDiagnostics(module.identity, *module.diagnostics);
-        rows = ReadingRows(*readings);
-        trouble = TroubleText(*readings);
-    }
-    record.Add("trouble", "Trouble",
-               readings ? Value::Text(trouble).Shown(trouble.empty() ? "none" : trouble) : Value(),
-               "TROUBLE");
-    record.AddGroup("flags", "State", StatusRecord(readings));
-    tools::Field& list =
-        record.AddList("readings", "Readings", ListLayout::Table,
-                       ReadingRow(SfpQuantity::Temperature, {}), "no diagnostics", std::move(rows));
-    list.spreadBy = "quantity";
-    list.prototype = ReadingRows({});
-    return record;
+// Null without diagnostics.
+const tools::Fields<ShownModule>& ModuleFlagFields() {
+    const auto flag = [](bool SfpReadings::*field, bool good) {
+        return [field, good](const ShownModule& shown) {
+            if (!shown.readings) {
+                return Value();
+            }
+            const bool set = (*shown.readings).*field;
+            return Value(Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad));
+        };
+    };
+    constexpr tools::FieldType kFlag = tools::kFlag.OrNull();
+    static const tools::Fields<ShownModule> kFields = {
+        {"tx_disabled", "Transmitter off", kFlag, flag(&SfpReadings::transmitDisabled, false)},
+        {"tx_fault", "Transmitter fault", kFlag, flag(&SfpReadings::transmitFault, false)},
+        {"rx_lost", "Signal lost", kFlag, flag(&SfpReadings::signalLost, false)},
+        {"ready", "Ready", kFlag, flag(&SfpReadings::ready, true)},
+        {"checksum_good", "Good checksum", kFlag, flag(&SfpReadings::checksumHolds, true)},
+    };
+    return kFields;
+}
+
+std::string ModuleTitle(const ShownModule& shown) {
+    return "Transceiver of port " + std::to_string(shown.port->index);
+}
+
+const tools::Fields<ShownModule>& ModuleFields() {
+    using Shown = ShownModule;
+    static const tools::Fields<Shown> kFields(
+        ModuleTitle,
+        {
+            {PortKeys(kPortIndex | kAdapterSerial), &Shown::port},
+            {"identity", "Identity", SfpIdentityFields(),
+             [](const Shown& shown) { return &shown.module.identity; }, "", tools::kGroup},
+            {"trouble", "Trouble", "TROUBLE", tools::kText.OrNull(), ModuleTrouble,
+             "empty when all is well; null without diagnostics"},
+            {"flags", "State", ModuleFlagFields()},
+            {"readings", "Readings", ReadingFields(), &Shown::Rows, ListLayout::Table,
+             "no diagnostics", "", "quantity"},
+        });
+    return kFields;
+}
+
+using ShownModules = std::vector<ShownModule>;
+
+const tools::Fields<ShownModules>& SfpShowFields() {
+    static const auto kFields = tools::ListOf<ShownModules>(
+        "transceivers", "Transceivers", ModuleFields(), ListLayout::Sections, "no transceivers");
+    return kFields;
 }
 
 ExitCode SfpShow(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
-    std::vector<Record> rows;
+    ShownModules shown;
     const ExitCode exit = ForEachSfpModule(
         invocation, ports,
         [&](const Port& port, Device&, const SfpModule& module, std::string* failedQuery) {
-            rows.push_back(ModuleRecord(port, module));
+            shown.push_back({&port, module});
+            if (module.diagnostics) {
+                shown.back().readings = ReadDiagnostics(module.identity, *module.diagnostics);
+            }
             *failedQuery = "the diagnostics cannot be read";
             return module.diagnosticsStatus;
         });
-    invocation.Result().AddList("transceivers", "Transceivers", ListLayout::Sections,
-                                ModuleRecord({}, {}), "no transceivers", std::move(rows));
+    invocation.Result() = SfpShowFields().Make(shown);
     return exit;
+}
+
+// The pages that were asked for; none with --redact.
+struct SfpMemory {
+    const Port* port;
+    std::optional<std::vector<HexRow>> pages[std::size(kSfpPages)]{};
+};
+
+const tools::Fields<SfpMemory>& SfpDumpFields() {
+    static const tools::Fields<SfpMemory> kFields = {
+        {PortKeys(), &SfpMemory::port},
+        {kSfpPages[0].name, "Page a0", HexRowFields(),
+         [](const SfpMemory& memory) { return memory.pages[0]; }, ListLayout::Table, "no data"},
+        {kSfpPages[1].name, "Page a2", HexRowFields(),
+         [](const SfpMemory& memory) { return memory.pages[1]; }, ListLayout::Table, "no data"},
+    };
+    return kFields;
 }
 
 ExitCode SfpDump(tools::Invocation& invocation) {
     const std::string wanted = invocation.Given().Text("page", "all");
     const PortSession session = OpenSelectedPort(invocation);
-    Record& result = invocation.Result();
-    result.Add("port", "Port", Value::Number(session.port.index));
-    for (const SfpPage& page : kSfpPages) {
+    tools::GrowingResult memory(invocation.Result(), SfpDumpFields(), {&session.port});
+    for (size_t i = 0; i < std::size(kSfpPages); ++i) {
+        const SfpPage& page = kSfpPages[i];
         if (wanted != "all" && wanted != page.name) {
             continue;
         }
@@ -101,7 +143,7 @@ ExitCode SfpDump(tools::Invocation& invocation) {
         if (invocation.Names().Enabled()) {
             invocation.Note("with --redact the data is left out");
         } else {
-            AddHexRows(result, page.name, std::string("Page ") + page.name, bytes);
+            memory.pages[i] = HexRowsOf(bytes);
         }
     }
     return ExitCode::Done;
@@ -118,6 +160,7 @@ tools::CommandRows SfpCommands() {
             .schema = "sfp.show",
             .run = SfpShow,
             .example = "sfp show -p scsi:3",
+            .result = tools::ShapeOf<SfpShowFields>,
         },
         {
             .path = "sfp dump",
@@ -127,6 +170,7 @@ tools::CommandRows SfpCommands() {
             .arguments = kDumpArguments,
             .run = SfpDump,
             .example = "sfp dump --page a0 -p scsi:3",
+            .result = tools::ShapeOf<SfpDumpFields>,
         },
     };
     return kCommands;

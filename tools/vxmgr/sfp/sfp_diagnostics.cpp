@@ -9,12 +9,10 @@
 namespace vxmgr {
 namespace {
 
-using tools::Record;
 using tools::Tone;
 using tools::Value;
 
 struct QuantityRow {
-    const char* key;
     const char* name;
     const char* unit;
     int decimals;
@@ -22,29 +20,29 @@ struct QuantityRow {
     bool isSigned;
 };
 constexpr QuantityRow kQuantities[kSfpQuantities] = {
-    {"temperature", "temperature", "\u00b0C", 2, 1.0 / 256, true},
-    {"voltage", "supply voltage", "V", 4, 0.0001, false},
-    {"bias", "laser bias", "mA", 3, 0.002, false},
-    {"tx_power", "sent power", "mW", 4, 0.0001, false},
-    {"rx_power", "received power", "mW", 4, 0.0001, false},
+    {"temperature", "\u00b0C", 2, 1.0 / 256, true}, {"supply voltage", "V", 4, 0.0001, false},
+    {"laser bias", "mA", 3, 0.002, false},          {"sent power", "mW", 4, 0.0001, false},
+    {"received power", "mW", 4, 0.0001, false},
 };
+constexpr const char* kQuantityKeys[kSfpQuantities] = {"temperature", "voltage", "bias", "tx_power",
+                                                       "rx_power"};
+constexpr tools::FieldType kDecimal = tools::kText.OrNull();
+constexpr char kDecimalNote[] = "a decimal number; null: not known";
 
 const QuantityRow& RowOf(SfpQuantity quantity) {
     return kQuantities[static_cast<size_t>(quantity)];
 }
 
 struct StateRow {
-    const char* name;
     const char* shown;
     Tone tone;
 };
 constexpr StateRow kStates[] = {
-    {"normal", "normal", Tone::Good},
-    {"low_warning", "low warning", Tone::Warning},
-    {"high_warning", "high warning", Tone::Warning},
-    {"low_alarm", "low alarm", Tone::Bad},
-    {"high_alarm", "high alarm", Tone::Bad},
+    {"normal", Tone::Good},   {"low warning", Tone::Warning}, {"high warning", Tone::Warning},
+    {"low alarm", Tone::Bad}, {"high alarm", Tone::Bad},
 };
+constexpr const char* kStateNames[] = {"normal", "low_warning", "high_warning", "low_alarm",
+                                       "high_alarm"};
 
 constexpr uint8_t kTransmitDisabled = 0x80 | 0x40;  // by the pin, by software
 constexpr uint8_t kTransmitFault = 0x04;
@@ -153,10 +151,6 @@ bool IsPower(SfpQuantity quantity) {
 
 }  // namespace
 
-const char* NameOf(SfpState state) {
-    return kStates[static_cast<size_t>(state)].name;
-}
-
 SfpReadings ReadDiagnostics(const SfpIdentity& identity, const SfpDiagnostics& page) {
     const Reader reader(identity, page);
     SfpReadings readings;
@@ -195,33 +189,47 @@ Value DecibelValue(const std::optional<double>& milliwatts) {
     return text.empty() ? Value() : Value::Text(text).Shown(text + " dBm");
 }
 
-Value StateValue(SfpState state) {
-    const StateRow& row = kStates[static_cast<size_t>(state)];
-    return Value::Text(row.name).Shown(row.shown).In(row.tone);
-}
-
-Record ReadingRow(SfpQuantity quantity, const SfpReading& reading) {
-    const QuantityRow& names = RowOf(quantity);
-    const auto value = [&](const std::optional<double>& number) {
-        return ReadingValue(quantity, number);
+const tools::Fields<SfpReadingRow>& ReadingFields() {
+    using Row = SfpReadingRow;
+    const auto value = [](std::optional<double> SfpReading::*field) {
+        return [field](const Row& row) { return ReadingValue(row.quantity, row.reading->*field); };
     };
-    Record row;
-    row.Add("quantity", "Quantity", Value::Text(names.key).Shown(names.name), "QUANTITY");
-    row.Add("unit", "Unit", Value::Text(names.unit));
-    row.Add("value", "Value", value(reading.value), "VALUE");
-    row.Add("dbm", "dBm", IsPower(quantity) ? DecibelValue(reading.value) : Value(), "POWER");
-    row.Add("state", "State", StateValue(reading.state), "STATE");
-    row.Add("low_alarm", "Low alarm", value(reading.lowAlarm), "LOW ALARM");
-    row.Add("low_warning", "Low warning", value(reading.lowWarning), "LOW WARNING");
-    row.Add("high_warning", "High warning", value(reading.highWarning), "HIGH WARNING");
-    row.Add("high_alarm", "High alarm", value(reading.highAlarm), "HIGH ALARM");
-    return row;
+    static const tools::Fields<Row> kFields = {
+        {"quantity", "Quantity", "QUANTITY", tools::Choice(kQuantityKeys),
+         [](const Row& row) {
+             return Value::Text(kQuantityKeys[static_cast<size_t>(row.quantity)])
+                 .Shown(RowOf(row.quantity).name);
+         }},
+        {"unit", "Unit", tools::kText, [](const Row& row) { return RowOf(row.quantity).unit; }},
+        {"value", "Value", "VALUE", kDecimal, value(&SfpReading::value), kDecimalNote},
+        {"dbm", "dBm", "POWER", kDecimal,
+         [](const Row& row) {
+             return IsPower(row.quantity) ? DecibelValue(row.reading->value) : Value();
+         },
+         kDecimalNote},
+        {"state", "State", "STATE", tools::Choice(kStateNames),
+         [](const Row& row) {
+             const auto state = static_cast<size_t>(row.reading->state);
+             return Value::Text(kStateNames[state])
+                 .Shown(kStates[state].shown)
+                 .In(kStates[state].tone);
+         }},
+        {"low_alarm", "Low alarm", "LOW ALARM", kDecimal, value(&SfpReading::lowAlarm),
+         kDecimalNote},
+        {"low_warning", "Low warning", "LOW WARNING", kDecimal, value(&SfpReading::lowWarning),
+         kDecimalNote},
+        {"high_warning", "High warning", "HIGH WARNING", kDecimal, value(&SfpReading::highWarning),
+         kDecimalNote},
+        {"high_alarm", "High alarm", "HIGH ALARM", kDecimal, value(&SfpReading::highAlarm),
+         kDecimalNote},
+    };
+    return kFields;
 }
 
-std::vector<Record> ReadingRows(const SfpReadings& readings) {
-    std::vector<Record> rows;
+std::vector<SfpReadingRow> ReadingRows(const SfpReadings& readings) {
+    std::vector<SfpReadingRow> rows;
     for (size_t i = 0; i < kSfpQuantities; ++i) {
-        rows.push_back(ReadingRow(static_cast<SfpQuantity>(i), readings.quantities[i]));
+        rows.push_back({static_cast<SfpQuantity>(i), &readings.quantities[i]});
     }
     return rows;
 }

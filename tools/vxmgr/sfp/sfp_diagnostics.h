@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "common/record.h"
 #include "vxmgr/sfp/sfp_identity.h"
 
 namespace vxmgr {
@@ -18,7 +17,6 @@ using formats::kSfpQuantities;
 using formats::SfpDiagnostics;
 
 enum class SfpState : uint8_t { Normal, LowWarning, HighWarning, LowAlarm, HighAlarm };
-const char* NameOf(SfpState state);  // "low_warning"
 
 // In degrees Celsius, volts, milliamperes, milliwatts. Empty: a calibration that makes no sense.
 struct SfpReading {
@@ -47,11 +45,14 @@ std::string DecimalText(double value, int decimals);
 // JSON has the numbers as decimal texts: they may be negative.
 tools::Value ReadingValue(SfpQuantity quantity, const std::optional<double>& value);
 tools::Value DecibelValue(const std::optional<double>& milliwatts);
-tools::Value StateValue(SfpState state);
 
-// One row for each quantity.
-tools::Record ReadingRow(SfpQuantity quantity, const SfpReading& reading);
-std::vector<tools::Record> ReadingRows(const SfpReadings& readings);
+// One row for each quantity. The readings have to live as long as the rows.
+struct SfpReadingRow {
+    SfpQuantity quantity;
+    const SfpReading* reading;
+};
+const tools::Fields<SfpReadingRow>& ReadingFields();
+std::vector<SfpReadingRow> ReadingRows(const SfpReadings& readings);
 
 // "tx power low warning, signal lost"; empty when all is well.
 std::string TroubleText(const SfpReadings& readings);

@@ -6,9 +6,10 @@
 namespace vxmgr {
 namespace {
 
-using tools::Record;
+using tools::kText;
 using tools::Tone;
 using tools::Value;
+using Sfp = SfpIdentity;
 
 constexpr uint8_t kRateBeyondByte = 255;
 constexpr uint8_t kLengthBeyondByte = 255;
@@ -55,77 +56,58 @@ constexpr CodeText kRevisions[] = {
 
 // Bits of a byte of the page and what they stand for.
 struct BitRow {
-    uint8_t SfpIdentity::*byte;
+    uint8_t Sfp::*byte;
     uint8_t bit;
     const char* text;
 };
 constexpr BitRow kSpeeds[] = {
-    {&SfpIdentity::fibreChannelSpeeds, 0x01, "1"},  {&SfpIdentity::fibreChannelSpeeds, 0x04, "2"},
-    {&SfpIdentity::fibreChannelSpeeds, 0x10, "4"},  {&SfpIdentity::fibreChannelSpeeds, 0x40, "8"},
-    {&SfpIdentity::fibreChannelSpeeds, 0x80, "10"}, {&SfpIdentity::fibreChannelSpeeds, 0x20, "16"},
-    {&SfpIdentity::fibreChannelSpeeds, 0x08, "32"}, {&SfpIdentity::fibreChannelSpeeds2, 0x01, "64"},
+    {&Sfp::fibreChannelSpeeds, 0x01, "1"},  {&Sfp::fibreChannelSpeeds, 0x04, "2"},
+    {&Sfp::fibreChannelSpeeds, 0x10, "4"},  {&Sfp::fibreChannelSpeeds, 0x40, "8"},
+    {&Sfp::fibreChannelSpeeds, 0x80, "10"}, {&Sfp::fibreChannelSpeeds, 0x20, "16"},
+    {&Sfp::fibreChannelSpeeds, 0x08, "32"}, {&Sfp::fibreChannelSpeeds2, 0x01, "64"},
 };
 constexpr BitRow kLinkLengths[] = {
-    {&SfpIdentity::fibreChannelLink, 0x40, "short"},
-    {&SfpIdentity::fibreChannelLink, 0x20, "intermediate"},
-    {&SfpIdentity::fibreChannelLink, 0x08, "medium"},
-    {&SfpIdentity::fibreChannelLink, 0x10, "long"},
-    {&SfpIdentity::fibreChannelLink, 0x80, "very long"},
+    {&Sfp::fibreChannelLink, 0x40, "short"},     {&Sfp::fibreChannelLink, 0x20, "intermediate"},
+    {&Sfp::fibreChannelLink, 0x08, "medium"},    {&Sfp::fibreChannelLink, 0x10, "long"},
+    {&Sfp::fibreChannelLink, 0x80, "very long"},
 };
 constexpr BitRow kTechnologies[] = {
-    {&SfpIdentity::fibreChannelTechnology, 0x40, "shortwave laser"},
-    {&SfpIdentity::fibreChannelTechnology, 0x20, "shortwave laser with open fibre control"},
-    {&SfpIdentity::fibreChannelLink, 0x04, "shortwave laser, linear receiver"},
-    {&SfpIdentity::fibreChannelTechnology, 0x10, "longwave laser (LL)"},
-    {&SfpIdentity::fibreChannelLink, 0x02, "longwave laser (LC)"},
-    {&SfpIdentity::fibreChannelLink, 0x01, "electrical between enclosures"},
-    {&SfpIdentity::fibreChannelTechnology, 0x80, "electrical within an enclosure"},
-    {&SfpIdentity::fibreChannelTechnology, 0x08, "active cable"},
-    {&SfpIdentity::fibreChannelTechnology, 0x04, "passive cable"},
+    {&Sfp::fibreChannelTechnology, 0x40, "shortwave laser"},
+    {&Sfp::fibreChannelTechnology, 0x20, "shortwave laser with open fibre control"},
+    {&Sfp::fibreChannelLink, 0x04, "shortwave laser, linear receiver"},
+    {&Sfp::fibreChannelTechnology, 0x10, "longwave laser (LL)"},
+    {&Sfp::fibreChannelLink, 0x02, "longwave laser (LC)"},
+    {&Sfp::fibreChannelLink, 0x01, "electrical between enclosures"},
+    {&Sfp::fibreChannelTechnology, 0x80, "electrical within an enclosure"},
+    {&Sfp::fibreChannelTechnology, 0x08, "active cable"},
+    {&Sfp::fibreChannelTechnology, 0x04, "passive cable"},
 };
 constexpr BitRow kMedia[] = {
-    {&SfpIdentity::fibreChannelMedia, 0x01, "single mode"},
-    {&SfpIdentity::fibreChannelMedia, 0x04, "multimode 50 um"},
-    {&SfpIdentity::fibreChannelMedia, 0x08, "multimode 62.5 um"},
-    {&SfpIdentity::fibreChannelMedia, 0x10, "video coaxial"},
-    {&SfpIdentity::fibreChannelMedia, 0x20, "miniature coaxial"},
-    {&SfpIdentity::fibreChannelMedia, 0x40, "twisted pair"},
-    {&SfpIdentity::fibreChannelMedia, 0x80, "twin axial"},
+    {&Sfp::fibreChannelMedia, 0x01, "single mode"},
+    {&Sfp::fibreChannelMedia, 0x04, "multimode 50 um"},
+    {&Sfp::fibreChannelMedia, 0x08, "multimode 62.5 um"},
+    {&Sfp::fibreChannelMedia, 0x10, "video coaxial"},
+    {&Sfp::fibreChannelMedia, 0x20, "miniature coaxial"},
+    {&Sfp::fibreChannelMedia, 0x40, "twisted pair"},
+    {&Sfp::fibreChannelMedia, 0x80, "twin axial"},
 };
 constexpr BitRow kEthernet[] = {
-    {&SfpIdentity::gigabitEthernet, 0x01, "1000BASE-SX"},
-    {&SfpIdentity::gigabitEthernet, 0x02, "1000BASE-LX"},
-    {&SfpIdentity::gigabitEthernet, 0x04, "1000BASE-CX"},
-    {&SfpIdentity::gigabitEthernet, 0x08, "1000BASE-T"},
-    {&SfpIdentity::ethernet, 0x10, "10GBASE-SR"},
-    {&SfpIdentity::ethernet, 0x20, "10GBASE-LR"},
-    {&SfpIdentity::ethernet, 0x40, "10GBASE-LRM"},
-    {&SfpIdentity::ethernet, 0x80, "10GBASE-ER"},
+    {&Sfp::gigabitEthernet, 0x01, "1000BASE-SX"}, {&Sfp::gigabitEthernet, 0x02, "1000BASE-LX"},
+    {&Sfp::gigabitEthernet, 0x04, "1000BASE-CX"}, {&Sfp::gigabitEthernet, 0x08, "1000BASE-T"},
+    {&Sfp::ethernet, 0x10, "10GBASE-SR"},         {&Sfp::ethernet, 0x20, "10GBASE-LR"},
+    {&Sfp::ethernet, 0x40, "10GBASE-LRM"},        {&Sfp::ethernet, 0x80, "10GBASE-ER"},
 };
 
 template <size_t rows>
-std::string BitText(const BitRow (&table)[rows], const SfpIdentity& identity) {
+std::string BitText(const BitRow (&table)[rows], const Sfp& sfp) {
     std::string text;
     for (const BitRow& row : table) {
-        if ((identity.*row.byte & row.bit) != 0) {
+        if ((sfp.*row.byte & row.bit) != 0) {
             text += (text.empty() ? "" : ", ") + std::string(row.text);
         }
     }
     return text;
 }
-
-struct LengthRow {
-    uint8_t SfpIdentity::*byte;
-    uint32_t metres;  // of one unit
-    const char* key;
-    const char* label;
-};
-constexpr LengthRow kLengths[] = {
-    {&SfpIdentity::lengthOm1, 10, "om1_m", "OM1"},
-    {&SfpIdentity::lengthOm2, 10, "om2_m", "OM2"},
-    {&SfpIdentity::lengthOm3, 10, "om3_m", "OM3"},
-    {&SfpIdentity::lengthOm4, 10, "om4_m", "OM4"},
-};
 
 Value LengthValue(uint8_t units, uint32_t metres) {
     if (units == 0) {
@@ -137,43 +119,53 @@ Value LengthValue(uint8_t units, uint32_t metres) {
                : Value::Number(length, "m");
 }
 
-Record LengthsRecord(const SfpIdentity& identity) {
-    Record record;
+Value SingleModeValue(const Sfp& sfp) {
     // The finer unit says more, where it is not beyond its byte.
-    const bool fine =
-        identity.lengthSingleMode100 != 0 && identity.lengthSingleMode100 != kLengthBeyondByte;
-    record.Add("single_mode_m", "Single mode",
-               fine || identity.lengthSingleMode == 0
-                   ? LengthValue(identity.lengthSingleMode100, 100)
-                   : LengthValue(identity.lengthSingleMode, 1000));
-    for (const LengthRow& row : kLengths) {
-        const bool copper = identity.IsCopper() && row.byte == &SfpIdentity::lengthOm4;
-        record.Add(row.key, row.label,
-                   copper ? Value() : LengthValue(identity.*row.byte, row.metres));
-    }
-    record.Add("copper_m", "Copper",
-               identity.IsCopper() ? LengthValue(identity.lengthOm4, 1) : Value());
-    return record;
+    const bool fine = sfp.lengthSingleMode100 != 0 && sfp.lengthSingleMode100 != kLengthBeyondByte;
+    return fine || sfp.lengthSingleMode == 0 ? LengthValue(sfp.lengthSingleMode100, 100)
+                                             : LengthValue(sfp.lengthSingleMode, 1000);
+}
+
+const tools::Fields<Sfp>& LengthFields() {
+    constexpr tools::FieldType kLength = tools::kInteger.OrNull();
+    static const tools::Fields<Sfp> kFields = {
+        {"single_mode_m", "Single mode", kLength, SingleModeValue},
+        {"om1_m", "OM1", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm1, 10); }},
+        {"om2_m", "OM2", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm2, 10); }},
+        {"om3_m", "OM3", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm3, 10); }},
+        {"om4_m", "OM4", kLength,
+         [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? 0 : sfp.lengthOm4, 10); }},
+        {"copper_m", "Copper", kLength,
+         [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? sfp.lengthOm4 : 0, 1); }},
+    };
+    return kFields;
 }
 
 // Tenths would be lost in whole gigabits: megabaud.
-Value RateValue(const SfpIdentity& identity) {
-    const uint64_t rate = identity.nominalRate == kRateBeyondByte ? identity.maxRate * 250u
-                                                                  : identity.nominalRate * 100u;
+Value RateValue(const Sfp& sfp) {
+    const uint64_t rate =
+        sfp.nominalRate == kRateBeyondByte ? sfp.maxRate * 250u : sfp.nominalRate * 100u;
     return rate == 0 ? Value() : Value::Number(rate, "MBd");
 }
 
-template <size_t size>
-std::string TextOf(const char (&field)[size]) {
-    return tools::FieldText(field, size);
+Value SpeedsValue(const Sfp& sfp) {
+    const std::string speeds = BitText(kSpeeds, sfp);
+    return speeds.empty() ? Value() : Value::Text(speeds).Shown(speeds + " Gbit/s");
+}
+
+Value WavelengthValue(const Sfp& sfp) {
+    const uint64_t wavelength = BigEndian(sfp.wavelength);
+    return sfp.IsCopper() || wavelength == 0 ? Value() : Value::Number(wavelength, "nm");
 }
 
 Value ChecksumValue(bool holds) {
     return Value::Flag(holds).Shown(holds ? "good" : "wrong").In(holds ? Tone::Plain : Tone::Bad);
 }
 
-const char* CalibrationOf(const SfpIdentity& identity) {
-    return identity.ExternallyCalibrated() ? "external" : "internal";
+// The name that the second flag chooses, where the first one holds.
+template <size_t names>
+const char* ChosenWhen(bool known, const char* const (&choices)[names], bool second) {
+    return known ? choices[second ? 1 : 0] : nullptr;
 }
 
 }  // namespace
@@ -194,46 +186,54 @@ std::string SfpDate(const char (&date)[8]) {
     return "20" + text.substr(0, 2) + "-" + month + "-" + day;
 }
 
-Record SfpIdentityRecord(const SfpIdentity& identity) {
-    const bool monitored = identity.HasMonitoring();
-    const uint32_t wavelength = static_cast<uint32_t>(BigEndian(identity.wavelength));
-    Record record;
-    record.Add("identifier", "Type",
-               Value::Text(TextOrNumber(kIdentifiers, identity.identifier, "type")), "TYPE");
-    record.Add("connector", "Connector",
-               Value::Text(TextOrNumber(kConnectors, identity.connector, "connector")));
-    record.Add("vendor", "Vendor", Value::TextOrNull(TextOf(identity.vendor)), "VENDOR");
-    record.Add("vendor_oui", "Vendor OUI", Value::Text(HexDigits(identity.vendorOui)));
-    record.Add("part", "Part", Value::TextOrNull(TextOf(identity.part)), "PART");
-    record.Add("revision", "Revision", Value::TextOrNull(TextOf(identity.revision)));
-    record.Add("serial", "Serial", Value::Serial(TextOf(identity.serial)), "SERIAL");
-    record.Add("date", "Made on", Value::TextOrNull(SfpDate(identity.date)));
-    const std::string speeds = BitText(kSpeeds, identity);
-    record.Add("speeds_gbit", "Speeds",
-               speeds.empty() ? Value() : Value::Text(speeds).Shown(speeds + " Gbit/s"), "SPEEDS");
-    record.Add("technology", "Technology", Value::TextOrNull(BitText(kTechnologies, identity)));
-    record.Add("link_length", "Link length", Value::TextOrNull(BitText(kLinkLengths, identity)));
-    record.Add("media", "Media", Value::TextOrNull(BitText(kMedia, identity)));
-    record.Add("ethernet", "Ethernet", Value::TextOrNull(BitText(kEthernet, identity)));
-    record.Add("wavelength_nm", "Wavelength",
-               identity.IsCopper() || wavelength == 0 ? Value() : Value::Number(wavelength, "nm"));
-    record.Add("encoding", "Encoding",
-               Value::Text(TextOrNumber(kEncodings, identity.encoding, "encoding")));
-    record.Add("nominal_rate_mbd", "Nominal rate", RateValue(identity));
-    record.Add("monitoring", "Diagnostics", Value::Flag(monitored));
-    record.Add("calibration", "Calibration",
-               monitored ? Value::Text(CalibrationOf(identity)) : Value());
-    record.Add(
-        "power_measure", "Received power",
-        monitored ? Value::Text(identity.AveragePower() ? "average" : "amplitude") : Value());
-    record.Add("compliance", "SFF-8472 revision",
-               Value::Text(TextOrNumber(kRevisions, identity.compliance, "revision")));
-    record.Add("base_checksum_good", "Base checksum",
-               ChecksumValue(formats::BaseChecksumHolds(identity)));
-    record.Add("extended_checksum_good", "Ext. checksum",
-               ChecksumValue(formats::ExtendedChecksumHolds(identity)));
-    record.AddGroup("lengths", "Lengths", LengthsRecord(identity));
-    return record;
+const tools::Fields<SfpIdentity>& SfpIdentityFields() {
+    static constexpr const char* kCalibrations[] = {"internal", "external"};
+    static constexpr const char* kPowerMeasures[] = {"amplitude", "average"};
+    const auto text = [](auto field) {
+        return [field](const Sfp& sfp) { return tools::FieldText(sfp.*field, sizeof(sfp.*field)); };
+    };
+    static const tools::Fields<Sfp> kFields = {
+        {"identifier", "Type", "TYPE", kText,
+         [](const Sfp& sfp) { return TextOrNumber(kIdentifiers, sfp.identifier, "type"); }},
+        {"connector", "Connector", kText,
+         [](const Sfp& sfp) { return TextOrNumber(kConnectors, sfp.connector, "connector"); }},
+        {"vendor", "Vendor", "VENDOR", kText.OrNull(), text(&Sfp::vendor)},
+        {"vendor_oui", "Vendor OUI", kText,
+         [](const Sfp& sfp) { return HexDigits(sfp.vendorOui); }},
+        {"part", "Part", "PART", kText.OrNull(), text(&Sfp::part)},
+        {"revision", "Revision", kText.OrNull(), text(&Sfp::revision)},
+        {"serial", "Serial", "SERIAL", tools::kSerial.OrNull(), text(&Sfp::serial)},
+        {"date", "Made on", kText.OrNull(), [](const Sfp& sfp) { return SfpDate(sfp.date); }},
+        {"speeds_gbit", "Speeds", "SPEEDS", kText.OrNull(), SpeedsValue},
+        {"technology", "Technology", kText.OrNull(),
+         [](const Sfp& sfp) { return BitText(kTechnologies, sfp); }},
+        {"link_length", "Link length", kText.OrNull(),
+         [](const Sfp& sfp) { return BitText(kLinkLengths, sfp); }},
+        {"media", "Media", kText.OrNull(), [](const Sfp& sfp) { return BitText(kMedia, sfp); }},
+        {"ethernet", "Ethernet", kText.OrNull(),
+         [](const Sfp& sfp) { return BitText(kEthernet, sfp); }},
+        {"wavelength_nm", "Wavelength", tools::kInteger.OrNull(), WavelengthValue},
+        {"encoding", "Encoding", kText,
+         [](const Sfp& sfp) { return TextOrNumber(kEncodings, sfp.encoding, "encoding"); }},
+        {"nominal_rate_mbd", "Nominal rate", tools::kInteger.OrNull(), RateValue},
+        {"monitoring", "Diagnostics", tools::kFlag, &Sfp::HasMonitoring},
+        {"calibration", "Calibration", tools::Choice(kCalibrations).OrNull(),
+         [](const Sfp& sfp) {
+             return ChosenWhen(sfp.HasMonitoring(), kCalibrations, sfp.ExternallyCalibrated());
+         }},
+        {"power_measure", "Received power", tools::Choice(kPowerMeasures).OrNull(),
+         [](const Sfp& sfp) {
+             return ChosenWhen(sfp.HasMonitoring(), kPowerMeasures, sfp.AveragePower());
+         }},
+        {"compliance", "SFF-8472 revision", kText,
+         [](const Sfp& sfp) { return TextOrNumber(kRevisions, sfp.compliance, "revision"); }},
+        {"base_checksum_good", "Base checksum", tools::kFlag,
+         [](const Sfp& sfp) { return ChecksumValue(formats::BaseChecksumHolds(sfp)); }},
+        {"extended_checksum_good", "Ext. checksum", tools::kFlag,
+         [](const Sfp& sfp) { return ChecksumValue(formats::ExtendedChecksumHolds(sfp)); }},
+        {"lengths", "Lengths", LengthFields()},
+    };
+    return kFields;
 }
 
 }  // namespace vxmgr

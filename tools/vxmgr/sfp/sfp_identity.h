@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/record.h"
+#include "common/fields.h"
 #include "formats/sfp_pages.h"
 #include "vxmgr/app/bytes.h"
 
@@ -17,6 +17,6 @@ using formats::SfpIdentity;
 // The year 20yy: "2024-01-31"; empty when it is no date.
 std::string SfpDate(const char (&date)[8]);
 
-tools::Record SfpIdentityRecord(const SfpIdentity& identity);
+const tools::Fields<SfpIdentity>& SfpIdentityFields();
 
 }  // namespace vxmgr

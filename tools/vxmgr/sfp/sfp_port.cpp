@@ -8,8 +8,6 @@ namespace {
 
 using tools::ExitCode;
 
-constexpr uint16_t kNoOptions = 0;
-
 bool IsUnsupported(HX_STATUS status) {
     return tools::ExitCodeOf(status) == ExitCode::NotSupported;
 }
@@ -40,7 +38,7 @@ const SfpPage& SfpPageOf(const std::string& name) {
 HX_STATUS ReadSfp(uint32_t handle, const SfpPage& page, size_t offset, std::span<uint8_t> bytes,
                   uint16_t* deviceStatus) {
     return HXReadSFPData(handle, 0, page.device, bytes.data(), static_cast<uint16_t>(bytes.size()),
-                         static_cast<uint16_t>(offset), kNoOptions, deviceStatus);
+                         static_cast<uint16_t>(offset), kNoSfpOptions, deviceStatus);
 }
 
 HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module) {

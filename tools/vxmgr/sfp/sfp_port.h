@@ -20,6 +20,8 @@ struct SfpPage {
 inline constexpr SfpPage kSfpPages[] = {{"a0", 0xA0}, {"a2", 0xA2}};
 inline constexpr const char* kSfpPageNames[] = {kSfpPages[0].name, kSfpPages[1].name};
 
+inline constexpr uint16_t kNoSfpOptions = 0;  // of the calls that read and write pages
+
 const SfpPage& SfpPageOf(const std::string& name);
 
 // A page or a part of it. deviceStatus: what the transceiver said; may be null.

@@ -1,41 +1,39 @@
 // fw activate
-#include "common/status_codes.h"
-#include "vxmgr/flash/flash_image_check.h"
-#include "vxmgr/flash/flash_regions.h"
+#include <algorithm>
+#include <chrono>
+
+#include "vxmgr/flash/flash_version.h"
 #include "vxmgr/update/commands.h"
-#include "vxmgr/update/update_activation.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
+#include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Severity;
-using tools::Value;
+using tools::kText;
 
 constexpr uint32_t kLimitSeconds = 60;
+constexpr int kVersionTries = 20;
+constexpr std::chrono::milliseconds kBetweenTries{500};
 
-constexpr Argument kActivateArguments[] = {
-    {"--settings", ArgumentKind::Flag, "",
-     "have the settings (NVRAM) taken over alone, and the firmware started with them"},
+constexpr tools::Argument kActivateArguments[] = {
+    {.name = "--settings",
+     .kind = ArgumentKind::Flag,
+     .help = "have the settings (NVRAM) taken over alone, and the firmware started with them"},
     {.name = "--limit",
      .kind = ArgumentKind::Number,
      .valueName = "S",
      .help = "seconds that one port may take; the next ones are left alone then (60; 0: any time)",
      .most = 3600},
-    {"--allow-same", ArgumentKind::Flag, "", "also when the stored versions run already"},
+    {.name = "--allow-same",
+     .kind = ArgumentKind::Flag,
+     .help = "also when the stored versions run already"},
 };
-
-[[noreturn]] void Refuse(ExitCode exit, const std::string& text, const std::string& hint,
-                         const std::string& object) {
-    throw tools::CommandError{exit, {Severity::Error, text, hint, object, {}}};
-}
 
 // Ends the command when the firmware of these ports cannot be restarted under a running host.
 void CheckRestart(tools::Invocation& invocation, const AdapterSession& session, bool online) {
@@ -44,29 +42,28 @@ void CheckRestart(tools::Invocation& invocation, const AdapterSession& session, 
         const UpdateOutlook outlook =
             LookBeforeUpdate(invocation, port, session.devices[i].Handle());
         if (outlook.bootsFromSan.value_or(false)) {
-            Refuse(ExitCode::NotSupported,
+            FailAt(port.Object(), ExitCode::NotSupported,
                    "the host boots through this port: its firmware is not restarted under it",
-                   "restart the host: the adapter starts with what is stored", port.Object());
+                   "restart the host: the adapter starts with what is stored");
         }
         if (online && !outlook.activatesOnline) {
-            Refuse(ExitCode::NotSupported,
+            FailAt(port.Object(), ExitCode::NotSupported,
                    "this adapter does not start new firmware while the host runs: that takes a "
                    "newer chip, and firmware from 9.1.16.20 on",
-                   "restart the host; `fw activate --settings` has settings taken over",
-                   port.Object());
+                   "restart the host; `fw activate --settings` has settings taken over");
         }
     }
 }
 
 // The stored firmware, when there is anything to start; ends the command when it would not start.
-struct Stored {
-    std::string firmware;
+struct StoredFirmware {
+    std::string version;
     bool pending = false;
 };
 
-Stored LookAtStored(tools::Invocation& invocation, const AdapterSession& session) {
+StoredFirmware LookAtStored(tools::Invocation& invocation, const AdapterSession& session) {
     const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
-    Stored stored;
+    StoredFirmware stored;
     for (const uint32_t code : {uint32_t{HX_REGION_FIRMWARE}, BootRegionOf(layout)}) {
         const FlashRegion* region = layout.Find(code);
         if (region == nullptr) {
@@ -75,35 +72,102 @@ Stored LookAtStored(tools::Invocation& invocation, const AdapterSession& session
         invocation.CheckStop();
         const StoredCode found = ReadStored(session.Handle(), layout, *region);
         if (found.status != HXMGT_SUCCESS) {
-            invocation.Fail(found.status, RegionName(code) + " cannot be read", session.Object());
+            invocation.Fail(found.status, region->Name() + " cannot be read", session.Object());
         }
         const CodeState state = StateOf(found, RunningVersion(session.First(), code));
         if (state == CodeState::Damaged) {
-            Refuse(ExitCode::Refused, "the stored " + RegionName(code) + " is damaged",
-                   "`fw show` tells more; write it again with `flash write`", session.Object());
+            FailAt(session.Object(), ExitCode::Refused,
+                   "the stored " + region->Name() + " is damaged",
+                   "`fw show` tells more; write it again with `flash write`");
         }
         stored.pending = stored.pending || state == CodeState::Pending;
         if (code == HX_REGION_FIRMWARE) {
-            stored.firmware = found.image.version;
+            stored.version = found.image.version;
         }
     }
-    if (stored.firmware.empty()) {
-        Refuse(ExitCode::NotSupported, "the adapter has no firmware of its own in its flash", "",
-               session.Object());
+    if (stored.version.empty()) {
+        FailAt(session.Object(), ExitCode::NotSupported,
+               "the adapter has no firmware of its own in its flash", "");
     }
     return stored;
 }
 
-void AddVersions(Record& result, const AdapterSession& session, const std::string& stored) {
-    result.Add("serial", "Adapter", Value::Serial(session.Serial()));
-    result.Add("ports", "Ports", Value::Number(session.ports.size()));
-    result.Add("before", "Firmware before", Value::TextOrNull(RunningFirmware(session.First())));
-    result.Add("stored", "Stored firmware", Value::TextOrNull(stored));
+// What came of it, known only at the end.
+struct ActivationEnd {
+    bool activated;
+    std::string after;
+};
+
+struct Activation {
+    const AdapterSession* session;
+    std::string stored{};
+    std::string before = RunningFirmware(session->First());
+    std::optional<ActivationEnd> end{};
+
+    void End(bool activated) { end = {activated, RunningFirmware(session->First())}; }
+};
+
+const tools::Fields<ActivationEnd>& ActivationEndFields() {
+    static const tools::Fields<ActivationEnd> kFields = {
+        {"activated", "Activated", tools::kFlag, &ActivationEnd::activated},
+        {"after", "Firmware now", kText.OrNull(), &ActivationEnd::after},
+    };
+    return kFields;
 }
 
-void AddEnd(Record& result, bool activated, const AdapterSession& session) {
-    result.Add("activated", "Activated", Value::Flag(activated));
-    result.Add("after", "Firmware now", Value::TextOrNull(RunningFirmware(session.First())));
+const tools::Fields<Activation>& ActivationFields() {
+    static const tools::Fields<Activation> kFields = {
+        {SessionFields(), &Activation::session},
+        {"ports", "Ports", tools::kInteger,
+         [](const Activation& one) { return one.session->ports.size(); },
+         "ports whose firmware was restarted, or would be"},
+        {"before", "Firmware before", kText.OrNull(), &Activation::before},
+        {"stored", "Stored firmware", kText.OrNull(), &Activation::stored, "null with --settings"},
+        {ActivationEndFields(), &Activation::end},
+    };
+    return kFields;
+}
+
+// Has the firmware of all open ports of the adapter start what the flash holds. limitSeconds: what
+// a port may take (0: any time); beyond it the ports that follow are left as they are.
+HX_STATUS ActivateOnline(const AdapterSession& session, uint32_t limitSeconds) {
+    for (size_t i = 0; i < session.ports.size(); ++i) {
+        // The word as it was when the adapter was looked at: firmware that was exchanged since then
+        // is not started.
+        const auto& firmware = session.ports[i].firmware;
+        HXSendFlashUpdateFWAttributes(session.devices[i].Handle(), 0,
+                                      firmware ? firmware->activationAttributes : 0, limitSeconds);
+    }
+    return HXOnlineActivateFlashUpdate(session.Handle());
+}
+
+// Has every open port read its settings anew; the first failure ends it.
+HX_STATUS ReloadSettings(const AdapterSession& session) {
+    for (const Device& device : session.devices) {
+        if (const HX_STATUS status = HXReloadNvramAndInitFw(device.Handle());
+            status != HXMGT_SUCCESS) {
+            return status;
+        }
+    }
+    return HXMGT_SUCCESS;
+}
+
+// Reads versions until all ports report the one that is expected. False when the time is over.
+bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
+                     const std::string& version) {
+    for (int i = 0; i < kVersionTries; ++i) {
+        session.Refresh();
+        const bool all =
+            std::all_of(session.ports.begin(), session.ports.end(), [&](const Port& port) {
+                const auto order = CompareVersions(RunningFirmware(port), version);
+                return order && *order == 0;
+            });
+        if (all) {
+            return true;
+        }
+        invocation.Sleep(kBetweenTries);
+    }
+    return false;
 }
 
 tools::Question Ask(const AdapterSession& session, const std::string& action) {
@@ -128,27 +192,19 @@ HX_STATUS RunLocked(tools::Invocation& invocation, const AdapterSession& session
     return status;
 }
 
-void StopWhenInterrupted(bool interrupted) {
-    if (interrupted) {
-        throw tools::Stopped{tools::StopReason::Interrupted};
-    }
-}
-
 ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const std::string& object) {
     if (status == HXMGT_ACTIVATION_TIMED_OUT) {
-        invocation.Add({Severity::Error,
-                        "a port took longer than --limit allows: the ports behind it were left as "
-                        "they are",
-                        "see `fw show`, then activate again with a longer --limit", object,
-                        status});
+        Complain(
+            invocation, object,
+            "a port took longer than --limit allows: the ports behind it were left as they are",
+            "see `fw show`, then activate again with a longer --limit", status);
         return ExitCode::TimedOut;
     }
     if (status == HXMGT_FLASH_UPDATE_NOT_ACTIVATED) {
-        invocation.Add({Severity::Error,
-                        "nothing was restarted: the firmware's attributes are not what they were a "
-                        "moment ago",
-                        "somebody else may be updating the adapter: see `flash lock show`", object,
-                        status});
+        Complain(invocation, object,
+                 "nothing was restarted: the firmware's attributes are not what they were a moment "
+                 "ago",
+                 "somebody else may be updating the adapter: see `flash lock show`", status);
         return ExitCode::Failed;
     }
     return invocation.Report(status, "the firmware was not restarted", object);
@@ -156,17 +212,17 @@ ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const std
 
 ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, true);
-    const Stored stored = LookAtStored(invocation, session);
-    Record& result = invocation.Result();
-    AddVersions(result, session, stored.firmware);
+    const StoredFirmware stored = LookAtStored(invocation, session);
+    const std::string& version = stored.version;
+    tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session, version});
     const bool needed = stored.pending || invocation.Given().Has("allow-same");
     if (!needed || invocation.DryRun()) {
-        AddEnd(result, false, session);
-        invocation.Note(needed ? "dry run: firmware " + stored.firmware + " would be started"
+        result.End(false);
+        invocation.Note(needed ? "dry run: firmware " + version + " would be started"
                                : "nothing to do: the stored versions run");
         return ExitCode::Done;
     }
-    invocation.Confirm(Ask(session, "Start firmware " + stored.firmware + ", now running " +
+    invocation.Confirm(Ask(session, "Start firmware " + version + ", now running " +
                                         RunningFirmware(session.First()) + "."));
     invocation.CheckStop();
     const auto limit =
@@ -175,21 +231,18 @@ ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session
     const HX_STATUS status = RunLocked(invocation, session, &interrupted,
                                        [&] { return ActivateOnline(session, limit); });
     // The library hands on no failure of a single port: what runs now is what counts.
-    const bool runs =
-        status == HXMGT_SUCCESS && WaitForFirmware(invocation, session, stored.firmware);
+    const bool runs = status == HXMGT_SUCCESS && WaitForFirmware(invocation, session, version);
     session.Refresh();
-    AddEnd(result, runs, session);
-    StopWhenInterrupted(interrupted);
+    result.End(runs);
+    StopWhen(interrupted);
     if (status != HXMGT_SUCCESS) {
         return ReportStatus(invocation, status, session.Object());
     }
     if (!runs) {
-        invocation.Add({Severity::Error,
-                        "the ports were told to start firmware " + stored.firmware +
-                            ", but not all of them report it",
-                        "see `port show`; a restart of the host starts what is stored",
-                        session.Object(),
-                        {}});
+        Complain(
+            invocation, session.Object(),
+            "the ports were told to start firmware " + version + ", but not all of them report it",
+            "see `port show`; a restart of the host starts what is stored");
         return ExitCode::NotProven;
     }
     return ExitCode::Done;
@@ -197,10 +250,9 @@ ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session
 
 ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, false);
-    Record& result = invocation.Result();
-    AddVersions(result, session, {});
+    tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session});
     if (invocation.DryRun()) {
-        AddEnd(result, false, session);
+        result.End(false);
         invocation.Note("dry run: the settings would be taken over");
         return ExitCode::Done;
     }
@@ -210,8 +262,8 @@ ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session
     const HX_STATUS status =
         RunLocked(invocation, session, &interrupted, [&] { return ReloadSettings(session); });
     session.Refresh();
-    AddEnd(result, status == HXMGT_SUCCESS, session);
-    StopWhenInterrupted(interrupted);
+    result.End(status == HXMGT_SUCCESS);
+    StopWhen(interrupted);
     return status == HXMGT_SUCCESS
                ? ExitCode::Done
                : invocation.Report(status, "the settings were not taken over", session.Object());
@@ -235,6 +287,7 @@ tools::CommandRows FwActivateCommands() {
             .arguments = kActivateArguments,
             .run = FirmwareActivate,
             .example = "fw activate -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<ActivationFields>,
         },
     };
     return kCommands;

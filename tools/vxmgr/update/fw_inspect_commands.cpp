@@ -1,6 +1,4 @@
 // fw inspect, fw check
-#include "common/text.h"
-#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/update/commands.h"
@@ -13,8 +11,7 @@ namespace {
 using tools::Argument;
 using tools::ArgumentKind;
 using tools::ExitCode;
-using tools::Record;
-using tools::Tone;
+using tools::kText;
 using tools::Value;
 
 constexpr Argument kInspectArguments[] = {
@@ -22,9 +19,13 @@ constexpr Argument kInspectArguments[] = {
 };
 constexpr Argument kCheckArguments[] = {
     {.name = "FILE", .help = "the image", .required = true},
-    {"--region", ArgumentKind::Text, "REGION", "region by key or code (where its kind belongs)"},
-    {"--pad", ArgumentKind::Flag, "", "as `flash write --pad` would write it"},
-    {"--allow-older", ArgumentKind::Flag, "", "an older version than there is is no reason"},
+    {.name = "--region",
+     .valueName = "REGION",
+     .help = "region by key or code (where its kind belongs)"},
+    {.name = "--pad", .kind = ArgumentKind::Flag, .help = "as `flash write --pad` would write it"},
+    {.name = "--allow-older",
+     .kind = ArgumentKind::Flag,
+     .help = "an older version than there is is no reason"},
 };
 
 // One part of an image: a ROM of a chain, or a segment.
@@ -37,57 +38,92 @@ struct ImagePart {
     Sum checksum = Sum::None;
 };
 
-Value ChecksumValue(Sum sum) {
-    switch (sum) {
-        case Sum::Good:
-            return Value::Text("good").In(Tone::Good);
-        case Sum::Bad:
-            return Value::Text("bad").In(Tone::Bad);
-        default:
-            return {};
-    }
+constexpr const char* kSums[] = {"good", "bad"};
+
+Value SumValue(const ImagePart& part) {
+    return part.checksum == Sum::None   ? Value()
+           : part.checksum == Sum::Good ? Value::Text(kSums[0]).In(tools::Tone::Good)
+                                        : Value::Text(kSums[1]).In(tools::Tone::Bad);
 }
 
-Record PartRow(const ImagePart& part) {
-    Record row;
-    row.Add("part", "Part", Value::Text(part.name), "PART");
-    row.Add("offset", "Offset", HexValue(part.offset, 8), "OFFSET");
-    row.Add("size", "Size", Value::Number(part.size, "bytes").Shown(SizeText(part.size)), "SIZE");
-    row.Add("version", "Version", Value::TextOrNull(part.version), "VERSION");
-    row.Add("chips", "For", Value::TextOrNull(ChipsText(part.chips)), "FOR");
-    row.Add("checksum", "Checksum", ChecksumValue(part.checksum), "CHECKSUM");
-    return row;
+const tools::Fields<ImagePart>& PartFields() {
+    using Part = ImagePart;
+    static const tools::Fields<Part> kFields = {
+        {"part", "Part", "PART", kText, &Part::name},
+        {"offset", "Offset", "OFFSET", kText,
+         [](const Part& part) { return HexValue(part.offset, 8); }},
+        {"size", "Size", "SIZE", tools::kInteger,
+         [](const Part& part) { return SizeValue(part.size); }},
+        {"version", "Version", "VERSION", kText.OrNull(), &Part::version},
+        {"chips", "For", "FOR", kText.OrNull(),
+         [](const Part& part) { return ChipsText(part.chips); }},
+        {"checksum", "Checksum", "CHECKSUM", tools::Choice(kSums).OrNull(), SumValue,
+         "null: the format has none"},
+    };
+    return kFields;
 }
 
-std::vector<Record> PartsOf(const ImageInfo& image) {
-    std::vector<Record> rows;
-    for (const RomImage& rom : image.boot.images) {
-        rows.push_back(PartRow({CodeTypeName(rom.codeType), rom.offset, rom.length, rom.version,
-                                rom.devices, rom.checksum}));
-    }
-    if (image.kind == ImageKind::Firmware) {
-        int number = 0;
-        for (const FirmwareSegment& segment : image.firmware.segments) {
-            rows.push_back(PartRow({"segment " + std::to_string(++number), segment.offset,
-                                    segment.length, image.version, image.chips, segment.checksum}));
+struct Inspected {
+    std::string file;
+    ImageInfo image;
+
+    std::vector<ImagePart> Parts() const {
+        std::vector<ImagePart> parts;
+        for (const RomImage& rom : image.boot.images) {
+            parts.push_back({CodeTypeName(rom.codeType), rom.offset, rom.length, rom.version,
+                             rom.devices, rom.checksum});
         }
+        if (image.kind == ImageKind::Firmware) {
+            for (const FirmwareSegment& segment : image.firmware.segments) {
+                parts.push_back({"segment " + std::to_string(parts.size() + 1), segment.offset,
+                                 segment.length, image.version, image.chips, segment.checksum});
+            }
+        }
+        return parts;
     }
-    return rows;
+};
+
+const tools::Fields<Inspected>& InspectFields() {
+    static const tools::Fields<Inspected> kFields = {
+        {"file", "File", kText, &Inspected::file},
+        {"size", "Size", tools::kInteger,
+         [](const Inspected& one) { return SizeValue(one.image.size); }},
+        {"content", "Content", tools::Choice(kImageKinds),
+         [](const Inspected& one) { return KindValue(one.image.kind); }},
+        {"version", "Version", kText.OrNull(),
+         [](const Inspected& one) { return one.image.version; }},
+        {"vendor", "Vendor", kText.OrNull(),
+         [](const Inspected& one) {
+             return one.image.vendorId != 0 ? HexValue(one.image.vendorId, 4) : Value();
+         }},
+        {"chips", "For", kText.OrNull(),
+         [](const Inspected& one) { return ChipsText(one.image.chips); },
+         "PCI device IDs, with blanks between them"},
+        {"problem", "Problem", kText.OrNull(),
+         [](const Inspected& one) { return one.image.problem; }, "why the image is damaged"},
+        {"parts", "Parts", PartFields(), &Inspected::Parts, tools::ListLayout::Table, "no parts"},
+    };
+    return kFields;
+}
+
+struct Checked {
+    UpdatePlan plan;
+    bool accepted;
+};
+
+const tools::Fields<Checked>& CheckFields() {
+    static const tools::Fields<Checked> kFields = {
+        {PlanFields(), &Checked::plan},
+        {"accepted", "May be written", tools::kFlag, &Checked::accepted,
+         "`flash write` would write it"},
+    };
+    return kFields;
 }
 
 ExitCode FirmwareInspect(tools::Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const ImageInfo image = InspectImage(LoadImage(invocation, path));
-    Record& result = invocation.Result();
-    result.Add("file", "File", Value::Text(path));
-    result.Add("size", "Size", Value::Number(image.size, "bytes").Shown(SizeText(image.size)));
-    result.Add("content", "Content", Value::Text(KindKey(image.kind)).Shown(KindName(image.kind)));
-    result.Add("version", "Version", Value::TextOrNull(image.version));
-    result.Add("vendor", "Vendor", image.vendorId != 0 ? HexValue(image.vendorId, 4) : Value());
-    result.Add("chips", "For", Value::TextOrNull(ChipsText(image.chips)));
-    result.Add("problem", "Problem", Value::TextOrNull(image.problem));
-    result.AddList("parts", "Parts", tools::ListLayout::Table, PartRow({}), "no parts",
-                   PartsOf(image));
+    invocation.Result() = InspectFields().Make({path, image});
     if (image.kind == ImageKind::Unknown) {
         invocation.Fail(ExitCode::Refused, path + " is no image of a known kind");
     }
@@ -103,9 +139,8 @@ ExitCode FirmwareCheck(tools::Invocation& invocation) {
     const UpdatePlan plan = PlanUpdate(
         invocation, session,
         {given.Text("FILE"), given.Text("region"), given.Has("pad"), {given.Has("allow-older")}});
-    AddPlan(invocation.Result(), session, plan);
     const ExitCode exit = ReportFindings(invocation, plan);
-    invocation.Result().Add("accepted", "May be written", Value::Flag(exit == ExitCode::Done));
+    invocation.Result() = CheckFields().Make({plan, exit == ExitCode::Done});
     if (exit == ExitCode::Done) {
         invocation.Note(
             plan.same ? "nothing would have to be written: the region holds these bytes"
@@ -127,6 +162,7 @@ tools::CommandRows FwInspectCommands() {
             .arguments = kInspectArguments,
             .run = FirmwareInspect,
             .example = "fw inspect image.bin",
+            .result = tools::ShapeOf<InspectFields>,
         },
         {
             .path = "fw check",
@@ -136,6 +172,7 @@ tools::CommandRows FwInspectCommands() {
             .arguments = kCheckArguments,
             .run = FirmwareCheck,
             .example = "fw check image.bin -a serial:EMU7740A0001",
+            .result = tools::ShapeOf<CheckFields>,
         },
     };
     return kCommands;

@@ -2,52 +2,63 @@
 #include "common/status_codes.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/flash/flash_image_check.h"
-#include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/commands.h"
+#include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Record;
-using tools::Tone;
-using tools::Value;
+using tools::kInteger;
+using tools::kText;
 
-struct StateTone {
-    CodeState state;
-    Tone tone;
-};
-constexpr StateTone kTones[] = {
-    {CodeState::Running, Tone::Good},
-    {CodeState::Pending, Tone::Warning},
-    {CodeState::Damaged, Tone::Bad},
+// What is known of one region with code.
+struct CodeRow {
+    const Adapter* adapter;
+    StoredCode code;
+    std::string running;
+    CodeState state = StateOf(code, running);
+
+    std::string Serial() const { return adapter->First().Serial(); }
 };
 
-Value StateValue(CodeState state) {
-    for (const StateTone& row : kTones) {
-        if (row.state == state) {
-            return Value::Text(StateName(state)).In(row.tone);
-        }
-    }
-    return Value::Text(StateName(state));
+tools::Value CodeStateValue(const CodeRow& row) {
+    using tools::Tone;
+    constexpr Tone kTones[] = {Tone::Plain, Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
+    const auto state = static_cast<size_t>(row.state);
+    return tools::Value::Text(kCodeStates[state]).In(kTones[state]);
 }
 
-Record CodeRow(const Adapter& adapter, uint32_t region, const std::string& running,
-               const StoredCode& code, CodeState state) {
-    Record row;
-    row.Add("adapter", "Adapter", Value::Number(adapter.index), "ADAPTER");
-    row.Add("serial", "Serial",
-            adapter.ports.empty() ? Value() : Value::Serial(adapter.First().Serial()), "SERIAL");
-    row.Add("region", "Region", Value::Number(region), "REGION");
-    row.Add("name", "Code", Value::Text(RegionName(region)), "CODE");
-    row.Add("running", "Running", Value::TextOrNull(running), "RUNNING");
-    row.Add("stored", "Stored", Value::TextOrNull(code.image.version), "STORED");
-    row.Add("state", "State", StateValue(state), "STATE");
-    row.Add("problem", "Problem", Value::TextOrNull(code.image.problem));
-    row.Add("status", "Status", StatusValue(code.status));
-    return row;
+const tools::Fields<CodeRow>& CodeFields() {
+    static const tools::Fields<CodeRow> kFields = {
+        {"adapter", "Adapter", "ADAPTER", kInteger,
+         [](const CodeRow& row) { return row.adapter->index; }},
+        {"serial", "Serial", "SERIAL", tools::kSerial.OrNull(), &CodeRow::Serial},
+        {"adapter_serial", "", tools::kSerial.OrNull(), &CodeRow::Serial},
+        {"region", "Region", "REGION", kInteger,
+         [](const CodeRow& row) { return row.code.region.code; }},
+        {"name", "Code", "CODE", kText, [](const CodeRow& row) { return row.code.region.Name(); }},
+        {"running", "Running", "RUNNING", kText.OrNull(), &CodeRow::running,
+         "version that was started from the region; null: none is"},
+        {"stored", "Stored", "STORED", kText.OrNull(),
+         [](const CodeRow& row) { return row.code.image.version; }},
+        {"state", "State", "STATE", tools::Choice(kCodeStates), CodeStateValue},
+        {"problem", "Problem", kText.OrNull(),
+         [](const CodeRow& row) { return row.code.image.problem; }, "why it is damaged"},
+        {"status", "Status", kText.OrNull(),
+         [](const CodeRow& row) { return StatusValue(row.code.status); },
+         "why the region could not be read"},
+    };
+    return kFields;
+}
+
+using CodeRows = std::vector<CodeRow>;
+
+const tools::Fields<CodeRows>& FwShowFields() {
+    static const auto kFields = tools::ListOf<CodeRows>(
+        "code", "Firmware and boot code", CodeFields(), tools::ListLayout::Table, "No adapters.");
+    return kFields;
 }
 
 // Whole regions are read at once.
@@ -64,82 +75,47 @@ HX_STATUS AskStoredCode(PortVisit& visit, std::vector<StoredCode>* stored) {
     return status;
 }
 
-class Shower {
-  public:
-    explicit Shower(tools::Invocation& invocation) : invocation_(invocation) {}
-
-    void Show(const Adapter& adapter, const PortAnswer<std::vector<StoredCode>>& stored) {
-        if (stored.status != HXMGT_SUCCESS) {
-            AddUnreadable(adapter, stored);
-            return;
-        }
-        for (const StoredCode& code : stored.answer) {
-            const std::string running = RunningVersion(adapter.First(), code.region.code);
-            const CodeState state = StateOf(code, running);
-            rows_.push_back(CodeRow(adapter, code.region.code, running, code, state));
-            Report(adapter, code, state, DamageOf(code, running));
-        }
-    }
-
-    ExitCode Finish(size_t adapters) {
-        invocation_.Result().AddList("code", "Firmware and boot code", tools::ListLayout::Table,
-                                     CodeRow({}, 0, {}, {}, CodeState::Unknown), "No adapters.",
-                                     std::move(rows_));
-        if (damaged_) {
-            return ExitCode::Failed;
-        }
-        return failures_ != 0 && failures_ < adapters ? ExitCode::Partial : first_;
-    }
-
-  private:
-    // The running versions alone: the driver gives no access to the flash, or it failed.
-    void AddUnreadable(const Adapter& adapter, const PortAnswer<std::vector<StoredCode>>& stored) {
-        const HX_STATUS status = stored.status;
-        const StoredCode none{{}, status, {}};
-        for (const uint32_t region :
-             {uint32_t{HX_REGION_FIRMWARE}, uint32_t{HX_REGION_BOOT_CODE}}) {
-            rows_.push_back(CodeRow(adapter, region, RunningVersion(adapter.First(), region), none,
-                                    CodeState::Unknown));
-        }
-        if (tools::ExitCodeOf(status) == ExitCode::NotSupported) {
-            invocation_.Note("adapter " + std::to_string(adapter.index) +
-                             ": its driver gives no access to the flash, stored versions are not "
-                             "known");
-            return;
-        }
-        const ExitCode exit = invocation_.Report(status, stored.query, stored.port->Object());
-        first_ = failures_++ == 0 ? exit : first_;
-    }
-
-    void Report(const Adapter& adapter, const StoredCode& code, CodeState state,
-                const std::string& damage) {
-        const std::string object = adapter.First().Object();
-        const std::string name = RegionName(code.region.code);
-        if (state == CodeState::Pending) {
-            invocation_.Add({tools::Severity::Info,
-                             name + " " + code.image.version + " is stored and starts next",
-                             "see `fw activate`",
-                             object,
-                             {}});
-        } else if (!damage.empty()) {
-            damaged_ = true;
-            invocation_.Add({tools::Severity::Error,
-                             damage,
-                             "write it again with `flash write` before the adapter is restarted",
-                             object,
-                             {}});
-        } else if (code.status != HXMGT_SUCCESS) {
-            const ExitCode exit = invocation_.Report(code.status, name + " cannot be read", object);
-            first_ = failures_++ == 0 ? exit : first_;
-        }
-    }
-
-    tools::Invocation& invocation_;
-    std::vector<Record> rows_;
-    size_t failures_ = 0;  // adapters and regions that cannot be read
-    bool damaged_ = false;
-    ExitCode first_ = ExitCode::Done;
+struct FoundCode {
+    CodeRows rows;
+    FailureTally failed;  // adapters and regions that cannot be read
+    bool damaged = false;
 };
+
+// The running versions alone: the driver gives no access to the flash, or it failed.
+void AddUnreadable(tools::Invocation& invocation, const Adapter& adapter,
+                   const PortAnswer<std::vector<StoredCode>>& stored, FoundCode& found) {
+    for (const uint32_t region : {uint32_t{HX_REGION_FIRMWARE}, uint32_t{HX_REGION_BOOT_CODE}}) {
+        const StoredCode none{{.code = region}, stored.status, {}};
+        found.rows.push_back({&adapter, none, RunningVersion(adapter.First(), region)});
+    }
+    if (tools::ExitCodeOf(stored.status) == ExitCode::NotSupported) {
+        invocation.Note("adapter " + std::to_string(adapter.index) +
+                        ": its driver gives no access to the flash, stored versions are not known");
+        return;
+    }
+    found.failed.Add(invocation.Report(stored.status, stored.query, stored.port->Object()));
+}
+
+void AddCode(tools::Invocation& invocation, const Adapter& adapter, const StoredCode& code,
+             FoundCode& found) {
+    const CodeRow& row = found.rows.emplace_back(
+        CodeRow{&adapter, code, RunningVersion(adapter.First(), code.region.code)});
+    const std::string object = adapter.First().Object();
+    const std::string name = code.region.Name();
+    if (row.state == CodeState::Pending) {
+        invocation.Add({tools::Severity::Info,
+                        name + " " + code.image.version + " is stored and starts next",
+                        "see `fw activate`",
+                        object,
+                        {}});
+    } else if (const std::string damage = DamageOf(code, row.running); !damage.empty()) {
+        found.damaged = true;
+        Complain(invocation, object, damage,
+                 "write it again with `flash write` before the adapter is restarted");
+    } else if (code.status != HXMGT_SUCCESS) {
+        found.failed.Add(invocation.Report(code.status, name + " cannot be read", object));
+    }
+}
 
 ExitCode FirmwareShow(tools::Invocation& invocation) {
     std::vector<Port> ports = ReadPorts(invocation);
@@ -149,12 +125,19 @@ ExitCode FirmwareShow(tools::Invocation& invocation) {
     for (const Adapter* adapter : selected) {
         speakers.push_back(&ports[static_cast<size_t>(&adapter->Speaker() - ports.data())]);
     }
-    Shower shower(invocation);
+    FoundCode found;
     const auto stored = ForEachPort<std::vector<StoredCode>>(invocation, speakers, AskStoredCode);
     for (size_t i = 0; i < selected.size(); ++i) {
-        shower.Show(*selected[i], stored[i]);
+        if (stored[i].status != HXMGT_SUCCESS) {
+            AddUnreadable(invocation, *selected[i], stored[i], found);
+            continue;
+        }
+        for (const StoredCode& code : stored[i].answer) {
+            AddCode(invocation, *selected[i], code, found);
+        }
     }
-    return shower.Finish(selected.size());
+    invocation.Result() = FwShowFields().Make(found.rows);
+    return found.damaged ? ExitCode::Failed : found.failed.Of(selected.size());
 }
 
 }  // namespace
@@ -168,6 +151,7 @@ tools::CommandRows FwShowCommands() {
             .schema = "fw.show",
             .run = FirmwareShow,
             .example = "fw show",
+            .result = tools::ShapeOf<FwShowFields>,
         },
     };
     return kCommands;

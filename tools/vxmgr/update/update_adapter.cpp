@@ -2,6 +2,7 @@
 
 #include "common/text.h"
 #include "vxmgr/targets/map_behind.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
@@ -24,6 +25,11 @@ const Adapter& SelectOneAdapter(tools::Invocation& invocation,
     return *selected.front();
 }
 
+template <size_t size>
+std::string NodeText(const Port& port, char (HX_NODE_PROPERTY::*field)[size]) {
+    return port.node ? tools::FieldText((*port.node).*field, size) : std::string();
+}
+
 // The properties; empty when the query fails.
 template <typename Properties>
 std::optional<Properties> Asked(HX_STATUS (*query)(uint32_t, Properties*), uint32_t handle) {
@@ -39,6 +45,14 @@ void AdapterSession::Refresh() {
         ports[i].node = Asked(HXGetHbaDeviceNodeProperty, devices[i].Handle());
         ports[i].firmware = Asked(HXGetHbaDeviceFirmwareProperty, devices[i].Handle());
     }
+}
+
+const tools::Fields<AdapterSession>& SessionFields() {
+    static const tools::Fields<AdapterSession> kFields = {
+        {"serial", "Adapter", tools::kSerial.OrNull(), &AdapterSession::serial},
+        {"adapter_serial", "", tools::kSerial.OrNull(), &AdapterSession::serial},
+    };
+    return kFields;
 }
 
 AdapterSession OpenSelectedAdapter(tools::Invocation& invocation) {
@@ -63,35 +77,27 @@ AdapterSession OpenSelectedAdapter(tools::Invocation& invocation) {
     if (session.ports.empty()) {
         invocation.Fail(failure, query, failed);
     }
+    session.serial = session.First().Serial();
     if (failure != HXMGT_SUCCESS) {
-        invocation.Add({tools::Severity::Warning,
-                        "the port is left out: " + query + ": " + StatusMessage(failure),
-                        {},
-                        failed,
-                        failure});
+        WarnAbout(invocation, failed,
+                  "the port is left out: " + query + ": " + StatusMessage(failure), failure);
     }
     return session;
 }
 
 std::string RunningFirmware(const Port& port) {
-    return port.node
-               ? tools::FieldText(port.node->firmwareVersion, sizeof port.node->firmwareVersion)
-               : std::string();
+    return NodeText(port, &HX_NODE_PROPERTY::firmwareVersion);
 }
 
 std::string RunningBootCode(const Port& port) {
-    return port.node
-               ? tools::FieldText(port.node->optionRomVersion, sizeof port.node->optionRomVersion)
-               : std::string();
+    return NodeText(port, &HX_NODE_PROPERTY::optionRomVersion);
 }
 
 tools::Question QuestionAbout(const AdapterSession& session, const std::string& action) {
-    const Port& first = session.First();
-    const std::string model =
-        first.node ? tools::FieldText(first.node->model, sizeof first.node->model) : std::string();
     tools::Question question;
-    question.serial = session.Serial();
-    question.lines = {action, "  adapter serial " + session.Serial() + ", model " + model};
+    question.serial = session.serial;
+    question.lines = {action, "  adapter serial " + session.serial + ", model " +
+                                  NodeText(session.First(), &HX_NODE_PROPERTY::model)};
     for (const Port& port : session.ports) {
         std::string line = "  port " + std::to_string(port.index);
         if (port.port) {
@@ -101,8 +107,8 @@ tools::Question QuestionAbout(const AdapterSession& session, const std::string& 
     }
     question.whenAsked = [&session] {
         std::vector<std::string> lines;
-        for (size_t i = 0; i < session.ports.size(); ++i) {
-            const auto behind = DescribeVolumes(session.ports[i]);
+        for (const Port& port : session.ports) {
+            const auto behind = DescribeVolumes(port);
             lines.insert(lines.end(), behind.begin(), behind.end());
         }
         return lines;

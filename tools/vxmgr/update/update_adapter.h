@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {
@@ -12,15 +13,18 @@ namespace vxmgr {
 struct AdapterSession {
     std::vector<Port> ports;      // those that could be opened
     std::vector<Device> devices;  // of these ports, in the same order
+    std::string serial;           // as it was when they were opened
 
     const Port& First() const { return ports.front(); }
     uint32_t Handle() const { return devices.front().Handle(); }
-    std::string Serial() const { return First().Serial(); }
     std::string Object() const { return First().Object(); }
 
     // Reads versions and attributes anew; those that cannot be read are empty then.
     void Refresh();
 };
+
+// "serial", with which the result of each of these commands begins.
+const tools::Fields<AdapterSession>& SessionFields();
 
 // Ends the command unless exactly one adapter is selected and one of its ports can be opened. A
 // port that cannot be is left out with a warning: the library restarts open ports alone.

@@ -1,30 +1,23 @@
 #include "vxmgr/update/update_checks.h"
 
 #include "common/status_codes.h"
+#include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Severity;
 
 constexpr size_t kLockdownBytes = 64;
-constexpr size_t kActiveRegionBytes = 6;
-constexpr size_t kSettingsBank = 2;  // of those bytes: the bank of NVRAM and VPD
-constexpr uint8_t kSecondBank = 2;
-
-[[noreturn]] void Refuse(HX_STATUS status, const char* text, const char* hint, const Port& port) {
-    throw tools::CommandError{ExitCode::Refused,
-                              {Severity::Error, text, hint, port.Object(), status}};
-}
 
 void CheckLockdown(const Port& port, uint32_t handle) {
     uint8_t state[kLockdownBytes] = {};
     // Any other status: the adapter has no such state.
     if (HXGetAdapterLockdownState(handle, 0, state) == HXMGT_FIRMWARE_LOCKDOWN) {
-        Refuse(HXMGT_FIRMWARE_LOCKDOWN,
+        FailAt(port.Object(), ExitCode::Refused,
                "the adapter is locked down: it takes no changes, nothing was written",
-               "lift the lockdown with the means that set it, then try again", port);
+               "lift the lockdown with the means that set it, then try again",
+               HXMGT_FIRMWARE_LOCKDOWN);
     }
 }
 
@@ -38,26 +31,20 @@ bool AskCapabilities(tools::Invocation& invocation, const Port& port, uint32_t h
     return capabilities != 0;
 }
 
-std::optional<bool> AskSecondBank(tools::Invocation& invocation, const Port& port,
-                                  uint32_t handle) {
-    uint8_t regions[kActiveRegionBytes] = {};
-    const HX_STATUS status = HXGetActiveRegions(handle, 0, regions);
+void CheckBanks(tools::Invocation& invocation, const Port& port, uint32_t handle) {
+    bool second = false;
+    const HX_STATUS status = AskSecondBank(handle, &second);
     if (status == HXMGT_PORT_DISABLED) {
-        Refuse(status,
+        FailAt(port.Object(), ExitCode::Refused,
                "the port is disabled: it does not tell which banks are in use, nothing was written",
-               "enable the port, then try again", port);
+               "enable the port, then try again", status);
     }
-    if (tools::ExitCodeOf(status) == ExitCode::NotSupported) {
-        return std::nullopt;
-    }
-    if (status != HXMGT_SUCCESS) {
+    if (status != HXMGT_SUCCESS && tools::ExitCodeOf(status) != ExitCode::NotSupported) {
         invocation.Fail(status, "active regions", port.Object());
     }
-    return regions[kSettingsBank] == kSecondBank;
 }
 
-}  // namespace
-
+// Empty: the driver cannot tell.
 std::optional<bool> BootsFromSan(uint32_t handle) {
     // The answer "yes" comes as the status of an update that cannot be activated.
     switch (HXGetBFSInfo(handle)) {
@@ -70,6 +57,18 @@ std::optional<bool> BootsFromSan(uint32_t handle) {
     }
 }
 
+}  // namespace
+
+HX_STATUS AskSecondBank(uint32_t handle, bool* second) {
+    constexpr size_t kRegionBytes = 6;
+    constexpr size_t kSettings = 2;  // of those bytes: the bank of NVRAM and VPD
+    constexpr uint8_t kSecond = 2;
+    uint8_t regions[kRegionBytes] = {};
+    const HX_STATUS status = HXGetActiveRegions(handle, 0, regions);
+    *second = regions[kSettings] == kSecond;
+    return status;
+}
+
 UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, uint32_t handle) {
     UpdateOutlook outlook;
     if (!port.IsCurrentGeneration()) {
@@ -77,10 +76,10 @@ UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, 
     }
     outlook.activatesOnline = AskCapabilities(invocation, port, handle);
     CheckLockdown(port, handle);
-    outlook.secondBank = AskSecondBank(invocation, port, handle);
+    CheckBanks(invocation, port, handle);
     const auto warn = [&](const std::string& text) {
         outlook.warnings.push_back("port " + std::to_string(port.index) + ": " + text);
-        invocation.Add({Severity::Warning, text, {}, port.Object(), {}});
+        WarnAbout(invocation, port.Object(), text);
     };
     if (HXGetHbaPortDisableInfo(handle) == HXMGT_PORT_DISABLED) {
         warn("the port is disabled: what is written takes effect once it is enabled");
@@ -92,6 +91,17 @@ UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, 
             "for a while, and the adapter may refuse it until the host itself restarts");
     }
     return outlook;
+}
+
+void ConfirmUpdate(tools::Invocation& invocation, const PortSession& session,
+                   const UpdateOutlook& outlook, const std::string& action,
+                   const std::string& consequence, const std::vector<std::string>& lines) {
+    tools::Question question = QuestionAbout(session, action, consequence);
+    for (const auto* const more : {&lines, &outlook.warnings}) {
+        question.lines.insert(question.lines.end(), more->begin(), more->end());
+    }
+    invocation.Confirm(question);
+    invocation.CheckStop();
 }
 
 }  // namespace vxmgr

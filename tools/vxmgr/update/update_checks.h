@@ -12,7 +12,6 @@ namespace vxmgr {
 struct UpdateOutlook {
     bool activatesOnline = false;       // new firmware can be started without a restart of the host
     std::optional<bool> bootsFromSan;   // empty: the driver cannot tell
-    std::optional<bool> secondBank;     // the second bank of settings is in use; empty: no banks
     std::vector<std::string> warnings;  // told already; for the question as well
 };
 
@@ -25,7 +24,11 @@ inline UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const PortS
     return LookBeforeUpdate(invocation, session.port, session.Handle());
 }
 
-// Asks whether the host boots through the port; empty when the driver cannot tell.
-std::optional<bool> BootsFromSan(uint32_t handle);
+// Asks whether to change something behind one port. lines: more to weigh, before the warnings.
+void ConfirmUpdate(tools::Invocation& invocation, const PortSession& session,
+                   const UpdateOutlook& outlook, const std::string& action,
+                   const std::string& consequence, const std::vector<std::string>& lines = {});
 
+// Whether the second bank of settings is in use, where the chip has two.
+HX_STATUS AskSecondBank(uint32_t handle, bool* second);
 }  // namespace vxmgr

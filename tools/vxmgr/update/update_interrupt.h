@@ -18,4 +18,11 @@ class FinishFirst {
     bool Interrupted() const;
 };
 
+// Ends the command as interrupted.
+inline void StopWhen(bool interrupted) {
+    if (interrupted) {
+        throw tools::Stopped{tools::StopReason::Interrupted};
+    }
+}
+
 }  // namespace vxmgr

@@ -1,21 +1,18 @@
 // The lock that keeps two programs from updating one adapter, held for as long as one region takes.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "common/invocation.h"
 #include "vxmgr/app/port_session.h"
-#include "vxmgr/update/update_guard.h"
 
 namespace vxmgr {
 
 // Takes the lock of the adapter behind an open port, and keeps other programs of this kind out;
 // ends the command as busy when another program holds either. Gives it back at the end of the
 // scope, and also when the command is given up while a driver call hangs. The library frees a lock
-// after 15 minutes: hold it for one region at a time.
+// after 15 minutes: hold it for one region at a time. Belongs to the thread that made it.
 class UpdateLock {
   public:
     UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port);
@@ -26,21 +23,15 @@ class UpdateLock {
     UpdateLock& operator=(const UpdateLock&) = delete;
 
   private:
-    // Shared with the hook, which may outlive the scope: it runs on a thread of its own.
-    struct Held {
-        uint32_t handle = 0;
-        uint32_t key = 0;
-        std::atomic<bool> held{true};
-
-        HX_STATUS Release();
-    };
-    static std::shared_ptr<Held> Take(tools::Invocation& invocation, uint32_t handle,
-                                      const std::string& object);
+    struct Held;  // the library's lock
 
     tools::Invocation& invocation_;
     const std::string object_;
-    const UpdateGuard guard_;  // given back after the lock
-    const std::shared_ptr<Held> lock_;
+    // Held around the library's lock: that one is looked at and taken in two steps, and goes to
+    // anybody after 15 minutes. One of a program that ended in the middle is taken over. Empty for
+    // an adapter without a serial number: the library has no lock for it either.
+    const std::shared_ptr<void> guard_;
+    const std::shared_ptr<Held> lock_;  // shared with the hook, which may outlive the scope
     const tools::AbandonHooks::Registration hook_;
 };
 

@@ -4,15 +4,16 @@
 
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
-#include "vxmgr/flash/flash_regions.h"
+#include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
 
 using tools::ExitCode;
-using tools::Severity;
-using tools::Value;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
 
 constexpr uint64_t kMostImageBytes = 64u << 20;
 constexpr uint8_t kErased = 0xFF;
@@ -46,27 +47,22 @@ const FlashRegion& RegionForImage(tools::Invocation& invocation, const FlashLayo
         "`flash write` writes other data to a region that is named");
 }
 
-ImageTarget TargetOf(const AdapterSession& session, const UpdatePlan& plan) {
-    ImageTarget target;
-    target.region = plan.region.code;
-    target.bytes = plan.region.size;
-    if (session.First().chip) {
-        target.vendorId = session.First().chip->vendorId;
-        target.deviceId = session.First().chip->deviceId;
-    }
-    target.running = plan.running;
-    target.stored = plan.stored;
-    return target;
+ImageTarget TargetOf(const UpdatePlan& plan) {
+    const auto& chip = plan.session->First().chip;
+    return {plan.region.code,
+            plan.region.size,
+            chip ? chip->vendorId : uint16_t{0},
+            chip ? chip->deviceId : uint16_t{0},
+            plan.running,
+            plan.stored};
 }
 
-void ReadBefore(tools::Invocation& invocation, const AdapterSession& session, UpdatePlan& plan) {
+void ReadBefore(tools::Invocation& invocation, UpdatePlan& plan) {
+    const AdapterSession& session = *plan.session;
     const HX_STATUS status = ReadRegion(session.Handle(), plan.layout, plan.region, &plan.before);
     if (status != HXMGT_SUCCESS) {
-        invocation.Add({Severity::Warning,
-                        "what the region holds cannot be read: " + StatusMessage(status),
-                        {},
-                        session.Object(),
-                        status});
+        WarnAbout(invocation, session.Object(),
+                  "what the region holds cannot be read: " + StatusMessage(status), status);
         return;
     }
     const ImageInfo stored = InspectImage(plan.before);
@@ -91,6 +87,7 @@ std::vector<uint8_t> LoadImage(tools::Invocation& invocation, const std::string&
 UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
                       const UpdateGiven& given) {
     UpdatePlan plan;
+    plan.session = &session;
     plan.file = given.file;
     plan.bytes = LoadImage(invocation, given.file);
     for (size_t i = 0; i < session.ports.size(); ++i) {
@@ -107,11 +104,11 @@ UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& sessi
     }
     plan.image = InspectImage(plan.bytes);
     invocation.CheckStop();
-    ReadBefore(invocation, session, plan);
+    ReadBefore(invocation, plan);
     plan.same = plan.before == plan.bytes;
     plan.running = RunningVersion(session.First(), plan.region.code);
     plan.mayRestart = RestartsPorts(plan.region.code);
-    plan.findings = CheckImage(plan.image, TargetOf(session, plan), given.leave);
+    plan.findings = CheckImage(plan.image, TargetOf(plan), given.leave);
     for (const Finding& finding : plan.findings) {
         if (!finding.refuses) {
             plan.warnings.push_back(finding.text);
@@ -122,43 +119,56 @@ UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& sessi
 
 ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan) {
     for (const Finding& finding : plan.findings) {
-        invocation.Add({finding.refuses ? Severity::Error : Severity::Warning,
-                        finding.text,
-                        finding.hint,
-                        {},
-                        {}});
+        finding.refuses ? Complain(invocation, {}, finding.text, finding.hint)
+                        : invocation.Warn(finding.text, finding.hint);
     }
     return FirstRefusal(plan.findings) != nullptr ? ExitCode::Refused : ExitCode::Done;
 }
 
-void AddPlan(tools::Record& result, const AdapterSession& session, const UpdatePlan& plan) {
-    const auto& chip = session.First().chip;
-    result.Add("serial", "Adapter", Value::Serial(session.Serial()));
-    result.Add("chip", "Chip", chip ? Value::Text(ChipsText({chip->deviceId})) : Value());
-    result.Add("region", "Region", Value::Number(plan.region.code));
-    result.Add("region_key", "Region key", Value::Text(RegionKey(plan.region.code)));
-    result.Add("region_name", "Region name", Value::Text(RegionName(plan.region.code)));
-    result.Add("file", "File", Value::Text(plan.file));
-    result.Add("size", "Size",
-               Value::Number(plan.bytes.size(), "bytes").Shown(SizeText(plan.bytes.size())));
-    result.Add("content", "Content",
-               Value::Text(KindKey(plan.image.kind)).Shown(KindName(plan.image.kind)));
-    result.Add("image_chips", "Image is for", Value::TextOrNull(ChipsText(plan.image.chips)));
-    result.Add("image_version", "Image version", Value::TextOrNull(plan.image.version));
-    result.Add("stored_version", "Stored version", Value::TextOrNull(plan.stored));
-    result.Add("running_version", "Running version", Value::TextOrNull(plan.running));
-    result.Add("same_content", "Stored already", Value::Flag(plan.same));
-    result.Add("may_restart_ports", "May restart ports", Value::Flag(plan.mayRestart));
+const tools::Fields<UpdatePlan>& PlanFields() {
+    using Plan = UpdatePlan;
+    static const tools::Fields<Plan> kFields = {
+        {SessionFields(), &Plan::session},
+        {"chip", "Chip", kText.OrNull(),
+         [](const Plan& plan) {
+             const auto& chip = plan.session->First().chip;
+             return chip ? ChipsText({chip->deviceId}) : std::string();
+         },
+         "PCI device ID"},
+        {"region", "Region", kInteger, [](const Plan& plan) { return plan.region.code; }},
+        {"region_key", "Region key", kText, [](const Plan& plan) { return plan.region.Key(); }},
+        {"region_name", "Region name", kText, [](const Plan& plan) { return plan.region.Name(); }},
+        {"file", "File", kText, &Plan::file},
+        {"size", "Size", kInteger, [](const Plan& plan) { return SizeValue(plan.bytes.size()); },
+         "bytes, filled up when --pad was given"},
+        {"content", "Content", tools::Choice(kImageKinds),
+         [](const Plan& plan) { return KindValue(plan.image.kind); }},
+        {"image_chips", "Image is for", kText.OrNull(),
+         [](const Plan& plan) { return ChipsText(plan.image.chips); },
+         "PCI device IDs that the image is for, with blanks between them; null: it does not tell"},
+        {"image_version", "Image version", kText.OrNull(),
+         [](const Plan& plan) { return plan.image.version; }},
+        {"stored_version", "Stored version", kText.OrNull(), &Plan::stored,
+         "of what the region holds; null when that is damaged or has none"},
+        {"running_version", "Running version", kText.OrNull(), &Plan::running,
+         "of what was started from the region"},
+        {"same_content", "Stored already", kFlag, &Plan::same,
+         "the region holds these bytes already"},
+        {"may_restart_ports", "May restart ports", kFlag, &Plan::mayRestart,
+         "the firmware of all ports of the adapter may restart with the update"},
+    };
+    return kFields;
 }
 
-tools::Question QuestionAbout(const AdapterSession& session, const UpdatePlan& plan) {
+tools::Question QuestionAbout(const UpdatePlan& plan) {
     const auto shown = [](const std::string& version) {
         return version.empty() ? std::string("without a version") : version;
     };
-    tools::Question question = QuestionAbout(
-        session, "Write " + plan.file + " (" + KindName(plan.image.kind) + ", " +
-                     shown(plan.image.version) + ") to region " + std::to_string(plan.region.code) +
-                     ", " + RegionName(plan.region.code) + " (" + shown(plan.stored) + ").");
+    tools::Question question =
+        QuestionAbout(*plan.session, "Write " + plan.file + " (" + KindName(plan.image.kind) +
+                                         ", " + shown(plan.image.version) + ") to region " +
+                                         std::to_string(plan.region.code) + ", " +
+                                         plan.region.Name() + " (" + shown(plan.stored) + ").");
     question.lines.push_back(
         plan.mayRestart ? "The firmware of all its ports may restart: I/O through them stops then."
                         : "I/O goes on.");

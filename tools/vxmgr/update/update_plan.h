@@ -20,6 +20,7 @@ struct UpdateGiven {
 };
 
 struct UpdatePlan {
+    const AdapterSession* session = nullptr;
     std::string file;
     FlashLayout layout;
     FlashRegion region;
@@ -37,15 +38,16 @@ struct UpdatePlan {
 // An image file of a plausible size.
 std::vector<uint8_t> LoadImage(tools::Invocation& invocation, const std::string& path);
 
-// Ends the command when the adapter takes no updates, or has no such region.
+// Ends the command when the adapter takes no updates, or has no such region. The session has to
+// live as long as the plan.
 UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
                       const UpdateGiven& given);
 
 // Tells the findings; Refused when one of them forbids the update.
 tools::ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan);
 
-void AddPlan(tools::Record& result, const AdapterSession& session, const UpdatePlan& plan);
+const tools::Fields<UpdatePlan>& PlanFields();
 
-tools::Question QuestionAbout(const AdapterSession& session, const UpdatePlan& plan);
+tools::Question QuestionAbout(const UpdatePlan& plan);
 
 }  // namespace vxmgr

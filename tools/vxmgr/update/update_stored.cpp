@@ -1,12 +1,9 @@
 #include "vxmgr/update/update_stored.h"
 
-#include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/flash/flash_version.h"
 
 namespace vxmgr {
 namespace {
-
-constexpr const char* kStates[] = {"stored", "running", "pending", "damaged", "unknown"};
 
 bool IsCode(uint32_t region) {
     const RegionKind kind = RegionKindOf(region);
@@ -56,10 +53,6 @@ std::string RunningVersion(const Port& port, uint32_t region) {
     return {};
 }
 
-const char* StateName(CodeState state) {
-    return kStates[static_cast<size_t>(state)];
-}
-
 CodeState StateOf(const StoredCode& code, const std::string& running) {
     if (code.status != HXMGT_SUCCESS) {
         return CodeState::Unknown;
@@ -81,7 +74,7 @@ std::string DamageOf(const StoredCode& code, const std::string& running) {
     if (StateOf(code, running) != CodeState::Damaged || unused) {
         return {};
     }
-    return std::string(RegionName(code.region.code)) + " is damaged: " +
+    return code.region.Name() + " is damaged: " +
            (!code.image.problem.empty()
                 ? code.image.problem
                 : "the region holds " + std::string(KindName(code.image.kind)));

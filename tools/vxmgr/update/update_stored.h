@@ -34,7 +34,7 @@ std::vector<StoredCode> ReadStoredCode(uint32_t handle, const FlashLayout& layou
 std::string RunningVersion(const Port& port, uint32_t region);
 
 enum class CodeState : uint8_t { Stored, Running, Pending, Damaged, Unknown };
-const char* StateName(CodeState state);
+inline constexpr const char* kCodeStates[] = {"stored", "running", "pending", "damaged", "unknown"};
 CodeState StateOf(const StoredCode& code, const std::string& running);
 
 // What is wrong with the code of a region, for people: "firmware is damaged: ...". Empty: nothing,

@@ -1,0 +1,136 @@
+#include "vxmgr/update/update_write.h"
+
+#include <algorithm>
+
+#include "common/status_codes.h"
+#include "vxmgr/app/size_text.h"
+#include "vxmgr/update/update_interrupt.h"
+#include "vxmgr/update/update_lock.h"
+#include "vxmgr/update/update_messages.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+
+// The question may have waited for a while.
+void CheckUnchanged(tools::Invocation& invocation, const Port& port, PlaceWrite& write) {
+    if (write.check) {
+        write.check();
+    }
+    if (write.recheck == Recheck::None) {
+        return;
+    }
+    std::vector<uint8_t> now;
+    const HX_STATUS status = write.read(&now);
+    if (status != HXMGT_SUCCESS && write.recheck == Recheck::Required) {
+        invocation.Fail(status,
+                        write.what +
+                            " cannot be read, so that a write could not be proven; nothing was "
+                            "written",
+                        port.Object());
+    }
+    if (status == HXMGT_SUCCESS) {
+        if (!write.before.empty() && now != write.before) {
+            FailChangedMeanwhile(write, port);
+        }
+        write.before = std::move(now);
+    }
+}
+
+PlaceState StateOf(const PlaceWrite& write, const std::vector<uint8_t>& now, size_t same) {
+    return same == write.image.size() ? PlaceState::New
+           : now == write.before      ? PlaceState::Old
+                                      : PlaceState::Mixed;
+}
+
+// What to say, and the exit code it leads to; `same`: up to here it is the image.
+std::optional<tools::CommandError> Judge(const PlaceWrite& write, const WriteOutcome& outcome,
+                                         const std::string& object, size_t same) {
+    const PlaceState state = outcome.state;
+    const bool accepted = outcome.status == HXMGT_SUCCESS || outcome.NeedsRestart();
+    if (accepted && state == PlaceState::New) {
+        return std::nullopt;
+    }
+    const WriteTroubles& troubles = accepted ? write.accepted : write.failed;
+    const WriteTrouble* const rows[] = {&troubles.unknown, &troubles.old, &troubles.whole,
+                                        &troubles.mixed};
+    const WriteTrouble& trouble = *rows[static_cast<size_t>(state)];
+    tools::CommandError error;
+    tools::Message& message = error.message;
+    message.text = write.what + trouble.text;
+    message.hint = trouble.hint;
+    message.object = object;
+    if (state == PlaceState::Mixed && !write.mixedUpTo.empty()) {
+        message.text += "; " + write.mixedUpTo + " up to byte " + std::to_string(same);
+    }
+    if (!accepted) {
+        message.text += write.detail;
+        message.status = outcome.status;
+    } else if (state == PlaceState::Unknown) {
+        message.status = outcome.readStatus;
+    }
+    if (message.status) {
+        message.text += ": " + StatusMessage(*message.status);
+        message.hint = message.hint.empty() ? tools::HintOf(*message.status) : message.hint;
+    }
+    const bool unproven = state == (accepted ? PlaceState::Unknown : PlaceState::New);
+    const bool speaks =
+        message.status && (*message.status == kWentAway || state == PlaceState::Old);
+    error.exit = speaks     ? tools::ExitCodeOf(*message.status)
+                 : unproven ? ExitCode::NotProven
+                            : ExitCode::Failed;
+    return error;
+}
+
+}  // namespace
+
+void FailChangedMeanwhile(const PlaceWrite& write, const Port& port) {
+    FailAt(port.Object(), ExitCode::Refused,
+           "another program changed " + write.what + " meanwhile; nothing was written",
+           write.lookAgain);
+}
+
+WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Port& port,
+                        PlaceWrite& write) {
+    const std::string object = port.Object();
+    const FinishFirst finish(invocation, write.finishes);
+    const UpdateLock lock(invocation, handle, port);
+    CheckUnchanged(invocation, port, write);
+    // Runs before the lock's own hook, which needs an answer of the adapter.
+    const tools::AbandonHooks::Registration whenGivenUp(
+        invocation.Hooks(),
+        [&invocation, object, what = write.what, hint = write.failed.unknown.hint] {
+            invocation.Changed();
+            Complain(invocation, object, what + " was being written and may hold half of the image",
+                     hint);
+        });
+    if (finish.Interrupted()) {
+        invocation.Fail(ExitCode::Cancelled, "cancelled, nothing was written");
+    }
+    invocation.CheckStop();  // from here on it waits
+    invocation.Progress("writing " + write.what + ", " + SizeText(write.image.size()));
+    WriteOutcome outcome;
+    outcome.status = invocation.CauseOf(write.write(write.image), object);
+    invocation.Progress("reading " + write.what + " back");
+    std::vector<uint8_t> now;
+    outcome.readStatus = invocation.CauseOf(write.read(&now), object);
+    size_t same = 0;
+    if (outcome.readStatus == HXMGT_SUCCESS) {
+        const size_t length = std::min(now.size(), write.image.size());
+        same = static_cast<size_t>(std::mismatch(now.begin(),
+                                                 now.begin() + static_cast<std::ptrdiff_t>(length),
+                                                 write.image.begin())
+                                       .first -
+                                   now.begin());
+        outcome.state = StateOf(write, now, same);
+    }
+    if (outcome.state != PlaceState::Old) {
+        invocation.Changed();
+    }
+    outcome.interrupted = finish.Interrupted();
+    outcome.trouble = Judge(write, outcome, object, same);
+    return outcome;
+}
+
+}  // namespace vxmgr
