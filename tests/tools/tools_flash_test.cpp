@@ -10,7 +10,6 @@
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/flash/flash_lock_table.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/flash/flash_version.h"
 
 namespace {
 

@@ -10,7 +10,6 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/flash/flash_image_check.cpp
     tools/vxmgr/flash/flash_regions.cpp
     tools/vxmgr/flash/flash_rom.cpp
-    tools/vxmgr/flash/flash_version.cpp
     tools/vxmgr/hbaapi/hbaapi_reader.cpp
     tools/vxmgr/hbaapi/hbaapi_records.cpp
     tools/vxmgr/hbaapi/hbaapi_texts.cpp

@@ -1,7 +1,10 @@
 #include "vxmgr/flash/flash_image.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
+#include "common/text.h"
 #include "formats/nvram_block.h"
 #include "formats/vpd_tags.h"
 #include "vxmgr/app/size_text.h"
@@ -90,6 +93,24 @@ void InspectNvram(Bytes bytes, ImageInfo& info) {
     }
 }
 
+using Numbers = std::array<uint32_t, 4>;
+
+std::optional<Numbers> NumbersOf(std::string_view text) {
+    const std::vector<std::string> parts = tools::Split(text, '.');
+    Numbers numbers{};
+    if (parts.empty() || parts.size() > numbers.size()) {
+        return std::nullopt;
+    }
+    for (size_t i = 0; i < parts.size(); ++i) {
+        const char* const end = parts[i].data() + parts[i].size();
+        const auto [rest, error] = std::from_chars(parts[i].data(), end, numbers[i]);
+        if (error != std::errc() || rest != end) {
+            return std::nullopt;
+        }
+    }
+    return numbers;
+}
+
 }  // namespace
 
 const char* KindName(ImageKind kind) {
@@ -122,6 +143,15 @@ ImageInfo InspectImage(Bytes bytes) {
             break;
     }
     return info;
+}
+
+std::optional<std::strong_ordering> CompareVersions(std::string_view left, std::string_view right) {
+    const std::optional<Numbers> first = NumbersOf(left);
+    const std::optional<Numbers> second = NumbersOf(right);
+    if (!first || !second) {
+        return std::nullopt;
+    }
+    return *first <=> *second;
 }
 
 }  // namespace vxmgr

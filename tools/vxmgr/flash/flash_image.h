@@ -1,8 +1,11 @@
 // What a file or the contents of a flash region are, and whether they are whole.
 #pragma once
 
+#include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/fields.h"
@@ -34,5 +37,9 @@ struct ImageInfo {
 };
 
 ImageInfo InspectImage(Bytes bytes);
+
+// Compares dotted numbers one by one, a missing one counting as 0; empty when one of the texts is
+// no version.
+std::optional<std::strong_ordering> CompareVersions(std::string_view left, std::string_view right);
 
 }  // namespace vxmgr

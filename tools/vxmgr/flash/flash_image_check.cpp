@@ -4,7 +4,6 @@
 
 #include "common/text.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/flash/flash_version.h"
 
 namespace vxmgr {
 namespace {

@@ -42,9 +42,8 @@ constexpr tools::Argument kReadArguments[] = {
 };
 
 // What was read and saved, or why not.
-struct SavedRegion {
-    FlashRegion region;
-    std::string file;
+struct SavedRegion : FlashRegion {
+    std::string file{};
     HX_STATUS status = HXMGT_SUCCESS;
     ImageInfo image{};
 
@@ -55,14 +54,13 @@ using SavedRegions = std::vector<SavedRegion>;
 const tools::Fields<SavedRegion>& SavedRegionFields() {
     using Saved = SavedRegion;
     static const tools::Fields<Saved> kFields = {
-        {"code", "Region", "CODE", kInteger, [](const Saved& one) { return one.region.code; }},
-        {"key", "Key", "KEY", kText, [](const Saved& one) { return one.region.Key(); }},
+        {"code", "Region", "CODE", kInteger, &Saved::code},
+        {"key", "Key", "KEY", kText, &Saved::Key},
         {"content", "Content", "CONTENT", tools::Choice(kImageKinds).OrNull(),
          [](const Saved& one) { return one.IsSaved() ? KindValue(one.image.kind) : Value(); }},
         {"version", "Version", "VERSION", kText.OrNull(),
          [](const Saved& one) { return one.image.version; }},
-        {"size", "Size", "SIZE", kInteger,
-         [](const Saved& one) { return SizeValue(one.region.size); }},
+        {"size", "Size", "SIZE", kInteger, [](const Saved& one) { return SizeValue(one.size); }},
         {"file", "File", "FILE", kText.OrNull(),
          [](const Saved& one) { return one.IsSaved() ? one.file : std::string(); },
          "null when the region could not be read"},
@@ -109,10 +107,10 @@ const tools::Fields<FlashSaved>& FlashReadFields() {
 void SaveRegion(tools::Invocation& invocation, const AdapterSession& session,
                 const FlashLayout& layout, SavedRegion& saved) {
     invocation.CheckStop();
-    invocation.Progress("reading region " + std::to_string(saved.region.code) + ", " +
-                        SizeText(saved.region.size));
+    invocation.Progress("reading region " + std::to_string(saved.code) + ", " +
+                        SizeText(saved.size));
     std::vector<uint8_t> bytes;
-    saved.status = ReadRegion(session.Handle(), layout, saved.region, &bytes);
+    saved.status = ReadRegion(session.Handle(), layout, saved, &bytes);
     if (saved.status == HXMGT_SUCCESS) {
         SaveFile(invocation, saved.file, bytes);
         saved.image = InspectImage(bytes);
@@ -158,9 +156,9 @@ ExitCode ReadRegions(tools::Invocation& invocation, const std::string& region,
     for (SavedRegion& saved : wanted) {
         SaveRegion(invocation, session, layout, saved);
         if (saved.status != HXMGT_SUCCESS) {
-            failed.Add(invocation.Report(
-                saved.status, "region " + std::to_string(saved.region.code) + " cannot be read",
-                session.Object()));
+            failed.Add(invocation.Report(saved.status,
+                                         "region " + std::to_string(saved.code) + " cannot be read",
+                                         session.Object()));
         }
     }
     invocation.Result() = FlashReadFields().Make({&session, wanted});

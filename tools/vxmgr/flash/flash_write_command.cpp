@@ -1,7 +1,6 @@
 // flash write
 #include "vxmgr/flash/commands.h"
-#include "vxmgr/flash/flash_version.h"
-#include "vxmgr/update/update_interrupt.h"
+#include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_plan.h"
 #include "vxmgr/update/update_stored.h"
 #include "vxmgr/update/update_write.h"

@@ -9,7 +9,6 @@
 #include "vxmgr/sfp/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 #include "vxmgr/update/update_checks.h"
-#include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_write.h"

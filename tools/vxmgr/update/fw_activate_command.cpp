@@ -1,11 +1,10 @@
 // fw activate
 #include <algorithm>
 #include <chrono>
+#include <functional>
 
-#include "vxmgr/flash/flash_version.h"
 #include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_checks.h"
-#include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
@@ -170,29 +169,19 @@ bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
     return false;
 }
 
-tools::Question Ask(const AdapterSession& session, const std::string& action) {
-    tools::Question question = QuestionAbout(session, action);
-    question.lines.push_back(
-        "The firmware of these ports restarts: their links go down, and I/O through them stops "
-        "until they are back.");
-    return question;
-}
+// One of the two ways to start the firmware anew.
+struct RestartWay {
+    std::string question;
+    std::string outlook;  // what a dry run says
+    std::string version;  // that has to run afterwards; empty: any
+    std::function<HX_STATUS()> start;
+};
 
-// Runs the step under the lock; Ctrl-C waits for its end.
-template <typename Step>
-HX_STATUS RunLocked(tools::Invocation& invocation, const AdapterSession& session, bool* interrupted,
-                    Step step) {
-    const FinishFirst finish(invocation, "the restart");
-    const UpdateLock lock(invocation, session.Handle(), session.First());
-    invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
-                        " ports");
-    const HX_STATUS status = step();
-    invocation.Changed();
-    *interrupted = finish.Interrupted();
-    return status;
-}
-
-ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const std::string& object) {
+ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const RestartWay& way,
+                      const std::string& object) {
+    if (way.version.empty()) {
+        return invocation.Report(status, "the settings were not taken over", object);
+    }
     if (status == HXMGT_ACTIVATION_TIMED_OUT) {
         Complain(
             invocation, object,
@@ -210,63 +199,74 @@ ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const std
     return invocation.Report(status, "the firmware was not restarted", object);
 }
 
+// Asks, restarts under the lock and looks at what runs then; Ctrl-C waits for the end.
+ExitCode RestartPorts(tools::Invocation& invocation, AdapterSession& session, Activation& result,
+                      const RestartWay& way) {
+    if (invocation.DryRun()) {
+        result.End(false);
+        invocation.Note("dry run: " + way.outlook);
+        return ExitCode::Done;
+    }
+    tools::Question question = QuestionAbout(session, way.question);
+    question.lines.push_back(
+        "The firmware of these ports restarts: their links go down, and I/O through them stops "
+        "until they are back.");
+    invocation.Confirm(question);
+    invocation.CheckStop();
+    bool interrupted = false;
+    HX_STATUS status = HXMGT_SUCCESS;
+    {
+        const FinishFirst finish(invocation, "the restart");
+        const UpdateLock lock(invocation, session.Handle(), session.First());
+        invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
+                            " ports");
+        status = way.start();
+        invocation.Changed();
+        interrupted = finish.Interrupted();
+    }
+    // The library hands on no failure of a single port: what runs now is what counts.
+    const bool runs = status == HXMGT_SUCCESS &&
+                      (way.version.empty() || WaitForFirmware(invocation, session, way.version));
+    session.Refresh();
+    result.End(runs);
+    StopWhen(interrupted);
+    if (status != HXMGT_SUCCESS) {
+        return ReportStatus(invocation, status, way, session.Object());
+    }
+    if (!runs) {
+        Complain(invocation, session.Object(),
+                 "the ports were told to start firmware " + way.version +
+                     ", but not all of them report it",
+                 "see `port show`; a restart of the host starts what is stored");
+    }
+    return runs ? ExitCode::Done : ExitCode::NotProven;
+}
+
 ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, true);
     const StoredFirmware stored = LookAtStored(invocation, session);
     const std::string& version = stored.version;
     tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session, version});
-    const bool needed = stored.pending || invocation.Given().Has("allow-same");
-    if (!needed || invocation.DryRun()) {
+    if (!stored.pending && !invocation.Given().Has("allow-same")) {
         result.End(false);
-        invocation.Note(needed ? "dry run: firmware " + version + " would be started"
-                               : "nothing to do: the stored versions run");
+        invocation.Note("nothing to do: the stored versions run");
         return ExitCode::Done;
     }
-    invocation.Confirm(Ask(session, "Start firmware " + version + ", now running " +
-                                        RunningFirmware(session.First()) + "."));
-    invocation.CheckStop();
     const auto limit =
         static_cast<uint32_t>(invocation.Given().Number("limit").value_or(kLimitSeconds));
-    bool interrupted = false;
-    const HX_STATUS status = RunLocked(invocation, session, &interrupted,
-                                       [&] { return ActivateOnline(session, limit); });
-    // The library hands on no failure of a single port: what runs now is what counts.
-    const bool runs = status == HXMGT_SUCCESS && WaitForFirmware(invocation, session, version);
-    session.Refresh();
-    result.End(runs);
-    StopWhen(interrupted);
-    if (status != HXMGT_SUCCESS) {
-        return ReportStatus(invocation, status, session.Object());
-    }
-    if (!runs) {
-        Complain(
-            invocation, session.Object(),
-            "the ports were told to start firmware " + version + ", but not all of them report it",
-            "see `port show`; a restart of the host starts what is stored");
-        return ExitCode::NotProven;
-    }
-    return ExitCode::Done;
+    return RestartPorts(
+        invocation, session, result,
+        {"Start firmware " + version + ", now running " + RunningFirmware(session.First()) + ".",
+         "firmware " + version + " would be started", version,
+         [&session, limit] { return ActivateOnline(session, limit); }});
 }
 
 ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, false);
     tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session});
-    if (invocation.DryRun()) {
-        result.End(false);
-        invocation.Note("dry run: the settings would be taken over");
-        return ExitCode::Done;
-    }
-    invocation.Confirm(Ask(session, "Take over the stored settings."));
-    invocation.CheckStop();
-    bool interrupted = false;
-    const HX_STATUS status =
-        RunLocked(invocation, session, &interrupted, [&] { return ReloadSettings(session); });
-    session.Refresh();
-    result.End(status == HXMGT_SUCCESS);
-    StopWhen(interrupted);
-    return status == HXMGT_SUCCESS
-               ? ExitCode::Done
-               : invocation.Report(status, "the settings were not taken over", session.Object());
+    return RestartPorts(invocation, session, result,
+                        {"Take over the stored settings.", "the settings would be taken over", "",
+                         [&session] { return ReloadSettings(session); }});
 }
 
 ExitCode FirmwareActivate(tools::Invocation& invocation) {

@@ -1,4 +1,5 @@
-// The lock that keeps two programs from updating one adapter, held for as long as one region takes.
+// What holds while an adapter is written to: the lock that keeps two programs from updating one
+// adapter, for as long as one region takes, and Ctrl-C waiting for the end.
 #pragma once
 
 #include <memory>
@@ -34,5 +35,25 @@ class UpdateLock {
     const std::shared_ptr<Held> lock_;  // shared with the hook, which may outlive the scope
     const tools::AbandonHooks::Registration hook_;
 };
+
+// While one of these lives, the first Ctrl-C does not end the command: what is being written is
+// finished first. A second one does, as everywhere. One at a time.
+class FinishFirst {
+  public:
+    // what: as in "the region is finished first"; a text that stays.
+    FinishFirst(const tools::Invocation& invocation, const char* what);
+    ~FinishFirst();
+    FinishFirst(const FinishFirst&) = delete;
+    FinishFirst& operator=(const FinishFirst&) = delete;
+
+    bool Interrupted() const;
+};
+
+// Ends the command as interrupted.
+inline void StopWhen(bool interrupted) {
+    if (interrupted) {
+        throw tools::Stopped{tools::StopReason::Interrupted};
+    }
+}
 
 }  // namespace vxmgr

@@ -1,7 +1,5 @@
 #include "vxmgr/update/update_stored.h"
 
-#include "vxmgr/flash/flash_version.h"
-
 namespace vxmgr {
 namespace {
 

@@ -4,7 +4,6 @@
 
 #include "common/status_codes.h"
 #include "vxmgr/app/size_text.h"
-#include "vxmgr/update/update_interrupt.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
 
