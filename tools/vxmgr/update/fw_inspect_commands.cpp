@@ -122,7 +122,7 @@ const tools::Fields<Checked>& CheckFields() {
 
 ExitCode FirmwareInspect(tools::Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
-    const ImageInfo image = InspectImage(LoadImage(invocation, path));
+    const ImageInfo image = InspectImage(ReadImage(invocation, path));
     invocation.Result() = InspectFields().Make({path, image});
     if (image.kind == ImageKind::Unknown) {
         invocation.Fail(ExitCode::Refused, path + " is no image of a known kind");

@@ -72,7 +72,7 @@ void ReadBefore(tools::Invocation& invocation, UpdatePlan& plan) {
 
 }  // namespace
 
-std::vector<uint8_t> LoadImage(tools::Invocation& invocation, const std::string& path) {
+std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string& path) {
     const uint64_t size = FileSize(path);
     if (size > kMostImageBytes) {
         invocation.Fail(ExitCode::Refused, path + " is too large for an image: " + SizeText(size));
@@ -89,7 +89,7 @@ UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& sessi
     UpdatePlan plan;
     plan.session = &session;
     plan.file = given.file;
-    plan.bytes = LoadImage(invocation, given.file);
+    plan.bytes = ReadImage(invocation, given.file);
     for (size_t i = 0; i < session.ports.size(); ++i) {
         const UpdateOutlook outlook =
             LookBeforeUpdate(invocation, session.ports[i], session.devices[i].Handle());

@@ -36,7 +36,7 @@ struct UpdatePlan {
 };
 
 // An image file of a plausible size.
-std::vector<uint8_t> LoadImage(tools::Invocation& invocation, const std::string& path);
+std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string& path);
 
 // Ends the command when the adapter takes no updates, or has no such region. The session has to
 // live as long as the plan.
