@@ -3,6 +3,7 @@
 set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/bind_document.cpp
     tools/vxmgr/bindings/bind_edit.cpp
+    tools/vxmgr/diag/register_space.cpp
     tools/vxmgr/fabric/fc_ct.cpp
     tools/vxmgr/fabric/fc_els.cpp
     tools/vxmgr/flash/flash_firmware.cpp
@@ -31,6 +32,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/store_blocks.cpp
     tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/bindings/store_document.cpp
+    tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
 )
