@@ -42,16 +42,17 @@ DriverStatus DportTest(Exchange& exchange, uint32_t length) {
     }
     const bool running = StartsDport(port);
     exchange.StartReply(length);
-    // Test state, phase and number of tests, then a byte per lane and test.
+    // Test state, how far it went and number of tests, then a byte per lane and test: 0 is good.
     const uint16_t head[3] = {static_cast<uint16_t>(running ? 1 : 2), 4, 1};
     exchange.Put(0, head, sizeof head);
     if (running) {
         return DriverStatus::TestRunning;
     }
     constexpr uint32_t kLanes = 8;
-    for (uint32_t at = 0; at < kDportResults - kLanes; ++at) {
-        const auto value = static_cast<uint8_t>(at % 16);
-        exchange.Put(kLanes + at, &value, sizeof value);
+    const uint32_t wrong = port.profile->loopbackErrors;
+    for (uint32_t at = 0; at < wrong && at < kDportResults - kLanes; ++at) {
+        constexpr uint8_t kLaneFailed = 1;
+        exchange.Put(kLanes + at, &kLaneFailed, sizeof kLaneFailed);
     }
     return DriverStatus::Success;
 }

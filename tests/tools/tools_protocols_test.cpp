@@ -6,6 +6,7 @@
 
 #include "support/shown.h"
 #include "vxmgr/app/size_text.h"
+#include "vxmgr/diag/dport_results.h"
 #include "vxmgr/diag/register_space.h"
 #include "vxmgr/fabric/fc_ct.h"
 #include "vxmgr/fabric/fc_els.h"
@@ -231,6 +232,35 @@ TEST(ToolsRegisters, SpacesWithinTheirLimits) {
     for (const char* wrong : {"0x10", "0x10=", "=1", "", "1=2=3"}) {
         EXPECT_FALSE(ParseRegister(wrong, space, true, &choice, &error)) << wrong;
     }
+}
+
+TEST(ToolsDport, WordsOfTheResults) {
+    HX_DPORT_RESULT_EX2 result{};
+    const auto shown = [&](const char* key) {
+        return Shown(DportOutcomeFields().Make(DecodeDport(result)), key);
+    };
+    const auto put = [&](size_t at, uint8_t value) { result.bytes[at] = value; };
+    put(0, 2);
+    put(2, 4);
+    put(4, 1);
+    EXPECT_EQ(shown("state"), "complete");
+    EXPECT_EQ(shown("hop"), "whole link");
+    EXPECT_EQ(shown("tests"), "1");
+    EXPECT_EQ(shown("verdict"), "passed");
+    put(8, 1);
+    put(1087, 9);
+    EXPECT_EQ(shown("verdict"), "failed");
+    ASSERT_EQ(DecodeDport(result).failed.size(), 2u);
+    EXPECT_EQ(DecodeDport(result).failed[1].place, 1079u);
+    put(2, 5);
+    EXPECT_EQ(shown("hop"), "-");
+    EXPECT_EQ(shown("hop_word"), "0x0005");
+    put(0, 1);
+    EXPECT_EQ(shown("state"), "running");
+    EXPECT_EQ(shown("verdict"), "-");
+    put(0, 3);
+    EXPECT_EQ(shown("state"), "-");
+    EXPECT_EQ(shown("verdict"), "-");
 }
 
 TEST(ToolsCt, RequestsAndAnswers) {

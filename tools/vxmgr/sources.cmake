@@ -3,6 +3,7 @@
 set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/bind_document.cpp
     tools/vxmgr/bindings/bind_edit.cpp
+    tools/vxmgr/diag/dport_results.cpp
     tools/vxmgr/diag/register_space.cpp
     tools/vxmgr/fabric/fc_ct.cpp
     tools/vxmgr/fabric/fc_els.cpp
