@@ -1,6 +1,8 @@
 // What a list of ports makes of their answers.
 #pragma once
 
+#include <map>
+#include <string>
 #include <vector>
 
 #include "common/status_codes.h"
@@ -20,15 +22,21 @@ tools::ExitCode ReportAnswers(tools::Invocation& invocation,
                               const std::vector<PortAnswer<Answer>>& answers) {
     const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
     std::vector<const Port*> counted;
+    std::map<std::string, std::vector<const Port*>> unable;  // by what is said of them
     for (const PortAnswer<Answer>& one : answers) {
         // What else the port fails at is not asked here.
         one.port->failure = one.status;
         one.port->failedQuery = one.query;
         if (CannotTell(one.status) && !chosen && one.port->answers) {
-            invocation.Note(one.port->Name() + ": " + one.query + ": " + StatusMessage(one.status));
+            unable[one.query + ": " + StatusMessage(one.status)].push_back(one.port);
         } else {
             counted.push_back(one.port);
         }
+    }
+    for (const auto& [text, ports] : unable) {
+        invocation.Note(
+            (ports.size() == 1 ? ports.front()->Name() : std::to_string(ports.size()) + " ports") +
+            ": " + text);
     }
     return ReportFailures(invocation, counted);
 }

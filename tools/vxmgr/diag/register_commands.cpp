@@ -33,7 +33,7 @@ struct RegisterResult {
     std::optional<uint32_t> previous;
 
     std::string Space() const { return space.Text(); }
-    std::string Address() const { return tools::Hex(address, space.AddressDigits()); }
+    std::string Address() const { return tools::Hex(address, 2); }
     template <auto member>
     Value Contents() const {
         const std::optional<uint32_t>& contents = this->*member;
@@ -107,17 +107,32 @@ GivenRegister GivenOne(tools::Invocation& invocation, const char* argument, bool
     return given;
 }
 
-// Ends the command when the register cannot be read.
+std::string RegisterName(const GivenRegister& given) {
+    return "register " + tools::Hex(given.choice.address, 2) + " of " + given.space.Text();
+}
+
+// Ends the command; what: "cannot be read".
+[[noreturn]] void RegisterFails(tools::Invocation& invocation, const PortSession& session,
+                                const GivenRegister& given, HX_STATUS status, const char* what) {
+    const std::string object = session.port.Object();
+    const std::string name = RegisterName(given);
+    if (status == HXMGT_DEVICE_NOT_FOUND) {
+        invocation.Fail(ExitCode::NotFound, object + ": " + name + " " + what + ": nobody answers",
+                        "the retimer has the address 0x18");
+    }
+    invocation.Fail(
+        status,
+        name + " " + what + (status == HXMGT_INVALID_PARAMETER ? ": the firmware refuses it" : ""),
+        object);
+}
+
 uint32_t MustRead(tools::Invocation& invocation, const PortSession& session,
                   const GivenRegister& given) {
     uint32_t value = 0;
     const HX_STATUS status =
         ReadRegister(session.Handle(), given.space, given.choice.address, &value);
     if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status,
-                        "register " + tools::Hex(given.choice.address, 2) + " of " +
-                            given.space.Text() + " cannot be read",
-                        session.port.Object());
+        RegisterFails(invocation, session, given, status, "cannot be read");
     }
     return value;
 }
@@ -139,7 +154,7 @@ ExitCode RegisterWrite(tools::Invocation& invocation) {
         invocation.Result(), RegisterFields(),
         {&session.port, given.space, given.choice.address, {}, {}});
     result.value = result.previous = MustRead(invocation, session, given);
-    const std::string what = "register " + result.Address() + " of " + given.space.Text();
+    const std::string what = RegisterName(given);
     const std::string change = what + " from " +
                                tools::Hex(*result.previous, given.space.ValueDigits()) + " to " +
                                tools::Hex(wanted, given.space.ValueDigits());
@@ -153,11 +168,7 @@ ExitCode RegisterWrite(tools::Invocation& invocation) {
     const HX_STATUS status =
         WriteRegister(session.Handle(), given.space, given.choice.address, wanted);
     if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status,
-                        status == HXMGT_INVALID_PARAMETER
-                            ? "the firmware refuses the address or the value: " + what
-                            : what + " cannot be written",
-                        session.port.Object());
+        RegisterFails(invocation, session, given, status, "cannot be written");
     }
     invocation.Changed();
     result.value = MustRead(invocation, session, given);

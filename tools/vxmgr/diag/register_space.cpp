@@ -23,13 +23,12 @@ constexpr SpaceRow kSpaces[] = {
 struct KindRow {
     uint32_t mostAddress;
     uint32_t mostValue;
-    int addressDigits;
     int valueDigits;
 };
 constexpr KindRow kKinds[] = {
-    {UINT16_MAX, UINT16_MAX, 4, 4},
-    {UINT32_MAX, UINT32_MAX, 4, 8},
-    {UINT16_MAX, UINT8_MAX, 2, 2},
+    {UINT16_MAX, UINT16_MAX, 4},
+    {UINT32_MAX, UINT32_MAX, 8},
+    {UINT16_MAX, UINT8_MAX, 2},
 };
 
 const KindRow& RowOf(RegisterKind kind) {
@@ -60,10 +59,6 @@ std::string RegisterSpace::Text() const {
             return "retimer:" + tools::Hex(unit, 2);
     }
     return "serdes";
-}
-
-int RegisterSpace::AddressDigits() const {
-    return RowOf(kind).addressDigits;
 }
 
 int RegisterSpace::ValueDigits() const {

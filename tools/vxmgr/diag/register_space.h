@@ -15,7 +15,6 @@ struct RegisterSpace {
     uint16_t unit = 0;  // lane, or the I2C address of a device
 
     std::string Text() const;  // with its unit: "retimer:0x18"
-    int AddressDigits() const;
     int ValueDigits() const;
 };
 

@@ -57,13 +57,13 @@ Value BlocksValue(const NvmeNamespace& one) {
     return SizeIn(BytesIn(one, Packed<blocks>(one)));
 }
 
-// Hexadecimal digits; null for an identifier of zeros.
+// Hexadecimal digits; nothing for an identifier of zeros. The names of a target are often in it.
 template <auto member>
-Value IdentifierValue(const NvmeNamespace& one) {
+std::optional<std::string> IdentifierOf(const NvmeNamespace& one) {
     const Bytes bytes(one.*member);
     const bool none =
         std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
-    return none ? Value() : Value::Text(HexDigits(bytes));
+    return none ? std::nullopt : std::optional(HexDigits(bytes));
 }
 
 const char* AnaStateOf(const NvmeNamespace& one) {
@@ -82,8 +82,8 @@ const tools::Fields<NvmeNamespace>& NamespaceFields() {
         {"blocks", "Blocks", tools::kCounter, Packed<&Row::blocks>},
         {"capacity_bytes", "Capacity", "CAPACITY", kBytes, BlocksValue<&Row::capacity>},
         {"used_bytes", "Used", "USED", kBytes, BlocksValue<&Row::used>},
-        {"nguid", "NGUID", "NGUID", kText.OrNull(), IdentifierValue<&Row::nguid>},
-        {"eui64", "EUI-64", kText.OrNull(), IdentifierValue<&Row::eui64>},
+        {"nguid", "NGUID", "NGUID", tools::kSerial.OrNull(), IdentifierOf<&Row::nguid>},
+        {"eui64", "EUI-64", tools::kSerial.OrNull(), IdentifierOf<&Row::eui64>},
         {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&Row::anaGroup>},
         {"ana_state", "ANA state", "ANA STATE", tools::Choice(kAllAnaStates).OrNull(), AnaStateOf},
         {"shared", "Shared", "SHARED", kFlag, Bit<&Row::flags, HX_NAMESPACE_SHARED>},
