@@ -118,7 +118,8 @@ ExitCode TargetSpeedSet(tools::Invocation& invocation) {
     const uint16_t wanted = GivenSpeed(invocation);
     const OpenTarget target = OpenGivenTarget(invocation);
     tools::GrowingResult<std::vector<SpeedRow>> rows(invocation.Result(), SpeedList<true>());
-    SpeedRow& row = rows.emplace_back(SpeedRow{target.Head(), {}, {}});
+    rows.push_back({target.Head(), {}, {}});
+    SpeedRow& row = rows.front();
     const LinkSpeed before = ReadSpeed(target);
     row.before = row.now = before;
     if (IsAt(before, wanted)) {
