@@ -57,6 +57,7 @@ constexpr tools::HelpTopic kTopics[] = {
 
 constexpr tools::CommandGroup kGroups[] = {
     {"adapter", "adapters: the ports that share a serial number"},
+    {"adapter locate", "the LEDs that tell where an adapter is"},
     {"port", "Fibre Channel ports"},
     {"target", "targets that the ports' drivers know"},
     {"map", "from targets to devices and volumes of the operating system, and back"},
@@ -88,7 +89,10 @@ constexpr tools::Document kDocuments[] = {
 // The order of the help.
 constexpr tools::CommandRows (*kFiles[])() = {
     AdapterAndPortCommands,
+    LocateCommands,
     StatsCommands,
+    DatabaseCommands,
+    LockdownCommands,
     TargetCommands,
     MapCommands,
     BindListCommands,

@@ -1,0 +1,36 @@
+// What a list of ports makes of their answers.
+#pragma once
+
+#include <vector>
+
+#include "common/status_codes.h"
+#include "vxmgr/app/port_walk.h"
+
+namespace vxmgr {
+
+// Its chip, driver or firmware does not know the request.
+inline bool CannotTell(HX_STATUS status) {
+    return tools::ExitCodeOf(status) == tools::ExitCode::NotSupported;
+}
+
+// Marks the ports that failed and reports them; the exit code of the whole. A port that cannot tell
+// is a failure only when it was chosen.
+template <class Answer>
+tools::ExitCode ReportAnswers(tools::Invocation& invocation,
+                              const std::vector<PortAnswer<Answer>>& answers) {
+    const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
+    std::vector<const Port*> counted;
+    for (const PortAnswer<Answer>& one : answers) {
+        // What else the port fails at is not asked here.
+        one.port->failure = one.status;
+        one.port->failedQuery = one.query;
+        if (CannotTell(one.status) && !chosen && one.port->answers) {
+            invocation.Note(one.port->Name() + ": " + one.query + ": " + StatusMessage(one.status));
+        } else {
+            counted.push_back(one.port);
+        }
+    }
+    return ReportFailures(invocation, counted);
+}
+
+}  // namespace vxmgr
