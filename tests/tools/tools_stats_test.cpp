@@ -84,7 +84,7 @@ TEST(ToolsStats, GroupsAreCountedEachForItself) {
     tools::Redactor redactor(false);
     const std::string text = tools::RenderText(record, {false, &redactor});
     for (const char* part : {"Average read", "125 us", "READS FROM", "64 us  128 us      8\n",
-                             "Severity                           -\n"}) {
+                             "Severity                     -\n"}) {
         EXPECT_TRUE(support::Has(text, part)) << part << "\n" << text;
     }
     EXPECT_FALSE(support::Has(text, "Commands started")) << "not asked for";

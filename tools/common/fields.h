@@ -224,7 +224,9 @@ class FieldRow {
     // std::optional one, without which they are left out.
     template <class Part, class Get>
     FieldRow(const Fields<Part>& fields, Get get) : spliced_(fields.ShapeOfAll()) {
-        if constexpr (kIsOptional<Gotten<Get, Source>>) {
+        constexpr bool kMaybe =
+            kIsOptional<Gotten<Get, Source>> && !std::is_same_v<Gotten<Get, Source>, Part>;
+        if constexpr (kMaybe) {
             for (FieldShape& field : spliced_) {
                 field.type.optional = true;
             }
@@ -233,7 +235,7 @@ class FieldRow {
             decltype(auto) part = std::invoke(get, source);
             if constexpr (std::is_pointer_v<Gotten<Get, Source>>) {
                 fields.AddTo(*part, record);
-            } else if constexpr (kIsOptional<Gotten<Get, Source>>) {
+            } else if constexpr (kMaybe) {
                 if (part) {
                     fields.AddTo(*part, record);
                 }

@@ -1,6 +1,7 @@
 // Lists of the library, whole.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -8,8 +9,8 @@
 
 namespace vxmgr {
 
-// ask(records, count): one of the library's list functions. A list that grows meanwhile is asked for
-// again, a few times.
+// ask(records, count): one of the library's list functions. A list that grows meanwhile is asked
+// for again, a few times.
 template <class Record, class Ask>
 HX_STATUS ReadList(Ask ask, std::vector<Record>* list) {
     constexpr int kTries = 4;
@@ -19,9 +20,7 @@ HX_STATUS ReadList(Ask ask, std::vector<Record>* list) {
         list->assign(count, Record{});
         status = ask(list->data(), &count);
     }
-    list->resize(status == HXMGT_SUCCESS && count < list->size() ? count
-                 : status == HXMGT_SUCCESS                       ? list->size()
-                                                                 : 0);
+    list->resize(status == HXMGT_SUCCESS ? std::min<size_t>(count, list->size()) : 0);
     return status;
 }
 
