@@ -54,10 +54,11 @@ struct RemoteRow {
     }
     // It has an address on the bus.
     const RemoteRecord* OnBus() const {
-        const bool isTarget = remote != nullptr && (remote->record.roles & HX_ROLE_FCP_TARGET) != 0;
-        const bool isThere =
-            isTarget && (remote->brief || remote->record.state == HX_REMOTE_PORT_ONLINE);
-        return isThere ? &remote->record : nullptr;
+        if (remote == nullptr || remote->brief) {
+            return Record();
+        }
+        const bool isTarget = (remote->record.roles & HX_ROLE_FCP_TARGET) != 0;
+        return isTarget && remote->record.state == HX_REMOTE_PORT_ONLINE ? Record() : nullptr;
     }
     // It answered for its link.
     const RemoteRecord* Diagnosed() const {
@@ -78,6 +79,13 @@ std::vector<std::string> RolesOf(const RemoteRecord& record) {
         }
     }
     return names;
+}
+
+// Older drivers give none.
+std::optional<std::vector<std::string>> RolesOfRow(const RemoteRow& row) {
+    return row.remote != nullptr && (!row.remote->brief || row.remote->record.roles != 0)
+               ? std::optional(RolesOf(row.remote->record))
+               : std::nullopt;
 }
 
 Value RemoteState(const RemoteRecord& record) {
@@ -204,8 +212,8 @@ const tools::Fields<std::vector<RemoteRow>>& RemotePortList() {
          Of(&Row::Record, [](const RemoteRecord& one) { return tools::Wwn::Of(one.nodeName); })},
         {"port_id", "Port ID", "PORT ID", tools::Hexadecimal(6).OrNull(),
          Of(&Row::Record, [](const RemoteRecord& one) { return PortIdOf(one.portId); })},
-        {"roles", "Roles", "ROLES", tools::Choices(kRemoteRoleNames).OrNull(),
-         Of(&Row::Record, RolesOf), "fcp, nvme: a target or subsystem of that protocol"},
+        {"roles", "Roles", "ROLES", tools::Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
+         "fcp, nvme: a target or subsystem of that protocol"},
         {"state", "State", "STATE", tools::Choice(kRemoteStates).OrNull(),
          Of(&Row::Told, RemoteState)},
         {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(),

@@ -123,6 +123,9 @@ AskPort<OpenReading> FirstReading(const StatsQuestion& question) {
         }
         if (status == HXMGT_SUCCESS) {
             status = ReadCounters(visit.Handle(), first->question, &first->counters, &visit.query);
+            if (status == HXMGT_DEVICE_NOT_FOUND && question.remote) {
+                visit.query = "the remote port is not known";
+            }
         }
         first->device = std::make_shared<Device>(std::move(visit.device));
         return status;

@@ -30,6 +30,7 @@ constexpr Counter<Link> kLink[] = {
 };
 
 constexpr Counter<Link> kFrames[] = {
+    {"seconds",           "Since the last reset",     "SECONDS",  8, &Link::secondsSinceReset, "s"},
     {"nos",               "NOS primitives",           "NOS",      5, &Link::nosCount},
     {"error_frames",      "Frames with errors",       "ERRORS",   6, &Link::errorFrames},
     {"dumped_frames",     "Frames without a buffer",  "DUMPED",   6, &Link::dumpedFrames},
@@ -151,7 +152,7 @@ bool BeganAnew(const Link& before, const Link& after) {
 }
 void TakeOff(const Link& before, Link* record) {
     Subtract(before, LinkCounters(), record);
-    Subtract(before, FrameCounters(), record);
+    Subtract(before, FrameCounters().subspan(1), record);  // they share the time
 }
 
 bool BeganAnew(const Traffic& before, const Traffic& after) {

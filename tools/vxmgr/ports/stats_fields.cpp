@@ -74,11 +74,11 @@ const Fields<HX_PORT_STATISTICS_V2>& TrafficFields() {
         AddCounters(
             FrameCounters(), [](const TrafficRecord& traffic) { return &traffic.port; }, true,
             &rows);
+        AddCounters(TrafficCounters(), Itself<TrafficRecord>, true, &rows);
         rows.push_back({"fcp", "FCP", ProtocolFields(kFcpColumns),
                         [](const TrafficRecord& traffic) { return &traffic.fcp; }, "", kGroup});
         rows.push_back({"nvme", "NVMe", ProtocolFields(kNvmeColumns),
                         [](const TrafficRecord& traffic) { return &traffic.nvme; }, "", kGroup});
-        AddCounters(TrafficCounters(), Itself<TrafficRecord>, true, &rows);
         return rows;
     }());
     return kFields;
