@@ -102,8 +102,7 @@ Value NumberOrNull(const RemoteRecord& record) {
 }
 
 Value LoopIdentifier(const RemoteRecord& record) {
-    constexpr uint16_t kNone = 0xFFFF;
-    return record.loopId != kNone ? Value::Number(record.loopId) : Value();
+    return record.loopId != kNoLoopId ? Value::Number(record.loopId) : Value();
 }
 
 LinkErrors ErrorsOf(const RemoteRecord& record) {

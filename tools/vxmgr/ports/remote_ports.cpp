@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "formats/loop_address.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/read_list.h"
 #include "vxmgr/targets/target_known.h"
@@ -21,7 +22,7 @@ RemotePort BriefPort(const HX_DEVICE_RECORD& device) {
         static_cast<uint16_t>(device.roleAndState & (HX_ROLE_FCP_TARGET | HX_ROLE_FCP_INITIATOR));
     port.record.bus = device.bus;
     port.record.target = device.target;
-    port.record.loopId = device.targetNumber;
+    port.record.loopId = kNoLoopId;
     // Longer names are cut, as newer drivers do.
     std::memcpy(port.record.symbolicName, device.symbolicName, sizeof port.record.symbolicName - 1);
     return port;
@@ -68,6 +69,11 @@ HX_STATUS AddSecurity(PortVisit& visit, std::vector<RemotePort>* ports) {
     return status;
 }
 
+// On the port's own loop.
+uint8_t LoopAddressOf(const HX_REMOTE_PORT& record) {
+    return record.loopId != kNoLoopId ? formats::LoopAddressOf(record.loopId) : record.portId[2];
+}
+
 // The map begins with the port itself.
 HX_STATUS AddLoopPositions(PortVisit& visit, std::vector<RemotePort>* ports) {
     visit.query = "loop map";
@@ -76,7 +82,7 @@ HX_STATUS AddLoopPositions(PortVisit& visit, std::vector<RemotePort>* ports) {
     const size_t count = std::min<size_t>(map.count, sizeof map.alPa);
     for (RemotePort& port : *ports) {
         for (uint32_t i = 1; status == HXMGT_SUCCESS && i < count; ++i) {
-            if (map.alPa[i] == port.record.portId[2]) {
+            if (map.alPa[i] == LoopAddressOf(port.record)) {
                 port.loopPosition = i;
             }
         }

@@ -9,6 +9,8 @@
 
 namespace vxmgr {
 
+inline constexpr uint16_t kNoLoopId = 0xFFFF;
+
 struct RemotePort {
     HX_REMOTE_PORT record{};
     bool brief = false;  // from the port database of an older driver: names and addresses alone
