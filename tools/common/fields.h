@@ -78,6 +78,9 @@ constexpr FieldType Hexadecimal(uint8_t digits) {
 constexpr FieldType Choice(std::span<const char* const> choices) {
     return {.choices = choices};
 }
+constexpr FieldType Choices(std::span<const char* const> choices) {
+    return {.array = true, .choices = choices};
+}
 
 // A field without its source: what schemas and empty tables need.
 struct FieldShape {
@@ -120,6 +123,9 @@ inline Value ToValue(const FieldType& type, std::string text) {
     }
     return type.nullable || type.optional ? Value::TextOrNull(std::move(text))
                                           : Value::Text(std::move(text));
+}
+inline Value ToValue(const FieldType&, std::vector<std::string> texts) {
+    return Value::Texts(std::move(texts));
 }
 inline Value ToValue(const FieldType& type, const char* text) {
     return text != nullptr ? ToValue(type, std::string(text)) : Value();
@@ -209,6 +215,7 @@ class FieldRow {
                 record.AddGroup(shape.key, shape.label, fields.Make(*part));
             } else if (shape.type.nullable) {
                 record.Add(shape.key, "", Value());
+                record.Fields().back().prototype = {PrototypeOf(shape.children)};
             }
         };
     }

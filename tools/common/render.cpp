@@ -241,10 +241,11 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
                         Heading(field.label, style) + "\n" +
                         Sections(field.records.front(), indent + 2, width, style);
                 break;
-            case FieldKind::List:
-                text += (text.empty() ? "" : "\n") +
-                        Indented(ListText(field, Within(style, indent)), indent);
+            case FieldKind::List: {
+                const std::string list = ListText(field, Within(style, indent));
+                text += (text.empty() || list.empty() ? "" : "\n") + Indented(list, indent);
                 break;
+            }
             case FieldKind::Raw:
                 text += std::get<std::string>(field.value.Content());
                 break;

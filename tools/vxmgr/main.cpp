@@ -57,6 +57,7 @@ constexpr tools::HelpTopic kTopics[] = {
 
 constexpr tools::CommandGroup kGroups[] = {
     {"adapter", "adapters: the ports that share a serial number"},
+    {"adapter locate", "the LEDs that tell where an adapter is"},
     {"port", "Fibre Channel ports"},
     {"target", "targets that the ports' drivers know"},
     {"target speed", "rates at which frames go to targets"},
@@ -93,7 +94,10 @@ constexpr tools::Document kDocuments[] = {
 // The order of the help.
 constexpr tools::CommandRows (*kFiles[])() = {
     AdapterAndPortCommands,
+    LocateCommands,
     StatsCommands,
+    DatabaseCommands,
+    LockdownCommands,
     TargetCommands,
     TargetSpeedCommands,
     QosCommands,

@@ -30,6 +30,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/sfp/sfp_diagnostics.cpp
     tools/vxmgr/sfp/sfp_identity.cpp
     tools/vxmgr/ports/stats_counters.cpp
+    tools/vxmgr/ports/stats_fields.cpp
     tools/vxmgr/bindings/store_blocks.cpp
     tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/bindings/store_document.cpp
