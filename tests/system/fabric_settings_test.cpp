@@ -149,6 +149,8 @@ TEST_F(SystemFabricSettings, SignalsRegistersAndTheLinkTest) {
     Expect({
         {serdes, 0, "/lanes/3/lane", 3},
         {serdes, 0, "/lanes/0/tx_amplitude_mv", 800},
+        {write + " serdes:0 0x22=0xfffd", 0, "/previous", "0x00000000"},
+        {serdes, 0, "/lanes/0/dfe/1", "-3"},
         {"sfp serdes" + kOlderChip, 4},
         {read + " serdes 0x10", 0, "/value", "0x0320"},
         {write + " serdes:1 0x10=600 --dry-run", 0, "/previous", "0x00000320"},

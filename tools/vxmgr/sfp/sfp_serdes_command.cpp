@@ -13,7 +13,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::kInteger;
 using tools::Value;
 
 using Lane = HX_SERDES_LANE;
@@ -25,17 +24,13 @@ struct LaneRow {
     const Port* port = nullptr;
     std::optional<Lane> lane = std::nullopt;  // none: a port that failed
 
-    struct Tap {
-        size_t number;
-        int steps;
-    };
-    std::vector<Tap> Taps() const {
-        std::vector<Tap> taps;
+    std::vector<std::string> Taps() const {
+        std::vector<std::string> taps;
         if (lane) {
             int16_t steps[std::size(Lane{}.dfe)];
             std::memcpy(steps, lane->dfe, sizeof steps);
-            for (size_t tap = 0; tap < std::size(steps); ++tap) {
-                taps.push_back({tap + 1, steps[tap]});
+            for (const int step : steps) {
+                taps.push_back(std::to_string(step));
             }
         }
         return taps;
@@ -65,15 +60,10 @@ const tools::Fields<std::vector<LaneRow>>& SerdesFields() {
     const auto number = [](auto get) { return Of(&LaneRow::lane, get); };
     constexpr auto kMillivolts = tools::Integer("mV").OrNull();
     constexpr auto kTextOrNull = tools::kText.OrNull();
-    static const tools::Fields<LaneRow::Tap> kTap = {
-        {"tap", "Tap", kInteger, &LaneRow::Tap::number},
-        {"steps", "Steps", tools::kText,
-         [](const LaneRow::Tap& tap) { return StepsValue(tap.steps); }, kStepsAbout},
-    };
     static const tools::Fields<LaneRow> kLanes = {
         {PortKeys(), &LaneRow::port},
         {PortSerialAlias(), &LaneRow::port},
-        {"lane", "Lane", "LANE", kInteger.OrNull(), number(Packed<&Lane::lane>)},
+        {"lane", "Lane", "LANE", tools::kInteger.OrNull(), number(Packed<&Lane::lane>)},
         {"speed_gbit", "Speed", "SPEED", tools::Integer("Gbit/s").OrNull(),
          of([](const Lane& lane) { return SpeedValue(lane.speed); })},
         {"locked", "Locked", "LOCKED", tools::kFlag.OrNull(),
@@ -91,10 +81,11 @@ const tools::Fields<std::vector<LaneRow>>& SerdesFields() {
          of([](const Lane& lane) { return StepsValue(lane.txPost); }), kStepsAbout},
         {"eye_height_mv", "Eye height", "EYE HEIGHT", kMillivolts,
          number(Packed<&Lane::eyeHeight>)},
-        {"eye_width_mui", "Eye width", "EYE WIDTH", kInteger.OrNull(), of(EyeWidthValue),
+        {"eye_width_mui", "Eye width", "EYE WIDTH", tools::kInteger.OrNull(), of(EyeWidthValue),
          "1/1000 unit interval"},
         {"ctle_db", "Receive equaliser", "CTLE", kTextOrNull, of(CtleValue), "a decimal number"},
-        {"dfe", "Decision feedback equaliser", kTap, &LaneRow::Taps},
+        {"dfe", "Decision feedback equaliser", tools::FieldType{.array = true}, &LaneRow::Taps,
+         "decimal numbers: steps of each tap"},
         {PortStatus(), &LaneRow::port},
     };
     static const auto kFields = tools::ListOf<std::vector<LaneRow>>(
