@@ -75,7 +75,7 @@ TEST_F(SystemFabricSettings, SpeedsAndPrioritiesOfATarget) {
     // Ports that cannot tell do not spoil the list.
     Expect({{"qos get", 0, "/enabled", true}, {set + " none", 0, "/levels/2/luns", "2-254"}});
 
-    // What the driver says it did is not believed.
+    // A refusal changes nothing.
     Fault("scsi:3 --code SetLunQos --do status 6");
     Expect({{set + " high", 1}, {get, 0, "/levels/0/level", "none"}});
 }
