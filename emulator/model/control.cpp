@@ -3,6 +3,7 @@
 
 #include "model/bytes/bytes.h"
 #include "model/control_request.h"
+#include "model/health/counter_keys.h"
 #include "model/storage/flash_start.h"
 
 namespace vxemu {
@@ -107,8 +108,29 @@ Completion ControlRequest::ChangeField() {
     if (port == nullptr) {
         return refusal_;
     }
-    return Apply(FieldScope::Port, request.change, port->profile) ||
-                   Apply(FieldScope::Adapter, request.change, port->adapter)
+    const bool linkBefore = port->LinkUp();
+    const bool applied = Apply(FieldScope::Port, request.change, port->profile) ||
+                         Apply(FieldScope::Adapter, request.change, port->adapter);
+    if (port->LinkUp() != linkBefore) {
+        NoteLink(*port);
+    }
+    return applied ? ReplyCount(1) : Completion::ShortBuffer;
+}
+
+Completion ControlRequest::Raise() {
+    CounterRequest request;
+    Port* port = TakeFor(request);
+    if (port == nullptr) {
+        return refusal_;
+    }
+    constexpr TargetSelector kItself = {};
+    const bool remote = std::memcmp(&request.target, &kItself, sizeof kItself) != 0;
+    const TargetProfile* device = remote ? FindTarget(request.target) : nullptr;
+    if (remote && device == nullptr) {
+        return refusal_;
+    }
+    const CounterKey* counter = FindCounter(request.key, sizeof request.key);
+    return counter != nullptr && RaiseCounter(*port, device, *counter, request.n)
                ? ReplyCount(1)
                : Completion::ShortBuffer;
 }
@@ -198,6 +220,7 @@ constexpr ControlRow kControlRows[] = {
     {control::kFlashDump, &ControlRequest::DumpFlash},
     {control::kFlashCorrupt, &ControlRequest::CorruptFlash},
     {control::kPowerFail, &ControlRequest::FailPower},
+    {control::kRaiseCounter, &ControlRequest::Raise},
 };
 
 }  // namespace

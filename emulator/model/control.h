@@ -14,7 +14,7 @@
 namespace vxemu {
 
 inline constexpr char kControlDeviceName[] = "vxemu";
-inline constexpr uint32_t kControlVersion = 3;  // raised with every change of a record
+inline constexpr uint32_t kControlVersion = 4;  // raised with every change of a record
 
 // A control code as the operating system builds it: unknown device type, read access for what
 // only asks and read and write access for what changes something, buffered.
@@ -42,6 +42,7 @@ inline constexpr uint32_t kLunRemove = ControlCode(26, true);  // LunSelector / 
 inline constexpr uint32_t kLunSet = ControlCode(27, true);     // LunFieldRequest / ChangeReply
 inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);  // FlashSelector / CountReply
 inline constexpr uint32_t kPowerFail = ControlCode(29, true);     // PowerFailRequest / -
+inline constexpr uint32_t kRaiseCounter = ControlCode(30, true);  // CounterRequest / CountReply
 }  // namespace control
 
 #pragma pack(push, 1)
@@ -135,6 +136,16 @@ struct TargetFieldRequest {
     FieldChange change;
 };
 static_assert(sizeof(TargetFieldRequest) == 140);
+
+// A counter of counter_keys.h.
+struct CounterRequest {
+    uint32_t scsiPort;
+    uint32_t reserved;
+    TargetSelector target;  // zero: the port itself
+    char key[32];
+    uint64_t n;
+};
+static_assert(sizeof(CounterRequest) == 56);
 
 struct LunSelector {
     TargetSelector target;

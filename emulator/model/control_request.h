@@ -40,6 +40,7 @@ class ControlRequest {
     Completion DumpFlash();
     Completion CorruptFlash();
     Completion FailPower();
+    Completion Raise();
 
   private:
     static void Describe(const Port& port, PortStatus& status) {
@@ -87,9 +88,10 @@ class ControlRequest {
     template <typename Record>
     TargetProfile* TakeForTarget(Record& record, const TargetSelector& selector) {
         refusal_ = Completion::ShortBuffer;
-        if (!Take(record)) {
-            return nullptr;
-        }
+        return Take(record) ? FindTarget(selector) : nullptr;
+    }
+
+    TargetProfile* FindTarget(const TargetSelector& selector) {
         for (uint32_t at = 0; at < model_.profile_->targetCount; ++at) {
             TargetProfile& target = model_.profile_->targets[at];
             if (std::memcmp(target.portName, selector.portName, sizeof target.portName) == 0) {

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "model/handlers.h"
+#include "model/health/mailbox_commands.h"
 #include "passthru/diagnostic_records.h"
 #include "properties/chip_families.h"
 
@@ -12,9 +13,8 @@ using transport::DriverStatus;
 namespace command = transport::command;
 using enum RequestFlags;
 
-constexpr uint16_t kComplete = 0x4000;
-constexpr uint16_t kInvalidCommand = 0x4001;
-constexpr uint16_t kBadParameter = 0x4006;
+constexpr auto kComplete = static_cast<uint16_t>(MailboxCompletion::Done);
+constexpr auto kBadParameter = static_cast<uint16_t>(MailboxCompletion::BadParameter);
 
 // Damages the first bytes of an echo, as many as the port is told to.
 uint16_t DamageEcho(const Port& port, uint8_t* echo, uint32_t length) {
@@ -42,32 +42,36 @@ DriverStatus DportTest(Exchange& exchange, uint32_t length) {
     }
     const bool running = StartsDport(port);
     exchange.StartReply(length);
-    // Test state, phase and number of tests, then a byte per lane and test.
+    // Test state, how far it went and number of tests, then a byte per lane and test: 0 is good.
     const uint16_t head[3] = {static_cast<uint16_t>(running ? 1 : 2), 4, 1};
     exchange.Put(0, head, sizeof head);
     if (running) {
         return DriverStatus::TestRunning;
     }
     constexpr uint32_t kLanes = 8;
-    for (uint32_t at = 0; at < kDportResults - kLanes; ++at) {
-        const auto value = static_cast<uint8_t>(at % 16);
-        exchange.Put(kLanes + at, &value, sizeof value);
+    const uint32_t wrong = port.profile->loopbackErrors;
+    for (uint32_t at = 0; at < wrong && at < kDportResults - kLanes; ++at) {
+        constexpr uint8_t kLaneFailed = 1;
+        exchange.Put(kLanes + at, &kLaneFailed, sizeof kLaneFailed);
     }
     return DriverStatus::Success;
 }
 
 using Registers = passthru::MailboxRequest;
 
-void DoNothing(const Port&, Registers&) {}
+MailboxCompletion DoNothing(Port&, Registers&) {
+    return MailboxCompletion::Done;
+}
 
 // All input registers but the command come back.
-void EchoRegisters(const Port&, Registers& registers) {
+MailboxCompletion EchoRegisters(Port&, Registers& registers) {
     for (uint32_t at = 1; at < passthru::kMailboxIn; ++at) {
         registers.out[at] = registers.in[at];
     }
+    return MailboxCompletion::Done;
 }
 
-void AboutFirmware(const Port& port, Registers& registers) {
+MailboxCompletion AboutFirmware(Port& port, Registers& registers) {
     uint16_t* out = registers.out + 1;
     for (const char* at = port.adapter->firmwareVersion; *at != 0 && out < registers.out + 4;
          ++at) {
@@ -77,17 +81,33 @@ void AboutFirmware(const Port& port, Registers& registers) {
             ++out;
         }
     }
+    return MailboxCompletion::Done;
 }
 
-struct MailboxRow {
-    uint16_t command;
-    void (*run)(const Port& port, Registers& registers);
+constexpr MailboxRow kBasicCommands[] = {
+    {0x00, properties::ChipTrait::None, DoNothing},
+    {0x06, properties::ChipTrait::None, EchoRegisters},
+    {0x08, properties::ChipTrait::None, AboutFirmware},
 };
-constexpr MailboxRow kMailboxCommands[] = {
-    {0x00, DoNothing},
-    {0x06, EchoRegisters},
-    {0x08, AboutFirmware},
+
+constexpr std::span<const MailboxRow> (*kMailboxFiles[])() = {
+    BasicMailboxCommands,
+    TemperatureMailboxCommands,
+    RegisterMailboxCommands,
 };
+
+MailboxCompletion RunMailboxCommand(Port& port, Registers& registers) {
+    const properties::Chip chip = properties::ChipOf(port.adapter->deviceId);
+    for (const auto rows : kMailboxFiles) {
+        for (const MailboxRow& row : rows()) {
+            if (row.command == registers.in[0] &&
+                (row.chips == properties::ChipTrait::None || chip.Has(row.chips))) {
+                return row.run(port, registers);
+            }
+        }
+    }
+    return MailboxCompletion::InvalidCommand;
+}
 
 DriverStatus Loopback(Exchange& exchange) {
     passthru::LoopbackRequest request;
@@ -151,16 +171,15 @@ DriverStatus Mailbox(Exchange& exchange) {
         registers.inCount > passthru::kMailboxIn || registers.outCount > passthru::kMailboxOut) {
         return DriverStatus::InvalidParameter;
     }
+    Port& port = exchange.GetPort();
+    HX_PRIVATE_STATISTICS& counted = port.privateCounts.counted;
     std::memset(registers.out, 0, sizeof registers.out);
-    registers.out[0] = kInvalidCommand;
-    for (const MailboxRow& row : kMailboxCommands) {
-        if (row.command == registers.in[0]) {
-            registers.out[0] = kComplete;
-            row.run(exchange.GetPort(), registers);
-        }
-    }
+    const MailboxCompletion completion = RunMailboxCommand(port, registers);
+    registers.out[0] = static_cast<uint16_t>(completion);
     exchange.Reply(registers);
-    if (registers.out[0] != kComplete) {
+    ++counted.mailboxCommands;
+    if (completion != MailboxCompletion::Done) {
+        ++counted.mailboxFailures;
         exchange.SetDetail(registers.out[0]);
         return DriverStatus::MailboxFailed;
     }
@@ -184,6 +203,10 @@ constexpr PlainRow kPlainRequests[] = {
 };
 
 }  // namespace
+
+std::span<const MailboxRow> BasicMailboxCommands() {
+    return kBasicCommands;
+}
 
 RequestRows DiagnosticRequests() {
     return {.extended = kRequests, .plain = kPlainRequests};

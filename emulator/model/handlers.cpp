@@ -6,10 +6,13 @@ namespace {
 using transport::DriverStatus;
 
 constexpr RequestRows (*kFiles[])() = {
-    NodeRequests, PortRequests,      EventRequests,        DeviceRequests,      BindingRequests,
-    ScsiRequests, FabricRequests,    StatisticsRequests,   ManagementRequests,  DiagnosticRequests,
-    DumpRequests, FlashRequests,     FlashControlRequests, SecureFlashRequests, NvramRequests,
-    SfpRequests,  CompanionRequests, LegacyRequests,
+    NodeRequests,        PortRequests,  EventRequests,        DeviceRequests,
+    BindingRequests,     ScsiRequests,  FabricRequests,       StatisticsRequests,
+    DestinationRequests, ScmRequests,   PrivateRequests,      CreditRecoveryRequests,
+    SerdesRequests,      LoopRequests,  RemotePortRequests,   TargetSettingRequests,
+    VirtualPortRequests, NvmeRequests,  ManagementRequests,   DiagnosticRequests,
+    DumpRequests,        FlashRequests, FlashControlRequests, SecureFlashRequests,
+    NvramRequests,       SfpRequests,   CompanionRequests,    LegacyRequests,
 };
 
 bool Matches(const ExtendedRow& row, uint32_t code, uint16_t subCode) {

@@ -53,6 +53,16 @@ RequestRows BindingRequests();
 RequestRows ScsiRequests();
 RequestRows FabricRequests();
 RequestRows StatisticsRequests();
+RequestRows DestinationRequests();
+RequestRows ScmRequests();
+RequestRows PrivateRequests();
+RequestRows CreditRecoveryRequests();
+RequestRows SerdesRequests();
+RequestRows LoopRequests();
+RequestRows RemotePortRequests();
+RequestRows TargetSettingRequests();
+RequestRows VirtualPortRequests();
+RequestRows NvmeRequests();
 RequestRows ManagementRequests();
 RequestRows DiagnosticRequests();
 RequestRows DumpRequests();
@@ -80,7 +90,8 @@ bool IsPlainCode(uint32_t code);
 // Whether a request in either form, to a driver of either generation, stays within its port.
 bool StaysWithinPort(uint32_t code, uint16_t subCode);
 
-// Items of the legacy query that stand with the NVRAM.
+// Items of the legacy query that stand with the loop, and with the NVRAM.
+void LegacyPositionalMap(Exchange& exchange, const transport::SelectorRecord& selector);
 void LegacyNvramSettings(Exchange& exchange, const transport::SelectorRecord& selector);
 void LegacyNvramTail(Exchange& exchange, const transport::SelectorRecord& selector);
 

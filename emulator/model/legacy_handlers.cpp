@@ -10,6 +10,7 @@
 #include "persist/driver_records.h"
 #include "properties/chip_families.h"
 #include "properties/driver_replies.h"
+#include "statistics/fabric_records.h"
 #include "statistics/statistics_records.h"
 
 namespace vxemu {
@@ -142,6 +143,7 @@ constexpr SelectorRow kSelectors[] = {
     {static_cast<uint32_t>(flash::LegacyNvramSelector::Tail), LegacyNvramTail},
     {static_cast<uint32_t>(LegacySelector::ChipIdentity), ChipIdentity},
     {static_cast<uint32_t>(statistics::LegacyStatisticsSelector::Statistics), Statistics},
+    {static_cast<uint32_t>(statistics::LegacyMapSelector::PositionalMap), LegacyPositionalMap},
 };
 
 uint8_t PortType(Topology topology) {

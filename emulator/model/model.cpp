@@ -4,6 +4,9 @@
 
 #include "model/exchange.h"
 #include "model/handlers.h"
+#include "model/health/private_counters.h"
+#include "model/health/serdes.h"
+#include "model/statistics.h"
 #include "transport/ext_ioctl.h"
 
 namespace vxemu {
@@ -68,11 +71,16 @@ Model* Model::Create(const Host& host, const Profile& profile) {
         static_cast<Port*>(host.allocate(host.context, profile.portCount * sizeof(Port)));
     model->attachments_ = static_cast<Attachment*>(
         host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Attachment)));
+    model->peers_ = static_cast<Peer*>(
+        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Peer)));
+    model->boards_ =
+        static_cast<Board*>(host.allocate(host.context, profile.adapterCount * sizeof(Board)));
     model->origin_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
     model->flashes_ =
         static_cast<Flash*>(host.allocate(host.context, profile.adapterCount * sizeof(Flash)));
     if (model->profile_ == nullptr || model->ports_ == nullptr || model->attachments_ == nullptr ||
-        model->origin_ == nullptr || model->flashes_ == nullptr) {
+        model->peers_ == nullptr || model->boards_ == nullptr || model->origin_ == nullptr ||
+        model->flashes_ == nullptr) {
         Destroy(model);
         return nullptr;
     }
@@ -89,11 +97,17 @@ Model* Model::Create(const Host& host, const Profile& profile) {
         port.initialState = port.profile->state;
         port.fabric = &model->fabric_;
         port.attachments = model->attachments_ + index * kMaxTargets;
-        port.statisticsReset = host.Now();
+        port.peers = model->peers_ + index * kMaxTargets;
+        port.board = &model->boards_[port.profile->adapter];
     }
     model->fabric_.host = host;
     model->fabric_.profile = model->profile_;
     model->fabric_.ports = model->ports_;
+    for (uint32_t index = 0; index < profile.portCount; ++index) {
+        StartCounters(model->ports_[index]);
+        StartSignals(model->ports_[index]);
+        NoteLink(model->ports_[index]);
+    }
     StartAttachments(model->fabric_);
     model->startTime_ = host.Now();
     return model;
@@ -120,6 +134,8 @@ void Model::Destroy(Model* model) {
     }
     release(model->flashes_);
     release(model->origin_);
+    release(model->boards_);
+    release(model->peers_);
     release(model->attachments_);
     release(model->ports_);
     release(model->profile_);
@@ -191,6 +207,7 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
         [&] { return faults_.Match(target.profile->scsiPort, srb.controlCode, subCode); });
     if (fault.kind != FaultKind::None) {
         ++target.faults;
+        CountFault(target, fault);
     }
     if (fault.kind == FaultKind::Busy) {
         return Completion::Busy;
@@ -201,6 +218,7 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
     const Completion completion =
         plain ? AnswerPlain(target, buffer, inputLength, outputLength, fault, returned)
               : AnswerExtended(target, buffer, inputLength, outputLength, fault, returned);
+    CountTime(target);
     if (target.flash->withoutPower) {
         *returned = 0;
         return Completion::NoDevice;

@@ -82,6 +82,8 @@ class Model {
     Profile* profile_;
     Port* ports_;  // one per port of the profile
     Attachment* attachments_;
+    Peer* peers_;
+    Board* boards_;    // one per adapter of the profile
     Profile* origin_;  // as it was given: what the flash holds until it is written to
     Flash* flashes_;   // one per adapter of the profile
     Fabric fabric_;

@@ -4,6 +4,7 @@
 #include "model/bytes/bytes.h"
 #include "model/bytes/pci_header.h"
 #include "model/handlers.h"
+#include "model/health/beacon.h"
 #include "model/node_flags.h"
 #include "properties/chip_families.h"
 #include "properties/driver_replies.h"
@@ -26,6 +27,15 @@ uint16_t GenerationOf(uint16_t deviceId) {
 DriverStatus NodeProperties(Exchange& exchange) {
     Port& port = exchange.GetPort();
     const AdapterProfile& adapter = *port.adapter;
+    BeaconPart beacon;
+    const bool asksForBeacon =
+        adapter.generation == DriverGeneration::Extended && ReadBeacon(exchange, beacon);
+    if (asksForBeacon) {
+        if (const DriverStatus status = AnswerBeacon(port, beacon);
+            status != DriverStatus::Success) {
+            return status;
+        }
+    }
     if (exchange.Ext().resyncFlag != 0) {
         ++port.resyncs;
     }
@@ -51,6 +61,9 @@ DriverStatus NodeProperties(Exchange& exchange) {
     reply.firmwareAttributes = adapter.firmwareAttributes;
     reply.flags = adapter.nodeFlags;
     exchange.Reply(reply);
+    if (asksForBeacon) {
+        PutBeacon(exchange, beacon);
+    }
     return DriverStatus::Success;
 }
 

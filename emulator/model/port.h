@@ -3,8 +3,10 @@
 
 #include <cstdint>
 
+#include "hxfabric.h"
 #include "hxstatistics.h"
 #include "model/event_queue.h"
+#include "model/health/port_health.h"
 #include "model/profile/profile.h"
 
 namespace vxemu {
@@ -27,12 +29,23 @@ struct Attachment {
     uint16_t loopId;  // bit 0 is not used: it says whether the device is there
 };
 
+// What a port has counted about a device of the fabric, and what management has set for it.
+struct Peer {
+    HX_PORT_STATISTICS_V2 counted;  // as far as it does not follow from the device
+    HX_FPIN_COUNTERS fpins;         // about the device
+    uint64_t lastFpin;              // when, 0 = never
+    uint64_t since;                 // when the device came or went
+    uint16_t speed;                 // HX_SPEED_..., 0 = as negotiated
+    uint8_t levels[HX_QOS_LUNS];    // HX_QOS_...
+};
+
 // A block of these comes zeroed from the host; zero is the state before the first request.
 struct Port {
     AdapterProfile* adapter;  // both inside the model's own profile
     PortProfile* profile;
     Fabric* fabric;           // what the port is connected to
     Attachment* attachments;  // one per target of the profile, kMaxTargets of them
+    Peer* peers;              // the same
     PortState initialState;   // what a reset returns to
     EventQueue events;
     uint64_t requests;
@@ -42,7 +55,15 @@ struct Port {
     uint32_t dumpsForced;
     uint64_t statisticsReset;  // when, and how many requests there had been
     uint64_t requestsBefore;
-    uint32_t linkLosses;  // since the statistics were reset
+    HX_PORT_STATISTICS_V2 counted;  // since then, as far as it does not follow from them
+    uint32_t linkUps;               // since the driver started
+    uint64_t linkSince;             // when the link came up or went down
+    CongestionState congestion;
+    PrivateCounts privateCounts;
+    CreditRecoveryCounts creditRecovery;
+    Beacon beacon;
+    Signals signals;
+    Board* board;  // of the adapter, shared by its ports
     HX_MGMT_ADDRESS_SETTING managementAddress;
     bool managementAddressSet;  // else the port still has the address it starts with
     uint8_t dportRunning;       // a D-port test has begun and its results were not fetched
@@ -60,6 +81,9 @@ struct Port {
 
 // Changes the link and queues the event that goes with the change; nothing when it is already so.
 void SetLink(Port& port, bool up);
+
+// To be told of a link that has come up or gone down.
+void NoteLink(Port& port);
 
 // Back to the state after the start: link as the profile has it, no events, delivery off.
 void ResetPort(Port& port);

@@ -29,6 +29,19 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/storage/flash_report.cpp
     emulator/model/storage/flash_secure_handlers.cpp
     emulator/model/storage/flash_start.cpp
+    emulator/model/fabric/loop_map.cpp
+    emulator/model/fabric/nvme.cpp
+    emulator/model/fabric/remote_ports.cpp
+    emulator/model/fabric/target_settings.cpp
+    emulator/model/fabric/virtual_ports.cpp
+    emulator/model/health/beacon.cpp
+    emulator/model/health/counter_keys.cpp
+    emulator/model/health/credit_recovery.cpp
+    emulator/model/health/destination_counters.cpp
+    emulator/model/health/private_counters.cpp
+    emulator/model/health/scm.cpp
+    emulator/model/health/serdes.cpp
+    emulator/model/health/temperature.cpp
     emulator/model/handlers.cpp
     emulator/model/legacy_handlers.cpp
     emulator/model/management_handlers.cpp

@@ -7,11 +7,11 @@ using namespace support;
 
 enum class Chips { Any, Newer, Newest };
 
-uint8_t anyBytes[8192];
+uint8_t callerMemory[8192];
 template <typename Record>
 Record* Room() {
-    memset(anyBytes, 0, sizeof anyBytes);
-    return reinterpret_cast<Record*>(anyBytes);
+    memset(callerMemory, 0, sizeof callerMemory);
+    return reinterpret_cast<Record*>(callerMemory);
 }
 uint32_t* Count() {
     static uint32_t count;

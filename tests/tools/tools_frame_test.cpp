@@ -259,6 +259,33 @@ TEST(ToolsRender, ListsInsideAnObjectAreCarriedOn) {
               "NAME  QUANTITY  VALUE\na     power         7\n");
 }
 
+TEST(ToolsRender, ListsInsideTheElementsMakeOneTable) {
+    Record inner;
+    inner.Add("id", "Id", Value(), "ID");
+    const auto element = [&](const char* name, std::vector<Record> ids) {
+        Record row;
+        row.Add("name", "Name", Value::Text(name), "NAME").Add("unseen", "Unseen", Value());
+        row.AddList("ids", "", ListLayout::Table, inner, "", std::move(ids));
+        return row;
+    };
+    const auto of = [](uint64_t id) {
+        Record row;
+        row.Add("id", "Id", Value::Number(id), "ID");
+        return row;
+    };
+    const auto shown = [&](std::vector<Record> elements) {
+        Record result;
+        result.AddList("rows", "", ListLayout::Inner, element("", {}), "No rows.",
+                       std::move(elements));
+        Redactor open(false);
+        const RenderStyle style{false, &open};
+        return RenderText(result, style) + "/" + RenderTable(result, style);
+    };
+    const std::string rows = "NAME  ID\na      1\na      2\nb     -\n";
+    EXPECT_EQ(shown({element("a", {of(1), of(2)}), element("b", {})}), rows + "/" + rows);
+    EXPECT_EQ(shown({}), "No rows.\n/NAME\n");
+}
+
 TEST(ToolsRender, TablesShortenThemselvesToTheConsole) {
     Redactor open(false);
     Record prototype;

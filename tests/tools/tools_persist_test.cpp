@@ -14,6 +14,7 @@
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_difference.h"
 #include "vxmgr/bindings/store_document.h"
+#include "vxmgr/targets/qos_levels.h"
 #include "vxmgr/targets/target_luns.h"
 
 namespace {
@@ -110,6 +111,29 @@ TEST(ToolsLuns, RunsJoinWhatLooksTheSame) {
     ASSERT_EQ(blind.size(), 1u);
     EXPECT_EQ(blind[0].luns.last, 2047u);
     EXPECT_FALSE(blind[0].seen || blind[0].maskedStored);
+}
+
+TEST(ToolsLuns, PrioritiesByNameAndInRuns) {
+    EXPECT_EQ(ParseQosLevel("none"), 0);
+    EXPECT_EQ(ParseQosLevel("High"), 3);
+    EXPECT_EQ(ParseQosLevel("0x2"), 2);
+    for (const char* wrong : {"", "4", "-1", "highest", "256"}) {
+        EXPECT_FALSE(ParseQosLevel(wrong)) << wrong;
+    }
+    HX_LUN_QOS before{};
+    HX_LUN_QOS now{};
+    now.levels[0] = now.levels[1] = now.levels[255] = 3;
+    before.levels[1] = 3;
+    const auto text = [](const std::vector<QosRun>& runs) {
+        std::string all;
+        for (const QosRun& run : runs) {
+            all += RangeText(run.luns) + "=" + std::to_string(run.level) +
+                   (run.before ? "<" + std::to_string(*run.before) : "") + " ";
+        }
+        return all;
+    };
+    EXPECT_EQ(text(QosRuns(now, nullptr)), "0-1=3 2-254=0 255=3 ");
+    EXPECT_EQ(text(QosRuns(now, &before)), "0=3<0 1=3<3 2-254=0<0 255=3<0 ");
 }
 
 TEST(ToolsBindings, HolesAreFilledAndFullIsFull) {

@@ -6,6 +6,8 @@
 
 #include "support/shown.h"
 #include "vxmgr/app/size_text.h"
+#include "vxmgr/diag/dport_results.h"
+#include "vxmgr/diag/register_space.h"
 #include "vxmgr/fabric/fc_ct.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/scsi_inquiry.h"
@@ -191,6 +193,74 @@ TEST(ToolsTarget, EveryNotationAndNothingElse) {
     for (const char* wrong : {"", " ", "1", "1 2", "12 3", "0x12", "12,13", "zz"}) {
         EXPECT_FALSE(ParseHex(wrong, &bytes)) << wrong;
     }
+}
+
+TEST(ToolsRegisters, SpacesWithinTheirLimits) {
+    // The space as it is told, and what else it takes of "ADDRESS=VALUE".
+    const struct {
+        const char* space;
+        const char* text;
+        const char* good;
+        const char* wrong;
+    } kRows[] = {
+        {"serdes", "serdes", "0xffff=0xffff", "0x10000=1"},
+        {"serdes", "serdes", "0=0", "0=0x10000"},
+        {"serdes:3", "serdes:3", "0xffffffff=0xffffffff", "0=0x100000000"},
+        {"retimer", "retimer:0x18", "0x100=0xff", "0=0x100"},
+        {"retimer:127", "retimer:0x7f", "65535=0", "65536=0"},
+    };
+    RegisterSpace space;
+    RegisterChoice choice;
+    std::string error;
+    for (const auto& row : kRows) {
+        ASSERT_TRUE(ParseRegisterSpace(row.space, &space, &error)) << row.space << error;
+        EXPECT_EQ(space.Text(), row.text);
+        EXPECT_TRUE(ParseRegister(row.good, space, true, &choice, &error)) << row.good << error;
+        EXPECT_TRUE(choice.value);
+        EXPECT_FALSE(ParseRegister(row.wrong, space, true, &choice, &error)) << row.wrong;
+    }
+    for (const char* wrong : {"", "serde", "serdes:", "serdes:65536", "retimer:128", "retimer:x"}) {
+        error.clear();
+        EXPECT_FALSE(ParseRegisterSpace(wrong, &space, &error)) << wrong;
+        EXPECT_FALSE(error.empty()) << wrong;
+    }
+    ASSERT_TRUE(ParseRegisterSpace("serdes", &space, &error));
+    ASSERT_TRUE(ParseRegister("0x10", space, false, &choice, &error));
+    EXPECT_EQ(choice.address, 0x10u);
+    EXPECT_FALSE(choice.value);
+    EXPECT_FALSE(ParseRegister("0x10=1", space, false, &choice, &error));
+    for (const char* wrong : {"0x10", "0x10=", "=1", "", "1=2=3"}) {
+        EXPECT_FALSE(ParseRegister(wrong, space, true, &choice, &error)) << wrong;
+    }
+}
+
+TEST(ToolsDport, WordsOfTheResults) {
+    HX_DPORT_RESULT_EX2 result{};
+    const auto shown = [&](const char* key) {
+        return Shown(DportOutcomeFields().Make(DecodeDport(result)), key);
+    };
+    const auto put = [&](size_t at, uint8_t value) { result.bytes[at] = value; };
+    put(0, 2);
+    put(2, 4);
+    put(4, 1);
+    EXPECT_EQ(shown("state"), "complete");
+    EXPECT_EQ(shown("hop"), "whole link");
+    EXPECT_EQ(shown("tests"), "1");
+    EXPECT_EQ(shown("verdict"), "passed");
+    put(8, 1);
+    put(1087, 9);
+    EXPECT_EQ(shown("verdict"), "failed");
+    ASSERT_EQ(DecodeDport(result).failed.size(), 2u);
+    EXPECT_EQ(DecodeDport(result).failed[1].place, 1079u);
+    put(2, 5);
+    EXPECT_EQ(shown("hop"), "-");
+    EXPECT_EQ(shown("hop_word"), "0x0005");
+    put(0, 1);
+    EXPECT_EQ(shown("state"), "running");
+    EXPECT_EQ(shown("verdict"), "-");
+    put(0, 3);
+    EXPECT_EQ(shown("state"), "-");
+    EXPECT_EQ(shown("verdict"), "-");
 }
 
 TEST(ToolsCt, RequestsAndAnswers) {

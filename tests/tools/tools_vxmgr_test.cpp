@@ -99,6 +99,18 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
         {std::string("target list --json") + kNone, "vxmgr.target.list", 3},
         {"target show -t id: --json", "vxmgr.target.show", 2},
         {std::string("target luns --json") + kNone, "vxmgr.target.luns", 3},
+        {std::string("target speed get --json") + kNone, "vxmgr.target.speed", 3},
+        {"target speed set 16 --json", "vxmgr.target.speed", 2},
+        {"target speed set 3 -t 0:0 --json", "vxmgr.target.speed", 2},
+        {std::string("qos get --json") + kNone, "vxmgr.qos", 3},
+        {"qos set highest -t 0:0 --json", "vxmgr.qos", 2},
+        {"qos set high --luns 0-256 -t 0:0 --json", "vxmgr.qos", 4},
+        {std::string("npiv list --json") + kNone, "vxmgr.npiv.list", 3},
+        {std::string("nvme list --json") + kNone, "vxmgr.nvme.list", 3},
+        {std::string("sfp serdes --json") + kNone, "vxmgr.sfp.serdes", 3},
+        {std::string("diag register read serdes 1 --json") + kNone, "vxmgr.diag.register", 3},
+        {"diag register read retimer:128 1 --json", "vxmgr.diag.register", 2},
+        {"diag register write serdes 1 --json", "vxmgr.diag.register", 2},
         {std::string("port stats --json") + kNone, "vxmgr.port.stats", 3},
         {std::string("port stats --delta --json") + kNone, "vxmgr.port.stats", 3},
         {std::string("port stats clear --json") + kNone, "vxmgr.port.stats.clear", 3},
@@ -151,9 +163,12 @@ TEST_F(VxmgrTest, EveryEndIsOneDocument) {
 
 TEST_F(VxmgrTest, ListsAreDocumentsWhateverTheMachineHas) {
     for (const char* arguments :
-         {"adapter list", "adapter show", "port list", "port show", "driver show", "target list",
-          "target show", "target luns", "bind list", "bind stores", "lunmask show", "port stats",
-          "map target all", "hbaapi list", "hbaapi show"}) {
+         {"adapter list",   "adapter show", "port list",    "port show",
+          "driver show",    "target list",  "target show",  "target luns",
+          "bind list",      "bind stores",  "lunmask show", "port stats",
+          "map target all", "hbaapi list",  "hbaapi show",  "target speed get",
+          "qos get",        "npiv list",    "nvme list",    "nvme list --namespaces",
+          "sfp serdes"}) {
         const json document = Document(std::string(arguments) + " --json");
         EXPECT_TRUE(document["result"].is_object()) << arguments;
 

@@ -4,6 +4,7 @@
 
 #include "flatten.h"
 #include "redaction.h"
+#include "text.h"
 
 namespace tools {
 namespace {
@@ -30,6 +31,9 @@ std::string CsvValues(const std::vector<FlatField>& fields, Redactor& redactor) 
         std::string operator()(bool flag) const { return flag ? "true" : "false"; }
         std::string operator()(uint64_t number) const { return std::to_string(number); }
         std::string operator()(const std::string& text) const { return text; }
+        std::string operator()(const std::vector<std::string>& texts) const {
+            return TextsJoined(texts, ",");
+        }
     };
     std::vector<std::string> cells;
     for (const FlatField& flat : fields) {

@@ -14,8 +14,9 @@ Json ObjectOf(const Shape& shape);
 Json SchemaOf(FieldType type) {
     Json schema = Json::object();
     if (type.array) {
-        type.array = false;
-        return {{"type", "array"}, {"items", SchemaOf(type)}};
+        const Json name = type.nullable ? Json({"array", "null"}) : Json("array");
+        type.array = type.nullable = false;
+        return {{"type", name}, {"items", SchemaOf(type)}};
     }
     if (!type.choices.empty() || !type.numbers.empty()) {
         schema["enum"] = type.choices.empty() ? Json(type.numbers) : Json(type.choices);

@@ -80,6 +80,9 @@ constexpr FieldType Hexadecimal(uint8_t digits) {
 constexpr FieldType Choice(std::span<const char* const> choices) {
     return {.choices = choices};
 }
+constexpr FieldType Choices(std::span<const char* const> choices) {
+    return {.array = true, .choices = choices};
+}
 
 // A field without its source: what schemas and empty tables need.
 struct FieldShape {
@@ -122,6 +125,9 @@ inline Value ToValue(const FieldType& type, std::string text) {
     }
     return type.nullable || type.optional ? Value::TextOrNull(std::move(text))
                                           : Value::Text(std::move(text));
+}
+inline Value ToValue(const FieldType&, std::vector<std::string> texts) {
+    return Value::Texts(std::move(texts));
 }
 inline Value ToValue(const FieldType& type, const char* text) {
     return text != nullptr ? ToValue(type, std::string(text)) : Value();
@@ -323,6 +329,7 @@ class FieldRow : public AnyFieldRow {
                             row.Table<Part>().Make(*part));
         } else if (row.OwnShape().type.nullable) {
             record.Add(row.OwnShape().key, "", Value());
+            record.Fields().back().prototype = {PrototypeOf(row.OwnShape().children)};
         }
     }
 

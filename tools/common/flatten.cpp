@@ -44,7 +44,9 @@ void FlattenList(const Field& list, const std::string& prefix, std::vector<FlatF
 void FlattenInto(const Record& record, const std::string& prefix, bool spread,
                  std::vector<FlatField>& into) {
     for (const Field& field : record.Fields()) {
-        if (field.kind == FieldKind::Value || field.kind == FieldKind::Raw) {
+        if (field.kind == FieldKind::Value && !field.prototype.empty()) {
+            FlattenInto(field.prototype.front(), prefix + field.key + "_", spread, into);
+        } else if (field.kind == FieldKind::Value || field.kind == FieldKind::Raw) {
             into.push_back({prefix + field.key, &field});
         } else if (field.kind == FieldKind::Group) {
             FlattenInto(field.records.front(), prefix + field.key + "_", spread, into);

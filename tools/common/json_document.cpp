@@ -21,6 +21,13 @@ struct ToJson {
     Json operator()(std::monostate) const { return nullptr; }
     Json operator()(bool flag) const { return flag; }
     Json operator()(uint64_t number) const { return number; }
+    Json operator()(const std::vector<std::string>& texts) const {
+        Json array = Json::array();
+        for (const std::string& text : texts) {
+            array.push_back(redactor.Clean(text));
+        }
+        return array;
+    }
     Json operator()(const std::string& text) const {
         return value.SecretOf() == Secret::None ? redactor.Clean(text)
                                                 : redactor.Mask(value.SecretOf(), text);

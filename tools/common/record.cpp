@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "text.h"
+
 namespace tools {
 
 Value Value::Text(std::string text) {
@@ -30,6 +32,13 @@ Value Value::Flag(bool flag) {
     Value value;
     value.data_ = flag;
     value.shown_ = flag ? "yes" : "no";
+    return value;
+}
+
+Value Value::Texts(std::vector<std::string> texts) {
+    Value value;
+    value.shown_ = texts.empty() ? "-" : TextsJoined(texts, ",");
+    value.data_ = std::move(texts);
     return value;
 }
 

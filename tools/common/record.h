@@ -25,6 +25,7 @@ class Value {
     static Value TextOrNull(std::string text);  // null when empty
     static Value Number(uint64_t number, std::string_view unit = {});
     static Value Flag(bool flag);
+    static Value Texts(std::vector<std::string> texts);
     static Value Name(const tools::Wwn& wwn);
     static Value Serial(std::string serial);
 
@@ -32,7 +33,8 @@ class Value {
     Value&& Shown(std::string text) &&;
     Value&& In(Tone tone) &&;
 
-    using Data = std::variant<std::monostate, bool, uint64_t, std::string>;
+    using Data =
+        std::variant<std::monostate, bool, uint64_t, std::string, std::vector<std::string>>;
     const Data& Content() const { return data_; }
     bool IsNull() const { return std::holds_alternative<std::monostate>(data_); }
     bool IsNumber() const { return std::holds_alternative<uint64_t>(data_); }
@@ -51,17 +53,20 @@ class Record;
 
 enum class FieldKind : uint8_t { Value, Group, List, Raw };
 
-// How a list appears in text mode.
-enum class ListLayout : uint8_t { Table, Sections };
+// How a list appears in text mode. Inner: as a table of the first lists inside its elements, each
+// row behind what its element has; an element whose list is empty has a row of its own.
+enum class ListLayout : uint8_t { Table, Sections, Inner };
 
 struct Field {
     FieldKind kind = FieldKind::Value;
-    std::string key;                // JSON key and CSV column, snake_case
-    std::string label;              // for people
-    std::string column;             // heading in tables; empty keeps the field out of them
-    Value value;                    // Value and Raw (a text that text mode prints as it is)
-    std::vector<Record> records;    // Group: one; List: any number
-    std::vector<Record> prototype;  // List: one record that has the columns, its values unused
+    std::string key;              // JSON key and CSV column, snake_case
+    std::string label;            // for people
+    std::string column;           // heading in tables; empty keeps the field out of them
+    Value value;                  // Value and Raw (a text that text mode prints as it is)
+    std::vector<Record> records;  // Group: one; List: any number
+    // List: one record that has the columns, its values unused. A null Value: the group that it
+    // stands for, where tables have columns for that.
+    std::vector<Record> prototype;
     // List: a key that tells its elements apart. In CSV they stand beside each other then, as
     // "readings_voltage_value"; the prototypes are one record for each that there can be.
     std::string spreadBy;

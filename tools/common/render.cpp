@@ -123,6 +123,43 @@ std::string Rows(const std::vector<Column>& columns, const std::vector<Record>& 
     return text;
 }
 
+// The lists of this key inside the elements as one table, each row behind these columns of its
+// element. all: an element without any has a row, too. Empty without rows.
+std::string InnerRows(const Field& list, const Field& inner, std::vector<Column> columns, bool all,
+                      const RenderStyle& style) {
+    const size_t own = columns.size();
+    for (Column& column : ColumnsOf(inner.prototype.front())) {
+        column.path = inner.key + "_" + column.path;
+        columns.push_back(std::move(column));
+    }
+    std::vector<Record> rows;
+    for (const Record& element : list.records) {
+        Record head;
+        for (const FlatField& flat : FlattenBesideLists(element)) {
+            head.Add(flat.path, "", flat.field->value);
+        }
+        const auto add = [&](const Record& record) {
+            rows.push_back(head);
+            rows.back().AddGroup(inner.key, "", record);
+        };
+        const std::vector<const Field*> lists = element.Lists();
+        const auto same = std::find_if(lists.begin(), lists.end(),
+                                       [&](const Field* field) { return field->key == inner.key; });
+        if (same != lists.end() && !(*same)->records.empty()) {
+            std::for_each((*same)->records.begin(), (*same)->records.end(), add);
+        } else if (all) {
+            add(inner.prototype.front());
+        }
+    }
+    return rows.empty() || columns.size() == own ? std::string() : Rows(columns, rows, style);
+}
+
+// A list of the layout Inner.
+std::string InnerTable(const Field& list, const RenderStyle& style) {
+    const Record& prototype = list.prototype.front();
+    return InnerRows(list, *prototype.Lists().front(), ColumnsOf(prototype), true, style);
+}
+
 size_t LabelWidth(const Record& record, size_t indent) {
     size_t width = 0;
     for (const Field& field : record.Fields()) {
@@ -168,6 +205,9 @@ std::string ListText(const Field& field, const RenderStyle& style) {
     if (field.layout == ListLayout::Table) {
         return Rows(ColumnsOf(field.prototype.front()), field.records, style);
     }
+    if (field.layout == ListLayout::Inner) {
+        return InnerTable(field, style);
+    }
     std::string text;
     for (const Record& record : field.records) {
         if (!text.empty()) {
@@ -201,10 +241,11 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
                         Heading(field.label, style) + "\n" +
                         Sections(field.records.front(), indent + 2, width, style);
                 break;
-            case FieldKind::List:
-                text += (text.empty() ? "" : "\n") +
-                        Indented(ListText(field, Within(style, indent)), indent);
+            case FieldKind::List: {
+                const std::string list = ListText(field, Within(style, indent));
+                text += (text.empty() || list.empty() ? "" : "\n") + Indented(list, indent);
                 break;
+            }
             case FieldKind::Raw:
                 text += std::get<std::string>(field.value.Content());
                 break;
@@ -236,35 +277,18 @@ std::string FieldsAsTable(const Record& record, bool besideLists, const RenderSt
 
 // The list as a table; then the lists of its elements, each row behind its element's first column.
 std::string ListAsTables(const Field& list, const RenderStyle& style) {
+    if (list.layout == ListLayout::Inner && !list.records.empty()) {
+        return InnerTable(list, style);
+    }
     const Record& prototype = list.prototype.front();
     const std::vector<Column> columns = ColumnsOf(prototype);
     std::string text = Rows(columns, list.records, style);
-    const std::vector<const Field*> inner = prototype.Lists();
-    for (size_t i = 0; i < inner.size() && !columns.empty(); ++i) {
-        std::vector<Column> all{columns.front()};
-        for (Column& column : ColumnsOf(inner[i]->prototype.front())) {
-            column.path = inner[i]->key + "_" + column.path;
-            all.push_back(std::move(column));
+    for (const Field* inner : prototype.Lists()) {
+        if (columns.empty()) {
+            break;
         }
-        std::vector<Record> rows;
-        for (const Record& element : list.records) {
-            const std::vector<const Field*> lists = element.Lists();
-            const auto same = std::find_if(lists.begin(), lists.end(), [&](const Field* field) {
-                return field->key == inner[i]->key;
-            });
-            for (size_t j = 0; same != lists.end() && j < (*same)->records.size(); ++j) {
-                Record& row = rows.emplace_back();
-                for (const FlatField& flat : FlattenBesideLists(element)) {
-                    if (flat.path == all.front().path) {
-                        row.Add(flat.path, "", flat.field->value);
-                    }
-                }
-                row.AddGroup(inner[i]->key, "", (*same)->records[j]);
-            }
-        }
-        if (!rows.empty() && all.size() > 1) {
-            text += "\n" + Rows(all, rows, style);
-        }
+        const std::string rows = InnerRows(list, *inner, {columns.front()}, false, style);
+        text += rows.empty() ? rows : "\n" + rows;
     }
     return text;
 }

@@ -16,6 +16,7 @@ std::string Uppercase(std::string_view text);
 std::string Lowercase(std::string_view text);
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 std::vector<std::string> Split(std::string_view text, char separator);
+std::string TextsJoined(const std::vector<std::string>& texts, std::string_view separator);
 
 // Whether a word of letters and digits may begin, or has ended, at the position.
 bool IsWordStart(std::string_view text, size_t position);

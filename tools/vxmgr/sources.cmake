@@ -3,6 +3,8 @@
 set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/bind_document.cpp
     tools/vxmgr/bindings/bind_edit.cpp
+    tools/vxmgr/diag/dport_results.cpp
+    tools/vxmgr/diag/register_space.cpp
     tools/vxmgr/fabric/fc_ct.cpp
     tools/vxmgr/fabric/fc_els.cpp
     tools/vxmgr/flash/flash_firmware.cpp
@@ -28,9 +30,11 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/sfp/sfp_diagnostics.cpp
     tools/vxmgr/sfp/sfp_identity.cpp
     tools/vxmgr/ports/stats_counters.cpp
+    tools/vxmgr/ports/stats_fields.cpp
     tools/vxmgr/bindings/store_blocks.cpp
     tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/bindings/store_document.cpp
+    tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
 )

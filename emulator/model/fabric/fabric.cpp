@@ -1,24 +1,53 @@
 #include "model/fabric/fabric.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace vxemu {
 namespace {
 
 template <typename Matches>
-TargetProfile* FirstSeen(const Port& port, Matches matches) {
+TargetProfile* First(const Port& port, Matches matches) {
     Profile& profile = *port.fabric->profile;
     for (uint32_t at = 0; at < profile.targetCount; ++at) {
-        if (Sees(port, profile.targets[at]) && matches(profile.targets[at])) {
+        if (matches(profile.targets[at])) {
             return &profile.targets[at];
         }
     }
     return nullptr;
 }
 
+template <typename Matches>
+TargetProfile* FirstSeen(const Port& port, Matches matches) {
+    return First(
+        port, [&](const TargetProfile& device) { return Sees(port, device) && matches(device); });
+}
+
 template <size_t size>
 bool StartsAlike(const uint8_t (&field)[size], const uint8_t (&address)[8]) {
     return std::memcmp(field, address, size) == 0;
+}
+
+bool Names(const Port& port, const TargetProfile& device, passthru::DriverAddress type,
+           const uint8_t (&address)[8]) {
+    using passthru::DriverAddress;
+    switch (type) {
+        case DriverAddress::NodeName:
+            return StartsAlike(device.nodeName, address);
+        case DriverAddress::PortName:
+            return StartsAlike(device.portName, address);
+        case DriverAddress::PortId:
+            return StartsAlike(device.portId, address);
+        case DriverAddress::BusAndTarget: {
+            uint16_t numbers[2];
+            std::memcpy(numbers, address, sizeof numbers);
+            const Attachment& at = AttachmentOf(port, device);
+            return at.bus == numbers[0] && at.target == numbers[1];
+        }
+        case DriverAddress::None:
+            break;
+    }
+    return false;
 }
 
 bool IsVisible(const LunMask& mask, uint32_t number) {
@@ -41,6 +70,7 @@ void StartAddress(const Port& port, const TargetProfile& device) {
 
 void Start(const Fabric& fabric, const Port& port, const TargetProfile& device) {
     StartAddress(port, device);
+    PeerOf(port, device).since = fabric.host.Now();
     LunMask& mask = AttachmentOf(port, device).mask;
     std::memset(mask.bytes, 0xFF, sizeof mask.bytes);
     const uint32_t index = IndexOf(fabric, device);
@@ -74,9 +104,12 @@ ProfileError Replace(Fabric& fabric, Record& record, const Record& with) {
 
 }  // namespace
 
+bool MaySee(const Port& port, const TargetProfile& device) {
+    return device.seenBy == kSeenByAllPorts || device.seenBy == port.profile->scsiPort;
+}
+
 bool Sees(const Port& port, const TargetProfile& device) {
-    return port.LinkUp() && device.present != 0 &&
-           (device.seenBy == kSeenByAllPorts || device.seenBy == port.profile->scsiPort);
+    return port.LinkUp() && device.present != 0 && MaySee(port, device);
 }
 
 TargetProfile* NthDevice(const Port& port, DeviceKind kind, uint32_t index) {
@@ -95,30 +128,15 @@ uint32_t CountDevices(const Port& port, DeviceKind kind) {
 
 TargetProfile* FindDevice(const Port& port, passthru::DriverAddress type,
                           const uint8_t (&address)[8]) {
-    using passthru::DriverAddress;
-    switch (type) {
-        case DriverAddress::NodeName:
-            return FirstSeen(port, [&](const TargetProfile& device) {
-                return StartsAlike(device.nodeName, address);
-            });
-        case DriverAddress::PortName:
-            return FindByPortName(port, address);
-        case DriverAddress::PortId:
-            return FirstSeen(port, [&](const TargetProfile& device) {
-                return StartsAlike(device.portId, address);
-            });
-        case DriverAddress::BusAndTarget: {
-            uint16_t numbers[2];
-            std::memcpy(numbers, address, sizeof numbers);
-            return FirstSeen(port, [&](const TargetProfile& device) {
-                const Attachment& at = AttachmentOf(port, device);
-                return at.bus == numbers[0] && at.target == numbers[1];
-            });
-        }
-        case DriverAddress::None:
-            break;
-    }
-    return nullptr;
+    return FirstSeen(
+        port, [&](const TargetProfile& device) { return Names(port, device, type, address); });
+}
+
+TargetProfile* FindEvenIfGone(const Port& port, passthru::DriverAddress type,
+                              const uint8_t (&address)[8]) {
+    return First(port, [&](const TargetProfile& device) {
+        return MaySee(port, device) && Names(port, device, type, address);
+    });
 }
 
 TargetProfile* FindByPortName(const Port& port, const uint8_t (&portName)[8]) {
@@ -137,6 +155,15 @@ uint32_t IndexOf(const Fabric& fabric, const TargetProfile& device) {
 
 Attachment& AttachmentOf(const Port& port, const TargetProfile& device) {
     return port.attachments[IndexOf(*port.fabric, device)];
+}
+
+Peer& PeerOf(const Port& port, const TargetProfile& device) {
+    return port.peers[IndexOf(*port.fabric, device)];
+}
+
+uint32_t SecondsOnline(const Port& port, const TargetProfile& device) {
+    const uint64_t since = std::max(port.linkSince, PeerOf(port, device).since);
+    return Sees(port, device) ? static_cast<uint32_t>((port.fabric->host.Now() - since) / 1000) : 0;
 }
 
 uint16_t LoopIdOf(const Port& port, const TargetProfile& device) {
@@ -233,6 +260,8 @@ void RemoveDevice(Fabric& fabric, TargetProfile& device) {
     for (uint32_t port = 0; port < profile.portCount; ++port) {
         uint32_t count = profile.targetCount;
         Close(fabric.ports[port].attachments, count, index);
+        count = profile.targetCount;
+        Close(fabric.ports[port].peers, count, index);
     }
     Close(profile.targets, profile.targetCount, index);
 }
@@ -242,9 +271,15 @@ ProfileError ReplaceDevice(Fabric& fabric, TargetProfile& device, const TargetPr
     const ProfileError error = Replace(fabric, device, with);
     const bool moves = before.bus != with.bus || before.target != with.target ||
                        before.loopId != with.loopId || before.bindingFlags != with.bindingFlags;
-    if (error == ProfileError::None && moves) {
-        for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
+    if (error != ProfileError::None) {
+        return error;
+    }
+    for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
+        if (moves) {
             StartAddress(fabric.ports[port], device);
+        }
+        if (before.present != with.present) {
+            PeerOf(fabric.ports[port], device).since = fabric.host.Now();
         }
     }
     return error;

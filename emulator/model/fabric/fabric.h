@@ -19,7 +19,9 @@ struct Fabric {
     BlockStore store;
 };
 
-// Whether the port sees the device now: both are there, and the port's link is up.
+// Whether the device shows itself to the port; and whether the port sees it now: both are there,
+// and the port's link is up.
+bool MaySee(const Port& port, const TargetProfile& device);
 bool Sees(const Port& port, const TargetProfile& device);
 
 inline bool IsTarget(const TargetProfile& device) {
@@ -36,6 +38,9 @@ uint32_t CountDevices(const Port& port, DeviceKind kind);
 // identifier, or two 16-bit numbers: bus and target.
 TargetProfile* FindDevice(const Port& port, passthru::DriverAddress type,
                           const uint8_t (&address)[8]);
+// The same, were it gone or the link down.
+TargetProfile* FindEvenIfGone(const Port& port, passthru::DriverAddress type,
+                              const uint8_t (&address)[8]);
 TargetProfile* FindByPortName(const Port& port, const uint8_t (&portName)[8]);
 TargetProfile* FindByLoopId(const Port& port, uint16_t loopId);
 
@@ -43,6 +48,10 @@ TargetProfile* FindByLoopId(const Port& port, uint16_t loopId);
 uint32_t IndexOf(const Fabric& fabric, const TargetProfile& device);
 
 Attachment& AttachmentOf(const Port& port, const TargetProfile& device);
+Peer& PeerOf(const Port& port, const TargetProfile& device);
+
+// How long the port has seen the device, in seconds; 0 when it does not.
+uint32_t SecondsOnline(const Port& port, const TargetProfile& device);
 
 // Loop identifiers are odd while the device is there (bit 0 is the valid flag of a legacy driver's
 // list), even once it is gone.

@@ -5,6 +5,7 @@
 #include "model/bytes/byte_writer.h"
 #include "model/fabric/name_server.h"
 #include "model/handlers.h"
+#include "model/health/scm.h"
 #include "model/statistics.h"
 #include "passthru/fabric_records.h"
 
@@ -23,14 +24,20 @@ void PutAccept(ByteWriter& out) {
 }
 
 // A remote port's link error block: what the emulated ones would have counted.
-void PutLinkErrors(ByteWriter& out, const FabricPort& remote) {
+void PutLinkErrors(ByteWriter& out, const Port& port, const FabricPort& remote) {
+    uint8_t name[8];
+    std::memcpy(name, remote.portName, sizeof name);
+    const TargetProfile* const device = FindByPortName(port, name);
     for (uint32_t counter = 0; counter < kLinkErrorCounters; ++counter) {
-        out.Put32(RemoteLinkErrors(remote.portName, counter));
+        out.Put32(static_cast<uint32_t>(device != nullptr
+                                            ? RemoteLinkErrors(port, *device, counter)
+                                            : RemoteLinkErrors(remote.portName, counter)));
     }
 }
 
 // The answer to a link service; false when the remote port rejects it.
-bool AnswerEls(const FabricPort& remote, const uint8_t* payload, uint32_t length, ByteWriter& out) {
+bool AnswerEls(const Port& port, const FabricPort& remote, const uint8_t* payload, uint32_t length,
+               ByteWriter& out) {
     switch (payload[0]) {
         case kEcho:
             PutAccept(out);
@@ -40,12 +47,12 @@ bool AnswerEls(const FabricPort& remote, const uint8_t* payload, uint32_t length
             return true;
         case kReadLinkErrors:
             PutAccept(out);
-            PutLinkErrors(out, remote);
+            PutLinkErrors(out, port, remote);
             return true;
         case kReadPortStatus:
             PutAccept(out);
             out.Put32(0);
-            PutLinkErrors(out, remote);
+            PutLinkErrors(out, port, remote);
             return true;
         case kDiscoverAddress: {
             AddressAnswer address = {};
@@ -76,7 +83,6 @@ bool FindRnidDestination(const Port& port, const passthru::RnidRequest& request,
     constexpr uint16_t kByNodeName = 1;
     constexpr uint16_t kByPortName = 2;
     static constexpr uint8_t kSwitchId[3] = {0xFF, 0xFF, 0xFE};
-    static constexpr uint8_t kSwitchName[8] = {0x2C, 0x00, 0x02, 0x45, 0x4D, 0x00, 0x00, 0x01};
     switch (request.destinationType) {
         case kByNodeName:
             return FindByNodeName(*port.fabric, request.name, found);
@@ -137,7 +143,7 @@ DriverStatus ElsPassThrough(Exchange& exchange) {
     std::memcpy(payload, exchange.Bytes() + kHead, length);
     uint8_t answer[kLongestElsAnswer];
     ByteWriter out(answer, sizeof answer);
-    request.rejected = AnswerEls(remote, payload, length, out) ? 0 : 1;
+    request.rejected = AnswerEls(port, remote, payload, length, out) ? 0 : 1;
     exchange.StartReply(kHead + out.Length());
     exchange.Put(0, &request, kHead);
     exchange.Put(kHead, answer, out.Length());
@@ -185,7 +191,9 @@ DriverStatus ScmManagement(Exchange& exchange) {
     }
     Port& port = exchange.GetPort();
     if ((request.flags & passthru::kScmRead) == 0) {
+        LookAtThrottle(port);
         port.scmSetting = request.values[0];
+        LookAtThrottle(port);
         return DriverStatus::Success;
     }
     passthru::ScmRequest reply = {};

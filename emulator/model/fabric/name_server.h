@@ -8,6 +8,9 @@
 
 namespace vxemu {
 
+// Of the switch, by which the fabric goes as well.
+inline constexpr uint8_t kSwitchName[8] = {0x2C, 0x00, 0x02, 0x45, 0x4D, 0x00, 0x00, 0x01};
+
 // A port as the fabric knows it.
 // What a port belongs to, as RNID tells it (FC-LS).
 enum class UnitType : uint32_t { Switch = 0x04, Host = 0x0A, StorageSubsystem = 0x0B };

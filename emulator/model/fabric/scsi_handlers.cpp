@@ -3,6 +3,7 @@
 
 #include "model/fabric/scsi_task.h"
 #include "model/handlers.h"
+#include "model/statistics.h"
 #include "passthru/scsi_records.h"
 
 namespace vxemu {
@@ -10,6 +11,13 @@ namespace {
 
 using transport::DriverStatus;
 namespace command = transport::command;
+
+// What the data phase of a command has moved.
+ScsiTraffic TrafficOf(const ScsiTask& task) {
+    return {task.dataOutLength != 0, task.status != ScsiStatus::Good ? 0
+                                     : task.dataOutLength != 0       ? task.dataOutLength
+                                                                     : task.returned};
+}
 
 DriverStatus ScsiPassThrough(Exchange& exchange) {
     using passthru::ScsiDirection;
@@ -22,7 +30,7 @@ DriverStatus ScsiPassThrough(Exchange& exchange) {
         request.cdbLength == 0 || request.direction > static_cast<uint8_t>(ScsiDirection::Out)) {
         return DriverStatus::InvalidParameter;
     }
-    const Port& port = exchange.GetPort();
+    Port& port = exchange.GetPort();
     const TargetProfile* target = FindDevice(
         port, static_cast<passthru::DriverAddress>(request.addressType), request.address);
     if (target == nullptr || !IsTarget(*target)) {
@@ -42,6 +50,7 @@ DriverStatus ScsiPassThrough(Exchange& exchange) {
         task.dataInRoom = room - static_cast<uint32_t>(sizeof request);
     }
     RunScsi(task, request.lun);
+    CountScsi(port, *target, TrafficOf(task));
 
     std::memset(request.sense, 0, sizeof request.sense);
     exchange.KeepReply(static_cast<uint32_t>(sizeof request) + task.returned);
@@ -61,7 +70,7 @@ bool LegacyScsiPassThrough(Exchange& exchange) {
         request.cdbLength == 0 || request.cdbLength > sizeof request.cdb) {
         return false;
     }
-    const Port& port = exchange.GetPort();
+    Port& port = exchange.GetPort();
     const TargetProfile* target = FindByLoopId(port, request.loopId);
     if (target == nullptr || !IsTarget(*target)) {
         return false;
@@ -76,6 +85,7 @@ bool LegacyScsiPassThrough(Exchange& exchange) {
     task.dataIn = request.data;
     task.dataInRoom = out ? 0 : sizeof request.data;
     RunScsi(task, request.lun);
+    CountScsi(port, *target, TrafficOf(task));
     if (task.overrun) {
         return false;
     }

@@ -138,6 +138,9 @@ void FillLab(Profile& profile) {
         AddAdapter(profile, row);
     }
     AddDevices(profile);
+    profile.ports[0].npivInUse = 2;
+    profile.targets[0].secured = Security::Secured;
+    profile.targets[0].nvme = 1;
 }
 
 // Every SCSI port number but the last, with every chip of the family in turn.

@@ -191,6 +191,9 @@ AdapterProfile DefaultAdapter(uint16_t deviceId, DriverGeneration generation) {
     adapter.mctpDumpBytes = 32'769;
     adapter.miniDumpBytes[0] = 32'768;
     adapter.miniDumpBytes[1] = 1'000;
+    adapter.temperature = 55;
+    adapter.temperatureWarning = 85;
+    adapter.temperatureCritical = 95;
     if (properties::ChipOf(deviceId).Has(properties::ChipTrait::Newer)) {
         adapter.nodeFlags = kNodeFlagTextSerial;
         adapter.firmwareAttributes = 0x0000C0DE;
@@ -233,6 +236,10 @@ PortProfile DefaultPort(const AdapterProfile& adapter) {
     port.fecActive = newest ? 1 : 0;
     port.protocolFlags = newest ? 0x06 : 0x02;  // FCP, the newest also NVMe
     port.knowsSubCode10 = newest ? 1 : 0;
+    port.bbcr = newest ? 4 : 0;
+    port.qosEnabled = newest ? 1 : 0;
+    port.scm = newest ? 1 : 0;
+    port.beaconSupported = newer ? 1 : 0;
     return port;
 }
 

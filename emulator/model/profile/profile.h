@@ -8,7 +8,7 @@
 namespace vxemu {
 
 inline constexpr uint32_t kProfileMagic = 0x50584556;  // "VEXP"
-inline constexpr uint32_t kProfileVersion = 3;         // raised with every change of the layout
+inline constexpr uint32_t kProfileVersion = 4;         // raised with every change of the layout
 inline constexpr uint32_t kMaxAdapters = 64;
 inline constexpr uint32_t kMaxPorts = 64;
 inline constexpr uint32_t kMaxScsiPort = 63;
@@ -78,9 +78,28 @@ struct AdapterProfile {
     uint8_t lockdown;           // 1: nothing that the adapter stores can be changed
     uint8_t secureUpdates;      // 1: code is only updated with its signature verified
     uint8_t listsLostTargets;   // 1: a legacy driver keeps targets that are gone in its list
-    uint8_t reserved[22];
+    // Of the board, in degrees Celsius; a limit of 0 is none.
+    uint8_t temperature;
+    uint8_t temperatureWarning;
+    uint8_t temperatureCritical;
+    uint8_t reserved[19];
 };
 static_assert(sizeof(AdapterProfile) == 360);
+
+// Why a port goes without credit recovery (BB_SC_N) although both ends have it.
+enum class CreditRecoveryRefusal : uint8_t {
+    None = 0,
+    LinkDown = 1,
+    Loop = 2,
+    NotConfigured = 3,
+    Refused = 4,  // by the attached port
+};
+
+enum class VirtualPortState : uint8_t {
+    FollowsLink = 0,
+    Offline = 2,
+    Rejected = 3,  // the fabric refuses their logins
+};
 
 struct PortProfile {
     uint8_t adapter;   // index into Profile::adapters
@@ -120,7 +139,13 @@ struct PortProfile {
     uint8_t flashRegionCode;
     uint8_t loopbackErrors;  // echoed bytes that a loopback test damages
     uint8_t bootsFromSan;    // 1: the system's boot disk is behind this port
-    uint8_t reserved[42];
+    uint8_t bbcr;            // BB_SC_N: credit recovery counts every 2^N frames, 0 = never
+    CreditRecoveryRefusal bbcrReason;
+    VirtualPortState npivState;
+    uint8_t qosEnabled;
+    uint8_t scm;  // 0: the driver knows no congestion management
+    uint8_t beaconSupported;
+    uint8_t reserved[36];
 };
 static_assert(sizeof(PortProfile) == 112);
 
@@ -128,6 +153,12 @@ enum class DeviceRole : uint8_t {
     Target = 1,
     Initiator = 2,
     Both = 3,
+};
+
+enum class Security : uint8_t {
+    Plain = 0,
+    Secured = 1,  // authenticated and encrypted
+    Failed = 2,
 };
 
 // A device on the fabric or loop. Initiators have no LUNs and are no discovered targets.
@@ -147,7 +178,10 @@ struct TargetProfile {
     uint16_t portFlags;
     uint32_t roleAndState;
     char symbolicName[96];
-    uint8_t reserved132[28];
+    Security secured;
+    uint8_t nvme;          // 1: its LUNs are namespaces as well
+    uint8_t highestSpeed;  // HX_SPEED_...
+    uint8_t reserved135[25];
 };
 static_assert(sizeof(TargetProfile) == 160);
 

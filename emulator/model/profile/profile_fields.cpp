@@ -36,6 +36,29 @@ constexpr FieldChoice kRoles[] = {
     {0, nullptr},
 };
 
+constexpr FieldChoice kRefusals[] = {
+    {static_cast<uint32_t>(CreditRecoveryRefusal::None), "none"},
+    {static_cast<uint32_t>(CreditRecoveryRefusal::LinkDown), "link-down"},
+    {static_cast<uint32_t>(CreditRecoveryRefusal::Loop), "loop"},
+    {static_cast<uint32_t>(CreditRecoveryRefusal::NotConfigured), "not-configured"},
+    {static_cast<uint32_t>(CreditRecoveryRefusal::Refused), "refused"},
+    {0, nullptr},
+};
+
+constexpr FieldChoice kVirtualPortStates[] = {
+    {static_cast<uint32_t>(VirtualPortState::FollowsLink), "follows-link"},
+    {static_cast<uint32_t>(VirtualPortState::Offline), "offline"},
+    {static_cast<uint32_t>(VirtualPortState::Rejected), "rejected"},
+    {0, nullptr},
+};
+
+constexpr FieldChoice kSecurity[] = {
+    {static_cast<uint32_t>(Security::Plain), "0"},
+    {static_cast<uint32_t>(Security::Secured), "1"},
+    {static_cast<uint32_t>(Security::Failed), "failed"},
+    {0, nullptr},
+};
+
 constexpr FieldChoice kBlockSizes[] = {
     {512, "512"},
     {4096, "4096"},
@@ -51,6 +74,9 @@ constexpr uint32_t kMaxDumpWords = 0x100000;
 constexpr uint32_t kMaxDumpQueues = 256;
 constexpr uint32_t kMaxDumpBytes = 0x1000000;
 constexpr uint32_t kMaxLoopId = 0xFFFD;  // 0xFFFF is none
+constexpr uint32_t kMaxDegrees = 117;    // 10 more are the highest that records hold
+constexpr uint32_t kMaxVirtualPorts = 254;
+constexpr uint32_t kMaxCreditRecovery = 15;
 constexpr uint32_t kMaxDeviceType = 0x1F;
 // Offsets in bytes of every block then fit 64 bits.
 constexpr uint64_t kMaxBlocks = uint64_t{1} << 48;
@@ -106,6 +132,9 @@ constexpr Field kFields[] = {
     Row("lockdown",               ADAPTER(lockdown),             FieldKind::Flag,   1, nullptr, true),
     Row("secure_updates",         ADAPTER(secureUpdates),        FieldKind::Flag,   1, nullptr, true),
     Row("lists_lost_targets",     ADAPTER(listsLostTargets),     FieldKind::Flag,   1, nullptr, true),
+    Row("temperature",            ADAPTER(temperature),          FieldKind::Number, kMaxDegrees, nullptr, true),
+    Row("temperature_warning",    ADAPTER(temperatureWarning),   FieldKind::Number, kMaxDegrees, nullptr, true),
+    Row("temperature_critical",   ADAPTER(temperatureCritical),  FieldKind::Number, kMaxDegrees, nullptr, true),
 
     Row("scsi_port",              PORT(scsiPort),                FieldKind::Number, kMaxScsiPort, nullptr, false),
     Row("pci_function",           PORT(pciFunction),             FieldKind::Number, kMaxPciFunction, nullptr, false),
@@ -123,7 +152,7 @@ constexpr Field kFields[] = {
     Row("max_frame_size",         PORT(maxFrameSize),            FieldKind::Number, kAny16, nullptr, true),
     Row("bb_credits",             PORT(bbCredits),               FieldKind::Number, kAny16, nullptr, true),
     Row("npiv_maximum",           PORT(npivMaximum),             FieldKind::Number, kAny16, nullptr, true),
-    Row("npiv_in_use",            PORT(npivInUse),               FieldKind::Number, kAny16, nullptr, true),
+    Row("npiv_in_use",            PORT(npivInUse),               FieldKind::Number, kMaxVirtualPorts, nullptr, true),
     Row("max_targets",            PORT(maxTargets),              FieldKind::Number, kAny16, nullptr, true),
     Row("max_luns_per_target",    PORT(maxLunsPerTarget),        FieldKind::Number, kAny16, nullptr, true),
     Row("execution_throttle",     PORT(executionThrottle),       FieldKind::Number, kAny16, nullptr, true),
@@ -142,6 +171,12 @@ constexpr Field kFields[] = {
     Row("flash_region_code",      PORT(flashRegionCode),         FieldKind::Number, kAny8,  nullptr, true),
     Row("loopback_errors",        PORT(loopbackErrors),          FieldKind::Number, kAny8,  nullptr, true),
     Row("boots_from_san",         PORT(bootsFromSan),            FieldKind::Flag,   1, nullptr, true),
+    Row("bbcr",                   PORT(bbcr),                    FieldKind::Number, kMaxCreditRecovery, nullptr, true),
+    Row("bbcr_reason",            PORT(bbcrReason),              FieldKind::Choice, 0, kRefusals, true),
+    Row("npiv_state",             PORT(npivState),               FieldKind::Choice, 0, kVirtualPortStates, true),
+    Row("qos_enabled",            PORT(qosEnabled),              FieldKind::Flag,   1, nullptr, true),
+    Row("scm",                    PORT(scm),                     FieldKind::Flag,   1, nullptr, true),
+    Row("beacon_supported",       PORT(beaconSupported),         FieldKind::Flag,   1, nullptr, true),
 
     Row("node_name",              TARGET(nodeName),              FieldKind::Bytes,  0, nullptr, true),
     Row("port_name",              TARGET(portName),              FieldKind::Bytes,  0, nullptr, false),
@@ -157,6 +192,9 @@ constexpr Field kFields[] = {
     Row("port_flags",             TARGET(portFlags),             FieldKind::Code,   kAny16, nullptr, true),
     Row("role_and_state",         TARGET(roleAndState),          FieldKind::Code,   kAny32, nullptr, true),
     Row("symbolic_name",          TARGET(symbolicName),          FieldKind::Text,   0, nullptr, true),
+    Row("secured",                TARGET(secured),               FieldKind::Choice, 0, kSecurity, true),
+    Row("nvme",                   TARGET(nvme),                  FieldKind::Flag,   1, nullptr, true),
+    Row("highest_speed",          TARGET(highestSpeed),          FieldKind::Number, kAny8,  nullptr, true),
 
     Row("number",                 LUN(number),                   FieldKind::Number, kMaxLunNumber, nullptr, false),
     Row("device_type",            LUN(deviceType),               FieldKind::Number, kMaxDeviceType, nullptr, true),

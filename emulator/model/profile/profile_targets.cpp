@@ -1,6 +1,7 @@
 // The targets and LUNs of a profile.
 #include <cstring>
 
+#include "hxmgtapi.h"
 #include "model/bytes/bytes.h"
 #include "model/profile/profile.h"
 #include "model/profile/profile_fields.h"
@@ -97,6 +98,7 @@ TargetProfile DefaultTarget(const Profile& profile) {
     target.present = 1;
     target.roleAndState = static_cast<uint32_t>(target.role);
     CopyText(target.symbolicName, "Emulated target");
+    target.highestSpeed = HX_SPEED_32GBIT;
     // At most kMaxTargets numbers are taken, so one of the first kMaxTargets + 1 is free.
     for (uint32_t number = 0; number <= kMaxTargets; ++number) {
         target.target = static_cast<uint16_t>(number);

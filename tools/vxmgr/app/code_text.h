@@ -29,4 +29,10 @@ std::string TextOrNumber(const CodeText (&table)[rows], uint32_t code, const cha
     return TextOfCode(table, code, std::string(what) + " " + tools::Hex(code, 2));
 }
 
+// The name of a small number; null for one that has none.
+template <size_t names>
+constexpr const char* NameAt(const char* const (&table)[names], size_t number, size_t first = 0) {
+    return number >= first && number - first < names ? table[number - first] : nullptr;
+}
+
 }  // namespace vxmgr

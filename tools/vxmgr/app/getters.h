@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "common/text.h"
+#include "common/wwn.h"
 
 namespace vxmgr {
 
@@ -24,6 +25,17 @@ template <auto member>
 inline constexpr auto TextOf = [](const auto& record) {
     const auto& field = record.*member;
     return tools::FieldText(reinterpret_cast<const char*>(field), sizeof field);
+};
+
+// One bit of such a number.
+template <auto member, unsigned bit>
+inline constexpr auto Bit = [](const auto& record) { return (Packed<member>(record) & bit) != 0; };
+
+// A name of such a record; nothing for one of zeros.
+template <auto member>
+inline constexpr auto WwnOf = [](const auto& record) {
+    const tools::Wwn name = tools::Wwn::Of(record.*member);
+    return name.IsZero() ? std::nullopt : std::optional(name);
 };
 
 // What get gives of a part, which is a pointer or an std::optional; nothing for a row without it.

@@ -100,13 +100,30 @@ Value RoleValue(const Port& port) {
     return port.port ? Named(kPortRoles, port.port->role, 1) : Value();
 }
 
-Value SpeedValue(uint8_t code) {
+Value SpeedValue(uint16_t code) {
     for (const SpeedRow& row : kSpeeds) {
         if (row.code == code) {
             return Value::Number(row.gigabits, "Gbit/s");
         }
     }
     return {};
+}
+
+std::optional<uint8_t> SpeedCodeOf(uint64_t gigabits) {
+    for (const SpeedRow& row : kSpeeds) {
+        if (row.gigabits == gigabits) {
+            return row.code;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string SpeedsText() {
+    std::string text;
+    for (const SpeedRow& row : kSpeeds) {
+        text += (text.empty() ? "" : ", ") + std::to_string(row.gigabits);
+    }
+    return text;
 }
 
 Value SmartSanValue(const Port& port) {

@@ -23,7 +23,9 @@ tools::Value StateValue(const Port& port);
 tools::Value PortIdValue(const Port& port);
 tools::Value TopologyValue(const Port& port);
 tools::Value RoleValue(const Port& port);
-tools::Value SpeedValue(uint8_t code);  // gigabits per second; null for codes without meaning
+tools::Value SpeedValue(uint16_t code);  // gigabits per second; null for codes without meaning
+std::optional<uint8_t> SpeedCodeOf(uint64_t gigabits);
+std::string SpeedsText();  // "1, 2, 4": all that have a code
 tools::Value SmartSanValue(const Port& port);
 tools::Value OnOffValue(bool on);
 tools::Value InterruptModeValue(uint16_t mode);

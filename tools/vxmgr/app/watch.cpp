@@ -1,7 +1,6 @@
 #include "vxmgr/app/watch.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "common/text.h"
 
@@ -27,7 +26,8 @@ class Watcher {
     }
 
     ExitCode Run(ExitCode started) {
-        tools::FieldShape list = invocation_.OwnCommand().result().front();
+        tools::FieldShape list =
+            plan_.list ? *plan_.list : invocation_.OwnCommand().result().front();
         list.emptyText = "";  // there may be ports, and messages say what about them
         if (places_.empty()) {
             invocation_.Result() = tools::PrototypeOf({list});

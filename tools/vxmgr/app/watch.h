@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,8 @@ struct WatchPlan {
     bool waitsFirst = false;      // there is nothing to tell before the first interval is over
     uint64_t turns = UINT64_MAX;  // to end after
     uint64_t rows = UINT64_MAX;   // of all ports together, likewise
+    // The list, where its columns depend on what was asked for.
+    std::optional<tools::FieldShape> list = std::nullopt;
 };
 
 // As --interval and --count say.

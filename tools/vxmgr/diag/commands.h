@@ -7,6 +7,7 @@ namespace vxmgr {
 
 tools::CommandRows DiagRunCommands();
 tools::CommandRows DiagCommands();
+tools::CommandRows RegisterCommands();
 tools::CommandRows DumpCommands();
 
 }  // namespace vxmgr

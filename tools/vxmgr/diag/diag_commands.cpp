@@ -8,6 +8,7 @@
 #include "vxmgr/app/code_text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/diag/dport_results.h"
 
 namespace vxmgr {
 namespace {
@@ -135,12 +136,14 @@ const tools::Fields<LoopbackResult>& LoopbackFields() {
 
 struct DportResult {
     const Port* port;
+    std::optional<DportOutcome> outcome;
     std::optional<std::vector<HexRow>> data;
 };
 
 const tools::Fields<DportResult>& DportFields() {
     static const tools::Fields<DportResult> kFields = {
         {PortKeys(), &DportResult::port},
+        {DportOutcomeFields(), &DportResult::outcome},
         {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
     };
     return kFields;
@@ -216,7 +219,7 @@ ExitCode DiagDport(tools::Invocation& invocation) {
     constexpr int kLongest = 600;  // polls: five minutes
     const PortSession session = OpenSelectedPort(invocation);
     tools::GrowingResult<DportResult> result(invocation.Result(), DportFields(),
-                                             {&session.port, {}});
+                                             {&session.port, {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: a D-port test would run");
         return ExitCode::Done;
@@ -237,11 +240,18 @@ ExitCode DiagDport(tools::Invocation& invocation) {
     if (status != HXMGT_SUCCESS) {
         return invocation.Report(status, "D-port", session.port.Object());
     }
+    result.outcome = DecodeDport(answer);
     Bytes bytes = BytesOf(answer);
     while (bytes.size() > 1 && bytes.back() == 0) {
         bytes = bytes.first(bytes.size() - 1);
     }
     result.data = DataRows(invocation, bytes);
+    if (const size_t failed = result.outcome->FailedCount(); failed != 0) {
+        invocation.Fail(ExitCode::Failed,
+                        session.port.Object() + ": the link failed " + std::to_string(failed) +
+                            " of the test's results",
+                        "look at the cable and the transceivers (`sfp show`) of both ends");
+    }
     return ExitCode::Done;
 }
 

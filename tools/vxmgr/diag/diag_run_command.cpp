@@ -126,7 +126,7 @@ Finding CheckLinkErrors(const Subject& subject) {
     if (status != HXMGT_SUCCESS) {
         return OfStatus(status);
     }
-    const std::string errors = LinkErrorsText(statistics);
+    const std::string errors = LinkErrorsText(Widened(statistics));
     const std::string since = " in " + std::to_string(statistics.secondsSinceReset) + " s";
     return errors.empty() ? Finding{CheckOutcome::Passed, "none" + since}
                           : Finding{CheckOutcome::Warning,

@@ -7,5 +7,7 @@ namespace vxmgr {
 
 tools::CommandRows ScsiCommands();
 tools::CommandRows FcCommands();
+tools::CommandRows NpivCommands();
+tools::CommandRows NvmeCommands();
 
 }  // namespace vxmgr

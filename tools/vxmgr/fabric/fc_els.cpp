@@ -106,14 +106,18 @@ const tools::Fields<LinkErrors>& LinkErrorsFields() {
     return kFields;
 }
 
+std::string ElsReasonText(uint8_t reason, uint8_t explanation) {
+    return TextOrNumber(kElsReasons, reason, "reason") + ": " +
+           TextOrNumber(kElsExplanations, explanation, "explanation") + " (" +
+           tools::Hex(reason, 2) + "/" + tools::Hex(explanation, 2) + ")";
+}
+
 std::optional<std::string> ElsRejectText(Bytes answer) {
     if (answer.size() < sizeof(RejectAnswer) || answer[0] != kElsReject) {
         return std::nullopt;
     }
     const auto reject = Padded<RejectAnswer>(answer);
-    return TextOrNumber(kElsReasons, reject.reason, "reason") + ": " +
-           TextOrNumber(kElsExplanations, reject.explanation, "explanation") + " (" +
-           tools::Hex(reject.reason, 2) + "/" + tools::Hex(reject.explanation, 2) + ")";
+    return ElsReasonText(reject.reason, reject.explanation);
 }
 
 NodeIdentification DecodeNodeIdentification(Bytes answer) {

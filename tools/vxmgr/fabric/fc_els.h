@@ -33,6 +33,9 @@ struct LinkErrors {
 std::optional<LinkErrors> DecodeLinkErrors(Bytes answer);
 const tools::Fields<LinkErrors>& LinkErrorsFields();
 
+// The two codes of an LS_RJT in words, and as numbers.
+std::string ElsReasonText(uint8_t reason, uint8_t explanation);
+
 // The reason of an LS_RJT in words; nothing for any other answer.
 std::optional<std::string> ElsRejectText(Bytes answer);
 

@@ -6,7 +6,10 @@
 namespace vxmgr {
 
 tools::CommandRows AdapterAndPortCommands();
+tools::CommandRows LocateCommands();
 tools::CommandRows StatsCommands();
+tools::CommandRows DatabaseCommands();
+tools::CommandRows LockdownCommands();
 tools::CommandRows EventCommands();
 tools::CommandRows SmartsanCommands();
 tools::CommandRows DriverCommands();

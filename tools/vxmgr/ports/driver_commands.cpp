@@ -1,5 +1,5 @@
-// driver show, driver param get|set. Parameters belong to a driver service, which all its adapters
-// share.
+// driver show, driver param list|get|set. Parameters belong to a driver service, which all its
+// adapters share.
 #include <algorithm>
 #include <optional>
 
@@ -272,6 +272,52 @@ ExitCode DriverShow(tools::Invocation& invocation) {
     return ReportFailures(invocation, selected);
 }
 
+// The parameters whose meaning is known; a driver may have others.
+struct KnownParameter {
+    const char* name;
+    const char* usual;  // what holds when there is none
+    const char* meaning;
+};
+constexpr KnownParameter kKnownParameters[] = {
+    {"bind", "1", "1: stored bindings are used"},
+    {"configrequired", "0", "1: only targets with stored data are presented"},
+    {"smartsanhp", "0", "1: SmartSAN is on"},
+};
+
+struct KnownParameterRow {
+    Parameter parameter;
+    const KnownParameter* known;
+};
+
+const tools::Fields<std::vector<KnownParameterRow>>& KnownParameterList() {
+    using Row = KnownParameterRow;
+    static const tools::Fields<Row> kRow = {
+        {ParameterFields(), &Row::parameter},
+        {"default", "Default", "DEFAULT", kText, [](const Row& row) { return row.known->usual; },
+         "what holds without a value"},
+        {"meaning", "Meaning", "MEANING", kText, [](const Row& row) { return row.known->meaning; }},
+    };
+    static const auto kFields = tools::ListOf<std::vector<Row>>(
+        "parameters", "Parameters", kRow, ListLayout::Table, "",
+        "those whose meaning is known; `driver param get` reads any");
+    return kFields;
+}
+
+ExitCode DriverParameterList(tools::Invocation& invocation) {
+    const std::vector<Port> ports = ReadSelectedPorts(invocation);
+    std::vector<KnownParameterRow> rows;
+    for (const Service& service : ServicesOf(OpenablePorts(invocation, ports), false)) {
+        const Device device = OpenPortOf(invocation, service);
+        for (const KnownParameter& known : kKnownParameters) {
+            rows.push_back(
+                {{service.name, known.name, ReadParameter(invocation, device, known.name), {}},
+                 &known});
+        }
+    }
+    invocation.Result() = KnownParameterList().Make(rows);
+    return ExitCode::Done;
+}
+
 ExitCode DriverParameterGet(tools::Invocation& invocation) {
     const std::string name = invocation.Given().Text("NAME");
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -328,6 +374,15 @@ tools::CommandRows DriverCommands() {
             .run = DriverShow,
             .example = "driver show",
             .result = tools::ShapeOf<ServiceList>,
+        },
+        {
+            .path = "driver param list",
+            .risk = tools::Risk::Reads,
+            .help = "list the driver parameters whose meaning is known",
+            .schema = "driver.param.list",
+            .run = DriverParameterList,
+            .example = "driver param list",
+            .result = tools::ShapeOf<KnownParameterList>,
         },
         {
             .path = "driver param get",

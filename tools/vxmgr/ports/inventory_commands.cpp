@@ -3,9 +3,11 @@
 
 #include "common/text.h"
 #include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
+#include "vxmgr/ports/credit_recovery.h"
 
 namespace vxmgr {
 namespace {
@@ -218,20 +220,36 @@ const Fields<Port>& PciFields() {
 
 const Fields<Port>& DetailFields() {
     static const Fields<Port> kFields = {
-        [](const Port& port) { return "Port " + std::to_string(port.index); },
+        {"index", "", kInteger, &Port::index, "the same as port"},
+        {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
+        {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
+        {"answers", "", kFlag, &Port::answers, kAnswersAbout},
+        {"status", "Status", "STATUS", kText.OrNull().Quiet(),
+         [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout},
+        {"identity", "Identity", IdentityFields()},
+        {"link", "Link", PortLinkFields()},
+        {"fibre_channel", "Fibre Channel", FibreChannelFields()},
+        {"limits", "Limits", LimitsFields()},
+        {"versions", "Versions", VersionsFields()},
+        {"pci", "PCI", PciFields()},
+    };
+    return kFields;
+}
+
+// A port with what is asked of it alone, not when all ports are read.
+struct PortInDetail {
+    const Port* port;
+    std::optional<HX_BBCR_DATA> creditRecovery;
+};
+
+const Fields<PortInDetail>& PortInDetailFields() {
+    static const Fields<PortInDetail> kFields = {
+        [](const PortInDetail& detail) { return "Port " + std::to_string(detail.port->index); },
         {
-            {"index", "", kInteger, &Port::index, "the same as port"},
-            {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
-            {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
-            {"answers", "", kFlag, &Port::answers, kAnswersAbout},
-            {"status", "Status", "STATUS", kText.OrNull().Quiet(),
-             [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout},
-            {"identity", "Identity", IdentityFields()},
-            {"link", "Link", PortLinkFields()},
-            {"fibre_channel", "Fibre Channel", FibreChannelFields()},
-            {"limits", "Limits", LimitsFields()},
-            {"versions", "Versions", VersionsFields()},
-            {"pci", "PCI", PciFields()},
+            {DetailFields(), &PortInDetail::port},
+            {"credit_recovery", "Credit recovery", CreditRecoveryFields(),
+             &PortInDetail::creditRecovery, "of buffer-to-buffer credits; null: not known",
+             tools::kGroup.OrNull()},
         }};
     return kFields;
 }
@@ -331,9 +349,11 @@ const Fields<PortRows>& PortList() {
     return kFields;
 }
 
-const Fields<PortRows>& PortDetails() {
-    static const auto kFields = tools::ListOf<PortRows>("ports", "Ports", DetailFields(),
-                                                        ListLayout::Sections, "No ports.");
+using PortDetailRows = std::vector<PortInDetail>;
+
+const Fields<PortDetailRows>& PortDetails() {
+    static const auto kFields = tools::ListOf<PortDetailRows>(
+        "ports", "Ports", PortInDetailFields(), ListLayout::Sections, "No ports.");
     return kFields;
 }
 
@@ -350,12 +370,39 @@ ExitCode ShowAdapters(tools::Invocation& invocation) {
     return ReportFailures(invocation, shown);
 }
 
-template <auto fields>
-ExitCode ShowPorts(tools::Invocation& invocation) {
+ExitCode ListPorts(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const PortRows shown = SelectPorts(invocation, ports);
-    invocation.Result() = fields().Make(shown);
+    invocation.Result() = PortList().Make(shown);
     return ReportFailures(invocation, shown);
+}
+
+HX_STATUS AskCreditRecovery(PortVisit& visit, std::optional<HX_BBCR_DATA>* recovery) {
+    visit.query = "credit recovery";
+    HX_BBCR_DATA record{};
+    const HX_STATUS status = HXGetBBCRData(visit.Handle(), &record);
+    if (status == HXMGT_SUCCESS) {
+        *recovery = record;
+    }
+    return status;
+}
+
+ExitCode ShowPorts(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
+    PortDetailRows rows;
+    for (const auto& one :
+         ForEachPort<std::optional<HX_BBCR_DATA>>(invocation, selected, AskCreditRecovery)) {
+        // The first failure is the one that tells.
+        if (one.status != HXMGT_SUCCESS && !CannotTell(one.status) &&
+            one.port->failure == HXMGT_SUCCESS) {
+            one.port->failure = one.status;
+            one.port->failedQuery = one.query;
+        }
+        rows.push_back({one.port, one.answer});
+    }
+    invocation.Result() = PortDetails().Make(rows);
+    return ReportFailures(invocation, selected);
 }
 
 }  // namespace
@@ -385,7 +432,7 @@ tools::CommandRows AdapterAndPortCommands() {
             .risk = tools::Risk::Reads,
             .help = "list the ports",
             .schema = "port.list",
-            .run = ShowPorts<PortList>,
+            .run = ListPorts,
             .example = "port list -o csv",
             .result = tools::ShapeOf<PortList>,
         },
@@ -394,7 +441,7 @@ tools::CommandRows AdapterAndPortCommands() {
             .risk = tools::Risk::Reads,
             .help = "show ports in detail",
             .schema = "port.show",
-            .run = ShowPorts<PortDetails>,
+            .run = ShowPorts,
             .example = "port show -p scsi:3",
             .result = tools::ShapeOf<PortDetails>,
         },

@@ -6,6 +6,7 @@
 namespace vxmgr {
 
 tools::CommandRows SfpCommands();
+tools::CommandRows SfpSerdesCommands();
 tools::CommandRows SfpWatchCommands();
 tools::CommandRows SfpChangeCommands();
 

@@ -6,6 +6,8 @@
 namespace vxmgr {
 
 tools::CommandRows TargetCommands();
+tools::CommandRows TargetSpeedCommands();
+tools::CommandRows QosCommands();
 tools::CommandRows MapCommands();
 
 }  // namespace vxmgr

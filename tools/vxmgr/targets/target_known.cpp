@@ -14,7 +14,25 @@ constexpr size_t kMostDevices = UINT16_MAX;
 constexpr uint32_t kRoleMask = 3;
 constexpr uint32_t kInitiatorAlone = 2;
 
-HX_STATUS ReadDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices) {
+// What the driver reaches now. An older driver has no such query, and lists nothing else anyway.
+void AddDiscovered(uint32_t handle, std::vector<KnownTarget>* targets) {
+    for (uint32_t index = 0; index < targets->size(); ++index) {
+        HX_DISCOVERED_TARGET found{};
+        if (HXGetDiscTargetProperty(handle, 0, index, 0, &found) != HXMGT_SUCCESS) {
+            return;
+        }
+        for (KnownTarget& target : *targets) {
+            if (target.PortName() == tools::Wwn::Of(found.device.portName)) {
+                target.present = true;
+                target.luns = found.numberOfLuns;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+HX_STATUS ReadPortDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices) {
     std::vector<uint8_t> buffer(HX_PORT_DATABASE_SIZE(kUsualDevices));
     const auto ask = [&] {
         return HXGetPortDatabase(handle, kAllDevices, buffer.data(),
@@ -37,28 +55,10 @@ HX_STATUS ReadDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices) 
     return HXMGT_SUCCESS;
 }
 
-// What the driver reaches now. An older driver has no such query, and lists nothing else anyway.
-void AddDiscovered(uint32_t handle, std::vector<KnownTarget>* targets) {
-    for (uint32_t index = 0; index < targets->size(); ++index) {
-        HX_DISCOVERED_TARGET found{};
-        if (HXGetDiscTargetProperty(handle, 0, index, 0, &found) != HXMGT_SUCCESS) {
-            return;
-        }
-        for (KnownTarget& target : *targets) {
-            if (target.PortName() == tools::Wwn::Of(found.device.portName)) {
-                target.present = true;
-                target.luns = found.numberOfLuns;
-            }
-        }
-    }
-}
-
-}  // namespace
-
 HX_STATUS ReadKnownTargets(const Port& port, uint32_t handle, std::vector<KnownTarget>* targets) {
     targets->clear();
     std::vector<HX_DEVICE_RECORD> devices;
-    if (const HX_STATUS status = ReadDatabase(handle, &devices); status != HXMGT_SUCCESS) {
+    if (const HX_STATUS status = ReadPortDatabase(handle, &devices); status != HXMGT_SUCCESS) {
         return status;
     }
     const bool current = port.IsCurrentGeneration();

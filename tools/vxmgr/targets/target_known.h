@@ -21,6 +21,9 @@ struct KnownTarget {
     tools::Wwn NodeName() const { return tools::Wwn::Of(record.nodeName); }
 };
 
+// Everything that the driver knows.
+HX_STATUS ReadPortDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devices);
+
 // Other hosts are left out.
 HX_STATUS ReadKnownTargets(const Port& port, uint32_t handle, std::vector<KnownTarget>* targets);
 

@@ -1,0 +1,154 @@
+// npiv list: virtual ports.
+#include "vxmgr/app/code_text.h"
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_answers.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/port_id.h"
+#include "vxmgr/app/read_list.h"
+#include "vxmgr/fabric/commands.h"
+#include "vxmgr/fabric/fc_els.h"
+#include "vxmgr/targets/qos_levels.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::kCounter;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
+using tools::kWwn;
+using tools::Value;
+
+using VirtualPort = HX_VIRTUAL_PORT;
+using NpivAttributes = HX_NPIV_ATTRIBUTES;
+
+constexpr const char* kVirtualStates[] = {"online", "offline", "rejected", "link_down"};
+
+struct VirtualPorts {
+    NpivAttributes attributes{};
+    std::vector<VirtualPort> ports{};
+};
+
+struct NpivRow {
+    const Port* port = nullptr;
+    std::optional<VirtualPorts> known = std::nullopt;
+
+    const NpivAttributes* Attributes() const { return known ? &known->attributes : nullptr; }
+    std::vector<VirtualPort> Ports() const {
+        return known ? known->ports : std::vector<VirtualPort>();
+    }
+};
+
+Value VirtualStateValue(const VirtualPort& port) {
+    static constexpr tools::Tone kTones[] = {tools::Tone::Good, tools::Tone::Plain,
+                                             tools::Tone::Bad, tools::Tone::Bad};
+    static constexpr const char* kShown[] = {"online", "offline", "rejected", "link down"};
+    const char* const key = NameAt(kVirtualStates, port.state, HX_VIRTUAL_PORT_ONLINE);
+    return key == nullptr ? Value()
+                          : Value::Text(key)
+                                .Shown(kShown[port.state - HX_VIRTUAL_PORT_ONLINE])
+                                .In(kTones[port.state - HX_VIRTUAL_PORT_ONLINE]);
+}
+
+// Why the fabric refused it.
+std::optional<std::string> RejectOf(const VirtualPort& port) {
+    return port.state == HX_VIRTUAL_PORT_REJECTED
+               ? std::optional(ElsReasonText(port.rejectReason, port.rejectExplanation))
+               : std::nullopt;
+}
+
+const tools::Fields<VirtualPort>& VirtualPortFields() {
+    const auto portId = [](const VirtualPort& port) {
+        const uint32_t id = PortIdOf(port.portId);
+        return id != 0 ? std::optional(id) : std::nullopt;
+    };
+    static const tools::Fields<VirtualPort> kFields = {
+        {"index", "Index", "INDEX", kInteger, Packed<&VirtualPort::index>},
+        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), WwnOf<&VirtualPort::portName>},
+        {"node_wwn", "Node name", kWwn.OrNull(), WwnOf<&VirtualPort::nodeName>},
+        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(), portId},
+        {"state", "State", "STATE", tools::Choice(kVirtualStates).OrNull(), VirtualStateValue},
+        {"level", "Priority", "LEVEL", tools::Choice(kQosLevels).OrNull(),
+         [](const VirtualPort& port) {
+             return NameAt(kQosLevels, Packed<&VirtualPort::level>(port));
+         }},
+        {"targets", "Targets", "TARGETS", kInteger, Packed<&VirtualPort::targets>},
+        {"reject", "Rejected", kText.OrNull(), RejectOf, "why the fabric rejected it"},
+        {"seconds_online", "Online", tools::Integer("s"), Packed<&VirtualPort::secondsOnline>},
+        {"symbolic_name", "Name", "NAME", kText.OrNull(), TextOf<&VirtualPort::symbolicName>},
+    };
+    return kFields;
+}
+
+const tools::Fields<std::vector<NpivRow>>& NpivListFields() {
+    const auto attribute = [](auto get) { return Of(&NpivRow::Attributes, get); };
+    static const tools::Fields<NpivRow> kRows = {
+        {PortKeys(), &NpivRow::port},
+        {PortSerialAlias(), &NpivRow::port},
+        {"supported", "Supported", kFlag.OrNull(),
+         attribute(Bit<&NpivAttributes::flags, HX_NPIV_FIRMWARE>), "by the firmware"},
+        {"fabric_supports", "Fabric supports it", kFlag.OrNull(),
+         attribute(Bit<&NpivAttributes::flags, HX_NPIV_FABRIC>)},
+        {"enabled", "Enabled", kFlag.OrNull(),
+         attribute(Bit<&NpivAttributes::flags, HX_NPIV_ENABLED>)},
+        {"maximum", "Maximum", kInteger.OrNull(), attribute(Packed<&NpivAttributes::maximum>),
+         "virtual ports that there can be"},
+        {"in_use", "In use", kInteger.OrNull(), attribute(Packed<&NpivAttributes::inUse>)},
+        {"fabric_wwn", "Fabric name", kWwn.OrNull(),
+         [](const NpivRow& row) {
+             return row.known ? WwnOf<&NpivAttributes::fabricName>(row.known->attributes)
+                              : std::nullopt;
+         }},
+        {"fdiscs", "FDISCs", kCounter.OrNull(), attribute(Packed<&NpivAttributes::fdiscs>),
+         "FDISC link services sent"},
+        {"fdisc_rejects", "FDISCs rejected", kCounter.OrNull(),
+         attribute(Packed<&NpivAttributes::fdiscRejects>)},
+        {"virtual_ports", "Virtual ports", VirtualPortFields(), &NpivRow::Ports},
+        {PortStatus(), &NpivRow::port},
+    };
+    static const auto kFields = tools::ListOf<std::vector<NpivRow>>(
+        "ports", "Ports", kRows, tools::ListLayout::Inner, "no ports");
+    return kFields;
+}
+
+HX_STATUS ReadVirtualPorts(PortVisit& visit, VirtualPorts* known) {
+    visit.query = "virtual ports";
+    return ReadList(
+        [&](VirtualPort* ports, uint32_t* count) {
+            return HXGetNPIVAttributes(visit.Handle(), &known->attributes, ports, count);
+        },
+        &known->ports);
+}
+
+tools::ExitCode NpivList(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    auto answers =
+        ForEachPort<VirtualPorts>(invocation, SelectPorts(invocation, ports), ReadVirtualPorts);
+    const tools::ExitCode exit = ReportAnswers(invocation, answers);
+    std::vector<NpivRow> rows;
+    for (auto& one : answers) {
+        const bool good = one.status == HXMGT_SUCCESS;
+        rows.push_back({one.port, good ? std::optional(std::move(one.answer)) : std::nullopt});
+    }
+    invocation.Result() = NpivListFields().Make(rows);
+    return exit;
+}
+
+}  // namespace
+
+tools::CommandRows NpivCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "npiv list",
+            .risk = tools::Risk::Reads,
+            .help = "list the virtual ports of the ports",
+            .schema = "npiv.list",
+            .run = NpivList,
+            .example = "npiv list -p scsi:3",
+            .result = tools::ShapeOf<NpivListFields>,
+        },
+    };
+    return kCommands;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,294 @@
+// nvme list: controllers behind the ports, and their namespaces.
+#include <algorithm>
+#include <limits>
+
+#include "vxmgr/app/bytes.h"
+#include "vxmgr/app/code_text.h"
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_answers.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/read_list.h"
+#include "vxmgr/app/size_text.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/fabric/commands.h"
+#include "vxmgr/targets/target_known.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::kFlag;
+using tools::kInteger;
+using tools::kText;
+using tools::Tone;
+using tools::Value;
+
+using NvmePort = HX_NVME_PORT;
+using NvmeTarget = HX_NVME_TARGET;
+using NvmeNamespace = HX_NVME_NAMESPACE;
+
+constexpr tools::Argument kNvmeListArguments[] = {
+    {.name = "--namespaces",
+     .kind = tools::ArgumentKind::Flag,
+     .help = "one row for each namespace"},
+};
+
+constexpr const char* kNvmeKinds[] = {"discovery", "nvm"};
+constexpr const char* kNvmeStates[] = {"not_connected", "connecting", "live", "reconnecting"};
+constexpr const char* kAnaStates[] = {"optimized", "non_optimized", "inaccessible", "lost"};
+constexpr const char* kAllAnaStates[] = {kAnaStates[0], kAnaStates[1], kAnaStates[2], kAnaStates[3],
+                                         "changing"};
+
+// Nothing where no number of 64 bits holds it: then the driver is wrong.
+std::optional<uint64_t> BytesIn(const NvmeNamespace& one, uint64_t blocks) {
+    const auto size = Packed<&NvmeNamespace::blockSize>(one);
+    return size == 0 || blocks <= std::numeric_limits<uint64_t>::max() / size
+               ? std::optional(blocks * size)
+               : std::nullopt;
+}
+
+// A number of bytes as people read it.
+Value SizeIn(std::optional<uint64_t> bytes) {
+    return bytes ? Value::Number(*bytes, "bytes").Shown(SizeText(*bytes)) : Value();
+}
+
+template <auto blocks>
+Value BlocksValue(const NvmeNamespace& one) {
+    return SizeIn(BytesIn(one, Packed<blocks>(one)));
+}
+
+// Hexadecimal digits; nothing for an identifier of zeros. The names of a target are often in it.
+template <auto member>
+std::optional<std::string> IdentifierOf(const NvmeNamespace& one) {
+    const Bytes bytes(one.*member);
+    const bool none =
+        std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
+    return none ? std::nullopt : std::optional(HexDigits(bytes));
+}
+
+const char* AnaStateOf(const NvmeNamespace& one) {
+    return one.anaState == HX_ANA_CHANGING ? kAllAnaStates[4]
+                                           : NameAt(kAnaStates, one.anaState, HX_ANA_OPTIMIZED);
+}
+
+const tools::Fields<NvmeNamespace>& NamespaceFields() {
+    using Row = NvmeNamespace;
+    constexpr tools::FieldType kBytes = {
+        .base = tools::FieldType::Base::Integer, .nullable = true, .large = true};
+    static const tools::Fields<Row> kFields = {
+        {"id", "Namespace", "NAMESPACE", kInteger, Packed<&Row::id>},
+        {"block_size", "Block size", "BLOCK SIZE", tools::Integer("bytes"),
+         Packed<&Row::blockSize>},
+        {"blocks", "Blocks", tools::kCounter, Packed<&Row::blocks>},
+        {"capacity_bytes", "Capacity", "CAPACITY", kBytes, BlocksValue<&Row::capacity>},
+        {"used_bytes", "Used", "USED", kBytes, BlocksValue<&Row::used>},
+        {"nguid", "NGUID", "NGUID", tools::kSerial.OrNull(), IdentifierOf<&Row::nguid>},
+        {"eui64", "EUI-64", tools::kSerial.OrNull(), IdentifierOf<&Row::eui64>},
+        {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&Row::anaGroup>},
+        {"ana_state", "ANA state", "ANA STATE", tools::Choice(kAllAnaStates).OrNull(), AnaStateOf},
+        {"shared", "Shared", "SHARED", kFlag, Bit<&Row::flags, HX_NAMESPACE_SHARED>},
+        {"write_protected", "Write protected", "PROTECTED", kFlag,
+         Bit<&Row::flags, HX_NAMESPACE_WRITE_PROTECTED>},
+    };
+    return kFields;
+}
+
+// A controller; of one that the driver does not tell about nothing but its place and the status.
+struct FoundController {
+    tools::Wwn remotePort{};
+    uint16_t place = 0;
+    HX_STATUS status = HXMGT_SUCCESS;
+    std::optional<NvmeTarget> record = std::nullopt;
+    std::vector<NvmeNamespace> namespaces{};
+};
+
+struct ControllerRow {
+    const Port* port = nullptr;
+    const FoundController* found = nullptr;  // null: a port that failed
+
+    const NvmeTarget* Record() const {
+        return found != nullptr && found->record ? &*found->record : nullptr;
+    }
+    std::vector<NvmeNamespace> Namespaces() const {
+        return found != nullptr ? found->namespaces : std::vector<NvmeNamespace>();
+    }
+};
+
+std::optional<uint64_t> CapacityOf(const FoundController& found) {
+    uint64_t sum = 0;
+    for (const NvmeNamespace& one : found.namespaces) {
+        const auto bytes = BytesIn(one, Packed<&NvmeNamespace::capacity>(one));
+        if (!bytes || *bytes > std::numeric_limits<uint64_t>::max() - sum) {
+            return std::nullopt;
+        }
+        sum += *bytes;
+    }
+    return found.record ? std::optional(sum) : std::nullopt;
+}
+
+Value ControllerStateValue(const NvmeTarget& controller) {
+    static constexpr Tone kTones[] = {Tone::Bad, Tone::Warning, Tone::Good, Tone::Warning};
+    static constexpr const char* kShown[] = {"not connected", "connecting", "live", "reconnecting"};
+    const char* const state = NameAt(kNvmeStates, controller.state);
+    return state == nullptr
+               ? Value()
+               : Value::Text(state).Shown(kShown[controller.state]).In(kTones[controller.state]);
+}
+
+// "1.4"
+std::string NvmeVersionOf(const NvmeTarget& controller) {
+    const auto version = Packed<&NvmeTarget::version>(controller);
+    return version == 0 ? ""
+                        : std::to_string(version >> 16) + "." + std::to_string(version >> 8 & 0xFF);
+}
+
+// What a row says in both forms; the other columns are those of controllers alone.
+tools::Fields<ControllerRow> ControllerFields(bool namespaces) {
+    using Row = ControllerRow;
+    const auto of = [](auto get) { return Of(&Row::Record, get); };
+    const auto column = [namespaces](const char* text) { return namespaces ? "" : text; };
+    const auto text = [](auto get) {
+        return [get](const Row& row) {
+            return row.Record() != nullptr ? get(*row.Record()) : std::string();
+        };
+    };
+    constexpr auto kNumber = kInteger.OrNull();
+    constexpr auto kTextOrNull = kText.OrNull();
+    constexpr tools::FieldType kBytes = {
+        .base = tools::FieldType::Base::Integer, .nullable = true, .large = true};
+    return {
+        {PortKeys(), &Row::port},
+        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
+         Of(&Row::found, &FoundController::remotePort), "port name"},
+        {"index", "Index", kNumber, Of(&Row::found, &FoundController::place),
+         "of the controller at its port"},
+        {"controller_id", "Controller", "CONTROLLER", kNumber,
+         of(Packed<&NvmeTarget::controllerId>)},
+        {"kind", "Kind", tools::Choice(kNvmeKinds).OrNull(), of([](const NvmeTarget& one) {
+             return NameAt(kNvmeKinds, one.kind, HX_NVME_KIND_DISCOVERY);
+         })},
+        {"subsystem_nqn", "Subsystem", column("SUBSYSTEM"), kTextOrNull,
+         text(TextOf<&NvmeTarget::subsystemNqn>)},
+        {"host_nqn", "Host", kTextOrNull, text(TextOf<&NvmeTarget::hostNqn>)},
+        {"state", "State", column("STATE"), tools::Choice(kNvmeStates).OrNull(),
+         [](const Row& row) {
+             return row.Record() != nullptr ? ControllerStateValue(*row.Record()) : Value();
+         }},
+        {"model", "Model", kTextOrNull, text(TextOf<&NvmeTarget::model>)},
+        {"serial", "Serial", tools::kSerial.OrNull(), text(TextOf<&NvmeTarget::serial>),
+         "of the controller"},
+        {"firmware", "Firmware", kTextOrNull, text(TextOf<&NvmeTarget::firmware>)},
+        {"nvme_version", "NVM Express", kTextOrNull, text(NvmeVersionOf)},
+        {"io_queues", "I/O queues", kNumber, of(Packed<&NvmeTarget::ioQueues>)},
+        {"queue_depth", "Queue depth", kNumber, of(Packed<&NvmeTarget::queueDepth>)},
+        {"keep_alive_ms", "Keep-alive", tools::Integer("ms").OrNull(),
+         of(Packed<&NvmeTarget::keepAlive>)},
+        {"reconnects", "Reconnects", kNumber, of(Packed<&NvmeTarget::reconnects>)},
+        {"namespace_count", "Namespaces", column("NAMESPACES"), kNumber,
+         of(Packed<&NvmeTarget::namespaces>)},
+        {"capacity_bytes", "Capacity", column("CAPACITY"), kBytes,
+         [](const Row& row) {
+             return SizeIn(row.found != nullptr ? CapacityOf(*row.found) : std::nullopt);
+         },
+         "of all its namespaces"},
+        {"namespaces", "Namespaces", NamespaceFields(), &Row::Namespaces},
+        {"status", "Status", kText.OrNull().Quiet(),
+         [](const Row& row) {
+             return StatusValue(row.found != nullptr ? row.found->status : row.port->failure);
+         },
+         "null, or the status that the controller or the port failed with"},
+    };
+}
+
+template <bool namespaces>
+const tools::Fields<std::vector<ControllerRow>>& ControllerList() {
+    static const auto kRows = ControllerFields(namespaces);
+    static const auto kFields = tools::ListOf<std::vector<ControllerRow>>(
+        "controllers", "Controllers", kRows,
+        namespaces ? tools::ListLayout::Inner : tools::ListLayout::Table, "no controllers");
+    return kFields;
+}
+
+void ReadController(uint32_t handle, FoundController& found) {
+    HX_SCSI_ADDRESS address = AddressByPortName(found.remotePort);
+    address.lun = found.place;
+    NvmeTarget record{};
+    found.status = HXGetNVMeTargetInfo(handle, &address, &record);
+    if (found.status != HXMGT_SUCCESS) {
+        return;
+    }
+    found.record = record;
+    // A controller beyond these does not tell its namespaces.
+    if (found.place <= HX_NVME_MOST_CONTROLLER) {
+        found.status = ReadList(
+            [&](NvmeNamespace* namespaces, uint32_t* count) {
+                return HXGetNVMeNSInfo(handle, &address, namespaces, count);
+            },
+            &found.namespaces);
+    }
+}
+
+// The first failure, with the controllers that there are.
+HX_STATUS FindControllers(PortVisit& visit, std::vector<FoundController>* controllers) {
+    visit.query = "remote ports that speak NVMe";
+    std::vector<NvmePort> remotePorts;
+    HX_STATUS failure =
+        ReadList([&](NvmePort* ports,
+                     uint32_t* count) { return HXRGetNVMeInfo(visit.Handle(), ports, count); },
+                 &remotePorts);
+    for (const NvmePort& remote : remotePorts) {
+        const auto count = Packed<&NvmePort::controllers>(remote);
+        for (uint16_t place = 0; place < count; ++place) {
+            visit.task.Answered();
+            FoundController& found = controllers->emplace_back();
+            found.remotePort = tools::Wwn::Of(remote.portName);
+            found.place = place;
+            ReadController(visit.Handle(), found);
+            if (found.status != HXMGT_SUCCESS && failure == HXMGT_SUCCESS) {
+                failure = found.status;
+                visit.query =
+                    "controller " + std::to_string(place) + " of " + found.remotePort.Colons();
+            }
+        }
+    }
+    return failure;
+}
+
+ExitCode NvmeList(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const auto answers = ForEachPort<std::vector<FoundController>>(
+        invocation, SelectPorts(invocation, ports), FindControllers);
+    const ExitCode exit = ReportAnswers(invocation, answers);
+    std::vector<ControllerRow> rows;
+    for (const auto& one : answers) {
+        for (const FoundController& found : one.answer) {
+            rows.push_back({one.port, &found});
+        }
+        if (one.answer.empty() && one.status != HXMGT_SUCCESS) {
+            rows.push_back({one.port, nullptr});
+        }
+    }
+    invocation.Result() = invocation.Given().Has("namespaces") ? ControllerList<true>().Make(rows)
+                                                               : ControllerList<false>().Make(rows);
+    return exit;
+}
+
+}  // namespace
+
+tools::CommandRows NvmeCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "nvme list",
+            .risk = tools::Risk::Reads,
+            .help = "list the NVMe controllers that the ports reach",
+            .schema = "nvme.list",
+            .arguments = kNvmeListArguments,
+            .run = NvmeList,
+            .example = "nvme list --namespaces -p scsi:3",
+            .result = tools::ShapeOf<ControllerList<false>>,
+        },
+    };
+    return kCommands;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,296 @@
+// port database: the remote ports that a port's driver knows.
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_answers.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/app/port_id.h"
+#include "vxmgr/app/values.h"
+#include "vxmgr/fabric/fc_els.h"
+#include "vxmgr/ports/commands.h"
+#include "vxmgr/ports/remote_ports.h"
+#include "vxmgr/sfp/sfp_diagnostics.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Value;
+
+using RemoteRecord = HX_REMOTE_PORT;
+
+struct NameOfBit {
+    unsigned bit;
+    const char* name;
+};
+constexpr NameOfBit kRemoteRoles[] = {
+    {HX_ROLE_FCP_TARGET, "fcp"},
+    {HX_ROLE_FCP_INITIATOR, "fcp_initiator"},
+    {HX_ROLE_NVME_SUBSYSTEM, "nvme"},
+    {HX_ROLE_NVME_HOST, "nvme_host"},
+    {HX_ROLE_NVME_DISCOVERY, "nvme_discovery"},
+};
+constexpr const char* kRemoteRoleNames[] = {"fcp", "fcp_initiator", "nvme", "nvme_host",
+                                            "nvme_discovery"};
+constexpr const char* kRemoteStates[] = {"online", "lost", "not_logged_in"};
+constexpr const char* kSecureStates[] = {"plain", "authenticating", "secured", "failed"};
+constexpr const char* kAuthentications[] = {"none", "dh_chap", "fcap", "fcpap", "ikev2"};
+constexpr const char* kEncryptions[] = {"none", "aes_gcm_128", "aes_gcm_256"};
+constexpr const char* kLightStates[] = {"normal", "warning", "alarm"};
+
+// Null for a number without a name.
+template <size_t names>
+Value NameOfNumber(const char* const (&table)[names], size_t number) {
+    return number < names ? Value::Text(table[number]) : Value();
+}
+
+// A remote port, or a port that failed.
+struct RemoteRow {
+    const Port* port;
+    const RemotePort* remote = nullptr;
+
+    const RemoteRecord* Record() const { return remote != nullptr ? &remote->record : nullptr; }
+    // What an older driver does not say.
+    const RemoteRecord* Told() const {
+        return remote != nullptr && !remote->brief ? &remote->record : nullptr;
+    }
+    // It has an address on the bus.
+    const RemoteRecord* OnBus() const {
+        if (remote == nullptr || remote->brief) {
+            return Record();
+        }
+        const bool isTarget = (remote->record.roles & HX_ROLE_FCP_TARGET) != 0;
+        return isTarget && remote->record.state == HX_REMOTE_PORT_ONLINE ? Record() : nullptr;
+    }
+    // It answered for its link.
+    const RemoteRecord* Diagnosed() const {
+        return remote != nullptr && (remote->record.flags & HX_REMOTE_PORT_DIAGNOSED) != 0
+                   ? &remote->record
+                   : nullptr;
+    }
+    const HX_SECURE_PORT* Security() const {
+        return remote != nullptr && remote->security ? &*remote->security : nullptr;
+    }
+};
+
+std::vector<std::string> RolesOf(const RemoteRecord& record) {
+    std::vector<std::string> names;
+    for (const NameOfBit& role : kRemoteRoles) {
+        if (record.roles & role.bit) {
+            names.push_back(role.name);
+        }
+    }
+    return names;
+}
+
+// Older drivers give none.
+std::optional<std::vector<std::string>> RolesOfRow(const RemoteRow& row) {
+    return row.remote != nullptr && (!row.remote->brief || row.remote->record.roles != 0)
+               ? std::optional(RolesOf(row.remote->record))
+               : std::nullopt;
+}
+
+Value RemoteState(const RemoteRecord& record) {
+    const bool online = record.state == HX_REMOTE_PORT_ONLINE;
+    return NameOfNumber(kRemoteStates, record.state - size_t{HX_REMOTE_PORT_ONLINE})
+        .In(online ? tools::Tone::Good : tools::Tone::Warning);
+}
+
+// Zero where the driver does not tell.
+template <auto member>
+Value NumberOrNull(const RemoteRecord& record) {
+    const auto number = Packed<member>(record);
+    return number != 0 ? Value::Number(number) : Value();
+}
+
+Value LoopIdentifier(const RemoteRecord& record) {
+    return record.loopId != kNoLoopId ? Value::Number(record.loopId) : Value();
+}
+
+LinkErrors ErrorsOf(const RemoteRecord& record) {
+    HX_LINK_ERRORS errors;
+    std::memcpy(&errors, &record.errors, sizeof errors);
+    return {errors.linkFailures,
+            errors.lossesOfSync,
+            errors.lossesOfSignal,
+            errors.primitiveSequenceErrors,
+            errors.invalidTransmissionWords,
+            errors.invalidCrcs};
+}
+
+uint64_t ErrorSum(const RemoteRecord& record) {
+    const LinkErrors errors = ErrorsOf(record);
+    return errors.linkFailures + errors.lossesOfSync + errors.lossesOfSignal +
+           errors.protocolErrors + errors.invalidWords + errors.crcErrors;
+}
+
+const tools::Fields<RemoteRecord>& RemoteFecFields() {
+    static const tools::Fields<RemoteRecord> kFields = {
+        {"corrected", "Blocks corrected", tools::kInteger,
+         Packed<&RemoteRecord::correctedFecBlocks>},
+        {"uncorrectable", "Blocks uncorrectable", tools::kInteger,
+         Packed<&RemoteRecord::uncorrectableFecBlocks>},
+    };
+    return kFields;
+}
+
+template <SfpQuantity quantity, auto member>
+Value LightReading(const RemoteRecord& record) {
+    constexpr double kScales[] = {1.0 / 256, 0.0001, 0.002, 0.0001, 0.0001};
+    return ReadingValue(quantity, Packed<member>(record) * kScales[static_cast<size_t>(quantity)]);
+}
+
+template <auto member>
+Value LightPower(const RemoteRecord& record) {
+    return DecibelValue(Packed<member>(record) * 0.0001);
+}
+
+Value LightState(const RemoteRecord& record) {
+    constexpr uint16_t kWarnings = 0x001F;
+    constexpr uint16_t kAlarms = 0x1F00;
+    const uint16_t flags = record.transceiverFlags;
+    return (flags & kAlarms) != 0     ? Value::Text(kLightStates[2]).In(tools::Tone::Bad)
+           : (flags & kWarnings) != 0 ? Value::Text(kLightStates[1]).In(tools::Tone::Warning)
+                                      : Value::Text(kLightStates[0]).In(tools::Tone::Good);
+}
+
+const tools::Fields<RemoteRecord>& RemoteTransceiverFields() {
+    constexpr auto kDecimal = tools::kText.OrNull();
+    static const tools::Fields<RemoteRecord> kFields = {
+        {"temperature_c", "Temperature", kDecimal,
+         LightReading<SfpQuantity::Temperature, &RemoteRecord::temperature>},
+        {"voltage_v", "Supply voltage", kDecimal,
+         LightReading<SfpQuantity::Voltage, &RemoteRecord::voltage>},
+        {"bias_ma", "Laser bias", kDecimal, LightReading<SfpQuantity::Bias, &RemoteRecord::bias>},
+        {"tx_power_mw", "Sent power", kDecimal,
+         LightReading<SfpQuantity::SentPower, &RemoteRecord::txPower>},
+        {"tx_power_dbm", "Sent power", kDecimal, LightPower<&RemoteRecord::txPower>,
+         "null: no light"},
+        {"rx_power_mw", "Received power", kDecimal,
+         LightReading<SfpQuantity::ReceivedPower, &RemoteRecord::rxPower>},
+        {"rx_power_dbm", "Received power", "RX POWER", kDecimal, LightPower<&RemoteRecord::rxPower>,
+         "null: no light"},
+        {"state", "State", tools::Choice(kLightStates), LightState,
+         "the worst of the five quantities"},
+    };
+    return kFields;
+}
+
+const tools::Fields<HX_SECURE_PORT>& SecurityFields() {
+    using Secure = HX_SECURE_PORT;
+    static const tools::Fields<Secure> kFields = {
+        {"state", "State", tools::Choice(kSecureStates).OrNull(),
+         [](const Secure& port) { return NameOfNumber(kSecureStates, port.state); }},
+        {"authentication", "Authentication", tools::Choice(kAuthentications).OrNull(),
+         [](const Secure& port) { return NameOfNumber(kAuthentications, port.authentication); }},
+        {"encryption", "Encryption", tools::Choice(kEncryptions).OrNull(),
+         [](const Secure& port) { return NameOfNumber(kEncryptions, port.encryption); }},
+        {"encrypts_tx", "Encrypts what is sent", tools::kFlag,
+         [](const Secure& port) { return (port.directions & HX_SECURE_TX) != 0; }},
+        {"encrypts_rx", "Encrypts what is received", tools::kFlag,
+         [](const Secure& port) { return (port.directions & HX_SECURE_RX) != 0; }},
+        {"tx_bytes", "Bytes sent", tools::kCounter, Packed<&Secure::txBytes>},
+        {"rx_bytes", "Bytes received", tools::kCounter, Packed<&Secure::rxBytes>},
+        {"rekeys", "Rekeyed", tools::kInteger, Packed<&Secure::rekeys>},
+        {"seconds_since_rekey", "Since then", tools::Integer("s"),
+         Packed<&Secure::secondsSinceRekey>},
+        {"failures", "Failures", tools::kInteger, Packed<&Secure::failures>},
+        {"frames_refused", "Frames refused", tools::kInteger, Packed<&Secure::framesRefused>},
+    };
+    return kFields;
+}
+
+const tools::Fields<std::vector<RemoteRow>>& RemotePortList() {
+    using tools::kInteger;
+    using Row = RemoteRow;
+    static const tools::Fields<Row> kRow = {
+        {PortKeys(kPortIndex), &Row::port},
+        {PortSerialAlias(), &Row::port},
+        {"target_wwn", "Port name", "PORT NAME", tools::kWwn.OrNull(),
+         Of(&Row::Record, [](const RemoteRecord& one) { return tools::Wwn::Of(one.portName); }),
+         "of the remote port; null in the row of a port that failed"},
+        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+         Of(&Row::Record, [](const RemoteRecord& one) { return tools::Wwn::Of(one.nodeName); })},
+        {"port_id", "Port ID", "PORT ID", tools::Hexadecimal(6).OrNull(),
+         Of(&Row::Record, [](const RemoteRecord& one) { return PortIdOf(one.portId); })},
+        {"roles", "Roles", "ROLES", tools::Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
+         "fcp, nvme: a target or subsystem of that protocol"},
+        {"state", "State", "STATE", tools::Choice(kRemoteStates).OrNull(),
+         Of(&Row::Told, RemoteState)},
+        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(),
+         Of(&Row::Told, [](const RemoteRecord& one) { return SpeedValue(one.speed); })},
+        {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
+         Of(&Row::Told, [](const RemoteRecord& one) { return SpeedValue(one.highestSpeed); })},
+        {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&Row::OnBus, Packed<&RemoteRecord::bus>)},
+        {"target", "Target", "ID", kInteger.OrNull(),
+         Of(&Row::OnBus, Packed<&RemoteRecord::target>), "target ID"},
+        {"loop_id", "Loop identifier", kInteger.OrNull(), Of(&Row::Record, LoopIdentifier),
+         "null: no loop"},
+        {"loop_position", "Place on the loop", "LOOP", kInteger.OrNull(),
+         [](const Row& row) {
+             return row.remote != nullptr ? row.remote->loopPosition : std::nullopt;
+         },
+         "places behind the port's own; null: no loop, or not on it"},
+        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+         Of(&Row::Told, NumberOrNull<&RemoteRecord::maxFrameSize>)},
+        {"bb_credits", "Buffer credits", kInteger.OrNull(),
+         Of(&Row::Told, NumberOrNull<&RemoteRecord::bbCredits>)},
+        {"seconds_online", "Online for", tools::Integer("s").OrNull(),
+         Of(&Row::Told, Packed<&RemoteRecord::secondsOnline>)},
+        {"secured", "Secured", "SECURED", tools::kFlag.OrNull(),
+         Of(&Row::Told,
+            [](const RemoteRecord& one) { return (one.flags & HX_REMOTE_PORT_SECURED) != 0; }),
+         "authenticated, and encrypted where that was agreed"},
+        {"error_count", "Link errors", "ERRORS", kInteger.OrNull(), Of(&Row::Diagnosed, ErrorSum),
+         "the sum of errors"},
+        {"errors", "Link errors", LinkErrorsFields(), Of(&Row::Diagnosed, ErrorsOf),
+         "of the remote port's own link, as it answered", tools::kGroup.OrNull()},
+        {"fec", "Forward error correction", RemoteFecFields(), &Row::Diagnosed, "",
+         tools::kGroup.OrNull()},
+        {"transceiver", "Transceiver", RemoteTransceiverFields(), &Row::Diagnosed,
+         "of the remote port; decimal numbers", tools::kGroup.OrNull()},
+        {"security", "Security", SecurityFields(), &Row::Security,
+         "null: neither authenticated nor encrypted", tools::kGroup.OrNull()},
+        {"symbolic_name", "Name", "NAME", tools::kText.OrNull(),
+         Of(&Row::Record, TextOf<&RemoteRecord::symbolicName>)},
+        {PortStatus(), &Row::port},
+    };
+    static const auto kFields = tools::ListOf<std::vector<Row>>(
+        "remote_ports", "Remote ports", kRow, tools::ListLayout::Table, "No remote ports.");
+    return kFields;
+}
+
+ExitCode PortDatabase(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const auto answers = ForEachPort<std::vector<RemotePort>>(
+        invocation, SelectPorts(invocation, ports), ReadRemotePorts);
+    const ExitCode exit = ReportAnswers(invocation, answers);
+    std::vector<RemoteRow> rows;
+    for (const auto& one : answers) {
+        for (const RemotePort& remote : one.answer) {
+            rows.push_back({one.port, &remote});
+        }
+        if (one.answer.empty() && one.status != HXMGT_SUCCESS) {
+            rows.push_back({one.port});
+        }
+    }
+    invocation.Result() = RemotePortList().Make(rows);
+    return exit;
+}
+
+}  // namespace
+
+tools::CommandRows DatabaseCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "port database",
+            .risk = tools::Risk::Reads,
+            .help = "list the remote ports that the ports' drivers know",
+            .schema = "port.database",
+            .run = PortDatabase,
+            .example = "port database -p scsi:3",
+            .result = tools::ShapeOf<RemotePortList>,
+        },
+    };
+    return kCommands;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,88 @@
+// port lockdown: does the firmware refuse changes?
+#include "vxmgr/app/bytes.h"
+#include "vxmgr/app/getters.h"
+#include "vxmgr/app/port_answers.h"
+#include "vxmgr/app/port_fields.h"
+#include "vxmgr/ports/commands.h"
+
+namespace vxmgr {
+namespace {
+
+using tools::ExitCode;
+using tools::Value;
+
+struct Lockdown {
+    bool lockedDown;
+    uint8_t state[64];
+};
+
+struct LockdownRow {
+    const Port* port;
+    std::optional<Lockdown> lockdown;
+};
+
+const tools::Fields<std::vector<LockdownRow>>& LockdownList() {
+    static const tools::Fields<LockdownRow> kRow = {
+        {PortKeys(kPortIndex | kPortName | kAdapterSerial), &LockdownRow::port},
+        {PortSerialAlias(), &LockdownRow::port},
+        {"locked_down", "Locked down", "LOCKED DOWN", tools::kFlag.OrNull(),
+         Of(&LockdownRow::lockdown,
+            [](const Lockdown& lockdown) {
+                return Value::Flag(lockdown.lockedDown)
+                    .In(lockdown.lockedDown ? tools::Tone::Warning : tools::Tone::Plain);
+            }),
+         "the firmware refuses changes of flash and settings; null: it does not tell"},
+        {"state", "State", tools::kText.OrNull(),
+         Of(&LockdownRow::lockdown,
+            [](const Lockdown& lockdown) { return HexDigits(BytesOf(lockdown.state)); }),
+         "what the firmware says of it: bytes whose meaning is its own"},
+        {PortStatus(), &LockdownRow::port},
+    };
+    static const auto kFields = tools::ListOf<std::vector<LockdownRow>>(
+        "lockdowns", "Lockdowns", kRow, tools::ListLayout::Table, "No ports.");
+    return kFields;
+}
+
+HX_STATUS AskLockdown(PortVisit& visit, std::optional<Lockdown>* lockdown) {
+    visit.query = "lockdown state";
+    Lockdown answer{};
+    const HX_STATUS status = HXGetAdapterLockdownState(visit.Handle(), 0, answer.state);
+    answer.lockedDown = status == HXMGT_FIRMWARE_LOCKDOWN;
+    if (!answer.lockedDown && status != HXMGT_SUCCESS) {
+        return status;
+    }
+    *lockdown = answer;
+    return HXMGT_SUCCESS;
+}
+
+ExitCode PortLockdown(tools::Invocation& invocation) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    const auto answers = ForEachPort<std::optional<Lockdown>>(
+        invocation, SelectPorts(invocation, ports), AskLockdown);
+    const ExitCode exit = ReportAnswers(invocation, answers);
+    std::vector<LockdownRow> rows;
+    for (const auto& one : answers) {
+        rows.push_back({one.port, one.answer});
+    }
+    invocation.Result() = LockdownList().Make(rows);
+    return exit;
+}
+
+}  // namespace
+
+tools::CommandRows LockdownCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "port lockdown",
+            .risk = tools::Risk::Reads,
+            .help = "show whether the firmware is locked down against changes",
+            .schema = "port.lockdown",
+            .run = PortLockdown,
+            .example = "port lockdown -p scsi:3",
+            .result = tools::ShapeOf<LockdownList>,
+        },
+    };
+    return kCommands;
+}
+
+}  // namespace vxmgr

@@ -1,0 +1,25 @@
+// The counters of a port as fields of its rows.
+#pragma once
+
+#include "vxmgr/ports/stats_counters.h"
+
+namespace vxmgr {
+
+enum StatsKind : unsigned {
+    kLinkKind = 1,
+    kTrafficKind = 2,
+    kScmKind = 4,
+    kPrivateKind = 8,
+    kLatencyKind = 16,
+    kAllKinds = 31,
+};
+
+// The counters of the link are among the row's own fields, the others in groups. shown: the kinds
+// that people see, as text and as columns; a group that is not among them is null.
+const tools::Fields<PortCounters>& CounterFields(unsigned shown);
+
+const tools::Fields<HX_PORT_STATISTICS>& LinkFields();
+const tools::Fields<HX_PRIVATE_STATISTICS>& PrivateFields();
+const tools::Fields<HX_PRIVATE_STATISTICS_EX>& LatencyFields();
+
+}  // namespace vxmgr
