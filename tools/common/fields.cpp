@@ -109,6 +109,41 @@ void AddListOf(const FieldShape& shape, std::vector<Record> records, Record& rec
     }
 }
 
+void AnyFieldRow::AppendShape(Shape& shape) const {
+    if (spliced_.empty()) {
+        shape.push_back(shape_);
+    }
+    shape.insert(shape.end(), spliced_.begin(), spliced_.end());
+}
+
+void AnyFieldRow::AddValue(Value value, Record& record) const {
+    const bool silent = value.IsNull() && shape_.type.quiet;
+    if (!value.IsNull() || !shape_.type.optional) {
+        record.Add(shape_.key, silent ? "" : shape_.label, std::move(value), shape_.column,
+                   shape_.width);
+    }
+}
+
+void AnyFieldRow::AddRawText(const std::string& text, Record& record) const {
+    if (!text.empty() || !shape_.type.optional) {
+        record.AddRaw(shape_.key, text);
+    }
+}
+
+Shape AnyFields::ShapeOfAll() const {
+    Shape shape;
+    for (const AnyFieldRow& row : rows_) {
+        row.AppendShape(shape);
+    }
+    return shape;
+}
+
+void AnyFields::AddAll(const void* source, Record& record) const {
+    for (const AnyFieldRow& row : rows_) {
+        row.Add(source, record);
+    }
+}
+
 std::string SchemaText(const char* name, const char* title, const Shape& shape) {
     Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
                    {"$id", std::string(name) + ".json"},

@@ -14,8 +14,10 @@
 //     }
 #pragma once
 
+#include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -157,28 +159,67 @@ concept GivesMaybe = std::is_pointer_v<Gotten<Get, Source>> ||
 template <class Source>
 class Fields;
 
+// A row without the type of its source, so that a row costs the compiler little: the getter is a
+// few bytes, and one function knows what they are.
+class AnyFieldRow {
+  public:
+    void AppendShape(Shape& shape) const;
+    void Add(const void* source, Record& record) const { add_(*this, source, record); }
+
+    // For the functions that add.
+    const FieldShape& OwnShape() const { return shape_; }
+    void AddValue(Value value, Record& record) const;
+    void AddRawText(const std::string& text, Record& record) const;
+    // What the getter gives of the source.
+    template <class Source, class Get>
+    decltype(auto) Of(const void* source) const {
+        alignas(Get) unsigned char bytes[sizeof(Get)];
+        std::memcpy(bytes, get_, sizeof bytes);
+        return std::invoke(*std::launder(reinterpret_cast<const Get*>(bytes)),
+                           *static_cast<const Source*>(source));
+    }
+    // The table of a group, a list or a splice.
+    template <class Part>
+    const Fields<Part>& Table() const {
+        return *static_cast<const Fields<Part>*>(fields_);
+    }
+
+  protected:
+    using AddFunction = void (*)(const AnyFieldRow& row, const void* source, Record& record);
+
+    AnyFieldRow(FieldShape shape, AddFunction add) : shape_(std::move(shape)), add_(add) {}
+
+    template <class Get>
+    void Keep(Get get) {
+        static_assert(std::is_trivially_copyable_v<Get> && sizeof get <= sizeof get_);
+        std::memcpy(get_, &get, sizeof get);
+    }
+
+    FieldShape shape_;
+    Shape spliced_{};
+    const void* fields_ = nullptr;
+
+  private:
+    AddFunction add_;
+    unsigned char get_[32] = {};
+};
+
 // One row of a table.
 template <class Source>
-class FieldRow {
+class FieldRow : public AnyFieldRow {
   public:
     // A value. get: a member, a member function or a function of the source.
     template <class Get>
     FieldRow(const char* key, const char* label, const char* column, FieldType type, Get get,
              const char* about = "", size_t width = 0)
-        : shape_{.key = key,
-                 .label = label,
-                 .column = column,
-                 .about = about,
-                 .type = type,
-                 .width = width} {
-        add_ = [shape = shape_, get](const Source& source, Record& record) {
-            Value value = ToValue(shape.type, std::invoke(get, source));
-            const bool silent = value.IsNull() && shape.type.quiet;
-            if (!value.IsNull() || !shape.type.optional) {
-                record.Add(shape.key, silent ? "" : shape.label, std::move(value), shape.column,
-                           shape.width);
-            }
-        };
+        : AnyFieldRow({.key = key,
+                       .label = label,
+                       .column = column,
+                       .about = about,
+                       .type = type,
+                       .width = width},
+                      &AddOne<Get>) {
+        Keep(get);
     }
     template <class Get>
     requires std::is_invocable_v<Get, const Source&> FieldRow(const char* key, const char* label,
@@ -188,13 +229,12 @@ class FieldRow {
 
     // A group of fields of the same source.
     FieldRow(const char* key, const char* label, const Fields<Source>& fields)
-        : shape_{.key = key,
-                 .label = label,
-                 .kind = FieldKind::Group,
-                 .children = fields.ShapeOfAll()} {
-        add_ = [shape = shape_, &fields](const Source& source, Record& record) {
-            record.AddGroup(shape.key, shape.label, fields.Make(source));
-        };
+        : AnyFieldRow({.key = key,
+                       .label = label,
+                       .kind = FieldKind::Group,
+                       .children = fields.ShapeOfAll()},
+                      &AddOwnGroup) {
+        fields_ = &fields;
     }
 
     // A group of something that the source has, or may have: get gives a pointer or an
@@ -204,59 +244,35 @@ class FieldRow {
                                                     const Fields<Part>& fields, Get get,
                                                     const char* about = "",
                                                     FieldType type = kGroup.OrAbsent())
-        : shape_{.key = key,
-                 .label = label,
-                 .about = about,
-                 .kind = FieldKind::Group,
-                 .type = type,
-                 .children = fields.ShapeOfAll()} {
-        add_ = [shape = shape_, &fields, get](const Source& source, Record& record) {
-            if (const auto& part = std::invoke(get, source)) {
-                record.AddGroup(shape.key, shape.label, fields.Make(*part));
-            } else if (shape.type.nullable) {
-                record.Add(shape.key, "", Value());
-                record.Fields().back().prototype = {PrototypeOf(shape.children)};
-            }
-        };
+        : AnyFieldRow({.key = key,
+                       .label = label,
+                       .about = about,
+                       .kind = FieldKind::Group,
+                       .type = type,
+                       .children = fields.ShapeOfAll()},
+                      &AddGroup<Part, Get>) {
+        Keep(get);
+        fields_ = &fields;
     }
 
     // The fields of a part, among the source's own. get gives the part, a pointer to it, or an
     // std::optional one, without which they are left out.
     template <class Part, class Get>
-    FieldRow(const Fields<Part>& fields, Get get) : spliced_(fields.ShapeOfAll()) {
-        constexpr bool kMaybe =
-            kIsOptional<Gotten<Get, Source>> && !std::is_same_v<Gotten<Get, Source>, Part>;
-        if constexpr (kMaybe) {
-            for (FieldShape& field : spliced_) {
-                field.type.optional = true;
-            }
+    FieldRow(const Fields<Part>& fields, Get get) : AnyFieldRow({}, &AddPart<Part, Get>) {
+        Keep(get);
+        fields_ = &fields;
+        spliced_ = fields.ShapeOfAll();
+        for (FieldShape& field : spliced_) {
+            field.type.optional |= kMayLack<Part, Get>;
         }
-        add_ = [&fields, get](const Source& source, Record& record) {
-            decltype(auto) part = std::invoke(get, source);
-            if constexpr (std::is_pointer_v<Gotten<Get, Source>>) {
-                fields.AddTo(*part, record);
-            } else if constexpr (kMaybe) {
-                if (part) {
-                    fields.AddTo(*part, record);
-                }
-            } else {
-                fields.AddTo(part, record);
-            }
-        };
     }
 
     // A text that text mode prints as it is.
     template <class Get>
     static FieldRow Raw(const char* key, FieldType type, Get get, const char* about = "") {
-        FieldRow row(key, "", type, get, about);
-        row.shape_.kind = FieldKind::Raw;
-        row.add_ = [shape = row.shape_, get](const Source& source, Record& record) {
-            const std::string text = std::invoke(get, source);
-            if (!text.empty() || !shape.type.optional) {
-                record.AddRaw(shape.key, text);
-            }
-        };
-        return row;
+        return FieldRow(
+            FieldShape{.key = key, .about = about, .kind = FieldKind::Raw, .type = type},
+            &AddText<Get>, get);
     }
 
     // A list. get gives a range of elements, or of pointers to them; where it gives an
@@ -266,88 +282,136 @@ class FieldRow {
         FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
                  ListLayout layout = ListLayout::Table, const char* emptyText = "",
                  const char* about = "", const char* spreadBy = "")
-        : shape_{.key = key,
-                 .label = label,
-                 .about = about,
-                 .kind = FieldKind::List,
-                 .children = fields.ShapeOfAll(),
-                 .layout = layout,
-                 .emptyText = emptyText,
-                 .spreadBy = spreadBy} {
+        : AnyFieldRow({.key = key,
+                       .label = label,
+                       .about = about,
+                       .kind = FieldKind::List,
+                       .children = fields.ShapeOfAll(),
+                       .layout = layout,
+                       .emptyText = emptyText,
+                       .spreadBy = spreadBy},
+                      &AddList<Element, Get>) {
+        Keep(get);
+        fields_ = &fields;
         shape_.type.optional = kIsOptional<Gotten<Get, Source>>;
-        const auto addRange = [shape = shape_, &fields](const auto& range, Record& record) {
-            std::vector<Record> records;
-            for (const auto& element : range) {
-                if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(element)>>) {
-                    records.push_back(fields.Make(*element));
-                } else {
-                    records.push_back(fields.Make(element));
-                }
-            }
-            AddListOf(shape, std::move(records), record);
-        };
-        add_ = [addRange, get](const Source& source, Record& record) {
-            const auto& range = std::invoke(get, source);
-            if constexpr (!kIsOptional<Gotten<Get, Source>>) {
-                addRange(range, record);
-            } else if (range) {
-                addRange(*range, record);
-            }
-        };
     }
-
-    void AppendShape(Shape& shape) const {
-        if (spliced_.empty()) {
-            shape.push_back(shape_);
-        }
-        shape.insert(shape.end(), spliced_.begin(), spliced_.end());
-    }
-    void Add(const Source& source, Record& record) const { add_(source, record); }
 
   private:
-    FieldShape shape_;
-    Shape spliced_;
-    std::function<void(const Source&, Record&)> add_;
+    template <class Get>
+    FieldRow(FieldShape shape, AddFunction add, Get get) : AnyFieldRow(std::move(shape), add) {
+        Keep(get);
+    }
+
+    // Whether a spliced part may be missing; an optional that is the part itself may not.
+    template <class Part, class Get>
+    static constexpr bool kMayLack =
+        kIsOptional<Gotten<Get, Source>> && !std::is_same_v<Gotten<Get, Source>, Part>;
+
+    template <class Get>
+    static void AddOne(const AnyFieldRow& row, const void* source, Record& record) {
+        row.AddValue(ToValue(row.OwnShape().type, row.Of<Source, Get>(source)), record);
+    }
+
+    template <class Get>
+    static void AddText(const AnyFieldRow& row, const void* source, Record& record) {
+        row.AddRawText(row.Of<Source, Get>(source), record);
+    }
+
+    static void AddOwnGroup(const AnyFieldRow& row, const void* source, Record& record) {
+        record.AddGroup(row.OwnShape().key, row.OwnShape().label,
+                        row.Table<Source>().Make(*static_cast<const Source*>(source)));
+    }
+
+    template <class Part, class Get>
+    static void AddGroup(const AnyFieldRow& row, const void* source, Record& record) {
+        if (const auto& part = row.Of<Source, Get>(source)) {
+            record.AddGroup(row.OwnShape().key, row.OwnShape().label,
+                            row.Table<Part>().Make(*part));
+        } else if (row.OwnShape().type.nullable) {
+            record.Add(row.OwnShape().key, "", Value());
+            record.Fields().back().prototype = {PrototypeOf(row.OwnShape().children)};
+        }
+    }
+
+    template <class Part, class Get>
+    static void AddPart(const AnyFieldRow& row, const void* source, Record& record) {
+        const Fields<Part>& fields = row.Table<Part>();
+        decltype(auto) part = row.Of<Source, Get>(source);
+        if constexpr (std::is_pointer_v<Gotten<Get, Source>>) {
+            fields.AddTo(*part, record);
+        } else if constexpr (kMayLack<Part, Get>) {
+            if (part) {
+                fields.AddTo(*part, record);
+            }
+        } else {
+            fields.AddTo(part, record);
+        }
+    }
+
+    template <class Element, class Get>
+    static void AddList(const AnyFieldRow& row, const void* source, Record& record) {
+        const auto& given = row.Of<Source, Get>(source);
+        const auto* range = [&] {
+            if constexpr (kIsOptional<Gotten<Get, Source>>) {
+                return given ? &*given : nullptr;
+            } else {
+                return &given;
+            }
+        }();
+        if (range == nullptr) {
+            return;
+        }
+        std::vector<Record> records;
+        for (const auto& element : *range) {
+            if constexpr (std::is_pointer_v<std::remove_cvref_t<decltype(element)>>) {
+                records.push_back(row.Table<Element>().Make(*element));
+            } else {
+                records.push_back(row.Table<Element>().Make(element));
+            }
+        }
+        AddListOf(row.OwnShape(), std::move(records), record);
+    }
+};
+
+// A table without the type of its source.
+class AnyFields {
+  public:
+    Shape ShapeOfAll() const;
+    Record Prototype() const { return PrototypeOf(ShapeOfAll()); }
+
+  protected:
+    template <class Rows>
+    explicit AnyFields(const Rows& rows) : rows_(rows.begin(), rows.end()) {}
+
+    void AddAll(const void* source, Record& record) const;
+
+  private:
+    std::vector<AnyFieldRow> rows_;
 };
 
 // A table. It stands in a function's static object, so that others may refer to it.
 template <class Source>
-class Fields {
+class Fields : public AnyFields {
   public:
-    Fields(std::initializer_list<FieldRow<Source>> rows) : rows_(rows) {}
-    Fields(std::vector<FieldRow<Source>> rows) : rows_(std::move(rows)) {}
+    Fields(std::initializer_list<FieldRow<Source>> rows) : AnyFields(rows) {}
+    Fields(std::vector<FieldRow<Source>> rows) : AnyFields(rows) {}
 
     // A record of everything with a heading of its own in text mode.
     Fields(std::string (*title)(const Source&), std::initializer_list<FieldRow<Source>> rows)
-        : title_(title), rows_(rows) {}
+        : AnyFields(rows), title_(title) {}
 
     Record Make(const Source& source) const {
         Record record;
         if (title_ != nullptr) {
             record.title = title_(source);
         }
-        AddTo(source, record);
+        AddAll(&source, record);
         return record;
     }
-    void AddTo(const Source& source, Record& record) const {
-        for (const FieldRow<Source>& row : rows_) {
-            row.Add(source, record);
-        }
-    }
-
-    Shape ShapeOfAll() const {
-        Shape shape;
-        for (const FieldRow<Source>& row : rows_) {
-            row.AppendShape(shape);
-        }
-        return shape;
-    }
-
-    Record Prototype() const { return PrototypeOf(ShapeOfAll()); }
+    void AddTo(const Source& source, Record& record) const { AddAll(&source, record); }
 
   private:
     std::string (*title_)(const Source&) = nullptr;
-    std::vector<FieldRow<Source>> rows_;
 };
 
 // The fields of a result that is one list.
