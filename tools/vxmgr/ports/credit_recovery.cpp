@@ -40,8 +40,8 @@ Value RecoveryNumber(const Recovery& recovery) {
 }  // namespace
 
 const tools::Fields<Recovery>& CreditRecoveryFields() {
-    constexpr auto kNumber = tools::kInteger.OrNull();
-    constexpr auto kCount = tools::kCounter.OrNull();
+    constexpr auto kNumber = tools::kInteger.OrNull().Quiet();
+    constexpr auto kCount = tools::kCounter.OrNull().Quiet();
     static const tools::Fields<Recovery> kFields = {
         {"state", "State", tools::Choice(kRecoveryStates).OrNull(), RecoveryState},
         {"reason", "Why it is off", tools::Choice(kRecoveryReasons).OrNull().Quiet(),
