@@ -14,6 +14,7 @@ tools::CommandRows PortCommands();
 tools::CommandRows ProfileCommands();
 tools::CommandRows FaultCommands();
 tools::CommandRows TargetCommands();
+tools::CommandRows CounterCommands();
 tools::CommandRows FlashCommands();
 
 }  // namespace vxemu
