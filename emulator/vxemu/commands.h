@@ -15,6 +15,7 @@ tools::CommandRows ProfileCommands();
 tools::CommandRows FaultCommands();
 tools::CommandRows TargetCommands();
 tools::CommandRows CounterCommands();
+tools::CommandRows TraceCommands();
 tools::CommandRows FlashCommands();
 
 }  // namespace vxemu
