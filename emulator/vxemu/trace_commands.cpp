@@ -41,6 +41,12 @@ std::string RequestName(const TraceEntry& entry) {
     FaultRule rule = {};
     rule.code = entry.code;
     rule.subCode = entry.subCode == kPlainRequest ? kAnySubCode : entry.subCode;
+    const std::string name = FormatFaultCode(rule);
+    if (!name.starts_with("0x")) {
+        return name;
+    }
+    // The sub-code may select something, such as a region.
+    rule.subCode = kAnySubCode;
     return FormatFaultCode(rule);
 }
 
