@@ -39,6 +39,11 @@ uint64_t Milliseconds(void*) {
     return ticks / perSecond * 1000 + ticks % perSecond * 1000 / perSecond;
 }
 
+// A request is served on behalf of the process that sent it.
+uint32_t RequestingProcess(void*) {
+    return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(PsGetCurrentProcessId()));
+}
+
 void EnterCommon(void* shared) {
     static_cast<Shared*>(shared)->access.Common().lock();
 }
@@ -74,8 +79,8 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
     vxemu::Profile* profile = nullptr;
     NTSTATUS status = LoadProfile(registryPath, &profile);
     if (NT_SUCCESS(status)) {
-        const vxemu::Host host = {shared,       AllocateForModel, ReleaseForModel,
-                                  Milliseconds, EnterCommon,      LeaveCommon};
+        const vxemu::Host host = {shared,      AllocateForModel, ReleaseForModel,  Milliseconds,
+                                  EnterCommon, LeaveCommon,      RequestingProcess};
         shared->model = vxemu::Model::Create(host, *profile);
         Release(profile);
         status = STATUS_INSUFFICIENT_RESOURCES;

@@ -194,6 +194,51 @@ Completion ControlRequest::ChangeLunField() {
                : Completion::ShortBuffer;
 }
 
+Completion ControlRequest::StartTrace() {
+    if (inputLength_ < sizeof(TraceName)) {
+        return Completion::ShortBuffer;
+    }
+    TraceName& name = model_.traceName_;
+    const bool started = model_.trace_.Start(model_.host_);
+    if (started) {
+        std::memcpy(&name, buffer_, sizeof name);
+        name.file[sizeof name.file - 1] = 0;
+    }
+    return ReplyCount(started ? 1 : 0);
+}
+
+Completion ControlRequest::StopTrace() {
+    const bool running = model_.trace_.Running();
+    model_.trace_.Stop(model_.host_);
+    return ReplyCount(running ? 1 : 0);
+}
+
+Completion ControlRequest::ReadTrace() {
+    TraceSelector request;
+    if (!Take(request) || outputLength_ < sizeof(TracePiece)) {
+        return Completion::ShortBuffer;
+    }
+    std::memset(buffer_, 0, sizeof(TracePiece));
+    auto& reply = *reinterpret_cast<TracePiece*>(buffer_);
+    const Trace& trace = model_.trace_;
+    reply.version = kControlVersion;
+    reply.now = model_.host_.Now();
+    if (trace.Running()) {
+        constexpr uint64_t kRoom = sizeof reply.entries / sizeof reply.entries[0];
+        reply.running = 1;
+        reply.name = model_.traceName_;
+        reply.lost = trace.First();
+        reply.end = trace.End();
+        reply.first = request.from < trace.First() ? trace.First() : request.from;
+        while (reply.count < kRoom && reply.first + reply.count < trace.End()) {
+            reply.entries[reply.count] = trace.At(reply.first + reply.count);
+            ++reply.count;
+        }
+    }
+    *returned_ = sizeof(TracePiece);
+    return Completion::Done;
+}
+
 namespace {
 
 struct ControlRow {
@@ -221,6 +266,9 @@ constexpr ControlRow kControlRows[] = {
     {control::kFlashCorrupt, &ControlRequest::CorruptFlash},
     {control::kPowerFail, &ControlRequest::FailPower},
     {control::kRaiseCounter, &ControlRequest::Raise},
+    {control::kTraceStart, &ControlRequest::StartTrace},
+    {control::kTraceStop, &ControlRequest::StopTrace},
+    {control::kTraceRead, &ControlRequest::ReadTrace},
 };
 
 }  // namespace

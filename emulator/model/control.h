@@ -9,6 +9,7 @@
 #include "model/faults.h"
 #include "model/profile/profile.h"
 #include "model/storage/flash_regions.h"
+#include "model/trace.h"
 #include "properties/driver_replies.h"
 
 namespace vxemu {
@@ -28,6 +29,7 @@ inline constexpr uint32_t kFaultList = ControlCode(1, false);     // - / FaultLi
 inline constexpr uint32_t kReadProfile = ControlCode(2, false);   // - / Profile as it stands
 inline constexpr uint32_t kFlashShow = ControlCode(3, false);     // PortSelector / FlashReport
 inline constexpr uint32_t kFlashDump = ControlCode(4, false);     // FlashSelector / FlashPiece
+inline constexpr uint32_t kTraceRead = ControlCode(5, false);     // TraceSelector / TracePiece
 inline constexpr uint32_t kFaultAdd = ControlCode(16, true);      // FaultRule / CountReply: id
 inline constexpr uint32_t kFaultClear = ControlCode(17, true);    // FaultClear / CountReply
 inline constexpr uint32_t kPortReset = ControlCode(18, true);     // PortSelector / -
@@ -43,6 +45,8 @@ inline constexpr uint32_t kLunSet = ControlCode(27, true);     // LunFieldReques
 inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);  // FlashSelector / CountReply
 inline constexpr uint32_t kPowerFail = ControlCode(29, true);     // PowerFailRequest / -
 inline constexpr uint32_t kRaiseCounter = ControlCode(30, true);  // CounterRequest / CountReply
+inline constexpr uint32_t kTraceStart = ControlCode(31, true);    // TraceName / CountReply: 1 done
+inline constexpr uint32_t kTraceStop = ControlCode(32, true);     // - / CountReply
 }  // namespace control
 
 #pragma pack(push, 1)
@@ -214,6 +218,23 @@ struct PowerFailRequest {
     uint32_t afterBytes;
 };
 static_assert(sizeof(PowerFailRequest) == 8);
+
+struct TraceSelector {
+    uint64_t from;  // number of the first entry that is wanted
+};
+struct TracePiece {
+    uint32_t version;  // kControlVersion
+    uint32_t count;    // of these entries
+    uint64_t first;    // number of the first of them
+    uint64_t lost;     // that have given way since the start
+    uint64_t end;      // number that the next request gets
+    uint64_t now;      // of the clock of the entries
+    uint8_t running;
+    uint8_t reserved41[7];
+    TraceName name;
+    TraceEntry entries[256];
+};
+static_assert(sizeof(TracePiece) == 48 + sizeof(TraceName) + 256 * sizeof(TraceEntry));
 
 // What is wrong with the profile that the change would lead to; nothing has changed then.
 struct ChangeReply {

@@ -41,6 +41,9 @@ class ControlRequest {
     Completion CorruptFlash();
     Completion FailPower();
     Completion Raise();
+    Completion StartTrace();
+    Completion StopTrace();
+    Completion ReadTrace();
 
   private:
     static void Describe(const Port& port, PortStatus& status) {

@@ -17,6 +17,10 @@ struct Host {
     void (*enter)(void* context) = nullptr;
     void (*leave)(void* context) = nullptr;
 
+    // The process that the request at hand comes from; null where the host does not know.
+    uint32_t (*process)(void* context) = nullptr;
+
+    uint32_t Process() const { return process != nullptr ? process(context) : 0; }
     uint64_t Now() const { return milliseconds(context); }
 
     template <typename Action>

@@ -124,6 +124,7 @@ void Model::Destroy(Model* model) {
         }
     };
     model->fabric_.store.Clear(host);
+    model->trace_.Stop(host);
     if (model->ports_ != nullptr && model->flashes_ != nullptr && model->profile_ != nullptr) {
         for (uint32_t index = 0; index < model->PortCount(); ++index) {
             release(model->ports_[index].eeprom);
@@ -164,6 +165,34 @@ void Model::CountHandle(uint32_t port, int32_t change) {
 
 Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
                           uint32_t outputLength, uint32_t* returned, uint32_t* delay) {
+    if (!trace_.Running() || port >= PortCount()) {
+        return Serve(port, buffer, inputLength, outputLength, returned, delay);
+    }
+    ExtRequest request = {};
+    std::memcpy(&request, buffer, Min(inputLength, sizeof request));
+    const bool plain = IsPlainCode(request.srb.controlCode);
+    TraceEntry entry = {};
+    entry.time = host_.Now();
+    entry.scsiPort = ports_[port].profile->scsiPort;
+    entry.process = host_.Process();
+    entry.code = request.srb.controlCode;
+    entry.subCode = plain ? kPlainRequest : request.ext.subCode;
+    entry.inputLength = inputLength;
+    entry.outputLength = outputLength;
+    const Completion completion = Serve(port, buffer, inputLength, outputLength, returned, delay);
+    entry.completion = static_cast<uint32_t>(completion);
+    entry.returned = *returned;
+    if (!plain && completion == Completion::Done && *returned >= sizeof request) {
+        std::memcpy(&request, buffer, sizeof request);
+        entry.status = request.ext.status;
+        entry.detail = request.ext.detailStatus;
+    }
+    trace_.Add(host_, entry);
+    return completion;
+}
+
+Completion Model::Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
+                        uint32_t* returned, uint32_t* delay) {
     *returned = 0;
     if (delay != nullptr) {
         *delay = 0;

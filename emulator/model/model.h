@@ -19,6 +19,7 @@
 #include "model/port.h"
 #include "model/profile/profile.h"
 #include "model/storage/flash.h"
+#include "model/trace.h"
 
 namespace vxemu {
 
@@ -73,6 +74,8 @@ class Model {
   private:
     friend class ControlRequest;
 
+    Completion Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
+                     uint32_t* returned, uint32_t* delay);
     Completion AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLength,
                               uint32_t outputLength, FaultAction fault, uint32_t* returned);
     Completion AnswerPlain(Port& port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
@@ -89,6 +92,8 @@ class Model {
     Fabric fabric_;
     FaultList faults_;
     uint64_t startTime_;
+    Trace trace_;
+    TraceName traceName_;
 };
 
 }  // namespace vxemu

@@ -66,5 +66,6 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/storage/sfp_handlers.cpp
     emulator/model/statistics.cpp
     emulator/model/fabric/stored_config.cpp
+    emulator/model/trace.cpp
     emulator/model/storage/vpd_content.cpp
 )

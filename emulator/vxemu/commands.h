@@ -14,6 +14,8 @@ tools::CommandRows PortCommands();
 tools::CommandRows ProfileCommands();
 tools::CommandRows FaultCommands();
 tools::CommandRows TargetCommands();
+tools::CommandRows CounterCommands();
+tools::CommandRows TraceCommands();
 tools::CommandRows FlashCommands();
 
 }  // namespace vxemu

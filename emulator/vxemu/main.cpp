@@ -11,8 +11,8 @@ using tools::CommandGroup;
 
 // The order of the help.
 constexpr tools::CommandRows (*kFiles[])() = {
-    ServiceCommands, StatusCommands, PortCommands,  ProfileCommands,
-    FaultCommands,   TargetCommands, FlashCommands,
+    ServiceCommands, StatusCommands,  PortCommands,  ProfileCommands, FaultCommands,
+    TargetCommands,  CounterCommands, TraceCommands, FlashCommands,
 };
 
 constexpr CommandGroup kGroups[] = {
@@ -22,6 +22,8 @@ constexpr CommandGroup kGroups[] = {
     {"port", "values of a running port"},
     {"target", "what the running ports are connected to"},
     {"lun", "disks of a target"},
+    {"stats", "counters of the running ports"},
+    {"trace", "what the running ports are asked"},
     {"flash", "flash of the running adapters"},
 };
 

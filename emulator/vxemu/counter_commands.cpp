@@ -1,0 +1,176 @@
+// stats bump, scm.
+#include <cstring>
+#include <optional>
+
+#include "commands.h"
+#include "field_text.h"
+#include "model/bytes/bytes.h"
+#include "model/health/counter_keys.h"
+#include "port_rows.h"
+#include "running_driver.h"
+
+namespace vxemu {
+namespace {
+
+using tools::ExitCode;
+using tools::Invocation;
+
+struct RaisedCounter {
+    CounterRequest request;
+    bool remote;
+};
+
+const tools::Fields<RaisedCounter>& RaisedCounterFields() {
+    static const tools::Fields<RaisedCounter> kFields = {
+        {PortNameFields(), [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
+        {"target", "Target", tools::kWwn.OrNull(),
+         [](const RaisedCounter& raised) {
+             return raised.remote ? std::optional(tools::Wwn::Of(raised.request.target.portName))
+                                  : std::nullopt;
+         }},
+        {"counter", "Counter", tools::kText,
+         [](const RaisedCounter& raised) { return std::string(raised.request.key); }},
+        {"by", "Raised by", tools::kCounter,
+         [](const RaisedCounter& raised) { return uint64_t{raised.request.n}; }},
+    };
+    return kFields;
+}
+
+bool IsCongestion(const CounterKey& counter) {
+    return counter.group == CounterGroup::Fpin || counter.group == CounterGroup::Signals;
+}
+
+bool IsAny(const CounterKey&) {
+    return true;
+}
+
+std::string KeysOf(bool (*accepts)(const CounterKey&), bool remote) {
+    std::string names;
+    for (const CounterKey& counter : CounterKeys()) {
+        if (accepts(counter) && (counter.remote || !remote)) {
+            names += (names.empty() ? "" : ", ") + std::string(counter.key);
+        }
+    }
+    return names;
+}
+
+// The key, among those that the command takes.
+const CounterKey& RequireCounter(Invocation& invocation, const std::string& text, const char* what,
+                                 bool (*accepts)(const CounterKey&), bool remote) {
+    const CounterKey* counter = FindCounter(text.c_str(), text.size() + 1);
+    if (counter == nullptr || !accepts(*counter) || (remote && !counter->remote)) {
+        const std::string about = remote ? " that a port keeps about a target" : "";
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not " + what + about,
+                        "give one of " + KeysOf(accepts, remote));
+    }
+    return *counter;
+}
+
+TargetSelector RequireTarget(Invocation& invocation, const std::string& text) {
+    const Field* field = FindField(FieldScope::Target, "port_name", sizeof "port_name");
+    TargetSelector target = {};
+    std::string wanted;
+    if (!ParseField(*field, text, target.portName, &wanted)) {
+        invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not a port name",
+                        "give 8 bytes in hexadecimal, as in 2b:00:02:45:4d:00:01:00");
+    }
+    return target;
+}
+
+ExitCode Raise(Invocation& invocation, const char* keyArgument, const char* what,
+               bool (*accepts)(const CounterKey&)) {
+    const tools::Options& given = invocation.Given();
+    RaisedCounter raised = {};
+    raised.remote = given.Has("target");
+    raised.request.scsiPort = RequirePort(invocation, given.Text("PORT"));
+    const CounterKey& counter =
+        RequireCounter(invocation, given.Text(keyArgument), what, accepts, raised.remote);
+    CopyText(raised.request.key, counter.key);
+    raised.request.n = given.Number("N").value_or(1);
+    if (raised.remote) {
+        raised.request.target = RequireTarget(invocation, given.Text("target"));
+    }
+    RunningDriver driver(invocation, true);
+    if (!invocation.DryRun()) {
+        driver.SendForCount(
+            control::kRaiseCounter, raised.request,
+            raised.remote ? given.Text("target") : PortName(raised.request.scsiPort));
+        invocation.Changed();
+    }
+    invocation.Result() = RaisedCounterFields().Make(raised);
+    return ExitCode::Done;
+}
+
+ExitCode RunStatsBump(Invocation& invocation) {
+    return Raise(invocation, "KEY", "a counter", IsAny);
+}
+
+ExitCode RunScm(Invocation& invocation) {
+    return Raise(invocation, "KIND", "a kind of FPIN or congestion signal", IsCongestion);
+}
+
+tools::Shape RaisedCounterShape() {
+    return RaisedCounterFields().ShapeOfAll();
+}
+
+std::string CounterNotes() {
+    return "Counters: " + KeysOf(IsAny, false) + ".";
+}
+
+std::string CongestionNotes() {
+    return "Kinds: " + KeysOf(IsCongestion, false) + ".";
+}
+
+constexpr uint64_t kMostRaised = uint64_t{1} << 48;
+constexpr tools::Argument kTargetOption = {
+    .name = "-t,--target",
+    .valueName = "TARGET",
+    .help = "port name of a target: what the port has counted about it"};
+constexpr tools::Argument kBump[] = {
+    kPortArgument,
+    {.name = "KEY", .help = "the counter, as vxmgr names it", .required = true},
+    {.name = "N",
+     .kind = tools::ArgumentKind::Number,
+     .help = "how much",
+     .required = true,
+     .most = kMostRaised},
+    kTargetOption,
+};
+constexpr tools::Argument kScm[] = {
+    kPortArgument,
+    {.name = "KIND", .help = "the kind of FPIN, or of congestion signal", .required = true},
+    {.name = "N", .kind = tools::ArgumentKind::Number, .help = "how many (1)", .most = kMostRaised},
+    kTargetOption,
+};
+
+}  // namespace
+
+tools::CommandRows CounterCommands() {
+    static const tools::Command kCommands[] = {
+        {
+            .path = "stats bump",
+            .risk = tools::Risk::Reversible,
+            .help = "raise a counter of a port, or what it has counted about a target",
+            .schema = "stats.bump",
+            .arguments = kBump,
+            .run = RunStatsBump,
+            .example = "stats bump scsi:3 invalid_crcs 5",
+            .result = RaisedCounterShape,
+            .notes = CounterNotes,
+        },
+        {
+            .path = "scm",
+            .risk = tools::Risk::Reversible,
+            .help = "let the fabric tell a port of congestion and damaged links",
+            .schema = "scm",
+            .arguments = kScm,
+            .run = RunScm,
+            .example = "scm scsi:3 credit_stall 2",
+            .result = RaisedCounterShape,
+            .notes = CongestionNotes,
+        },
+    };
+    return kCommands;
+}
+
+}  // namespace vxemu
