@@ -58,7 +58,8 @@ std::string KeysOf(bool (*accepts)(const CounterKey&), bool remote) {
 const CounterKey& RequireCounter(Invocation& invocation, const std::string& text, const char* what,
                                  bool (*accepts)(const CounterKey&), bool remote) {
     const CounterKey* counter = FindCounter(text.c_str(), text.size() + 1);
-    if (counter == nullptr || !accepts(*counter) || (remote && !counter->remote)) {
+    const bool taken = counter != nullptr && accepts(*counter) && (counter->remote || !remote);
+    if (!taken) {
         const std::string about = remote ? " that a port keeps about a target" : "";
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not " + what + about,
                         "give one of " + KeysOf(accepts, remote));

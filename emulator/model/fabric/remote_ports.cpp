@@ -45,7 +45,7 @@ void AddDiagnostics(const Port& port, const TargetProfile& device, HX_REMOTE_POR
     record.bias = Quantity(page, 2);
     record.txPower = Quantity(page, 3);
     record.rxPower = Quantity(page, 4);
-    uint32_t errors[kLinkErrorCounters];
+    uint32_t errors[kLinkErrorCounters] = {};
     static_assert(sizeof errors == sizeof record.errors);
     for (uint32_t counter = 0; counter < kLinkErrorCounters; ++counter) {
         errors[counter] = static_cast<uint32_t>(RemoteLinkErrors(port, device, counter));
