@@ -1,9 +1,12 @@
 #include "vxmgr/ports/stats_fields.h"
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <numeric>
+
+#include "vxmgr/app/getters.h"
 
 namespace vxmgr {
 namespace {
@@ -103,7 +106,7 @@ bool HasState(const ScmReading& reading) {
 // What concerns a remote port has no throttling of its own.
 template <auto member>
 Value OwnNumber(const ScmReading& reading) {
-    return reading.ofRemotePort ? Value() : Value::Number(reading.record.*member);
+    return reading.ofRemotePort ? Value() : Value::Number(Packed<member>(reading.record));
 }
 
 Value SeverityValue(const ScmReading& reading) {
@@ -207,9 +210,11 @@ size_t BucketsOf(const Latency& latency) {
 
 template <LatencyBuckets counts>
 std::vector<Bucket> FilledBuckets(const Latency& latency) {
+    uint64_t all[HX_LATENCY_BUCKETS];
+    std::memcpy(all, &(latency.*counts), sizeof all);
     std::vector<Bucket> buckets;
     for (size_t i = 0; i < BucketsOf(latency); ++i) {
-        const uint64_t count = (latency.*counts)[i];
+        const uint64_t count = all[i];
         if (count != 0 && count != HX_NOT_COUNTED) {
             buckets.push_back({i, HX_LATENCY_BUCKETS - 1, count});
         }
@@ -229,7 +234,7 @@ uint64_t CommandsOf(const Latency& latency) {
 template <LatencyBuckets counts, uint64_t Latency::*time>
 Value AverageOf(const Latency& latency) {
     const uint64_t commands = CommandsOf<counts>(latency);
-    const uint64_t whole = latency.*time;
+    const uint64_t whole = Packed<time>(latency);
     return commands == 0 || whole == HX_NOT_COUNTED ? Value()
                                                     : Value::Number(whole / commands, "us");
 }
