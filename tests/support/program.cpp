@@ -53,9 +53,18 @@ void Process::Start(std::string commandLine, HANDLE in, HANDLE out, HANDLE err) 
     startup.hStdInput = in;
     startup.hStdOutput = out;
     startup.hStdError = err;
-    std::string line = commandLine_;
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &process_)) {
+    // Wine on a busy machine fails now and then to start a program, with an internal error of its
+    // own, before anything of the program has run.
+    BOOL started = FALSE;
+    for (int attempt = 0; !started && attempt < 5; ++attempt) {
+        std::string line = commandLine_;
+        started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                 &startup, &process_);
+        if (!started && GetLastError() != ERROR_INTERNAL_ERROR) {
+            break;
+        }
+    }
+    if (!started) {
         ADD_FAILURE() << "does not start: " << commandLine_ << ", error " << GetLastError();
     }
     for (const HANDLE handle : {in, out, err}) {
