@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "events/event_ring.h"
+#include "formats/loop_address.h"
 #include "frame/driver_parameter_text.h"
 #include "frame/driver_version.h"
 #include "frame/hex_dump.h"
-#include "frame/loop_ids.h"
 #include "properties/adapter_texts.h"
 #include "properties/chip_families.h"
 #include "transport/envelope.h"
@@ -49,13 +49,13 @@ TEST(Pure, LoopIdsAreTheNeutralCharactersDownwardsFromEf) {
     uint16_t id = 0;
     for (int byte = 0xEF; byte >= 0; --byte) {
         if (IsNeutral(static_cast<uint32_t>(byte))) {
-            EXPECT_EQ(static_cast<uint32_t>(byte), frame::AlPaOfLoopId(id)) << id;
+            EXPECT_EQ(byte, formats::LoopAddressOf(id)) << id;
             ++id;
         }
     }
     EXPECT_EQ(127, id);
-    EXPECT_EQ(0u, frame::AlPaOfLoopId(127));
-    EXPECT_EQ(0u, frame::AlPaOfLoopId(0xFFFF));
+    EXPECT_EQ(0u, formats::LoopAddressOf(127));
+    EXPECT_EQ(0u, formats::LoopAddressOf(0xFFFF));
 }
 
 TEST(Pure, ChipTable) {
