@@ -235,6 +235,23 @@ HX_STATUS HXUpdateOptionRomEx3(uint32_t handle, uint64_t reserved, void* image, 
 HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t reserved, const void* image,
                                     uint32_t imageSize, uint32_t regionCode);
 
+/*
+ * Called before each piece (at most 64 KiB) of a read or write by region or offset, and behind the
+ * last one: done of total bytes of the region have been moved. regionCode is 0xFFFF for transfers
+ * by offset, among them the look at the flash with which an update of boot code begins. Runs on the
+ * thread that transfers. 0 goes on; with any other status the transfer ends and returns it, the
+ * pieces before having been moved: a region that is being written is then half written. What is
+ * returned behind the last piece does not count. The function must not close the handle.
+ */
+typedef HX_STATUS (*HX_FLASH_PROGRESS)(void* context, uint32_t regionCode, uint32_t done,
+                                       uint32_t total);
+
+/*
+ * Has progress called, with context, for all transfers through the handle from now on; null ends
+ * that, as closing the handle does. Not while a transfer through the handle runs on another thread.
+ */
+HX_STATUS HXSetFlashProgress(uint32_t handle, HX_FLASH_PROGRESS progress, void* context);
+
 /* ------------------------------------------------------------------------------------------------
  * NVRAM
  *

@@ -6,6 +6,7 @@
 #include "dumps/dumps.h"
 #include "events/events.h"
 #include "flash/flash.h"
+#include "flash/transfer_progress.h"
 #include "frame/discovery.h"
 #include "frame/driver_parameters.h"
 #include "frame/error_strings.h"
@@ -36,6 +37,7 @@ HX_STATUS HXOpenScsiPort(uint32_t scsiPort, uint32_t* outHandle) {
 }
 
 HX_STATUS HXCloseDevice(int32_t handle) {
+    flash::ForgetProgress(static_cast<uint32_t>(handle));
     return frame::CloseDevice(static_cast<uint32_t>(handle));
 }
 
@@ -490,6 +492,10 @@ HX_STATUS HXUpdateOptionRomEx3(uint32_t, uint64_t, void*, uint32_t, uint32_t) {
 HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t, const void* image,
                                     uint32_t imageSize, uint32_t regionCode) {
     return flash::UpdateSecureRegion(handle, image, imageSize, regionCode);
+}
+
+HX_STATUS HXSetFlashProgress(uint32_t handle, HX_FLASH_PROGRESS progress, void* context) {
+    return flash::SetProgress(handle, progress, context);
 }
 
 HX_STATUS HXGetNVRam(uint32_t handle, uint64_t, uint32_t mode, void* buffer, uint32_t size) {

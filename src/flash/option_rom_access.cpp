@@ -6,6 +6,7 @@
 #include "flash/flash.h"
 #include "flash/flash_records.h"
 #include "flash/region_rules.h"
+#include "flash/transfer_progress.h"
 #include "frame/owned.h"
 #include "properties/chip_families.h"
 #include "properties/generation.h"
@@ -72,13 +73,20 @@ HX_STATUS CheckOffset(uint32_t handle, uint32_t flashOffset) {
 
 // Calls move(request, position) for each piece of up to 64 KiB; a length of 0 is one piece.
 template <class Move>
-HX_STATUS ForEachPiece(uint32_t length, uint32_t flashOffset, Move move) {
+HX_STATUS ForEachPiece(uint32_t handle, uint32_t length, uint32_t flashOffset, Move move) {
     uint32_t done = 0;
     for (;;) {
         const uint32_t bytes = std::min(length - done, kChunkBytes);
-        const HX_STATUS status = move(OffsetRequest{bytes, flashOffset + done}, done);
+        HX_STATUS status = TellProgress(handle, kByOffset, done, length);
+        if (status == HXMGT_SUCCESS) {
+            status = move(OffsetRequest{bytes, flashOffset + done}, done);
+        }
+        if (status != HXMGT_SUCCESS) {
+            return status;
+        }
         done += bytes;
-        if (status != HXMGT_SUCCESS || done == length) {
+        if (done == length) {
+            TellProgress(handle, kByOffset, done, length);
             return status;
         }
     }
@@ -139,11 +147,12 @@ HX_STATUS GetAtOffset(uint32_t handle, void* buffer, uint32_t length, uint32_t f
         return status;
     }
     uint32_t returned = 0;
-    return ForEachPiece(length, flashOffset, [&](const OffsetRequest& request, uint32_t done) {
-        return transport::SendExtended(
-            handle, transport::command::FlashRead.code, kByOffset, &request, sizeof request,
-            static_cast<uint8_t*>(buffer) + done, request.length, &returned);
-    });
+    return ForEachPiece(
+        handle, length, flashOffset, [&](const OffsetRequest& request, uint32_t done) {
+            return transport::SendExtended(
+                handle, transport::command::FlashRead.code, kByOffset, &request, sizeof request,
+                static_cast<uint8_t*>(buffer) + done, request.length, &returned);
+        });
 }
 
 HX_STATUS UpdateAtOffset(uint32_t handle, const void* data, uint32_t length, uint32_t flashOffset) {
@@ -160,7 +169,7 @@ HX_STATUS UpdateAtOffset(uint32_t handle, const void* data, uint32_t length, uin
     };
     bool all = false;
     const HX_STATUS status =
-        ForEachPiece(length, flashOffset, [&](const OffsetRequest& request, uint32_t done) {
+        ForEachPiece(handle, length, flashOffset, [&](const OffsetRequest& request, uint32_t done) {
             all = done + request.length == length;
             return send(static_cast<const uint8_t*>(data) + done, request);
         });

@@ -3,25 +3,43 @@
 #include <algorithm>
 #include <cstring>
 
+#include "flash/transfer_progress.h"
 #include "frame/owned.h"
 #include "transport/requests.h"
 
 namespace flash {
 namespace {
 
+// A transfer in one piece.
+template <class Move>
+HX_STATUS Alone(uint32_t handle, uint32_t regionCode, uint32_t size, Move move) {
+    HX_STATUS status = TellProgress(handle, regionCode, 0, size);
+    if (status == HXMGT_SUCCESS) {
+        status = move();
+    }
+    if (status == HXMGT_SUCCESS) {
+        TellProgress(handle, regionCode, size, size);
+    }
+    return status;
+}
+
 // Calls move(chunk request, offset, bytes, bytes rounded up to whole KiB) for each piece.
 template <class Move>
-HX_STATUS ForEachChunk(uint32_t size, Move move) {
+HX_STATUS ForEachChunk(uint32_t handle, uint32_t regionCode, uint32_t size, Move move) {
     for (uint32_t index = 0, offset = 0; offset < size; ++index) {
         const uint32_t bytes = std::min(size - offset, kChunkBytes);
         const ChunkRequest request{static_cast<uint16_t>(WholeKib(bytes)),
                                    static_cast<uint16_t>(index)};
-        if (const HX_STATUS status = move(request, offset, bytes, request.kib * 1024u);
-            status != HXMGT_SUCCESS) {
+        HX_STATUS status = TellProgress(handle, regionCode, offset, size);
+        if (status == HXMGT_SUCCESS) {
+            status = move(request, offset, bytes, request.kib * 1024u);
+        }
+        if (status != HXMGT_SUCCESS) {
             return status;
         }
         offset += bytes;
     }
+    TellProgress(handle, regionCode, size, size);
     return HXMGT_SUCCESS;
 }
 
@@ -33,11 +51,13 @@ HX_STATUS ReadRegion(uint32_t handle, uint32_t regionCode, uint32_t size,
     const auto subCode = static_cast<uint16_t>(regionCode);
     uint32_t returned = 0;
     if (size <= kChunkBytes) {
-        return transport::SendExtended(handle, code, subCode, nullptr, 0, buffer.data(), size,
-                                       &returned);
+        return Alone(handle, regionCode, size, [&] {
+            return transport::SendExtended(handle, code, subCode, nullptr, 0, buffer.data(), size,
+                                           &returned);
+        });
     }
     return ForEachChunk(
-        size,
+        handle, regionCode, size,
         [&](const ChunkRequest& request, uint32_t offset, uint32_t, uint32_t whole) -> HX_STATUS {
             const auto read = [&](uint8_t* out) {
                 return transport::SendExtended(handle, code, subCode, &request, sizeof request, out,
@@ -64,15 +84,17 @@ HX_STATUS WriteRegion(uint32_t handle, uint32_t regionCode, std::span<const uint
     const auto size = static_cast<uint32_t>(image.size());
     uint32_t returned = 0;
     if (size <= kChunkBytes) {
-        return transport::SendExtended(handle, code, subCode, image.data(), size, nullptr, 0,
-                                       &returned);
+        return Alone(handle, regionCode, size, [&] {
+            return transport::SendExtended(handle, code, subCode, image.data(), size, nullptr, 0,
+                                           &returned);
+        });
     }
     const frame::Bytes lastPiece = frame::ZeroedBytes(kChunkBytes);
     if (lastPiece == nullptr) {
         return HXMGT_OUT_OF_MEMORY;
     }
     return ForEachChunk(
-        size,
+        handle, regionCode, size,
         [&](ChunkRequest request, uint32_t offset, uint32_t bytes, uint32_t whole) -> HX_STATUS {
             const uint8_t* data = image.data() + offset;
             if (bytes != whole) {

@@ -1,4 +1,6 @@
 // Regions: reading, updating, preparing.
+#include <array>
+
 #include "formats/crc32.h"
 #include "support/flash_driver.h"
 #include "support/rom_builder.h"
@@ -90,6 +92,47 @@ TEST_F(FlashRegionTest, ReadsStayInTheCallersBuffer) {
         expected.resize(room, 0xEE);
         EXPECT_EQ(expected, buffer.First(room)) << size << " in " << room;
     }
+}
+
+TEST_F(FlashRegionTest, TellsHowFarATransferIsAndEndsWhenTold) {
+    struct Told {
+        std::vector<std::array<uint32_t, 3>> calls;
+        uint32_t stopAt = UINT32_MAX;
+        static HX_STATUS Note(void* context, uint32_t region, uint32_t done, uint32_t total) {
+            Told& told = *static_cast<Told*>(context);
+            told.calls.push_back({region, done, total});
+            return done >= told.stopAt ? HX_STATUS{ERROR_CANCELLED} : HX_STATUS{HXMGT_SUCCESS};
+        }
+    };
+    using Calls = decltype(Told::calls);
+    StartWith(0x7300, {{1, 5}, {9, 70000}});
+    Told told;
+    ASSERT_EQ(0u, HXSetFlashProgress(handle, Told::Note, &told));
+    GuardedBuffer buffer(70656, 0xAB);
+    ASSERT_EQ(0u, HXGetOptionRomEx(handle, 0, buffer.Data(), 70656, 9));
+    ASSERT_EQ(0u, HXGetOptionRomEx(handle, 0, buffer.Data(), 5, 1));
+    EXPECT_EQ((Calls{{9, 0, 70000}, {9, 65536, 70000}, {9, 70000, 70000}, {1, 0, 5}, {1, 5, 5}}),
+              told.calls);
+
+    port->Forget();
+    told = {{}, 65536};
+    EXPECT_EQ(ERROR_CANCELLED, HXUpdateOptionRomEx(handle, 0, buffer.Data(), 70000, 9));
+    EXPECT_EQ((Calls{{9, 0, 70000}, {9, 65536, 70000}}), told.calls);
+    EXPECT_EQ(1u, Writes().size()) << "nothing behind the piece at which it was told";
+    told = {{}, 5};
+    EXPECT_EQ(0u, HXUpdateOptionRomEx(handle, 0, buffer.Data(), 5, 1)) << "all of it is there";
+    told = {};
+    AnswerRegion(flash::kByOffset);
+    ASSERT_EQ(0u, HXUpdateOptionRomOffset(handle, 0, buffer.Data(), 65537, 0));
+    EXPECT_EQ((Calls{{0xFFFF, 0, 65537}, {0xFFFF, 65536, 65537}, {0xFFFF, 65537, 65537}}),
+              told.calls);
+
+    told = {};
+    Reopen("9.04.02", 0x7300);
+    StartWith(0x7300, {{1, 5}});
+    ASSERT_EQ(0u, HXGetOptionRomEx(handle, 0, buffer.Data(), 5, 1));
+    EXPECT_EQ(Calls{}, told.calls) << "nobody listens to the next one with the number";
+    EXPECT_EQ(HXMGT_INVALID_HANDLE, HXSetFlashProgress(handle + 1, Told::Note, &told));
 }
 
 TEST_F(FlashRegionTest, ReadsThatAreRefused) {
