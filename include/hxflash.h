@@ -237,11 +237,14 @@ HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t reserved, const vo
 
 /*
  * Called before each piece (at most 64 KiB) of a read or write by region or offset, and behind the
- * last one: done of total bytes of the region have been moved. regionCode is 0xFFFF for transfers
- * by offset, among them the look at the flash with which an update of boot code begins. Runs on the
- * thread that transfers. 0 goes on; with any other status the transfer ends and returns it, the
- * pieces before having been moved: a region that is being written is then half written. What is
- * returned behind the last piece does not count. The function must not close the handle.
+ * last one: done of total bytes have been moved. regionCode is 0xFFFF for transfers by offset,
+ * among them the look at the flash with which an update of boot code begins, and 255 for the write
+ * of a whole flash, which is one piece. Runs on the thread that transfers. 0 goes on; with any
+ * other status the transfer ends and returns it, the pieces before having been moved: a region that
+ * is being written is then half written. What is returned behind the last piece does not count.
+ * Before the first piece of an update the caller's image is what will be written, the adapter's
+ * identity carried over; what the function changes in it then is written so. It must not close the
+ * handle.
  */
 typedef HX_STATUS (*HX_FLASH_PROGRESS)(void* context, uint32_t regionCode, uint32_t done,
                                        uint32_t total);

@@ -135,8 +135,15 @@ HX_STATUS UpdateOptionRom(uint32_t handle, void* image, uint32_t imageSize) {
         !CarryOverIdentity({static_cast<uint8_t*>(image), imageSize}, {current.get(), returned})) {
         return HXMGT_OPTION_ROM_CHECKSUM_ERROR;
     }
-    return transport::SendExtended(handle, commands.write.code, commands.write.subCode, image,
-                                   imageSize, nullptr, 0, &returned);
+    HX_STATUS status = TellProgress(handle, kWholeFlashRegion, 0, imageSize);
+    if (status == HXMGT_SUCCESS) {
+        status = transport::SendExtended(handle, commands.write.code, commands.write.subCode, image,
+                                         imageSize, nullptr, 0, &returned);
+    }
+    if (status == HXMGT_SUCCESS) {
+        TellProgress(handle, kWholeFlashRegion, imageSize, imageSize);
+    }
+    return status;
 }
 
 HX_STATUS GetAtOffset(uint32_t handle, void* buffer, uint32_t length, uint32_t flashOffset) {

@@ -15,6 +15,7 @@ namespace flash {
 inline constexpr uint32_t kFirmwareRegion = 1;
 inline constexpr uint32_t kBootRegion = 7;
 inline constexpr uint32_t kSecondBootRegion = 17;
+inline constexpr uint32_t kWholeFlashRegion = 255;  // all of a flash without regions
 
 // Regions whose images are prepared as boot code before an update of a chip without region layout.
 inline constexpr uint32_t kPreparedRegions[] = {2, 4, 5, 6, 7, 255};

@@ -308,6 +308,30 @@ TEST(ToolsStop, DeadlineStopsTheCommandAndGraceLetsItFinish) {
     EXPECT_EQ(ExitCodeOf(stop.Reason()), ExitCode::TimedOut);
 }
 
+TEST(ToolsStop, WhatIsHeldIsFinishedFirst) {
+    StopControl stop;
+    auto hold = std::make_optional<StopHold>(stop, "the region");
+    stop.Request(StopReason::Interrupted);
+    std::thread worker([&] {
+        EXPECT_TRUE(hold->IsStopping());
+        std::this_thread::sleep_for(milliseconds(100));  // longer than the grace
+        hold.reset();
+        stop.Finish();
+    });
+    EXPECT_TRUE(stop.WaitForEnd(milliseconds(0)));
+    worker.join();
+
+    StopControl stuck;
+    stuck.BeginHold("the region", milliseconds(20));
+    stuck.Request(StopReason::TimedOut);
+    EXPECT_FALSE(stuck.WaitForEnd(milliseconds(20000))) << "a hold that nobody renews";
+    StopControl impatient;
+    impatient.BeginHold("the region", milliseconds(20000));
+    impatient.Request(StopReason::Interrupted);
+    impatient.Request(StopReason::Interrupted);
+    EXPECT_FALSE(impatient.WaitForEnd(milliseconds(20000)));
+}
+
 TEST(ToolsStop, StuckCommandIsGivenUp) {
     StopControl stop;
     stop.SetLimit(milliseconds(0));

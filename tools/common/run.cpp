@@ -24,11 +24,21 @@ constexpr milliseconds kClosing{4800};
 
 // The handler of the console's keys has no context; a process runs one command.
 StopControl* runningStop = nullptr;
+bool tellsHold = false;
 
 void NotifyInterrupt(bool closing) {
+    const char* const held = runningStop->HeldBy();
+    const bool first = runningStop->Reason() == StopReason::None;
     runningStop->Request(StopReason::Interrupted);
     if (closing) {
-        runningStop->WaitForExit(kClosing);
+        // What is held has the grace to be finished, then it is given up half done.
+        if (!runningStop->WaitForExit(kGrace)) {
+            runningStop->Request(StopReason::Interrupted);
+            runningStop->WaitForExit(kClosing - kGrace);
+        }
+    } else if (held != nullptr && first && tellsHold) {
+        console::Write(stderr,
+                       std::string(held) + " is finished first; once more gives it up half done\n");
     }
 }
 
@@ -215,6 +225,7 @@ class Run {
         Invocation invocation(tool_, line_, output_, stop_, hooks_);
         Ending ending;
         runningStop = &stop_;
+        tellsHold = !IsJson(line_.mode) && !invocation.Quiet();
         console::OnInterrupt(NotifyInterrupt);
         if (const auto timeout = line_.options.Number("timeout")) {
             stop_.SetLimit(std::chrono::seconds(*timeout));

@@ -1,5 +1,6 @@
 #include "stop.h"
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -68,8 +69,42 @@ bool StopControl::WaitForEnd(std::chrono::milliseconds grace) {
             changed_.notify_all();
         }
     }
-    changed_.wait_for(guard, grace, [this] { return finished_ || hurry_; });
+    const Clock::time_point asked = Clock::now();
+    while (!finished_ && !hurry_) {
+        const Clock::time_point until =
+            heldBy_ != nullptr ? heldUntil_ : std::max(asked, heldUntil_) + grace;
+        if (Clock::now() >= until) {
+            break;
+        }
+        changed_.wait_until(guard, until);
+    }
     return finished_;
+}
+
+void StopControl::BeginHold(const char* what, std::chrono::milliseconds time) {
+    const std::lock_guard guard(lock_);
+    heldBy_ = what;
+    holdTime_ = time;
+    heldUntil_ = Clock::now() + time;
+    changed_.notify_all();
+}
+
+void StopControl::RenewHold() {
+    const std::lock_guard guard(lock_);
+    heldUntil_ = Clock::now() + holdTime_;
+    changed_.notify_all();
+}
+
+void StopControl::EndHold() {
+    const std::lock_guard guard(lock_);
+    heldBy_ = nullptr;
+    heldUntil_ = Clock::now();
+    changed_.notify_all();
+}
+
+const char* StopControl::HeldBy() {
+    const std::lock_guard guard(lock_);
+    return heldBy_;
 }
 
 void StopControl::LeaveThread() {
@@ -82,9 +117,9 @@ bool StopControl::HasThreadsLeft() {
     return threadsLeft_;
 }
 
-void StopControl::WaitForExit(std::chrono::milliseconds atMost) {
+bool StopControl::WaitForExit(std::chrono::milliseconds atMost) {
     std::unique_lock guard(lock_);
-    changed_.wait_for(guard, atMost, [this] { return exiting_; });
+    return changed_.wait_for(guard, atMost, [this] { return exiting_; });
 }
 
 void StopControl::AboutToExit() {

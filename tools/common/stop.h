@@ -49,13 +49,22 @@ class StopControl {
     // its time is over) and let the grace pass. False when it has to be given up.
     bool WaitForEnd(std::chrono::milliseconds grace);
 
+    // While a hold lasts, a stop waits for what must not be cut in the middle: the grace begins
+    // when the hold ends. A hold that is not renewed for its time does not count any more. what: as
+    // in "the region is finished first", a text that stays.
+    void BeginHold(const char* what, std::chrono::milliseconds time);
+    void RenewHold();
+    void EndHold();
+    const char* HeldBy();  // null: nothing is held
+
     // A thread of the command is left in a driver call that did not return: the process has to end
     // without taking anything apart.
     void LeaveThread();
     bool HasThreadsLeft();
 
-    // Waits until the whole process is about to end; for the handler of a closing window.
-    void WaitForExit(std::chrono::milliseconds atMost);
+    // Waits until the whole process is about to end; for the handler of a closing window. False
+    // when it is not.
+    bool WaitForExit(std::chrono::milliseconds atMost);
     void AboutToExit();
 
   private:
@@ -68,6 +77,27 @@ class StopControl {
     bool threadsLeft_ = false;
     std::optional<Clock::time_point> deadline_;  // none: no limit, or paused
     std::optional<Clock::duration> left_;        // while paused
+    const char* heldBy_ = nullptr;
+    std::chrono::milliseconds holdTime_{};
+    Clock::time_point heldUntil_;  // or when the last hold ended
+};
+
+// A hold for as long as it lives; one at a time.
+class StopHold {
+  public:
+    // More than any piece of the work takes that ends with a renewal.
+    static constexpr std::chrono::seconds kTime{30};
+
+    StopHold(StopControl& stop, const char* what) : stop_(stop) { stop_.BeginHold(what, kTime); }
+    ~StopHold() { stop_.EndHold(); }
+    StopHold(const StopHold&) = delete;
+    StopHold& operator=(const StopHold&) = delete;
+
+    // Whether the command is to end behind what is held.
+    bool IsStopping() const { return stop_.Reason() != StopReason::None; }
+
+  private:
+    StopControl& stop_;
 };
 
 // Pauses the limit for as long as it lives.

@@ -65,14 +65,22 @@ std::wstring Widened(const std::string& ascii) {
 }  // namespace
 
 std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation) {
+    auto table = CopyLockTable();
+    if (table == nullptr) {
+        invocation.Fail(static_cast<uint32_t>(GetLastError()),
+                        "the update locks cannot be looked at");
+    }
+    return table;
+}
+
+std::unique_ptr<FlashLockArea> CopyLockTable() {
     const frame::OwnedObject section(
         OpenFileMappingA(FILE_MAP_READ, FALSE, formats::kFlashLockAreaName));
     const void* view =
         section.Valid() ? MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0, sizeof(FlashLockArea))
                         : nullptr;
     if (view == nullptr) {
-        invocation.Fail(static_cast<uint32_t>(GetLastError()),
-                        "the update locks cannot be looked at");
+        return nullptr;
     }
     auto table = std::make_unique<FlashLockArea>();
     std::memcpy(table.get(), view, sizeof *table);

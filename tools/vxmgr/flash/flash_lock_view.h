@@ -13,6 +13,9 @@ namespace vxmgr {
 // A copy of the table; ends the command when it cannot be read.
 std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation);
 
+// The same; null when it cannot be read.
+std::unique_ptr<FlashLockArea> CopyLockTable();
+
 // A lock as it stands now.
 struct LockState {
     bool held = false;

@@ -150,7 +150,7 @@ ExitCode WriteImage(tools::Invocation& invocation, AdapterSession& session, cons
     if (outcome.interrupted) {
         invocation.Note("interrupted: the region was finished first");
     }
-    StopWhen(outcome.interrupted);
+    invocation.CheckStop();
     return outcome.trouble ? outcome.trouble->exit : ExitCode::Done;
 }
 

@@ -245,7 +245,7 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
                                "stored and read back, pending: it is in use from the port's next "
                                "reset on, or from `nvram activate` on"});
     }
-    return interrupted ? ExitCode::Cancelled : ExitCode::Done;
+    return interrupted ? tools::ExitCodeOf(invocation.Stop().Reason()) : ExitCode::Done;
 }
 
 }  // namespace

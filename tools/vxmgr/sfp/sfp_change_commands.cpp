@@ -222,7 +222,7 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
         Complain(invocation, session.port.Object(),
                  "the transceiver was being loaded and may have half of the firmware", kLoadAgain);
     });
-    const FinishFirst finish(invocation, "the transceiver's firmware");
+    const tools::StopHold hold(invocation.Stop(), "the transceiver's firmware");
     const UpdateLock lock(invocation, session);
     invocation.Progress("loading the transceiver, " + SizeText(image.size()));
     return HXLoadSFPFirmware(session.Handle(), 0, image.data(),

@@ -151,7 +151,8 @@ HX_STATUS ReloadSettings(const AdapterSession& session) {
     return HXMGT_SUCCESS;
 }
 
-// Reads versions until all ports report the one that is expected. False when the time is over.
+// Reads versions until all ports report the one that is expected. False when the time is over, or
+// the command is to end.
 bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
                      const std::string& version) {
     for (int i = 0; i < kVersionTries; ++i) {
@@ -161,10 +162,9 @@ bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
                 const auto order = CompareVersions(RunningFirmware(port), version);
                 return order && *order == 0;
             });
-        if (all) {
-            return true;
+        if (all || invocation.Stop().WaitFor(kBetweenTries)) {
+            return all;
         }
-        invocation.Sleep(kBetweenTries);
     }
     return false;
 }
@@ -213,23 +213,21 @@ ExitCode RestartPorts(tools::Invocation& invocation, AdapterSession& session, Ac
         "until they are back.");
     invocation.Confirm(question);
     invocation.CheckStop();
-    bool interrupted = false;
     HX_STATUS status = HXMGT_SUCCESS;
     {
-        const FinishFirst finish(invocation, "the restart");
+        const tools::StopHold hold(invocation.Stop(), "the restart");
         const UpdateLock lock(invocation, session.Handle(), session.First());
         invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
                             " ports");
         status = way.start();
         invocation.Changed();
-        interrupted = finish.Interrupted();
     }
     // The library hands on no failure of a single port: what runs now is what counts.
     const bool runs = status == HXMGT_SUCCESS &&
                       (way.version.empty() || WaitForFirmware(invocation, session, way.version));
     session.Refresh();
     result.End(runs);
-    StopWhen(interrupted);
+    invocation.CheckStop();
     if (status != HXMGT_SUCCESS) {
         return ReportStatus(invocation, status, way, session.Object());
     }

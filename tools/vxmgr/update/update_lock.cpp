@@ -6,9 +6,10 @@
 
 #include <atomic>
 #include <cctype>
+#include <optional>
 
-#include "common/console.h"
 #include "frame/owned.h"
+#include "vxmgr/flash/flash_lock_view.h"
 #include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
@@ -62,36 +63,32 @@ std::shared_ptr<void> TakeGuard(tools::Invocation& invocation, const Port& port)
             }};
 }
 
-// The system's handlers have no context.
-std::atomic<uint32_t> interrupts = 0;
-std::atomic<const char*> toTell = nullptr;  // null: nothing is said
-
-// Handlers are asked the youngest first; the frame's own comes behind this one.
-BOOL WINAPI HandleControl(DWORD event) {
-    const bool interrupt = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    if (!interrupt || interrupts.fetch_add(1) != 0) {
-        return FALSE;
-    }
-    if (const char* what = toTell) {
-        tools::console::Write(
-            stderr, std::string(what) + " is finished first; once more gives it up half done\n");
-    }
-    return TRUE;
-}
-
 }  // namespace
+
+UpdateGuard::UpdateGuard(tools::Invocation& invocation, const Port& port)
+    : mutex_(TakeGuard(invocation, port)) {}
 
 struct UpdateLock::Held {
     uint32_t handle = 0;
     uint32_t key = 0;
+    std::string serial;
+    std::optional<uint32_t> startTick;  // tells this hold from a later one of the same process
     std::atomic<bool> held{true};
 
     HX_STATUS Release() {
         return held.exchange(false) ? HXEndFlashUpdate(handle, 0, key) : HX_STATUS{HXMGT_SUCCESS};
     }
 
+    // The lock as all programs see it; null when it cannot be looked at.
+    std::optional<FlashLock> Shared() const {
+        const auto table = CopyLockTable();
+        const FlashLock* const found = table != nullptr ? FindLock(*table, serial) : nullptr;
+        return found != nullptr ? std::optional(*found) : std::nullopt;
+    }
+
     static std::shared_ptr<Held> Take(tools::Invocation& invocation, uint32_t handle,
-                                      const std::string& object) {
+                                      const Port& port) {
+        const std::string object = port.Object();
         auto lock = std::make_shared<Held>();
         lock->handle = handle;
         const HX_STATUS status = HXStartFlashUpdate(handle, 0, &lock->key);
@@ -108,6 +105,10 @@ struct UpdateLock::Held {
         if (status != HXMGT_SUCCESS) {
             invocation.Fail(status, "the update lock cannot be taken", object);
         }
+        lock->serial = port.Serial();
+        if (const auto shared = lock->Shared()) {
+            lock->startTick = shared->startTick;
+        }
         return lock;
     }
 };
@@ -115,9 +116,15 @@ struct UpdateLock::Held {
 UpdateLock::UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port)
     : invocation_(invocation),
       object_(port.Object()),
-      guard_(TakeGuard(invocation, port)),
-      lock_(Held::Take(invocation, handle, object_)),
+      guard_(invocation, port),
+      lock_(Held::Take(invocation, handle, port)),
       hook_(invocation.Hooks(), [lock = lock_] { lock->Release(); }) {}
+
+bool UpdateLock::StillHeld() const {
+    const auto shared = lock_->Shared();
+    return !shared || !lock_->startTick ||
+           (shared->owner == lock_->key && shared->startTick == *lock_->startTick);
+}
 
 UpdateLock::~UpdateLock() {
     if (const HX_STATUS status = lock_->Release(); status != HXMGT_SUCCESS) {
@@ -126,21 +133,6 @@ UpdateLock::~UpdateLock() {
                   "lock's time is over",
                   invocation_.CauseOf(status, object_), "it is given back when this program ends");
     }
-}
-
-FinishFirst::FinishFirst(const tools::Invocation& invocation, const char* what) {
-    interrupts = 0;
-    const bool tells = !IsJson(invocation.Mode()) && !invocation.Quiet();
-    toTell = tells ? what : nullptr;
-    SetConsoleCtrlHandler(HandleControl, TRUE);
-}
-
-FinishFirst::~FinishFirst() {
-    SetConsoleCtrlHandler(HandleControl, FALSE);
-}
-
-bool FinishFirst::Interrupted() const {
-    return interrupts != 0;
 }
 
 }  // namespace vxmgr

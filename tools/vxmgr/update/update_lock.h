@@ -1,5 +1,5 @@
 // What holds while an adapter is written to: the lock that keeps two programs from updating one
-// adapter, for as long as one region takes, and Ctrl-C waiting for the end.
+// adapter, for as long as one region takes.
 #pragma once
 
 #include <memory>
@@ -9,6 +9,18 @@
 #include "vxmgr/app/port_session.h"
 
 namespace vxmgr {
+
+// Keeps other programs of this kind from writing to the adapter, for as long as it lives; ends the
+// command as busy when one of them does. One that ended in the middle is no hindrance. The thread
+// that has one may have more of the same adapter.
+class UpdateGuard {
+  public:
+    UpdateGuard(tools::Invocation& invocation, const Port& port);
+
+  private:
+    // Empty for an adapter without a serial number: the library has no lock for it either.
+    std::shared_ptr<void> mutex_;
+};
 
 // Takes the lock of the adapter behind an open port, and keeps other programs of this kind out;
 // ends the command as busy when another program holds either. Gives it back at the end of the
@@ -23,37 +35,19 @@ class UpdateLock {
     UpdateLock(const UpdateLock&) = delete;
     UpdateLock& operator=(const UpdateLock&) = delete;
 
+    // False once another program has taken the library's lock over.
+    bool StillHeld() const;
+
   private:
     struct Held;  // the library's lock
 
     tools::Invocation& invocation_;
     const std::string object_;
     // Held around the library's lock: that one is looked at and taken in two steps, and goes to
-    // anybody after 15 minutes. One of a program that ended in the middle is taken over. Empty for
-    // an adapter without a serial number: the library has no lock for it either.
-    const std::shared_ptr<void> guard_;
+    // anybody after 15 minutes.
+    const UpdateGuard guard_;
     const std::shared_ptr<Held> lock_;  // shared with the hook, which may outlive the scope
     const tools::AbandonHooks::Registration hook_;
 };
-
-// While one of these lives, the first Ctrl-C does not end the command: what is being written is
-// finished first. A second one does, as everywhere. One at a time.
-class FinishFirst {
-  public:
-    // what: as in "the region is finished first"; a text that stays.
-    FinishFirst(const tools::Invocation& invocation, const char* what);
-    ~FinishFirst();
-    FinishFirst(const FinishFirst&) = delete;
-    FinishFirst& operator=(const FinishFirst&) = delete;
-
-    bool Interrupted() const;
-};
-
-// Ends the command as interrupted.
-inline void StopWhen(bool interrupted) {
-    if (interrupted) {
-        throw tools::Stopped{tools::StopReason::Interrupted};
-    }
-}
 
 }  // namespace vxmgr

@@ -1,6 +1,9 @@
 #include "vxmgr/update/update_write.h"
 
+#include <windows.h>
+
 #include <algorithm>
+#include <exception>
 
 #include "common/status_codes.h"
 #include "vxmgr/app/size_text.h"
@@ -42,6 +45,68 @@ PlaceState StateOf(const PlaceWrite& write, const std::vector<uint8_t>& now, siz
            : now == write.before      ? PlaceState::Old
                                       : PlaceState::Mixed;
 }
+
+// Listens to the transfers of a handle, and speaks up before a piece goes out.
+class TransferWatch {
+  public:
+    TransferWatch(tools::Invocation& invocation, uint32_t handle, const UpdateLock& lock,
+                  PlaceWrite& write)
+        : invocation_(invocation), handle_(handle), lock_(lock), write_(write) {
+        HXSetFlashProgress(handle_, &TransferWatch::Hear, this);
+    }
+    ~TransferWatch() { HXSetFlashProgress(handle_, nullptr, nullptr); }
+    TransferWatch(const TransferWatch&) = delete;
+    TransferWatch& operator=(const TransferWatch&) = delete;
+
+    bool LockLost() const { return lockLost_; }
+    // What went wrong before the first byte goes on from here: no exception passes the library.
+    void StopWriting() {
+        writing_ = false;
+        if (failure_ != nullptr) {
+            std::rethrow_exception(failure_);
+        }
+    }
+
+  private:
+    static constexpr uint32_t kByOffset = 0xFFFF;  // a look at the flash, not the place itself
+
+    static HX_STATUS Hear(void* context, uint32_t region, uint32_t done, uint32_t total) {
+        return static_cast<TransferWatch*>(context)->Note(region, done, total);
+    }
+
+    HX_STATUS Note(uint32_t region, uint32_t done, uint32_t total) {
+        invocation_.Stop().RenewHold();
+        if (region == kByOffset) {
+            return HXMGT_SUCCESS;
+        }
+        if (writing_ && done < total && !lock_.StillHeld()) {
+            lockLost_ = true;
+            return HXMGT_SESSION_IN_PROGRESS;
+        }
+        try {
+            if (writing_ && !begun_ && write_.beforeFirst) {
+                write_.beforeFirst(write_.image);
+            }
+            begun_ = true;
+            if (write_.moved) {
+                write_.moved(done);
+            }
+        } catch (...) {
+            failure_ = std::current_exception();
+            return ERROR_CANCELLED;
+        }
+        return HXMGT_SUCCESS;
+    }
+
+    tools::Invocation& invocation_;
+    const uint32_t handle_;
+    const UpdateLock& lock_;
+    PlaceWrite& write_;
+    bool writing_ = true;
+    bool begun_ = false;
+    bool lockLost_ = false;
+    std::exception_ptr failure_;
+};
 
 // What to say, and the exit code it leads to; `same`: up to here it is the image.
 std::optional<tools::CommandError> Judge(const PlaceWrite& write, const WriteOutcome& outcome,
@@ -93,7 +158,7 @@ void FailChangedMeanwhile(const PlaceWrite& write, const Port& port) {
 WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Port& port,
                         PlaceWrite& write) {
     const std::string object = port.Object();
-    const FinishFirst finish(invocation, write.finishes);
+    const tools::StopHold hold(invocation.Stop(), write.finishes);
     const UpdateLock lock(invocation, handle, port);
     CheckUnchanged(invocation, port, write);
     // Runs before the lock's own hook, which needs an answer of the adapter.
@@ -104,13 +169,16 @@ WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Po
             Complain(invocation, object, what + " was being written and may hold half of the image",
                      hint);
         });
-    if (finish.Interrupted()) {
-        invocation.Fail(ExitCode::Cancelled, "cancelled, nothing was written");
+    if (hold.IsStopping()) {
+        invocation.Fail(tools::ExitCodeOf(invocation.Stop().Reason()),
+                        "stopped before the first byte, nothing was written");
     }
-    invocation.CheckStop();  // from here on it waits
     invocation.Progress("writing " + write.what + ", " + SizeText(write.image.size()));
     WriteOutcome outcome;
+    TransferWatch watch(invocation, handle, lock, write);
     outcome.status = invocation.CauseOf(write.write(write.image), object);
+    watch.StopWriting();
+    outcome.lockLost = watch.LockLost();
     invocation.Progress("reading " + write.what + " back");
     std::vector<uint8_t> now;
     outcome.readStatus = invocation.CauseOf(write.read(&now), object);
@@ -127,8 +195,14 @@ WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Po
     if (outcome.state != PlaceState::Old) {
         invocation.Changed();
     }
-    outcome.interrupted = finish.Interrupted();
+    outcome.interrupted = hold.IsStopping();
     outcome.trouble = Judge(write, outcome, object, same);
+    if (outcome.lockLost) {
+        outcome.trouble->exit = ExitCode::Busy;
+        outcome.trouble->message.text =
+            "another program took the update lock over, the write ended there: " +
+            outcome.trouble->message.text;
+    }
     return outcome;
 }
 

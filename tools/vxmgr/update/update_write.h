@@ -36,7 +36,7 @@ struct WriteTroubles {
 
 struct PlaceWrite {
     std::string what;             // the place: "the NVRAM"
-    const char* finishes;         // as FinishFirst has it
+    const char* finishes;         // as StopHold has it
     std::vector<uint8_t> image;   // as it goes out; the library may change it
     std::vector<uint8_t> before;  // what the place held when the user was asked; empty: not known
     std::string lookAgain;        // hint when another program changed it meanwhile
@@ -44,17 +44,22 @@ struct PlaceWrite {
     ReadBytes read;
     std::function<HX_STATUS(std::vector<uint8_t>& image)> write;
     std::function<void()> check{};  // before the first byte, under the lock; may be empty
-    WriteTroubles failed;           // the write reported a failure
-    WriteTroubles accepted;         // it did not; `whole` is no trouble then
-    std::string mixedUpTo{};        // how to say up to which byte it is the image; empty: not said
-    std::string detail{};           // what the device itself said of a failure
+    // With the image as it goes out, before the first byte of it; may change it. Of writes to a
+    // region alone, and the same for `moved`.
+    std::function<void(std::vector<uint8_t>& image)> beforeFirst{};
+    std::function<void(uint64_t done)> moved{};  // bytes of the image, or of it read back
+    WriteTroubles failed;                        // the write reported a failure
+    WriteTroubles accepted;                      // it did not; `whole` is no trouble then
+    std::string mixedUpTo{};  // how to say up to which byte it is the image; empty: not said
+    std::string detail{};     // what the device itself said of a failure
 };
 
 struct WriteOutcome {
     HX_STATUS status = HXMGT_SUCCESS;      // of the write
     HX_STATUS readStatus = HXMGT_SUCCESS;  // of reading it back
     PlaceState state = PlaceState::Unknown;
-    bool interrupted = false;  // Ctrl-C came meanwhile: nothing more may be started
+    bool lockLost = false;     // another program took the lock over: the write stopped there
+    bool interrupted = false;  // the command is to end: nothing more may be started
     std::optional<tools::CommandError> trouble;  // empty: written, and proven
 
     // Written, although the library could not restart the ports behind it.
