@@ -8,9 +8,6 @@
 namespace vxemu {
 namespace {
 
-using tools::ExitCode;
-using tools::Invocation;
-
 // One NAME=VALUE of the command line.
 Assignment RequireAssignment(Invocation& invocation, FieldScope scope, const std::string& text) {
     const size_t equals = text.find('=');
@@ -47,15 +44,15 @@ std::vector<Assignment> RequireAssignments(Invocation& invocation, FieldScope sc
     return assignments;
 }
 
-void AddAssignment(const Assignment& assignment, tools::Record& result) {
+void AddAssignment(const Assignment& assignment, Record& result) {
     result.Add(assignment.field->name, assignment.field->name,
-               tools::Value::Text(FormatField(*assignment.field, assignment.change.value)));
+               Value::Text(FormatField(*assignment.field, assignment.change.value)));
 }
 
-tools::Shape WithAssignments(tools::Shape shape, FieldScope scope) {
+Shape WithAssignments(Shape shape, FieldScope scope) {
     for (const Field& field : ProfileFields()) {
         if (field.scope == scope && field.settable) {
-            shape.push_back({.key = field.name, .type = tools::kText.OrAbsent()});
+            shape.push_back({.key = field.name, .type = kText.OrAbsent()});
         }
     }
     return shape;

@@ -4,10 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "common/fields.h"
-#include "common/invocation.h"
 #include "model/control.h"
 #include "model/profile/profile_fields.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 
@@ -17,12 +16,12 @@ struct Assignment {
 };
 
 // The argument "ASSIGNMENT". Ends the command with a message when one is wrong.
-std::vector<Assignment> RequireAssignments(tools::Invocation& invocation, FieldScope scope);
+std::vector<Assignment> RequireAssignments(Invocation& invocation, FieldScope scope);
 
 // What was assigned, in the command's result.
-void AddAssignment(const Assignment& assignment, tools::Record& result);
+void AddAssignment(const Assignment& assignment, Record& result);
 
 // The shape of such a result: what may be assigned, behind these fields.
-tools::Shape WithAssignments(tools::Shape shape, FieldScope scope);
+Shape WithAssignments(Shape shape, FieldScope scope);
 
 }  // namespace vxemu

@@ -1,21 +1,21 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 
-inline constexpr tools::Argument kPortArgument{
+inline constexpr Argument kPortArgument{
     .name = "PORT", .help = "port of the emulated adapters: scsi:N or N", .required = true};
 
-tools::CommandRows ServiceCommands();
-tools::CommandRows StatusCommands();
-tools::CommandRows PortCommands();
-tools::CommandRows ProfileCommands();
-tools::CommandRows FaultCommands();
-tools::CommandRows TargetCommands();
-tools::CommandRows CounterCommands();
-tools::CommandRows TraceCommands();
-tools::CommandRows FlashCommands();
+CommandRows ServiceCommands();
+CommandRows StatusCommands();
+CommandRows PortCommands();
+CommandRows ProfileCommands();
+CommandRows FaultCommands();
+CommandRows TargetCommands();
+CommandRows CounterCommands();
+CommandRows TraceCommands();
+CommandRows FlashCommands();
 
 }  // namespace vxemu

@@ -12,25 +12,22 @@
 namespace vxemu {
 namespace {
 
-using tools::ExitCode;
-using tools::Invocation;
-
 struct RaisedCounter {
     CounterRequest request;
     bool remote;
 };
 
-const tools::Fields<RaisedCounter>& RaisedCounterFields() {
-    static const tools::Fields<RaisedCounter> kFields = {
+const Fields<RaisedCounter>& RaisedCounterFields() {
+    static const Fields<RaisedCounter> kFields = {
         {PortNameFields(), [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
-        {"target", "Target", tools::kWwn.OrNull(),
+        {"target", "Target", kWwn.OrNull(),
          [](const RaisedCounter& raised) {
-             return raised.remote ? std::optional(tools::Wwn::Of(raised.request.target.portName))
+             return raised.remote ? std::optional(Wwn::Of(raised.request.target.portName))
                                   : std::nullopt;
          }},
-        {"counter", "Counter", tools::kText,
+        {"counter", "Counter", kText,
          [](const RaisedCounter& raised) { return std::string(raised.request.key); }},
-        {"by", "Raised by", tools::kCounter,
+        {"by", "Raised by", kCounter,
          [](const RaisedCounter& raised) { return uint64_t{raised.request.n}; }},
     };
     return kFields;
@@ -80,7 +77,7 @@ TargetSelector RequireTarget(Invocation& invocation, const std::string& text) {
 
 ExitCode Raise(Invocation& invocation, const char* keyArgument, const char* what,
                bool (*accepts)(const CounterKey&)) {
-    const tools::Options& given = invocation.Given();
+    const Options& given = invocation.Given();
     RaisedCounter raised = {};
     raised.remote = given.Has("target");
     raised.request.scsiPort = RequirePort(invocation, given.Text("PORT"));
@@ -110,7 +107,7 @@ ExitCode RunScm(Invocation& invocation) {
     return Raise(invocation, "KIND", "a kind of FPIN or congestion signal", IsCongestion);
 }
 
-tools::Shape RaisedCounterShape() {
+Shape RaisedCounterShape() {
     return RaisedCounterFields().ShapeOfAll();
 }
 
@@ -123,34 +120,34 @@ std::string CongestionNotes() {
 }
 
 constexpr uint64_t kMostRaised = uint64_t{1} << 48;
-constexpr tools::Argument kTargetOption = {
+constexpr Argument kTargetOption = {
     .name = "-t,--target",
     .valueName = "TARGET",
     .help = "port name of a target: what the port has counted about it"};
-constexpr tools::Argument kBump[] = {
+constexpr Argument kBump[] = {
     kPortArgument,
     {.name = "KEY", .help = "the counter, as vxmgr names it", .required = true},
     {.name = "N",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .help = "how much",
      .required = true,
      .most = kMostRaised},
     kTargetOption,
 };
-constexpr tools::Argument kScm[] = {
+constexpr Argument kScm[] = {
     kPortArgument,
     {.name = "KIND", .help = "the kind of FPIN, or of congestion signal", .required = true},
-    {.name = "N", .kind = tools::ArgumentKind::Number, .help = "how many (1)", .most = kMostRaised},
+    {.name = "N", .kind = ArgumentKind::Number, .help = "how many (1)", .most = kMostRaised},
     kTargetOption,
 };
 
 }  // namespace
 
-tools::CommandRows CounterCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows CounterCommands() {
+    static const Command kCommands[] = {
         {
             .path = "stats bump",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "raise a counter of a port, or what it has counted about a target",
             .schema = "stats.bump",
             .arguments = kBump,
@@ -161,7 +158,7 @@ tools::CommandRows CounterCommands() {
         },
         {
             .path = "scm",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "let the fabric tell a port of congestion and damaged links",
             .schema = "scm",
             .arguments = kScm,

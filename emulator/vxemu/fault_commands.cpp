@@ -2,22 +2,14 @@
 #include <algorithm>
 
 #include "commands.h"
-#include "common/fields.h"
-#include "common/text.h"
 #include "fault_text.h"
 #include "running_driver.h"
 
 namespace vxemu {
 namespace {
 
-using tools::ExitCode;
-using tools::Invocation;
-using tools::kInteger;
-using tools::kText;
-using tools::Value;
-
 Value Code(const FaultRule& rule) {
-    return rule.code == kAnyCode ? Value() : Value::Text(tools::Hex(rule.code, 8));
+    return rule.code == kAnyCode ? Value() : Value::Text(Hex(rule.code, 8));
 }
 
 Value SubCode(const FaultRule& rule) {
@@ -28,8 +20,8 @@ Value Times(const FaultRule& rule) {
     return Value::Number(rule.times).Shown(rule.times == 0 ? "always" : std::to_string(rule.times));
 }
 
-const tools::Fields<FaultRule>& RuleFields() {
-    static const tools::Fields<FaultRule> kFields = {
+const Fields<FaultRule>& RuleFields() {
+    static const Fields<FaultRule> kFields = {
         {"port", "Port", "PORT", kText,
          [](const FaultRule& r) { return r.port == kAnyPort ? "all" : PortName(r.port); }},
         {"request", "Request", "REQUEST", kText, FormatFaultCode},
@@ -42,8 +34,8 @@ const tools::Fields<FaultRule>& RuleFields() {
     return kFields;
 }
 
-const tools::Fields<FaultEntry>& FaultFields() {
-    static const tools::Fields<FaultEntry> kFields = {
+const Fields<FaultEntry>& FaultFields() {
+    static const Fields<FaultEntry> kFields = {
         {"id", "Id", "ID", kInteger, &FaultEntry::id, "0 in a dry run"},
         {RuleFields(), &FaultEntry::rule},
         {"matched", "Requests matched", "MATCHED", kInteger, &FaultEntry::matched},
@@ -52,25 +44,25 @@ const tools::Fields<FaultEntry>& FaultFields() {
     return kFields;
 }
 
-const tools::Fields<FaultListReply>& FaultListFields() {
-    static const tools::Fields<FaultListReply> kFields = {
+const Fields<FaultListReply>& FaultListFields() {
+    static const Fields<FaultListReply> kFields = {
         {"faults", "Fault rules", FaultFields(),
          [](const FaultListReply& reply) {
              return std::span(reply.entries, std::min<size_t>(reply.count, kMaxFaults));
          },
-         tools::ListLayout::Table, "No fault rules."},
+         ListLayout::Table, "No fault rules."},
     };
     return kFields;
 }
 
-const tools::Fields<uint32_t>& RemovedFields() {
-    static const tools::Fields<uint32_t> kFields = {
+const Fields<uint32_t>& RemovedFields() {
+    static const Fields<uint32_t> kFields = {
         {"removed", "Rules removed", kInteger, [](uint32_t count) { return count; }}};
     return kFields;
 }
 
 FaultRule RequireRule(Invocation& invocation) {
-    const tools::Options& given = invocation.Given();
+    const Options& given = invocation.Given();
     FaultRule rule = {kAnyPort, kAnyCode, kAnySubCode, 0, 0, FaultKind::None, 0, 0};
     const std::string port = given.Text("PORT");
     if (port != "all") {
@@ -146,48 +138,48 @@ ExitCode RunFaultClear(Invocation& invocation) {
     return ExitCode::Done;
 }
 
-tools::Shape FaultShape() {
+Shape FaultShape() {
     return FaultFields().ShapeOfAll();
 }
 
-tools::Shape FaultListShape() {
+Shape FaultListShape() {
     return FaultListFields().ShapeOfAll();
 }
 
-tools::Shape FaultClearShape() {
+Shape FaultClearShape() {
     return RemovedFields().ShapeOfAll();
 }
 
-constexpr tools::Argument kFaultAdd[] = {
+constexpr Argument kFaultAdd[] = {
     {.name = "PORT", .help = "scsi:N, N or all", .required = true},
-    {"VALUE", tools::ArgumentKind::Text, "",
+    {"VALUE", ArgumentKind::Text, "",
      "milliseconds, status, detail or bytes of the action; a detail may name its driver status: "
      "11:0x4005"},
-    {"--code", tools::ArgumentKind::Text, "C", "command code or name of the request (any)"},
+    {"--code", ArgumentKind::Text, "C", "command code or name of the request (any)"},
     {.name = "--sub",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .valueName = "S",
      .help = "sub-code (any)",
      .most = 0xFFFF},
-    {"--after", tools::ArgumentKind::Number, "N", "let N matching requests pass (0)"},
-    {"--times", tools::ArgumentKind::Number, "N", "act N times; 0 = always (0)"},
+    {"--after", ArgumentKind::Number, "N", "let N matching requests pass (0)"},
+    {"--times", ArgumentKind::Number, "N", "act N times; 0 = always (0)"},
     {.name = "--do",
      .valueName = "ACTION",
      .help = "busy, hang MS, status S, detail D, short N, long N, lie-length or corrupt",
      .required = true},
 };
-constexpr tools::Argument kFaultClear[] = {{.name = "ID",
-                                            .kind = tools::ArgumentKind::Number,
-                                            .help = "the rule; without: all rules",
-                                            .least = 1}};
+constexpr Argument kFaultClear[] = {{.name = "ID",
+                                     .kind = ArgumentKind::Number,
+                                     .help = "the rule; without: all rules",
+                                     .least = 1}};
 
 }  // namespace
 
-tools::CommandRows FaultCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows FaultCommands() {
+    static const Command kCommands[] = {
         {
             .path = "fault add",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "let matching requests go wrong",
             .schema = "fault.add",
             .arguments = kFaultAdd,
@@ -198,7 +190,7 @@ tools::CommandRows FaultCommands() {
         },
         {
             .path = "fault list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "fault rules and how often they acted",
             .schema = "fault.list",
             .run = RunFaultList,
@@ -207,7 +199,7 @@ tools::CommandRows FaultCommands() {
         },
         {
             .path = "fault clear",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "remove one fault rule or all",
             .schema = "fault.clear",
             .arguments = kFaultClear,

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "common/text.h"
 #include "transport/ext_ioctl.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 namespace {
@@ -36,7 +36,7 @@ std::optional<uint32_t> TakeDetailStatus(std::string_view& value) {
     if (colon == std::string_view::npos) {
         return std::nullopt;
     }
-    const auto status = tools::ParseNumber(value.substr(0, colon));
+    const auto status = ParseNumber(value.substr(0, colon));
     value.remove_prefix(colon + 1);
     return status && *status <= 0xFFFFFFFF ? static_cast<uint32_t>(*status) : 0;
 }
@@ -60,7 +60,7 @@ bool ParseFaultAction(std::string_view kind, std::string_view value, FaultRule* 
         if (row.kind == FaultKind::Detail) {
             status = TakeDetailStatus(value);
         }
-        const auto number = tools::ParseNumber(value);
+        const auto number = ParseNumber(value);
         if (!number || *number < row.least || *number > row.most) {
             *error = std::string(kind) + " needs a number from " + std::to_string(row.least) +
                      " to " + std::to_string(row.most);
@@ -87,7 +87,7 @@ std::string FormatFaultAction(const FaultRule& rule) {
         }
         std::string text = row.name;
         if (row.kind == FaultKind::Detail) {
-            text += " " + std::to_string(rule.status) + ":" + tools::Hex(rule.value, 1);
+            text += " " + std::to_string(rule.status) + ":" + Hex(rule.value, 1);
         } else if (row.value != nullptr) {
             text += " " + std::to_string(rule.value);
         }
@@ -97,19 +97,19 @@ std::string FormatFaultAction(const FaultRule& rule) {
 }
 
 bool ParseFaultCode(std::string_view text, FaultRule* rule) {
-    if (const auto number = tools::ParseNumber(text)) {
+    if (const auto number = ParseNumber(text)) {
         rule->code = static_cast<uint32_t>(*number);
         return *number <= 0xFFFFFFFF;
     }
     for (const transport::ExtendedCommandRow& row : transport::kExtendedCommands) {
-        if (tools::EqualIgnoringCase(text, row.name)) {
+        if (EqualIgnoringCase(text, row.name)) {
             rule->code = row.code;
             rule->subCode = row.kind == transport::SubCode::Fixed ? row.subCode : kAnySubCode;
             return true;
         }
     }
     for (const transport::PlainCommandRow& row : transport::kPlainCommands) {
-        if (tools::EqualIgnoringCase(text, row.name)) {
+        if (EqualIgnoringCase(text, row.name)) {
             rule->code = row.code;
             return true;
         }
@@ -137,7 +137,7 @@ std::string FormatFaultCode(const FaultRule& rule) {
     if (matches == 1) {
         return name;
     }
-    return rule.code == kAnyCode ? "any" : tools::Hex(rule.code, 8);
+    return rule.code == kAnyCode ? "any" : Hex(rule.code, 8);
 }
 
 std::string FaultRequestNames() {

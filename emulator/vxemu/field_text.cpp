@@ -3,8 +3,8 @@
 #include <cstring>
 #include <optional>
 
-#include "common/text.h"
 #include "model/bytes/bytes.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 std::string FormatBytes(const uint8_t* bytes, size_t size) {
     std::string text;
     for (size_t at = 0; at < size; ++at) {
-        text += (at == 0 ? "" : ":") + tools::Hex(bytes[at], 2).substr(2);
+        text += (at == 0 ? "" : ":") + Hex(bytes[at], 2).substr(2);
     }
     return text;
 }
@@ -28,7 +28,7 @@ bool ParseBytes(std::string_view text, uint8_t* bytes, size_t size) {
         if (step == 3 && at + 1 < size && place[2] != ':' && place[2] != '-') {
             return false;
         }
-        const auto byte = tools::ParseNumber("0x" + std::string(place.substr(0, 2)));
+        const auto byte = ParseNumber("0x" + std::string(place.substr(0, 2)));
         if (!byte) {
             return false;
         }
@@ -44,7 +44,7 @@ void StoreNumber(const Field& field, uint64_t number, uint8_t* bytes) {
 }
 
 bool ParseLimited(const Field& field, std::string_view text, uint8_t* bytes, std::string* wanted) {
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     if (!number || *number > field.maximum) {
         *wanted = "a number from 0 to " + std::to_string(field.maximum);
         return false;
@@ -89,7 +89,7 @@ std::string FormatField(const Field& field, const uint8_t* bytes) {
         case FieldKind::Number:
             return std::to_string(number);
         case FieldKind::Code:
-            return tools::Hex(number, 2 * field.size);
+            return Hex(number, 2 * field.size);
         case FieldKind::Flag:
             return number != 0 ? "true" : "false";
         case FieldKind::Bytes:

@@ -7,7 +7,6 @@
 
 #include "commands.h"
 #include "common/console.h"
-#include "common/text.h"
 #include "flash_image.h"
 #include "model/profile/profile_fields.h"
 #include "port_rows.h"
@@ -15,14 +14,6 @@
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
-using tools::Invocation;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kText;
-using tools::Tone;
-using tools::Value;
 
 struct ContentRow {
     RegionContent content;
@@ -61,21 +52,21 @@ Value CheckValue(CheckState state) {
     return {};
 }
 
-const tools::Fields<FlashRegionStatus>& RegionFields() {
+const Fields<FlashRegionStatus>& RegionFields() {
     using Region = FlashRegionStatus;
     static constexpr const char* kChecks[] = {"ok", "bad"};
-    static const tools::Fields<Region> kFields = {
+    static const Fields<Region> kFields = {
         {"region", "Region", "REGION", kInteger, [](const Region& r) { return r.code; }},
         {"content", "Content", "CONTENT", kText, [](const Region& r) { return NameOf(r.content); }},
-        {"start", "Start", "START", kText, [](const Region& r) { return tools::Hex(r.start, 6); }},
+        {"start", "Start", "START", kText, [](const Region& r) { return Hex(r.start, 6); }},
         {"bytes", "Bytes", "BYTES", kInteger, [](const Region& r) { return r.size; }},
-        {"flags", "Flags", kText, [](const Region& r) { return tools::Hex(r.flags, 2); }},
+        {"flags", "Flags", kText, [](const Region& r) { return Hex(r.flags, 2); }},
         {"read_only", "Read-only", kFlag, [](const Region& r) { return r.readOnly != 0; }},
         {"version", "Version", "VERSION", kText.OrNull(),
          [](const Region& r) { return std::string(r.version); }},
-        {"checksum", "Checksum", "CHECKSUM", tools::Choice(kChecks).OrNull(),
+        {"checksum", "Checksum", "CHECKSUM", Choice(kChecks).OrNull(),
          [](const Region& r) { return CheckValue(r.checksum); }},
-        {"signature", "Signature", "SIGNATURE", tools::Choice(kChecks).OrNull(),
+        {"signature", "Signature", "SIGNATURE", Choice(kChecks).OrNull(),
          [](const Region& r) { return CheckValue(r.signature); }},
     };
     return kFields;
@@ -86,13 +77,13 @@ struct ShownFlash {
     const FlashReport* report;
 };
 
-const tools::Fields<ShownFlash>& FlashFields() {
+const Fields<ShownFlash>& FlashFields() {
     using Flash = ShownFlash;
-    static const tools::Fields<Flash> kFields = {
+    static const Fields<Flash> kFields = {
         {PortNameFields(), &Flash::port},
         {"bytes", "Bytes", kInteger, [](const Flash& f) { return f.report->bytes; }},
         {"powered", "Powered", kFlag, [](const Flash& f) { return f.report->withoutPower == 0; }},
-        {"power_fails_after", "Power fails after", tools::Integer("bytes").OrNull(),
+        {"power_fails_after", "Power fails after", Integer("bytes").OrNull(),
          [](const Flash& f) {
              return f.report->failsSoon != 0 ? std::optional(f.report->bytesUntilFailure)
                                              : std::nullopt;
@@ -104,7 +95,7 @@ const tools::Fields<ShownFlash>& FlashFields() {
              return std::span(f.report->regions,
                               std::min<size_t>(f.report->count, kMaxFlashRegions));
          },
-         tools::ListLayout::Table, "No regions."},
+         ListLayout::Table, "No regions."},
     };
     return kFields;
 }
@@ -122,8 +113,8 @@ std::string NameOf(const FlashSelector& place) {
     return PortName(place.scsiPort) + " region " + std::to_string(place.region);
 }
 
-const tools::Fields<FlashSelector>& PlaceFields() {
-    static const tools::Fields<FlashSelector> kFields = {
+const Fields<FlashSelector>& PlaceFields() {
+    static const Fields<FlashSelector> kFields = {
         {PortNameFields(), [](const FlashSelector& place) { return place.scsiPort; }},
         {"region", "Region", kInteger, [](const FlashSelector& place) { return place.region; }},
     };
@@ -137,8 +128,8 @@ struct Saved {
     std::string file{};
 };
 
-const tools::Fields<Saved>& SavedFields() {
-    static const tools::Fields<Saved> kFields = {
+const Fields<Saved>& SavedFields() {
+    static const Fields<Saved> kFields = {
         {PlaceFields(), &Saved::place},
         {"version", "Version", kText.OrAbsent(), &Saved::version},
         {"bytes", "Bytes", kInteger, &Saved::bytes},
@@ -147,18 +138,18 @@ const tools::Fields<Saved>& SavedFields() {
     return kFields;
 }
 
-const tools::Fields<FlashSelector>& CorruptedFields() {
-    static const tools::Fields<FlashSelector> kFields = {
+const Fields<FlashSelector>& CorruptedFields() {
+    static const Fields<FlashSelector> kFields = {
         {PlaceFields(), [](const FlashSelector& place) { return place; }},
         {"at", "Byte inverted", kInteger, [](const FlashSelector& place) { return place.offset; }},
     };
     return kFields;
 }
 
-const tools::Fields<PowerFailRequest>& PowerFailFields() {
-    static const tools::Fields<PowerFailRequest> kFields = {
+const Fields<PowerFailRequest>& PowerFailFields() {
+    static const Fields<PowerFailRequest> kFields = {
         {PortNameFields(), [](const PowerFailRequest& request) { return request.scsiPort; }},
-        {"after_bytes", "Power fails after", tools::Integer("bytes"),
+        {"after_bytes", "Power fails after", Integer("bytes"),
          [](const PowerFailRequest& request) { return request.afterBytes; }},
     };
     return kFields;
@@ -171,18 +162,18 @@ struct Switched {
 
 constexpr const char* kOnOff[] = {"on", "off"};
 
-const tools::Fields<Switched>& LockdownFields() {
-    static const tools::Fields<Switched> kFields = {
+const Fields<Switched>& LockdownFields() {
+    static const Fields<Switched> kFields = {
         {PortNameFields(), &Switched::port},
-        {"lockdown", "Lockdown", tools::Choice(kOnOff), &Switched::state},
+        {"lockdown", "Lockdown", Choice(kOnOff), &Switched::state},
     };
     return kFields;
 }
 
-const tools::Fields<Switched>& BootFields() {
-    static const tools::Fields<Switched> kFields = {
+const Fields<Switched>& BootFields() {
+    static const Fields<Switched> kFields = {
         {PortNameFields(), &Switched::port},
-        {"boots_from_san", "Boots from SAN", tools::Choice(kOnOff), &Switched::state},
+        {"boots_from_san", "Boots from SAN", Choice(kOnOff), &Switched::state},
     };
     return kFields;
 }
@@ -192,7 +183,7 @@ ExitCode Save(Invocation& invocation, Saved saved, const std::vector<uint8_t>& b
     const std::string path = invocation.Given().Text("FILE");
     if (!invocation.DryRun()) {
         uint32_t error = 0;
-        std::FILE* file = tools::console::CreateForWriting(path, &error);
+        std::FILE* file = console::CreateForWriting(path, &error);
         if (file == nullptr) {
             invocation.Fail(error, path + " cannot be written");
         }
@@ -208,7 +199,7 @@ ExitCode Save(Invocation& invocation, Saved saved, const std::vector<uint8_t>& b
 }
 
 // Sets a flag of the port, or of its adapter.
-ExitCode SetFlag(Invocation& invocation, const char* field, const tools::Fields<Switched>& result) {
+ExitCode SetFlag(Invocation& invocation, const char* field, const Fields<Switched>& result) {
     const uint32_t port = GivenPort(invocation);
     const std::string state = invocation.Given().Text("STATE");
     FieldRequest request = {port, {{}, 1, {}}};
@@ -300,40 +291,40 @@ ExitCode RunBootFromSan(Invocation& invocation) {
     return SetFlag(invocation, "boots_from_san", BootFields());
 }
 
-tools::Shape FlashShowShape() {
+Shape FlashShowShape() {
     return FlashFields().ShapeOfAll();
 }
 
-tools::Shape FlashSavedShape() {
+Shape FlashSavedShape() {
     return SavedFields().ShapeOfAll();
 }
 
-tools::Shape FlashCorruptShape() {
+Shape FlashCorruptShape() {
     return CorruptedFields().ShapeOfAll();
 }
 
-tools::Shape PowerFailShape() {
+Shape PowerFailShape() {
     return PowerFailFields().ShapeOfAll();
 }
 
-tools::Shape LockdownShape() {
+Shape LockdownShape() {
     return LockdownFields().ShapeOfAll();
 }
 
-tools::Shape BootFromSanShape() {
+Shape BootFromSanShape() {
     return BootFields().ShapeOfAll();
 }
 
 constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";
-constexpr tools::Argument kFlashDump[] = {
+constexpr Argument kFlashDump[] = {
     kPortArgument,
-    {.name = "REGION", .kind = tools::ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "REGION", .kind = ArgumentKind::Number, .help = kRegionHelp, .required = true},
     {.name = "FILE", .help = "file to write", .required = true},
 };
-constexpr tools::Argument kFlashImage[] = {
+constexpr Argument kFlashImage[] = {
     kPortArgument,
     {.name = "REGION",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .help = "code of a region of firmware or boot code",
      .required = true},
     {.name = "FILE", .help = "file to write", .required = true},
@@ -342,30 +333,30 @@ constexpr tools::Argument kFlashImage[] = {
      .help = "version of the image: 9.13.00, or 3.62 of boot code",
      .required = true},
 };
-constexpr tools::Argument kFlashCorrupt[] = {
+constexpr Argument kFlashCorrupt[] = {
     kPortArgument,
-    {.name = "REGION", .kind = tools::ArgumentKind::Number, .help = kRegionHelp, .required = true},
+    {.name = "REGION", .kind = ArgumentKind::Number, .help = kRegionHelp, .required = true},
     {.name = "AT",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .help = "offset of the byte in the region",
      .required = true},
 };
-constexpr tools::Argument kFlashPowerFail[] = {
+constexpr Argument kFlashPowerFail[] = {
     kPortArgument,
-    {"--after-bytes", tools::ArgumentKind::Number, "N", "bytes that are still written (0)"},
+    {"--after-bytes", ArgumentKind::Number, "N", "bytes that are still written (0)"},
 };
-constexpr tools::Argument kSwitch[] = {
+constexpr Argument kSwitch[] = {
     kPortArgument,
     {.name = "STATE", .help = "on or off", .required = true, .choices = kOnOff},
 };
 
 }  // namespace
 
-tools::CommandRows FlashCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows FlashCommands() {
+    static const Command kCommands[] = {
         {
             .path = "flash show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "regions of an adapter's flash, and whether they are sound",
             .schema = "flash.show",
             .arguments = {&kPortArgument, 1},
@@ -375,7 +366,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "flash dump",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "write what a region holds to a file",
             .schema = "flash.dump",
             .arguments = kFlashDump,
@@ -385,7 +376,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "flash image",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "make an image to update a region with",
             .schema = "flash.image",
             .arguments = kFlashImage,
@@ -395,7 +386,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "flash corrupt",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "invert a byte of a region",
             .schema = "flash.corrupt",
             .arguments = kFlashCorrupt,
@@ -405,7 +396,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "flash power-fail",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help =
                 "let the adapter's power fail during a write; reset one of its ports to end that",
             .schema = "flash.power_fail",
@@ -416,7 +407,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "lockdown",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "let the adapter refuse every change of what it stores",
             .schema = "lockdown",
             .arguments = kSwitch,
@@ -426,7 +417,7 @@ tools::CommandRows FlashCommands() {
         },
         {
             .path = "bfs",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "put the system's boot disk behind a port",
             .schema = "bfs",
             .arguments = kSwitch,

@@ -1,16 +1,13 @@
 // vxemu.exe: starts, stops and disturbs the emulated adapters.
 #include "commands.h"
-#include "common/command.h"
 #include "common/console.h"
 #include "hxstatus.h"
 
 namespace vxemu {
 namespace {
 
-using tools::CommandGroup;
-
 // The order of the help.
-constexpr tools::CommandRows (*kFiles[])() = {
+constexpr CommandRows (*kFiles[])() = {
     ServiceCommands, StatusCommands,  PortCommands,  ProfileCommands, FaultCommands,
     TargetCommands,  CounterCommands, TraceCommands, FlashCommands,
 };
@@ -28,7 +25,7 @@ constexpr CommandGroup kGroups[] = {
 };
 
 // Texts of the library's statuses, which the drivers of the adapters lead to, and of Windows.
-std::string StatusText(uint32_t code) {
+std::string TextOfStatus(uint32_t code) {
     switch (code) {
 #define VX_TEXT(name, number, text) \
     case number:                    \
@@ -36,7 +33,7 @@ std::string StatusText(uint32_t code) {
         HX_STATUS_TABLE(VX_TEXT)
 #undef VX_TEXT
         default:
-            return tools::console::SystemErrorText(code);
+            return console::SystemErrorText(code);
     }
 }
 
@@ -51,7 +48,7 @@ int main() {
         .summary = "Control of the emulated Fibre Channel adapters.",
         .commands = commands,
         .groups = vxemu::kGroups,
-        .statusText = vxemu::StatusText,
+        .statusText = vxemu::TextOfStatus,
         .dryRunNote = "dry run: nothing was changed",
     };
     return tools::RunTool(tool);

@@ -1,17 +1,12 @@
 // reset, event, link, adapter set, port set.
 #include "assignments.h"
 #include "commands.h"
-#include "common/text.h"
 #include "model/event_codes.h"
 #include "port_rows.h"
 #include "running_driver.h"
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
-using tools::Invocation;
-using tools::Record;
 
 constexpr const char* kUpDown[] = {"up", "down"};
 
@@ -37,7 +32,7 @@ uint32_t RequireEventCode(Invocation& invocation, const std::string& kind) {
         }
         names += row.name + std::string(", ");
     }
-    const auto code = tools::ParseNumber(kind);
+    const auto code = ParseNumber(kind);
     if (!code || *code > 0xFFFFFFFF) {
         invocation.Fail(ExitCode::Usage, "\"" + kind + "\" is not a kind of event",
                         "give " + names + "or an event code such as 0x8016");
@@ -51,12 +46,11 @@ struct Raised {
     bool queued;
 };
 
-const tools::Fields<Raised>& RaisedFields() {
-    static const tools::Fields<Raised> kFields = {
+const Fields<Raised>& RaisedFields() {
+    static const Fields<Raised> kFields = {
         {PortNameFields(), &Raised::port},
-        {"code", "Event code", tools::kText,
-         [](const Raised& raised) { return tools::Hex(raised.code, 4); }},
-        {"queued", "Queued", tools::kFlag, &Raised::queued},
+        {"code", "Event code", kText, [](const Raised& raised) { return Hex(raised.code, 4); }},
+        {"queued", "Queued", kFlag, &Raised::queued},
     };
     return kFields;
 }
@@ -66,10 +60,10 @@ struct Linked {
     std::string state;
 };
 
-const tools::Fields<Linked>& LinkFields() {
-    static const tools::Fields<Linked> kFields = {
+const Fields<Linked>& LinkFields() {
+    static const Fields<Linked> kFields = {
         {PortNameFields(), &Linked::port},
-        {"link", "Link", tools::Choice(kUpDown), &Linked::state},
+        {"link", "Link", Choice(kUpDown), &Linked::state},
     };
     return kFields;
 }
@@ -108,7 +102,7 @@ ExitCode RunEvent(Invocation& invocation) {
         port, {RequireEventCode(invocation, invocation.Given().Text("KIND")), {0, 0, 0}}};
     size_t words = 0;
     for (const std::string& text : invocation.Given().All("data")) {
-        const auto word = tools::ParseNumber(text);
+        const auto word = ParseNumber(text);
         if (!word || *word > 0xFFFFFFFF || words == 3) {
             invocation.Fail(ExitCode::Usage, "--data: at most three 32-bit numbers");
         }
@@ -149,27 +143,27 @@ ExitCode RunPortSet(Invocation& invocation) {
     return Set(invocation, FieldScope::Port);
 }
 
-tools::Shape PortShape() {
+Shape PortShape() {
     return PortNameFields().ShapeOfAll();
 }
 
-tools::Shape EventShape() {
+Shape EventShape() {
     return RaisedFields().ShapeOfAll();
 }
 
-tools::Shape LinkShape() {
+Shape LinkShape() {
     return LinkFields().ShapeOfAll();
 }
 
-tools::Shape AdapterSetShape() {
+Shape AdapterSetShape() {
     return WithAssignments(PortShape(), FieldScope::Adapter);
 }
 
-tools::Shape PortSetShape() {
+Shape PortSetShape() {
     return WithAssignments(PortShape(), FieldScope::Port);
 }
 
-constexpr tools::Argument kEvent[] = {
+constexpr Argument kEvent[] = {
     kPortArgument,
     {.name = "KIND",
      .help =
@@ -180,11 +174,11 @@ constexpr tools::Argument kEvent[] = {
      .help = "a data word of the event, up to three times",
      .repeated = true},
 };
-constexpr tools::Argument kLink[] = {
+constexpr Argument kLink[] = {
     kPortArgument,
     {.name = "STATE", .help = "up or down", .required = true, .choices = kUpDown},
 };
-constexpr tools::Argument kSet[] = {
+constexpr Argument kSet[] = {
     kPortArgument,
     {.name = "ASSIGNMENT",
      .help = "NAME=VALUE, as in a profile file",
@@ -194,11 +188,11 @@ constexpr tools::Argument kSet[] = {
 
 }  // namespace
 
-tools::CommandRows PortCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows PortCommands() {
+    static const Command kCommands[] = {
         {
             .path = "reset",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "put a port back to its start: power, firmware, link and events",
             .schema = "reset",
             .arguments = {&kPortArgument, 1},
@@ -208,7 +202,7 @@ tools::CommandRows PortCommands() {
         },
         {
             .path = "event",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "raise an adapter event",
             .schema = "event",
             .arguments = kEvent,
@@ -218,7 +212,7 @@ tools::CommandRows PortCommands() {
         },
         {
             .path = "link",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "take a port's link up or down",
             .schema = "link",
             .arguments = kLink,
@@ -228,7 +222,7 @@ tools::CommandRows PortCommands() {
         },
         {
             .path = "adapter set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "change values of the adapter that has this port",
             .schema = "adapter.set",
             .arguments = kSet,
@@ -238,7 +232,7 @@ tools::CommandRows PortCommands() {
         },
         {
             .path = "port set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "change values of a port",
             .schema = "port.set",
             .arguments = kSet,

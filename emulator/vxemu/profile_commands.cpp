@@ -3,20 +3,12 @@
 #include <memory>
 
 #include "commands.h"
-#include "common/fields.h"
 #include "field_text.h"
 #include "profile_json.h"
 #include "running_driver.h"
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
-using tools::ListLayout;
-using tools::Record;
-using tools::Value;
 
 struct Summary {
     const Profile* profile;
@@ -28,8 +20,8 @@ auto Of(const Summary& summary) {
     return (*summary.profile).*Member;
 }
 
-const tools::Fields<Summary>& SummaryFields() {
-    static const tools::Fields<Summary> kFields = {
+const Fields<Summary>& SummaryFields() {
+    static const Fields<Summary> kFields = {
         {"name", "Name", "NAME", kText,
          [](const Summary& s) { return std::string(s.profile->name); }},
         {"adapters", "Adapters", "ADAPTERS", kInteger, Of<&Profile::adapterCount>},
@@ -39,9 +31,9 @@ const tools::Fields<Summary>& SummaryFields() {
     return kFields;
 }
 
-const tools::Fields<Profile>& ValidFields() {
-    static const tools::Fields<Profile> kFields = {
-        {"valid", "Valid", tools::kFlag, [](const Profile&) { return true; }},
+const Fields<Profile>& ValidFields() {
+    static const Fields<Profile> kFields = {
+        {"valid", "Valid", kFlag, [](const Profile&) { return true; }},
         {"name", "Name", kText, [](const Profile& profile) { return std::string(profile.name); }},
         {"adapters", "Adapters", kInteger, &Profile::adapterCount},
         {"ports", "Ports", kInteger, &Profile::portCount},
@@ -49,12 +41,12 @@ const tools::Fields<Profile>& ValidFields() {
     return kFields;
 }
 
-tools::FieldType TypeOf(const Field& field) {
+FieldType TypeOf(const Field& field) {
     switch (field.kind) {
         case FieldKind::Number:
             return kInteger;
         case FieldKind::Flag:
-            return tools::kFlag;
+            return kFlag;
         default:
             return kText;
     }
@@ -62,17 +54,17 @@ tools::FieldType TypeOf(const Field& field) {
 
 Value FieldValue(const Field& field, const uint8_t* bytes) {
     switch (TypeOf(field).base) {
-        case tools::FieldType::Base::Integer:
+        case FieldType::Base::Integer:
             return Value::Number(FieldNumber(field, bytes));
-        case tools::FieldType::Base::Flag:
+        case FieldType::Base::Flag:
             return Value::Flag(FieldNumber(field, bytes) != 0);
         default:
             return Value::Text(FormatField(field, bytes));
     }
 }
 
-tools::Shape ShapeOf(FieldScope scope) {
-    tools::Shape shape;
+Shape ShapeOf(FieldScope scope) {
+    Shape shape;
     for (const Field& field : ProfileFields()) {
         if (field.scope == scope) {
             shape.push_back({.key = field.name, .label = field.name, .type = TypeOf(field)});
@@ -104,8 +96,8 @@ constexpr Level kLuns = {"luns", "LUNs", FieldScope::Lun, nullptr};
 constexpr Level kTop[] = {{"adapters", "Adapters", FieldScope::Adapter, &kPorts},
                           {"targets", "Targets", FieldScope::Target, &kLuns}};
 
-tools::FieldShape ListShape(const Level& level) {
-    tools::Shape shape = ShapeOf(level.scope);
+FieldShape ListShape(const Level& level) {
+    Shape shape = ShapeOf(level.scope);
     if (level.below != nullptr) {
         shape.push_back(ListShape(*level.below));
     }
@@ -117,8 +109,8 @@ tools::FieldShape ListShape(const Level& level) {
 }
 
 void AddList(const Level& level, std::vector<Record> records, Record& result) {
-    const tools::FieldShape shape = ListShape(level);
-    result.AddList(shape.key, shape.label, shape.layout, tools::PrototypeOf(shape.children), "",
+    const FieldShape shape = ListShape(level);
+    result.AddList(shape.key, shape.label, shape.layout, PrototypeOf(shape.children), "",
                    std::move(records));
 }
 
@@ -150,7 +142,7 @@ void AddProfile(const Profile& profile, Record& result) {
               &LunProfile::target, result);
 }
 
-ExitCode RunProfileList(tools::Invocation& invocation) {
+ExitCode RunProfileList(Invocation& invocation) {
     const auto profile = std::make_unique<Profile>();
     std::vector<Record> rows;
     for (const BuiltInProfile& row : kBuiltInProfileTable) {
@@ -162,7 +154,7 @@ ExitCode RunProfileList(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode RunProfileShow(tools::Invocation& invocation) {
+ExitCode RunProfileShow(Invocation& invocation) {
     auto profile = std::make_unique<Profile>();
     const std::string name = invocation.Given().Text("PROFILE");
     if (name.empty()) {
@@ -170,7 +162,7 @@ ExitCode RunProfileShow(tools::Invocation& invocation) {
     } else {
         RequireProfile(invocation, name, profile.get());
     }
-    if (invocation.Mode() == tools::OutputMode::Text) {
+    if (invocation.Mode() == OutputMode::Text) {
         invocation.Result().AddRaw("profile", ProfileToJson(*profile));
     } else {
         AddProfile(*profile, invocation.Result());
@@ -178,39 +170,38 @@ ExitCode RunProfileShow(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode RunProfileValidate(tools::Invocation& invocation) {
+ExitCode RunProfileValidate(Invocation& invocation) {
     const auto profile = std::make_unique<Profile>();
     RequireProfileFile(invocation, invocation.Given().Text("FILE"), profile.get());
     invocation.Result() = ValidFields().Make(*profile);
     return ExitCode::Done;
 }
 
-tools::Shape ProfileListShape() {
+Shape ProfileListShape() {
     return {{.key = "profiles",
              .kind = tools::FieldKind::List,
              .children = SummaryFields().ShapeOfAll()}};
 }
 
-tools::Shape ProfileShape() {
+Shape ProfileShape() {
     return {{.key = "name"}, ListShape(kTop[0]), ListShape(kTop[1])};
 }
 
-tools::Shape ProfileValidShape() {
+Shape ProfileValidShape() {
     return ValidFields().ShapeOfAll();
 }
 
-constexpr tools::Argument kProfileShow[] = {{"PROFILE", tools::ArgumentKind::Text, "",
-                                             "built-in profile or JSON file; without: what runs"}};
-constexpr tools::Argument kProfileFile[] = {
-    {.name = "FILE", .help = "JSON file", .required = true}};
+constexpr Argument kProfileShow[] = {
+    {"PROFILE", ArgumentKind::Text, "", "built-in profile or JSON file; without: what runs"}};
+constexpr Argument kProfileFile[] = {{.name = "FILE", .help = "JSON file", .required = true}};
 
 }  // namespace
 
-tools::CommandRows ProfileCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows ProfileCommands() {
+    static const Command kCommands[] = {
         {
             .path = "profile list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "built-in profiles",
             .schema = "profile.list",
             .run = RunProfileList,
@@ -219,7 +210,7 @@ tools::CommandRows ProfileCommands() {
         },
         {
             .path = "profile show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "a profile as JSON",
             .schema = "profile.show",
             .arguments = kProfileShow,
@@ -229,7 +220,7 @@ tools::CommandRows ProfileCommands() {
         },
         {
             .path = "profile validate",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "check a profile file",
             .schema = "profile.validate",
             .arguments = kProfileFile,

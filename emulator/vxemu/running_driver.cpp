@@ -7,13 +7,10 @@
 #include <optional>
 #include <sstream>
 
-#include "common/text.h"
 #include "profile_json.h"
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
 
 constexpr uint32_t kNoSuchDevice = 433;
 constexpr std::uintmax_t kLongestProfileFile = 4u * 1024 * 1024;
@@ -24,7 +21,7 @@ std::filesystem::path PathOf(const std::string& text) {
 
 }  // namespace
 
-RunningDriver::RunningDriver(tools::Invocation& invocation, bool change) : invocation_(invocation) {
+RunningDriver::RunningDriver(Invocation& invocation, bool change) : invocation_(invocation) {
     const uint32_t error = device_.Open(change);
     if (error == ERROR_FILE_NOT_FOUND) {
         invocation.Fail(ExitCode::NotFound, "the emulated adapters do not run",
@@ -75,11 +72,11 @@ std::unique_ptr<Profile> RunningDriver::RunningProfile() {
     return profile;
 }
 
-uint32_t RequirePort(tools::Invocation& invocation, const std::string& text) {
+uint32_t RequirePort(Invocation& invocation, const std::string& text) {
     constexpr std::string_view kPrefix = "scsi:";
     const bool prefixed = text.starts_with(kPrefix);
     const auto number =
-        tools::ParseNumber(prefixed ? text.substr(kPrefix.size()) : std::string_view(text));
+        ParseNumber(prefixed ? text.substr(kPrefix.size()) : std::string_view(text));
     if (!number || *number > kMaxScsiPort) {
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not a port",
                         "give scsi:N or N, with a SCSI port number from 0 to 63");
@@ -91,7 +88,7 @@ std::string PortName(uint32_t scsiPort) {
     return "scsi:" + std::to_string(scsiPort);
 }
 
-void RequireProfileFile(tools::Invocation& invocation, const std::string& path, Profile* profile) {
+void RequireProfileFile(Invocation& invocation, const std::string& path, Profile* profile) {
     const std::filesystem::path file = PathOf(path);
     std::error_code failure;
     const std::uintmax_t size = std::filesystem::file_size(file, failure);
@@ -112,8 +109,7 @@ void RequireProfileFile(tools::Invocation& invocation, const std::string& path, 
     }
 }
 
-void RequireProfile(tools::Invocation& invocation, const std::string& nameOrFile,
-                    Profile* profile) {
+void RequireProfile(Invocation& invocation, const std::string& nameOrFile, Profile* profile) {
     if (!FillBuiltInProfile(nameOrFile.c_str(), *profile)) {
         RequireProfileFile(invocation, nameOrFile, profile);
     }

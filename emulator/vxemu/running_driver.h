@@ -5,15 +5,15 @@
 #include <memory>
 #include <string>
 
-#include "common/invocation.h"
 #include "control_device.h"
 #include "model/profile/profile.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 
 class RunningDriver {
   public:
-    RunningDriver(tools::Invocation& invocation, bool change);
+    RunningDriver(Invocation& invocation, bool change);
 
     std::unique_ptr<StatusReply> Status();
     std::unique_ptr<FaultListReply> Faults();
@@ -51,18 +51,18 @@ class RunningDriver {
     void CheckChange(ProfileError error, const std::string& what);
     void Check(uint32_t error, const std::string& what);
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     ControlDevice device_;
 };
 
 // A port as "scsi:N" or a bare number.
-uint32_t RequirePort(tools::Invocation& invocation, const std::string& text);
+uint32_t RequirePort(Invocation& invocation, const std::string& text);
 std::string PortName(uint32_t scsiPort);
 
 // A built-in profile by its name, or a JSON file. *profile is filled, and valid.
-void RequireProfile(tools::Invocation& invocation, const std::string& nameOrFile, Profile* profile);
+void RequireProfile(Invocation& invocation, const std::string& nameOrFile, Profile* profile);
 
 // A valid profile from a JSON file.
-void RequireProfileFile(tools::Invocation& invocation, const std::string& path, Profile* profile);
+void RequireProfileFile(Invocation& invocation, const std::string& path, Profile* profile);
 
 }  // namespace vxemu

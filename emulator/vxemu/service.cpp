@@ -47,9 +47,9 @@ const char* NameOf(ServiceState state) {
     return kStateNames[static_cast<int>(state)];
 }
 
-const tools::Fields<ServiceState>& ServiceFields() {
-    static const tools::Fields<ServiceState> kFields = {
-        {"service", "Service", tools::Choice(kStateNames), NameOf}};
+const Fields<ServiceState>& ServiceFields() {
+    static const Fields<ServiceState> kFields = {
+        {"service", "Service", Choice(kStateNames), NameOf}};
     return kFields;
 }
 

@@ -5,16 +5,16 @@
 #include <cstdint>
 #include <string>
 
-#include "common/fields.h"
 #include "frame/owned.h"
 #include "model/profile/profile.h"
+#include "vocabulary.h"
 
 namespace vxemu {
 
 enum class ServiceState : uint8_t { NotInstalled, Stopped, Starting, Running, Stopping };
 
 const char* NameOf(ServiceState state);
-const tools::Fields<ServiceState>& ServiceFields();
+const Fields<ServiceState>& ServiceFields();
 
 // Functions return a Windows error code, 0 for success.
 class DriverService {

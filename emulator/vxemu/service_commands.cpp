@@ -12,9 +12,6 @@
 namespace vxemu {
 namespace {
 
-using tools::ExitCode;
-using tools::Invocation;
-
 constexpr std::chrono::seconds kPatience{10};
 constexpr const char* kDefaultProfile = "lab";
 constexpr uint32_t kInvalidSignature = 577;
@@ -44,12 +41,12 @@ struct Started {
     std::unique_ptr<StatusReply> running{};  // null in a dry run
 };
 
-const tools::Fields<Started>& StartFields() {
-    static const tools::Fields<Started> kFields = {
-        {"profile", "Profile", tools::kText, &Started::profile},
+const Fields<Started>& StartFields() {
+    static const Fields<Started> kFields = {
+        {"profile", "Profile", kText, &Started::profile},
         {ServiceFields(), &Started::state},
         {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
-         tools::ListLayout::Table, "No ports."},
+         ListLayout::Table, "No ports."},
     };
     return kFields;
 }
@@ -182,24 +179,24 @@ ExitCode RunStop(Invocation& invocation) {
     return Report(invocation, ServiceState::Stopped);
 }
 
-tools::Shape ServiceShape() {
+Shape ServiceShape() {
     return ServiceFields().ShapeOfAll();
 }
 
-tools::Shape StartShape() {
+Shape StartShape() {
     return StartFields().ShapeOfAll();
 }
 
-constexpr tools::Argument kStart[] = {
-    {"--profile", tools::ArgumentKind::Text, "P", "built-in profile or JSON file (lab)"}};
+constexpr Argument kStart[] = {
+    {"--profile", ArgumentKind::Text, "P", "built-in profile or JSON file (lab)"}};
 
 }  // namespace
 
-tools::CommandRows ServiceCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows ServiceCommands() {
+    static const Command kCommands[] = {
         {
             .path = "install",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "register the driver service",
             .schema = "install",
             .run = RunInstall,
@@ -208,7 +205,7 @@ tools::CommandRows ServiceCommands() {
         },
         {
             .path = "uninstall",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "stop and remove the driver service",
             .schema = "uninstall",
             .run = RunUninstall,
@@ -217,7 +214,7 @@ tools::CommandRows ServiceCommands() {
         },
         {
             .path = "start",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "start the emulated adapters",
             .schema = "start",
             .arguments = kStart,
@@ -227,7 +224,7 @@ tools::CommandRows ServiceCommands() {
         },
         {
             .path = "stop",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "stop the emulated adapters",
             .schema = "stop",
             .run = RunStop,

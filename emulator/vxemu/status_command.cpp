@@ -9,10 +9,6 @@
 namespace vxemu {
 namespace {
 
-using tools::ExitCode;
-using tools::kInteger;
-using tools::Value;
-
 struct Status {
     ServiceState state = ServiceState::NotInstalled;
     std::unique_ptr<StatusReply> running;  // null unless the service runs
@@ -30,23 +26,23 @@ Value Uptime(const Status& status) {
     return uptime ? Value::Number(*uptime).Shown(std::to_string(*uptime / 1000) + " s") : Value();
 }
 
-const tools::Fields<Status>& StatusFields() {
-    static const tools::Fields<Status> kFields = {
+const Fields<Status>& StatusFields() {
+    static const Fields<Status> kFields = {
         {ServiceFields(), &Status::state},
-        {"profile", "Profile", tools::kText.OrNull(),
+        {"profile", "Profile", kText.OrNull(),
          [](const Status& s) {
              return s.running != nullptr ? std::string(s.running->profileName) : std::string();
          }},
-        {"uptime_ms", "Running for", tools::kCounter.OrAbsent(), Uptime},
+        {"uptime_ms", "Running for", kCounter.OrAbsent(), Uptime},
         {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
         {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
         {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
-         tools::ListLayout::Table, "No ports."},
+         ListLayout::Table, "No ports."},
     };
     return kFields;
 }
 
-ExitCode RunStatus(tools::Invocation& invocation) {
+ExitCode RunStatus(Invocation& invocation) {
     DriverService service;
     Status status;
     uint32_t error = service.Connect(false);
@@ -63,17 +59,17 @@ ExitCode RunStatus(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-tools::Shape StatusShape() {
+Shape StatusShape() {
     return StatusFields().ShapeOfAll();
 }
 
 }  // namespace
 
-tools::CommandRows StatusCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows StatusCommands() {
+    static const Command kCommands[] = {
         {
             .path = "status",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "what runs, and what each port has served",
             .schema = "status",
             .run = RunStatus,

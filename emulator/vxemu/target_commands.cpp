@@ -3,16 +3,11 @@
 
 #include "assignments.h"
 #include "commands.h"
-#include "common/text.h"
 #include "field_text.h"
 #include "running_driver.h"
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
-using tools::Invocation;
-using tools::Record;
 
 TargetSelector RequireTarget(Invocation& invocation) {
     const Field* field = FindField(FieldScope::Target, "port_name", sizeof "port_name");
@@ -28,7 +23,7 @@ TargetSelector RequireTarget(Invocation& invocation) {
 
 LunSelector RequireLun(Invocation& invocation) {
     const std::string text = invocation.Given().Text("LUN");
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     if (!number || *number > kMaxLunNumber) {
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is not a LUN",
                         "LUNs are 0 to " + std::to_string(kMaxLunNumber));
@@ -45,17 +40,16 @@ std::string NameOf(const LunSelector& lun) {
     return NameOf(lun.target) + " LUN " + std::to_string(lun.number);
 }
 
-const tools::Fields<TargetSelector>& TargetFields() {
-    static const tools::Fields<TargetSelector> kFields = {
-        {"target", "Target", tools::kText,
-         [](const TargetSelector& target) { return NameOf(target); }}};
+const Fields<TargetSelector>& TargetFields() {
+    static const Fields<TargetSelector> kFields = {
+        {"target", "Target", kText, [](const TargetSelector& target) { return NameOf(target); }}};
     return kFields;
 }
 
-const tools::Fields<LunSelector>& LunFields() {
-    static const tools::Fields<LunSelector> kFields = {
+const Fields<LunSelector>& LunFields() {
+    static const Fields<LunSelector> kFields = {
         {TargetFields(), &LunSelector::target},
-        {"lun", "LUN", tools::kInteger, &LunSelector::number},
+        {"lun", "LUN", kInteger, &LunSelector::number},
     };
     return kFields;
 }
@@ -162,43 +156,43 @@ ExitCode RunLunSet(Invocation& invocation) {
                                              RequireLun(invocation));
 }
 
-tools::Shape TargetShape() {
+Shape TargetShape() {
     return TargetFields().ShapeOfAll();
 }
 
-tools::Shape TargetSetShape() {
+Shape TargetSetShape() {
     return WithAssignments(TargetShape(), FieldScope::Target);
 }
 
-tools::Shape LunShape() {
+Shape LunShape() {
     return LunFields().ShapeOfAll();
 }
 
-tools::Shape LunSetShape() {
+Shape LunSetShape() {
     return WithAssignments(LunShape(), FieldScope::Lun);
 }
 
 constexpr const char* kTargetHelp = "port name of a target: 2b:00:02:45:4d:00:01:00";
 constexpr const char* kAssignmentHelp = "NAME=VALUE, as in a profile file";
-constexpr tools::Argument kTargetAdd[] = {
+constexpr Argument kTargetAdd[] = {
     {.name = "TARGET", .help = kTargetHelp, .required = true},
     {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
 };
-constexpr tools::Argument kTarget[] = {{.name = "TARGET", .help = kTargetHelp, .required = true}};
-constexpr tools::Argument kTargetSet[] = {
+constexpr Argument kTarget[] = {{.name = "TARGET", .help = kTargetHelp, .required = true}};
+constexpr Argument kTargetSet[] = {
     {.name = "TARGET", .help = kTargetHelp, .required = true},
     {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
 };
-constexpr tools::Argument kLunAdd[] = {
+constexpr Argument kLunAdd[] = {
     {.name = "TARGET", .help = kTargetHelp, .required = true},
     {.name = "LUN", .help = "number of the LUN", .required = true},
     {.name = "ASSIGNMENT", .help = kAssignmentHelp, .repeated = true},
 };
-constexpr tools::Argument kLun[] = {
+constexpr Argument kLun[] = {
     {.name = "TARGET", .help = kTargetHelp, .required = true},
     {.name = "LUN", .help = "number of the LUN", .required = true},
 };
-constexpr tools::Argument kLunSet[] = {
+constexpr Argument kLunSet[] = {
     {.name = "TARGET", .help = kTargetHelp, .required = true},
     {.name = "LUN", .help = "number of the LUN", .required = true},
     {.name = "ASSIGNMENT", .help = kAssignmentHelp, .required = true, .repeated = true},
@@ -206,11 +200,11 @@ constexpr tools::Argument kLunSet[] = {
 
 }  // namespace
 
-tools::CommandRows TargetCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows TargetCommands() {
+    static const Command kCommands[] = {
         {
             .path = "target add",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "connect a target",
             .schema = "target.add",
             .arguments = kTargetAdd,
@@ -220,7 +214,7 @@ tools::CommandRows TargetCommands() {
         },
         {
             .path = "target remove",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "take a target and its LUNs away",
             .schema = "target.remove",
             .arguments = kTarget,
@@ -230,7 +224,7 @@ tools::CommandRows TargetCommands() {
         },
         {
             .path = "target set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "change values of a target",
             .schema = "target.set",
             .arguments = kTargetSet,
@@ -240,7 +234,7 @@ tools::CommandRows TargetCommands() {
         },
         {
             .path = "lun add",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "give a target a LUN",
             .schema = "lun.add",
             .arguments = kLunAdd,
@@ -250,7 +244,7 @@ tools::CommandRows TargetCommands() {
         },
         {
             .path = "lun remove",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "take a LUN and what was written to it away",
             .schema = "lun.remove",
             .arguments = kLun,
@@ -260,7 +254,7 @@ tools::CommandRows TargetCommands() {
         },
         {
             .path = "lun set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "change values of a LUN",
             .schema = "lun.set",
             .arguments = kLunSet,

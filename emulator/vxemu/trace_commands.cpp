@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "commands.h"
-#include "common/text.h"
 #include "fault_text.h"
 #include "model/bytes/bytes.h"
 #include "model/model.h"
@@ -18,11 +17,6 @@
 
 namespace vxemu {
 namespace {
-
-using tools::ExitCode;
-using tools::Invocation;
-using tools::kInteger;
-using tools::kText;
 
 // An entry with the time of the calendar.
 struct TracedRequest {
@@ -80,16 +74,16 @@ std::optional<uint32_t> SubCodeOf(const TraceEntry& entry) {
     return entry.subCode != kPlainRequest ? std::optional<uint32_t>(entry.subCode) : std::nullopt;
 }
 
-const tools::Fields<TracedRequest>& TracedFields() {
+const Fields<TracedRequest>& TracedFields() {
     using Traced = TracedRequest;
-    static const tools::Fields<Traced> kFields = {
-        {"time", "Time", "TIME", kText, [](const Traced& t) { return tools::FormatUtc(t.time); }},
+    static const Fields<Traced> kFields = {
+        {"time", "Time", "TIME", kText, [](const Traced& t) { return FormatUtc(t.time); }},
         {"port", "Port", "PORT", kText, [](const Traced& t) { return PortName(t.entry.scsiPort); }},
         {"process", "Process", "PROCESS", kInteger,
          [](const Traced& t) { return uint32_t{t.entry.process}; }},
         {"request", "Request", "REQUEST", kText,
          [](const Traced& t) { return RequestName(t.entry); }},
-        {"code", "Code", kText, [](const Traced& t) { return tools::Hex(t.entry.code, 8); }},
+        {"code", "Code", kText, [](const Traced& t) { return Hex(t.entry.code, 8); }},
         {"sub_code", "Sub-code", "SUB", kInteger.OrNull(),
          [](const Traced& t) { return SubCodeOf(t.entry); }},
         {"input_bytes", "Bytes in", "IN", kInteger,
@@ -98,7 +92,7 @@ const tools::Fields<TracedRequest>& TracedFields() {
          [](const Traced& t) { return uint32_t{t.entry.outputLength}; }},
         {"returned_bytes", "Bytes out", "OUT", kInteger,
          [](const Traced& t) { return uint32_t{t.entry.returned}; }},
-        {"completion", "Completion", "COMPLETION", tools::Choice(kCompletions),
+        {"completion", "Completion", "COMPLETION", Choice(kCompletions),
          [](const Traced& t) { return std::string(CompletionName(t.entry)); }},
         {"status", "Driver status", "STATUS", kInteger.OrNull(),
          [](const Traced& t) { return StatusOf(t.entry); }},
@@ -110,16 +104,16 @@ const tools::Fields<TracedRequest>& TracedFields() {
     return kFields;
 }
 
-const tools::Fields<TraceContent>& TraceFields() {
+const Fields<TraceContent>& TraceFields() {
     using Content = TraceContent;
-    static const tools::Fields<Content> kFields = {
-        {"running", "Running", tools::kFlag, &Content::running},
+    static const Fields<Content> kFields = {
+        {"running", "Running", kFlag, &Content::running},
         {"file", "File", kText.OrNull(),
          [](const Content& c) { return c.running ? std::optional(c.file) : std::nullopt; }},
-        {"lost", "Requests lost", tools::kCounter, &Content::lost},
+        {"lost", "Requests lost", kCounter, &Content::lost},
         {"requests", "Requests", TracedFields(),
          [](const Content& c) { return std::span<const TracedRequest>(c.requests); },
-         tools::ListLayout::Table, "No requests."},
+         ListLayout::Table, "No requests."},
     };
     return kFields;
 }
@@ -130,11 +124,11 @@ struct TraceChange {
     uint64_t lost = 0;
 };
 
-const tools::Fields<TraceChange>& TraceChangeFields() {
-    static const tools::Fields<TraceChange> kFields = {
+const Fields<TraceChange>& TraceChangeFields() {
+    static const Fields<TraceChange> kFields = {
         {"file", "File", kText, &TraceChange::file},
-        {"requests", "Requests written", tools::kCounter, &TraceChange::requests},
-        {"lost", "Requests lost", tools::kCounter, &TraceChange::lost},
+        {"requests", "Requests written", kCounter, &TraceChange::requests},
+        {"lost", "Requests lost", kCounter, &TraceChange::lost},
     };
     return kFields;
 }
@@ -173,11 +167,11 @@ std::filesystem::path TracePath(const std::string& text) {
 std::string LineOf(const TracedRequest& traced) {
     const TraceEntry& entry = traced.entry;
     nlohmann::ordered_json line = {
-        {"time", tools::FormatUtc(traced.time)},
+        {"time", FormatUtc(traced.time)},
         {"port", PortName(entry.scsiPort)},
         {"process", uint32_t{entry.process}},
         {"request", RequestName(entry)},
-        {"code", tools::Hex(entry.code, 8)},
+        {"code", Hex(entry.code, 8)},
         {"sub_code", nullptr},
         {"input_bytes", uint32_t{entry.inputLength}},
         {"output_bytes", uint32_t{entry.outputLength}},
@@ -250,24 +244,24 @@ ExitCode RunTraceShow(Invocation& invocation) {
     return ExitCode::Done;
 }
 
-tools::Shape TraceShape() {
+Shape TraceShape() {
     return TraceFields().ShapeOfAll();
 }
 
-tools::Shape TraceChangeShape() {
+Shape TraceChangeShape() {
     return TraceChangeFields().ShapeOfAll();
 }
 
-constexpr tools::Argument kTraceFile[] = {
+constexpr Argument kTraceFile[] = {
     {.name = "FILE", .help = "takes the requests when the trace stops", .required = true}};
 
 }  // namespace
 
-tools::CommandRows TraceCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows TraceCommands() {
+    static const Command kCommands[] = {
         {
             .path = "trace start",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "record every request of the ports, the last 8192 of them",
             .schema = "trace.start",
             .arguments = kTraceFile,
@@ -277,7 +271,7 @@ tools::CommandRows TraceCommands() {
         },
         {
             .path = "trace stop",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "end the record and write it as JSON lines",
             .schema = "trace.stop",
             .run = RunTraceStop,
@@ -286,7 +280,7 @@ tools::CommandRows TraceCommands() {
         },
         {
             .path = "trace show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "the requests that were recorded up to now",
             .schema = "trace.show",
             .run = RunTraceShow,

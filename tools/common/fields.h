@@ -2,8 +2,8 @@
 // its values are and where they come from. Text, table, CSV and JSON are made from the record that
 // the table makes, the JSON Schema and the columns of an empty list from the table itself.
 //
-//     const tools::Fields<Port>& PortFields() {
-//         static const tools::Fields<Port> kFields = {
+//     const Fields<Port>& PortFields() {
+//         static const Fields<Port> kFields = {
 //             {"index", "Port", "PORT", kInteger, &Port::index},
 //             {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
 //             {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},

@@ -1,5 +1,4 @@
 // vxmgr: the command-line manager of the adapters, over the management library's public interface.
-#include "common/command.h"
 #include "vxmgr/app/library.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_document.h"
@@ -17,19 +16,16 @@
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ArgumentKind;
-
 constexpr Argument kOptions[] = {
     {.name = "-a,--adapter",
      .valueName = "SEL",
      .help = "adapter: serial:TEXT, wwn:..., index:N, scsi:N, all, a name or a serial number",
-     .naming = tools::Naming::Selection,
+     .naming = Naming::Selection,
      .source = {"adapter list", "serial", "serial:"}},
     {.name = "-p,--port",
      .valueName = "SEL",
      .help = "port: selected in the same way; see `help selecting`",
-     .naming = tools::Naming::Selection,
+     .naming = Naming::Selection,
      .source = {"port list", "scsi_port", "scsi:"}},
     {"--trace", ArgumentKind::Text, "FILE", "append the library's trace to a file"},
 };
@@ -51,11 +47,11 @@ std::string SelectingText() {
            "scripts had better use serial numbers and names.\n";
 }
 
-constexpr tools::HelpTopic kTopics[] = {
+constexpr HelpTopic kTopics[] = {
     {"selecting", "what -a and -p take", SelectingText},
 };
 
-constexpr tools::CommandGroup kGroups[] = {
+constexpr CommandGroup kGroups[] = {
     {"adapter", "adapters: the ports that share a serial number"},
     {"adapter locate", "the LEDs that tell where an adapter is"},
     {"port", "Fibre Channel ports"},
@@ -85,14 +81,14 @@ constexpr tools::CommandGroup kGroups[] = {
     {"driver param", "parameters that a driver reads at its start"},
 };
 
-constexpr tools::Document kDocuments[] = {
+constexpr Document kDocuments[] = {
     {"bindings", "The document of `bind export` and `bind import`", BindDocumentShape},
     {"lun_masks", "The document of `lunmask export` and `lunmask import`", LunMaskDocumentShape},
     {"nvram", "The document of `nvram export` and `nvram import`", NvramDocumentShape},
 };
 
 // The order of the help.
-constexpr tools::CommandRows (*kFiles[])() = {
+constexpr CommandRows (*kFiles[])() = {
     AdapterAndPortCommands,
     LocateCommands,
     StatsCommands,

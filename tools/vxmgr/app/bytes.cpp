@@ -1,7 +1,5 @@
 #include "vxmgr/app/bytes.h"
 
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
 
@@ -43,13 +41,12 @@ std::string HexDigits(Bytes bytes) {
     return text;
 }
 
-const tools::Fields<HexRow>& HexRowFields() {
-    static const tools::Fields<HexRow> kFields = {
-        {"offset", "Offset", "OFFSET", tools::Hexadecimal(4), &HexRow::offset},
-        {"hex", "Bytes", "BYTES", tools::kText,
-         [](const HexRow& row) { return PairsOf(row.bytes); }, "", 3 * kRowBytes - 1},
-        {"text", "Text", "TEXT", tools::kText,
-         [](const HexRow& row) { return Printable(row.bytes); }},
+const Fields<HexRow>& HexRowFields() {
+    static const Fields<HexRow> kFields = {
+        {"offset", "Offset", "OFFSET", Hexadecimal(4), &HexRow::offset},
+        {"hex", "Bytes", "BYTES", kText, [](const HexRow& row) { return PairsOf(row.bytes); }, "",
+         3 * kRowBytes - 1},
+        {"text", "Text", "TEXT", kText, [](const HexRow& row) { return Printable(row.bytes); }},
     };
     return kFields;
 }
@@ -63,13 +60,12 @@ std::vector<HexRow> HexRowsOf(Bytes bytes) {
     return rows;
 }
 
-void AddHexRows(tools::Record& record, const std::string& key, const std::string& label,
-                Bytes bytes) {
-    std::vector<tools::Record> rows;
+void AddHexRows(Record& record, const std::string& key, const std::string& label, Bytes bytes) {
+    std::vector<Record> rows;
     for (const HexRow& row : HexRowsOf(bytes)) {
         rows.push_back(HexRowFields().Make(row));
     }
-    record.AddList(key, label, tools::ListLayout::Table, HexRowFields().Prototype(), "no data",
+    record.AddList(key, label, ListLayout::Table, HexRowFields().Prototype(), "no data",
                    std::move(rows));
 }
 

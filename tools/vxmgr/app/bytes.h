@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "common/fields.h"
 #include "formats/bytes.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -24,11 +24,10 @@ struct HexRow {
     size_t offset;
     std::vector<uint8_t> bytes;
 };
-const tools::Fields<HexRow>& HexRowFields();
+const Fields<HexRow>& HexRowFields();
 std::vector<HexRow> HexRowsOf(Bytes bytes);
 
-void AddHexRows(tools::Record& record, const std::string& key, const std::string& label,
-                Bytes bytes);
+void AddHexRows(Record& record, const std::string& key, const std::string& label, Bytes bytes);
 
 // Hexadecimal digits in pairs, with blanks, ':' or '-' between the bytes; false for anything else.
 bool ParseHex(const std::string& text, std::vector<uint8_t>* bytes);

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/text.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -26,7 +26,7 @@ std::string TextOfCode(const CodeText (&table)[rows], uint32_t code, const std::
 // The text, or what the code is and its number: "reason 0x42".
 template <size_t rows>
 std::string TextOrNumber(const CodeText (&table)[rows], uint32_t code, const char* what) {
-    return TextOfCode(table, code, std::string(what) + " " + tools::Hex(code, 2));
+    return TextOfCode(table, code, std::string(what) + " " + Hex(code, 2));
 }
 
 // The name of a small number; null for one that has none.

@@ -9,7 +9,6 @@ namespace vxmgr {
 namespace {
 
 namespace fs = std::filesystem;
-using tools::ExitCode;
 
 fs::path PathOf(const std::string& text) {
     return fs::path(std::u8string(text.begin(), text.end()));
@@ -34,7 +33,7 @@ class Temporary {
 
 }  // namespace
 
-void ReplaceFile(tools::Invocation& invocation, const std::string& path,
+void ReplaceFile(Invocation& invocation, const std::string& path,
                  const std::function<void(const std::string& temporary)>& make) {
     std::error_code error;
     if (fs::is_directory(PathOf(path), error)) {
@@ -49,10 +48,10 @@ void ReplaceFile(tools::Invocation& invocation, const std::string& path,
     }
 }
 
-void SaveFile(tools::Invocation& invocation, const std::string& path, Bytes bytes) {
+void SaveFile(Invocation& invocation, const std::string& path, Bytes bytes) {
     ReplaceFile(invocation, path, [&](const std::string& temporary) {
         uint32_t error = 0;
-        std::FILE* file = tools::console::CreateForWriting(temporary, &error);
+        std::FILE* file = console::CreateForWriting(temporary, &error);
         if (file == nullptr) {
             invocation.Fail(error, path + " cannot be written");
         }
@@ -69,7 +68,7 @@ uint64_t FileSize(const std::string& path) {
     return error ? 0 : size;
 }
 
-std::vector<uint8_t> LoadFile(tools::Invocation& invocation, const std::string& path, size_t most) {
+std::vector<uint8_t> LoadFile(Invocation& invocation, const std::string& path, size_t most) {
     std::ifstream file(PathOf(path), std::ios::binary);
     if (!file) {
         invocation.Fail(ExitCode::NotFound, path + " cannot be read");

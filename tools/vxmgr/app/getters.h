@@ -7,8 +7,7 @@
 #include <string>
 #include <type_traits>
 
-#include "common/text.h"
-#include "common/wwn.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -24,7 +23,7 @@ inline constexpr auto Packed = [](const auto& record) {
 template <auto member>
 inline constexpr auto TextOf = [](const auto& record) {
     const auto& field = record.*member;
-    return tools::FieldText(reinterpret_cast<const char*>(field), sizeof field);
+    return FieldText(reinterpret_cast<const char*>(field), sizeof field);
 };
 
 // One bit of such a number.
@@ -34,7 +33,7 @@ inline constexpr auto Bit = [](const auto& record) { return (Packed<member>(reco
 // A name of such a record; nothing for one of zeros.
 template <auto member>
 inline constexpr auto WwnOf = [](const auto& record) {
-    const tools::Wwn name = tools::Wwn::Of(record.*member);
+    const Wwn name = Wwn::Of(record.*member);
     return name.IsZero() ? std::nullopt : std::optional(name);
 };
 

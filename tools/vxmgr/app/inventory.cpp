@@ -4,13 +4,10 @@
 #include <iterator>
 
 #include "common/console.h"
-#include "common/text.h"
 #include "vxmgr/app/port_reader.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 // The ports that may be worth asking.
 struct Candidates {
@@ -19,7 +16,7 @@ struct Candidates {
     uint32_t familyPorts = 0;  // how many there are, asked or not: the others come behind them
 };
 
-Candidates ListCandidates(tools::Invocation& invocation) {
+Candidates ListCandidates(Invocation& invocation) {
     std::vector<HX_SCSI_PORT> listed(HX_MAX_SCSI_PORTS);
     uint32_t count = HX_MAX_SCSI_PORTS;
     if (const HX_STATUS status = HXListScsiPorts(listed.data(), &count); status != HXMGT_SUCCESS) {
@@ -46,9 +43,9 @@ Candidates ListCandidates(tools::Invocation& invocation) {
 
 // What -p leaves to ask when it names one port by its place: a port of the family alone, or only
 // those that are not.
-void Narrow(const tools::Selector& selector, Candidates* candidates) {
-    const bool byIndex = selector.kind == tools::SelectorKind::Index;
-    if (!byIndex && selector.kind != tools::SelectorKind::Scsi) {
+void Narrow(const Selector& selector, Candidates* candidates) {
+    const bool byIndex = selector.kind == SelectorKind::Index;
+    if (!byIndex && selector.kind != SelectorKind::Scsi) {
         return;
     }
     std::erase_if(candidates->family, [&](const Port& port) {
@@ -78,7 +75,7 @@ PortQuestion<Found> QuestionTo(const std::string& name, std::vector<Port> ports,
             }};
 }
 
-std::vector<Port> Read(tools::Invocation& invocation, const Candidates& candidates) {
+std::vector<Port> Read(Invocation& invocation, const Candidates& candidates) {
     const ReadingOptions options{TracePath(invocation), invocation.Given().Text("trace"),
                                  invocation.Verbose()};
     std::vector<PortQuestion<Found>> questions;
@@ -125,8 +122,8 @@ std::vector<Port> Read(tools::Invocation& invocation, const Candidates& candidat
     return read;
 }
 
-void WarnWhenNothingIsVisible(tools::Invocation& invocation, const std::vector<Port>& ports) {
-    if (ports.empty() && !tools::console::IsElevated()) {
+void WarnWhenNothingIsVisible(Invocation& invocation, const std::vector<Port>& ports) {
+    if (ports.empty() && !console::IsElevated()) {
         invocation.Warn("no adapter is visible to this user",
                         "run the command from an elevated prompt");
     }
@@ -138,7 +135,7 @@ std::string Port::Serial() const {
     if (!node || node->serialPresent == 0) {
         return {};
     }
-    return tools::FieldText(node->serialNumber, sizeof node->serialNumber);
+    return FieldText(node->serialNumber, sizeof node->serialNumber);
 }
 
 std::string Port::Object() const {
@@ -166,10 +163,10 @@ tools::Identity Port::Identity() const {
         identity.scsiPorts.push_back(*scsiPort);
     }
     if (port) {
-        identity.names.push_back(tools::Wwn::Of(port->portName));
+        identity.names.push_back(Wwn::Of(port->portName));
     }
     if (node) {
-        identity.names.push_back(tools::Wwn::Of(node->nodeName));
+        identity.names.push_back(Wwn::Of(node->nodeName));
     }
     return identity;
 }
@@ -196,24 +193,24 @@ const Port& Adapter::Speaker() const {
     return First();
 }
 
-std::string TracePath(tools::Invocation& invocation) {
-    return tools::console::ToSystemCodePage(invocation.Given().Text("trace"));
+std::string TracePath(Invocation& invocation) {
+    return console::ToSystemCodePage(invocation.Given().Text("trace"));
 }
 
-void DoesNotAnswer(tools::Invocation& invocation, Port* port) {
+void DoesNotAnswer(Invocation& invocation, Port* port) {
     port->answers = false;
     port->failure = HXMGT_TIMED_OUT;
     port->failedQuery =
         SilenceText(*port, " after " + std::to_string(AnswerTime(invocation).count()) + " s");
 }
 
-std::vector<Port> ReadPorts(tools::Invocation& invocation) {
+std::vector<Port> ReadPorts(Invocation& invocation) {
     std::vector<Port> ports = Read(invocation, ListCandidates(invocation));
     WarnWhenNothingIsVisible(invocation, ports);
     return ports;
 }
 
-std::vector<Port> ReadSelectedPorts(tools::Invocation& invocation) {
+std::vector<Port> ReadSelectedPorts(Invocation& invocation) {
     Candidates candidates = ListCandidates(invocation);
     const auto selector = GivenSelector(invocation, "port");
     if (selector && !invocation.Given().Has("adapter")) {
@@ -243,7 +240,7 @@ std::vector<Adapter> GroupAdapters(const std::vector<Port>& ports) {
     return adapters;
 }
 
-ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<const Port*>& ports) {
+ExitCode ReportFailures(Invocation& invocation, const std::vector<const Port*>& ports) {
     size_t failures = 0;
     ExitCode first = ExitCode::Done;
     for (const Port* port : ports) {
@@ -256,7 +253,7 @@ ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<const P
     return failures != 0 && failures < ports.size() ? ExitCode::Partial : first;
 }
 
-ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<Port*>& ports) {
+ExitCode ReportFailures(Invocation& invocation, const std::vector<Port*>& ports) {
     return ReportFailures(invocation, std::vector<const Port*>(ports.begin(), ports.end()));
 }
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "common/invocation.h"
 #include "common/selector.h"
 #include "vxmgr/app/library.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -55,43 +55,42 @@ struct Adapter {
 // Opens and reads every port: those that the registry gives to a driver of the family, in the order
 // of their SCSI ports, then every other that answers as one of the family. A port of the registry
 // that cannot be opened or read keeps its row and with it its index.
-std::vector<Port> ReadPorts(tools::Invocation& invocation);
+std::vector<Port> ReadPorts(Invocation& invocation);
 
 // The same for commands about ports: with `-p index:N` or `-p scsi:N` nothing else is touched, and
 // that port alone is in the list.
-std::vector<Port> ReadSelectedPorts(tools::Invocation& invocation);
+std::vector<Port> ReadSelectedPorts(Invocation& invocation);
 
 // Marks a port that did not answer in time.
-void DoesNotAnswer(tools::Invocation& invocation, Port* port);
+void DoesNotAnswer(Invocation& invocation, Port* port);
 
 std::vector<Adapter> GroupAdapters(const std::vector<Port>& ports);
 
 // The trace file of --trace, for the library.
-std::string TracePath(tools::Invocation& invocation);
+std::string TracePath(Invocation& invocation);
 
 // What the option says; none when it is not given. Ends the command when it is wrong.
-std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, const char* option);
+std::optional<Selector> GivenSelector(Invocation& invocation, const char* option);
 
 // What -a and -p select, or everything when neither is given. Ends the command when a selection is
 // wrong, matches nothing, is bare text that matches more than one object, or is the number of an
 // adapter that is not certain because a port before it does not answer.
-std::vector<const Port*> SelectPorts(tools::Invocation& invocation, const std::vector<Port>& ports);
-std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>& ports);
-std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
+std::vector<const Port*> SelectPorts(Invocation& invocation, const std::vector<Port>& ports);
+std::vector<Port*> SelectPorts(Invocation& invocation, std::vector<Port>& ports);
+std::vector<const Adapter*> SelectAdapters(Invocation& invocation,
                                            const std::vector<Adapter>& adapters);
 
 // The positions of the identities that the option selects, all of them without it; ends the command
 // likewise.
-std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
-                                    const std::vector<tools::Identity>& identities);
+std::vector<size_t> SelectPositions(Invocation& invocation, const char* option,
+                                    const std::vector<Identity>& identities);
 
 // The one port of a command that changes something.
-const Port& SelectOnePort(tools::Invocation& invocation, const std::vector<Port>& ports);
+const Port& SelectOnePort(Invocation& invocation, const std::vector<Port>& ports);
 
 // Reports the failed ports as messages. The exit code of the whole: Partial when some failed, the
 // first one's when all did.
-tools::ExitCode ReportFailures(tools::Invocation& invocation,
-                               const std::vector<const Port*>& ports);
-tools::ExitCode ReportFailures(tools::Invocation& invocation, const std::vector<Port*>& ports);
+ExitCode ReportFailures(Invocation& invocation, const std::vector<const Port*>& ports);
+ExitCode ReportFailures(Invocation& invocation, const std::vector<Port*>& ports);
 
 }  // namespace vxmgr

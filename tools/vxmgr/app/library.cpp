@@ -7,8 +7,7 @@
 #include <mutex>
 
 #include "common/console.h"
-#include "common/status_codes.h"
-#include "common/text.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {
@@ -88,15 +87,14 @@ uint32_t CauseOf(uint32_t status, const std::string& object) {
 std::string LibraryVersion() {
     char text[64] = {};
     HXGetVersion(text, sizeof text);
-    return tools::Split(text, ' ').front();
+    return Split(text, ' ').front();
 }
 
 std::string StatusMessage(uint32_t status) {
     // The library's text of a code that the system does not know is that of an earlier call.
-    std::string text = tools::KindOf(status) == tools::StatusKind::Windows
-                           ? tools::console::SystemErrorText(status)
-                           : HXGetErrorString(status);
-    text = tools::FieldText(text.c_str(), text.size());
+    std::string text = KindOf(status) == StatusKind::Windows ? console::SystemErrorText(status)
+                                                             : HXGetErrorString(status);
+    text = FieldText(text.c_str(), text.size());
     while (!text.empty() && (text.back() == '?' || text.back() == '.' || text.back() == ' ')) {
         text.pop_back();
     }

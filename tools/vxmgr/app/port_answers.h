@@ -5,21 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "common/status_codes.h"
 #include "vxmgr/app/port_walk.h"
 
 namespace vxmgr {
 
 // Its chip, driver or firmware does not know the request.
 inline bool CannotTell(HX_STATUS status) {
-    return tools::ExitCodeOf(status) == tools::ExitCode::NotSupported;
+    return ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
 // Marks the ports that failed and reports them; the exit code of the whole. A port that cannot tell
 // is a failure only when it was chosen.
 template <class Answer>
-tools::ExitCode ReportAnswers(tools::Invocation& invocation,
-                              const std::vector<PortAnswer<Answer>>& answers) {
+ExitCode ReportAnswers(Invocation& invocation, const std::vector<PortAnswer<Answer>>& answers) {
     const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
     std::vector<const Port*> counted;
     std::map<std::string, std::vector<const Port*>> unable;  // by what is said of them

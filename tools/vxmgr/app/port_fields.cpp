@@ -8,9 +8,7 @@
 namespace vxmgr {
 namespace {
 
-using tools::kInteger;
-
-tools::Fields<Port> KeysWith(unsigned shown) {
+Fields<Port> KeysWith(unsigned shown) {
     const auto label = [shown](unsigned key, const char* text) {
         return shown & key & kPortLabels ? text : "";
     };
@@ -22,35 +20,35 @@ tools::Fields<Port> KeysWith(unsigned shown) {
         {"port", label(kPortIndex, "Port"), column(kPortIndex, "PORT"), kInteger, &Port::index},
         {"scsi_port", label(kScsiPort, "SCSI port"), column(kScsiPort, "SCSI"), kInteger.OrNull(),
          &Port::scsiPort},
-        {"port_wwn", label(kPortName, "Port name"), column(kPortName, "PORT NAME"),
-         tools::kWwn.OrNull(), PortNameOf, "", 23},
+        {"port_wwn", label(kPortName, "Port name"), column(kPortName, "PORT NAME"), kWwn.OrNull(),
+         PortNameOf, "", 23},
         {"adapter_serial", label(kAdapterSerial, "Adapter serial"),
-         column(kAdapterSerial, "ADAPTER"), tools::kSerial.OrNull(), &Port::Serial, "", 14},
+         column(kAdapterSerial, "ADAPTER"), kSerial.OrNull(), &Port::Serial, "", 14},
     };
 }
 
 }  // namespace
 
-std::optional<tools::Wwn> PortNameOf(const Port& port) {
-    return port.port ? std::optional(tools::Wwn::Of(port.port->portName)) : std::nullopt;
+std::optional<Wwn> PortNameOf(const Port& port) {
+    return port.port ? std::optional(Wwn::Of(port.port->portName)) : std::nullopt;
 }
 
-const tools::Fields<Port>& PortKeys(unsigned shown) {
+const Fields<Port>& PortKeys(unsigned shown) {
     static std::mutex lock;  // rows are also made on the threads of ports
-    static std::map<unsigned, tools::Fields<Port>> made;
+    static std::map<unsigned, Fields<Port>> made;
     const std::lock_guard guard(lock);
     return made.try_emplace(shown, KeysWith(shown)).first->second;
 }
 
-const tools::Fields<Port>& PortSerialAlias() {
-    static const tools::Fields<Port> kFields = {
-        {"serial", "", tools::kSerial.OrNull(), &Port::Serial, "the same as adapter_serial"}};
+const Fields<Port>& PortSerialAlias() {
+    static const Fields<Port> kFields = {
+        {"serial", "", kSerial.OrNull(), &Port::Serial, "the same as adapter_serial"}};
     return kFields;
 }
 
-const tools::Fields<Port>& PortStatus() {
-    static const tools::Fields<Port> kFields = {
-        {"status", "Status", tools::kText.OrNull().Quiet(),
+const Fields<Port>& PortStatus() {
+    static const Fields<Port> kFields = {
+        {"status", "Status", kText.OrNull().Quiet(),
          [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout}};
     return kFields;
 }

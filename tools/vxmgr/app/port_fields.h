@@ -1,7 +1,6 @@
 // The keys by which every row about a port names it: port, scsi_port, port_wwn, adapter_serial.
 #pragma once
 
-#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {
@@ -18,15 +17,15 @@ enum PortKey : unsigned {
 };
 
 // For a splice: {PortKeys(kPortIndex | kAdapterSerial), &Row::port}.
-const tools::Fields<Port>& PortKeys(unsigned shown = kPortIndex);
+const Fields<Port>& PortKeys(unsigned shown = kPortIndex);
 
 // The serial number's older key, where documents had it before adapter_serial.
-const tools::Fields<Port>& PortSerialAlias();
+const Fields<Port>& PortSerialAlias();
 
 // The status that the port failed with, null for none.
 inline constexpr char kPortStatusAbout[] = "null, or the status that made the port fail";
-const tools::Fields<Port>& PortStatus();
+const Fields<Port>& PortStatus();
 
-std::optional<tools::Wwn> PortNameOf(const Port& port);
+std::optional<Wwn> PortNameOf(const Port& port);
 
 }  // namespace vxmgr

@@ -2,15 +2,11 @@
 
 #include <windows.h>
 
-#include "common/status_codes.h"
-
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 bool SaysUnsupported(HX_STATUS status) {
-    return tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    return ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
 // Reads one port's records through its handle and keeps the first failure that is more than a
@@ -33,9 +29,9 @@ class PortReader {
     bool Succeeded(HX_STATUS status, const char* query) {
         task_.Answered();
         if (status != HXMGT_SUCCESS && verbose_) {
-            task_.Tell({tools::Severity::Info,
+            task_.Tell({Severity::Info,
                         std::string(query) + ": " + StatusMessage(status) + " (" +
-                            tools::StatusText(status) + ")",
+                            StatusText(status) + ")",
                         {},
                         port_.Object(),
                         {}});
@@ -93,10 +89,10 @@ bool ReadPort(PortTask& task, const ReadingOptions& options, Port& port) {
     Device device;
     const HX_STATUS status = port.Open(options.tracePath, &device);
     if (status != HXMGT_SUCCESS && device.IsOpen()) {
-        throw tools::CommandError{
-            tools::ExitCodeOf(status),
-            {tools::Severity::Error, "--trace " + options.givenTrace + ": " + StatusMessage(status),
-             tools::HintOf(status), port.Object(), status}};
+        throw CommandError{
+            ExitCodeOf(status),
+            {Severity::Error, "--trace " + options.givenTrace + ": " + StatusMessage(status),
+             HintOf(status), port.Object(), status}};
     }
     task.Answered();
     if (status != HXMGT_SUCCESS) {

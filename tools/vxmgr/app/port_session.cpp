@@ -1,11 +1,10 @@
 #include "vxmgr/app/port_session.h"
 
-#include "common/status_codes.h"
 #include "vxmgr/targets/map_behind.h"
 
 namespace vxmgr {
 
-PortSession OpenSelectedPort(tools::Invocation& invocation) {
+PortSession OpenSelectedPort(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     PortSession session;
     session.port = SelectOnePort(invocation, ports);
@@ -17,13 +16,13 @@ PortSession OpenSelectedPort(tools::Invocation& invocation) {
     session.describe =
         "port " + std::to_string(session.port.index) + ", serial " + session.port.Serial();
     if (session.port.port) {
-        session.describe += ", " + tools::Wwn::Of(session.port.port->portName).Colons();
+        session.describe += ", " + Wwn::Of(session.port.port->portName).Colons();
     }
     return session;
 }
 
-tools::Question QuestionAbout(const PortSession& session, const std::string& action,
-                              const std::string& consequence) {
+Question QuestionAbout(const PortSession& session, const std::string& action,
+                       const std::string& consequence) {
     return {{action, "  " + session.describe, consequence}, session.port.Serial(), [&session] {
                 return DescribeVolumes(session.port);
             }};
@@ -37,23 +36,19 @@ bool LinkIsDown(const PortSession& session) {
            port.state == HX_PORT_STATE_LINK_DOWN;
 }
 
-tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
-                                  const std::string& text) {
+CommandError RemoteFailure(const PortSession& session, HX_STATUS status, const std::string& text) {
     const bool unreached = status == HXMGT_DEVICE_NOT_FOUND || status == HXMGT_MS_NO_RESPONSE;
     if (unreached && LinkIsDown(session)) {
-        return {tools::ExitCodeOf(status),
-                {tools::Severity::Error,
-                 text + ": the link is down",
-                 kLinkHint,
-                 session.port.Object(),
-                 {}}};
+        return {
+            ExitCodeOf(status),
+            {Severity::Error, text + ": the link is down", kLinkHint, session.port.Object(), {}}};
     }
-    return {tools::ExitCodeOf(status),
-            {tools::Severity::Error, text + ": " + StatusMessage(status), tools::HintOf(status),
+    return {ExitCodeOf(status),
+            {Severity::Error, text + ": " + StatusMessage(status), HintOf(status),
              session.port.Object(), status}};
 }
 
-std::optional<std::vector<HexRow>> DataRows(tools::Invocation& invocation, Bytes bytes) {
+std::optional<std::vector<HexRow>> DataRows(Invocation& invocation, Bytes bytes) {
     if (invocation.Names().Enabled()) {
         invocation.Note("with --redact the data is left out");
         return std::nullopt;

@@ -16,12 +16,12 @@ struct PortSession {
     std::string describe;  // for questions: "port 0, serial ..., 21:00:..."
 };
 
-PortSession OpenSelectedPort(tools::Invocation& invocation);
+PortSession OpenSelectedPort(Invocation& invocation);
 
 // What a question says of the port, what it stops, and which volumes are behind it. The session has
 // to live until the question is asked.
-tools::Question QuestionAbout(const PortSession& session, const std::string& action,
-                              const std::string& consequence);
+Question QuestionAbout(const PortSession& session, const std::string& action,
+                       const std::string& consequence);
 
 inline constexpr char kLinkHint[] = "`port show` tells more: is the cable in, the switch port on?";
 
@@ -29,11 +29,10 @@ inline constexpr char kLinkHint[] = "`port show` tells more: is the cable in, th
 bool LinkIsDown(const PortSession& session);
 
 // A request to a remote port that failed, as the error that ends the command.
-tools::CommandError RemoteFailure(const PortSession& session, HX_STATUS status,
-                                  const std::string& text);
+CommandError RemoteFailure(const PortSession& session, HX_STATUS status, const std::string& text);
 
 // Bytes as they came, as rows of the result. With --redact they stay out: names and serial numbers
 // in them cannot be told from the rest.
-std::optional<std::vector<HexRow>> DataRows(tools::Invocation& invocation, Bytes bytes);
+std::optional<std::vector<HexRow>> DataRows(Invocation& invocation, Bytes bytes);
 
 }  // namespace vxmgr

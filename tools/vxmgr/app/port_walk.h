@@ -36,8 +36,7 @@ using AskPort = std::function<HX_STATUS(PortVisit& visit, Answer* answer)>;
 // Opens the ports and asks them side by side; the answers come in the order of the ports. A port
 // that does not answer is marked as such, and one that did not before is not asked again.
 template <class Answer>
-std::vector<PortAnswer<Answer>> ForEachPort(tools::Invocation& invocation,
-                                            const std::vector<Port*>& ports,
+std::vector<PortAnswer<Answer>> ForEachPort(Invocation& invocation, const std::vector<Port*>& ports,
                                             const AskPort<Answer>& ask) {
     std::vector<PortQuestion<PortAnswer<Answer>>> questions;
     for (const Port* port : ports) {

@@ -8,11 +8,9 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 template <typename Object>
-std::vector<tools::Identity> IdentitiesOf(const std::vector<const Object*>& objects) {
-    std::vector<tools::Identity> identities;
+std::vector<Identity> IdentitiesOf(const std::vector<const Object*>& objects) {
+    std::vector<Identity> identities;
     for (const Object* object : objects) {
         identities.push_back(object->Identity());
     }
@@ -36,28 +34,26 @@ std::vector<const Port*> PortsOf(const std::vector<const Adapter*>& adapters) {
     return ports;
 }
 
-std::string NoMatchHint(const char* option, const std::vector<tools::Identity>& identities,
+std::string NoMatchHint(const char* option, const std::vector<Identity>& identities,
                         const std::string& silent) {
     if (!silent.empty()) {
         return silent + " does not answer, and may be the one";
     }
-    return identities.empty() && !tools::console::IsElevated()
+    return identities.empty() && !console::IsElevated()
                ? "no adapter is visible: run the command from an elevated prompt"
                : std::string("see `") + option + " list`";
 }
 
 // silent: a port whose names are not known, as it does not answer; empty for none.
-std::vector<size_t> SelectFrom(tools::Invocation& invocation, const char* option,
-                               const tools::Selector& selector,
-                               const std::vector<tools::Identity>& identities,
-                               const std::string& silent) {
-    const std::vector<size_t> found = tools::Select(selector, identities);
+std::vector<size_t> SelectFrom(Invocation& invocation, const char* option, const Selector& selector,
+                               const std::vector<Identity>& identities, const std::string& silent) {
+    const std::vector<size_t> found = Select(selector, identities);
     const std::string given = std::string("--") + option + " " + invocation.Given().Text(option);
-    if (found.empty() && selector.kind != tools::SelectorKind::All) {
+    if (found.empty() && selector.kind != SelectorKind::All) {
         invocation.Fail(ExitCode::NotFound, given + " matches no " + option,
                         NoMatchHint(option, identities, silent));
     }
-    if (selector.kind == tools::SelectorKind::Bare && found.size() > 1) {
+    if (selector.kind == SelectorKind::Bare && found.size() > 1) {
         std::string matches;
         for (const size_t position : found) {
             matches += " index:" + std::to_string(identities[position].index);
@@ -76,7 +72,7 @@ std::string SilentOne(const std::vector<const Port*>& ports) {
 }
 
 // Those of the ports that -p selects, all of them without it.
-std::vector<const Port*> PortsOfOption(tools::Invocation& invocation,
+std::vector<const Port*> PortsOfOption(Invocation& invocation,
                                        const std::vector<const Port*>& ports) {
     const auto selector = GivenSelector(invocation, "port");
     if (!selector) {
@@ -92,9 +88,9 @@ std::vector<const Port*> PortsOfOption(tools::Invocation& invocation,
 
 // Adapters are counted by their serial numbers. A port that does not tell its own counts as an
 // adapter, and those behind it may have other numbers than they have on another day.
-void CheckNumber(tools::Invocation& invocation, const tools::Selector& selector,
+void CheckNumber(Invocation& invocation, const Selector& selector,
                  const std::vector<const Adapter*>& adapters, const Adapter& chosen) {
-    if (selector.kind != tools::SelectorKind::Index) {
+    if (selector.kind != SelectorKind::Index) {
         return;
     }
     const uint32_t first = chosen.First().index;
@@ -105,7 +101,7 @@ void CheckNumber(tools::Invocation& invocation, const tools::Selector& selector,
         }
         const std::string text = "the number of the adapter is not certain: " + port.Name() +
                                  " in front of it does not tell its serial number";
-        if (invocation.OwnCommand().risk != tools::Risk::Reads) {
+        if (invocation.OwnCommand().risk != Risk::Reads) {
             invocation.Fail(ExitCode::Refused, text, "name the adapter by its serial number");
         }
         invocation.Warn(text, "name the adapter by its serial number");
@@ -114,7 +110,7 @@ void CheckNumber(tools::Invocation& invocation, const tools::Selector& selector,
 }
 
 // The adapters that -a selects, all of them without it.
-std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
+std::vector<const Adapter*> AdaptersOfOption(Invocation& invocation,
                                              const std::vector<Adapter>& adapters) {
     const std::vector<const Adapter*> all = PointersTo(adapters);
     const auto selector = GivenSelector(invocation, "adapter");
@@ -132,7 +128,7 @@ std::vector<const Adapter*> AdaptersOfOption(tools::Invocation& invocation,
 
 // A --confirm that names another adapter than those selected is a mistake whatever the command.
 template <typename Object>
-std::vector<const Object*> Confirmed(const tools::Invocation& invocation,
+std::vector<const Object*> Confirmed(const Invocation& invocation,
                                      std::vector<const Object*> selected) {
     std::vector<std::string> serials;
     for (const Object* object : selected) {
@@ -144,22 +140,21 @@ std::vector<const Object*> Confirmed(const tools::Invocation& invocation,
 
 }  // namespace
 
-std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, const char* option) {
+std::optional<Selector> GivenSelector(Invocation& invocation, const char* option) {
     if (!invocation.Given().Has(option)) {
         return std::nullopt;
     }
     const std::string text = invocation.Given().Text(option);
-    tools::Selector selector;
+    Selector selector;
     std::string error;
-    if (!tools::ParseSelector(text, &selector, &error)) {
+    if (!ParseSelector(text, &selector, &error)) {
         invocation.Fail(ExitCode::Usage, std::string("--") + option + " " + text + ": " + error,
                         "serial:TEXT, wwn:..., index:N, scsi:N, all, a name or a serial number");
     }
-    if (selector.kind == tools::SelectorKind::Bare ||
-        selector.kind == tools::SelectorKind::Serial) {
-        invocation.Names().Mask(tools::Secret::Serial, selector.text);
+    if (selector.kind == SelectorKind::Bare || selector.kind == SelectorKind::Serial) {
+        invocation.Names().Mask(Secret::Serial, selector.text);
     }
-    if (selector.bareNumber && invocation.OwnCommand().risk == tools::Risk::Irrecoverable) {
+    if (selector.bareNumber && invocation.OwnCommand().risk == Risk::Irrecoverable) {
         invocation.Fail(ExitCode::Usage,
                         std::string("--") + option + " " + text +
                             ": a bare number is too easily mistyped for this command",
@@ -168,7 +163,7 @@ std::optional<tools::Selector> GivenSelector(tools::Invocation& invocation, cons
     return selector;
 }
 
-std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
+std::vector<const Adapter*> SelectAdapters(Invocation& invocation,
                                            const std::vector<Adapter>& adapters) {
     std::vector<const Adapter*> selected = AdaptersOfOption(invocation, adapters);
     if (invocation.Given().Has("port")) {
@@ -181,14 +176,13 @@ std::vector<const Adapter*> SelectAdapters(tools::Invocation& invocation,
     return Confirmed(invocation, std::move(selected));
 }
 
-std::vector<size_t> SelectPositions(tools::Invocation& invocation, const char* option,
-                                    const std::vector<tools::Identity>& identities) {
+std::vector<size_t> SelectPositions(Invocation& invocation, const char* option,
+                                    const std::vector<Identity>& identities) {
     const auto selector = GivenSelector(invocation, option);
-    return SelectFrom(invocation, option, selector.value_or(tools::Selector()), identities, {});
+    return SelectFrom(invocation, option, selector.value_or(Selector()), identities, {});
 }
 
-std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
-                                     const std::vector<Port>& ports) {
+std::vector<const Port*> SelectPorts(Invocation& invocation, const std::vector<Port>& ports) {
     if (!invocation.Given().Has("adapter")) {
         return Confirmed(invocation, PortsOfOption(invocation, PointersTo(ports)));
     }
@@ -197,7 +191,7 @@ std::vector<const Port*> SelectPorts(tools::Invocation& invocation,
                      PortsOfOption(invocation, PortsOf(AdaptersOfOption(invocation, adapters))));
 }
 
-std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>& ports) {
+std::vector<Port*> SelectPorts(Invocation& invocation, std::vector<Port>& ports) {
     std::vector<Port*> selected;
     for (const Port* port : SelectPorts(invocation, std::as_const(ports))) {
         selected.push_back(&ports[static_cast<size_t>(port - ports.data())]);
@@ -205,7 +199,7 @@ std::vector<Port*> SelectPorts(tools::Invocation& invocation, std::vector<Port>&
     return selected;
 }
 
-const Port& SelectOnePort(tools::Invocation& invocation, const std::vector<Port>& ports) {
+const Port& SelectOnePort(Invocation& invocation, const std::vector<Port>& ports) {
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
     if (selected.empty()) {
         invocation.Fail(ExitCode::NotFound, "there is no port", "see `port list`");

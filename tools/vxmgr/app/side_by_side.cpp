@@ -18,7 +18,7 @@ struct TaskBoard {
         bool announced = false;
         Clock::time_point asked{};  // since then the driver owes an answer
         std::chrono::seconds patience{};
-        std::vector<tools::Message> messages;
+        std::vector<Message> messages;
         std::exception_ptr error;
     };
 
@@ -65,7 +65,7 @@ void RunOnBoard(const std::shared_ptr<TaskBoard>& board, size_t place, PortWork 
 
 class Supervisor {
   public:
-    Supervisor(tools::Invocation& invocation, std::vector<PortWork> works)
+    Supervisor(Invocation& invocation, std::vector<PortWork> works)
         : invocation_(invocation),
           works_(std::move(works)),
           width_(invocation.Given().Has("trace") ? 1 : works_.size()),
@@ -96,7 +96,7 @@ class Supervisor {
     }
 
     std::vector<bool> Run() {
-        const tools::LimitPause pause(invocation_.Stop());
+        const LimitPause pause(invocation_.Stop());
         std::unique_lock guard(board_->lock);
         while (StartAndCount() != 0) {
             board_->changed.wait_for(guard, kPoll);
@@ -159,7 +159,7 @@ class Supervisor {
         std::exception_ptr error;
         for (Place& place : board_->places) {
             done.push_back(place.state == State::Done);
-            for (tools::Message& message : place.messages) {
+            for (Message& message : place.messages) {
                 invocation_.Add(std::move(message));
             }
             place.messages.clear();
@@ -173,7 +173,7 @@ class Supervisor {
         return done;
     }
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     std::vector<PortWork> works_;
     std::vector<std::string> names_;
     const size_t width_;
@@ -183,7 +183,7 @@ class Supervisor {
 
 }  // namespace
 
-std::chrono::seconds AnswerTime(tools::Invocation& invocation) {
+std::chrono::seconds AnswerTime(Invocation& invocation) {
     const auto given = invocation.Given().Number("timeout");
     return given ? std::chrono::seconds(*given) : kUsualPatience;
 }
@@ -205,12 +205,12 @@ void PortTask::Answered(std::chrono::seconds nextTime) {
     own.patience = board_->given ? board_->usual : nextTime;
 }
 
-void PortTask::Tell(tools::Message message) {
+void PortTask::Tell(Message message) {
     const std::lock_guard guard(board_->lock);
     board_->places[place_].messages.push_back(std::move(message));
 }
 
-std::vector<bool> RunSideBySide(tools::Invocation& invocation, std::vector<PortWork> works) {
+std::vector<bool> RunSideBySide(Invocation& invocation, std::vector<PortWork> works) {
     return Supervisor(invocation, std::move(works)).Run();
 }
 

@@ -10,12 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "common/invocation.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
 // How long a driver may take for an answer: --timeout, or five seconds.
-std::chrono::seconds AnswerTime(tools::Invocation& invocation);
+std::chrono::seconds AnswerTime(Invocation& invocation);
 
 struct TaskBoard;
 
@@ -32,7 +32,7 @@ class PortTask {
     void Answered(std::chrono::seconds nextTime);
 
     // Messages come in the order of the ports, when the port is done.
-    void Tell(tools::Message message);
+    void Tell(Message message);
 
   private:
     const std::shared_ptr<TaskBoard> board_;
@@ -47,7 +47,7 @@ struct PortWork {
 // Runs them all and says on stderr who is waited for. For each whether it was done in time; only
 // then may what it made be looked at. What one throws ends the command, the first one's first. With
 // --trace they run one after the other: the trace of each stays in one piece.
-std::vector<bool> RunSideBySide(tools::Invocation& invocation, std::vector<PortWork> works);
+std::vector<bool> RunSideBySide(Invocation& invocation, std::vector<PortWork> works);
 
 // The same for work that makes something: empty for what was not done in time.
 template <class Made>
@@ -56,7 +56,7 @@ struct PortQuestion {
     std::function<void(PortTask& task, Made& made)> ask;
 };
 template <class Made>
-std::vector<std::optional<Made>> AskSideBySide(tools::Invocation& invocation,
+std::vector<std::optional<Made>> AskSideBySide(Invocation& invocation,
                                                std::vector<PortQuestion<Made>> questions) {
     std::vector<std::shared_ptr<Made>> shared;
     std::vector<PortWork> works;

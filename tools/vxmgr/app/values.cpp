@@ -2,14 +2,8 @@
 
 #include <cstdio>
 
-#include "common/status_codes.h"
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
-
-using tools::Tone;
-using tools::Value;
 
 struct SpeedRow {
     uint8_t code;
@@ -41,15 +35,15 @@ Value Named(const char* const (&table)[names], uint32_t number, uint32_t first) 
 }  // namespace
 
 Value FieldValue(const char* field, size_t size) {
-    return Value::TextOrNull(tools::FieldText(field, size));
+    return Value::TextOrNull(FieldText(field, size));
 }
 
 Value HexValue(uint64_t value, int digits) {
-    return Value::Text(tools::Hex(value, digits));
+    return Value::Text(Hex(value, digits));
 }
 
 Value StatusValue(HX_STATUS status) {
-    return status == HXMGT_SUCCESS ? Value() : Value::Text(tools::StatusText(status));
+    return status == HXMGT_SUCCESS ? Value() : Value::Text(StatusText(status));
 }
 
 Value StateValue(const Port& port) {

@@ -2,12 +2,9 @@
 
 #include <algorithm>
 
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
 using WatchClock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kUsualInterval{5};
@@ -15,7 +12,7 @@ constexpr int kMostFailures = 3;  // of a port, one after the other
 
 class Watcher {
   public:
-    Watcher(tools::Invocation& invocation, const WatchPlan& plan, std::vector<WatchedPort> ports)
+    Watcher(Invocation& invocation, const WatchPlan& plan, std::vector<WatchedPort> ports)
         : invocation_(invocation), plan_(plan) {
         for (WatchedPort& port : ports) {
             places_.push_back({std::move(port)});
@@ -26,16 +23,15 @@ class Watcher {
     }
 
     ExitCode Run(ExitCode started) {
-        tools::FieldShape list =
-            plan_.list ? *plan_.list : invocation_.OwnCommand().result().front();
+        FieldShape list = plan_.list ? *plan_.list : invocation_.OwnCommand().result().front();
         list.emptyText = "";  // there may be ports, and messages say what about them
         if (places_.empty()) {
-            invocation_.Result() = tools::PrototypeOf({list});
+            invocation_.Result() = PrototypeOf({list});
             return started != ExitCode::Done ? started : ExitCode::NotSupported;
         }
         invocation_.Progress("watching " + std::to_string(places_.size()) + " " + plan_.what +
                              "; Ctrl-C ends");
-        invocation_.BeginStream(list.key, list.label, tools::PrototypeOf(list.children), "");
+        invocation_.BeginStream(list.key, list.label, PrototypeOf(list.children), "");
         for (uint64_t turn = 0; turn < plan_.turns && CountLive() != 0; ++turn) {
             const bool last = (turn != 0 || plan_.waitsFirst) && Wait();
             if (!AskAll() || last) {
@@ -110,7 +106,7 @@ class Watcher {
         return static_cast<size_t>(std::ranges::count_if(places_, &Place::IsLive));
     }
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     const WatchPlan& plan_;
     std::vector<Place> places_;
     std::optional<WatchClock::time_point> until_;
@@ -120,20 +116,20 @@ class Watcher {
 
 }  // namespace
 
-WatchPlan GivenPlan(tools::Invocation& invocation, const char* what) {
+WatchPlan GivenPlan(Invocation& invocation, const char* what) {
     const auto interval = invocation.Given().Number("interval");
     return {.what = what,
             .interval = interval ? std::chrono::seconds(*interval) : kUsualInterval,
             .turns = invocation.Given().Number("count").value_or(UINT64_MAX)};
 }
 
-ExitCode WatchPorts(tools::Invocation& invocation, const WatchPlan& plan,
-                    std::vector<WatchedPort> ports, ExitCode started) {
+ExitCode WatchPorts(Invocation& invocation, const WatchPlan& plan, std::vector<WatchedPort> ports,
+                    ExitCode started) {
     return Watcher(invocation, plan, std::move(ports)).Run(started);
 }
 
 std::string TimeNow() {
-    return tools::FormatUtc(std::chrono::system_clock::now());
+    return FormatUtc(std::chrono::system_clock::now());
 }
 
 }  // namespace vxmgr

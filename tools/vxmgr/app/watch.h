@@ -7,27 +7,25 @@
 #include <string>
 #include <vector>
 
-#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/side_by_side.h"
 
 namespace vxmgr {
 
-inline constexpr tools::Argument kIntervalArgument = {
-    .name = "--interval",
-    .kind = tools::ArgumentKind::Number,
-    .valueName = "S",
-    .help = "seconds between the rows of a port (5)",
-    .least = 1,
-    .most = 86400};
-inline constexpr tools::Argument kTurnsArgument = {.name = "--count",
-                                                   .kind = tools::ArgumentKind::Number,
-                                                   .valueName = "N",
-                                                   .help = "end after N rows of each port",
-                                                   .least = 1};
-inline constexpr tools::Argument kForArgument = {
+inline constexpr Argument kIntervalArgument = {.name = "--interval",
+                                               .kind = ArgumentKind::Number,
+                                               .valueName = "S",
+                                               .help = "seconds between the rows of a port (5)",
+                                               .least = 1,
+                                               .most = 86400};
+inline constexpr Argument kTurnsArgument = {.name = "--count",
+                                            .kind = ArgumentKind::Number,
+                                            .valueName = "N",
+                                            .help = "end after N rows of each port",
+                                            .least = 1};
+inline constexpr Argument kForArgument = {
     .name = "--for",
-    .kind = tools::ArgumentKind::Number,
+    .kind = ArgumentKind::Number,
     .valueName = "S",
     .help = "end after S seconds, with what has come until then",
     .least = 1};
@@ -36,7 +34,7 @@ inline constexpr tools::Argument kForArgument = {
 struct WatchTurn {
     HX_STATUS status = HXMGT_SUCCESS;
     std::string query;  // what failed, where there is more to say than the status
-    std::vector<tools::Record> rows;
+    std::vector<Record> rows;
 };
 
 struct WatchedPort {
@@ -52,26 +50,25 @@ struct WatchPlan {
     uint64_t turns = UINT64_MAX;  // to end after
     uint64_t rows = UINT64_MAX;   // of all ports together, likewise
     // The list, where its columns depend on what was asked for.
-    std::optional<tools::FieldShape> list = std::nullopt;
+    std::optional<FieldShape> list = std::nullopt;
 };
 
 // As --interval and --count say.
-WatchPlan GivenPlan(tools::Invocation& invocation, const char* what);
+WatchPlan GivenPlan(Invocation& invocation, const char* what);
 
 // Asks the ports until the plan or --for is fulfilled, the user ends it, or no port answers any
 // more: one that fails three times in a row, or does not answer in time, is left alone. The rows
 // are those of the one list in the command's result. started: how the ports came to be watched, the
 // command's exit code when nothing else happens.
-tools::ExitCode WatchPorts(tools::Invocation& invocation, const WatchPlan& plan,
-                           std::vector<WatchedPort> ports, tools::ExitCode started);
+ExitCode WatchPorts(Invocation& invocation, const WatchPlan& plan, std::vector<WatchedPort> ports,
+                    ExitCode started);
 
 // The first field of such rows.
 std::string TimeNow();
 template <class Source>
-tools::FieldRow<Source> TimeField(const char* about) {
+FieldRow<Source> TimeField(const char* about) {
     constexpr size_t kWidth = sizeof "2026-01-31T23:59:59.123Z" - 1;
-    return {"time", "Time", "TIME", tools::kText, [](const Source&) { return TimeNow(); },
-            about,  kWidth};
+    return {"time", "Time", "TIME", kText, [](const Source&) { return TimeNow(); }, about, kWidth};
 }
 
 }  // namespace vxmgr

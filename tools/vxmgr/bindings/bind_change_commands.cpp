@@ -1,7 +1,6 @@
 // bind add, remove, swap, apply.
 #include <algorithm>
 
-#include "common/text.h"
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/commands.h"
@@ -13,10 +12,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::Argument;
-using tools::ArgumentKind;
-using tools::ExitCode;
 
 constexpr uint8_t kBound = 1;
 constexpr uint16_t kHighestTargetNumber = 2047;
@@ -67,7 +62,7 @@ constexpr Argument kApplyArguments[] = {
     {.name = "--masks", .kind = ArgumentKind::Flag, .help = "the stored LUN masks too"},
 };
 
-std::string NameAfter(tools::Invocation& invocation, const char* option) {
+std::string NameAfter(Invocation& invocation, const char* option) {
     return std::string("--") + option + " " + invocation.Given().Text(option);
 }
 
@@ -92,10 +87,10 @@ uint16_t FreeTargetNumber(const PortTargets& targets) {
 }
 
 // A target that the driver does not know, from the command line alone.
-HX_DEVICE_RECORD NamedTarget(tools::Invocation& invocation, const PortTargets& targets,
+HX_DEVICE_RECORD NamedTarget(Invocation& invocation, const PortTargets& targets,
                              const char* option) {
     const HX_SCSI_ADDRESS address = GivenAddress(invocation, option);
-    const auto node = tools::Wwn::Parse(invocation.Given().Text("node"));
+    const auto node = Wwn::Parse(invocation.Given().Text("node"));
     if (invocation.Given().Has("node") && (!node || node->IsZero())) {
         invocation.Fail(ExitCode::Usage, NameAfter(invocation, "node") + " is no node name");
     }
@@ -106,7 +101,7 @@ HX_DEVICE_RECORD NamedTarget(tools::Invocation& invocation, const PortTargets& t
     HX_DEVICE_RECORD record{};
     std::memcpy(record.portName, address.address, sizeof record.portName);
     std::memcpy(record.nodeName, node->bytes.data(), sizeof record.nodeName);
-    if (tools::Wwn::Of(record.portName).IsZero()) {
+    if (Wwn::Of(record.portName).IsZero()) {
         invocation.Fail(ExitCode::Usage, NameAfter(invocation, option) + " is no port name");
     }
     record.targetNumber = FreeTargetNumber(targets);
@@ -132,8 +127,7 @@ HX_DEVICE_RECORD RecordOf(const ChosenTarget& target) {
     return record;
 }
 
-HX_DEVICE_RECORD TargetAfter(tools::Invocation& invocation, PortTargets& targets,
-                             const char* option) {
+HX_DEVICE_RECORD TargetAfter(Invocation& invocation, PortTargets& targets, const char* option) {
     const auto chosen = FindTarget(invocation, targets, option);
     HX_DEVICE_RECORD record = chosen ? RecordOf(*chosen) : NamedTarget(invocation, targets, option);
     if (const auto id = invocation.Given().Number("port-id")) {
@@ -142,7 +136,7 @@ HX_DEVICE_RECORD TargetAfter(tools::Invocation& invocation, PortTargets& targets
     return record;
 }
 
-void CheckRange(tools::Invocation& invocation, const HX_DEVICE_RECORD& wanted) {
+void CheckRange(Invocation& invocation, const HX_DEVICE_RECORD& wanted) {
     if (wanted.bus > UINT8_MAX || wanted.target > UINT8_MAX) {
         invocation.Fail(ExitCode::NotSupported,
                         "bus and target ID of a binding end at 255, and the driver gave others",
@@ -150,10 +144,10 @@ void CheckRange(tools::Invocation& invocation, const HX_DEVICE_RECORD& wanted) {
     }
 }
 
-HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targets) {
+HX_DEVICE_RECORD WantedBinding(Invocation& invocation, PortTargets& targets) {
     HX_DEVICE_RECORD wanted = TargetAfter(invocation, targets, "target");
-    const tools::Wwn name = tools::Wwn::Of(wanted.portName);
-    const tools::Options& given = invocation.Given();
+    const Wwn name = Wwn::Of(wanted.portName);
+    const Options& given = invocation.Given();
     const bool hasAddress =
         targets.Known(name) != nullptr || FindRow(*targets.bindings.block, name) != nullptr;
     if (!hasAddress && !given.Has("id")) {
@@ -173,7 +167,7 @@ HX_DEVICE_RECORD WantedBinding(tools::Invocation& invocation, PortTargets& targe
     return wanted;
 }
 
-void CheckAddress(tools::Invocation& invocation, const HX_TARGET_DATA& block,
+void CheckAddress(Invocation& invocation, const HX_TARGET_DATA& block,
                   const HX_DEVICE_RECORD& wanted) {
     if (const auto holder = AddressHolder(block, wanted)) {
         invocation.Fail(ExitCode::Refused,
@@ -186,7 +180,7 @@ void CheckAddress(tools::Invocation& invocation, const HX_TARGET_DATA& block,
 
 // The block as it was, edited and written. False when nothing changed.
 template <class Edit>
-bool ChangeStored(tools::Invocation& invocation, PortTargets& targets, Edit edit) {
+bool ChangeStored(Invocation& invocation, PortTargets& targets, Edit edit) {
     const HX_TARGET_DATA before = *targets.bindings.block;
     HX_TARGET_DATA& block = *targets.bindings.block;
     edit(block);
@@ -204,7 +198,7 @@ bool ChangeStored(tools::Invocation& invocation, PortTargets& targets, Edit edit
 
 // The same as a step.
 template <class Edit>
-void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools::Wwn& name,
+void EditStored(Invocation& invocation, PortTargets& targets, const Wwn& name,
                 const std::string& what, Steps& steps, Edit edit) {
     if (ChangeStored(invocation, targets, edit)) {
         steps.Done(kInRegistry, name, what);
@@ -213,7 +207,7 @@ void EditStored(tools::Invocation& invocation, PortTargets& targets, const tools
     }
 }
 
-[[noreturn]] void FailFull(const tools::Invocation& invocation) {
+[[noreturn]] void FailFull(const Invocation& invocation) {
     invocation.Fail(ExitCode::Refused, "the store of this port is full: 256 bindings",
                     "remove one first");
 }
@@ -235,10 +229,10 @@ struct SwapPlan {
 // In the store alone the new target takes the old one's binding. In the driver it also gets its
 // flags. In both, the two are bound afterwards where they stand in the driver, unless neither of
 // them was bound before: its next start then changes nothing.
-SwapPlan PlanSwap(tools::Invocation& invocation, PortTargets& targets, const ChosenTarget& chosen,
+SwapPlan PlanSwap(Invocation& invocation, PortTargets& targets, const ChosenTarget& chosen,
                   const HX_DEVICE_RECORD& newTarget, const StoreChoice& stores) {
     const HX_DEVICE_RECORD oldTarget = RecordOf(chosen);
-    const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
+    const Wwn newName = Wwn::Of(newTarget.portName);
     SwapPlan plan{SwapOf(oldTarget, newTarget), *targets.bindings.block, false};
     BindingSwap& swap = plan.swap;
     const HX_TARGET_ENTRY* newRow = FindRow(plan.block, newName);
@@ -276,19 +270,19 @@ SwapPlan PlanSwap(tools::Invocation& invocation, PortTargets& targets, const Cho
     return plan;
 }
 
-ExitCode BindAdd(tools::Invocation& invocation) {
+ExitCode BindAdd(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
     PortTargets targets = OpenPortTargets(invocation);
     const HX_DEVICE_RECORD wanted = WantedBinding(invocation, targets);
-    const tools::Wwn name = tools::Wwn::Of(wanted.portName);
+    const Wwn name = Wwn::Of(wanted.portName);
     Steps steps(invocation, targets.OwnPort());
     if (stores.registry) {
         CheckAddress(invocation, *targets.bindings.block, wanted);
         const auto lunBase = invocation.Given().Number("lun-base");
         const std::string what = "bind, bus:target " + std::to_string(wanted.bus) + ":" +
                                  std::to_string(wanted.target) + ", flags " +
-                                 tools::Hex(wanted.bindingFlags, 2);
+                                 Hex(wanted.bindingFlags, 2);
         EditStored(invocation, targets, name, what, steps, [&](HX_TARGET_DATA& block) {
             if (!PutBinding(
                     block, wanted,
@@ -304,7 +298,7 @@ ExitCode BindAdd(tools::Invocation& invocation) {
     return steps.FinishResult();
 }
 
-ExitCode BindRemove(tools::Invocation& invocation) {
+ExitCode BindRemove(Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
     if (!stores.registry) {
         invocation.Fail(ExitCode::NotSupported, "a running driver gives up no binding",
@@ -331,13 +325,13 @@ ExitCode BindRemove(tools::Invocation& invocation) {
     return steps.FinishResult();
 }
 
-ExitCode BindSwap(tools::Invocation& invocation) {
+ExitCode BindSwap(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
     PortTargets targets = OpenPortTargets(invocation);
     const ChosenTarget chosen = ChooseTarget(invocation, targets);
     const HX_DEVICE_RECORD newTarget = TargetAfter(invocation, targets, "with");
-    const tools::Wwn newName = tools::Wwn::Of(newTarget.portName);
+    const Wwn newName = Wwn::Of(newTarget.portName);
     if (newName == chosen.portName) {
         invocation.Fail(ExitCode::Usage, "a target cannot take its own place");
     }
@@ -373,7 +367,7 @@ ExitCode BindSwap(tools::Invocation& invocation) {
     return steps.FinishResult();
 }
 
-ExitCode BindApply(tools::Invocation& invocation) {
+ExitCode BindApply(Invocation& invocation) {
     PortTargets targets = OpenPortTargets(invocation);
     const bool masks = invocation.Given().Has("masks");
     TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
@@ -397,47 +391,47 @@ ExitCode BindApply(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows BindChangeCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows BindChangeCommands() {
+    static const Command kCommands[] = {
         {
             .path = "bind add",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "bind a target, or change its binding",
             .schema = "bind.change",
             .arguments = kAddArguments,
             .run = BindAdd,
             .example = "bind add -t wwn:2b:00:02:45:4d:00:01:00 --id 5 -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
         {
             .path = "bind remove",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "remove a binding from the store",
             .schema = "bind.change",
             .arguments = kRemoveArguments,
             .run = BindRemove,
             .example = "bind remove -t 0:5 -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
         {
             .path = "bind swap",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "put a target in the place of another",
             .schema = "bind.change",
             .arguments = kSwapArguments,
             .run = BindSwap,
             .example = "bind swap -t 0:5 --with wwn:2b:00:02:45:4d:00:02:00 -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
         {
             .path = "bind apply",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "bind in the driver what is stored",
             .schema = "bind.change",
             .arguments = kApplyArguments,
             .run = BindApply,
             .example = "bind apply --masks -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
     };
     return kCommands;

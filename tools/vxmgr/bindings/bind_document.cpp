@@ -20,16 +20,15 @@ const StoredDocument<HX_TARGET_DATA>& BindingsDocument() {
             BytesField("reserved4", &Block::reserved4),
         },
         {
-            {{"port_id", "", tools::kText,
-              [](const Entry& entry) { return tools::Hex(PortIdOf(entry.portId), 6); }, "0xDDAAPP"},
+            {{"port_id", "", kText,
+              [](const Entry& entry) { return Hex(PortIdOf(entry.portId), 6); }, "0xDDAAPP"},
              [](const DocumentObject& object, Entry& entry) {
                  SetPortId(static_cast<uint32_t>(object.Hex("port_id", 0xFFFFFF)), entry.portId);
              }},
             NumberField("bus", &Entry::bus),
             NumberField("target", &Entry::target, "target ID"),
             NumberField("target_number", &Entry::targetNumber),
-            {{"flags", "", tools::kText,
-              [](const Entry& entry) { return tools::Hex(entry.bindingFlags, 2); },
+            {{"flags", "", kText, [](const Entry& entry) { return Hex(entry.bindingFlags, 2); },
               "binding flags"},
              [](const DocumentObject& object, Entry& entry) {
                  entry.bindingFlags = static_cast<uint8_t>(object.Hex("flags", UINT8_MAX));
@@ -45,7 +44,7 @@ const StoredDocument<HX_TARGET_DATA>& BindingsDocument() {
 
 }  // namespace
 
-tools::Shape BindDocumentShape() {
+Shape BindDocumentShape() {
     return BindingsDocument().Shape();
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 template <class To, class From>
 void CopyIdentity(To& to, const From& from) {
-    SetNames(to, tools::Wwn::Of(from.nodeName), tools::Wwn::Of(from.portName));
+    SetNames(to, Wwn::Of(from.nodeName), Wwn::Of(from.portName));
     std::memcpy(to.portId, from.portId, sizeof to.portId);
 }
 
@@ -27,12 +27,11 @@ HX_DEVICE_RECORD InPlaceOf(HX_DEVICE_RECORD target, const HX_DEVICE_RECORD& othe
 
 }  // namespace
 
-std::optional<tools::Wwn> AddressHolder(const HX_TARGET_DATA& block,
-                                        const HX_DEVICE_RECORD& wanted) {
+std::optional<Wwn> AddressHolder(const HX_TARGET_DATA& block, const HX_DEVICE_RECORD& wanted) {
     for (const HX_TARGET_ENTRY& entry : RowsOf(block)) {
-        const tools::Wwn name = tools::Wwn::Of(entry.portName);
+        const Wwn name = Wwn::Of(entry.portName);
         if (!IsFree(entry) && entry.bus == wanted.bus && entry.target == wanted.target &&
-            name != tools::Wwn::Of(wanted.portName)) {
+            name != Wwn::Of(wanted.portName)) {
             return name;
         }
     }
@@ -41,7 +40,7 @@ std::optional<tools::Wwn> AddressHolder(const HX_TARGET_DATA& block,
 
 bool PutBinding(HX_TARGET_DATA& block, const HX_DEVICE_RECORD& wanted,
                 std::optional<uint16_t> lunBase) {
-    HX_TARGET_ENTRY* entry = FindRow(block, tools::Wwn::Of(wanted.portName));
+    HX_TARGET_ENTRY* entry = FindRow(block, Wwn::Of(wanted.portName));
     if (entry == nullptr) {
         entry = NewRow(block);
     }
@@ -55,7 +54,7 @@ bool PutBinding(HX_TARGET_DATA& block, const HX_DEVICE_RECORD& wanted,
     return true;
 }
 
-bool RemoveBinding(HX_TARGET_DATA& block, const tools::Wwn& portName) {
+bool RemoveBinding(HX_TARGET_DATA& block, const Wwn& portName) {
     HX_TARGET_ENTRY* const entry = FindRow(block, portName);
     if (entry != nullptr) {
         *entry = {};
@@ -63,13 +62,13 @@ bool RemoveBinding(HX_TARGET_DATA& block, const tools::Wwn& portName) {
     return entry != nullptr;
 }
 
-bool SwapBindings(HX_TARGET_DATA& block, const tools::Wwn& oldPortName,
+bool SwapBindings(HX_TARGET_DATA& block, const Wwn& oldPortName,
                   const HX_DEVICE_RECORD& newTarget) {
     HX_TARGET_ENTRY* const before = FindRow(block, oldPortName);
     if (before == nullptr) {
         return false;
     }
-    if (HX_TARGET_ENTRY* const after = FindRow(block, tools::Wwn::Of(newTarget.portName))) {
+    if (HX_TARGET_ENTRY* const after = FindRow(block, Wwn::Of(newTarget.portName))) {
         CopyIdentity(*after, HX_TARGET_ENTRY(*before));
     }
     CopyIdentity(*before, newTarget);
@@ -86,9 +85,9 @@ bool PutSwap(HX_TARGET_DATA& block, const BindingSwap& swap, bool oldHasPlace) {
         return false;
     }
     // Masks count from a LUN byte of the slot, which goes with the place.
-    SwapBindings(block, tools::Wwn::Of(swap.oldTarget.portName), swap.newTarget);
+    SwapBindings(block, Wwn::Of(swap.oldTarget.portName), swap.newTarget);
     for (const HX_DEVICE_RECORD& after : {swap.newAfter, swap.oldAfter}) {
-        if (HX_TARGET_ENTRY* const entry = FindRow(block, tools::Wwn::Of(after.portName))) {
+        if (HX_TARGET_ENTRY* const entry = FindRow(block, Wwn::Of(after.portName))) {
             SetPlace(*entry, after);
             entry->bindingFlags = after.bindingFlags;
         }

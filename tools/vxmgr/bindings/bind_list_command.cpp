@@ -1,7 +1,6 @@
 // bind list.
 #include <set>
 
-#include "common/text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
@@ -12,11 +11,7 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Record;
-using tools::Value;
-
-constexpr tools::Argument kListArguments[] = {kStoreArgument};
+constexpr Argument kListArguments[] = {kStoreArgument};
 
 // A binding as the store and the driver have it, or one of them. Of a port that cannot be read
 // there is neither.
@@ -52,22 +47,22 @@ Value AddressIn(const BindRow& row) {
                : Value();
 }
 
-const tools::Fields<BindRow>& BindRowFields() {
+const Fields<BindRow>& BindRowFields() {
     using Stored = HX_TARGET_ENTRY;
     using Live = HX_DEVICE_RECORD;
-    constexpr auto kNumber = tools::kInteger.OrNull();
-    constexpr auto kFlags = tools::Hexadecimal(2).OrNull();
+    constexpr auto kNumber = kInteger.OrNull();
+    constexpr auto kFlags = Hexadecimal(2).OrNull();
     constexpr auto kStored = &BindRow::stored;
     constexpr auto kNow = &BindRow::live;
-    static const tools::Fields<BindRow> kFields = {
+    static const Fields<BindRow> kFields = {
         {PortKeys(), &BindRow::port},
-        {"serial", "Adapter", tools::kSerial.OrNull(), &BindRow::Serial},
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
-         NamedBy<&Stored::portName, &Live::portName, tools::Wwn::Of>,
+        {"serial", "Adapter", kSerial.OrNull(), &BindRow::Serial},
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
+         NamedBy<&Stored::portName, &Live::portName, Wwn::Of>,
          "port name; null in the row of a port that failed"},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(),
-         NamedBy<&Stored::nodeName, &Live::nodeName, tools::Wwn::Of>},
-        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(),
+        {"node_wwn", "Node name", kWwn.OrNull(),
+         NamedBy<&Stored::nodeName, &Live::nodeName, Wwn::Of>},
+        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
          NamedBy<&Stored::portId, &Live::portId, PortIdOf>},
         {"slot", "Slot", "SLOT", kNumber, &BindRow::Slot, "place in the stored block"},
         {"stored_bus", "Stored bus", kNumber, NumberIn<kStored, &Stored::bus>},
@@ -81,15 +76,15 @@ const tools::Fields<BindRow>& BindRowFields() {
         {"live_target", "Live target", "LIVE", kNumber, AddressIn<kNow>},
         {"live_target_number", "Live target number", kNumber, NumberIn<kNow, &Live::targetNumber>},
         {"live_flags", "Live flags", "LIVE FLAGS", kFlags, NumberIn<kNow, &Live::bindingFlags>},
-        {"status", "Status", tools::kText.OrNull(),
+        {"status", "Status", kText.OrNull(),
          [](const BindRow& row) { return StatusValue(row.port->failure); }},
     };
     return kFields;
 }
 
-const tools::Fields<std::vector<BindRow>>& BindListFields() {
-    static const auto kFields = tools::ListOf<std::vector<BindRow>>(
-        "bindings", "Bindings", BindRowFields(), tools::ListLayout::Table, "no bindings",
+const Fields<std::vector<BindRow>>& BindListFields() {
+    static const auto kFields = ListOf<std::vector<BindRow>>(
+        "bindings", "Bindings", BindRowFields(), ListLayout::Table, "no bindings",
         "a binding that is in one store alone has null for the other");
     return kFields;
 }
@@ -106,7 +101,7 @@ void AddBindings(PortTargets& targets, const StoreChoice& stores, std::vector<Re
     const auto entries = RowsOf(*targets.bindings.block);
     for (size_t slot = 0; stores.registry && slot < entries.size(); ++slot) {
         if (!IsFree(entries[slot])) {
-            const tools::Wwn name = tools::Wwn::Of(entries[slot].portName);
+            const Wwn name = Wwn::Of(entries[slot].portName);
             listed.insert(name.Digits());
             add({&port, &entries[slot], slot,
                  LiveBindingOf(port, stores.live ? targets.Known(name) : nullptr)});
@@ -120,7 +115,7 @@ void AddBindings(PortTargets& targets, const StoreChoice& stores, std::vector<Re
     }
 }
 
-ExitCode BindList(tools::Invocation& invocation) {
+ExitCode BindList(Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
     Record result = BindListFields().Prototype();
     const ExitCode exit = ListPortTargets(
@@ -143,17 +138,17 @@ ExitCode BindList(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows BindListCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows BindListCommands() {
+    static const Command kCommands[] = {
         {
             .path = "bind list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the bound targets",
             .schema = "bind.list",
             .arguments = kListArguments,
             .run = BindList,
             .example = "bind list --store registry",
-            .result = tools::ShapeOf<BindListFields>,
+            .result = ShapeOf<BindListFields>,
         },
     };
     return kCommands;

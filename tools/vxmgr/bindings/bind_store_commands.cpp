@@ -1,5 +1,4 @@
 // bind stores, clean: what is stored for ports of any driver, present or not.
-#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_blocks.h"
@@ -7,19 +6,17 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 // As many driver services as can hold data of the same port.
 constexpr int kMostServices = 8;
 
-constexpr tools::Argument kCleanArguments[] = {
+constexpr Argument kCleanArguments[] = {
     {.name = "NAME", .help = "port names; without any all absent ports", .repeated = true},
 };
 
-std::vector<tools::Wwn> NamesIn(const HX_WWN_LIST& list) {
-    std::vector<tools::Wwn> names;
+std::vector<Wwn> NamesIn(const HX_WWN_LIST& list) {
+    std::vector<Wwn> names;
     for (const uint8_t(&raw)[8] : list.names) {
-        if (const tools::Wwn name = tools::Wwn::Of(raw); !name.IsZero()) {
+        if (const Wwn name = Wwn::Of(raw); !name.IsZero()) {
             names.push_back(name);
         }
     }
@@ -27,8 +24,8 @@ std::vector<tools::Wwn> NamesIn(const HX_WWN_LIST& list) {
 }
 
 // A damaged store still gives the names that were found.
-std::vector<tools::Wwn> StoredNames(tools::Invocation& invocation, HX_STATUS (*query)(HX_WWN_LIST*),
-                                    const char* what) {
+std::vector<Wwn> StoredNames(Invocation& invocation, HX_STATUS (*query)(HX_WWN_LIST*),
+                             const char* what) {
     const auto list = std::make_unique<HX_WWN_LIST>();
     const HX_STATUS status = query(list.get());
     if (status != HXMGT_SUCCESS) {
@@ -39,9 +36,9 @@ std::vector<tools::Wwn> StoredNames(tools::Invocation& invocation, HX_STATUS (*q
     return NamesIn(*list);
 }
 
-const Port* PortNamed(const std::vector<Port>& ports, const tools::Wwn& name) {
+const Port* PortNamed(const std::vector<Port>& ports, const Wwn& name) {
     for (const Port& port : ports) {
-        if (port.port && tools::Wwn::Of(port.port->portName) == name) {
+        if (port.port && Wwn::Of(port.port->portName) == name) {
             return &port;
         }
     }
@@ -49,7 +46,7 @@ const Port* PortNamed(const std::vector<Port>& ports, const tools::Wwn& name) {
 }
 
 struct StoredPort {
-    tools::Wwn name;
+    Wwn name;
     const Port* port;  // null: it is absent
 
     bool IsPresent() const { return port != nullptr; }
@@ -62,46 +59,46 @@ struct StoredPort {
 
 struct StoredData {
     std::vector<StoredPort> ports;
-    std::vector<tools::Wwn> targets;
+    std::vector<Wwn> targets;
 };
 
 struct CleanedPort {
-    tools::Wwn name;
+    Wwn name;
     const char* outcome;
 };
 
 using CleanedPorts = std::vector<CleanedPort>;
 
-const tools::Fields<StoredData>& BindStoresFields() {
-    constexpr auto kSerialOrNull = tools::kSerial.OrNull();
-    static const tools::Fields<StoredPort> kPorts = {
-        {"port_wwn", "Port name", "PORT NAME", tools::kWwn, &StoredPort::name},
-        {"present", "Present", "PRESENT", tools::kFlag, &StoredPort::IsPresent},
-        {"port", "Port", "PORT", tools::kInteger.OrNull(), &StoredPort::Index},
-        {"scsi_port", "", tools::kInteger.OrNull(), &StoredPort::ScsiPort},
+const Fields<StoredData>& BindStoresFields() {
+    constexpr auto kSerialOrNull = kSerial.OrNull();
+    static const Fields<StoredPort> kPorts = {
+        {"port_wwn", "Port name", "PORT NAME", kWwn, &StoredPort::name},
+        {"present", "Present", "PRESENT", kFlag, &StoredPort::IsPresent},
+        {"port", "Port", "PORT", kInteger.OrNull(), &StoredPort::Index},
+        {"scsi_port", "", kInteger.OrNull(), &StoredPort::ScsiPort},
         {"adapter_serial", "", kSerialOrNull, &StoredPort::Serial},
         {"serial", "Adapter", "ADAPTER", kSerialOrNull, &StoredPort::Serial},
     };
-    static const tools::Fields<tools::Wwn> kTargets = {
-        {"node_wwn", "Node name", "TARGET NODE NAME", tools::kWwn, std::identity()},
+    static const Fields<Wwn> kTargets = {
+        {"node_wwn", "Node name", "TARGET NODE NAME", kWwn, std::identity()},
     };
-    static const tools::Fields<StoredData> kFields = {
-        {"ports", "Ports", kPorts, &StoredData::ports, tools::ListLayout::Table,
-         "nothing is stored", "ports that have stored data, of any driver"},
-        {"targets", "Targets", kTargets, &StoredData::targets, tools::ListLayout::Table, "",
+    static const Fields<StoredData> kFields = {
+        {"ports", "Ports", kPorts, &StoredData::ports, ListLayout::Table, "nothing is stored",
+         "ports that have stored data, of any driver"},
+        {"targets", "Targets", kTargets, &StoredData::targets, ListLayout::Table, "",
          "targets in any port's stored data"},
     };
     return kFields;
 }
 
-const tools::Fields<CleanedPorts>& BindCleanFields() {
+const Fields<CleanedPorts>& BindCleanFields() {
     static constexpr const char* kOutcomes[] = {"planned", "deleted", "failed"};
-    static const tools::Fields<CleanedPort> kPorts = {
-        {"port_wwn", "Port name", "PORT NAME", tools::kWwn, &CleanedPort::name},
-        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), &CleanedPort::outcome},
+    static const Fields<CleanedPort> kPorts = {
+        {"port_wwn", "Port name", "PORT NAME", kWwn, &CleanedPort::name},
+        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), &CleanedPort::outcome},
     };
-    static const tools::Fields<CleanedPorts> kFields = {
-        {"ports", "Ports", kPorts, std::identity(), tools::ListLayout::Table,
+    static const Fields<CleanedPorts> kFields = {
+        {"ports", "Ports", kPorts, std::identity(), ListLayout::Table,
          "nothing is stored for an absent port"},
     };
     return kFields;
@@ -117,10 +114,10 @@ const Port* FirstNameless(const std::vector<Port>& ports) {
     return nullptr;
 }
 
-std::vector<tools::Wwn> GivenNames(tools::Invocation& invocation) {
-    std::vector<tools::Wwn> names;
+std::vector<Wwn> GivenNames(Invocation& invocation) {
+    std::vector<Wwn> names;
     for (const std::string& text : invocation.Given().All("NAME")) {
-        const auto name = tools::Wwn::Parse(text);
+        const auto name = Wwn::Parse(text);
         if (!name || name->IsZero()) {
             invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no port name",
                             "`bind stores` shows the names");
@@ -131,10 +128,10 @@ std::vector<tools::Wwn> GivenNames(tools::Invocation& invocation) {
 }
 
 // The absent ports to clean; ends the command where one of them may be present after all.
-std::vector<tools::Wwn> NamesToClean(tools::Invocation& invocation, const std::vector<Port>& ports,
-                                     const std::vector<tools::Wwn>& stored) {
-    std::vector<tools::Wwn> names = GivenNames(invocation);
-    for (const tools::Wwn& name : names) {
+std::vector<Wwn> NamesToClean(Invocation& invocation, const std::vector<Port>& ports,
+                              const std::vector<Wwn>& stored) {
+    std::vector<Wwn> names = GivenNames(invocation);
+    for (const Wwn& name : names) {
         if (const Port* port = PortNamed(ports, name)) {
             invocation.Fail(
                 ExitCode::Refused,
@@ -149,7 +146,7 @@ std::vector<tools::Wwn> NamesToClean(tools::Invocation& invocation, const std::v
     if (!names.empty()) {
         return names;
     }
-    for (const tools::Wwn& name : stored) {
+    for (const Wwn& name : stored) {
         if (PortNamed(ports, name) == nullptr) {
             names.push_back(name);
         }
@@ -166,7 +163,7 @@ std::vector<tools::Wwn> NamesToClean(tools::Invocation& invocation, const std::v
     return names;
 }
 
-bool Delete(tools::Invocation& invocation, const tools::Wwn& name) {
+bool Delete(Invocation& invocation, const Wwn& name) {
     for (int service = 0; service < kMostServices; ++service) {
         const HX_STATUS status = HXDeletePersistentDeviceEntry(name.bytes.data());
         if (status != HXMGT_SUCCESS) {
@@ -176,12 +173,12 @@ bool Delete(tools::Invocation& invocation, const tools::Wwn& name) {
         invocation.Changed();
         const auto list = std::make_unique<HX_WWN_LIST>();
         HXGetPersistentDeviceEntryList(list.get());
-        const std::vector<tools::Wwn> left = NamesIn(*list);
+        const std::vector<Wwn> left = NamesIn(*list);
         if (std::find(left.begin(), left.end(), name) == left.end()) {
             return true;
         }
     }
-    invocation.Add({tools::Severity::Error,
+    invocation.Add({Severity::Error,
                     "the stored data was deleted, but is still there",
                     {},
                     name.Colons(),
@@ -189,10 +186,10 @@ bool Delete(tools::Invocation& invocation, const tools::Wwn& name) {
     return false;
 }
 
-tools::Question QuestionAbout(const std::vector<tools::Wwn>& names) {
-    tools::Question question;
+Question QuestionAbout(const std::vector<Wwn>& names) {
+    Question question;
     question.lines.push_back("Delete the stored bindings and LUN masks of these absent ports:");
-    for (const tools::Wwn& name : names) {
+    for (const Wwn& name : names) {
         question.lines.push_back("  " + name.Colons());
     }
     question.lines.push_back(
@@ -200,10 +197,10 @@ tools::Question QuestionAbout(const std::vector<tools::Wwn>& names) {
     return question;
 }
 
-ExitCode BindStores(tools::Invocation& invocation) {
+ExitCode BindStores(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     StoredData data;
-    for (const tools::Wwn& name :
+    for (const Wwn& name :
          StoredNames(invocation, HXGetPersistentDeviceEntryList, "ports with stored data")) {
         data.ports.push_back({name, PortNamed(ports, name)});
     }
@@ -216,17 +213,17 @@ ExitCode BindStores(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode BindClean(tools::Invocation& invocation) {
+ExitCode BindClean(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
-    const std::vector<tools::Wwn> stored =
+    const std::vector<Wwn> stored =
         StoredNames(invocation, HXGetPersistentDeviceEntryList, "ports with stored data");
-    const std::vector<tools::Wwn> names = NamesToClean(invocation, ports, stored);
+    const std::vector<Wwn> names = NamesToClean(invocation, ports, stored);
     if (!names.empty() && !invocation.DryRun()) {
         invocation.Confirm(QuestionAbout(names));
     }
     CleanedPorts rows;
     size_t failures = 0;
-    for (const tools::Wwn& name : names) {
+    for (const Wwn& name : names) {
         invocation.CheckStop();
         const bool planned = invocation.DryRun();
         const bool deleted = planned || Delete(invocation, name);
@@ -245,26 +242,26 @@ ExitCode BindClean(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows BindStoreCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows BindStoreCommands() {
+    static const Command kCommands[] = {
         {
             .path = "bind stores",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the ports that have stored data, absent ones among them",
             .schema = "bind.stores",
             .run = BindStores,
             .example = "bind stores",
-            .result = tools::ShapeOf<BindStoresFields>,
+            .result = ShapeOf<BindStoresFields>,
         },
         {
             .path = "bind clean",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "delete the stored data of absent ports",
             .schema = "bind.clean",
             .arguments = kCleanArguments,
             .run = BindClean,
             .example = "bind clean 21:00:02:45:4d:00:09:00",
-            .result = tools::ShapeOf<BindCleanFields>,
+            .result = ShapeOf<BindCleanFields>,
         },
     };
     return kCommands;

@@ -1,15 +1,15 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows BindListCommands();
-tools::CommandRows BindChangeCommands();
-tools::CommandRows BindTransferCommands();
-tools::CommandRows BindStoreCommands();
-tools::CommandRows LunmaskCommands();
-tools::CommandRows LunmaskTransferCommands();
+CommandRows BindListCommands();
+CommandRows BindChangeCommands();
+CommandRows BindTransferCommands();
+CommandRows BindStoreCommands();
+CommandRows LunmaskCommands();
+CommandRows LunmaskTransferCommands();
 
 }  // namespace vxmgr

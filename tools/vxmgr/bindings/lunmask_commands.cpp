@@ -11,12 +11,8 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Record;
-using tools::Value;
-
-constexpr tools::Argument kShowArguments[] = {kSelectTargetArgument, kStoreArgument};
-constexpr tools::Argument kChangeArguments[] = {
+constexpr Argument kShowArguments[] = {kSelectTargetArgument, kStoreArgument};
+constexpr Argument kChangeArguments[] = {
     {.name = "LUNS", .help = "LUNs and ranges of them, as in 0-7,12, or all", .required = true},
     kTargetArgument,
     kStoreArgument,
@@ -26,8 +22,8 @@ constexpr tools::Argument kChangeArguments[] = {
 // read all but the port is missing.
 struct MaskRow {
     const Port* port;
-    tools::Wwn portName{};
-    tools::Wwn nodeName{};
+    Wwn portName{};
+    Wwn nodeName{};
     std::optional<LunSet> live{};
     std::optional<LunSet> stored{};
 
@@ -36,7 +32,7 @@ struct MaskRow {
 
 // A target without a node name is none.
 template <auto name>
-std::optional<tools::Wwn> NameIn(const MaskRow& row) {
+std::optional<Wwn> NameIn(const MaskRow& row) {
     return row.nodeName.IsZero() ? std::nullopt : std::optional(row.*name);
 }
 
@@ -50,15 +46,15 @@ std::optional<size_t> CountIn(const MaskRow& row) {
     return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
 }
 
-const tools::Fields<MaskRow>& MaskFields() {
-    constexpr auto kTextOrNull = tools::kText.OrNull();
-    constexpr auto kNumberOrNull = tools::kInteger.OrNull();
-    static const tools::Fields<MaskRow> kFields = {
+const Fields<MaskRow>& MaskFields() {
+    constexpr auto kTextOrNull = kText.OrNull();
+    constexpr auto kNumberOrNull = kInteger.OrNull();
+    static const Fields<MaskRow> kFields = {
         {PortKeys(), &MaskRow::port},
-        {"serial", "Adapter", tools::kSerial.OrNull(), &MaskRow::Serial},
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(), NameIn<&MaskRow::portName>,
+        {"serial", "Adapter", kSerial.OrNull(), &MaskRow::Serial},
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), NameIn<&MaskRow::portName>,
          "port name; null in the row of a port that failed"},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
+        {"node_wwn", "Node name", kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
         {"masked_live", "Masked live", "MASKED LIVE", kTextOrNull, LunsIn<&MaskRow::live>,
          "LUNs as in 0-7,12; empty when none is masked, null when there is no mask"},
         {"masked_live_count", "LUNs masked live", kNumberOrNull, CountIn<&MaskRow::live>},
@@ -72,14 +68,14 @@ const tools::Fields<MaskRow>& MaskFields() {
     return kFields;
 }
 
-const tools::Fields<std::vector<MaskRow>>& MaskListFields() {
-    static const auto kFields = tools::ListOf<std::vector<MaskRow>>(
-        "masks", "LUN masks", MaskFields(), tools::ListLayout::Table, "no LUN masks");
+const Fields<std::vector<MaskRow>>& MaskListFields() {
+    static const auto kFields = ListOf<std::vector<MaskRow>>("masks", "LUN masks", MaskFields(),
+                                                             ListLayout::Table, "no LUN masks");
     return kFields;
 }
 
 // Targets that the driver knows, then those that are stored alone.
-void AddMasks(tools::Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
+void AddMasks(Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
               std::vector<Record>* rows) {
     const Port& port = targets.OwnPort();
     const auto chosen = invocation.Given().Has("target")
@@ -91,7 +87,7 @@ void AddMasks(tools::Invocation& invocation, PortTargets& targets, const StoreCh
         }
     };
     for (const KnownTarget& known : targets.known) {
-        const tools::Wwn name = known.PortName();
+        const Wwn name = known.PortName();
         const MaskRow row{&port, name, known.NodeName(),
                           stores.live ? LiveMaskOf(targets, known) : std::nullopt,
                           stores.registry ? StoredMaskOf(targets, name) : std::nullopt};
@@ -100,15 +96,15 @@ void AddMasks(tools::Invocation& invocation, PortTargets& targets, const StoreCh
         }
     }
     for (const HX_LUN_RECORD& record : RowsOf(*targets.masks.block)) {
-        const tools::Wwn name = tools::Wwn::Of(record.portName);
+        const Wwn name = Wwn::Of(record.portName);
         if (stores.registry && !IsFree(record) && targets.Known(name) == nullptr) {
-            addWanted({&port, name, tools::Wwn::Of(record.nodeName), std::nullopt,
-                       StoredMaskOf(targets, name)});
+            addWanted(
+                {&port, name, Wwn::Of(record.nodeName), std::nullopt, StoredMaskOf(targets, name)});
         }
     }
 }
 
-LunSet GivenLuns(tools::Invocation& invocation) {
+LunSet GivenLuns(Invocation& invocation) {
     LunSet luns;
     std::string error;
     if (!ParseLuns(invocation.Given().Text("LUNS"), &luns, &error)) {
@@ -118,7 +114,7 @@ LunSet GivenLuns(tools::Invocation& invocation) {
 }
 
 // The LUNs within what the driver's masks cover; "all" means all of these.
-LunSet WithinLimit(tools::Invocation& invocation, const Port& port, const LunSet& luns) {
+LunSet WithinLimit(Invocation& invocation, const Port& port, const LunSet& luns) {
     const LunSet limit = FirstLuns(LunLimit(port));
     if (luns.all() || (luns & ~limit).none()) {
         return luns & limit;
@@ -135,8 +131,8 @@ LunSet ChangedMask(const LunSet& masked, const LunSet& luns, bool allow) {
 
 // The block that the driver reads at its start: the one that HXSetLunData writes. A target without
 // a record begins as the driver has it now, so that its next start changes nothing else.
-void ChangeStoredMask(tools::Invocation& invocation, PortTargets& targets,
-                      const ChosenTarget& target, const LunSet& luns, bool allow, Steps& steps) {
+void ChangeStoredMask(Invocation& invocation, PortTargets& targets, const ChosenTarget& target,
+                      const LunSet& luns, bool allow, Steps& steps) {
     HX_LUN_DATA& block = *targets.masks.block;
     HX_LUN_RECORD* record = FindRow(block, target.portName);
     const bool isNew = record == nullptr;
@@ -170,8 +166,8 @@ void ChangeStoredMask(tools::Invocation& invocation, PortTargets& targets,
                (isNew ? "no mask" : MaskText(before)) + " -> " + MaskText(after));
 }
 
-void ChangeLiveMask(tools::Invocation& invocation, const PortTargets& targets,
-                    const ChosenTarget& target, const LunSet& luns, bool allow, Steps& steps) {
+void ChangeLiveMask(Invocation& invocation, const PortTargets& targets, const ChosenTarget& target,
+                    const LunSet& luns, bool allow, Steps& steps) {
     LunSet before;
     const HX_STATUS status =
         ReadLiveMask(targets.OwnPort(), targets.Handle(), target.portName, &before);
@@ -187,7 +183,7 @@ void ChangeLiveMask(tools::Invocation& invocation, const PortTargets& targets,
 }
 
 template <bool allow>
-ExitCode ChangeMask(tools::Invocation& invocation) {
+ExitCode ChangeMask(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
     const LunSet given = GivenLuns(invocation);
@@ -210,7 +206,7 @@ ExitCode ChangeMask(tools::Invocation& invocation) {
     return steps.FinishResult();
 }
 
-ExitCode LunMaskShow(tools::Invocation& invocation) {
+ExitCode LunMaskShow(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
     Record result = MaskListFields().Prototype();
@@ -237,37 +233,37 @@ ExitCode LunMaskShow(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows LunmaskCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows LunmaskCommands() {
+    static const Command kCommands[] = {
         {
             .path = "lunmask show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the LUN masks of targets",
             .schema = "lunmask.show",
             .arguments = kShowArguments,
             .run = LunMaskShow,
             .example = "lunmask show -p scsi:3",
-            .result = tools::ShapeOf<MaskListFields>,
+            .result = ShapeOf<MaskListFields>,
         },
         {
             .path = "lunmask allow",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "let the host see LUNs of a target",
             .schema = "lunmask.change",
             .arguments = kChangeArguments,
             .run = ChangeMask<true>,
             .example = "lunmask allow 0-7,12 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
         {
             .path = "lunmask deny",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "hide LUNs of a target from the host",
             .schema = "lunmask.change",
             .arguments = kChangeArguments,
             .run = ChangeMask<false>,
             .example = "lunmask deny 3 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<StoreChangeFields>,
+            .result = ShapeOf<StoreChangeFields>,
         },
     };
     return kCommands;

@@ -15,11 +15,10 @@ struct BitRun {
     uint8_t bits;
 };
 
-const tools::Fields<BitRun>& BitRunFields() {
-    static const tools::Fields<BitRun> kFields = {
-        {"luns", "", tools::kText, [](const BitRun& run) { return RangeText(run.luns); }},
-        {"bits", "", tools::kText, [](const BitRun& run) { return tools::Hex(run.bits, 2); },
-         "0x01 to 0x7f"},
+const Fields<BitRun>& BitRunFields() {
+    static const Fields<BitRun> kFields = {
+        {"luns", "", kText, [](const BitRun& run) { return RangeText(run.luns); }},
+        {"bits", "", kText, [](const BitRun& run) { return Hex(run.bits, 2); }, "0x01 to 0x7f"},
     };
     return kFields;
 }
@@ -56,7 +55,7 @@ void ReadBitRuns(const DocumentObject& row, HX_LUN_RECORD& record) {
         return;
     }
     LunSet seen;
-    const tools::Shape known = BitRunFields().ShapeOfAll();
+    const Shape known = BitRunFields().ShapeOfAll();
     for (const DocumentObject& run : row.Objects("other_bits")) {
         run.Close(known);
         const LunSet luns = ReadLuns(run, "luns");
@@ -83,13 +82,12 @@ const StoredDocument<HX_LUN_DATA>& MasksDocument() {
             BytesField("reserved4", &Block::reserved4),
         },
         {
-            {{"masked", "", tools::kText,
-              [](const Record& record) { return LunsText(MaskedOf(record)); },
+            {{"masked", "", kText, [](const Record& record) { return LunsText(MaskedOf(record)); },
               "LUNs as in 0-7,12; empty when none is masked"},
              [](const DocumentObject& row, Record& record) {
                  SetMasked(ReadLuns(row, "masked"), record);
              }},
-            {{"other_bits", "", BitRunFields(), BitRunsOf, tools::ListLayout::Table, "",
+            {{"other_bits", "", BitRunFields(), BitRunsOf, ListLayout::Table, "",
               "the other bits of the LUN bytes; left out when they are zero"},
              ReadBitRuns},
             BytesField("reserved16", &Record::reserved16),
@@ -101,7 +99,7 @@ const StoredDocument<HX_LUN_DATA>& MasksDocument() {
 
 }  // namespace
 
-tools::Shape LunMaskDocumentShape() {
+Shape LunMaskDocumentShape() {
     return MasksDocument().Shape();
 }
 

@@ -4,13 +4,13 @@
 #include <cstring>
 #include <optional>
 
-#include "common/text.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {
 
 std::optional<uint32_t> ParseLun(std::string_view text) {
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     return number && *number < HX_MAX_LUNS ? std::optional(static_cast<uint32_t>(*number))
                                            : std::nullopt;
 }
@@ -49,11 +49,11 @@ std::string RangeText(LunRange range) {
 
 bool ParseLuns(std::string_view text, LunSet* luns, std::string* error) {
     luns->reset();
-    if (tools::EqualIgnoringCase(text, "all")) {
+    if (EqualIgnoringCase(text, "all")) {
         luns->set();
         return true;
     }
-    for (const std::string& part : tools::Split(text, ',')) {
+    for (const std::string& part : Split(text, ',')) {
         const auto range = ParseRange(part);
         if (!range) {
             *error = "\"" + part + "\" is no LUN from 0 to " + std::to_string(HX_MAX_LUNS - 1) +

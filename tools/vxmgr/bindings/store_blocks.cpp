@@ -17,7 +17,7 @@ std::unique_ptr<HX_LUN_DATA> AsVersion1(const HX_LUN_DATA& block) {
     stored->count = static_cast<uint16_t>(RowsOf(block).size());
     for (size_t i = 0; i < stored->count; ++i) {
         const HX_LUN_RECORD& from = block.records[i];
-        SetNames(stored->records[i], tools::Wwn::Of(from.nodeName), tools::Wwn::Of(from.portName));
+        SetNames(stored->records[i], Wwn::Of(from.nodeName), Wwn::Of(from.portName));
         SetMasked(MaskedOf(from) & FirstLuns(kLegacyLuns), stored->records[i]);
     }
     return stored;

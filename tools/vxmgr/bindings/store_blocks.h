@@ -7,8 +7,8 @@
 #include <memory>
 #include <span>
 
-#include "common/wwn.h"
 #include "hxmgtapi.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -33,7 +33,7 @@ auto RowsOf(Block& block) {
 
 template <class Row>
 bool IsFree(const Row& row) {
-    return tools::Wwn::Of(row.nodeName).IsZero();
+    return Wwn::Of(row.nodeName).IsZero();
 }
 
 template <class Row>
@@ -44,10 +44,10 @@ bool IsNothing(const Row& row) {
 
 // The target's row, null when it has none.
 template <class Block>
-auto* FindRow(Block& block, const tools::Wwn& portName) {
+auto* FindRow(Block& block, const Wwn& portName) {
     const auto rows = RowsOf(block);
     const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) {
-        return !IsFree(row) && tools::Wwn::Of(row.portName) == portName;
+        return !IsFree(row) && Wwn::Of(row.portName) == portName;
     });
     return found == rows.end() ? nullptr : &*found;
 }
@@ -70,7 +70,7 @@ auto* NewRow(Block& block) {
 }
 
 template <class Row>
-void SetNames(Row& row, const tools::Wwn& nodeName, const tools::Wwn& portName) {
+void SetNames(Row& row, const Wwn& nodeName, const Wwn& portName) {
     std::memcpy(row.nodeName, nodeName.bytes.data(), sizeof row.nodeName);
     std::memcpy(row.portName, portName.bytes.data(), sizeof row.portName);
 }

@@ -1,6 +1,5 @@
 #include "vxmgr/bindings/store_difference.h"
 
-#include "common/text.h"
 #include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
@@ -20,18 +19,18 @@ struct NamedPart {
 
 std::vector<NamedPart> PartsOf(const HX_TARGET_ENTRY& entry) {
     return {
-        {"node name", tools::Wwn::Of(entry.nodeName).Colons()},
-        {"port id", tools::Hex(PortIdOf(entry.portId), 6)},
+        {"node name", Wwn::Of(entry.nodeName).Colons()},
+        {"port id", Hex(PortIdOf(entry.portId), 6)},
         {"bus:target", std::to_string(entry.bus) + ":" + std::to_string(entry.target)},
         {"target number", std::to_string(entry.targetNumber)},
-        {"flags", tools::Hex(entry.bindingFlags, 2)},
+        {"flags", Hex(entry.bindingFlags, 2)},
         {"LUN base", std::to_string(entry.lunBase)},
     };
 }
 
 std::vector<NamedPart> PartsOf(const HX_LUN_RECORD& record) {
     const std::string masked = LunsText(MaskedOf(record));
-    return {{"node name", tools::Wwn::Of(record.nodeName).Colons()},
+    return {{"node name", Wwn::Of(record.nodeName).Colons()},
             {"masked LUNs", masked.empty() ? "none" : masked}};
 }
 
@@ -60,14 +59,14 @@ std::string Compared(const Row& before, const Row& after) {
 
 template <class Row>
 DifferenceRow Difference(const char* action, const Row& row, std::string what) {
-    return {action, tools::Wwn::Of(row.portName), tools::Wwn::Of(row.nodeName), std::move(what)};
+    return {action, Wwn::Of(row.portName), Wwn::Of(row.nodeName), std::move(what)};
 }
 
 template <class Block>
 std::vector<DifferenceRow> Compare(const Block& before, const Block& after) {
     std::vector<DifferenceRow> rows;
     for (const auto& row : RowsOf(before)) {
-        if (!IsFree(row) && FindRow(after, tools::Wwn::Of(row.portName)) == nullptr) {
+        if (!IsFree(row) && FindRow(after, Wwn::Of(row.portName)) == nullptr) {
             rows.push_back(Difference(kRemoved, row, Described(row)));
         }
     }
@@ -75,7 +74,7 @@ std::vector<DifferenceRow> Compare(const Block& before, const Block& after) {
         if (IsFree(row)) {
             continue;
         }
-        const auto* old = FindRow(before, tools::Wwn::Of(row.portName));
+        const auto* old = FindRow(before, Wwn::Of(row.portName));
         if (old == nullptr) {
             rows.push_back(Difference(kAdded, row, Described(row)));
         } else if (!SameBytes(*old, row)) {
@@ -96,13 +95,13 @@ std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN
     return Compare(before, after);
 }
 
-const tools::Fields<DifferenceRow>& DifferenceFields() {
+const Fields<DifferenceRow>& DifferenceFields() {
     static constexpr const char* kActions[] = {kAdded, kRemoved, kChanged};
-    static const tools::Fields<DifferenceRow> kFields = {
-        {"action", "Action", "ACTION", tools::Choice(kActions), &DifferenceRow::action},
-        {"target_wwn", "Target", "TARGET", tools::kWwn, &DifferenceRow::target},
-        {"node_wwn", "Node name", tools::kWwn, &DifferenceRow::node},
-        {"what", "What", "WHAT", tools::kText.OrNull(), &DifferenceRow::what},
+    static const Fields<DifferenceRow> kFields = {
+        {"action", "Action", "ACTION", Choice(kActions), &DifferenceRow::action},
+        {"target_wwn", "Target", "TARGET", kWwn, &DifferenceRow::target},
+        {"node_wwn", "Node name", kWwn, &DifferenceRow::node},
+        {"what", "What", "WHAT", kText.OrNull(), &DifferenceRow::what},
     };
     return kFields;
 }

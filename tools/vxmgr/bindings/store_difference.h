@@ -4,21 +4,21 @@
 #include <string>
 #include <vector>
 
-#include "common/fields.h"
 #include "hxmgtapi.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
 struct DifferenceRow {
     const char* action;  // "added", "removed", "changed"
-    tools::Wwn target;   // port name
-    tools::Wwn node;
+    Wwn target;          // port name
+    Wwn node;
     std::string what;  // "flags 0x00 -> 0x01, bus:target 0:3 -> 0:4"
 };
 
 std::vector<DifferenceRow> DifferencesOf(const HX_TARGET_DATA& before, const HX_TARGET_DATA& after);
 std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN_DATA& after);
 
-const tools::Fields<DifferenceRow>& DifferenceFields();
+const Fields<DifferenceRow>& DifferenceFields();
 
 }  // namespace vxmgr

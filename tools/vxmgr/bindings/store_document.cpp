@@ -5,8 +5,6 @@
 #include <set>
 #include <utility>
 
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
 
@@ -47,11 +45,11 @@ Json ParseOnce(std::string_view text) {
     }
 }
 
-const tools::Fields<DocumentPort>& DocumentPortFields() {
-    static const tools::Fields<DocumentPort> kFields = {
-        {"port_wwn", "", tools::kText, [](const DocumentPort& p) { return p.portName.Digits(); }},
-        {"node_wwn", "", tools::kText, [](const DocumentPort& p) { return p.nodeName.Digits(); }},
-        {"serial", "", tools::kText, &DocumentPort::serial},
+const Fields<DocumentPort>& DocumentPortFields() {
+    static const Fields<DocumentPort> kFields = {
+        {"port_wwn", "", kText, [](const DocumentPort& p) { return p.portName.Digits(); }},
+        {"node_wwn", "", kText, [](const DocumentPort& p) { return p.nodeName.Digits(); }},
+        {"serial", "", kText, &DocumentPort::serial},
     };
     return kFields;
 }
@@ -123,9 +121,9 @@ bool DocumentObject::Flag(const char* key) const {
     return member.get<bool>();
 }
 
-tools::Wwn DocumentObject::Name(const char* key) const {
+Wwn DocumentObject::Name(const char* key) const {
     const std::string text = Text(key);
-    const auto name = tools::Wwn::Parse(text);
+    const auto name = Wwn::Parse(text);
     if (!name || text.size() != 2 * sizeof name->bytes) {
         Fail(key, Quoted(text) + " is no name of 16 hexadecimal digits");
     }
@@ -134,7 +132,7 @@ tools::Wwn DocumentObject::Name(const char* key) const {
 
 uint64_t DocumentObject::Hex(const char* key, uint64_t most) const {
     const std::string text = Text(key);
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     if (!text.starts_with("0x") || !number || *number > most) {
         Fail(key, Quoted(text) + " is no number from 0x0 to " + tools::Hex(most, 1));
     }
@@ -166,24 +164,22 @@ std::vector<DocumentObject> DocumentObject::Objects(const char* key) const {
     return objects;
 }
 
-void DocumentObject::Close(const tools::Shape& known) const {
+void DocumentObject::Close(const Shape& known) const {
     for (const auto& [key, value] : part_->json.items()) {
-        const auto isIt = [&name = key](const tools::FieldShape& field) {
-            return name == field.key;
-        };
+        const auto isIt = [&name = key](const FieldShape& field) { return name == field.key; };
         if (std::none_of(known.begin(), known.end(), isIt)) {
             Fail(Quoted(key), "is no key of it");
         }
     }
 }
 
-tools::Fields<DocumentPort> DocumentHeadFields(DocumentKind kind) {
-    const tools::FieldType version{.base = tools::FieldType::Base::Integer, .numbers = kVersions};
+Fields<DocumentPort> DocumentHeadFields(DocumentKind kind) {
+    const FieldType version{.base = FieldType::Base::Integer, .numbers = kVersions};
     return {
-        {"document", "", tools::Choice(kind), [kind](const DocumentPort&) { return kind.front(); }},
+        {"document", "", Choice(kind), [kind](const DocumentPort&) { return kind.front(); }},
         {"version", "", version, [](const DocumentPort&) { return kVersions[0]; }},
         {"port", "", DocumentPortFields(), [](const DocumentPort& port) { return &port; },
-         "the adapter port that the data was stored for", tools::kGroup},
+         "the adapter port that the data was stored for", kGroup},
     };
 }
 

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fields.h"
 #include "hxmgtapi.h"
 #include "vxmgr/app/bytes.h"
 
@@ -20,8 +19,8 @@ struct DocumentError {
 
 // The adapter port that a document was made of.
 struct DocumentPort {
-    tools::Wwn portName;
-    tools::Wwn nodeName;
+    Wwn portName;
+    Wwn nodeName;
     std::string serial;
 };
 
@@ -33,8 +32,8 @@ class DocumentObject {
 
     uint64_t Number(const char* key, uint64_t most) const;
     std::string Text(const char* key) const;
-    bool Flag(const char* key) const;        // false when the key is not there
-    tools::Wwn Name(const char* key) const;  // 16 hexadecimal digits
+    bool Flag(const char* key) const;  // false when the key is not there
+    Wwn Name(const char* key) const;   // 16 hexadecimal digits
     uint64_t Hex(const char* key, uint64_t most) const;
     // As many bytes as the field has, or zeros when the key is not there.
     void Bytes(const char* key, std::span<uint8_t> field) const;
@@ -42,7 +41,7 @@ class DocumentObject {
     DocumentObject Object(const char* key) const;
     std::vector<DocumentObject> Objects(const char* key) const;  // of a list
 
-    void Close(const tools::Shape& known) const;
+    void Close(const Shape& known) const;
 
     [[noreturn]] void Fail(const std::string& key, const std::string& text) const;
 
@@ -59,18 +58,18 @@ class DocumentObject {
 
 // The keys "document", "version" and "port", with which every document begins. kind: its one name.
 using DocumentKind = std::span<const char* const, 1>;
-tools::Fields<DocumentPort> DocumentHeadFields(DocumentKind kind);
+Fields<DocumentPort> DocumentHeadFields(DocumentKind kind);
 DocumentPort ReadDocumentHead(const DocumentObject& document, DocumentKind kind);
 
 // A port's bound targets. The document holds every byte of the block: what is zero and has no name
 // of its own is left out. Reading throws DocumentError.
-tools::Shape BindDocumentShape();
+Shape BindDocumentShape();
 std::string BindDocument(const DocumentPort& port, const HX_TARGET_DATA& block);
 DocumentPort ReadBindDocument(std::string_view text, HX_TARGET_DATA* block);
 
 // A port's LUN masks, with every byte that is stored. Masks are ranges of LUNs; the other bits of
 // the LUN bytes come as runs of equal bytes.
-tools::Shape LunMaskDocumentShape();
+Shape LunMaskDocumentShape();
 std::string LunMaskDocument(const DocumentPort& port, const HX_LUN_DATA& block);
 DocumentPort ReadLunMaskDocument(std::string_view text, HX_LUN_DATA* block);
 

@@ -1,12 +1,7 @@
 #include "vxmgr/bindings/store_live.h"
 
-#include "common/status_codes.h"
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 bool SameAddress(const HX_DEVICE_RECORD& a, const HX_DEVICE_RECORD& b) {
     return a.bus == b.bus && a.target == b.target;
@@ -14,7 +9,7 @@ bool SameAddress(const HX_DEVICE_RECORD& a, const HX_DEVICE_RECORD& b) {
 
 std::string PlaceText(const HX_DEVICE_RECORD& device) {
     return "bus:target " + std::to_string(device.bus) + ":" + std::to_string(device.target) +
-           ", flags " + tools::Hex(device.bindingFlags, 2);
+           ", flags " + Hex(device.bindingFlags, 2);
 }
 
 // The request keeps the driver's own address and LUN mask of the target.
@@ -22,27 +17,26 @@ HX_STATUS SetFlags(uint32_t handle, const HX_DEVICE_RECORD& wanted) {
     const auto block = std::make_unique<HX_TARGET_DATA>();
     block->count = 1;
     HX_TARGET_ENTRY& entry = block->entries[0];
-    SetNames(entry, tools::Wwn::Of(wanted.nodeName), tools::Wwn::Of(wanted.portName));
+    SetNames(entry, Wwn::Of(wanted.nodeName), Wwn::Of(wanted.portName));
     entry.bindingFlags = wanted.bindingFlags;
     return HXSetTargetData(handle, 0, block.get(), 0);
 }
 
 bool HasPlace(const PortTargets& targets, const HX_DEVICE_RECORD& wanted) {
-    const KnownTarget* now = targets.Known(tools::Wwn::Of(wanted.portName));
+    const KnownTarget* now = targets.Known(Wwn::Of(wanted.portName));
     return now != nullptr && SameAddress(now->record, wanted);
 }
 
 bool IsProven(const PortTargets& targets, const HX_DEVICE_RECORD& wanted) {
     return HasPlace(targets, wanted) &&
            (!targets.OwnPort().IsCurrentGeneration() ||
-            targets.Known(tools::Wwn::Of(wanted.portName))->record.bindingFlags ==
-                wanted.bindingFlags);
+            targets.Known(Wwn::Of(wanted.portName))->record.bindingFlags == wanted.bindingFlags);
 }
 
 // A driver may exchange the addresses alone: both targets shall be as bound as was asked for.
-void BindAfterSwap(tools::Invocation& invocation, PortTargets& targets,
-                   const HX_DEVICE_RECORD& after, Steps& steps) {
-    const KnownTarget* now = targets.Known(tools::Wwn::Of(after.portName));
+void BindAfterSwap(Invocation& invocation, PortTargets& targets, const HX_DEVICE_RECORD& after,
+                   Steps& steps) {
+    const KnownTarget* now = targets.Known(Wwn::Of(after.portName));
     if (now == nullptr || after.bindingFlags == 0 ||
         now->record.bindingFlags == after.bindingFlags ||
         !targets.OwnPort().IsCurrentGeneration()) {
@@ -55,9 +49,9 @@ void BindAfterSwap(tools::Invocation& invocation, PortTargets& targets,
 
 }  // namespace
 
-void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVICE_RECORD& wanted,
+void BindLive(Invocation& invocation, PortTargets& targets, const HX_DEVICE_RECORD& wanted,
               AwayTarget away, Steps& steps) {
-    const tools::Wwn name = tools::Wwn::Of(wanted.portName);
+    const Wwn name = Wwn::Of(wanted.portName);
     const KnownTarget* known = targets.Known(name);
     const bool current = targets.OwnPort().IsCurrentGeneration();
     const bool sameAddress = known != nullptr && SameAddress(known->record, wanted);
@@ -80,7 +74,7 @@ void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVI
     HX_STATUS status =
         sameAddress ? SetFlags(targets.Handle(), wanted) : HX_STATUS{HXMGT_NOT_SUPPORTED};
     // The request that adds a target also moves it. Current drivers need not know the other one.
-    if (!sameAddress || (current && tools::ExitCodeOf(status) == ExitCode::NotSupported)) {
+    if (!sameAddress || (current && ExitCodeOf(status) == ExitCode::NotSupported)) {
         status = HXAddTargetDevice(targets.Handle(), &wanted);
     }
     // An older driver does not say why it refuses.
@@ -99,14 +93,13 @@ void BindLive(tools::Invocation& invocation, PortTargets& targets, const HX_DEVI
     steps.Tried(kLive, name, status, what);
 }
 
-std::string SwapText(const tools::Wwn& newTarget) {
+std::string SwapText(const Wwn& newTarget) {
     return "gives its place to " + newTarget.Colons();
 }
 
-bool SwapLive(tools::Invocation& invocation, PortTargets& targets, const BindingSwap& swap,
-              Steps& steps) {
-    const tools::Wwn oldName = tools::Wwn::Of(swap.oldTarget.portName);
-    const tools::Wwn newName = tools::Wwn::Of(swap.newTarget.portName);
+bool SwapLive(Invocation& invocation, PortTargets& targets, const BindingSwap& swap, Steps& steps) {
+    const Wwn oldName = Wwn::Of(swap.oldTarget.portName);
+    const Wwn newName = Wwn::Of(swap.newTarget.portName);
     const std::string what = SwapText(newName);
     if (invocation.DryRun()) {
         steps.Done(kLive, oldName, what);
@@ -144,11 +137,11 @@ bool SwapLive(tools::Invocation& invocation, PortTargets& targets, const Binding
     return true;
 }
 
-void ApplyBindings(tools::Invocation& invocation, PortTargets& targets, const HX_TARGET_DATA& block,
+void ApplyBindings(Invocation& invocation, PortTargets& targets, const HX_TARGET_DATA& block,
                    AwayTarget away, Steps& steps) {
     for (const HX_TARGET_ENTRY& entry : RowsOf(block)) {
         invocation.CheckStop();
-        const tools::Wwn name = tools::Wwn::Of(entry.portName);
+        const Wwn name = Wwn::Of(entry.portName);
         if (IsFree(entry)) {
             continue;
         }
@@ -169,7 +162,7 @@ std::string MaskText(const LunSet& masked) {
     return "masked: " + (masked.none() ? "none" : LunsText(masked));
 }
 
-void MaskLive(tools::Invocation& invocation, const PortTargets& targets, const tools::Wwn& target,
+void MaskLive(Invocation& invocation, const PortTargets& targets, const Wwn& target,
               const LunSet& masked, Steps& steps) {
     const std::string what = MaskText(masked);
     LunSet before;
@@ -190,18 +183,18 @@ void MaskLive(tools::Invocation& invocation, const PortTargets& targets, const t
         (ReadLiveMask(targets.OwnPort(), targets.Handle(), target, &after) != HXMGT_SUCCESS ||
          after != masked)) {
         invocation.Changed();
-        steps.Fail(kLive, target, tools::ExitCode::NotProven,
+        steps.Fail(kLive, target, ExitCode::NotProven,
                    "the driver took the mask, but does not show it", "see `lunmask show`");
         return;
     }
     steps.Tried(kLive, target, status, MaskText(before) + " -> " + what);
 }
 
-void ApplyMasks(tools::Invocation& invocation, PortTargets& targets, const HX_LUN_DATA& block,
+void ApplyMasks(Invocation& invocation, PortTargets& targets, const HX_LUN_DATA& block,
                 AwayTarget away, Steps& steps) {
     for (const HX_LUN_RECORD& record : RowsOf(block)) {
         invocation.CheckStop();
-        const tools::Wwn target = tools::Wwn::Of(record.portName);
+        const Wwn target = Wwn::Of(record.portName);
         if (IsFree(record)) {
             continue;
         }

@@ -7,8 +7,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 HX_STATUS Load(uint32_t handle, HX_TARGET_DATA& block) {
     return HXGetTargetData(handle, 0, &block, 1);
 }
@@ -35,9 +33,9 @@ bool HasNothing(const Port& port) {
     if (!port.port || HXGetPersistentDeviceEntryList(names.get()) != HXMGT_SUCCESS) {
         return false;
     }
-    const tools::Wwn own = tools::Wwn::Of(port.port->portName);
+    const Wwn own = Wwn::Of(port.port->portName);
     return std::none_of(std::begin(names->names), std::end(names->names),
-                        [&](const uint8_t(&name)[8]) { return tools::Wwn::Of(name) == own; });
+                        [&](const uint8_t(&name)[8]) { return Wwn::Of(name) == own; });
 }
 
 // A block of that kind that cannot be read is not there, rather than damaged. The walk over all
@@ -88,7 +86,7 @@ HX_STATUS ReadPortTargets(PortVisit& visit, PortTargets* targets) {
 }
 
 template <class Block>
-void Write(tools::Invocation& invocation, PortTargets& targets, Block& block) {
+void Write(Invocation& invocation, PortTargets& targets, Block& block) {
     const std::string object = targets.OwnPort().Object();
     if (const HX_STATUS status = Save(targets.Handle(), block); status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the store cannot be written, and may be half written", object);
@@ -108,18 +106,18 @@ void Write(tools::Invocation& invocation, PortTargets& targets, Block& block) {
 
 DocumentPort PortTargets::Origin() const {
     const Port& port = OwnPort();
-    return {port.port ? tools::Wwn::Of(port.port->portName) : tools::Wwn(),
-            port.node ? tools::Wwn::Of(port.node->nodeName) : tools::Wwn(), port.Serial()};
+    return {port.port ? Wwn::Of(port.port->portName) : Wwn(),
+            port.node ? Wwn::Of(port.node->nodeName) : Wwn(), port.Serial()};
 }
 
-const KnownTarget* PortTargets::Known(const tools::Wwn& portName) const {
+const KnownTarget* PortTargets::Known(const Wwn& portName) const {
     const auto found = std::find_if(known.begin(), known.end(), [&](const KnownTarget& target) {
         return target.PortName() == portName;
     });
     return found == known.end() ? nullptr : &*found;
 }
 
-PortTargets OpenPortTargets(tools::Invocation& invocation) {
+PortTargets OpenPortTargets(Invocation& invocation) {
     PortTargets targets{OpenSelectedPort(invocation), {}, {}, {}};
     const char* query = "";
     if (const HX_STATUS status = ReadAll(&targets, &query); status != HXMGT_SUCCESS) {
@@ -128,8 +126,8 @@ PortTargets OpenPortTargets(tools::Invocation& invocation) {
     return targets;
 }
 
-ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf,
-                         const RowOfFailure& failed, std::vector<tools::Record>* rows) {
+ExitCode ListPortTargets(Invocation& invocation, const RowsOfPort& rowsOf,
+                         const RowOfFailure& failed, std::vector<Record>* rows) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
     for (auto& one : ForEachPort<PortTargets>(invocation, selected, ReadPortTargets)) {
@@ -154,7 +152,7 @@ const char* WhyAway(const PortTargets& targets) {
     return LinkIsDown(targets.session) ? "the link is down" : "the target is away";
 }
 
-void TellState(tools::Invocation& invocation, const Port& port, StoreState state,
+void TellState(Invocation& invocation, const Port& port, StoreState state,
                const std::string& what) {
     if (state == StoreState::Nothing) {
         invocation.Note(port.Object() + ": no " + what + " are stored");
@@ -165,11 +163,11 @@ void TellState(tools::Invocation& invocation, const Port& port, StoreState state
     }
 }
 
-void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_TARGET_DATA& block) {
+void WriteStored(Invocation& invocation, PortTargets& targets, HX_TARGET_DATA& block) {
     Write(invocation, targets, block);
 }
 
-void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_LUN_DATA& block) {
+void WriteStored(Invocation& invocation, PortTargets& targets, HX_LUN_DATA& block) {
     Write(invocation, targets, block);
 }
 

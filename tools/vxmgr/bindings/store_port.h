@@ -36,29 +36,28 @@ struct PortTargets {
     const Port& OwnPort() const { return session.port; }
     uint32_t Handle() const { return session.Handle(); }
     DocumentPort Origin() const;
-    const KnownTarget* Known(const tools::Wwn& portName) const;
+    const KnownTarget* Known(const Wwn& portName) const;
     HX_STATUS ReadKnown() { return ReadKnownTargets(OwnPort(), Handle(), &known); }
 };
 
 // The one selected port; ends the command when something cannot be read.
-PortTargets OpenPortTargets(tools::Invocation& invocation);
+PortTargets OpenPortTargets(Invocation& invocation);
 
 // Rows of every selected port; one that cannot be read gives the row of its failure. The exit code
 // of the whole.
-using RowsOfPort = std::function<void(PortTargets& targets, std::vector<tools::Record>* rows)>;
-using RowOfFailure = std::function<tools::Record(const Port& port)>;
-tools::ExitCode ListPortTargets(tools::Invocation& invocation, const RowsOfPort& rowsOf,
-                                const RowOfFailure& failed, std::vector<tools::Record>* rows);
+using RowsOfPort = std::function<void(PortTargets& targets, std::vector<Record>* rows)>;
+using RowOfFailure = std::function<Record(const Port& port)>;
+ExitCode ListPortTargets(Invocation& invocation, const RowsOfPort& rowsOf,
+                         const RowOfFailure& failed, std::vector<Record>* rows);
 
 // Why the driver does not know a target.
 const char* WhyAway(const PortTargets& targets);
 
 // Says why there is nothing to show; what: "bindings".
-void TellState(tools::Invocation& invocation, const Port& port, StoreState state,
-               const std::string& what);
+void TellState(Invocation& invocation, const Port& port, StoreState state, const std::string& what);
 
 // Writes the block and reads it back; ends the command when one of these fails.
-void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_TARGET_DATA& block);
-void WriteStored(tools::Invocation& invocation, PortTargets& targets, HX_LUN_DATA& block);
+void WriteStored(Invocation& invocation, PortTargets& targets, HX_TARGET_DATA& block);
+void WriteStored(Invocation& invocation, PortTargets& targets, HX_LUN_DATA& block);
 
 }  // namespace vxmgr

@@ -9,7 +9,6 @@
 #include <set>
 
 #include "common/json_document.h"
-#include "common/text.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_document.h"
 
@@ -17,7 +16,7 @@ namespace vxmgr {
 
 template <class Record>
 struct StoredField {
-    tools::FieldRow<Record> written;
+    FieldRow<Record> written;
     std::function<void(const DocumentObject& object, Record& record)> read;
 };
 template <class Record>
@@ -26,8 +25,7 @@ using StoredFields = std::vector<StoredField<Record>>;
 template <class Record, class Number>
 StoredField<Record> NumberField(const char* key, Number Record::*member, const char* about = "",
                                 uint64_t most = std::numeric_limits<Number>::max()) {
-    return {{key, "", tools::kInteger, member, about},
-            [=](const DocumentObject& object, Record& record) {
+    return {{key, "", kInteger, member, about}, [=](const DocumentObject& object, Record& record) {
                 record.*member = static_cast<Number>(object.Number(key, most));
             }};
 }
@@ -40,15 +38,15 @@ StoredField<Record> BytesField(const char* key, Member Record::*member) {
     const auto digits = [member](const Record& record) {
         return IsNothing(record.*member) ? "" : HexDigits(BytesOf(record.*member));
     };
-    return {{key, "", tools::kText.OrAbsent(), digits, kAbout.c_str()},
+    return {{key, "", kText.OrAbsent(), digits, kAbout.c_str()},
             [=](const DocumentObject& object, Record& record) {
                 object.Bytes(key, {reinterpret_cast<uint8_t*>(&(record.*member)), sizeof(Member)});
             }};
 }
 
 template <class Record>
-tools::Fields<Record> WrittenFields(const StoredFields<Record>& fields) {
-    std::vector<tools::FieldRow<Record>> rows;
+Fields<Record> WrittenFields(const StoredFields<Record>& fields) {
+    std::vector<FieldRow<Record>> rows;
     for (const StoredField<Record>& field : fields) {
         rows.push_back(field.written);
     }
@@ -71,14 +69,14 @@ class StoredDocument {
           block_(WrittenFields(blockFields_)),
           row_(WrittenFields(rowFields_)),
           slot_{
-              {"slot", "", tools::kInteger, &Slot::number, "place in the stored block, from 0"},
-              {"target_wwn", "", tools::kText,
-               [](const Slot& slot) { return tools::Wwn::Of(slot.row->portName).Digits(); },
+              {"slot", "", kInteger, &Slot::number, "place in the stored block, from 0"},
+              {"target_wwn", "", kText,
+               [](const Slot& slot) { return Wwn::Of(slot.row->portName).Digits(); },
                "port name, 16 hexadecimal digits"},
-              {"node_wwn", "", tools::kText,
-               [](const Slot& slot) { return tools::Wwn::Of(slot.row->nodeName).Digits(); },
+              {"node_wwn", "", kText,
+               [](const Slot& slot) { return Wwn::Of(slot.row->nodeName).Digits(); },
                "node name; zeros mark a free row"},
-              {"free", "", tools::kFlag.OrAbsent(),
+              {"free", "", kFlag.OrAbsent(),
                [](const Slot& slot) {
                    return IsFree(*slot.row) ? std::optional(true) : std::nullopt;
                },
@@ -96,7 +94,7 @@ class StoredDocument {
     tools::Shape Shape() const { return whole_.ShapeOfAll(); }
 
     std::string Write(const DocumentPort& port, const Block& block) const {
-        return tools::RecordDocument(whole_.Make({&port, &block}));
+        return RecordDocument(whole_.Make({&port, &block}));
     }
 
     // Throws DocumentError. No slot and no target comes twice.
@@ -121,7 +119,7 @@ class StoredDocument {
                 object.Fail("slot", std::to_string(slot) + " stands twice");
             }
             Row& row = SlotsOf(*block)[static_cast<size_t>(slot)];
-            const tools::Wwn portName = ReadNames(object, row);
+            const Wwn portName = ReadNames(object, row);
             if (!IsFree(row) && !portName.IsZero() && !usedNames.insert(portName.Digits()).second) {
                 object.Fail("target_wwn", portName.Digits() + " stands twice");
             }
@@ -152,9 +150,9 @@ class StoredDocument {
         return used;
     }
 
-    static tools::Wwn ReadNames(const DocumentObject& object, Row& row) {
-        const tools::Wwn portName = object.Name("target_wwn");
-        const tools::Wwn nodeName = object.Name("node_wwn");
+    static Wwn ReadNames(const DocumentObject& object, Row& row) {
+        const Wwn portName = object.Name("target_wwn");
+        const Wwn nodeName = object.Name("node_wwn");
         if (nodeName.IsZero() != object.Flag("free")) {
             object.Fail("node_wwn",
                         "is zero in free rows, which say \"free\": true, and in no other");
@@ -167,11 +165,11 @@ class StoredDocument {
     const StoredFields<Block> blockFields_;
     const StoredFields<Row> rowFields_;
     size_t (*const usable_)(const Block& block);
-    const tools::Fields<DocumentPort> head_;
-    const tools::Fields<Block> block_;
-    const tools::Fields<Row> row_;
-    const tools::Fields<Slot> slot_;
-    const tools::Fields<Source> whole_;
+    const Fields<DocumentPort> head_;
+    const Fields<Block> block_;
+    const Fields<Row> row_;
+    const Fields<Slot> slot_;
+    const Fields<Source> whole_;
 };
 
 }  // namespace vxmgr

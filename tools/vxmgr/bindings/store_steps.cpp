@@ -5,10 +5,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Tone;
-using tools::Value;
-
 // In the order of Outcome.
 constexpr const char* kOutcomes[] = {"done", "planned", "unchanged", "pending", "failed"};
 
@@ -20,31 +16,31 @@ Value OutcomeValue(const StoreStep& row) {
 
 }  // namespace
 
-const tools::Fields<StoreStep>& StoreStepFields() {
+const Fields<StoreStep>& StoreStepFields() {
     static constexpr const char* kStores[] = {kInRegistry, kLive};
-    static const tools::Fields<StoreStep> kFields = {
-        {"store", "Store", "STORE", tools::Choice(kStores), &StoreStep::store},
-        {"target_wwn", "Target", "TARGET", tools::kWwn, &StoreStep::target},
-        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), OutcomeValue,
+    static const Fields<StoreStep> kFields = {
+        {"store", "Store", "STORE", Choice(kStores), &StoreStep::store},
+        {"target_wwn", "Target", "TARGET", kWwn, &StoreStep::target},
+        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), OutcomeValue,
          "planned: by a dry run; pending: takes effect at the driver's next start"},
-        {"what", "What", "WHAT", tools::kText.OrNull(), &StoreStep::what},
-        {"status", "Status", tools::kText.OrNull(),
+        {"what", "What", "WHAT", kText.OrNull(), &StoreStep::what},
+        {"status", "Status", kText.OrNull(),
          [](const StoreStep& row) { return StatusValue(row.status); }},
     };
     return kFields;
 }
 
-const tools::Fields<StoreChangeResult>& StoreChangeFields() {
-    static const tools::Fields<StoreChangeResult> kFields = {
+const Fields<StoreChangeResult>& StoreChangeFields() {
+    static const Fields<StoreChangeResult> kFields = {
         {PortKeys(kNoPortKey), &StoreChangeResult::port},
-        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, tools::ListLayout::Table,
+        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, ListLayout::Table,
          "nothing to do"},
     };
     return kFields;
 }
 
-void Steps::AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
-                   const std::string& what, HX_STATUS status) {
+void Steps::AddRow(const char* store, const Wwn& target, Outcome outcome, const std::string& what,
+                   HX_STATUS status) {
     anythingToDo_ = anythingToDo_ || outcome != Outcome::Unchanged;
     const bool inRegistry = std::string_view(store) == kInRegistry;
     stored_ = stored_ || (inRegistry && outcome == Outcome::Done);
@@ -55,17 +51,15 @@ void Steps::AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
                  {store, target, outcome, what, status});
 }
 
-void Steps::Add(const char* store, const tools::Wwn& target, Outcome outcome,
-                const std::string& what) {
+void Steps::Add(const char* store, const Wwn& target, Outcome outcome, const std::string& what) {
     AddRow(store, target, outcome, what, HXMGT_SUCCESS);
 }
 
-void Steps::Done(const char* store, const tools::Wwn& target, const std::string& what) {
+void Steps::Done(const char* store, const Wwn& target, const std::string& what) {
     Add(store, target, invocation_.DryRun() ? Outcome::Planned : Outcome::Done, what);
 }
 
-void Steps::Tried(const char* store, const tools::Wwn& target, HX_STATUS status,
-                  const std::string& what) {
+void Steps::Tried(const char* store, const Wwn& target, HX_STATUS status, const std::string& what) {
     if (status == HXMGT_SUCCESS) {
         if (!invocation_.DryRun()) {
             invocation_.Changed();
@@ -79,9 +73,9 @@ void Steps::Tried(const char* store, const tools::Wwn& target, HX_STATUS status,
     AddRow(store, target, Outcome::Failed, what, status);
 }
 
-void Steps::Fail(const char* store, const tools::Wwn& target, ExitCode exit,
-                 const std::string& what, const std::string& hint) {
-    invocation_.Add({tools::Severity::Error,
+void Steps::Fail(const char* store, const Wwn& target, ExitCode exit, const std::string& what,
+                 const std::string& hint) {
+    invocation_.Add({Severity::Error,
                      std::string(store) + ", target " + target.Colons() + ": " + what,
                      hint,
                      object_,
@@ -95,12 +89,12 @@ void Steps::StoreWritten() {
     stored_ = !invocation_.DryRun();
 }
 
-void Steps::Away(const tools::Wwn& target, AwayTarget away, const char* why) {
+void Steps::Away(const Wwn& target, AwayTarget away, const char* why) {
     if (away == AwayTarget::Pending) {
         Add(kLive, target, Outcome::Pending, why);
         return;
     }
-    invocation_.Add({tools::Severity::Error,
+    invocation_.Add({Severity::Error,
                      std::string(kLive) + ", target " + target.Colons() + ": " + why,
                      "`--store registry` leaves the driver alone",
                      object_,

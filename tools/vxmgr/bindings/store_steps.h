@@ -18,7 +18,7 @@ inline constexpr char kLive[] = "live";
 
 // --store: what the driver reads at its next start, what it works with now, or both.
 inline constexpr const char* kStoreNames[] = {"registry", "live", "both"};
-inline constexpr tools::Argument kStoreArgument = {
+inline constexpr Argument kStoreArgument = {
     .name = "--store",
     .valueName = "STORE",
     .help = "registry (read at the driver's next start), live (the driver now) or both (both)",
@@ -29,58 +29,57 @@ struct StoreChoice {
     bool live;
 };
 
-inline StoreChoice GivenStores(tools::Invocation& invocation, const char* otherwise = "both") {
+inline StoreChoice GivenStores(Invocation& invocation, const char* otherwise = "both") {
     const std::string given = invocation.Given().Text("store", otherwise);
     return {given != "live", given != "registry"};
 }
 
 struct StoreStep {
     const char* store;
-    tools::Wwn target;
+    Wwn target;
     Outcome outcome;
     std::string what;
     HX_STATUS status;
 };
-const tools::Fields<StoreStep>& StoreStepFields();
+const Fields<StoreStep>& StoreStepFields();
 
 // The result of a command that changes what is bound or masked.
 struct StoreChangeResult {
     const Port* port;
     std::vector<StoreStep> steps;
 };
-const tools::Fields<StoreChangeResult>& StoreChangeFields();
+const Fields<StoreChangeResult>& StoreChangeFields();
 
 class Steps {
   public:
-    Steps(tools::Invocation& invocation, const Port& port)
+    Steps(Invocation& invocation, const Port& port)
         : invocation_(invocation), port_(port), object_(port.Object()) {}
 
     // Planned instead of done in a dry run.
-    void Done(const char* store, const tools::Wwn& target, const std::string& what);
-    void Add(const char* store, const tools::Wwn& target, Outcome outcome, const std::string& what);
+    void Done(const char* store, const Wwn& target, const std::string& what);
+    void Add(const char* store, const Wwn& target, Outcome outcome, const std::string& what);
     // By the status: done, or failed and reported.
-    void Tried(const char* store, const tools::Wwn& target, HX_STATUS status,
-               const std::string& what);
-    void Fail(const char* store, const tools::Wwn& target, tools::ExitCode exit,
-              const std::string& what, const std::string& hint);
+    void Tried(const char* store, const Wwn& target, HX_STATUS status, const std::string& what);
+    void Fail(const char* store, const Wwn& target, ExitCode exit, const std::string& what,
+              const std::string& hint);
 
     // why: "the link is down", or the like.
-    void Away(const tools::Wwn& target, AwayTarget away, const char* why);
+    void Away(const Wwn& target, AwayTarget away, const char* why);
     // The whole store was written, or would be, which makes no row.
     void StoreWritten();
 
     // Says what is pending, or that there was nothing to do; the exit code of the whole.
-    tools::ExitCode Finish();
+    ExitCode Finish();
     // The same, with the rows as the command's result.
-    tools::ExitCode FinishResult();
+    ExitCode FinishResult();
 
     const std::vector<StoreStep>& Rows() const { return rows_; }
 
   private:
-    void AddRow(const char* store, const tools::Wwn& target, Outcome outcome,
-                const std::string& what, HX_STATUS status);
+    void AddRow(const char* store, const Wwn& target, Outcome outcome, const std::string& what,
+                HX_STATUS status);
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     const Port& port_;
     const std::string object_;
     std::vector<StoreStep> rows_;
@@ -90,7 +89,7 @@ class Steps {
     bool stored_ = false;  // something was written to the registry
     bool live_ = false;    // and something tried in the driver
     bool behind_ = false;  // where not everything took effect
-    tools::ExitCode first_ = tools::ExitCode::Done;
+    ExitCode first_ = ExitCode::Done;
 };
 
 }  // namespace vxmgr

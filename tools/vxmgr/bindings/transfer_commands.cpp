@@ -9,22 +9,18 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::ListLayout;
-
 constexpr size_t kLongestDocument = size_t{16} << 20;
 constexpr size_t kRowsInQuestion = 12;
 
 constexpr const char* kExportStores[] = {kInRegistry, kLive};
-constexpr tools::Argument kExportArguments[] = {
+constexpr Argument kExportArguments[] = {
     {.name = "FILE", .help = "the document to write", .required = true},
     {.name = "--store",
      .valueName = "STORE",
      .help = "registry or live (registry)",
      .choices = kExportStores},
 };
-constexpr tools::Argument kImportArguments[] = {
+constexpr Argument kImportArguments[] = {
     {.name = "FILE", .help = "the document to read", .required = true},
     {.name = "--as-port",
      .kind = ArgumentKind::Flag,
@@ -38,12 +34,12 @@ struct StoredKind {
     const char* name;  // "bindings"
     StoredBlock<Block> PortTargets::*stored;
     // What the driver has now, as the store would hold it.
-    std::unique_ptr<Block> (*live)(tools::Invocation& invocation, const PortTargets& targets);
+    std::unique_ptr<Block> (*live)(Invocation& invocation, const PortTargets& targets);
     std::string (*write)(const DocumentPort& port, const Block& block);
     DocumentPort (*read)(std::string_view text, Block* block);
     // Makes the block fit for the port's driver, or ends the command; null where any block fits.
-    void (*adapt)(tools::Invocation& invocation, const PortTargets& targets, Block& block);
-    void (*applyLive)(tools::Invocation& invocation, PortTargets& targets, const Block& block,
+    void (*adapt)(Invocation& invocation, const PortTargets& targets, Block& block);
+    void (*applyLive)(Invocation& invocation, PortTargets& targets, const Block& block,
                       AwayTarget away, Steps& steps);
     const char* consequence;  // for the question, where the command asks one
 };
@@ -54,8 +50,7 @@ std::unique_ptr<Block> NewBlock(const StoredKind<Block>&) {
 }
 
 template <class Block>
-DocumentPort LoadDocument(tools::Invocation& invocation, const StoredKind<Block>& kind,
-                          Block* block) {
+DocumentPort LoadDocument(Invocation& invocation, const StoredKind<Block>& kind, Block* block) {
     const std::string path = invocation.Given().Text("FILE");
     const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestDocument);
     try {
@@ -65,12 +60,11 @@ DocumentPort LoadDocument(tools::Invocation& invocation, const StoredKind<Block>
     }
 }
 
-void CheckPort(tools::Invocation& invocation, const PortTargets& targets,
-               const DocumentPort& origin) {
+void CheckPort(Invocation& invocation, const PortTargets& targets, const DocumentPort& origin) {
     if (origin.portName == targets.Origin().portName) {
         return;
     }
-    const std::string serial = invocation.Names().Mask(tools::Secret::Serial, origin.serial);
+    const std::string serial = invocation.Names().Mask(Secret::Serial, origin.serial);
     const std::string what = "the document is of port " + origin.portName.Colons() + " (serial " +
                              serial + "), the selected one is " +
                              targets.Origin().portName.Colons();
@@ -80,9 +74,9 @@ void CheckPort(tools::Invocation& invocation, const PortTargets& targets,
     invocation.Warn(what);
 }
 
-tools::Question QuestionOf(const PortTargets& targets, const char* name, const char* consequence,
-                           const std::vector<DifferenceRow>& rows) {
-    tools::Question question = QuestionAbout(
+Question QuestionOf(const PortTargets& targets, const char* name, const char* consequence,
+                    const std::vector<DifferenceRow>& rows) {
+    Question question = QuestionAbout(
         targets.session, std::string("Import ") + name + " from a document.", consequence);
     for (size_t i = 0; i < rows.size() && i < kRowsInQuestion; ++i) {
         question.lines.push_back(std::string("  ") + rows[i].action + " " +
@@ -108,11 +102,11 @@ struct ImportResult {
     std::optional<std::vector<StoreStep>> steps;
 };
 
-const tools::Fields<ExportResult>& ExportFields() {
-    static const tools::Fields<ExportResult> kFields = {
+const Fields<ExportResult>& ExportFields() {
+    static const Fields<ExportResult> kFields = {
         {PortKeys(kPortIndex | kPortName), &ExportResult::port},
-        {"file", "File", tools::kText, &ExportResult::file},
-        {"targets", "Targets", tools::kInteger, &ExportResult::targets,
+        {"file", "File", kText, &ExportResult::file},
+        {"targets", "Targets", kInteger, &ExportResult::targets,
          "number of targets in the document"},
     };
     return kFields;
@@ -120,13 +114,13 @@ const tools::Fields<ExportResult>& ExportFields() {
 
 // An import that leaves the store alone has nothing to say of it.
 template <bool toStore>
-const tools::Fields<ImportResult>& ImportFields() {
-    static const tools::Fields<ImportResult> kFields = {
+const Fields<ImportResult>& ImportFields() {
+    static const Fields<ImportResult> kFields = {
         {PortKeys(kNoPortKey), &ImportResult::port},
         {"differences", "Differences", DifferenceFields(), &ImportResult::differences,
          ListLayout::Table, toStore ? "no target changes in the store" : "",
          "against what was stored before"},
-        {"stored", "Stored", tools::kFlag, &ImportResult::stored, "the store was written"},
+        {"stored", "Stored", kFlag, &ImportResult::stored, "the store was written"},
         {"steps", "Steps", StoreStepFields(), &ImportResult::steps, ListLayout::Table,
          "nothing to do", "what was done in the driver"},
     };
@@ -134,7 +128,7 @@ const tools::Fields<ImportResult>& ImportFields() {
 }
 
 template <const auto& kind>
-ExitCode Export(tools::Invocation& invocation) {
+ExitCode Export(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     PortTargets targets = OpenPortTargets(invocation);
     const auto& stored = targets.*kind.stored;
@@ -159,7 +153,7 @@ ExitCode Export(tools::Invocation& invocation) {
 }
 
 template <const auto& kind>
-ExitCode Import(tools::Invocation& invocation) {
+ExitCode Import(Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
     const auto block = NewBlock(kind);
     const DocumentPort origin = LoadDocument(invocation, kind, block.get());
@@ -183,7 +177,7 @@ ExitCode Import(tools::Invocation& invocation) {
         invocation.Confirm(QuestionOf(targets, kind.name, kind.consequence, differences));
     }
 
-    tools::GrowingResult<ImportResult> result(
+    GrowingResult<ImportResult> result(
         invocation.Result(), stores.registry ? ImportFields<true>() : ImportFields<false>(),
         {&targets.OwnPort(), differences, needed && !invocation.DryRun(), {}});
     if (needed && !invocation.DryRun()) {
@@ -200,8 +194,7 @@ ExitCode Import(tools::Invocation& invocation) {
     return steps.Finish();
 }
 
-std::unique_ptr<HX_TARGET_DATA> LiveBindings(tools::Invocation& invocation,
-                                             const PortTargets& targets) {
+std::unique_ptr<HX_TARGET_DATA> LiveBindings(Invocation& invocation, const PortTargets& targets) {
     if (!targets.OwnPort().IsCurrentGeneration()) {
         invocation.Fail(
             ExitCode::NotSupported,
@@ -229,7 +222,7 @@ uint16_t FormOf(const Port& port) {
     return port.IsCurrentGeneration() ? 2 : 1;
 }
 
-std::unique_ptr<HX_LUN_DATA> LiveMasks(tools::Invocation& invocation, const PortTargets& targets) {
+std::unique_ptr<HX_LUN_DATA> LiveMasks(Invocation& invocation, const PortTargets& targets) {
     auto block = std::make_unique<HX_LUN_DATA>();
     block->version = FormOf(targets.OwnPort());
     for (const KnownTarget& target : targets.known) {
@@ -244,15 +237,15 @@ std::unique_ptr<HX_LUN_DATA> LiveMasks(tools::Invocation& invocation, const Port
     return block;
 }
 
-void AdaptMasks(tools::Invocation& invocation, const PortTargets& targets, HX_LUN_DATA& block) {
+void AdaptMasks(Invocation& invocation, const PortTargets& targets, HX_LUN_DATA& block) {
     const LunSet beyond = ~FirstLuns(LunLimit(targets.OwnPort()));
     for (const HX_LUN_RECORD& record : RowsOf(block)) {
         if (const LunSet lost = MaskedOf(record) & beyond; lost.any()) {
-            invocation.Fail(ExitCode::Refused,
-                            "the document masks LUNs " + LunsText(lost) + " of " +
-                                tools::Wwn::Of(record.portName).Colons() +
-                                ": this driver has masks for LUNs 0 to " +
-                                std::to_string(LunLimit(targets.OwnPort()) - 1) + " alone");
+            invocation.Fail(ExitCode::Refused, "the document masks LUNs " + LunsText(lost) +
+                                                   " of " + Wwn::Of(record.portName).Colons() +
+                                                   ": this driver has masks for LUNs 0 to " +
+                                                   std::to_string(LunLimit(targets.OwnPort()) - 1) +
+                                                   " alone");
         }
     }
     const uint16_t form = FormOf(targets.OwnPort());
@@ -286,53 +279,53 @@ constexpr StoredKind<HX_LUN_DATA> kMasks{
 
 }  // namespace
 
-tools::CommandRows BindTransferCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows BindTransferCommands() {
+    static const Command kCommands[] = {
         {
             .path = "bind export",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "write a port's bindings to a document",
             .schema = "bind.export",
             .arguments = kExportArguments,
             .run = Export<kBindings>,
             .example = "bind export bindings.json -p scsi:3",
-            .result = tools::ShapeOf<ExportFields>,
+            .result = ShapeOf<ExportFields>,
         },
         {
             .path = "bind import",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "take a port's bindings from a document",
             .schema = "bind.import",
             .arguments = kImportArguments,
             .run = Import<kBindings>,
             .example = "bind import bindings.json -p scsi:3 --dry-run",
-            .result = tools::ShapeOf<ImportFields<true>>,
+            .result = ShapeOf<ImportFields<true>>,
         },
     };
     return kCommands;
 }
 
-tools::CommandRows LunmaskTransferCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows LunmaskTransferCommands() {
+    static const Command kCommands[] = {
         {
             .path = "lunmask export",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "write a port's LUN masks to a document",
             .schema = "lunmask.export",
             .arguments = kExportArguments,
             .run = Export<kMasks>,
             .example = "lunmask export masks.json -p scsi:3",
-            .result = tools::ShapeOf<ExportFields>,
+            .result = ShapeOf<ExportFields>,
         },
         {
             .path = "lunmask import",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "take a port's LUN masks from a document",
             .schema = "lunmask.import",
             .arguments = kImportArguments,
             .run = Import<kMasks>,
             .example = "lunmask import masks.json -p scsi:3 --dry-run",
-            .result = tools::ShapeOf<ImportFields<true>>,
+            .result = ShapeOf<ImportFields<true>>,
         },
     };
     return kCommands;

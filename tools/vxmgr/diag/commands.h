@@ -1,13 +1,13 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows DiagRunCommands();
-tools::CommandRows DiagCommands();
-tools::CommandRows RegisterCommands();
-tools::CommandRows DumpCommands();
+CommandRows DiagRunCommands();
+CommandRows DiagCommands();
+CommandRows RegisterCommands();
+CommandRows DumpCommands();
 
 }  // namespace vxmgr

@@ -3,7 +3,6 @@
 
 #include <chrono>
 
-#include "common/text.h"
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/app/code_text.h"
 #include "vxmgr/app/port_fields.h"
@@ -12,13 +11,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::Argument;
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
-using tools::ListLayout;
 
 constexpr uint32_t kLoopbackDriver = 80100;  // older ones report success without a test
 constexpr size_t kMostIn = 32;
@@ -78,10 +70,10 @@ size_t Differences(Bytes sent, Bytes received) {
     return count;
 }
 
-std::vector<uint16_t> GivenRegisters(tools::Invocation& invocation) {
+std::vector<uint16_t> GivenRegisters(Invocation& invocation) {
     std::vector<uint16_t> registers;
     for (const std::string& word : invocation.Given().All("REGS")) {
-        const auto value = tools::ParseNumber(word);
+        const auto value = ParseNumber(word);
         if (!value || *value > UINT16_MAX) {
             invocation.Fail(ExitCode::Usage, "\"" + word + "\" is no register value",
                             "0 to 65535, hexadecimal after 0x");
@@ -116,19 +108,19 @@ struct LoopbackResult {
     std::optional<LoopbackOutcome> outcome;
 };
 
-const tools::Fields<LoopbackResult>& LoopbackFields() {
-    static const tools::Fields<LoopbackOutcome> kOutcome = {
+const Fields<LoopbackResult>& LoopbackFields() {
+    static const Fields<LoopbackOutcome> kOutcome = {
         {"completion", "Completion", kText, &LoopbackOutcome::Completion},
-        {"size", "Size", tools::Integer("bytes").OrNull(), &LoopbackOutcome::size},
+        {"size", "Size", Integer("bytes").OrNull(), &LoopbackOutcome::size},
         {"wrong_bytes", "Wrong bytes", kInteger, &LoopbackOutcome::wrongBytes},
         {"crc_errors", "CRC errors", kInteger, &LoopbackOutcome::Counter<0>},
         {"disparity_errors", "Disparity errors", kInteger, &LoopbackOutcome::Counter<1>},
         {"frame_length_errors", "Frame length errors", kInteger, &LoopbackOutcome::Counter<2>},
         {"iterations", "Iterations done", kInteger, &LoopbackOutcome::Iterations},
     };
-    static const tools::Fields<LoopbackResult> kFields = {
+    static const Fields<LoopbackResult> kFields = {
         {PortKeys(), &LoopbackResult::port},
-        {"tested", "Tested", tools::kFlag, &LoopbackResult::tested},
+        {"tested", "Tested", kFlag, &LoopbackResult::tested},
         {kOutcome, &LoopbackResult::outcome},
     };
     return kFields;
@@ -140,8 +132,8 @@ struct DportResult {
     std::optional<std::vector<HexRow>> data;
 };
 
-const tools::Fields<DportResult>& DportFields() {
-    static const tools::Fields<DportResult> kFields = {
+const Fields<DportResult>& DportFields() {
+    static const Fields<DportResult> kFields = {
         {PortKeys(), &DportResult::port},
         {DportOutcomeFields(), &DportResult::outcome},
         {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
@@ -160,28 +152,28 @@ struct MailboxResult {
     std::optional<std::vector<MailboxRegister>> registers;
 };
 
-const tools::Fields<MailboxResult>& MailboxFields() {
-    static const tools::Fields<MailboxRegister> kRegister = {
+const Fields<MailboxResult>& MailboxFields() {
+    static const Fields<MailboxRegister> kRegister = {
         {"register", "Register", "REGISTER", kInteger, &MailboxRegister::number},
-        {"value", "Value", "VALUE", tools::Hexadecimal(4), &MailboxRegister::value},
+        {"value", "Value", "VALUE", Hexadecimal(4), &MailboxRegister::value},
     };
-    static const tools::Fields<MailboxResult> kFields = {
+    static const Fields<MailboxResult> kFields = {
         {PortKeys(), &MailboxResult::port},
-        {"command", "Command", tools::Hexadecimal(4), &MailboxResult::command},
+        {"command", "Command", Hexadecimal(4), &MailboxResult::command},
         {"registers", "Registers", kRegister, &MailboxResult::registers, ListLayout::Table,
          "no registers"},
     };
     return kFields;
 }
 
-ExitCode DiagLoopback(tools::Invocation& invocation) {
-    const tools::Options& given = invocation.Given();
+ExitCode DiagLoopback(Invocation& invocation) {
+    const Options& given = invocation.Given();
     const auto size = static_cast<uint32_t>(given.Number("size").value_or(2048));
     const auto iterations = static_cast<uint32_t>(given.Number("iterations").value_or(1));
     const auto options = static_cast<uint16_t>(given.Number("options").value_or(0));
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<LoopbackResult> result(invocation.Result(), LoopbackFields(),
-                                                {&session.port, false, {}});
+    GrowingResult<LoopbackResult> result(invocation.Result(), LoopbackFields(),
+                                         {&session.port, false, {}});
     if (session.port.driverVersionCode < kLoopbackDriver) {
         invocation.Fail(ExitCode::NotSupported,
                         "not tested: drivers below 8.01.00 report success without a test",
@@ -214,12 +206,11 @@ ExitCode DiagLoopback(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DiagDport(tools::Invocation& invocation) {
+ExitCode DiagDport(Invocation& invocation) {
     constexpr std::chrono::milliseconds kPoll{500};
     constexpr int kLongest = 600;  // polls: five minutes
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<DportResult> result(invocation.Result(), DportFields(),
-                                             {&session.port, {}, {}});
+    GrowingResult<DportResult> result(invocation.Result(), DportFields(), {&session.port, {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: a D-port test would run");
         return ExitCode::Done;
@@ -255,18 +246,18 @@ ExitCode DiagDport(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DiagMailbox(tools::Invocation& invocation) {
+ExitCode DiagMailbox(Invocation& invocation) {
     const std::vector<uint16_t> registers = GivenRegisters(invocation);
     const auto wanted = static_cast<size_t>(invocation.Given().Number("registers").value_or(8));
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<MailboxResult> result(invocation.Result(), MailboxFields(),
-                                               {&session.port, registers[0], {}});
+    GrowingResult<MailboxResult> result(invocation.Result(), MailboxFields(),
+                                        {&session.port, registers[0], {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the mailbox command would be sent");
         return ExitCode::Done;
     }
     invocation.Confirm(QuestionAbout(
-        session, "Send mailbox command " + tools::Hex(registers[0], 4) + " to the firmware.",
+        session, "Send mailbox command " + Hex(registers[0], 4) + " to the firmware.",
         "Nothing is checked: a wrong command can stop the adapter or damage what it stores."));
     std::vector<uint16_t> answer(kMostOut);
     const HX_STATUS status = HXMailboxPassthru(session.Handle(), 0, registers.data(),
@@ -284,36 +275,36 @@ ExitCode DiagMailbox(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows DiagCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows DiagCommands() {
+    static const Command kCommands[] = {
         {
             .path = "diag loopback",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "have the firmware loop data and compare it",
             .schema = "diag.loopback",
             .arguments = kLoopbackArguments,
             .run = DiagLoopback,
             .example = "diag loopback --size 512 --iterations 10 -p scsi:3",
-            .result = tools::ShapeOf<LoopbackFields>,
+            .result = ShapeOf<LoopbackFields>,
         },
         {
             .path = "diag dport",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "run a D-port test and show its results",
             .schema = "diag.dport",
             .run = DiagDport,
             .example = "diag dport -p scsi:3",
-            .result = tools::ShapeOf<DportFields>,
+            .result = ShapeOf<DportFields>,
         },
         {
             .path = "diag mailbox",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "send a raw firmware mailbox command",
             .schema = "diag.mailbox",
             .arguments = kMailboxArguments,
             .run = DiagMailbox,
             .example = "diag mailbox 0x08 -p scsi:3",
-            .result = tools::ShapeOf<MailboxFields>,
+            .result = ShapeOf<MailboxFields>,
         },
     };
     return kCommands;

@@ -2,8 +2,6 @@
 #include <map>
 #include <optional>
 
-#include "common/status_codes.h"
-#include "common/text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
@@ -18,11 +16,7 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Tone;
-using tools::Value;
-
-constexpr tools::Argument kRunArguments[] = {
+constexpr Argument kRunArguments[] = {
     {.name = "-t,--target",
      .valueName = "TARGET",
      .help = "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
@@ -52,9 +46,9 @@ Finding OfStatus(HX_STATUS status) {
     if (status == HXMGT_SUCCESS) {
         return {};
     }
-    const bool cannot = tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    const bool cannot = ExitCodeOf(status) == ExitCode::NotSupported;
     return {cannot ? CheckOutcome::Skipped : CheckOutcome::Failed,
-            StatusMessage(status) + " (" + tools::StatusText(status) + ")"};
+            StatusMessage(status) + " (" + StatusText(status) + ")"};
 }
 
 Finding DriverFailed(HX_STATUS status, const std::string& query) {
@@ -74,7 +68,7 @@ Finding CheckFirmware(const Subject& subject) {
         return {CheckOutcome::Skipped, "the driver does not report the firmware"};
     }
     const auto& version = subject.port.firmware->version;
-    const std::string text = tools::FieldText(version, sizeof version);
+    const std::string text = FieldText(version, sizeof version);
     return text.empty() ? Finding{CheckOutcome::Failed, "no version is reported"}
                         : Finding{CheckOutcome::Passed, "version " + text};
 }
@@ -206,7 +200,7 @@ struct CheckRow : Finding {
     std::string Serial() const { return port->Serial(); }
 };
 
-const tools::Fields<std::vector<CheckRow>>& DiagRunFields() {
+const Fields<std::vector<CheckRow>>& DiagRunFields() {
     // In the order of CheckOutcome.
     static constexpr const char* kOutcomes[] = {"passed", "warning", "failed", "skipped"};
     constexpr Tone kTones[] = {Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
@@ -214,15 +208,15 @@ const tools::Fields<std::vector<CheckRow>>& DiagRunFields() {
         const auto place = static_cast<size_t>(row.outcome);
         return Value::Text(kOutcomes[place]).In(kTones[place]);
     };
-    static const tools::Fields<CheckRow> kRows = {
+    static const Fields<CheckRow> kRows = {
         {PortKeys(), &CheckRow::port},
-        {"serial", "Adapter", "ADAPTER", tools::kSerial.OrNull(), &CheckRow::Serial},
-        {"check", "Check", "CHECK", tools::kText, &CheckRow::check},
-        {"outcome", "Outcome", "OUTCOME", tools::Choice(kOutcomes), outcome},
-        {"detail", "Detail", "DETAIL", tools::kText.OrNull(), &CheckRow::detail},
+        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &CheckRow::Serial},
+        {"check", "Check", "CHECK", kText, &CheckRow::check},
+        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), outcome},
+        {"detail", "Detail", "DETAIL", kText.OrNull(), &CheckRow::detail},
     };
-    static const auto kFields = tools::ListOf<std::vector<CheckRow>>(
-        "checks", "Checks", kRows, tools::ListLayout::Table, "no ports");
+    static const auto kFields =
+        ListOf<std::vector<CheckRow>>("checks", "Checks", kRows, ListLayout::Table, "no ports");
     return kFields;
 }
 
@@ -244,7 +238,7 @@ std::map<uint32_t, uint32_t> SiblingsOf(const std::vector<Port*>& ports) {
     return siblings;
 }
 
-ExitCode DiagRun(tools::Invocation& invocation) {
+ExitCode DiagRun(Invocation& invocation) {
     HX_SCSI_ADDRESS target{};
     const bool hasTarget = invocation.Given().Has("target");
     if (hasTarget) {
@@ -258,7 +252,7 @@ ExitCode DiagRun(tools::Invocation& invocation) {
         if (finding.outcome == CheckOutcome::Failed) {
             ++failed;
             const std::string& detail = finding.detail;
-            invocation.Add({tools::Severity::Error,
+            invocation.Add({Severity::Error,
                             std::string(check.name) + ": " + (detail.empty() ? "failed" : detail),
                             check.advice,
                             port.Object(),
@@ -297,17 +291,17 @@ ExitCode DiagRun(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows DiagRunCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows DiagRunCommands() {
+    static const Command kCommands[] = {
         {
             .path = "diag run",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "run every check that does no harm",
             .schema = "diag.run",
             .arguments = kRunArguments,
             .run = DiagRun,
             .example = "diag run -p scsi:3",
-            .result = tools::ShapeOf<DiagRunFields>,
+            .result = ShapeOf<DiagRunFields>,
         },
     };
     return kCommands;

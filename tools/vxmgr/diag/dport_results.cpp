@@ -32,13 +32,12 @@ const char* StateOfDport(const DportOutcome& outcome) {
     return outcome.IsComplete() ? kDportStates[1] : NameAt(kDportStates, outcome.stateWord, 1);
 }
 
-tools::Value VerdictOfDport(const DportOutcome& outcome) {
+Value VerdictOfDport(const DportOutcome& outcome) {
     if (!outcome.IsComplete()) {
         return {};
     }
     const bool good = outcome.failed.empty();
-    return tools::Value::Text(kVerdicts[good ? 0 : 1])
-        .In(good ? tools::Tone::Good : tools::Tone::Bad);
+    return Value::Text(kVerdicts[good ? 0 : 1]).In(good ? Tone::Good : Tone::Bad);
 }
 
 }  // namespace
@@ -59,23 +58,23 @@ DportOutcome DecodeDport(const HX_DPORT_RESULT_EX2& result) {
     return outcome;
 }
 
-const tools::Fields<DportOutcome>& DportOutcomeFields() {
+const Fields<DportOutcome>& DportOutcomeFields() {
     using Outcome = DportOutcome;
     using LaneResult = Outcome::LaneResult;
-    static const tools::Fields<LaneResult> kLane = {
-        {"place", "Place", "PLACE", tools::kInteger, &LaneResult::place,
+    static const Fields<LaneResult> kLane = {
+        {"place", "Place", "PLACE", kInteger, &LaneResult::place,
          "among the results of lanes and tests, from 0"},
-        {"code", "Code", "CODE", tools::Hexadecimal(2), &LaneResult::code, "of the firmware"},
+        {"code", "Code", "CODE", Hexadecimal(2), &LaneResult::code, "of the firmware"},
     };
-    static const tools::Fields<Outcome> kFields = {
-        {"state", "State", tools::Choice(kDportStates).OrNull(), StateOfDport},
-        {"state_word", "", tools::Hexadecimal(4), &Outcome::stateWord},
-        {"hop", "Tested up to", tools::Choice(kHops).OrNull(),
+    static const Fields<Outcome> kFields = {
+        {"state", "State", Choice(kDportStates).OrNull(), StateOfDport},
+        {"state_word", "", Hexadecimal(4), &Outcome::stateWord},
+        {"hop", "Tested up to", Choice(kHops).OrNull(),
          [](const Outcome& outcome) { return NameAt(kHops, outcome.hopWord, 1); }},
-        {"hop_word", "", tools::Hexadecimal(4), &Outcome::hopWord},
-        {"tests", "Tests", tools::kInteger, &Outcome::tests},
-        {"verdict", "Verdict", tools::Choice(kVerdicts).OrNull(), VerdictOfDport},
-        {"failed", "Failed", kLane, &Outcome::failed, tools::ListLayout::Table, "no lane failed"},
+        {"hop_word", "", Hexadecimal(4), &Outcome::hopWord},
+        {"tests", "Tests", kInteger, &Outcome::tests},
+        {"verdict", "Verdict", Choice(kVerdicts).OrNull(), VerdictOfDport},
+        {"failed", "Failed", kLane, &Outcome::failed, ListLayout::Table, "no lane failed"},
     };
     return kFields;
 }

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "common/fields.h"
 #include "hxmgtapi.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -26,6 +26,6 @@ struct DportOutcome {
 };
 
 DportOutcome DecodeDport(const HX_DPORT_RESULT_EX2& result);
-const tools::Fields<DportOutcome>& DportOutcomeFields();
+const Fields<DportOutcome>& DportOutcomeFields();
 
 }  // namespace vxmgr

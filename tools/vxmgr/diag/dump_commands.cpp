@@ -1,7 +1,6 @@
 #include "vxmgr/diag/commands.h"
 
 #include "common/console.h"
-#include "common/status_codes.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
@@ -12,12 +11,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::Argument;
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kText;
-using tools::Value;
 
 constexpr Argument kSaveArguments[] = {
     {.name = "KIND",
@@ -32,7 +25,7 @@ constexpr Argument kSaveArguments[] = {
 
 // A dump that is not there, or that the chip does not make, is no failure of a list.
 bool HasNone(HX_STATUS status) {
-    return status == HXMGT_NO_FIRMWARE_DUMP || tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    return status == HXMGT_NO_FIRMWARE_DUMP || ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
 Value DumpSizeValue(uint64_t size) {
@@ -71,7 +64,7 @@ struct DumpRow : DumpSize {
 
 Value DumpStateValue(const DumpRow& row) {
     if (row.IsPresent()) {
-        return Value::Text("present").In(tools::Tone::Warning);
+        return Value::Text("present").In(Tone::Warning);
     }
     if (row.status == HXMGT_NO_FIRMWARE_DUMP || row.status == HXMGT_SUCCESS) {
         return Value::Text("none");
@@ -79,7 +72,7 @@ Value DumpStateValue(const DumpRow& row) {
     return Value::Text(HasNone(row.status) ? "not supported" : "failed");
 }
 
-const tools::Fields<std::vector<DumpRow>>& DumpListFields() {
+const Fields<std::vector<DumpRow>>& DumpListFields() {
     static constexpr const char* kStates[] = {"present", "none", "not supported", "failed"};
     const auto size = [](const DumpRow& row) {
         return row.IsPresent() ? DumpSizeValue(row.bytes) : Value();
@@ -87,18 +80,18 @@ const tools::Fields<std::vector<DumpRow>>& DumpListFields() {
     const auto status = [](const DumpRow& row) {
         return HasNone(row.status) ? Value() : StatusValue(row.status);
     };
-    static const tools::Fields<DumpRow> kRows = {
+    static const Fields<DumpRow> kRows = {
         {PortKeys(), &DumpRow::port},
-        {"serial", "Adapter", "ADAPTER", tools::kSerial.OrNull(), &DumpRow::Serial},
-        {"kind", "Kind", "KIND", tools::Choice(kDumpNames),
+        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &DumpRow::Serial},
+        {"kind", "Kind", "KIND", Choice(kDumpNames),
          [](const DumpRow& row) { return row.kind->name; }},
         {"what", "Of", "OF", kText, [](const DumpRow& row) { return row.kind->what; }},
-        {"state", "State", "STATE", tools::Choice(kStates), DumpStateValue},
-        {"size", "Size", "SIZE", tools::kInteger.OrNull(), size},
+        {"state", "State", "STATE", Choice(kStates), DumpStateValue},
+        {"size", "Size", "SIZE", kInteger.OrNull(), size},
         {"status", "Status", kText.OrNull(), status},
     };
-    static const auto kFields = tools::ListOf<std::vector<DumpRow>>(
-        "dumps", "Dumps", kRows, tools::ListLayout::Table, "no ports");
+    static const auto kFields =
+        ListOf<std::vector<DumpRow>>("dumps", "Dumps", kRows, ListLayout::Table, "no ports");
     return kFields;
 }
 
@@ -109,12 +102,12 @@ struct SavedDump {
     uint64_t size;
 };
 
-const tools::Fields<SavedDump>& SavedDumpFields() {
-    static const tools::Fields<SavedDump> kFields = {
+const Fields<SavedDump>& SavedDumpFields() {
+    static const Fields<SavedDump> kFields = {
         {PortKeys(), &SavedDump::port},
         {"kind", "Kind", kText, [](const SavedDump& saved) { return saved.kind->name; }},
         {"file", "File", kText, &SavedDump::file},
-        {"size", "Size", tools::kInteger.OrNull(),
+        {"size", "Size", kInteger.OrNull(),
          [](const SavedDump& saved) { return DumpSizeValue(saved.size); }},
     };
     return kFields;
@@ -125,21 +118,20 @@ struct DumpTaken {
     std::optional<bool> taken;
 };
 
-const tools::Fields<DumpTaken>& DumpTakenFields() {
-    static const tools::Fields<DumpTaken> kFields = {
+const Fields<DumpTaken>& DumpTakenFields() {
+    static const Fields<DumpTaken> kFields = {
         {PortKeys(), &DumpTaken::port},
-        {"taken", "Dump taken", tools::kFlag.OrAbsent(), &DumpTaken::taken},
+        {"taken", "Dump taken", kFlag.OrAbsent(), &DumpTaken::taken},
     };
     return kFields;
 }
 
 // How long the text became.
-uint64_t SaveText(tools::Invocation& invocation, const PortSession& session,
-                  const std::string& path) {
+uint64_t SaveText(Invocation& invocation, const PortSession& session, const std::string& path) {
     uint64_t size = 0;
     ReplaceFile(invocation, path, [&](const std::string& temporary) {
         invocation.Progress("fetching the firmware dump");
-        const std::string name = tools::console::ToSystemCodePage(temporary);
+        const std::string name = console::ToSystemCodePage(temporary);
         const HX_STATUS status = HXGetFcDump(session.Handle(), 0, name.c_str());
         if (status == HXMGT_DATA_UNDERRUN) {
             invocation.Warn("the dump ends early: the text holds what there is of it");
@@ -151,7 +143,7 @@ uint64_t SaveText(tools::Invocation& invocation, const PortSession& session,
     return size;
 }
 
-uint64_t SaveBytes(tools::Invocation& invocation, const PortSession& session, const DumpKind& kind,
+uint64_t SaveBytes(Invocation& invocation, const PortSession& session, const DumpKind& kind,
                    const std::string& path) {
     const std::string name = std::string("the ") + kind.name + " dump";
     uint32_t size = 0;
@@ -172,10 +164,9 @@ uint64_t SaveBytes(tools::Invocation& invocation, const PortSession& session, co
     return bytes.size();
 }
 
-ExitCode DumpTake(tools::Invocation& invocation) {
+ExitCode DumpTake(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<DumpTaken> result(invocation.Result(), DumpTakenFields(),
-                                           {&session.port, {}});
+    GrowingResult<DumpTaken> result(invocation.Result(), DumpTakenFields(), {&session.port, {}});
     if (invocation.DryRun()) {
         result.taken = false;
         invocation.Note("dry run: a firmware dump would be taken");
@@ -195,7 +186,7 @@ ExitCode DumpTake(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DumpSave(tools::Invocation& invocation) {
+ExitCode DumpSave(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const DumpKind& kind = DumpKindOf(invocation.Given().Text("KIND"));
     const bool asText = invocation.Given().Has("text");
@@ -210,7 +201,7 @@ ExitCode DumpSave(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DumpList(tools::Invocation& invocation) {
+ExitCode DumpList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> shown = SelectPorts(invocation, ports);
     std::vector<DumpRow> rows;
@@ -230,35 +221,35 @@ ExitCode DumpList(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows DumpCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows DumpCommands() {
+    static const Command kCommands[] = {
         {
             .path = "dump list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "which dumps there are",
             .schema = "dump.list",
             .run = DumpList,
             .example = "dump list -p scsi:3",
-            .result = tools::ShapeOf<DumpListFields>,
+            .result = ShapeOf<DumpListFields>,
         },
         {
             .path = "dump save",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "fetch a dump into a file",
             .schema = "dump.save",
             .arguments = kSaveArguments,
             .run = DumpSave,
             .example = "dump save fc firmware.dmp -p scsi:3",
-            .result = tools::ShapeOf<SavedDumpFields>,
+            .result = ShapeOf<SavedDumpFields>,
         },
         {
             .path = "dump take",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "have the firmware make a dump now",
             .schema = "dump.take",
             .run = DumpTake,
             .example = "dump take -p scsi:3",
-            .result = tools::ShapeOf<DumpTakenFields>,
+            .result = ShapeOf<DumpTakenFields>,
         },
     };
     return kCommands;

@@ -1,5 +1,4 @@
 // diag register read|write: single registers of the SerDes and of the retimer behind the cage.
-#include "common/text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/diag/commands.h"
@@ -7,10 +6,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::Argument;
-using tools::ExitCode;
-using tools::Value;
 
 constexpr Argument kRegisterSpaceArgument = {
     .name = "SPACE", .help = "serdes, serdes:LANE, retimer or retimer:DEVICE", .required = true};
@@ -33,22 +28,22 @@ struct RegisterResult {
     std::optional<uint32_t> previous;
 
     std::string Space() const { return space.Text(); }
-    std::string Address() const { return tools::Hex(address, 2); }
+    std::string Address() const { return Hex(address, 2); }
     template <auto member>
     Value Contents() const {
         const std::optional<uint32_t>& contents = this->*member;
-        return contents ? Value::Text(tools::Hex(*contents, space.ValueDigits())) : Value();
+        return contents ? Value::Text(Hex(*contents, space.ValueDigits())) : Value();
     }
 };
 
-const tools::Fields<RegisterResult>& RegisterFields() {
+const Fields<RegisterResult>& RegisterFields() {
     using Result = RegisterResult;
-    static const tools::Fields<Result> kFields = {
+    static const Fields<Result> kFields = {
         {PortKeys(), &Result::port},
-        {"space", "Registers of", tools::kText, &Result::Space},
-        {"address", "Address", tools::kText, &Result::Address},
-        {"value", "Value", tools::kText.OrNull(), &Result::Contents<&Result::value>},
-        {"previous", "Before", tools::kText.OrNull().Quiet(), &Result::Contents<&Result::previous>,
+        {"space", "Registers of", kText, &Result::Space},
+        {"address", "Address", kText, &Result::Address},
+        {"value", "Value", kText.OrNull(), &Result::Contents<&Result::value>},
+        {"previous", "Before", kText.OrNull().Quiet(), &Result::Contents<&Result::previous>,
          "before a write"},
     };
     return kFields;
@@ -93,7 +88,7 @@ struct GivenRegister {
     RegisterChoice choice;
 };
 
-GivenRegister GivenOne(tools::Invocation& invocation, const char* argument, bool withValue) {
+GivenRegister GivenOne(Invocation& invocation, const char* argument, bool withValue) {
     GivenRegister given;
     std::string error;
     if (!ParseRegisterSpace(invocation.Given().Text("SPACE"), &given.space, &error)) {
@@ -108,11 +103,11 @@ GivenRegister GivenOne(tools::Invocation& invocation, const char* argument, bool
 }
 
 std::string RegisterName(const GivenRegister& given) {
-    return "register " + tools::Hex(given.choice.address, 2) + " of " + given.space.Text();
+    return "register " + Hex(given.choice.address, 2) + " of " + given.space.Text();
 }
 
 // Ends the command; what: "cannot be read".
-[[noreturn]] void RegisterFails(tools::Invocation& invocation, const PortSession& session,
+[[noreturn]] void RegisterFails(Invocation& invocation, const PortSession& session,
                                 const GivenRegister& given, HX_STATUS status, const char* what) {
     const std::string object = session.port.Object();
     const std::string name = RegisterName(given);
@@ -126,8 +121,7 @@ std::string RegisterName(const GivenRegister& given) {
         object);
 }
 
-uint32_t MustRead(tools::Invocation& invocation, const PortSession& session,
-                  const GivenRegister& given) {
+uint32_t MustRead(Invocation& invocation, const PortSession& session, const GivenRegister& given) {
     uint32_t value = 0;
     const HX_STATUS status =
         ReadRegister(session.Handle(), given.space, given.choice.address, &value);
@@ -137,7 +131,7 @@ uint32_t MustRead(tools::Invocation& invocation, const PortSession& session,
     return value;
 }
 
-ExitCode RegisterRead(tools::Invocation& invocation) {
+ExitCode RegisterRead(Invocation& invocation) {
     const GivenRegister given = GivenOne(invocation, "ADDRESS", false);
     const PortSession session = OpenSelectedPort(invocation);
     const uint32_t value = MustRead(invocation, session, given);
@@ -146,18 +140,17 @@ ExitCode RegisterRead(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode RegisterWrite(tools::Invocation& invocation) {
+ExitCode RegisterWrite(Invocation& invocation) {
     const GivenRegister given = GivenOne(invocation, "REGISTER", true);
     const uint32_t wanted = *given.choice.value;
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<RegisterResult> result(
+    GrowingResult<RegisterResult> result(
         invocation.Result(), RegisterFields(),
         {&session.port, given.space, given.choice.address, {}, {}});
     result.value = result.previous = MustRead(invocation, session, given);
     const std::string what = RegisterName(given);
-    const std::string change = what + " from " +
-                               tools::Hex(*result.previous, given.space.ValueDigits()) + " to " +
-                               tools::Hex(wanted, given.space.ValueDigits());
+    const std::string change = what + " from " + Hex(*result.previous, given.space.ValueDigits()) +
+                               " to " + Hex(wanted, given.space.ValueDigits());
     if (invocation.DryRun()) {
         invocation.Note("dry run: " + change + " would be written");
         return ExitCode::Done;
@@ -181,27 +174,27 @@ ExitCode RegisterWrite(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows RegisterCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows RegisterCommands() {
+    static const Command kCommands[] = {
         {
             .path = "diag register read",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "read a register of the SerDes or of the retimer",
             .schema = "diag.register",
             .arguments = kRegisterReadArguments,
             .run = RegisterRead,
             .example = "diag register read serdes:0 0x10 -p scsi:3",
-            .result = tools::ShapeOf<RegisterFields>,
+            .result = ShapeOf<RegisterFields>,
         },
         {
             .path = "diag register write",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "write a register of the SerDes or of the retimer",
             .schema = "diag.register",
             .arguments = kRegisterWriteArguments,
             .run = RegisterWrite,
             .example = "diag register write serdes:0 0x10=0x320 -p scsi:3",
-            .result = tools::ShapeOf<RegisterFields>,
+            .result = ShapeOf<RegisterFields>,
         },
     };
     return kCommands;

@@ -1,7 +1,7 @@
 #include "vxmgr/diag/register_space.h"
 
-#include "common/text.h"
 #include "hxhealth.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {
@@ -37,10 +37,9 @@ const KindRow& RowOf(RegisterKind kind) {
 
 bool ParseWithin(std::string_view text, const char* what, uint32_t most, uint32_t* number,
                  std::string* error) {
-    const auto given = tools::ParseNumber(text);
+    const auto given = ParseNumber(text);
     if (!given || *given > most) {
-        *error =
-            "\"" + std::string(text) + "\" is no " + what + " from 0 to " + tools::Hex(most, 2);
+        *error = "\"" + std::string(text) + "\" is no " + what + " from 0 to " + Hex(most, 2);
         return false;
     }
     *number = static_cast<uint32_t>(*given);
@@ -56,7 +55,7 @@ std::string RegisterSpace::Text() const {
         case RegisterKind::SerDesLane:
             return "serdes:" + std::to_string(unit);
         case RegisterKind::Retimer:
-            return "retimer:" + tools::Hex(unit, 2);
+            return "retimer:" + Hex(unit, 2);
     }
     return "serdes";
 }

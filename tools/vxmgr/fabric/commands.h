@@ -1,13 +1,13 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows ScsiCommands();
-tools::CommandRows FcCommands();
-tools::CommandRows NpivCommands();
-tools::CommandRows NvmeCommands();
+CommandRows ScsiCommands();
+CommandRows FcCommands();
+CommandRows NpivCommands();
+CommandRows NvmeCommands();
 
 }  // namespace vxmgr

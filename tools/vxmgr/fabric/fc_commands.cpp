@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include "common/status_codes.h"
-#include "common/text.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_id.h"
@@ -13,14 +11,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::Argument;
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
-using tools::kWwn;
-using tools::ListLayout;
 
 constexpr size_t kLongestCt = 65536;
 constexpr size_t kLongestCtAnswer = size_t{1} << 20;
@@ -64,7 +54,7 @@ constexpr Argument kElsArguments[] = {
 };
 
 // Link services go by port name or identifier.
-HX_SCSI_ADDRESS GivenRemotePort(tools::Invocation& invocation) {
+HX_SCSI_ADDRESS GivenRemotePort(Invocation& invocation) {
     const HX_SCSI_ADDRESS address = GivenTarget(invocation);
     if (address.type == HX_ADDRESS_BUS_TARGET) {
         invocation.Fail(ExitCode::Usage, "link services go to a name or an identifier",
@@ -82,20 +72,20 @@ struct FabricNamesResult {
     std::vector<FabricNameRow> names;
 };
 
-const tools::Fields<FabricNamesResult>& FabricNamesFields() {
+const Fields<FabricNamesResult>& FabricNamesFields() {
     using Row = FabricNameRow;
-    static const tools::Fields<Row> kNames = {
-        {"port_id", "Port ID", "PORT ID", tools::Hexadecimal(6), &Row::portId},
+    static const Fields<Row> kNames = {
+        {"port_id", "Port ID", "PORT ID", Hexadecimal(6), &Row::portId},
         {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), &Row::portName},
         {"node_wwn", "Node name", "NODE NAME", kWwn.OrNull(), &Row::nodeName},
         {"type", "Type", "TYPE", kText, [](const Row& row) { return PortTypeName(row.type); }},
         {"protocols", "Protocols", "PROTOCOLS", kText.OrNull(), &Row::protocols},
-        {"own", "This port", "THIS PORT", tools::kFlag, &Row::own},
+        {"own", "This port", "THIS PORT", kFlag, &Row::own},
         {"symbolic_port", "Symbolic port name", "SYMBOLIC NAME", kText.OrNull(),
          &Row::symbolicPort},
         {"symbolic_node", "Symbolic node name", kText.OrNull(), &Row::symbolicNode},
     };
-    static const tools::Fields<FabricNamesResult> kFields = {
+    static const Fields<FabricNamesResult> kFields = {
         {PortKeys(kNoPortKey), &FabricNamesResult::port},
         {"ports", "Ports", kNames, &FabricNamesResult::names, ListLayout::Table,
          "the name server knows no ports"},
@@ -109,13 +99,13 @@ struct FabricNodeResult {
     NodeIdentification node;
 };
 
-const tools::Fields<FabricNodeResult>& FabricNodeFields() {
+const Fields<FabricNodeResult>& FabricNodeFields() {
     using Result = FabricNodeResult;
-    static const tools::Fields<Result> kFields = {
+    static const Fields<Result> kFields = {
         {"port", "", kInteger, [](const Result& result) { return result.port->index; }},
         {"scsi_port", "", kInteger.OrNull(),
          [](const Result& result) { return result.port->scsiPort; }},
-        {"adapter_serial", "", tools::kSerial.OrNull(),
+        {"adapter_serial", "", kSerial.OrNull(),
          [](const Result& result) { return result.port->Serial(); }},
         {NodeIdentificationFields(), &Result::node},
     };
@@ -128,12 +118,12 @@ struct RemoteErrorsResult {
     std::optional<LinkErrors> errors;
 };
 
-const tools::Fields<RemoteErrorsResult>& RemoteErrorsFields() {
+const Fields<RemoteErrorsResult>& RemoteErrorsFields() {
     using Result = RemoteErrorsResult;
-    static const tools::Fields<Result> kFields = {
+    static const Fields<Result> kFields = {
         {PortKeys(kNoPortKey), &Result::port},
-        {"port_id", "Port ID", tools::Hexadecimal(6), &Result::portId, "of the port that answered"},
-        {"errors", "Link errors", LinkErrorsFields(), &Result::errors, "", tools::kGroup},
+        {"port_id", "Port ID", Hexadecimal(6), &Result::portId, "of the port that answered"},
+        {"errors", "Link errors", LinkErrorsFields(), &Result::errors, "", kGroup},
     };
     return kFields;
 }
@@ -155,15 +145,15 @@ struct EchoResult {
     uint64_t Mean() const { return sum / count; }
 };
 
-const tools::Fields<EchoResult>& EchoFields() {
-    static const tools::Fields<EchoResult> kFields = {
+const Fields<EchoResult>& EchoFields() {
+    static const Fields<EchoResult> kFields = {
         {PortKeys(kNoPortKey), &EchoResult::port},
         {"sent", "Sent", kInteger, &EchoResult::count},
         {"good", "Came back unchanged", kInteger, &EchoResult::good},
-        {"size", "Size", tools::Integer("bytes").OrNull(), &EchoResult::size},
-        {"least_us", "Shortest", tools::Integer("us"), &EchoResult::least},
-        {"mean_us", "Mean", tools::Integer("us"), &EchoResult::Mean},
-        {"most_us", "Longest", tools::Integer("us"), &EchoResult::most},
+        {"size", "Size", Integer("bytes").OrNull(), &EchoResult::size},
+        {"least_us", "Shortest", Integer("us"), &EchoResult::least},
+        {"mean_us", "Mean", Integer("us"), &EchoResult::Mean},
+        {"most_us", "Longest", Integer("us"), &EchoResult::most},
     };
     return kFields;
 }
@@ -174,15 +164,15 @@ struct FabricResponse {
     std::optional<std::vector<HexRow>> data;
 };
 
-const tools::Fields<FabricResponse>& FabricResponseFields() {
-    static const tools::Fields<FabricResponse> kFields = {
+const Fields<FabricResponse>& FabricResponseFields() {
+    static const Fields<FabricResponse> kFields = {
         {"file", "File", kText.OrAbsent(), &FabricResponse::file},
         {"data", "Response", HexRowFields(), &FabricResponse::data, ListLayout::Table, "no data"},
     };
     return kFields;
 }
 
-FabricResponse TakeResponse(tools::Invocation& invocation, Bytes response) {
+FabricResponse TakeResponse(Invocation& invocation, Bytes response) {
     const std::string path = invocation.Given().Text("out-file");
     if (path.empty()) {
         return {{}, DataRows(invocation, response)};
@@ -199,10 +189,10 @@ struct CtResult {
     FabricResponse response;
 };
 
-const tools::Fields<CtResult>& CtResultFields() {
-    static const tools::Fields<CtResponse> kAnswer = {
-        {"accepted", "Accepted", tools::kFlag, &CtResponse::accepted},
-        {"response", "Response code", tools::Hexadecimal(4), &CtResponse::code},
+const Fields<CtResult>& CtResultFields() {
+    static const Fields<CtResponse> kAnswer = {
+        {"accepted", "Accepted", kFlag, &CtResponse::accepted},
+        {"response", "Response code", Hexadecimal(4), &CtResponse::code},
         {"reason", "Reason", kText.OrNull(),
          [](const CtResponse& answer) { return answer.accepted ? "" : CtRejectText(answer); }},
     };
@@ -210,11 +200,11 @@ const tools::Fields<CtResult>& CtResultFields() {
         return CtServiceName(result.header.gsType, result.header.gsSubtype);
     };
     const auto command = [](const CtResult& result) { return BigEndian(result.header.command); };
-    static const tools::Fields<CtResult> kFields = {
+    static const Fields<CtResult> kFields = {
         {PortKeys(kNoPortKey), &CtResult::port},
         {"service", "Service", kText, service},
-        {"command", "Command", tools::Hexadecimal(4), command},
-        {"sent", "Sent", tools::Integer("bytes"), &CtResult::sent},
+        {"command", "Command", Hexadecimal(4), command},
+        {"sent", "Sent", Integer("bytes"), &CtResult::sent},
         {kAnswer, &CtResult::answer},
         {FabricResponseFields(), &CtResult::response},
     };
@@ -229,12 +219,12 @@ struct ElsResult {
     FabricResponse response;
 };
 
-const tools::Fields<ElsResult>& ElsResultFields() {
-    static const tools::Fields<ElsResult> kFields = {
+const Fields<ElsResult>& ElsResultFields() {
+    static const Fields<ElsResult> kFields = {
         {PortKeys(kNoPortKey), &ElsResult::port},
         {"request", "Request", kText,
          [](const ElsResult& result) { return ElsName(result.request); }},
-        {"sent", "Sent", tools::Integer("bytes"), &ElsResult::sent},
+        {"sent", "Sent", Integer("bytes"), &ElsResult::sent},
         {"response", "Response", kText.OrAbsent(), &ElsResult::answer},
         {FabricResponseFields(), &ElsResult::response},
     };
@@ -242,7 +232,7 @@ const tools::Fields<ElsResult>& ElsResultFields() {
 }
 
 // Walks the name server from the lowest identifier until it starts over.
-std::vector<NamedPort> WalkNames(tools::Invocation& invocation, const PortSession& session) {
+std::vector<NamedPort> WalkNames(Invocation& invocation, const PortSession& session) {
     constexpr size_t kMost = 65536;
     constexpr uint8_t kNoPort = 0x01;
     std::vector<NamedPort> ports;
@@ -264,20 +254,20 @@ std::vector<NamedPort> WalkNames(tools::Invocation& invocation, const PortSessio
 }
 
 // A rejected link service, in words if the driver hands them on.
-ExitCode LinkServiceFailed(tools::Invocation& invocation, const PortSession& session,
-                           HX_STATUS status, const std::string& what, Bytes answer) {
+ExitCode LinkServiceFailed(Invocation& invocation, const PortSession& session, HX_STATUS status,
+                           const std::string& what, Bytes answer) {
     if (const auto text = ElsRejectText(answer)) {
         invocation.Fail(ExitCode::Failed, what + ": the remote port rejects it: " + *text);
     }
     if (status != HXMGT_ELS_REJECTED) {
         throw RemoteFailure(session, status, what);
     }
-    invocation.Add({tools::Severity::Error, what + ": the remote port rejects it",
+    invocation.Add({Severity::Error, what + ": the remote port rejects it",
                     "the driver does not hand on why", session.port.Object(), status});
-    return tools::ExitCodeOf(status);
+    return ExitCodeOf(status);
 }
 
-ExitCode FabricNames(tools::Invocation& invocation) {
+ExitCode FabricNames(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const uint32_t own = session.port.port ? PortIdOf(session.port.port->portId) : 0;
     FabricNamesResult result{&session.port, {}};
@@ -288,7 +278,7 @@ ExitCode FabricNames(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FabricNode(tools::Invocation& invocation) {
+ExitCode FabricNode(Invocation& invocation) {
     constexpr size_t kRoom = 256;
     HX_SCSI_ADDRESS address{};
     if (invocation.Given().Has("target")) {
@@ -310,7 +300,7 @@ ExitCode FabricNode(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FabricLinkErrors(tools::Invocation& invocation) {
+ExitCode FabricLinkErrors(Invocation& invocation) {
     const HX_SCSI_ADDRESS address = GivenRemotePort(invocation);
     const PortSession session = OpenSelectedPort(invocation);
     const uint32_t portId = PortIdOf(invocation, session, address);
@@ -327,7 +317,7 @@ ExitCode FabricLinkErrors(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FabricEcho(tools::Invocation& invocation) {
+ExitCode FabricEcho(Invocation& invocation) {
     using Clock = std::chrono::steady_clock;
     const HX_SCSI_ADDRESS address = GivenRemotePort(invocation);
     const size_t size = static_cast<size_t>(invocation.Given().Number("size").value_or(128));
@@ -356,14 +346,14 @@ ExitCode FabricEcho(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FabricCt(tools::Invocation& invocation) {
+ExitCode FabricCt(Invocation& invocation) {
     const std::vector<uint8_t> request =
         LoadFile(invocation, invocation.Given().Text("FILE"), kLongestCt);
     if (request.size() < sizeof(CtHeader)) {
         invocation.Fail(ExitCode::Usage, "the request is shorter than its 16-byte header");
     }
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<CtResult> result(
+    GrowingResult<CtResult> result(
         invocation.Result(), CtResultFields(),
         {&session.port, Padded<CtHeader>(request), request.size(), {}, {}});
     if (invocation.DryRun()) {
@@ -386,7 +376,7 @@ ExitCode FabricCt(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FabricEls(tools::Invocation& invocation) {
+ExitCode FabricEls(Invocation& invocation) {
     const HX_SCSI_ADDRESS address = GivenRemotePort(invocation);
     const std::vector<uint8_t> request =
         LoadFile(invocation, invocation.Given().Text("FILE"), kLongestEls);
@@ -394,8 +384,8 @@ ExitCode FabricEls(tools::Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, "the request is empty");
     }
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult<ElsResult> result(invocation.Result(), ElsResultFields(),
-                                           {&session.port, request[0], request.size(), {}, {}});
+    GrowingResult<ElsResult> result(invocation.Result(), ElsResultFields(),
+                                    {&session.port, request[0], request.size(), {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the request would be sent");
         return ExitCode::Done;
@@ -415,66 +405,66 @@ ExitCode FabricEls(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows FcCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows FcCommands() {
+    static const Command kCommands[] = {
         {
             .path = "fc names",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list what the fabric's name server knows",
             .schema = "fc.names",
             .run = FabricNames,
             .example = "fc names -p scsi:3",
-            .result = tools::ShapeOf<FabricNamesFields>,
+            .result = ShapeOf<FabricNamesFields>,
         },
         {
             .path = "fc rnid",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "ask a remote port, or the switch, what it is",
             .schema = "fc.rnid",
             .arguments = kNodeArguments,
             .run = FabricNode,
             .example = "fc rnid -t id:0x020000 -p scsi:3",
-            .result = tools::ShapeOf<FabricNodeFields>,
+            .result = ShapeOf<FabricNodeFields>,
         },
         {
             .path = "fc rls",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "ask a remote port for its link errors",
             .schema = "fc.rls",
             .arguments = kRemoteArguments,
             .run = FabricLinkErrors,
             .example = "fc rls -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<RemoteErrorsFields>,
+            .result = ShapeOf<RemoteErrorsFields>,
         },
         {
             .path = "fc echo",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "send data to a remote port and back",
             .schema = "fc.echo",
             .arguments = kEchoArguments,
             .run = FabricEcho,
             .example = "fc echo -t id:0x020000 --count 10 -p scsi:3",
-            .result = tools::ShapeOf<EchoFields>,
+            .result = ShapeOf<EchoFields>,
         },
         {
             .path = "fc ct",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "send a Common Transport request",
             .schema = "fc.ct",
             .arguments = kCtArguments,
             .run = FabricCt,
             .example = "fc ct request.bin --out-file reply.bin -p scsi:3",
-            .result = tools::ShapeOf<CtResultFields>,
+            .result = ShapeOf<CtResultFields>,
         },
         {
             .path = "fc els",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "send an extended link service request",
             .schema = "fc.els",
             .arguments = kElsArguments,
             .run = FabricEls,
             .example = "fc els request.bin -t id:0x020000 -p scsi:3",
-            .result = tools::ShapeOf<ElsResultFields>,
+            .result = ShapeOf<ElsResultFields>,
         },
     };
     return kCommands;

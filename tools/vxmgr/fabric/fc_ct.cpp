@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "common/text.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
@@ -50,7 +49,7 @@ constexpr CodeText kPortTypes[] = {
 constexpr CodeText kFc4Names[] = {{0x05, "IP"}, {0x08, "FCP"}, {0x20, "CT"}, {0x28, "NVMe"}};
 
 std::string Symbolic(const SymbolicName& name) {
-    return tools::FieldText(name.text, name.length);
+    return FieldText(name.text, name.length);
 }
 
 std::string Protocols(const AllNext& answer) {
@@ -91,7 +90,7 @@ std::optional<CtResponse> DecodeCtResponse(Bytes response) {
 std::string CtRejectText(const CtResponse& response) {
     return TextOrNumber(kCtReasons, response.reason, "reason") + ": " +
            TextOrNumber(kCtExplanations, response.explanation, "explanation") + " (" +
-           tools::Hex(response.reason, 2) + "/" + tools::Hex(response.explanation, 2) + ")";
+           Hex(response.reason, 2) + "/" + Hex(response.explanation, 2) + ")";
 }
 
 std::string CtServiceName(uint8_t gsType, uint8_t gsSubtype) {
@@ -114,8 +113,8 @@ std::optional<NamedPort> DecodeNamedPort(Bytes payload) {
     NamedPort port;
     port.portId = static_cast<uint32_t>(BigEndian(answer.portId));
     port.type = answer.type;
-    port.portName = tools::Wwn::Of(answer.portName);
-    port.nodeName = tools::Wwn::Of(answer.nodeName);
+    port.portName = Wwn::Of(answer.portName);
+    port.nodeName = Wwn::Of(answer.nodeName);
     port.symbolicPort = Symbolic(answer.port);
     port.symbolicNode = Symbolic(answer.node);
     port.protocols = Protocols(answer);

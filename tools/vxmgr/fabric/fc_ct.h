@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "common/wwn.h"
 #include "formats/common_transport.h"
 #include "vxmgr/app/bytes.h"
 
@@ -39,8 +38,8 @@ inline constexpr size_t kGetAllNextLength = sizeof(formats::AllNext);
 struct NamedPort {
     uint32_t portId = 0;
     uint8_t type = 0;
-    tools::Wwn portName;
-    tools::Wwn nodeName;
+    Wwn portName;
+    Wwn nodeName;
     std::string symbolicPort;
     std::string symbolicNode;
     std::string protocols;  // FC-4 types: "FCP NVMe"

@@ -1,14 +1,11 @@
 #include "vxmgr/fabric/fc_els.h"
 
-#include "common/text.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::kInteger;
-using tools::kText;
 
 constexpr CodeText kElsServices[] = {
     {0x01, "LS_RJT"}, {0x02, "LS_ACC"}, {0x03, "PLOGI"}, {0x04, "FLOGI"}, {0x05, "LOGO"},
@@ -51,7 +48,7 @@ constexpr CodeText kUnitTypes[] = {
     {0x0E, "module"},
 };
 
-std::optional<tools::Wwn> NameUnlessZero(const tools::Wwn& name) {
+std::optional<Wwn> NameUnlessZero(const Wwn& name) {
     return name.IsZero() ? std::nullopt : std::optional(name);
 }
 
@@ -94,8 +91,8 @@ std::optional<LinkErrors> DecodeLinkErrors(Bytes answer) {
     return LinkErrors{counter(0), counter(1), counter(2), counter(3), counter(4), counter(5)};
 }
 
-const tools::Fields<LinkErrors>& LinkErrorsFields() {
-    static const tools::Fields<LinkErrors> kFields = {
+const Fields<LinkErrors>& LinkErrorsFields() {
+    static const Fields<LinkErrors> kFields = {
         {"link_failures", "Link failures", kInteger, &LinkErrors::linkFailures},
         {"losses_of_sync", "Losses of sync", kInteger, &LinkErrors::lossesOfSync},
         {"losses_of_signal", "Losses of signal", kInteger, &LinkErrors::lossesOfSignal},
@@ -108,8 +105,8 @@ const tools::Fields<LinkErrors>& LinkErrorsFields() {
 
 std::string ElsReasonText(uint8_t reason, uint8_t explanation) {
     return TextOrNumber(kElsReasons, reason, "reason") + ": " +
-           TextOrNumber(kElsExplanations, explanation, "explanation") + " (" +
-           tools::Hex(reason, 2) + "/" + tools::Hex(explanation, 2) + ")";
+           TextOrNumber(kElsExplanations, explanation, "explanation") + " (" + Hex(reason, 2) +
+           "/" + Hex(explanation, 2) + ")";
 }
 
 std::optional<std::string> ElsRejectText(Bytes answer) {
@@ -124,15 +121,14 @@ NodeIdentification DecodeNodeIdentification(Bytes answer) {
     const auto head = Padded<NodeIdHead>(answer);
     const Bytes specific = Part(answer, sizeof head + head.commonLength, head.specificLength);
     const auto names = Padded<NodeIdNames>(Part(answer, sizeof head, head.commonLength));
-    NodeIdentification node{
-        head.format, tools::Wwn::Of(names.portName), tools::Wwn::Of(names.nodeName), {}};
+    NodeIdentification node{head.format, Wwn::Of(names.portName), Wwn::Of(names.nodeName), {}};
     if (specific.size() >= offsetof(NodeIdTopology, rest)) {
         node.topology = Padded<NodeIdTopology>(specific);
     }
     return node;
 }
 
-const tools::Fields<NodeIdentification>& NodeIdentificationFields() {
+const Fields<NodeIdentification>& NodeIdentificationFields() {
     using Node = NodeIdentification;
     const auto unitType = [](const Node& node) {
         return node.topology
@@ -141,18 +137,18 @@ const tools::Fields<NodeIdentification>& NodeIdentificationFields() {
                    : "";
     };
     const auto portNumber = [](const Node& node) {
-        return node.topology ? tools::Hex(BigEndian(node.topology->portNumber), 6) : "";
+        return node.topology ? Hex(BigEndian(node.topology->portNumber), 6) : "";
     };
     const auto attachedNodes = [](const Node& node) {
         return node.topology ? std::optional(BigEndian(node.topology->attachedNodes))
                              : std::nullopt;
     };
-    static const tools::Fields<Node> kFields = {
-        {"format", "Format", tools::Hexadecimal(2), &Node::format},
-        {"port_wwn", "Port name", tools::kWwn.OrNull(),
+    static const Fields<Node> kFields = {
+        {"format", "Format", Hexadecimal(2), &Node::format},
+        {"port_wwn", "Port name", kWwn.OrNull(),
          [](const Node& node) { return NameUnlessZero(node.portName); },
          "of the port that answered"},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+        {"node_wwn", "Node name", kWwn.OrNull(),
          [](const Node& node) { return NameUnlessZero(node.nodeName); }},
         {"unit_type", "Unit type", kText.OrNull(), unitType},
         {"port_number", "Port number", kText.OrNull(), portNumber},

@@ -31,7 +31,7 @@ struct LinkErrors {
     uint64_t crcErrors = 0;
 };
 std::optional<LinkErrors> DecodeLinkErrors(Bytes answer);
-const tools::Fields<LinkErrors>& LinkErrorsFields();
+const Fields<LinkErrors>& LinkErrorsFields();
 
 // The two codes of an LS_RJT in words, and as numbers.
 std::string ElsReasonText(uint8_t reason, uint8_t explanation);
@@ -42,11 +42,11 @@ std::optional<std::string> ElsRejectText(Bytes answer);
 // An accepted RNID; what the answer has not is zero, or nothing.
 struct NodeIdentification {
     uint8_t format = 0;
-    tools::Wwn portName;
-    tools::Wwn nodeName;
+    Wwn portName;
+    Wwn nodeName;
     std::optional<formats::NodeIdTopology> topology;
 };
 NodeIdentification DecodeNodeIdentification(Bytes answer);
-const tools::Fields<NodeIdentification>& NodeIdentificationFields();
+const Fields<NodeIdentification>& NodeIdentificationFields();
 
 }  // namespace vxmgr

@@ -5,14 +5,13 @@
 namespace vxmgr {
 
 using formats::PortIdAnswer;
-using tools::ExitCode;
 
 HX_STATUS SendCt(uint32_t handle, Bytes request, std::vector<uint8_t>* response) {
     return HXSendCTPassThru(handle, request.data(), static_cast<uint32_t>(request.size()),
                             response->data(), static_cast<uint32_t>(response->size()));
 }
 
-std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
+std::optional<std::vector<uint8_t>> AskNameServer(Invocation& invocation,
                                                   const PortSession& session, uint16_t command,
                                                   Bytes payload, size_t answerLength,
                                                   std::optional<uint8_t> expected) {
@@ -34,7 +33,7 @@ std::optional<std::vector<uint8_t>> AskNameServer(tools::Invocation& invocation,
     return response;
 }
 
-uint32_t PortIdOf(tools::Invocation& invocation, const PortSession& session,
+uint32_t PortIdOf(Invocation& invocation, const PortSession& session,
                   const HX_SCSI_ADDRESS& address) {
     constexpr uint8_t kNotRegistered = 0x02;
     if (address.type == HX_ADDRESS_PORT_ID) {

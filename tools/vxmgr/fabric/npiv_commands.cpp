@@ -12,13 +12,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::kCounter;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kText;
-using tools::kWwn;
-using tools::Value;
-
 using VirtualPort = HX_VIRTUAL_PORT;
 using NpivAttributes = HX_NPIV_ATTRIBUTES;
 
@@ -40,8 +33,7 @@ struct NpivRow {
 };
 
 Value VirtualStateValue(const VirtualPort& port) {
-    static constexpr tools::Tone kTones[] = {tools::Tone::Good, tools::Tone::Plain,
-                                             tools::Tone::Bad, tools::Tone::Bad};
+    static constexpr Tone kTones[] = {Tone::Good, Tone::Plain, Tone::Bad, Tone::Bad};
     static constexpr const char* kShown[] = {"online", "offline", "rejected", "link down"};
     const char* const key = NameAt(kVirtualStates, port.state, HX_VIRTUAL_PORT_ONLINE);
     return key == nullptr ? Value()
@@ -57,32 +49,32 @@ std::optional<std::string> RejectOf(const VirtualPort& port) {
                : std::nullopt;
 }
 
-const tools::Fields<VirtualPort>& VirtualPortFields() {
+const Fields<VirtualPort>& VirtualPortFields() {
     const auto portId = [](const VirtualPort& port) {
         const uint32_t id = PortIdOf(port.portId);
         return id != 0 ? std::optional(id) : std::nullopt;
     };
-    static const tools::Fields<VirtualPort> kFields = {
+    static const Fields<VirtualPort> kFields = {
         {"index", "Index", "INDEX", kInteger, Packed<&VirtualPort::index>},
         {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), WwnOf<&VirtualPort::portName>},
         {"node_wwn", "Node name", kWwn.OrNull(), WwnOf<&VirtualPort::nodeName>},
-        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(), portId},
-        {"state", "State", "STATE", tools::Choice(kVirtualStates).OrNull(), VirtualStateValue},
-        {"level", "Priority", "LEVEL", tools::Choice(kQosLevels).OrNull(),
+        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(), portId},
+        {"state", "State", "STATE", Choice(kVirtualStates).OrNull(), VirtualStateValue},
+        {"level", "Priority", "LEVEL", Choice(kQosLevels).OrNull(),
          [](const VirtualPort& port) {
              return NameAt(kQosLevels, Packed<&VirtualPort::level>(port));
          }},
         {"targets", "Targets", "TARGETS", kInteger, Packed<&VirtualPort::targets>},
         {"reject", "Rejected", kText.OrNull(), RejectOf, "why the fabric rejected it"},
-        {"seconds_online", "Online", tools::Integer("s"), Packed<&VirtualPort::secondsOnline>},
+        {"seconds_online", "Online", Integer("s"), Packed<&VirtualPort::secondsOnline>},
         {"symbolic_name", "Name", "NAME", kText.OrNull(), TextOf<&VirtualPort::symbolicName>},
     };
     return kFields;
 }
 
-const tools::Fields<std::vector<NpivRow>>& NpivListFields() {
+const Fields<std::vector<NpivRow>>& NpivListFields() {
     const auto attribute = [](auto get) { return Of(&NpivRow::Attributes, get); };
-    static const tools::Fields<NpivRow> kRows = {
+    static const Fields<NpivRow> kRows = {
         {PortKeys(), &NpivRow::port},
         {PortSerialAlias(), &NpivRow::port},
         {"supported", "Supported", kFlag.OrNull(),
@@ -106,8 +98,8 @@ const tools::Fields<std::vector<NpivRow>>& NpivListFields() {
         {"virtual_ports", "Virtual ports", VirtualPortFields(), &NpivRow::Ports},
         {PortStatus(), &NpivRow::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<NpivRow>>(
-        "ports", "Ports", kRows, tools::ListLayout::Inner, "no ports");
+    static const auto kFields =
+        ListOf<std::vector<NpivRow>>("ports", "Ports", kRows, ListLayout::Inner, "no ports");
     return kFields;
 }
 
@@ -120,11 +112,11 @@ HX_STATUS ReadVirtualPorts(PortVisit& visit, VirtualPorts* known) {
         &known->ports);
 }
 
-tools::ExitCode NpivList(tools::Invocation& invocation) {
+ExitCode NpivList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     auto answers =
         ForEachPort<VirtualPorts>(invocation, SelectPorts(invocation, ports), ReadVirtualPorts);
-    const tools::ExitCode exit = ReportAnswers(invocation, answers);
+    const ExitCode exit = ReportAnswers(invocation, answers);
     std::vector<NpivRow> rows;
     for (auto& one : answers) {
         const bool good = one.status == HXMGT_SUCCESS;
@@ -136,16 +128,16 @@ tools::ExitCode NpivList(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows NpivCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NpivCommands() {
+    static const Command kCommands[] = {
         {
             .path = "npiv list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the virtual ports of the ports",
             .schema = "npiv.list",
             .run = NpivList,
             .example = "npiv list -p scsi:3",
-            .result = tools::ShapeOf<NpivListFields>,
+            .result = ShapeOf<NpivListFields>,
         },
     };
     return kCommands;

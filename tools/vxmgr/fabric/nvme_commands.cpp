@@ -16,21 +16,12 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kText;
-using tools::Tone;
-using tools::Value;
-
 using NvmePort = HX_NVME_PORT;
 using NvmeTarget = HX_NVME_TARGET;
 using NvmeNamespace = HX_NVME_NAMESPACE;
 
-constexpr tools::Argument kNvmeListArguments[] = {
-    {.name = "--namespaces",
-     .kind = tools::ArgumentKind::Flag,
-     .help = "one row for each namespace"},
+constexpr Argument kNvmeListArguments[] = {
+    {.name = "--namespaces", .kind = ArgumentKind::Flag, .help = "one row for each namespace"},
 };
 
 constexpr const char* kNvmeKinds[] = {"discovery", "nvm"};
@@ -71,21 +62,20 @@ const char* AnaStateOf(const NvmeNamespace& one) {
                                            : NameAt(kAnaStates, one.anaState, HX_ANA_OPTIMIZED);
 }
 
-const tools::Fields<NvmeNamespace>& NamespaceFields() {
+const Fields<NvmeNamespace>& NamespaceFields() {
     using Row = NvmeNamespace;
-    constexpr tools::FieldType kBytes = {
-        .base = tools::FieldType::Base::Integer, .nullable = true, .large = true};
-    static const tools::Fields<Row> kFields = {
+    constexpr FieldType kBytes = {
+        .base = FieldType::Base::Integer, .nullable = true, .large = true};
+    static const Fields<Row> kFields = {
         {"id", "Namespace", "NAMESPACE", kInteger, Packed<&Row::id>},
-        {"block_size", "Block size", "BLOCK SIZE", tools::Integer("bytes"),
-         Packed<&Row::blockSize>},
-        {"blocks", "Blocks", tools::kCounter, Packed<&Row::blocks>},
+        {"block_size", "Block size", "BLOCK SIZE", Integer("bytes"), Packed<&Row::blockSize>},
+        {"blocks", "Blocks", kCounter, Packed<&Row::blocks>},
         {"capacity_bytes", "Capacity", "CAPACITY", kBytes, BlocksValue<&Row::capacity>},
         {"used_bytes", "Used", "USED", kBytes, BlocksValue<&Row::used>},
-        {"nguid", "NGUID", "NGUID", tools::kSerial.OrNull(), IdentifierOf<&Row::nguid>},
-        {"eui64", "EUI-64", tools::kSerial.OrNull(), IdentifierOf<&Row::eui64>},
+        {"nguid", "NGUID", "NGUID", kSerial.OrNull(), IdentifierOf<&Row::nguid>},
+        {"eui64", "EUI-64", kSerial.OrNull(), IdentifierOf<&Row::eui64>},
         {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&Row::anaGroup>},
-        {"ana_state", "ANA state", "ANA STATE", tools::Choice(kAllAnaStates).OrNull(), AnaStateOf},
+        {"ana_state", "ANA state", "ANA STATE", Choice(kAllAnaStates).OrNull(), AnaStateOf},
         {"shared", "Shared", "SHARED", kFlag, Bit<&Row::flags, HX_NAMESPACE_SHARED>},
         {"write_protected", "Write protected", "PROTECTED", kFlag,
          Bit<&Row::flags, HX_NAMESPACE_WRITE_PROTECTED>},
@@ -95,7 +85,7 @@ const tools::Fields<NvmeNamespace>& NamespaceFields() {
 
 // A controller; of one that the driver does not tell about nothing but its place and the status.
 struct FoundController {
-    tools::Wwn remotePort{};
+    Wwn remotePort{};
     uint16_t place = 0;
     HX_STATUS status = HXMGT_SUCCESS;
     std::optional<NvmeTarget> record = std::nullopt;
@@ -143,7 +133,7 @@ std::string NvmeVersionOf(const NvmeTarget& controller) {
 }
 
 // What a row says in both forms; the other columns are those of controllers alone.
-tools::Fields<ControllerRow> ControllerFields(bool namespaces) {
+Fields<ControllerRow> ControllerFields(bool namespaces) {
     using Row = ControllerRow;
     const auto of = [](auto get) { return Of(&Row::Record, get); };
     const auto column = [namespaces](const char* text) { return namespaces ? "" : text; };
@@ -154,35 +144,34 @@ tools::Fields<ControllerRow> ControllerFields(bool namespaces) {
     };
     constexpr auto kNumber = kInteger.OrNull();
     constexpr auto kTextOrNull = kText.OrNull();
-    constexpr tools::FieldType kBytes = {
-        .base = tools::FieldType::Base::Integer, .nullable = true, .large = true};
+    constexpr FieldType kBytes = {
+        .base = FieldType::Base::Integer, .nullable = true, .large = true};
     return {
         {PortKeys(), &Row::port},
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(),
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
          Of(&Row::found, &FoundController::remotePort), "port name"},
         {"index", "Index", kNumber, Of(&Row::found, &FoundController::place),
          "of the controller at its port"},
         {"controller_id", "Controller", "CONTROLLER", kNumber,
          of(Packed<&NvmeTarget::controllerId>)},
-        {"kind", "Kind", tools::Choice(kNvmeKinds).OrNull(), of([](const NvmeTarget& one) {
+        {"kind", "Kind", Choice(kNvmeKinds).OrNull(), of([](const NvmeTarget& one) {
              return NameAt(kNvmeKinds, one.kind, HX_NVME_KIND_DISCOVERY);
          })},
         {"subsystem_nqn", "Subsystem", column("SUBSYSTEM"), kTextOrNull,
          text(TextOf<&NvmeTarget::subsystemNqn>)},
         {"host_nqn", "Host", kTextOrNull, text(TextOf<&NvmeTarget::hostNqn>)},
-        {"state", "State", column("STATE"), tools::Choice(kNvmeStates).OrNull(),
+        {"state", "State", column("STATE"), Choice(kNvmeStates).OrNull(),
          [](const Row& row) {
              return row.Record() != nullptr ? ControllerStateValue(*row.Record()) : Value();
          }},
         {"model", "Model", kTextOrNull, text(TextOf<&NvmeTarget::model>)},
-        {"serial", "Serial", tools::kSerial.OrNull(), text(TextOf<&NvmeTarget::serial>),
+        {"serial", "Serial", kSerial.OrNull(), text(TextOf<&NvmeTarget::serial>),
          "of the controller"},
         {"firmware", "Firmware", kTextOrNull, text(TextOf<&NvmeTarget::firmware>)},
         {"nvme_version", "NVM Express", kTextOrNull, text(NvmeVersionOf)},
         {"io_queues", "I/O queues", kNumber, of(Packed<&NvmeTarget::ioQueues>)},
         {"queue_depth", "Queue depth", kNumber, of(Packed<&NvmeTarget::queueDepth>)},
-        {"keep_alive_ms", "Keep-alive", tools::Integer("ms").OrNull(),
-         of(Packed<&NvmeTarget::keepAlive>)},
+        {"keep_alive_ms", "Keep-alive", Integer("ms").OrNull(), of(Packed<&NvmeTarget::keepAlive>)},
         {"reconnects", "Reconnects", kNumber, of(Packed<&NvmeTarget::reconnects>)},
         {"namespace_count", "Namespaces", column("NAMESPACES"), kNumber,
          of(Packed<&NvmeTarget::namespaces>)},
@@ -201,11 +190,11 @@ tools::Fields<ControllerRow> ControllerFields(bool namespaces) {
 }
 
 template <bool namespaces>
-const tools::Fields<std::vector<ControllerRow>>& ControllerList() {
+const Fields<std::vector<ControllerRow>>& ControllerList() {
     static const auto kRows = ControllerFields(namespaces);
-    static const auto kFields = tools::ListOf<std::vector<ControllerRow>>(
-        "controllers", "Controllers", kRows,
-        namespaces ? tools::ListLayout::Inner : tools::ListLayout::Table, "no controllers");
+    static const auto kFields = ListOf<std::vector<ControllerRow>>(
+        "controllers", "Controllers", kRows, namespaces ? ListLayout::Inner : ListLayout::Table,
+        "no controllers");
     return kFields;
 }
 
@@ -241,7 +230,7 @@ HX_STATUS FindControllers(PortVisit& visit, std::vector<FoundController>* contro
         for (uint16_t place = 0; place < count; ++place) {
             visit.task.Answered();
             FoundController& found = controllers->emplace_back();
-            found.remotePort = tools::Wwn::Of(remote.portName);
+            found.remotePort = Wwn::Of(remote.portName);
             found.place = place;
             ReadController(visit.Handle(), found);
             if (found.status != HXMGT_SUCCESS && failure == HXMGT_SUCCESS) {
@@ -254,7 +243,7 @@ HX_STATUS FindControllers(PortVisit& visit, std::vector<FoundController>* contro
     return failure;
 }
 
-ExitCode NvmeList(tools::Invocation& invocation) {
+ExitCode NvmeList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto answers = ForEachPort<std::vector<FoundController>>(
         invocation, SelectPorts(invocation, ports), FindControllers);
@@ -275,17 +264,17 @@ ExitCode NvmeList(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows NvmeCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NvmeCommands() {
+    static const Command kCommands[] = {
         {
             .path = "nvme list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the NVMe controllers that the ports reach",
             .schema = "nvme.list",
             .arguments = kNvmeListArguments,
             .run = NvmeList,
             .example = "nvme list --namespaces -p scsi:3",
-            .result = tools::ShapeOf<ControllerList<false>>,
+            .result = ShapeOf<ControllerList<false>>,
         },
     };
     return kCommands;

@@ -1,7 +1,5 @@
 #include "vxmgr/fabric/commands.h"
 
-#include "common/status_codes.h"
-#include "common/text.h"
 #include "formats/scsi_data.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
@@ -13,12 +11,6 @@ namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::Argument;
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kText;
-using tools::ListLayout;
 
 // More than that a driver below 7.05.03 does not move.
 constexpr size_t kLegacyRoom = 4096;
@@ -83,18 +75,17 @@ using DataList = std::optional<std::vector<HexRow>>;
 
 // A result that begins with the unit's port.
 template <class Result>
-struct UnitReport : tools::GrowingResult<Result> {
-    UnitReport(tools::Invocation& invocation, const ScsiUnit& unit,
-               const tools::Fields<Result>& fields)
-        : tools::GrowingResult<Result>(invocation.Result(), fields) {
+struct UnitReport : GrowingResult<Result> {
+    UnitReport(Invocation& invocation, const ScsiUnit& unit, const Fields<Result>& fields)
+        : GrowingResult<Result>(invocation.Result(), fields) {
         this->port = &unit.Session().port;
     }
 };
 
 // A table of a command's result: its own fields between those that every one has.
 template <class Result>
-tools::Fields<Result> UnitFields(std::initializer_list<tools::FieldRow<Result>> own) {
-    std::vector<tools::FieldRow<Result>> rows = {{PortKeys(kNoPortKey), &Result::port}};
+Fields<Result> UnitFields(std::initializer_list<FieldRow<Result>> own) {
+    std::vector<FieldRow<Result>> rows = {{PortKeys(kNoPortKey), &Result::port}};
     rows.insert(rows.end(), own);
     rows.push_back({"sense", "Sense data", SenseFields(), &Result::sense,
                     "when the unit answered with a check condition"});
@@ -107,7 +98,7 @@ struct InquiryResult : UnitResult {
     DataList data;
 };
 
-const tools::Fields<InquiryResult>& InquiryResultFields() {
+const Fields<InquiryResult>& InquiryResultFields() {
     static const auto kFields = UnitFields<InquiryResult>({
         {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
         {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
@@ -121,7 +112,7 @@ struct CapacityResult : UnitResult {
     std::optional<Capacity> capacity;
 };
 
-const tools::Fields<CapacityResult>& CapacityResultFields() {
+const Fields<CapacityResult>& CapacityResultFields() {
     static const auto kFields =
         UnitFields<CapacityResult>({{CapacityFields(), &CapacityResult::capacity}});
     return kFields;
@@ -133,7 +124,7 @@ struct LunsResult : UnitResult {
     std::optional<bool> truncated;
 };
 
-const tools::Fields<LunsResult>& LunsResultFields() {
+const Fields<LunsResult>& LunsResultFields() {
     static const auto kFields = UnitFields<LunsResult>({
         {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, ListLayout::Table,
          "no logical units"},
@@ -152,13 +143,13 @@ struct RawResult : UnitResult {
     DataList data;
 };
 
-const tools::Fields<RawResult>& RawResultFields() {
+const Fields<RawResult>& RawResultFields() {
     const auto status = [](const RawResult& raw) {
-        return raw.status ? tools::StatusName(*raw.status) : std::string();
+        return raw.status ? StatusName(*raw.status) : std::string();
     };
     static const auto kFields = UnitFields<RawResult>({
         {"cdb", "CDB", kText, [](const RawResult& raw) { return HexDigits(raw.cdb); }},
-        {"sent", "Data sent", tools::Integer("bytes"), &RawResult::sent},
+        {"sent", "Data sent", Integer("bytes"), &RawResult::sent},
         {"status", "Status", kText.OrAbsent(), status, "none of a dry run"},
         {"file", "File", kText.OrAbsent(), &RawResult::file},
         {"data", "Data", HexRowFields(), &RawResult::data, ListLayout::Table, "no data"},
@@ -166,7 +157,7 @@ const tools::Fields<RawResult>& RawResultFields() {
     return kFields;
 }
 
-ExitCode StandardInquiry(tools::Invocation& invocation, ScsiUnit& unit, InquiryResult& result) {
+ExitCode StandardInquiry(Invocation& invocation, ScsiUnit& unit, InquiryResult& result) {
     constexpr uint8_t kRoom = 255;
     const uint8_t cdb[6] = {kInquiry, 0, 0, 0, kRoom, 0};
     const ScsiReply reply = unit.Send(cdb, kRoom);
@@ -178,17 +169,17 @@ ExitCode StandardInquiry(tools::Invocation& invocation, ScsiUnit& unit, InquiryR
     return ExitCode::Done;
 }
 
-ExitCode VitalProductData(tools::Invocation& invocation, ScsiUnit& unit, uint8_t page,
+ExitCode VitalProductData(Invocation& invocation, ScsiUnit& unit, uint8_t page,
                           InquiryResult& result) {
     constexpr uint8_t kEnableVpd = 1;
     const uint8_t cdb[6] = {kInquiry, kEnableVpd, page, Low(kLegacyRoom >> 8), Low(kLegacyRoom), 0};
     const ScsiReply reply = unit.Send(cdb, kLegacyRoom);
     if (reply.status != HXMGT_SUCCESS) {
-        return unit.Fails(reply, "INQUIRY of page " + tools::Hex(page, 2), result);
+        return unit.Fails(reply, "INQUIRY of page " + Hex(page, 2), result);
     }
     if (reply.data[1] != page) {
         invocation.Fail(ExitCode::NotSupported,
-                        "the unit answered with page " + tools::Hex(reply.data[1], 2),
+                        "the unit answered with page " + Hex(reply.data[1], 2),
                         "`scsi inquiry --page 0` shows the pages that it has");
     }
     result.vpd = DecodeScsiVpd(reply.data);
@@ -202,7 +193,7 @@ bool IsHarmless(uint8_t operation) {
     return std::find(std::begin(kHarmless), std::end(kHarmless), operation) != std::end(kHarmless);
 }
 
-std::vector<uint8_t> GivenCdb(tools::Invocation& invocation) {
+std::vector<uint8_t> GivenCdb(Invocation& invocation) {
     constexpr size_t kLongestCdb = 255;
     std::string text;
     for (const std::string& word : invocation.Given().All("CDB")) {
@@ -216,7 +207,7 @@ std::vector<uint8_t> GivenCdb(tools::Invocation& invocation) {
     return cdb;
 }
 
-ExitCode ScsiInquiry(tools::Invocation& invocation) {
+ExitCode ScsiInquiry(Invocation& invocation) {
     ScsiUnit unit(invocation);
     UnitReport<InquiryResult> result(invocation, unit, InquiryResultFields());
     const auto page = invocation.Given().Number("page");
@@ -224,7 +215,7 @@ ExitCode ScsiInquiry(tools::Invocation& invocation) {
                 : StandardInquiry(invocation, unit, result);
 }
 
-ExitCode ScsiCapacity(tools::Invocation& invocation) {
+ExitCode ScsiCapacity(Invocation& invocation) {
     ScsiUnit unit(invocation);
     UnitReport<CapacityResult> result(invocation, unit, CapacityResultFields());
     constexpr size_t kShort = 8;
@@ -245,7 +236,7 @@ ExitCode ScsiCapacity(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode ScsiLuns(tools::Invocation& invocation) {
+ExitCode ScsiLuns(Invocation& invocation) {
     ScsiUnit unit(invocation);
     UnitReport<LunsResult> result(invocation, unit, LunsResultFields());
     ScsiReply reply = unit.ReportLuns(kLegacyRoom);
@@ -271,9 +262,9 @@ ExitCode ScsiLuns(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode ScsiRaw(tools::Invocation& invocation) {
+ExitCode ScsiRaw(Invocation& invocation) {
     const std::vector<uint8_t> cdb = GivenCdb(invocation);
-    const tools::Options& given = invocation.Given();
+    const Options& given = invocation.Given();
     const bool sends = given.Has("data-file");
     if (sends && given.Has("in")) {
         invocation.Fail(ExitCode::Usage, "--in and --data-file exclude each other",
@@ -325,47 +316,47 @@ ExitCode ScsiRaw(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows ScsiCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows ScsiCommands() {
+    static const Command kCommands[] = {
         {
             .path = "scsi inquiry",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "ask a logical unit what it is",
             .schema = "scsi.inquiry",
             .arguments = kInquiryArguments,
             .run = ScsiInquiry,
             .example = "scsi inquiry --page 0x83 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<InquiryResultFields>,
+            .result = ShapeOf<InquiryResultFields>,
         },
         {
             .path = "scsi capacity",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "ask a logical unit for its capacity",
             .schema = "scsi.capacity",
             .arguments = kUnitArguments,
             .run = ScsiCapacity,
             .example = "scsi capacity -t 0:0 --lun 1 -p scsi:3",
-            .result = tools::ShapeOf<CapacityResultFields>,
+            .result = ShapeOf<CapacityResultFields>,
         },
         {
             .path = "scsi luns",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the logical units of a target",
             .schema = "scsi.luns",
             .arguments = kTargetArguments,
             .run = ScsiLuns,
             .example = "scsi luns -t 0:0 -p scsi:3",
-            .result = tools::ShapeOf<LunsResultFields>,
+            .result = ShapeOf<LunsResultFields>,
         },
         {
             .path = "scsi raw",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "send a SCSI command; asks unless it only reads",
             .schema = "scsi.raw",
             .arguments = kRawArguments,
             .run = ScsiRaw,
             .example = "scsi raw 12 00 00 00 24 00 --in 36 -t 0:0 -p scsi:3",
-            .result = tools::ShapeOf<RawResultFields>,
+            .result = ShapeOf<RawResultFields>,
         },
     };
     return kCommands;

@@ -1,6 +1,5 @@
 #include "vxmgr/fabric/scsi_inquiry.h"
 
-#include "common/text.h"
 #include "formats/scsi_data.h"
 #include "vxmgr/app/code_text.h"
 
@@ -8,9 +7,6 @@ namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::kFlag;
-using tools::kText;
-using tools::Value;
 
 constexpr CodeText kTypes[] = {
     {0x00, "disk"},
@@ -64,7 +60,7 @@ constexpr CodeText kAssociations[] = {
 };
 
 std::string TextOf(Bytes bytes) {
-    return tools::FieldText(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return FieldText(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
 // Identifiers name the unit as serial numbers do, and are masked with them.
@@ -76,10 +72,10 @@ Value IdentifierValue(const Designator& designator) {
     if ((designator.head.codeSet & 0x0F) != kBinary) {
         return Value::Serial(TextOf(bytes));
     }
-    if (designator.Type() == kNaa && bytes.size() == sizeof(tools::Wwn::bytes)) {
+    if (designator.Type() == kNaa && bytes.size() == sizeof(Wwn::bytes)) {
         uint8_t name[8];
         std::memcpy(name, bytes.data(), sizeof name);
-        return Value::Name(tools::Wwn::Of(name));
+        return Value::Name(Wwn::Of(name));
     }
     return Value::Serial(HexDigits(bytes));
 }
@@ -95,32 +91,32 @@ std::vector<Designator> DesignatorsOf(Bytes body) {
     return designators;
 }
 
-const tools::Fields<uint8_t>& PageFields() {
-    static const tools::Fields<uint8_t> kFields = {
-        {"page", "Page", "PAGE", kText, [](uint8_t page) { return tools::Hex(page, 2); }},
+const Fields<uint8_t>& PageFields() {
+    static const Fields<uint8_t> kFields = {
+        {"page", "Page", "PAGE", kText, [](uint8_t page) { return Hex(page, 2); }},
         {"name", "Name", "NAME", kText.OrNull(), VpdPageName},
     };
     return kFields;
 }
 
-const tools::Fields<Designator>& DesignatorFields() {
+const Fields<Designator>& DesignatorFields() {
     const auto association = [](const Designator& d) {
         return TextOfCode(kAssociations, d.head.association >> 4 & 3, "reserved");
     };
     const auto typeText = [](const Designator& d) {
-        return TextOfCode(kDesignators, d.Type(), "type " + tools::Hex(d.Type(), 1));
+        return TextOfCode(kDesignators, d.Type(), "type " + Hex(d.Type(), 1));
     };
-    static const tools::Fields<Designator> kFields = {
+    static const Fields<Designator> kFields = {
         {"association", "Names the", "NAMES THE", kText, association},
         {"type", "Type", "TYPE", kText, typeText},
-        {"identifier", "Identifier", "IDENTIFIER", tools::kSerial.OrNull(), IdentifierValue},
+        {"identifier", "Identifier", "IDENTIFIER", kSerial.OrNull(), IdentifierValue},
     };
     return kFields;
 }
 
 template <auto member>
 std::string FieldOf(const InquiryData& inquiry) {
-    return tools::FieldText(inquiry.*member, sizeof(inquiry.*member));
+    return FieldText(inquiry.*member, sizeof(inquiry.*member));
 }
 
 template <auto member, uint8_t bits>
@@ -131,7 +127,7 @@ bool IsSet(const InquiryData& inquiry) {
 }  // namespace
 
 std::string DeviceTypeName(uint8_t type) {
-    return TextOfCode(kTypes, type & 0x1F, "type " + tools::Hex(type & 0x1F, 2));
+    return TextOfCode(kTypes, type & 0x1F, "type " + Hex(type & 0x1F, 2));
 }
 
 std::string VpdPageName(uint8_t page) {
@@ -151,16 +147,16 @@ InquiryData DecodeInquiry(Bytes data) {
     return Padded<InquiryData>(Part(data, 0, InquiryLength(data)));
 }
 
-const tools::Fields<InquiryData>& InquiryFields() {
+const Fields<InquiryData>& InquiryFields() {
     const auto presence = [](const InquiryData& inquiry) {
         const uint8_t code = inquiry.peripheral >> 5;
-        return Value::Text(TextOfCode(kQualifiers, code, "qualifier " + tools::Hex(code, 1)))
-            .In(code == 0 ? tools::Tone::Good : tools::Tone::Warning);
+        return Value::Text(TextOfCode(kQualifiers, code, "qualifier " + Hex(code, 1)))
+            .In(code == 0 ? Tone::Good : Tone::Warning);
     };
     const auto standard = [](const InquiryData& inquiry) {
-        return TextOfCode(kVersions, inquiry.version, tools::Hex(inquiry.version, 2));
+        return TextOfCode(kVersions, inquiry.version, Hex(inquiry.version, 2));
     };
-    static const tools::Fields<InquiryData> kFields = {
+    static const Fields<InquiryData> kFields = {
         {"device_type", "Device type", kText,
          [](const InquiryData& inquiry) { return DeviceTypeName(inquiry.peripheral); }},
         {"qualifier", "Presence", kText, presence},
@@ -190,20 +186,19 @@ ScsiVpdPage DecodeScsiVpd(Bytes data) {
     return page;
 }
 
-const tools::Fields<ScsiVpdPage>& ScsiVpdFields() {
-    static const tools::Fields<ScsiVpdPage> kFields = {
-        {"page", "Page", kText,
-         [](const ScsiVpdPage& vpd) { return tools::Hex(vpd.head.page, 2); }},
+const Fields<ScsiVpdPage>& ScsiVpdFields() {
+    static const Fields<ScsiVpdPage> kFields = {
+        {"page", "Page", kText, [](const ScsiVpdPage& vpd) { return Hex(vpd.head.page, 2); }},
         {"name", "Name", kText.OrNull(),
          [](const ScsiVpdPage& vpd) { return VpdPageName(vpd.head.page); }},
         {"device_type", "Device type", kText,
          [](const ScsiVpdPage& vpd) { return DeviceTypeName(vpd.head.peripheral); }},
-        {"length", "Length", tools::Integer("bytes"),
+        {"length", "Length", Integer("bytes"),
          [](const ScsiVpdPage& vpd) { return BigEndian(vpd.head.length); }},
-        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, tools::ListLayout::Table, "no pages"},
-        {"serial", "Serial number", tools::kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
+        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, ListLayout::Table, "no pages"},
+        {"serial", "Serial number", kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
         {"identifiers", "Identifiers", DesignatorFields(), &ScsiVpdPage::identifiers,
-         tools::ListLayout::Table, "no identifiers"},
+         ListLayout::Table, "no identifiers"},
     };
     return kFields;
 }

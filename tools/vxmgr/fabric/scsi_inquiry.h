@@ -17,7 +17,7 @@ std::string VpdPageName(uint8_t page);
 
 // What the data claims to have; zero behind that.
 formats::InquiryData DecodeInquiry(Bytes data);
-const tools::Fields<formats::InquiryData>& InquiryFields();
+const Fields<formats::InquiryData>& InquiryFields();
 
 struct Designator {
     formats::DesignatorHead head;
@@ -35,7 +35,7 @@ struct ScsiVpdPage {
     std::optional<std::vector<Designator>> identifiers;
 };
 ScsiVpdPage DecodeScsiVpd(Bytes data);
-const tools::Fields<ScsiVpdPage>& ScsiVpdFields();
+const Fields<ScsiVpdPage>& ScsiVpdFields();
 
 // How many bytes the data claims to have, its header with it.
 size_t VpdLength(Bytes data);

@@ -2,14 +2,12 @@
 
 #include <cstdio>
 
-#include "common/text.h"
 #include "formats/scsi_data.h"
 
 namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::kText;
 
 constexpr uint8_t kValid = 0x80;
 constexpr uint8_t kResponseMask = 0x7F;
@@ -169,8 +167,8 @@ std::string AdditionalSenseText(uint8_t code, uint8_t qualifier) {
             return row.text;
         }
     }
-    return (code >= 0x80 || qualifier >= 0x80 ? "vendor specific code " : "code ") +
-           tools::Hex(code, 2) + ", qualifier " + tools::Hex(qualifier, 2);
+    return (code >= 0x80 || qualifier >= 0x80 ? "vendor specific code " : "code ") + Hex(code, 2) +
+           ", qualifier " + Hex(qualifier, 2);
 }
 
 std::string SenseText(const Sense& sense) {
@@ -178,18 +176,18 @@ std::string SenseText(const Sense& sense) {
            " (" + Codes(sense) + ")" + (sense.deferred ? ", of an earlier command" : "");
 }
 
-const tools::Fields<Sense>& SenseFields() {
-    static const tools::Fields<Sense> kFields = {
-        {"key", "Sense key", tools::Hexadecimal(1), &Sense::key},
+const Fields<Sense>& SenseFields() {
+    static const Fields<Sense> kFields = {
+        {"key", "Sense key", Hexadecimal(1), &Sense::key},
         {"key_name", "Key name", kText, [](const Sense& s) { return SenseKeyName(s.key); }},
-        {"asc", "Additional code", tools::Hexadecimal(2), &Sense::code},
-        {"ascq", "Qualifier", tools::Hexadecimal(2), &Sense::qualifier},
+        {"asc", "Additional code", Hexadecimal(2), &Sense::code},
+        {"ascq", "Qualifier", Hexadecimal(2), &Sense::qualifier},
         {"meaning", "Meaning", kText,
          [](const Sense& s) { return AdditionalSenseText(s.code, s.qualifier); }},
-        {"deferred", "Of an earlier command", tools::kFlag, &Sense::deferred},
+        {"deferred", "Of an earlier command", kFlag, &Sense::deferred},
         {"format", "Format", kText,
          [](const Sense& s) { return s.descriptorFormat ? "descriptor" : "fixed"; }},
-        {"information", "Information", tools::Hexadecimal(8).OrNull(), &Sense::information},
+        {"information", "Information", Hexadecimal(8).OrNull(), &Sense::information},
     };
     return kFields;
 }

@@ -28,6 +28,6 @@ std::string AdditionalSenseText(uint8_t code, uint8_t qualifier);
 // "illegal request: invalid field in CDB (5/24/00)"
 std::string SenseText(const Sense& sense);
 
-const tools::Fields<Sense>& SenseFields();
+const Fields<Sense>& SenseFields();
 
 }  // namespace vxmgr

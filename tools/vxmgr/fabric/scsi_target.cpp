@@ -2,14 +2,13 @@
 
 #include <cstring>
 
-#include "common/text.h"
-#include "common/wwn.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {
 
 bool ParseName(std::string_view text, HX_SCSI_ADDRESS* address) {
-    const auto name = tools::Wwn::Parse(text);
+    const auto name = Wwn::Parse(text);
     if (name) {
         address->type = HX_ADDRESS_PORT_NAME;
         std::memcpy(address->address, name->bytes.data(), sizeof address->address);
@@ -19,7 +18,7 @@ bool ParseName(std::string_view text, HX_SCSI_ADDRESS* address) {
 
 bool ParseId(std::string_view text, HX_SCSI_ADDRESS* address) {
     constexpr uint64_t kHighest = 0xFFFFFF;
-    const auto id = tools::ParseNumber(text);
+    const auto id = ParseNumber(text);
     if (!id || *id > kHighest) {
         return false;
     }
@@ -31,13 +30,13 @@ bool ParseId(std::string_view text, HX_SCSI_ADDRESS* address) {
 }
 
 bool ParseBusAndTarget(std::string_view text, HX_SCSI_ADDRESS* address) {
-    const auto parts = tools::Split(text, ':');
+    const auto parts = Split(text, ':');
     if (parts.size() != 2) {
         return false;
     }
     uint16_t numbers[2];
     for (size_t i = 0; i < 2; ++i) {
-        const auto number = tools::ParseNumber(parts[i]);
+        const auto number = ParseNumber(parts[i]);
         if (!number || *number > UINT16_MAX) {
             return false;
         }

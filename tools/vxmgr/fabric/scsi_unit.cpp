@@ -12,19 +12,19 @@ constexpr uint8_t kFixedFormat = 0x70;
 
 }  // namespace
 
-HX_SCSI_ADDRESS GivenTarget(tools::Invocation& invocation) {
+HX_SCSI_ADDRESS GivenTarget(Invocation& invocation) {
     const std::string text = invocation.Given().Text("target");
     HX_SCSI_ADDRESS address{};
     std::string error;
     if (!ParseTarget(text, &address, &error)) {
-        invocation.Fail(tools::ExitCode::Usage, "--target " + text + ": " + error,
+        invocation.Fail(ExitCode::Usage, "--target " + text + ": " + error,
                         "`fc names` shows the remote ports");
     }
     address.lun = static_cast<uint16_t>(invocation.Given().Number("lun").value_or(0));
     return address;
 }
 
-ScsiUnit::ScsiUnit(tools::Invocation& invocation)
+ScsiUnit::ScsiUnit(Invocation& invocation)
     : invocation_(invocation),
       address_(GivenTarget(invocation)),
       session_(OpenSelectedPort(invocation)) {}
@@ -57,10 +57,9 @@ ScsiReply ScsiUnit::ReportLuns(size_t room) {
     return ReplyOf(status, std::move(data), sense);
 }
 
-tools::ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text,
-                                UnitResult& result) {
+ExitCode ScsiUnit::Fails(const ScsiReply& reply, const std::string& text, UnitResult& result) {
     result.sense = reply.sense;
-    const tools::CommandError error = RemoteFailure(
+    const CommandError error = RemoteFailure(
         session_, reply.status, reply.sense ? text + ": " + SenseText(*reply.sense) : text);
     invocation_.Add(error.message);
     return error.exit;

@@ -9,19 +9,19 @@
 
 namespace vxmgr {
 
-inline constexpr tools::Argument kTargetArgument = {
+inline constexpr Argument kTargetArgument = {
     .name = "-t,--target",
     .valueName = "TARGET",
     .help = "remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET",
     .required = true};
-inline constexpr tools::Argument kLunArgument = {.name = "--lun",
-                                                 .kind = tools::ArgumentKind::Number,
-                                                 .valueName = "N",
-                                                 .help = "logical unit number (0)",
-                                                 .most = UINT16_MAX};
+inline constexpr Argument kLunArgument = {.name = "--lun",
+                                          .kind = ArgumentKind::Number,
+                                          .valueName = "N",
+                                          .help = "logical unit number (0)",
+                                          .most = UINT16_MAX};
 
 // The address that -t and --lun give; ends the command when they are wrong.
-HX_SCSI_ADDRESS GivenTarget(tools::Invocation& invocation);
+HX_SCSI_ADDRESS GivenTarget(Invocation& invocation);
 
 struct ScsiReply {
     HX_STATUS status = HXMGT_SUCCESS;
@@ -38,7 +38,7 @@ struct UnitResult {
 
 class ScsiUnit {
   public:
-    explicit ScsiUnit(tools::Invocation& invocation);
+    explicit ScsiUnit(Invocation& invocation);
 
     const PortSession& Session() const { return session_; }
     bool IsLegacy() const { return !session_.port.IsCurrentGeneration(); }
@@ -47,12 +47,12 @@ class ScsiUnit {
     ScsiReply ReportLuns(size_t room);
 
     // Puts the sense data into the result and reports the status; the command's exit code.
-    tools::ExitCode Fails(const ScsiReply& reply, const std::string& text, UnitResult& result);
+    ExitCode Fails(const ScsiReply& reply, const std::string& text, UnitResult& result);
 
   private:
     static ScsiReply ReplyOf(HX_STATUS status, std::vector<uint8_t> data, Bytes sense);
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     const HX_SCSI_ADDRESS address_;
     const PortSession session_;
 };

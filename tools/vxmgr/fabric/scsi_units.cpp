@@ -7,7 +7,6 @@ namespace vxmgr {
 namespace {
 
 using namespace formats;
-using tools::Value;
 
 template <typename Layout>
 std::optional<Capacity> Decode(Bytes data) {
@@ -44,16 +43,16 @@ bool NeedsLongForm(const Capacity& capacity) {
     return capacity.lastBlock == UINT32_MAX;
 }
 
-const tools::Fields<Capacity>& CapacityFields() {
+const Fields<Capacity>& CapacityFields() {
     const auto total = [](const Capacity& capacity) {
         const auto bytes = capacity.TotalBytes();
         return bytes ? Value::Number(*bytes).Shown(SizeText(*bytes)) : Value();
     };
-    static const tools::Fields<Capacity> kFields = {
-        {"bytes", "Capacity", tools::kCounter.OrNull(), total},
-        {"blocks", "Blocks", tools::kCounter.OrNull(), &Capacity::Blocks},
-        {"block_size", "Block size", tools::Integer("bytes"), &Capacity::blockBytes},
-        {"last_block", "Last block", tools::kCounter, &Capacity::lastBlock},
+    static const Fields<Capacity> kFields = {
+        {"bytes", "Capacity", kCounter.OrNull(), total},
+        {"blocks", "Blocks", kCounter.OrNull(), &Capacity::Blocks},
+        {"block_size", "Block size", Integer("bytes"), &Capacity::blockBytes},
+        {"last_block", "Last block", kCounter, &Capacity::lastBlock},
     };
     return kFields;
 }
@@ -85,11 +84,11 @@ std::vector<LunEntry> DecodeLuns(Bytes list) {
     return entries;
 }
 
-const tools::Fields<LunEntry>& LunEntryFields() {
-    static const tools::Fields<LunEntry> kFields = {
-        {"lun", "LUN", "LUN", tools::kInteger.OrNull(), &LunEntry::lun},
-        {"method", "Addressing", "ADDRESSING", tools::kText.OrNull(), &LunEntry::method},
-        {"address", "Address", "ADDRESS", tools::kText.OrNull(), &LunEntry::address},
+const Fields<LunEntry>& LunEntryFields() {
+    static const Fields<LunEntry> kFields = {
+        {"lun", "LUN", "LUN", kInteger.OrNull(), &LunEntry::lun},
+        {"method", "Addressing", "ADDRESSING", kText.OrNull(), &LunEntry::method},
+        {"address", "Address", "ADDRESS", kText.OrNull(), &LunEntry::address},
     };
     return kFields;
 }

@@ -22,7 +22,7 @@ std::optional<Capacity> DecodeCapacity10(Bytes data);
 std::optional<Capacity> DecodeCapacity16(Bytes data);
 bool NeedsLongForm(const Capacity& capacity);
 
-const tools::Fields<Capacity>& CapacityFields();
+const Fields<Capacity>& CapacityFields();
 
 // The bytes that the whole list takes, its header with it.
 uint64_t LunListLength(Bytes list);
@@ -34,6 +34,6 @@ struct LunEntry {
     std::string address;  // sixteen digits
 };
 std::vector<LunEntry> DecodeLuns(Bytes list);
-const tools::Fields<LunEntry>& LunEntryFields();
+const Fields<LunEntry>& LunEntryFields();
 
 }  // namespace vxmgr

@@ -1,10 +1,10 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows HbaapiCommands();
+CommandRows HbaapiCommands();
 
 }  // namespace vxmgr

@@ -16,15 +16,13 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
-tools::Identity IdentityOf(const HbaAdapter& adapter) {
-    tools::Identity identity;
+Identity IdentityOf(const HbaAdapter& adapter) {
+    Identity identity;
     identity.index = adapter.index;
     identity.serial = HbaSerial(adapter);
     const HBA_PORTATTRIBUTES& port = adapter.port.record;
     if (adapter.port.Holds()) {
-        identity.names = {tools::Wwn::Of(port.PortWWN.wwn), tools::Wwn::Of(port.NodeWWN.wwn)};
+        identity.names = {Wwn::Of(port.PortWWN.wwn), Wwn::Of(port.NodeWWN.wwn)};
         if (const auto scsiPort = ScsiPortOfDevice(port.OSDeviceName, sizeof port.OSDeviceName)) {
             identity.scsiPorts.push_back(*scsiPort);
         }
@@ -33,9 +31,9 @@ tools::Identity IdentityOf(const HbaAdapter& adapter) {
 }
 
 // Here an adapter is a port: -a and -p choose among the same.
-std::vector<HbaAdapter> Selected(tools::Invocation& invocation, std::vector<HbaAdapter> adapters) {
+std::vector<HbaAdapter> Selected(Invocation& invocation, std::vector<HbaAdapter> adapters) {
     for (const char* option : {"adapter", "port"}) {
-        std::vector<tools::Identity> identities;
+        std::vector<Identity> identities;
         for (const HbaAdapter& adapter : adapters) {
             identities.push_back(IdentityOf(adapter));
         }
@@ -48,7 +46,7 @@ std::vector<HbaAdapter> Selected(tools::Invocation& invocation, std::vector<HbaA
     return adapters;
 }
 
-ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapter>& adapters) {
+ExitCode ReportFailed(Invocation& invocation, const std::vector<HbaAdapter>& adapters) {
     size_t failed = 0;
     ExitCode first = ExitCode::Done;
     for (const HbaAdapter& adapter : adapters) {
@@ -58,7 +56,7 @@ ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapte
         const auto failure = adapter.Failure();
         const bool cannot = failure == HBA_STATUS_ERROR_NOT_SUPPORTED;
         first = failed++ != 0 ? first : cannot ? ExitCode::NotSupported : ExitCode::Failed;
-        invocation.Add({tools::Severity::Error,
+        invocation.Add({Severity::Error,
                         adapter.name + (failure ? ": " + HbaStatusText(*failure)
                                                 : ": the adapter cannot be opened"),
                         "`port show` asks the management API, which says more",
@@ -70,7 +68,7 @@ ExitCode ReportFailed(tools::Invocation& invocation, const std::vector<HbaAdapte
 
 // The standard API counts its adapters anew for each that is opened, port after port, and would
 // wait every time for one that does not answer.
-std::vector<Port> PortsThatAllAnswer(tools::Invocation& invocation) {
+std::vector<Port> PortsThatAllAnswer(Invocation& invocation) {
     std::vector<Port> ports = ReadPorts(invocation);
     for (const Port& port : ports) {
         if (port.failure == HXMGT_TIMED_OUT) {
@@ -83,16 +81,16 @@ std::vector<Port> PortsThatAllAnswer(tools::Invocation& invocation) {
 }
 
 void FindManagedPort(const std::vector<Port>& ports, HbaAdapter& adapter) {
-    const tools::Wwn name = tools::Wwn::Of(adapter.port.record.PortWWN.wwn);
+    const Wwn name = Wwn::Of(adapter.port.record.PortWWN.wwn);
     for (const Port& port : ports) {
-        if (adapter.port.Holds() && port.port && tools::Wwn::Of(port.port->portName) == name) {
+        if (adapter.port.Holds() && port.port && Wwn::Of(port.port->portName) == name) {
             adapter.managedPort = port.index;
         }
     }
 }
 
 // Each open counts the adapters anew, mostly waiting for drivers: some at a time.
-std::vector<HbaAdapter> ReadAdapters(tools::Invocation& invocation,
+std::vector<HbaAdapter> ReadAdapters(Invocation& invocation,
                                      const std::shared_ptr<VendorLibrary>& library,
                                      std::span<const HBA_UINT32> indexes, HbaDepth depth) {
     constexpr size_t kAtATime = 8;
@@ -126,18 +124,17 @@ std::vector<HbaAdapter> ReadAdapters(tools::Invocation& invocation,
 
 using HbaAdapters = std::vector<HbaAdapter>;
 
-template <const tools::Fields<HbaAdapter>& (*fields)(), tools::ListLayout layout>
-const tools::Fields<HbaAdapters>& HbaAdaptersFields() {
-    static const tools::Fields<HbaAdapters> kFields = {
+template <const Fields<HbaAdapter>& (*fields)(), ListLayout layout>
+const Fields<HbaAdapters>& HbaAdaptersFields() {
+    static const Fields<HbaAdapters> kFields = {
         {"adapters", "Adapters", fields(), std::identity(), layout, "No adapters."},
     };
     return kFields;
 }
-constexpr auto HbaListFields = HbaAdaptersFields<HbaSummaryFields, tools::ListLayout::Table>;
-constexpr auto HbaShowFields = HbaAdaptersFields<HbaDetailFields, tools::ListLayout::Sections>;
+constexpr auto HbaListFields = HbaAdaptersFields<HbaSummaryFields, ListLayout::Table>;
+constexpr auto HbaShowFields = HbaAdaptersFields<HbaDetailFields, ListLayout::Sections>;
 
-ExitCode Show(tools::Invocation& invocation, HbaDepth depth,
-              const tools::Fields<HbaAdapters>& fields) {
+ExitCode Show(Invocation& invocation, HbaDepth depth, const Fields<HbaAdapters>& fields) {
     const auto file = OwnLibraryFile();
     if (!file) {
         invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program");
@@ -169,18 +166,18 @@ ExitCode Show(tools::Invocation& invocation, HbaDepth depth,
     return ReportFailed(invocation, adapters);
 }
 
-ExitCode HbaList(tools::Invocation& invocation) {
+ExitCode HbaList(Invocation& invocation) {
     return Show(invocation, HbaDepth::Attributes, HbaListFields());
 }
 
-ExitCode HbaShow(tools::Invocation& invocation) {
+ExitCode HbaShow(Invocation& invocation) {
     return Show(invocation, HbaDepth::Everything, HbaShowFields());
 }
 
 // The entry by which the common library of the standard HBA API finds this vendor's.
 using File = std::optional<std::string>;
 
-File Registered(tools::Invocation& invocation) {
+File Registered(Invocation& invocation) {
     File file;
     if (const uint32_t error = ReadRegisteredFile(&file); error != 0) {
         invocation.Fail(error, "the registry entry cannot be read", RegistrationKey());
@@ -193,20 +190,19 @@ struct Registration {
     File file;
 };
 
-const tools::Fields<Registration>& RegistrationFields() {
-    static const tools::Fields<Registration> kFields = {
-        {"key", "Registry key", tools::kText,
-         [](const Registration&) { return RegistrationKey(); }},
-        {"value_name", "Value", tools::kText, [](const Registration&) { return kRegisteredValue; }},
-        {"previous", "Before", tools::kText.OrNull(), &Registration::previous,
+const Fields<Registration>& RegistrationFields() {
+    static const Fields<Registration> kFields = {
+        {"key", "Registry key", kText, [](const Registration&) { return RegistrationKey(); }},
+        {"value_name", "Value", kText, [](const Registration&) { return kRegisteredValue; }},
+        {"previous", "Before", kText.OrNull(), &Registration::previous,
          "null: none was registered"},
-        {"file", "Library", tools::kText.OrNull(), &Registration::file, "what is registered now"},
+        {"file", "Library", kText.OrNull(), &Registration::file, "what is registered now"},
     };
     return kFields;
 }
 
 // Brings the entry from what it is to what it is to be.
-ExitCode ChangeRegistration(tools::Invocation& invocation, const File& wanted) {
+ExitCode ChangeRegistration(Invocation& invocation, const File& wanted) {
     const File before = Registered(invocation);
     const bool needed = before != wanted;
     if (needed && !invocation.DryRun()) {
@@ -229,7 +225,7 @@ ExitCode ChangeRegistration(tools::Invocation& invocation, const File& wanted) {
     return ExitCode::Done;
 }
 
-ExitCode HbaRegister(tools::Invocation& invocation) {
+ExitCode HbaRegister(Invocation& invocation) {
     const File own = OwnLibraryFile();
     if (!own) {
         invocation.Fail(ExitCode::NotFound, "there is no VXMGMT.DLL beside this program",
@@ -238,49 +234,49 @@ ExitCode HbaRegister(tools::Invocation& invocation) {
     return ChangeRegistration(invocation, own);
 }
 
-ExitCode HbaUnregister(tools::Invocation& invocation) {
+ExitCode HbaUnregister(Invocation& invocation) {
     return ChangeRegistration(invocation, std::nullopt);
 }
 
 }  // namespace
 
-tools::CommandRows HbaapiCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows HbaapiCommands() {
+    static const Command kCommands[] = {
         {
             .path = "hbaapi list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the adapters as the standard HBA API has them",
             .schema = "hbaapi.list",
             .run = HbaList,
             .example = "hbaapi list",
-            .result = tools::ShapeOf<HbaListFields>,
+            .result = ShapeOf<HbaListFields>,
         },
         {
             .path = "hbaapi show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show all that the standard HBA API tells",
             .schema = "hbaapi.show",
             .run = HbaShow,
             .example = "hbaapi show -p scsi:3",
-            .result = tools::ShapeOf<HbaShowFields>,
+            .result = ShapeOf<HbaShowFields>,
         },
         {
             .path = "hbaapi register",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "have the common library of the HBA API find this one",
             .schema = "hbaapi.registration",
             .run = HbaRegister,
             .example = "hbaapi register",
-            .result = tools::ShapeOf<RegistrationFields>,
+            .result = ShapeOf<RegistrationFields>,
         },
         {
             .path = "hbaapi unregister",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "take that registration back",
             .schema = "hbaapi.registration",
             .run = HbaUnregister,
             .example = "hbaapi unregister",
-            .result = tools::ShapeOf<RegistrationFields>,
+            .result = ShapeOf<RegistrationFields>,
         },
     };
     return kCommands;

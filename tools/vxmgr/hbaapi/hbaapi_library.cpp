@@ -63,7 +63,7 @@ std::optional<std::string> OwnLibraryFile() {
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;
     }
-    return tools::console::ToUtf8(file);
+    return console::ToUtf8(file);
 }
 
 VendorLibrary::~VendorLibrary() {
@@ -76,9 +76,9 @@ VendorLibrary::~VendorLibrary() {
 }
 
 bool VendorLibrary::Load(const std::string& file, std::string* error) {
-    module_ = LoadLibraryW(tools::console::ToWide(file).c_str());
+    module_ = LoadLibraryW(console::ToWide(file).c_str());
     if (module_ == nullptr) {
-        *error = file + ": " + tools::console::SystemErrorText(GetLastError());
+        *error = file + ": " + console::SystemErrorText(GetLastError());
         return false;
     }
     const auto registerLibrary = reinterpret_cast<HBA_REGISTERLIBRARY>(
@@ -100,7 +100,7 @@ bool VendorLibrary::Load(const std::string& file, std::string* error) {
 }
 
 std::string RegistrationKey() {
-    return "HKEY_LOCAL_MACHINE\\" + tools::console::ToUtf8(kKey);
+    return "HKEY_LOCAL_MACHINE\\" + console::ToUtf8(kKey);
 }
 
 uint32_t ReadRegisteredFile(std::optional<std::string>* file) {
@@ -119,7 +119,7 @@ uint32_t ReadRegisteredFile(std::optional<std::string>* file) {
     status = RegGetValueW(key.Get(), nullptr, kValue, RRF_RT_REG_SZ, nullptr, text.data(), &size);
     if (status == ERROR_SUCCESS) {
         text.resize(text.find(L'\0'));
-        *file = tools::console::ToUtf8(text);
+        *file = console::ToUtf8(text);
     }
     return static_cast<uint32_t>(status);
 }
@@ -128,7 +128,7 @@ uint32_t WriteRegisteredFile(const std::string& file) {
     Key key;
     LSTATUS status = key.Create();
     if (status == ERROR_SUCCESS) {
-        const std::wstring text = tools::console::ToWide(file);
+        const std::wstring text = console::ToWide(file);
         status = RegSetValueExW(key.Get(), kValue, 0, REG_SZ,
                                 reinterpret_cast<const BYTE*>(text.c_str()),
                                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));

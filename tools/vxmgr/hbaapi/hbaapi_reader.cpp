@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "common/text.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {
@@ -82,7 +82,7 @@ HbaAdapter ReadHbaAdapter(const HBA_ENTRYPOINTS& api, HBA_UINT32 index, HbaDepth
         return adapter;
     }
     name[sizeof name - 1] = 0;
-    adapter.name = tools::FieldText(name, sizeof name);
+    adapter.name = FieldText(name, sizeof name);
     const HBA_HANDLE handle = api.OpenAdapterHandler(name);
     if (handle == 0) {
         return adapter;
@@ -103,11 +103,11 @@ HbaAdapter ReadHbaAdapter(const HBA_ENTRYPOINTS& api, HBA_UINT32 index, HbaDepth
 
 std::optional<uint32_t> ScsiPortOfDevice(const char* name, size_t size) {
     constexpr std::string_view kPrefix = "\\\\.\\scsi";
-    const std::string text = tools::Lowercase(tools::FieldText(name, size));
+    const std::string text = Lowercase(FieldText(name, size));
     if (!text.starts_with(kPrefix) || !text.ends_with(':')) {
         return std::nullopt;
     }
-    const auto number = tools::ParseNumber(
+    const auto number = ParseNumber(
         std::string_view(text).substr(kPrefix.size(), text.size() - kPrefix.size() - 1));
     return number && *number <= UINT32_MAX ? std::optional(static_cast<uint32_t>(*number))
                                            : std::nullopt;

@@ -1,33 +1,28 @@
 #include "vxmgr/hbaapi/hbaapi_records.h"
 
-#include "common/text.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::Fields;
-using tools::kText;
-using tools::ListLayout;
-using tools::Value;
 using Attributes = HBA_ADAPTERATTRIBUTES;
 using PortAttributes = HBA_PORTATTRIBUTES;
 using Statistics = HBA_PORTSTATISTICS;
 using Management = HBA_MGMTINFO;
 using Mapping = HBA_FCPSCSIENTRY;
 
-constexpr auto kNumberOrNull = tools::kInteger.OrNull();
-constexpr auto kCounterOrNull = tools::kCounter.OrNull();
-constexpr auto kNameOrNull = tools::kWwn.OrNull();
+constexpr auto kNumberOrNull = kInteger.OrNull();
+constexpr auto kCounterOrNull = kCounter.OrNull();
+constexpr auto kNameOrNull = kWwn.OrNull();
 constexpr auto kTextOrNull = kText.OrNull();
 
 // Getters of records.
 template <auto member>
 constexpr auto kTextOf =
-    [](const auto& record) { return tools::FieldText(record.*member, sizeof(record.*member)); };
+    [](const auto& record) { return FieldText(record.*member, sizeof(record.*member)); };
 
-std::optional<tools::Wwn> NameUnlessZero(const HBA_WWN& name) {
-    const tools::Wwn wwn = tools::Wwn::Of(name.wwn);
+std::optional<Wwn> NameUnlessZero(const HBA_WWN& name) {
+    const Wwn wwn = Wwn::Of(name.wwn);
     return wwn.IsZero() ? std::nullopt : std::optional(wwn);
 }
 
@@ -38,7 +33,7 @@ template <auto member, auto textOf>
 constexpr auto kWordsOf = [](const auto& record) { return textOf(record.*member); };
 
 template <auto member, int digits>
-constexpr auto kHexOf = [](const auto& record) { return tools::Hex(record.*member, digits); };
+constexpr auto kHexOf = [](const auto& record) { return Hex(record.*member, digits); };
 
 // Counters below zero are those that the library does not count.
 template <auto member>
@@ -61,14 +56,14 @@ auto HeldOf(auto answer, auto get) {
 
 Value StatusOf(HBA_STATUS status) {
     return Value::Text(HbaStatusText(status))
-        .In(status == HBA_STATUS_OK ? tools::Tone::Plain : tools::Tone::Warning);
+        .In(status == HBA_STATUS_OK ? Tone::Plain : Tone::Warning);
 }
 
 // The state of an adapter as a whole.
 Value ConditionOf(const HbaAdapter& adapter) {
     const auto failure = adapter.Failure();
     if (!failure) {
-        return Value::Text("not_opened").Shown("not opened").In(tools::Tone::Bad);
+        return Value::Text("not_opened").Shown("not opened").In(Tone::Bad);
     }
     return StatusOf(*failure);
 }
@@ -91,7 +86,7 @@ Fields<HbaAnswer<Row>> WithStatus(const Fields<HbaAnswer<Row>>& fields) {
 const Fields<HbaAnswer<Attributes>>& AttributesFields() {
     static const Fields<HbaAnswer<Attributes>> kFields = {
         {"manufacturer", "Manufacturer", kTextOrNull, Held(kTextOf<&Attributes::Manufacturer>)},
-        {"serial", "Serial number", "SERIAL", tools::kSerial.OrNull(),
+        {"serial", "Serial number", "SERIAL", kSerial.OrNull(),
          Held(kTextOf<&Attributes::SerialNumber>)},
         {"model", "Model", "MODEL", kTextOrNull, Held(kTextOf<&Attributes::Model>)},
         {"model_description", "Description", kTextOrNull,
@@ -136,7 +131,7 @@ const Fields<HbaAnswer<PortAttributes>>& RemotePortFields() {
         {"supported_speeds", "Speeds", kTextOrNull,
          Held(kWordsOf<&Port::PortSupportedSpeed, kSpeed>)},
         {"speed", "Speed", kTextOrNull, Held(kWordsOf<&Port::PortSpeed, kSpeed>)},
-        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+        {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
          Held(&Port::PortMaxFrameSize)},
         {"fabric_name", "Fabric name", kNameOrNull, Held(kNameOf<&Port::FabricName>)},
         {"discovered_ports", "Discovered ports", kNumberOrNull,
@@ -205,14 +200,14 @@ const Fields<Mapping>& MappingFields() {
     static const Fields<Mapping> kFields = {
         {"os_device", "Device", "DEVICE", kTextOrNull,
          [](const Mapping& entry) { return kTextOf<&HBA_SCSIID::OSDeviceName>(entry.ScsiId); }},
-        {"bus", "Bus", "BUS", tools::kInteger,
+        {"bus", "Bus", "BUS", kInteger,
          [](const Mapping& entry) { return entry.ScsiId.ScsiBusNumber; }},
-        {"target", "Target", "ID", tools::kInteger,
+        {"target", "Target", "ID", kInteger,
          [](const Mapping& entry) { return entry.ScsiId.ScsiTargetNumber; }},
-        {"lun", "LUN", "LUN", tools::kInteger,
+        {"lun", "LUN", "LUN", kInteger,
          [](const Mapping& entry) { return entry.ScsiId.ScsiOSLun; }},
         {"fc_id", "Port identifier", "FC ID", kText,
-         [](const Mapping& entry) { return tools::Hex(entry.FcpId.FcId, 6); }},
+         [](const Mapping& entry) { return Hex(entry.FcpId.FcId, 6); }},
         {"port_wwn", "Port name", "PORT NAME", kNameOrNull,
          [](const Mapping& entry) { return NameUnlessZero(entry.FcpId.PortWWN); }},
         {"node_wwn", "Node name", kNameOrNull,
@@ -235,13 +230,13 @@ const Fields<HbaAdapter>& HbaSummaryFields() {
     constexpr auto kAttributes = &HbaAdapter::attributes;
     constexpr auto kPort = &HbaAdapter::port;
     static const Fields<HbaAdapter> kFields = {
-        {"index", "Adapter", "ADAPTER", tools::kInteger, &HbaAdapter::index},
+        {"index", "Adapter", "ADAPTER", kInteger, &HbaAdapter::index},
         {"port", "", kNumberOrNull, &HbaAdapter::managedPort,
          "index of the port in the other commands"},
         {"scsi_port", "", kNumberOrNull, ScsiPortOf},
-        {"adapter_serial", "", tools::kSerial.OrNull(), HbaSerial},
+        {"adapter_serial", "", kSerial.OrNull(), HbaSerial},
         {"name", "Name", "NAME", kTextOrNull, &HbaAdapter::name},
-        {"serial", "Serial number", "SERIAL", tools::kSerial.OrNull(), HbaSerial},
+        {"serial", "Serial number", "SERIAL", kSerial.OrNull(), HbaSerial},
         {"model", "Model", "MODEL", kTextOrNull, HeldOf(kAttributes, kTextOf<&Attributes::Model>)},
         {"port_wwn", "Port name", "PORT NAME", kNameOrNull,
          HeldOf(kPort, kNameOf<&PortAttributes::PortWWN>)},
@@ -268,15 +263,15 @@ const Fields<HbaAdapter>& HbaDetailFields() {
     const auto partOf = [](auto member) {
         return [member](const HbaAdapter& adapter) { return &(adapter.*member); };
     };
-    const auto group = tools::kGroup;
+    const auto group = kGroup;
     static const Fields<HbaAdapter> kFields(
         +title,
         {
-            {"index", "", "ADAPTER", tools::kInteger, &HbaAdapter::index},
+            {"index", "", "ADAPTER", kInteger, &HbaAdapter::index},
             {"scsi_port", "", kNumberOrNull, ScsiPortOf},
             {"port_wwn", "", kNameOrNull,
              HeldOf(&HbaAdapter::port, kNameOf<&PortAttributes::PortWWN>)},
-            {"adapter_serial", "", tools::kSerial.OrNull(), HbaSerial},
+            {"adapter_serial", "", kSerial.OrNull(), HbaSerial},
             {"name", "", "NAME", kTextOrNull, &HbaAdapter::name},
             {"status", "Status", "STATUS", kText, ConditionOf,
              "as in hbaapi.list; the groups have the statuses of their own handlers"},

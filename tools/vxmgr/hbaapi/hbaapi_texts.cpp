@@ -57,7 +57,7 @@ constexpr uint8_t kFlat = 0x40;
 }  // namespace
 
 std::string HbaStatusText(HBA_STATUS status) {
-    return TextOfCode(kStatuses, status, tools::Hex(status, 8));
+    return TextOfCode(kStatuses, status, Hex(status, 8));
 }
 
 std::string HbaPortTypeText(HBA_PORTTYPE type) {
@@ -85,7 +85,7 @@ std::string HbaFc4TypesText(const HBA_FC4TYPES& types) {
     std::string text;
     for (uint32_t type = 0; type < kFc4Count; ++type) {
         if ((types.bits[type / 8] >> (type % 8) & 1) != 0) {
-            Append(text, TextOfCode(kFc4Types, type, tools::Hex(type, 2)));
+            Append(text, TextOfCode(kFc4Types, type, Hex(type, 2)));
         }
     }
     return text;

@@ -1,17 +1,17 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows AdapterAndPortCommands();
-tools::CommandRows LocateCommands();
-tools::CommandRows StatsCommands();
-tools::CommandRows DatabaseCommands();
-tools::CommandRows LockdownCommands();
-tools::CommandRows EventCommands();
-tools::CommandRows SmartsanCommands();
-tools::CommandRows DriverCommands();
+CommandRows AdapterAndPortCommands();
+CommandRows LocateCommands();
+CommandRows StatsCommands();
+CommandRows DatabaseCommands();
+CommandRows LockdownCommands();
+CommandRows EventCommands();
+CommandRows SmartsanCommands();
+CommandRows DriverCommands();
 
 }  // namespace vxmgr

@@ -6,7 +6,6 @@ namespace vxmgr {
 namespace {
 
 using Recovery = HX_BBCR_DATA;
-using tools::Value;
 
 constexpr const char* kRecoveryStates[] = {"on", "off", "not_supported"};
 constexpr const char* kRecoveryReasons[] = {"link_down", "loop", "not_configured", "refused"};
@@ -20,7 +19,7 @@ Value RecoveryState(const Recovery& recovery) {
     }
     return Value::Text(kRecoveryStates[state])
         .Shown(recovery.state == HX_BBCR_NOT_SUPPORTED ? "not supported" : kRecoveryStates[state])
-        .In(recovery.state == HX_BBCR_ON ? tools::Tone::Good : tools::Tone::Plain);
+        .In(recovery.state == HX_BBCR_ON ? Tone::Good : Tone::Plain);
 }
 
 Value RecoveryReason(const Recovery& recovery) {
@@ -39,13 +38,12 @@ Value RecoveryNumber(const Recovery& recovery) {
 
 }  // namespace
 
-const tools::Fields<Recovery>& CreditRecoveryFields() {
-    constexpr auto kNumber = tools::kInteger.OrNull().Quiet();
-    constexpr auto kCount = tools::kCounter.OrNull().Quiet();
-    static const tools::Fields<Recovery> kFields = {
-        {"state", "State", tools::Choice(kRecoveryStates).OrNull(), RecoveryState},
-        {"reason", "Why it is off", tools::Choice(kRecoveryReasons).OrNull().Quiet(),
-         RecoveryReason},
+const Fields<Recovery>& CreditRecoveryFields() {
+    constexpr auto kNumber = kInteger.OrNull().Quiet();
+    constexpr auto kCount = kCounter.OrNull().Quiet();
+    static const Fields<Recovery> kFields = {
+        {"state", "State", Choice(kRecoveryStates).OrNull(), RecoveryState},
+        {"reason", "Why it is off", Choice(kRecoveryReasons).OrNull().Quiet(), RecoveryReason},
         {"configured", "Own BB_SC_N", kNumber, RecoveryNumber<&Recovery::configured>},
         {"attached", "Attached port's BB_SC_N", kNumber, RecoveryNumber<&Recovery::attached>},
         {"negotiated", "Negotiated BB_SC_N", kNumber, RecoveryNumber<&Recovery::negotiated>,

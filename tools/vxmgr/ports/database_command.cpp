@@ -12,9 +12,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Value;
-
 using RemoteRecord = HX_REMOTE_PORT;
 
 struct NameOfBit {
@@ -91,7 +88,7 @@ std::optional<std::vector<std::string>> RolesOfRow(const RemoteRow& row) {
 Value RemoteState(const RemoteRecord& record) {
     const bool online = record.state == HX_REMOTE_PORT_ONLINE;
     return NameOfNumber(kRemoteStates, record.state - size_t{HX_REMOTE_PORT_ONLINE})
-        .In(online ? tools::Tone::Good : tools::Tone::Warning);
+        .In(online ? Tone::Good : Tone::Warning);
 }
 
 // Zero where the driver does not tell.
@@ -122,11 +119,10 @@ uint64_t ErrorSum(const RemoteRecord& record) {
            errors.protocolErrors + errors.invalidWords + errors.crcErrors;
 }
 
-const tools::Fields<RemoteRecord>& RemoteFecFields() {
-    static const tools::Fields<RemoteRecord> kFields = {
-        {"corrected", "Blocks corrected", tools::kInteger,
-         Packed<&RemoteRecord::correctedFecBlocks>},
-        {"uncorrectable", "Blocks uncorrectable", tools::kInteger,
+const Fields<RemoteRecord>& RemoteFecFields() {
+    static const Fields<RemoteRecord> kFields = {
+        {"corrected", "Blocks corrected", kInteger, Packed<&RemoteRecord::correctedFecBlocks>},
+        {"uncorrectable", "Blocks uncorrectable", kInteger,
          Packed<&RemoteRecord::uncorrectableFecBlocks>},
     };
     return kFields;
@@ -147,14 +143,14 @@ Value LightState(const RemoteRecord& record) {
     constexpr uint16_t kWarnings = 0x001F;
     constexpr uint16_t kAlarms = 0x1F00;
     const uint16_t flags = record.transceiverFlags;
-    return (flags & kAlarms) != 0     ? Value::Text(kLightStates[2]).In(tools::Tone::Bad)
-           : (flags & kWarnings) != 0 ? Value::Text(kLightStates[1]).In(tools::Tone::Warning)
-                                      : Value::Text(kLightStates[0]).In(tools::Tone::Good);
+    return (flags & kAlarms) != 0     ? Value::Text(kLightStates[2]).In(Tone::Bad)
+           : (flags & kWarnings) != 0 ? Value::Text(kLightStates[1]).In(Tone::Warning)
+                                      : Value::Text(kLightStates[0]).In(Tone::Good);
 }
 
-const tools::Fields<RemoteRecord>& RemoteTransceiverFields() {
-    constexpr auto kDecimal = tools::kText.OrNull();
-    static const tools::Fields<RemoteRecord> kFields = {
+const Fields<RemoteRecord>& RemoteTransceiverFields() {
+    constexpr auto kDecimal = kText.OrNull();
+    static const Fields<RemoteRecord> kFields = {
         {"temperature_c", "Temperature", kDecimal,
          LightReading<SfpQuantity::Temperature, &RemoteRecord::temperature>},
         {"voltage_v", "Supply voltage", kDecimal,
@@ -168,53 +164,49 @@ const tools::Fields<RemoteRecord>& RemoteTransceiverFields() {
          LightReading<SfpQuantity::ReceivedPower, &RemoteRecord::rxPower>},
         {"rx_power_dbm", "Received power", "RX POWER", kDecimal, LightPower<&RemoteRecord::rxPower>,
          "null: no light"},
-        {"state", "State", tools::Choice(kLightStates), LightState,
-         "the worst of the five quantities"},
+        {"state", "State", Choice(kLightStates), LightState, "the worst of the five quantities"},
     };
     return kFields;
 }
 
-const tools::Fields<HX_SECURE_PORT>& SecurityFields() {
+const Fields<HX_SECURE_PORT>& SecurityFields() {
     using Secure = HX_SECURE_PORT;
-    static const tools::Fields<Secure> kFields = {
-        {"state", "State", tools::Choice(kSecureStates).OrNull(),
+    static const Fields<Secure> kFields = {
+        {"state", "State", Choice(kSecureStates).OrNull(),
          [](const Secure& port) { return NameOfNumber(kSecureStates, port.state); }},
-        {"authentication", "Authentication", tools::Choice(kAuthentications).OrNull(),
+        {"authentication", "Authentication", Choice(kAuthentications).OrNull(),
          [](const Secure& port) { return NameOfNumber(kAuthentications, port.authentication); }},
-        {"encryption", "Encryption", tools::Choice(kEncryptions).OrNull(),
+        {"encryption", "Encryption", Choice(kEncryptions).OrNull(),
          [](const Secure& port) { return NameOfNumber(kEncryptions, port.encryption); }},
-        {"encrypts_tx", "Encrypts what is sent", tools::kFlag,
+        {"encrypts_tx", "Encrypts what is sent", kFlag,
          [](const Secure& port) { return (port.directions & HX_SECURE_TX) != 0; }},
-        {"encrypts_rx", "Encrypts what is received", tools::kFlag,
+        {"encrypts_rx", "Encrypts what is received", kFlag,
          [](const Secure& port) { return (port.directions & HX_SECURE_RX) != 0; }},
-        {"tx_bytes", "Bytes sent", tools::kCounter, Packed<&Secure::txBytes>},
-        {"rx_bytes", "Bytes received", tools::kCounter, Packed<&Secure::rxBytes>},
-        {"rekeys", "Rekeyed", tools::kInteger, Packed<&Secure::rekeys>},
-        {"seconds_since_rekey", "Since then", tools::Integer("s"),
-         Packed<&Secure::secondsSinceRekey>},
-        {"failures", "Failures", tools::kInteger, Packed<&Secure::failures>},
-        {"frames_refused", "Frames refused", tools::kInteger, Packed<&Secure::framesRefused>},
+        {"tx_bytes", "Bytes sent", kCounter, Packed<&Secure::txBytes>},
+        {"rx_bytes", "Bytes received", kCounter, Packed<&Secure::rxBytes>},
+        {"rekeys", "Rekeyed", kInteger, Packed<&Secure::rekeys>},
+        {"seconds_since_rekey", "Since then", Integer("s"), Packed<&Secure::secondsSinceRekey>},
+        {"failures", "Failures", kInteger, Packed<&Secure::failures>},
+        {"frames_refused", "Frames refused", kInteger, Packed<&Secure::framesRefused>},
     };
     return kFields;
 }
 
-const tools::Fields<std::vector<RemoteRow>>& RemotePortList() {
-    using tools::kInteger;
+const Fields<std::vector<RemoteRow>>& RemotePortList() {
     using Row = RemoteRow;
-    static const tools::Fields<Row> kRow = {
+    static const Fields<Row> kRow = {
         {PortKeys(kPortIndex), &Row::port},
         {PortSerialAlias(), &Row::port},
-        {"target_wwn", "Port name", "PORT NAME", tools::kWwn.OrNull(),
-         Of(&Row::Record, [](const RemoteRecord& one) { return tools::Wwn::Of(one.portName); }),
+        {"target_wwn", "Port name", "PORT NAME", kWwn.OrNull(),
+         Of(&Row::Record, [](const RemoteRecord& one) { return Wwn::Of(one.portName); }),
          "of the remote port; null in the row of a port that failed"},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(),
-         Of(&Row::Record, [](const RemoteRecord& one) { return tools::Wwn::Of(one.nodeName); })},
-        {"port_id", "Port ID", "PORT ID", tools::Hexadecimal(6).OrNull(),
+        {"node_wwn", "Node name", kWwn.OrNull(),
+         Of(&Row::Record, [](const RemoteRecord& one) { return Wwn::Of(one.nodeName); })},
+        {"port_id", "Port ID", "PORT ID", Hexadecimal(6).OrNull(),
          Of(&Row::Record, [](const RemoteRecord& one) { return PortIdOf(one.portId); })},
-        {"roles", "Roles", "ROLES", tools::Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
+        {"roles", "Roles", "ROLES", Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
          "fcp, nvme: a target or subsystem of that protocol"},
-        {"state", "State", "STATE", tools::Choice(kRemoteStates).OrNull(),
-         Of(&Row::Told, RemoteState)},
+        {"state", "State", "STATE", Choice(kRemoteStates).OrNull(), Of(&Row::Told, RemoteState)},
         {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(),
          Of(&Row::Told, [](const RemoteRecord& one) { return SpeedValue(one.speed); })},
         {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
@@ -229,36 +221,36 @@ const tools::Fields<std::vector<RemoteRow>>& RemotePortList() {
              return row.remote != nullptr ? row.remote->loopPosition : std::nullopt;
          },
          "places behind the port's own; null: no loop, or not on it"},
-        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+        {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
          Of(&Row::Told, NumberOrNull<&RemoteRecord::maxFrameSize>)},
         {"bb_credits", "Buffer credits", kInteger.OrNull(),
          Of(&Row::Told, NumberOrNull<&RemoteRecord::bbCredits>)},
-        {"seconds_online", "Online for", tools::Integer("s").OrNull(),
+        {"seconds_online", "Online for", Integer("s").OrNull(),
          Of(&Row::Told, Packed<&RemoteRecord::secondsOnline>)},
-        {"secured", "Secured", "SECURED", tools::kFlag.OrNull(),
+        {"secured", "Secured", "SECURED", kFlag.OrNull(),
          Of(&Row::Told,
             [](const RemoteRecord& one) { return (one.flags & HX_REMOTE_PORT_SECURED) != 0; }),
          "authenticated, and encrypted where that was agreed"},
         {"error_count", "Link errors", "ERRORS", kInteger.OrNull(), Of(&Row::Diagnosed, ErrorSum),
          "the sum of errors"},
         {"errors", "Link errors", LinkErrorsFields(), Of(&Row::Diagnosed, ErrorsOf),
-         "of the remote port's own link, as it answered", tools::kGroup.OrNull()},
+         "of the remote port's own link, as it answered", kGroup.OrNull()},
         {"fec", "Forward error correction", RemoteFecFields(), &Row::Diagnosed, "",
-         tools::kGroup.OrNull()},
+         kGroup.OrNull()},
         {"transceiver", "Transceiver", RemoteTransceiverFields(), &Row::Diagnosed,
-         "of the remote port; decimal numbers", tools::kGroup.OrNull()},
+         "of the remote port; decimal numbers", kGroup.OrNull()},
         {"security", "Security", SecurityFields(), &Row::Security,
-         "null: neither authenticated nor encrypted", tools::kGroup.OrNull()},
-        {"symbolic_name", "Name", "NAME", tools::kText.OrNull(),
+         "null: neither authenticated nor encrypted", kGroup.OrNull()},
+        {"symbolic_name", "Name", "NAME", kText.OrNull(),
          Of(&Row::Record, TextOf<&RemoteRecord::symbolicName>)},
         {PortStatus(), &Row::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<Row>>(
-        "remote_ports", "Remote ports", kRow, tools::ListLayout::Table, "No remote ports.");
+    static const auto kFields = ListOf<std::vector<Row>>("remote_ports", "Remote ports", kRow,
+                                                         ListLayout::Table, "No remote ports.");
     return kFields;
 }
 
-ExitCode PortDatabase(tools::Invocation& invocation) {
+ExitCode PortDatabase(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto answers = ForEachPort<std::vector<RemotePort>>(
         invocation, SelectPorts(invocation, ports), ReadRemotePorts);
@@ -278,16 +270,16 @@ ExitCode PortDatabase(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows DatabaseCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows DatabaseCommands() {
+    static const Command kCommands[] = {
         {
             .path = "port database",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the remote ports that the ports' drivers know",
             .schema = "port.database",
             .run = PortDatabase,
             .example = "port database -p scsi:3",
-            .result = tools::ShapeOf<RemotePortList>,
+            .result = ShapeOf<RemotePortList>,
         },
     };
     return kCommands;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "common/fields.h"
-#include "common/text.h"
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
@@ -12,18 +10,12 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
-using tools::ListLayout;
-using tools::Value;
-
 using Driver = HX_DRIVER_PROPERTY;
 
-constexpr tools::Argument kNameArguments[] = {
+constexpr Argument kNameArguments[] = {
     {.name = "NAME", .help = "the parameter's name", .required = true},
 };
-constexpr tools::Argument kSettingArguments[] = {
+constexpr Argument kSettingArguments[] = {
     {.name = "SETTING", .help = "NAME=VALUE, or NAME= to remove the parameter", .required = true},
 };
 
@@ -77,25 +69,24 @@ std::string ServiceTitle(const Service& service) {
     return "Driver " + (service.name.empty() ? std::string("without a name") : service.name);
 }
 
-const tools::Fields<Service>& ServiceFields() {
-    static const tools::Fields<Service> kFields = {
+const Fields<Service>& ServiceFields() {
+    static const Fields<Service> kFields = {
         ServiceTitle,
         {
             {"service", "Service", "SERVICE", kText.OrNull(), &Service::name},
             {"version", "Version", "VERSION", kText.OrNull(), &Service::version},
             {"scsi_ports", "SCSI ports", "SCSI PORTS", kText.OrNull(), ScsiPortsOf},
-            {"current_generation", "Current generation", "CURRENT", tools::kFlag, IsCurrent},
-            {"model", "Miniport model", tools::Hexadecimal(4).OrNull(),
+            {"current_generation", "Current generation", "CURRENT", kFlag, IsCurrent},
+            {"model", "Miniport model", Hexadecimal(4).OrNull(),
              Of(DriverOf, Packed<&Driver::driverModel>)},
             {"model_revision", "Model revision", kInteger.OrNull(),
              Of(DriverOf, Packed<&Driver::driverModelRevision>)},
-            {"interrupt_mode", "Interrupt mode", "INTERRUPTS",
-             tools::Choice(kInterruptModes).OrNull(),
+            {"interrupt_mode", "Interrupt mode", "INTERRUPTS", Choice(kInterruptModes).OrNull(),
              Of(CurrentDriverOf,
                 [](const Driver& driver) { return InterruptModeValue(driver.interruptMode); })},
             {"max_scatter_gather", "Scatter/gather elements", kInteger.OrNull(),
              Of(DriverOf, Packed<&Driver::maxScatterGather>)},
-            {"max_transfer_length", "Largest transfer", tools::Integer("bytes").OrNull(),
+            {"max_transfer_length", "Largest transfer", Integer("bytes").OrNull(),
              Of(DriverOf, Packed<&Driver::maxTransferLength>)},
             {"max_queue_depth", "Queue depth", "QUEUE", kInteger.OrNull(),
              Of(CurrentDriverOf, Packed<&Driver::maxQueueDepth>)},
@@ -109,9 +100,9 @@ const tools::Fields<Service>& ServiceFields() {
     return kFields;
 }
 
-const tools::Fields<std::vector<Service>>& ServiceList() {
-    static const auto kFields = tools::ListOf<std::vector<Service>>(
-        "drivers", "Drivers", ServiceFields(), ListLayout::Sections, "No drivers.");
+const Fields<std::vector<Service>>& ServiceList() {
+    static const auto kFields = ListOf<std::vector<Service>>("drivers", "Drivers", ServiceFields(),
+                                                             ListLayout::Sections, "No drivers.");
     return kFields;
 }
 
@@ -129,8 +120,8 @@ Value ValueOrNull(const Parameter& parameter) {
     return parameter.*member ? Value::Text(*(parameter.*member)) : Value();
 }
 
-const tools::Fields<Parameter>& ParameterFields() {
-    static const tools::Fields<Parameter> kFields = {
+const Fields<Parameter>& ParameterFields() {
+    static const Fields<Parameter> kFields = {
         {"driver_service", "Driver service", "SERVICE", kText.OrNull(), &Parameter::service},
         {"name", "Parameter", "PARAMETER", kText.OrNull(), &Parameter::name},
         {"value", "Value", "VALUE", kText.OrNull(), ValueOrNull<&Parameter::value>,
@@ -139,14 +130,14 @@ const tools::Fields<Parameter>& ParameterFields() {
     return kFields;
 }
 
-const tools::Fields<std::vector<Parameter>>& ParameterList() {
+const Fields<std::vector<Parameter>>& ParameterList() {
     static const auto kFields =
-        tools::ListOf<std::vector<Parameter>>("parameters", "Parameters", ParameterFields());
+        ListOf<std::vector<Parameter>>("parameters", "Parameters", ParameterFields());
     return kFields;
 }
 
-const tools::Fields<Parameter>& ChangeFields() {
-    static const tools::Fields<Parameter> kFields = {
+const Fields<Parameter>& ChangeFields() {
+    static const Fields<Parameter> kFields = {
         {"driver_service", "Driver service", kText.OrNull(), &Parameter::service},
         {"name", "Parameter", kText, &Parameter::name},
         {"previous", "Before", kText.OrNull(), ValueOrNull<&Parameter::previous>},
@@ -155,7 +146,7 @@ const tools::Fields<Parameter>& ChangeFields() {
     return kFields;
 }
 
-Device OpenPortOf(tools::Invocation& invocation, const Service& service) {
+Device OpenPortOf(Invocation& invocation, const Service& service) {
     Device device;
     const Port& port = *service.ports.front();
     const HX_STATUS status = port.Open(TracePath(invocation), &device);
@@ -166,7 +157,7 @@ Device OpenPortOf(tools::Invocation& invocation, const Service& service) {
 }
 
 // The parameter's value; nothing when it is absent.
-std::optional<std::string> ReadParameter(tools::Invocation& invocation, const Device& device,
+std::optional<std::string> ReadParameter(Invocation& invocation, const Device& device,
                                          const std::string& name) {
     char value[512] = {};
     const HX_STATUS status =
@@ -181,11 +172,10 @@ std::optional<std::string> ReadParameter(tools::Invocation& invocation, const De
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the parameter cannot be read");
     }
-    return tools::FieldText(value, sizeof value);
+    return FieldText(value, sizeof value);
 }
 
-std::vector<const Port*> OpenablePorts(tools::Invocation& invocation,
-                                       const std::vector<Port>& ports) {
+std::vector<const Port*> OpenablePorts(Invocation& invocation, const std::vector<Port>& ports) {
     std::vector<const Port*> openable;
     for (const Port* port : SelectPorts(invocation, ports)) {
         if (port->node) {
@@ -204,7 +194,7 @@ struct Setting {
     std::optional<std::string> value;  // none: remove
 };
 
-Setting ParseSetting(tools::Invocation& invocation) {
+Setting ParseSetting(Invocation& invocation) {
     const std::string text = invocation.Given().Text("SETTING");
     const size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0) {
@@ -218,7 +208,7 @@ Setting ParseSetting(tools::Invocation& invocation) {
     return setting;
 }
 
-const Service& OnlyService(tools::Invocation& invocation, const std::vector<Service>& services) {
+const Service& OnlyService(Invocation& invocation, const std::vector<Service>& services) {
     if (services.size() > 1) {
         std::string names;
         for (const Service& service : services) {
@@ -234,15 +224,15 @@ std::string Shown(const std::optional<std::string>& value) {
     return value ? "\"" + *value + "\"" : "absent";
 }
 
-tools::Question QuestionAbout(const Service& service, const Setting& setting,
-                              const std::optional<std::string>& before) {
-    tools::Question question;
+Question QuestionAbout(const Service& service, const Setting& setting,
+                       const std::optional<std::string>& before) {
+    Question question;
     question.lines.push_back("Driver " + service.name + " " + service.version + ", parameter " +
                              setting.name + ": " + Shown(before) + " -> " + Shown(setting.value));
     for (const Port* port : service.ports) {
         std::string line = "  port " + std::to_string(port->index) + ", serial " + port->Serial();
         if (port->port) {
-            line += ", " + tools::Wwn::Of(port->port->portName).Colons();
+            line += ", " + Wwn::Of(port->port->portName).Colons();
         }
         question.lines.push_back(line);
     }
@@ -253,7 +243,7 @@ tools::Question QuestionAbout(const Service& service, const Setting& setting,
     return question;
 }
 
-void WriteParameter(tools::Invocation& invocation, const Device& device, const Setting& setting) {
+void WriteParameter(Invocation& invocation, const Device& device, const Setting& setting) {
     const HX_STATUS status = HXSetDriverParameter(device.Handle(), setting.name.c_str(),
                                                   setting.value ? setting.value->c_str() : nullptr);
     if (status == HXMGT_INVALID_PARAMETER) {
@@ -265,7 +255,7 @@ void WriteParameter(tools::Invocation& invocation, const Device& device, const S
     }
 }
 
-ExitCode DriverShow(tools::Invocation& invocation) {
+ExitCode DriverShow(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
     invocation.Result() = ServiceList().Make(ServicesOf(selected, true));
@@ -289,21 +279,21 @@ struct KnownParameterRow {
     const KnownParameter* known;
 };
 
-const tools::Fields<std::vector<KnownParameterRow>>& KnownParameterList() {
+const Fields<std::vector<KnownParameterRow>>& KnownParameterList() {
     using Row = KnownParameterRow;
-    static const tools::Fields<Row> kRow = {
+    static const Fields<Row> kRow = {
         {ParameterFields(), &Row::parameter},
         {"default", "Default", "DEFAULT", kText, [](const Row& row) { return row.known->usual; },
          "what holds without a value"},
         {"meaning", "Meaning", "MEANING", kText, [](const Row& row) { return row.known->meaning; }},
     };
-    static const auto kFields = tools::ListOf<std::vector<Row>>(
-        "parameters", "Parameters", kRow, ListLayout::Table, "",
-        "those whose meaning is known; `driver param get` reads any");
+    static const auto kFields =
+        ListOf<std::vector<Row>>("parameters", "Parameters", kRow, ListLayout::Table, "",
+                                 "those whose meaning is known; `driver param get` reads any");
     return kFields;
 }
 
-ExitCode DriverParameterList(tools::Invocation& invocation) {
+ExitCode DriverParameterList(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<KnownParameterRow> rows;
     for (const Service& service : ServicesOf(OpenablePorts(invocation, ports), false)) {
@@ -318,7 +308,7 @@ ExitCode DriverParameterList(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DriverParameterGet(tools::Invocation& invocation) {
+ExitCode DriverParameterGet(Invocation& invocation) {
     const std::string name = invocation.Given().Text("NAME");
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Parameter> parameters;
@@ -335,7 +325,7 @@ ExitCode DriverParameterGet(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode DriverParameterSet(tools::Invocation& invocation) {
+ExitCode DriverParameterSet(Invocation& invocation) {
     const Setting setting = ParseSetting(invocation);
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Service> services = ServicesOf(OpenablePorts(invocation, ports), false);
@@ -364,45 +354,45 @@ ExitCode DriverParameterSet(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows DriverCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows DriverCommands() {
+    static const Command kCommands[] = {
         {
             .path = "driver show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the drivers",
             .schema = "driver.show",
             .run = DriverShow,
             .example = "driver show",
-            .result = tools::ShapeOf<ServiceList>,
+            .result = ShapeOf<ServiceList>,
         },
         {
             .path = "driver param list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the driver parameters whose meaning is known",
             .schema = "driver.param.list",
             .run = DriverParameterList,
             .example = "driver param list",
-            .result = tools::ShapeOf<KnownParameterList>,
+            .result = ShapeOf<KnownParameterList>,
         },
         {
             .path = "driver param get",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "print a driver parameter",
             .schema = "driver.param.get",
             .arguments = kNameArguments,
             .run = DriverParameterGet,
             .example = "driver param get qdepth -p scsi:3",
-            .result = tools::ShapeOf<ParameterList>,
+            .result = ShapeOf<ParameterList>,
         },
         {
             .path = "driver param set",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "set or remove a driver parameter",
             .schema = "driver.param.set",
             .arguments = kSettingArguments,
             .run = DriverParameterSet,
             .example = "driver param set qdepth=32 -p scsi:3",
-            .result = tools::ShapeOf<ChangeFields>,
+            .result = ShapeOf<ChangeFields>,
         },
     };
     return kCommands;

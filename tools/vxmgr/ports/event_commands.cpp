@@ -4,7 +4,6 @@
 #include <memory>
 #include <mutex>
 
-#include "common/text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
@@ -14,8 +13,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 constexpr size_t kEventsPerRead = 32;
 // The library's queue keeps 31 events and drops the oldest without a word: a read that brings as
@@ -43,14 +40,14 @@ constexpr EventKind kEventKinds[] = {
 };
 static_assert(std::size(kKindNames) == std::size(kEventKinds));
 
-constexpr tools::Argument kWatchArguments[] = {
+constexpr Argument kWatchArguments[] = {
     {.name = "--kind",
      .valueName = "K",
      .help = "only events of this kind; may be repeated",
      .repeated = true,
      .choices = kKindNames},
     {.name = "--count",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .valueName = "N",
      .help = "end after N events",
      .least = 1},
@@ -78,8 +75,8 @@ struct PortEvent {
             // Affected N_Port page: address format in the top byte's low bits, then the address.
             constexpr const char* kFormats[] = {"port", "area", "domain", "fabric"};
             const uint32_t page = event.data[0];
-            meaning += std::string(": ") + kFormats[(page >> 24) & 3] + " " +
-                       tools::Hex(page & 0xFFFFFF, 6);
+            meaning +=
+                std::string(": ") + kFormats[(page >> 24) & 3] + " " + Hex(page & 0xFFFFFF, 6);
         }
         return meaning;
     }
@@ -90,24 +87,23 @@ struct PortEvent {
     }
 };
 
-const tools::Fields<PortEvent>& EventFields() {
-    static const tools::Fields<PortEvent> kFields = {
+const Fields<PortEvent>& EventFields() {
+    static const Fields<PortEvent> kFields = {
         TimeField<PortEvent>("UTC, when the event was fetched"),
         {PortKeys(kPortIndex | kAdapterSerial), &PortEvent::port},
         {PortSerialAlias(), &PortEvent::port},
-        {"kind", "Kind", "KIND", tools::kText, &PortEvent::Kind, "", 11},
-        {"meaning", "Meaning", "MEANING", tools::kText, &PortEvent::Meaning},
-        {"type", "Type", tools::kInteger, [](const PortEvent& one) { return one.event.type; }},
-        {"data0", "Data 0", tools::Hexadecimal(8), &PortEvent::Data<0>},
-        {"data1", "Data 1", tools::Hexadecimal(8), &PortEvent::Data<1>},
-        {"data2", "Data 2", tools::Hexadecimal(8), &PortEvent::Data<2>},
+        {"kind", "Kind", "KIND", kText, &PortEvent::Kind, "", 11},
+        {"meaning", "Meaning", "MEANING", kText, &PortEvent::Meaning},
+        {"type", "Type", kInteger, [](const PortEvent& one) { return one.event.type; }},
+        {"data0", "Data 0", Hexadecimal(8), &PortEvent::Data<0>},
+        {"data1", "Data 1", Hexadecimal(8), &PortEvent::Data<1>},
+        {"data2", "Data 2", Hexadecimal(8), &PortEvent::Data<2>},
     };
     return kFields;
 }
 
-const tools::Fields<std::vector<PortEvent>>& EventList() {
-    static const auto kFields =
-        tools::ListOf<std::vector<PortEvent>>("events", "Events", EventFields());
+const Fields<std::vector<PortEvent>>& EventList() {
+    static const auto kFields = ListOf<std::vector<PortEvent>>("events", "Events", EventFields());
     return kFields;
 }
 
@@ -181,7 +177,7 @@ auto EventsOf(const Port& port, std::shared_ptr<Delivery> delivery,
             }
         }
         if (count >= kFullRead) {
-            task.Tell({tools::Severity::Warning,
+            task.Tell({Severity::Warning,
                        "events may be lost: more came at once than the queue keeps",
                        {},
                        port.Object(),
@@ -190,7 +186,7 @@ auto EventsOf(const Port& port, std::shared_ptr<Delivery> delivery,
     };
 }
 
-ExitCode EventWatch(tools::Invocation& invocation) {
+ExitCode EventWatch(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
     if (selected.empty()) {
@@ -217,7 +213,7 @@ ExitCode EventWatch(tools::Invocation& invocation) {
     }
     std::vector<const Port*> counted;
     std::vector<WatchedPort> watched;
-    const tools::AbandonHooks::Registration cleanUp(invocation.Hooks(), [all] { all->Disable(); });
+    const AbandonHooks::Registration cleanUp(invocation.Hooks(), [all] { all->Disable(); });
     auto answers = ForEachPort(invocation, selected, enable);
     for (size_t i = 0; i < answers.size(); ++i) {
         auto& [port, status, query, delivery] = answers[i];
@@ -252,16 +248,16 @@ struct Raised {
     bool raised;
 };
 
-const tools::Fields<Raised>& RaisedFields() {
-    static const tools::Fields<Raised> kFields = {
+const Fields<Raised>& RaisedFields() {
+    static const Fields<Raised> kFields = {
         {PortKeys(kPortIndex | kAdapterSerial), &Raised::port},
         {PortSerialAlias(), &Raised::port},
-        {"raised", "Test event raised", tools::kFlag, &Raised::raised},
+        {"raised", "Test event raised", kFlag, &Raised::raised},
     };
     return kFields;
 }
 
-ExitCode EventTest(tools::Invocation& invocation) {
+ExitCode EventTest(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const Port& port = SelectOnePort(invocation, ports);
     const bool dry = invocation.DryRun();
@@ -283,26 +279,26 @@ ExitCode EventTest(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows EventCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows EventCommands() {
+    static const Command kCommands[] = {
         {
             .path = "event watch",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "print events as they come",
             .schema = "event.watch",
             .arguments = kWatchArguments,
             .run = EventWatch,
             .example = "event watch --count 2",
-            .result = tools::ShapeOf<EventList>,
+            .result = ShapeOf<EventList>,
         },
         {
             .path = "event test",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "have an adapter report a test event",
             .schema = "event.test",
             .run = EventTest,
             .example = "event test -p scsi:3",
-            .result = tools::ShapeOf<RaisedFields>,
+            .result = ShapeOf<RaisedFields>,
         },
     };
     return kCommands;

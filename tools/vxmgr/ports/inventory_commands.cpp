@@ -1,7 +1,6 @@
 // adapter list|show, port list|show.
 #include <algorithm>
 
-#include "common/text.h"
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
@@ -12,19 +11,8 @@
 namespace vxmgr {
 namespace {
 
-using tools::Choice;
-using tools::ExitCode;
-using tools::Fields;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kSerial;
-using tools::kText;
-using tools::kWwn;
-using tools::ListLayout;
-using tools::Value;
-
-constexpr tools::FieldType kPciId = tools::Hexadecimal(4).OrNull();
-constexpr tools::FieldType kSeconds = tools::Integer("s").OrNull();
+constexpr FieldType kPciId = Hexadecimal(4).OrNull();
+constexpr FieldType kSeconds = Integer("s").OrNull();
 constexpr char kAnswersAbout[] =
     "false: the port did not answer in time, or could not be opened; it keeps its index";
 
@@ -37,7 +25,7 @@ constexpr auto kNodeText = Of(&Port::node, TextOf<member>);
 
 // Four characters and a terminator are the version; what follows has no meaning.
 std::string OptionRomVersion(const Port& port) {
-    return port.node ? tools::FieldText(port.node->optionRomVersion, 4) : std::string();
+    return port.node ? FieldText(port.node->optionRomVersion, 4) : std::string();
 }
 
 template <auto member>
@@ -72,8 +60,8 @@ std::string FirmwareVersion(const Port& port) {
                          : kNodeText<&Node::firmwareVersion>(port).value_or("");
 }
 
-std::optional<tools::Wwn> NodeNameOf(const Port& port) {
-    return port.node ? std::optional(tools::Wwn::Of(port.node->nodeName)) : std::nullopt;
+std::optional<Wwn> NodeNameOf(const Port& port) {
+    return port.node ? std::optional(Wwn::Of(port.node->nodeName)) : std::nullopt;
 }
 
 std::string SystemDeviceOf(const Port& port) {
@@ -148,7 +136,7 @@ const Fields<Port>& FibreChannelFields() {
          kPortNumber<&Properties::discoveredDevices>},
         {"discovered_targets", "Discovered targets", kInteger.OrNull(),
          kPortNumber<&Properties::discoveredTargets>},
-        {"max_frame_size", "Largest frame", tools::Integer("bytes").OrNull(),
+        {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
          kCurrentNumber<&Properties::maxFrameSize>},
         {"bb_credits", "Buffer credits", kInteger.OrNull(), kCurrentNumber<&Properties::bbCredits>},
         {"npiv_in_use", "NPIV ports in use", kInteger.OrNull(),
@@ -249,7 +237,7 @@ const Fields<PortInDetail>& PortInDetailFields() {
             {DetailFields(), &PortInDetail::port},
             {"credit_recovery", "Credit recovery", CreditRecoveryFields(),
              &PortInDetail::creditRecovery, "of buffer-to-buffer credits; null: not known",
-             tools::kGroup.OrNull()},
+             kGroup.OrNull()},
         }};
     return kFields;
 }
@@ -293,9 +281,9 @@ Value OnlinePorts(const Adapter& adapter) {
     const auto all = static_cast<ptrdiff_t>(adapter.ports.size());
     return Value::Number(static_cast<uint64_t>(online))
         .Shown(std::to_string(online) + " of " + std::to_string(all))
-        .In(online == all ? tools::Tone::Good
-            : online == 0 ? tools::Tone::Bad
-                          : tools::Tone::Warning);
+        .In(online == all ? Tone::Good
+            : online == 0 ? Tone::Bad
+                          : Tone::Warning);
 }
 
 Value AdapterStatus(const Adapter& adapter) {
@@ -331,34 +319,34 @@ using AdapterRows = std::vector<const Adapter*>;
 using PortRows = std::vector<const Port*>;
 
 const Fields<AdapterRows>& AdapterList() {
-    static const auto kFields = tools::ListOf<AdapterRows>("adapters", "Adapters", AdapterFields(),
-                                                           ListLayout::Table, "No adapters.");
+    static const auto kFields = ListOf<AdapterRows>("adapters", "Adapters", AdapterFields(),
+                                                    ListLayout::Table, "No adapters.");
     return kFields;
 }
 
 const Fields<AdapterRows>& AdapterDetails() {
-    static const auto kFields = tools::ListOf<AdapterRows>(
-        "adapters", "Adapters", AdapterDetailFields(), ListLayout::Sections, "No adapters.");
+    static const auto kFields = ListOf<AdapterRows>("adapters", "Adapters", AdapterDetailFields(),
+                                                    ListLayout::Sections, "No adapters.");
     return kFields;
 }
 
 const Fields<PortRows>& PortList() {
     static const Fields<Port> kPort = SummaryFields(true);
     static const auto kFields =
-        tools::ListOf<PortRows>("ports", "Ports", kPort, ListLayout::Table, "No ports.");
+        ListOf<PortRows>("ports", "Ports", kPort, ListLayout::Table, "No ports.");
     return kFields;
 }
 
 using PortDetailRows = std::vector<PortInDetail>;
 
 const Fields<PortDetailRows>& PortDetails() {
-    static const auto kFields = tools::ListOf<PortDetailRows>(
-        "ports", "Ports", PortInDetailFields(), ListLayout::Sections, "No ports.");
+    static const auto kFields = ListOf<PortDetailRows>("ports", "Ports", PortInDetailFields(),
+                                                       ListLayout::Sections, "No ports.");
     return kFields;
 }
 
 template <auto fields>
-ExitCode ShowAdapters(tools::Invocation& invocation) {
+ExitCode ShowAdapters(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const AdapterRows rows = SelectAdapters(invocation, adapters);
@@ -370,7 +358,7 @@ ExitCode ShowAdapters(tools::Invocation& invocation) {
     return ReportFailures(invocation, shown);
 }
 
-ExitCode ListPorts(tools::Invocation& invocation) {
+ExitCode ListPorts(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const PortRows shown = SelectPorts(invocation, ports);
     invocation.Result() = PortList().Make(shown);
@@ -387,7 +375,7 @@ HX_STATUS AskCreditRecovery(PortVisit& visit, std::optional<HX_BBCR_DATA>* recov
     return status;
 }
 
-ExitCode ShowPorts(tools::Invocation& invocation) {
+ExitCode ShowPorts(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
     PortDetailRows rows;
@@ -407,43 +395,43 @@ ExitCode ShowPorts(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows AdapterAndPortCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows AdapterAndPortCommands() {
+    static const Command kCommands[] = {
         {
             .path = "adapter list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the adapters",
             .schema = "adapter.list",
             .run = ShowAdapters<AdapterList>,
             .example = "adapter list",
-            .result = tools::ShapeOf<AdapterList>,
+            .result = ShapeOf<AdapterList>,
         },
         {
             .path = "adapter show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show adapters in detail, with their ports",
             .schema = "adapter.show",
             .run = ShowAdapters<AdapterDetails>,
             .example = "adapter show -a serial:EMU7740A0001",
-            .result = tools::ShapeOf<AdapterDetails>,
+            .result = ShapeOf<AdapterDetails>,
         },
         {
             .path = "port list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the ports",
             .schema = "port.list",
             .run = ListPorts,
             .example = "port list -o csv",
-            .result = tools::ShapeOf<PortList>,
+            .result = ShapeOf<PortList>,
         },
         {
             .path = "port show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show ports in detail",
             .schema = "port.show",
             .run = ShowPorts,
             .example = "port show -p scsi:3",
-            .result = tools::ShapeOf<PortDetails>,
+            .result = ShapeOf<PortDetails>,
         },
     };
     return kCommands;

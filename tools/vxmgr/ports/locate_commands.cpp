@@ -9,12 +9,9 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Value;
-
-constexpr tools::Argument kLocateArguments[] = {
+constexpr Argument kLocateArguments[] = {
     {.name = "--for",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .valueName = "S",
      .help = "end after S seconds (until it is switched off)",
      .least = 1,
@@ -24,9 +21,8 @@ constexpr tools::Argument kLocateArguments[] = {
 enum LocateOutcome { kLocated, kAsItWas, kPlanned, kCannotLocate, kNotLocated, kLocateFailed };
 constexpr const char* kLocateOutcomes[] = {"done",          "unchanged",  "planned",
                                            "not_supported", "not_proven", "failed"};
-constexpr tools::Tone kLocateTones[] = {tools::Tone::Good,    tools::Tone::Plain,
-                                        tools::Tone::Plain,   tools::Tone::Plain,
-                                        tools::Tone::Warning, tools::Tone::Bad};
+constexpr Tone kLocateTones[] = {Tone::Good,  Tone::Plain,   Tone::Plain,
+                                 Tone::Plain, Tone::Warning, Tone::Bad};
 
 struct BeaconState {
     std::optional<HX_BEACON> beacon;
@@ -73,27 +69,27 @@ Value OutcomeOf(const BeaconRow& row) {
 }
 
 template <bool changes>
-const tools::Fields<std::vector<BeaconRow>>& BeaconList() {
+const Fields<std::vector<BeaconRow>>& BeaconList() {
     static constexpr const char* kLeds[] = {"green", "amber"};
-    static const tools::Fields<BeaconRow> kBeacon = {
+    static const Fields<BeaconRow> kBeacon = {
         {PortKeys(kPortIndex | kAdapterSerial), &BeaconRow::port},
         {PortSerialAlias(), &BeaconRow::port},
-        {"supported", "Supported", tools::kFlag.OrNull(), BeaconSupported},
-        {"on", "Beacon", "BEACON", tools::kFlag.OrNull(),
+        {"supported", "Supported", kFlag.OrNull(), BeaconSupported},
+        {"on", "Beacon", "BEACON", kFlag.OrNull(),
          Of(BeaconOf,
             [](const HX_BEACON& beacon) {
                 return Value::Flag(beacon.on != 0).Shown(beacon.on != 0 ? "on" : "off");
             })},
-        {"seconds_left", "Ends in", "ENDS IN", tools::Integer("s").OrNull(),
-         Of(BeaconOf, BeaconEnd), "null: it is off, or on until it is switched off"},
-        {"leds", "LEDs", changes ? "" : "LIT NOW", tools::Choices(kLeds).OrNull(),
-         Of(BeaconOf, LitLeds), "lit at this moment"},
-        {"outcome", "Outcome", changes ? "OUTCOME" : "", tools::Choice(kLocateOutcomes).OrNull(),
+        {"seconds_left", "Ends in", "ENDS IN", Integer("s").OrNull(), Of(BeaconOf, BeaconEnd),
+         "null: it is off, or on until it is switched off"},
+        {"leds", "LEDs", changes ? "" : "LIT NOW", Choices(kLeds).OrNull(), Of(BeaconOf, LitLeds),
+         "lit at this moment"},
+        {"outcome", "Outcome", changes ? "OUTCOME" : "", Choice(kLocateOutcomes).OrNull(),
          OutcomeOf, "null: nothing was to be changed"},
         {PortStatus(), &BeaconRow::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<BeaconRow>>(
-        "beacons", "Beacons", kBeacon, tools::ListLayout::Table, "No ports.");
+    static const auto kFields = ListOf<std::vector<BeaconRow>>("beacons", "Beacons", kBeacon,
+                                                               ListLayout::Table, "No ports.");
     return kFields;
 }
 
@@ -135,8 +131,7 @@ HX_STATUS SwitchBeacon(PortVisit& visit, const HX_BEACON& wanted, bool dry, Beac
 }
 
 // The ports of the selected adapters; all adapters when nothing is selected.
-std::vector<Port*> PortsToLocate(tools::Invocation& invocation, std::vector<Port>& ports,
-                                 bool onlyOne) {
+std::vector<Port*> PortsToLocate(Invocation& invocation, std::vector<Port>& ports, bool onlyOne) {
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
     if (onlyOne && selected.size() != 1) {
@@ -156,7 +151,7 @@ std::vector<Port*> PortsToLocate(tools::Invocation& invocation, std::vector<Port
 }
 
 template <bool changes>
-ExitCode AskBeacons(tools::Invocation& invocation, const AskPort<BeaconState>& ask,
+ExitCode AskBeacons(Invocation& invocation, const AskPort<BeaconState>& ask,
                     std::vector<BeaconRow>* rows, std::vector<Port>& ports) {
     const auto answers = ForEachPort(invocation, PortsToLocate(invocation, ports, changes), ask);
     const ExitCode exit = ReportAnswers(invocation, answers);
@@ -172,7 +167,7 @@ ExitCode AskBeacons(tools::Invocation& invocation, const AskPort<BeaconState>& a
 }
 
 template <bool on>
-ExitCode LocateAdapter(tools::Invocation& invocation) {
+ExitCode LocateAdapter(Invocation& invocation) {
     HX_BEACON wanted{};
     wanted.on = on ? 1 : 0;
     if constexpr (on) {
@@ -203,7 +198,7 @@ ExitCode LocateAdapter(tools::Invocation& invocation) {
     return exit;
 }
 
-ExitCode LocateShow(tools::Invocation& invocation) {
+ExitCode LocateShow(Invocation& invocation) {
     std::vector<Port> ports = ReadPorts(invocation);
     std::vector<BeaconRow> rows;
     return AskBeacons<false>(
@@ -217,35 +212,35 @@ ExitCode LocateShow(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows LocateCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows LocateCommands() {
+    static const Command kCommands[] = {
         {
             .path = "adapter locate on",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "let the LEDs of an adapter's ports blink",
             .schema = "adapter.locate",
             .arguments = kLocateArguments,
             .run = LocateAdapter<true>,
             .example = "adapter locate on --for 60 -a EMU7740A0001",
-            .result = tools::ShapeOf<BeaconList<true>>,
+            .result = ShapeOf<BeaconList<true>>,
         },
         {
             .path = "adapter locate off",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "end the blinking",
             .schema = "adapter.locate",
             .run = LocateAdapter<false>,
             .example = "adapter locate off -a EMU7740A0001",
-            .result = tools::ShapeOf<BeaconList<true>>,
+            .result = ShapeOf<BeaconList<true>>,
         },
         {
             .path = "adapter locate show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show which ports blink",
             .schema = "adapter.locate",
             .run = LocateShow,
             .example = "adapter locate show",
-            .result = tools::ShapeOf<BeaconList<false>>,
+            .result = ShapeOf<BeaconList<false>>,
         },
     };
     return kCommands;

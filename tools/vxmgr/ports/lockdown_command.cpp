@@ -8,9 +8,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Value;
-
 struct Lockdown {
     bool lockedDown;
     uint8_t state[64];
@@ -21,25 +18,25 @@ struct LockdownRow {
     std::optional<Lockdown> lockdown;
 };
 
-const tools::Fields<std::vector<LockdownRow>>& LockdownList() {
-    static const tools::Fields<LockdownRow> kRow = {
+const Fields<std::vector<LockdownRow>>& LockdownList() {
+    static const Fields<LockdownRow> kRow = {
         {PortKeys(kPortIndex | kPortName | kAdapterSerial), &LockdownRow::port},
         {PortSerialAlias(), &LockdownRow::port},
-        {"locked_down", "Locked down", "LOCKED DOWN", tools::kFlag.OrNull(),
+        {"locked_down", "Locked down", "LOCKED DOWN", kFlag.OrNull(),
          Of(&LockdownRow::lockdown,
             [](const Lockdown& lockdown) {
                 return Value::Flag(lockdown.lockedDown)
-                    .In(lockdown.lockedDown ? tools::Tone::Warning : tools::Tone::Plain);
+                    .In(lockdown.lockedDown ? Tone::Warning : Tone::Plain);
             }),
          "the firmware refuses changes of flash and settings; null: it does not tell"},
-        {"state", "State", tools::kText.OrNull(),
+        {"state", "State", kText.OrNull(),
          Of(&LockdownRow::lockdown,
             [](const Lockdown& lockdown) { return HexDigits(BytesOf(lockdown.state)); }),
          "what the firmware says of it: bytes whose meaning is its own"},
         {PortStatus(), &LockdownRow::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<LockdownRow>>(
-        "lockdowns", "Lockdowns", kRow, tools::ListLayout::Table, "No ports.");
+    static const auto kFields = ListOf<std::vector<LockdownRow>>("lockdowns", "Lockdowns", kRow,
+                                                                 ListLayout::Table, "No ports.");
     return kFields;
 }
 
@@ -55,7 +52,7 @@ HX_STATUS AskLockdown(PortVisit& visit, std::optional<Lockdown>* lockdown) {
     return HXMGT_SUCCESS;
 }
 
-ExitCode PortLockdown(tools::Invocation& invocation) {
+ExitCode PortLockdown(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto answers = ForEachPort<std::optional<Lockdown>>(
         invocation, SelectPorts(invocation, ports), AskLockdown);
@@ -70,16 +67,16 @@ ExitCode PortLockdown(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows LockdownCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows LockdownCommands() {
+    static const Command kCommands[] = {
         {
             .path = "port lockdown",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show whether the firmware is locked down against changes",
             .schema = "port.lockdown",
             .run = PortLockdown,
             .example = "port lockdown -p scsi:3",
-            .result = tools::ShapeOf<LockdownList>,
+            .result = ShapeOf<LockdownList>,
         },
     };
     return kCommands;

@@ -1,34 +1,31 @@
 // smartsan get|on|off: the switch of the driver service, which all its adapters share.
-#include "common/fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/ports/commands.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 struct SwitchState {
     bool enabled;
     bool previous;
 };
 
-const tools::Fields<bool>& EnabledFields() {
-    static const tools::Fields<bool> kFields = {{"enabled", "SmartSAN", tools::kFlag, OnOffValue}};
+const Fields<bool>& EnabledFields() {
+    static const Fields<bool> kFields = {{"enabled", "SmartSAN", kFlag, OnOffValue}};
     return kFields;
 }
 
-const tools::Fields<SwitchState>& SwitchFields() {
-    static const tools::Fields<SwitchState> kFields = {
+const Fields<SwitchState>& SwitchFields() {
+    static const Fields<SwitchState> kFields = {
         {EnabledFields(), &SwitchState::enabled},
-        {"previous", "Before", tools::kFlag,
+        {"previous", "Before", kFlag,
          [](const SwitchState& state) { return OnOffValue(state.previous); }},
     };
     return kFields;
 }
 
 // Any port of the driver reaches the switch: the first selected one that can be opened.
-Device OpenAnyPort(tools::Invocation& invocation) {
+Device OpenAnyPort(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
     if (selected.empty()) {
@@ -45,7 +42,7 @@ Device OpenAnyPort(tools::Invocation& invocation) {
     invocation.Fail(status, "no port can be opened", selected.back()->Object());
 }
 
-bool IsEnabled(tools::Invocation& invocation, const Device& device) {
+bool IsEnabled(Invocation& invocation, const Device& device) {
     uint8_t enabled = 0;
     const HX_STATUS status = HXGetSmartSANStatusFC(device.Handle(), &enabled);
     if (status != HXMGT_SUCCESS) {
@@ -55,7 +52,7 @@ bool IsEnabled(tools::Invocation& invocation, const Device& device) {
 }
 
 template <bool wanted>
-ExitCode SwitchSmartSan(tools::Invocation& invocation) {
+ExitCode SwitchSmartSan(Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
     const bool before = IsEnabled(invocation, device);
     const bool needed = before != wanted;
@@ -82,7 +79,7 @@ ExitCode SwitchSmartSan(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode SmartSanGet(tools::Invocation& invocation) {
+ExitCode SmartSanGet(Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
     invocation.Result() = EnabledFields().Make(IsEnabled(invocation, device));
     return ExitCode::Done;
@@ -90,34 +87,34 @@ ExitCode SmartSanGet(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows SmartsanCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows SmartsanCommands() {
+    static const Command kCommands[] = {
         {
             .path = "smartsan get",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "is SmartSAN on?",
             .schema = "smartsan.get",
             .run = SmartSanGet,
             .example = "smartsan get",
-            .result = tools::ShapeOf<EnabledFields>,
+            .result = ShapeOf<EnabledFields>,
         },
         {
             .path = "smartsan on",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "switch SmartSAN on from the driver's next start",
             .schema = "smartsan.set",
             .run = SwitchSmartSan<true>,
             .example = "smartsan on -p scsi:3",
-            .result = tools::ShapeOf<SwitchFields>,
+            .result = ShapeOf<SwitchFields>,
         },
         {
             .path = "smartsan off",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "switch SmartSAN off from the driver's next start",
             .schema = "smartsan.set",
             .run = SwitchSmartSan<false>,
             .example = "smartsan off -p scsi:3",
-            .result = tools::ShapeOf<SwitchFields>,
+            .result = ShapeOf<SwitchFields>,
         },
     };
     return kCommands;

@@ -15,14 +15,12 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 constexpr const char* kKindNames[] = {"link", "traffic", "scm", "private", "latency", "all"};
 constexpr unsigned kKindsOfNames[] = {kLinkKind,    kTrafficKind, kScmKind,
                                       kPrivateKind, kLatencyKind, kAllKinds};
 constexpr unsigned kKindsOfRemotePorts = kLinkKind | kTrafficKind | kScmKind;
 
-constexpr tools::Argument kStatsArguments[] = {
+constexpr Argument kStatsArguments[] = {
     {.name = "--kind", .valueName = "KIND", .help = "which counters (link)", .choices = kKindNames},
     {.name = "-t,--target",
      .valueName = "TARGET",
@@ -31,25 +29,25 @@ constexpr tools::Argument kStatsArguments[] = {
     kTurnsArgument,
     kForArgument,
     {.name = "--delta",
-     .kind = tools::ArgumentKind::Flag,
+     .kind = ArgumentKind::Flag,
      .help = "rows of what was counted since the row before"},
 };
-constexpr tools::Argument kStatsClearArguments[] = {
+constexpr Argument kStatsClearArguments[] = {
     {.name = "--private",
-     .kind = tools::ArgumentKind::Flag,
+     .kind = ArgumentKind::Flag,
      .help = "the counters of the driver and its latencies, instead of the link's"},
 };
 
 // A reading of a port. reset: since the reading before, where there is one.
 struct Reading {
     const Port* port;
-    std::optional<tools::Wwn> target;
+    std::optional<Wwn> target;
     PortCounters counters;
     std::optional<bool> reset;
 };
 
 // shown: the kinds of counters that people see.
-tools::Fields<Reading> ReadingFieldsWith(unsigned shown, bool ofTarget) {
+Fields<Reading> ReadingFieldsWith(unsigned shown, bool ofTarget) {
     return {[](const Reading& reading) { return "Port " + std::to_string(reading.port->index); },
             {
                 TimeField<Reading>("UTC, when the counters were read"),
@@ -57,18 +55,18 @@ tools::Fields<Reading> ReadingFieldsWith(unsigned shown, bool ofTarget) {
                  &Reading::port},
                 {PortSerialAlias(), &Reading::port},
                 {"target_wwn", ofTarget ? "Remote port" : "", ofTarget ? "TARGET" : "",
-                 tools::kWwn.OrNull(), &Reading::target,
+                 kWwn.OrNull(), &Reading::target,
                  "the remote port that the counters concern; null: the port itself", 23},
                 {CounterFields(shown), &Reading::counters},
-                {"reset", "", tools::kFlag.OrNull(), &Reading::reset,
+                {"reset", "", kFlag.OrNull(), &Reading::reset,
                  "rows that keep coming: the counters were reset since the row before"},
                 {PortStatus(), &Reading::port},
             }};
 }
 
-const tools::Fields<Reading>& ReadingFields(unsigned shown, bool ofTarget) {
+const Fields<Reading>& ReadingFields(unsigned shown, bool ofTarget) {
     static std::mutex lock;  // rows are also made on the threads of ports
-    static std::map<std::pair<unsigned, bool>, tools::Fields<Reading>> made;
+    static std::map<std::pair<unsigned, bool>, Fields<Reading>> made;
     const std::lock_guard guard(lock);
     const std::pair key(shown, ofTarget);
     const auto found = made.find(key);
@@ -78,19 +76,19 @@ const tools::Fields<Reading>& ReadingFields(unsigned shown, bool ofTarget) {
 }
 
 using Readings = std::vector<Reading>;
-tools::Fields<Readings> ReadingListWith(unsigned shown, bool ofTarget) {
-    return tools::ListOf<Readings>("readings", "Readings", ReadingFields(shown, ofTarget),
-                                   tools::ListLayout::Sections, "No ports.");
+Fields<Readings> ReadingListWith(unsigned shown, bool ofTarget) {
+    return ListOf<Readings>("readings", "Readings", ReadingFields(shown, ofTarget),
+                            ListLayout::Sections, "No ports.");
 }
 
-tools::Shape ReadingShape() {
+Shape ReadingShape() {
     return ReadingListWith(kAllKinds, true).ShapeOfAll();
 }
 
 struct OpenReading {
     std::shared_ptr<Device> device;  // shared with a thread that may be left behind
     StatsQuestion question;
-    std::optional<tools::Wwn> target;
+    std::optional<Wwn> target;
     PortCounters counters;
 };
 
@@ -108,7 +106,7 @@ HX_STATUS ResolveTarget(PortVisit& visit, OpenReading* first) {
         address = AddressByPortName(found->PortName());
     }
     if (address.type == HX_ADDRESS_PORT_NAME) {
-        first->target = tools::Wwn::Of(address.address);
+        first->target = Wwn::Of(address.address);
     }
     visit.task.Answered();
     return HXMGT_SUCCESS;
@@ -141,8 +139,7 @@ auto NextReadings(const Port& port, const OpenReading& first, bool delta, unsign
         std::string query;
         turn.status = ReadCounters(first.device->Handle(), first.question, &now, &query);
         if (turn.status == HXMGT_SUCCESS) {
-            const tools::Fields<Reading>& fields =
-                ReadingFields(shown, first.question.remote.has_value());
+            const Fields<Reading>& fields = ReadingFields(shown, first.question.remote.has_value());
             turn.rows.push_back(
                 fields.Make({&port, first.target, delta ? CountedBetween(*last, now) : now,
                              WasReset(*last, now)}));
@@ -151,8 +148,8 @@ auto NextReadings(const Port& port, const OpenReading& first, bool delta, unsign
     };
 }
 
-StatsQuestion GivenQuestion(tools::Invocation& invocation) {
-    const tools::Options& given = invocation.Given();
+StatsQuestion GivenQuestion(Invocation& invocation) {
+    const Options& given = invocation.Given();
     StatsQuestion question;
     if (given.Has("kind")) {
         const auto name = std::ranges::find(kKindNames, given.Text("kind"));
@@ -169,8 +166,7 @@ StatsQuestion GivenQuestion(tools::Invocation& invocation) {
     return question;
 }
 
-ExitCode ReportReadings(tools::Invocation& invocation,
-                        const std::vector<PortAnswer<OpenReading>>& answers,
+ExitCode ReportReadings(Invocation& invocation, const std::vector<PortAnswer<OpenReading>>& answers,
                         const StatsQuestion& question) {
     if ((question.kinds & kLinkKind) == 0) {
         return ReportAnswers(invocation, answers);
@@ -185,13 +181,12 @@ ExitCode ReportReadings(tools::Invocation& invocation,
     return ReportFailures(invocation, asked);
 }
 
-ExitCode PortStats(tools::Invocation& invocation) {
-    const tools::Options& given = invocation.Given();
+ExitCode PortStats(Invocation& invocation) {
+    const Options& given = invocation.Given();
     const bool delta = given.Has("delta");
     const bool watch = delta || given.Has("interval") || given.Has("count") || given.Has("for");
     const StatsQuestion question = GivenQuestion(invocation);
-    const tools::Fields<Readings> list =
-        ReadingListWith(question.kinds, question.remote.has_value());
+    const Fields<Readings> list = ReadingListWith(question.kinds, question.remote.has_value());
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
     if (watch && selected.empty()) {
@@ -229,18 +224,17 @@ struct Clearing {
 template <auto group>
 constexpr auto kBefore = [](const Clearing& clearing) { return clearing.before.*group; };
 
-const tools::Fields<Clearing>& ClearingFields() {
-    static const tools::Fields<Clearing> kFields = {
+const Fields<Clearing>& ClearingFields() {
+    static const Fields<Clearing> kFields = {
         {PortKeys(kPortIndex | kAdapterSerial), &Clearing::port},
         {PortSerialAlias(), &Clearing::port},
-        {"cleared", "Cleared", tools::kFlag, &Clearing::cleared},
+        {"cleared", "Cleared", kFlag, &Clearing::cleared},
         {"before", "Before", LinkFields(), kBefore<&PortCounters::link>,
-         "the counters before they were set to zero; null: they were not to be",
-         tools::kGroup.OrNull()},
+         "the counters before they were set to zero; null: they were not to be", kGroup.OrNull()},
         {"private_before", "Driver's own counters before", PrivateFields(),
-         kBefore<&PortCounters::driver>, "the same of the driver's own", tools::kGroup.OrNull()},
+         kBefore<&PortCounters::driver>, "the same of the driver's own", kGroup.OrNull()},
         {"latency_before", "Latency before", LatencyFields(), kBefore<&PortCounters::latency>,
-         "the same of the latencies", tools::kGroup.OrNull()},
+         "the same of the latencies", kGroup.OrNull()},
     };
     return kFields;
 }
@@ -262,7 +256,7 @@ HX_STATUS Restart(uint32_t handle, HX_STATUS (*read)(uint32_t, Record*),
 }
 
 // Zeroes the groups that were read.
-HX_STATUS ClearCounters(tools::Invocation& invocation, uint32_t handle, PortCounters* before) {
+HX_STATUS ClearCounters(Invocation& invocation, uint32_t handle, PortCounters* before) {
     HX_STATUS status =
         before->link ? HXResetStatistics(handle) : Restart(handle, HXGetPrivStats, &before->driver);
     if (status == HXMGT_SUCCESS) {
@@ -289,7 +283,7 @@ bool ProvesReset(const PortCounters& before, const PortCounters& after) {
            ProvesReset(before.driver, after.driver) && ProvesReset(before.latency, after.latency);
 }
 
-ExitCode PortStatsClear(tools::Invocation& invocation) {
+ExitCode PortStatsClear(Invocation& invocation) {
     StatsQuestion question;
     if (invocation.Given().Has("private")) {
         question.kinds = kPrivateKind | kLatencyKind;
@@ -326,11 +320,11 @@ ExitCode PortStatsClear(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows StatsCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows StatsCommands() {
+    static const Command kCommands[] = {
         {
             .path = "port stats",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the counters of the ports",
             .schema = "port.stats",
             .arguments = kStatsArguments,
@@ -340,13 +334,13 @@ tools::CommandRows StatsCommands() {
         },
         {
             .path = "port stats clear",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "set the counters of a port to zero",
             .schema = "port.stats.clear",
             .arguments = kStatsClearArguments,
             .run = PortStatsClear,
             .example = "port stats clear -p scsi:3",
-            .result = tools::ShapeOf<ClearingFields>,
+            .result = ShapeOf<ClearingFields>,
         },
     };
     return kCommands;

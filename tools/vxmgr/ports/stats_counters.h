@@ -8,8 +8,8 @@
 #include <span>
 #include <string>
 
-#include "common/fields.h"
 #include "hxstatistics.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 

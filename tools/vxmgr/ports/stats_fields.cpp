@@ -11,16 +11,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::FieldRow;
-using tools::Fields;
-using tools::kCounter;
-using tools::kFlag;
-using tools::kGroup;
-using tools::kInteger;
-using tools::ListLayout;
-using tools::Tone;
-using tools::Value;
-
 Value CountValue(uint64_t count, const char* unit = "") {
     return count != HX_NOT_COUNTED ? Value::Number(count, unit) : Value();
 }
@@ -149,7 +139,7 @@ const Fields<ScmReading>& ScmFields() {
             {"enabled", "Enabled", kFlag, HasState<HX_SCM_ENABLED>, "the setting is on"},
             {"throttling", "Throttling", kFlag, HasState<HX_SCM_THROTTLING>,
              "requests are held back now"},
-            {"severity", "Severity", "SEVERITY", tools::Choice(kSeverities).OrNull(), SeverityValue,
+            {"severity", "Severity", "SEVERITY", Choice(kSeverities).OrNull(), SeverityValue,
              "of the congestion now", 8},
             {"link_fpins", "Link FPINs", "LINK", kCounter, OwnFpins<0, kFirstDelivery>,
              "notifications of the link's integrity", 5},
@@ -170,7 +160,7 @@ const Fields<ScmReading>& ScmFields() {
         rows.insert(
             rows.end(),
             {
-                {"allowed_percent", "Bandwidth allowed", "ALLOWED", tools::Integer("%").OrNull(),
+                {"allowed_percent", "Bandwidth allowed", "ALLOWED", Integer("%").OrNull(),
                  [](const ScmReading& reading) {
                      return reading.ofRemotePort
                                 ? Value()
@@ -242,10 +232,8 @@ Value AverageOf(const Latency& latency) {
 template <bool isRead>
 const Fields<Bucket>& BucketFields() {
     static const Fields<Bucket> kFields = {
-        {"from_us", "From", isRead ? "READS FROM" : "WRITES FROM", tools::Integer("us"),
-         &Bucket::From},
-        {"to_us", "To", "BELOW", tools::Integer("us").OrNull(), &Bucket::To,
-         "null: and longer ones"},
+        {"from_us", "From", isRead ? "READS FROM" : "WRITES FROM", Integer("us"), &Bucket::From},
+        {"to_us", "To", "BELOW", Integer("us").OrNull(), &Bucket::To, "null: and longer ones"},
         {"count", "Commands", "COUNT", kCounter, &Bucket::count},
     };
     return kFields;

@@ -16,10 +16,10 @@ enum StatsKind : unsigned {
 
 // The counters of the link are among the row's own fields, the others in groups. shown: the kinds
 // that people see, as text and as columns; a group that is not among them is null.
-const tools::Fields<PortCounters>& CounterFields(unsigned shown);
+const Fields<PortCounters>& CounterFields(unsigned shown);
 
-const tools::Fields<HX_PORT_STATISTICS>& LinkFields();
-const tools::Fields<HX_PRIVATE_STATISTICS>& PrivateFields();
-const tools::Fields<HX_PRIVATE_STATISTICS_EX>& LatencyFields();
+const Fields<HX_PORT_STATISTICS>& LinkFields();
+const Fields<HX_PRIVATE_STATISTICS>& PrivateFields();
+const Fields<HX_PRIVATE_STATISTICS_EX>& LatencyFields();
 
 }  // namespace vxmgr

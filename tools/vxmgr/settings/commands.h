@@ -1,14 +1,14 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows NvramCommands();
-tools::CommandRows NvramChangeCommands();
-tools::CommandRows NvramActivateCommands();
-tools::CommandRows NvramTransferCommands();
-tools::CommandRows VpdCommands();
+CommandRows NvramCommands();
+CommandRows NvramChangeCommands();
+CommandRows NvramActivateCommands();
+CommandRows NvramTransferCommands();
+CommandRows VpdCommands();
 
 }  // namespace vxmgr

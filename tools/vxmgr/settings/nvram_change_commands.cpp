@@ -12,19 +12,15 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kFlag;
-
 constexpr size_t kRowsInQuestion = 12;
 
-constexpr tools::Argument kActivateArgument = {
+constexpr Argument kActivateArgument = {
     .name = "--activate",
     .kind = ArgumentKind::Flag,
     .help = "have the firmware read it at once: restarts the port"};
-constexpr tools::Argument kBackupArgument = {
+constexpr Argument kBackupArgument = {
     .name = "--backup", .valueName = "FILE", .help = "first write an export of the block as it is"};
-constexpr tools::Argument kSetArguments[] = {
+constexpr Argument kSetArguments[] = {
     {.name = "SETTING",
      .help = "NAME=VALUE: a variable by number, name or start of its name",
      .required = true,
@@ -36,7 +32,7 @@ constexpr tools::Argument kSetArguments[] = {
     kActivateArgument,
     kBackupArgument,
 };
-constexpr tools::Argument kImportArguments[] = {
+constexpr Argument kImportArguments[] = {
     {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
     {.name = "--as-port",
      .kind = ArgumentKind::Flag,
@@ -53,9 +49,9 @@ struct NvramChanged {
     bool active = false;
 };
 
-const tools::Fields<NvramChanged>& NvramChangeFields() {
+const Fields<NvramChanged>& NvramChangeFields() {
     using Changed = NvramChanged;
-    static const tools::Fields<Changed> kFields = {
+    static const Fields<Changed> kFields = {
         {PortKeys(), [](const Changed& one) { return &one.before->ItsPort(); }},
         {"bank", "Goes to bank", kBank, [](const Changed& one) { return one.before->Target(); },
          "null on chips with one bank"},
@@ -72,8 +68,8 @@ struct Restart {
     bool restarted;
 };
 
-const tools::Fields<Restart>& RestartFields() {
-    static const tools::Fields<Restart> kFields = {
+const Fields<Restart>& RestartFields() {
+    static const Fields<Restart> kFields = {
         {PortKeys(), [](const Restart& one) { return &one.before->ItsPort(); }},
         {"bank_before", "Bank before", kBank, [](const Restart& one) { return one.before->Bank(); },
          "null on chips with one bank"},
@@ -106,7 +102,7 @@ std::vector<std::string> LinesOf(const NvramDifference& difference) {
 
 // A change that waits in the other bank would be lost without a word. Whether it waits, or is what
 // was in use before, cannot be told.
-void WarnOfOtherBank(tools::Invocation& invocation, const PortNvram& nvram,
+void WarnOfOtherBank(Invocation& invocation, const PortNvram& nvram,
                      const std::vector<uint8_t>& other) {
     if (!nvram.bank || nvram.fromOther || !IsSound(nvram.map.kind, other)) {
         return;
@@ -120,8 +116,8 @@ void WarnOfOtherBank(tools::Invocation& invocation, const PortNvram& nvram,
     }
 }
 
-bool WriteNvram(tools::Invocation& invocation, const PortNvram& before,
-                std::vector<uint8_t> replaced, std::vector<uint8_t>& block) {
+bool WriteNvram(Invocation& invocation, const PortNvram& before, std::vector<uint8_t> replaced,
+                std::vector<uint8_t>& block) {
     const auto write = [](uint32_t handle, std::vector<uint8_t>& image) {
         return HXUpdateNVRam(handle, 0, HX_NVRAM_BLOCK, image.data(),
                              static_cast<uint32_t>(image.size()));
@@ -129,7 +125,7 @@ bool WriteNvram(tools::Invocation& invocation, const PortNvram& before,
     return WriteSettings(invocation, {"the NVRAM", before, std::move(replaced), write}, block);
 }
 
-void SaveBackup(tools::Invocation& invocation, const PortNvram& nvram) {
+void SaveBackup(Invocation& invocation, const PortNvram& nvram) {
     const std::string path = invocation.Given().Text("backup");
     if (!path.empty()) {
         SaveNvramDocument(invocation, nvram, path);
@@ -138,7 +134,7 @@ void SaveBackup(tools::Invocation& invocation, const PortNvram& nvram) {
 }
 
 // A reset in vain, or one that the port does not come back from.
-[[noreturn]] void RefuseDamaged(tools::Invocation& invocation, const char* which) {
+[[noreturn]] void RefuseDamaged(Invocation& invocation, const char* which) {
     invocation.Fail(ExitCode::Refused,
                     std::string("signature or checksum of the block ") + which +
                         " are wrong: the port was not restarted",
@@ -147,8 +143,7 @@ void SaveBackup(tools::Invocation& invocation, const PortNvram& nvram) {
 
 // The block that the firmware will use behind a restart: on chips with two banks the one of the
 // other bank if it waits, which only the restart shows.
-void CheckBlocks(tools::Invocation& invocation, const PortSession& session,
-                 const PortNvram& nvram) {
+void CheckBlocks(Invocation& invocation, const PortSession& session, const PortNvram& nvram) {
     if (!nvram.IsWhole()) {
         RefuseDamaged(invocation, "in use");
     }
@@ -160,14 +155,14 @@ void CheckBlocks(tools::Invocation& invocation, const PortSession& session,
 }
 
 // Not while another program writes to the adapter.
-HX_STATUS RestartPort(tools::Invocation& invocation, const PortSession& session) {
+HX_STATUS RestartPort(Invocation& invocation, const PortSession& session) {
     const UpdateLock lock(invocation, session);
     invocation.Progress("restarting the port's firmware");
     return HXReloadNvramAndInitFw(session.Handle());
 }
 
 // Restarts the port's firmware and looks whether it uses the block. Reports what went wrong.
-ExitCode ActivateNvram(tools::Invocation& invocation, const PortSession& session, NvramKind kind,
+ExitCode ActivateNvram(Invocation& invocation, const PortSession& session, NvramKind kind,
                        const std::vector<uint8_t>& block) {
     const HX_STATUS status = RestartPort(invocation, session);
     if (status != HXMGT_SUCCESS) {
@@ -191,8 +186,8 @@ ExitCode ActivateNvram(tools::Invocation& invocation, const PortSession& session
 
 // Shows the difference, asks, writes, proves, and activates where that was asked for. before: the
 // block that `block` was made from; when they are equal, there is nothing to do.
-ExitCode ChangeNvram(tools::Invocation& invocation, const PortNvram& before,
-                     std::vector<uint8_t> block, const std::string& action) {
+ExitCode ChangeNvram(Invocation& invocation, const PortNvram& before, std::vector<uint8_t> block,
+                     const std::string& action) {
     const PortSession& session = *before.session;
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
     const bool activate = invocation.Given().Has("activate");
@@ -241,8 +236,7 @@ ExitCode ExitOf(SettingFault fault) {
                                                  : ExitCode::Refused;
 }
 
-void ApplySettings(tools::Invocation& invocation, const NvramMap& map,
-                   std::vector<uint8_t>& block) {
+void ApplySettings(Invocation& invocation, const NvramMap& map, std::vector<uint8_t>& block) {
     std::vector<const NvramVariable*> met;
     for (const std::string& text : invocation.Given().All("SETTING")) {
         NvramSetting setting;
@@ -259,7 +253,7 @@ void ApplySettings(tools::Invocation& invocation, const NvramMap& map,
     }
 }
 
-ExitCode NvramSet(tools::Invocation& invocation) {
+ExitCode NvramSet(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, WantsOtherBank(invocation));
     std::vector<uint8_t> block = before.bytes;
@@ -274,14 +268,14 @@ ExitCode NvramSet(tools::Invocation& invocation) {
     return ChangeNvram(invocation, before, std::move(block), "Change NVRAM settings.");
 }
 
-ExitCode NvramImport(tools::Invocation& invocation) {
+ExitCode NvramImport(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, false);
     std::vector<uint8_t> block = LoadNvramFile(invocation, before, FileUse::Write);
     return ChangeNvram(invocation, before, std::move(block), "Import NVRAM settings from a file.");
 }
 
-ExitCode NvramActivate(tools::Invocation& invocation) {
+ExitCode NvramActivate(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram before = ReadNvram(invocation, session, false);
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
@@ -308,42 +302,42 @@ ExitCode NvramActivate(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows NvramChangeCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NvramChangeCommands() {
+    static const Command kCommands[] = {
         {
             .path = "nvram set",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "change settings",
             .schema = "nvram.change",
             .arguments = kSetArguments,
             .run = NvramSet,
             .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
-            .result = tools::ShapeOf<NvramChangeFields>,
+            .result = ShapeOf<NvramChangeFields>,
         },
         {
             .path = "nvram import",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "take the settings from a file",
             .schema = "nvram.change",
             .arguments = kImportArguments,
             .run = NvramImport,
             .example = "nvram import settings.json -p scsi:3 --dry-run",
-            .result = tools::ShapeOf<NvramChangeFields>,
+            .result = ShapeOf<NvramChangeFields>,
         },
     };
     return kCommands;
 }
 
-tools::CommandRows NvramActivateCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NvramActivateCommands() {
+    static const Command kCommands[] = {
         {
             .path = "nvram activate",
-            .risk = tools::Risk::InterruptsIo,
+            .risk = Risk::InterruptsIo,
             .help = "have the firmware use what was written: restarts the port",
             .schema = "nvram.activate",
             .run = NvramActivate,
             .example = "nvram activate -p scsi:3",
-            .result = tools::ShapeOf<RestartFields>,
+            .result = ShapeOf<RestartFields>,
         },
     };
     return kCommands;

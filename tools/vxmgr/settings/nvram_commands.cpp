@@ -1,7 +1,6 @@
 // nvram show, nvram get, nvram verify.
 #include "vxmgr/settings/commands.h"
 
-#include "common/status_codes.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/settings/nvram_port.h"
@@ -10,15 +9,7 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kSerial;
-using tools::ListLayout;
-using tools::Tone;
-using tools::Value;
-
-constexpr tools::Argument kGetArguments[] = {
+constexpr Argument kGetArguments[] = {
     {.name = "NAME",
      .help = "a variable: its number, its name, or the start of exactly one name",
      .required = true},
@@ -29,9 +20,9 @@ Value SoundValue(bool sound) {
     return Value::Flag(sound).Shown(sound ? "good" : "wrong").In(sound ? Tone::Plain : Tone::Bad);
 }
 
-const tools::Fields<PortNvram>& NvramShowFields() {
+const Fields<PortNvram>& NvramShowFields() {
     using Nvram = PortNvram;
-    static const tools::Fields<Nvram> kFields = {
+    static const Fields<Nvram> kFields = {
         {"port", "Port", kInteger, [](const Nvram& nvram) { return nvram.ItsPort().index; }},
         {"scsi_port", "", kInteger.OrNull(),
          [](const Nvram& nvram) { return nvram.ItsPort().scsiPort; }},
@@ -39,17 +30,16 @@ const tools::Fields<PortNvram>& NvramShowFields() {
          [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
         {"adapter_serial", "", kSerial.OrNull(),
          [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
-        {"kind", "Kind", tools::Choice(kNvramKinds),
+        {"kind", "Kind", Choice(kNvramKinds),
          [](const Nvram& nvram) { return NameOf(nvram.map.kind); }},
-        {"size", "Size", tools::Integer("bytes"),
-         [](const Nvram& nvram) { return nvram.bytes.size(); }},
+        {"size", "Size", Integer("bytes"), [](const Nvram& nvram) { return nvram.bytes.size(); }},
         {"bank", "Bank", kBank, &Nvram::Bank, "null on chips with one bank"},
         {"sound", "Block", kFlag, [](const Nvram& nvram) { return SoundValue(nvram.IsWhole()); },
          "signature and checksum hold"},
-        {"port_wwn", "Port name", tools::kWwn.OrNull(),
+        {"port_wwn", "Port name", kWwn.OrNull(),
          [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Port Name Byte"); },
          "the name in the block"},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+        {"node_wwn", "Node name", kWwn.OrNull(),
          [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Node Name Byte"); }},
         {"variables", "Variables", VariableFields(),
          [](const Nvram& nvram) {
@@ -71,9 +61,9 @@ struct ShownVariable {
     const PortNvram* nvram;
 };
 
-const tools::Fields<ShownVariable>& NvramGetFields() {
+const Fields<ShownVariable>& NvramGetFields() {
     using Shown = ShownVariable;
-    static const tools::Fields<Shown> kFields = {
+    static const Fields<Shown> kFields = {
         {VariableFields(), &Shown::row},
         {PortKeys(), [](const Shown& shown) { return &shown.nvram->ItsPort(); }},
         {"bank", "Bank", kBank, [](const Shown& shown) { return shown.nvram->Bank(); },
@@ -97,17 +87,17 @@ struct Verified {
     }
 };
 
-const tools::Fields<Verified>& VerifiedFields() {
+const Fields<Verified>& VerifiedFields() {
     using Field = std::optional<bool> Verified::*;
     const auto sound = [](Field field) {
         return [field](const Verified& one) {
             return one.*field ? SoundValue(*(one.*field)) : Value();
         };
     };
-    static const tools::Fields<Verified> kFields = {
+    static const Fields<Verified> kFields = {
         {PortKeys(), &Verified::port},
         {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &Verified::Serial},
-        {"kind", "Kind", "KIND", tools::Choice(kNvramKinds).OrNull(),
+        {"kind", "Kind", "KIND", Choice(kNvramKinds).OrNull(),
          [](const Verified& one) { return one.kind ? NameOf(*one.kind) : nullptr; }},
         {"size", "Size", "SIZE", kInteger.OrNull(),
          [](const Verified& one) {
@@ -119,7 +109,7 @@ const tools::Fields<Verified>& VerifiedFields() {
          "what the driver says"},
         {"other_bank_good", "Other bank", "OTHER BANK", kFlag.OrNull(), sound(&Verified::otherBank),
          "null on chips with one bank"},
-        {"status", "Status", tools::kText.OrNull(),
+        {"status", "Status", kText.OrNull(),
          [](const Verified& one) { return StatusValue(one.status); }},
     };
     return kFields;
@@ -127,13 +117,13 @@ const tools::Fields<Verified>& VerifiedFields() {
 
 using VerifiedPorts = std::vector<Verified>;
 
-const tools::Fields<VerifiedPorts>& NvramVerifyFields() {
-    static const auto kFields = tools::ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(),
-                                                             ListLayout::Table, "no ports");
+const Fields<VerifiedPorts>& NvramVerifyFields() {
+    static const auto kFields =
+        ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(), ListLayout::Table, "no ports");
     return kFields;
 }
 
-Verified Verify(tools::Invocation& invocation, const PortSession& session) {
+Verified Verify(Invocation& invocation, const PortSession& session) {
     const NvramMap map = LearnVariables(invocation, session);
     Verified verified;
     verified.kind = map.kind;
@@ -154,7 +144,7 @@ Verified Verify(tools::Invocation& invocation, const PortSession& session) {
     return verified;
 }
 
-ExitCode NvramShow(tools::Invocation& invocation) {
+ExitCode NvramShow(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
     invocation.Result() = NvramShowFields().Make(nvram);
@@ -165,7 +155,7 @@ ExitCode NvramShow(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode NvramGet(tools::Invocation& invocation) {
+ExitCode NvramGet(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
     std::string error;
@@ -182,7 +172,7 @@ ExitCode NvramGet(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode NvramVerify(tools::Invocation& invocation) {
+ExitCode NvramVerify(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
     VerifiedPorts verifiedPorts;
@@ -209,7 +199,7 @@ ExitCode NvramVerify(tools::Invocation& invocation) {
     if (!bad) {
         return exit;
     }
-    invocation.Add({tools::Severity::Error,
+    invocation.Add({Severity::Error,
                     "the NVRAM of a port is damaged",
                     "do not reset the port before an export is imported with `nvram import`",
                     {},
@@ -219,36 +209,36 @@ ExitCode NvramVerify(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows NvramCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NvramCommands() {
+    static const Command kCommands[] = {
         {
             .path = "nvram show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the settings of a port",
             .schema = "nvram.show",
             .arguments = {&kBankArgument, 1},
             .run = NvramShow,
             .example = "nvram show -p scsi:3",
-            .result = tools::ShapeOf<NvramShowFields>,
+            .result = ShapeOf<NvramShowFields>,
         },
         {
             .path = "nvram get",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "print one setting",
             .schema = "nvram.get",
             .arguments = kGetArguments,
             .run = NvramGet,
             .example = "nvram get execution_throttle -p scsi:3",
-            .result = tools::ShapeOf<NvramGetFields>,
+            .result = ShapeOf<NvramGetFields>,
         },
         {
             .path = "nvram verify",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "are the settings whole?",
             .schema = "nvram.verify",
             .run = NvramVerify,
             .example = "nvram verify",
-            .result = tools::ShapeOf<NvramVerifyFields>,
+            .result = ShapeOf<NvramVerifyFields>,
         },
     };
     return kCommands;

@@ -1,7 +1,6 @@
 #include "vxmgr/settings/nvram_document.h"
 
 #include "common/json_document.h"
-#include "common/text.h"
 
 namespace vxmgr {
 namespace {
@@ -14,12 +13,11 @@ struct WrittenVariable {
     uint32_t value;
 };
 
-const tools::Fields<WrittenVariable>& WrittenVariableFields() {
-    static const tools::Fields<WrittenVariable> kFields = {
-        {"number", "", tools::kInteger,
-         [](const WrittenVariable& row) { return row.variable->number; }},
-        {"name", "", tools::kText, [](const WrittenVariable& row) { return row.variable->name; }},
-        {"value", "", tools::kInteger, &WrittenVariable::value},
+const Fields<WrittenVariable>& WrittenVariableFields() {
+    static const Fields<WrittenVariable> kFields = {
+        {"number", "", kInteger, [](const WrittenVariable& row) { return row.variable->number; }},
+        {"name", "", kText, [](const WrittenVariable& row) { return row.variable->name; }},
+        {"value", "", kInteger, &WrittenVariable::value},
     };
     return kFields;
 }
@@ -40,21 +38,19 @@ struct NvramSource {
     }
 };
 
-const tools::Fields<NvramSource>& NvramDocumentFields() {
+const Fields<NvramSource>& NvramDocumentFields() {
     static const char* const kKinds[] = {NameOf(NvramKind::Classic), NameOf(NvramKind::Extended)};
     static const auto kHead = DocumentHeadFields(kNvramKind);
-    static const tools::Fields<NvramSource> kFields = {
+    static const Fields<NvramSource> kFields = {
         {kHead, [](const NvramSource& source) { return &source.origin->port; }},
-        {"chip", "", tools::Hexadecimal(4),
-         [](const NvramSource& source) { return source.origin->chip; }, "PCI device ID"},
-        {"kind", "", tools::Choice(kKinds),
+        {"chip", "", Hexadecimal(4), [](const NvramSource& source) { return source.origin->chip; },
+         "PCI device ID"},
+        {"kind", "", Choice(kKinds),
          [](const NvramSource& source) { return NameOf(source.map->kind); }},
-        {"size", "", tools::kInteger,
-         [](const NvramSource& source) { return source.block.size(); }},
-        {"variables", "", WrittenVariableFields(), &NvramSource::Variables,
-         tools::ListLayout::Table, "", "a value that differs from the block's is a change"},
-        {"block", "", tools::kText,
-         [](const NvramSource& source) { return HexDigits(source.block); },
+        {"size", "", kInteger, [](const NvramSource& source) { return source.block.size(); }},
+        {"variables", "", WrittenVariableFields(), &NvramSource::Variables, ListLayout::Table, "",
+         "a value that differs from the block's is a change"},
+        {"block", "", kText, [](const NvramSource& source) { return HexDigits(source.block); },
          "hexadecimal digits, with its checksum"},
     };
     return kFields;
@@ -88,12 +84,12 @@ void TakeVariable(const DocumentObject& row, const NvramMap& map, std::vector<ui
 
 }  // namespace
 
-tools::Shape NvramDocumentShape() {
+Shape NvramDocumentShape() {
     return NvramDocumentFields().ShapeOfAll();
 }
 
 std::string NvramDocumentText(const NvramOrigin& origin, const NvramMap& map, Bytes block) {
-    return tools::RecordDocument(NvramDocumentFields().Make({&origin, &map, block}));
+    return RecordDocument(NvramDocumentFields().Make({&origin, &map, block}));
 }
 
 NvramDocument ReadNvramDocument(std::string_view text, const NvramMap& map) {

@@ -17,7 +17,7 @@ struct NvramOrigin {
     uint16_t chip = 0;  // PCI device ID
 };
 
-tools::Shape NvramDocumentShape();
+Shape NvramDocumentShape();
 std::string NvramDocumentText(const NvramOrigin& origin, const NvramMap& map, Bytes block);
 
 struct NvramDocument {

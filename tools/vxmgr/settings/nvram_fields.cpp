@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
 
@@ -38,7 +36,7 @@ NvramRole RoleOf(uint32_t number, std::string_view description) {
 
 std::string NameFrom(std::string_view description) {
     std::string name;
-    for (const char letter : tools::Lowercase(description)) {
+    for (const char letter : Lowercase(description)) {
         const bool plain = (letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9');
         if (plain) {
             name += letter;
@@ -92,7 +90,7 @@ const NvramVariable* NvramMap::WithNumber(uint64_t number) const {
 }
 
 const NvramVariable* FindVariable(const NvramMap& map, std::string_view text, std::string* error) {
-    if (const auto number = tools::ParseNumber(text)) {
+    if (const auto number = ParseNumber(text)) {
         const NvramVariable* variable = map.WithNumber(*number);
         if (variable == nullptr) {
             *error = "there is no variable " + std::string(text);
@@ -163,7 +161,7 @@ SettingFault ParseSetting(const NvramMap& map, std::string_view text, NvramSetti
         return SettingFault::Refused;
     }
     const std::string_view given = text.substr(equals + 1);
-    const auto value = tools::ParseNumber(given);
+    const auto value = ParseNumber(given);
     if (!value || *value > variable->Most()) {
         *error = variable->name + ": " + Quoted(given) + " is no number from 0 to " +
                  std::to_string(variable->Most());

@@ -5,15 +5,12 @@
 #include <system_error>
 
 #include "common/console.h"
-#include "common/text.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/settings/nvram_document.h"
 #include "vxmgr/settings/nvram_text.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 constexpr size_t kLongestFile = size_t{1} << 20;
 constexpr uint32_t kKeepBlock = 0;  // mode of the library's reader: lines change the block at hand
@@ -22,8 +19,7 @@ std::string_view TextOf(const std::vector<uint8_t>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-[[noreturn]] void Refuse(tools::Invocation& invocation, const std::string& path,
-                         const std::string& text) {
+[[noreturn]] void Refuse(Invocation& invocation, const std::string& path, const std::string& text) {
     invocation.Fail(ExitCode::Refused, path + ": " + text, "nothing was changed");
 }
 
@@ -42,13 +38,12 @@ uint16_t ChipOf(const PortNvram& nvram) {
     return chip ? chip->deviceId : uint16_t{0};
 }
 
-void CheckFit(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
+void CheckFit(Invocation& invocation, const PortNvram& nvram, const std::string& path,
               const NvramDocument& document) {
     const uint16_t chip = ChipOf(nvram);
     if (document.origin.chip != chip) {
         Refuse(invocation, path,
-               "it is for chip " + tools::Hex(document.origin.chip, 4) + ", the port has " +
-                   tools::Hex(chip, 4));
+               "it is for chip " + Hex(document.origin.chip, 4) + ", the port has " + Hex(chip, 4));
     }
     if (document.block.size() != nvram.bytes.size()) {
         Refuse(invocation, path,
@@ -57,10 +52,10 @@ void CheckFit(tools::Invocation& invocation, const PortNvram& nvram, const std::
     }
 }
 
-void CheckOwner(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
+void CheckOwner(Invocation& invocation, const PortNvram& nvram, const std::string& path,
                 const DocumentPort& origin) {
     const auto& port = nvram.ItsPort().port;
-    if (!port || origin.portName != tools::Wwn::Of(port->portName)) {
+    if (!port || origin.portName != Wwn::Of(port->portName)) {
         invocation.Fail(ExitCode::Refused,
                         path + ": it is of port " + origin.portName.Colons() +
                             ", serial:" + origin.serial + ", not of the selected one",
@@ -68,7 +63,7 @@ void CheckOwner(tools::Invocation& invocation, const PortNvram& nvram, const std
     }
 }
 
-void CheckReadOnly(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path,
+void CheckReadOnly(Invocation& invocation, const PortNvram& nvram, const std::string& path,
                    const std::vector<uint8_t>& block) {
     for (const NvramChange& change : DifferenceOf(nvram.map, nvram.bytes, block).changes) {
         if (change.variable->readOnly) {
@@ -107,16 +102,16 @@ class ScratchFile {
 };
 
 // The library's own text of the block, which shows the names that it knows.
-std::string ModelText(tools::Invocation& invocation, const PortNvram& nvram) {
+std::string ModelText(Invocation& invocation, const PortNvram& nvram) {
     const ScratchFile model;
     SaveNvramText(invocation, nvram, model.Path());
     return std::string(TextOf(LoadFile(invocation, model.Path(), kLongestFile)));
 }
 
-std::vector<uint8_t> ReadText(tools::Invocation& invocation, const PortNvram& nvram,
+std::vector<uint8_t> ReadText(Invocation& invocation, const PortNvram& nvram,
                               const std::string& path, bool withReadOnly) {
     std::vector<uint8_t> block = nvram.bytes;
-    if (ReadNVRamFile(tools::console::ToSystemCodePage(path).c_str(), block.data(), kKeepBlock,
+    if (ReadNVRamFile(console::ToSystemCodePage(path).c_str(), block.data(), kKeepBlock,
                       withReadOnly ? 1 : 0) == 0) {
         invocation.Fail(ExitCode::Failed, path + " cannot be read");
     }
@@ -124,7 +119,7 @@ std::vector<uint8_t> ReadText(tools::Invocation& invocation, const PortNvram& nv
 }
 
 // Read-only variables keep their values in a block that is to be written.
-std::vector<uint8_t> BlockOfText(tools::Invocation& invocation, const PortNvram& nvram,
+std::vector<uint8_t> BlockOfText(Invocation& invocation, const PortNvram& nvram,
                                  const std::string& path, FileUse use) {
     std::vector<uint8_t> asked = ReadText(invocation, nvram, path, true);
     if (use == FileUse::Compare) {
@@ -142,7 +137,7 @@ std::vector<uint8_t> BlockOfText(tools::Invocation& invocation, const PortNvram&
     return block;
 }
 
-std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortNvram& nvram,
+std::vector<uint8_t> BlockOfDocument(Invocation& invocation, const PortNvram& nvram,
                                      const std::string& path, std::string_view text, FileUse use) {
     NvramDocument document = ReadNvramDocument(text, nvram.map);
     CheckFit(invocation, nvram, path, document);
@@ -160,8 +155,7 @@ std::vector<uint8_t> BlockOfDocument(tools::Invocation& invocation, const PortNv
 
 }  // namespace
 
-std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortNvram& nvram,
-                                   FileUse use) {
+std::vector<uint8_t> LoadNvramFile(Invocation& invocation, const PortNvram& nvram, FileUse use) {
     const std::string path = invocation.Given().Text("FILE");
     const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestFile);
     try {
@@ -182,30 +176,28 @@ std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortNvra
     }
 }
 
-void SaveNvramDocument(tools::Invocation& invocation, const PortNvram& nvram,
-                       const std::string& path) {
+void SaveNvramDocument(Invocation& invocation, const PortNvram& nvram, const std::string& path) {
     const Port& port = nvram.ItsPort();
     NvramOrigin origin;
     origin.port.serial = port.Serial();
     origin.chip = ChipOf(nvram);
     if (port.port) {
-        origin.port.portName = tools::Wwn::Of(port.port->portName);
+        origin.port.portName = Wwn::Of(port.port->portName);
     }
     if (port.node) {
-        origin.port.nodeName = tools::Wwn::Of(port.node->nodeName);
+        origin.port.nodeName = Wwn::Of(port.node->nodeName);
     }
     const std::string text = NvramDocumentText(origin, nvram.map, nvram.bytes);
     SaveFile(invocation, path, {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
-void SaveNvramText(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path) {
+void SaveNvramText(Invocation& invocation, const PortNvram& nvram, const std::string& path) {
     if (nvram.map.kind != NvramKind::Classic) {
         invocation.Fail(ExitCode::NotSupported, "this chip's blocks have no text form",
                         "leave out --text: the document has every variable");
     }
     ReplaceFile(invocation, path, [&](const std::string& temporary) {
-        if (WriteNVRamFile(nvram.bytes.data(),
-                           tools::console::ToSystemCodePage(temporary).c_str()) == 0) {
+        if (WriteNVRamFile(nvram.bytes.data(), console::ToSystemCodePage(temporary).c_str()) == 0) {
             invocation.Fail(ExitCode::Failed, path + " cannot be written", "is the disk full?");
         }
     });

@@ -14,13 +14,11 @@ enum class FileUse : uint8_t {
 };
 
 // The block that FILE asks for, whole and checked. Ends the command for a file that does not fit.
-std::vector<uint8_t> LoadNvramFile(tools::Invocation& invocation, const PortNvram& nvram,
-                                   FileUse use);
+std::vector<uint8_t> LoadNvramFile(Invocation& invocation, const PortNvram& nvram, FileUse use);
 
-void SaveNvramDocument(tools::Invocation& invocation, const PortNvram& nvram,
-                       const std::string& path);
+void SaveNvramDocument(Invocation& invocation, const PortNvram& nvram, const std::string& path);
 
 // Writes the text form; of classic blocks alone.
-void SaveNvramText(tools::Invocation& invocation, const PortNvram& nvram, const std::string& path);
+void SaveNvramText(Invocation& invocation, const PortNvram& nvram, const std::string& path);
 
 }  // namespace vxmgr

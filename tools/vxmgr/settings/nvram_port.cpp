@@ -5,8 +5,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 constexpr uint32_t kLargestRegion = 65536;
 
 // The library tells that a region is larger than the room, not how large: one of the layout's sizes
@@ -46,7 +44,7 @@ void MarkReadOnly(NvramMap& map, const std::vector<uint8_t>& block) {
 
 }  // namespace
 
-NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& session) {
+NvramMap LearnVariables(Invocation& invocation, const PortSession& session) {
     NvramMap map;
     std::array<HX_VARIABLE_FIELD, HX_NVRAM_VARIABLES> fields{};
     uint32_t count = HX_NVRAM_VARIABLES;
@@ -81,7 +79,7 @@ HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint
     return HXGetNVRam(session.Handle(), 0, HX_NVRAM_BLOCK, block->data(), HX_NVRAM_CLASSIC_BYTES);
 }
 
-PortNvram ReadNvram(tools::Invocation& invocation, const PortSession& session, bool otherBank) {
+PortNvram ReadNvram(Invocation& invocation, const PortSession& session, bool otherBank) {
     PortNvram nvram;
     nvram.map = LearnVariables(invocation, session);
     const auto readInUse = [&session, kind = nvram.map.kind](std::vector<uint8_t>* block) {

@@ -10,7 +10,7 @@ namespace vxmgr {
 
 // Which variables the port's chip has and where they stand. Ends the command when the chip does
 // not tell.
-NvramMap LearnVariables(tools::Invocation& invocation, const PortSession& session);
+NvramMap LearnVariables(Invocation& invocation, const PortSession& session);
 
 struct PortNvram : PortSettings {
     NvramMap map;
@@ -20,7 +20,7 @@ struct PortNvram : PortSettings {
 
 // The block of the bank in use, or of the other one. Ends the command when it cannot be read. The
 // session has to live as long as the result.
-PortNvram ReadNvram(tools::Invocation& invocation, const PortSession& session, bool otherBank);
+PortNvram ReadNvram(Invocation& invocation, const PortSession& session, bool otherBank);
 HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint8_t>* block);
 
 }  // namespace vxmgr

@@ -1,13 +1,7 @@
 #include "vxmgr/settings/nvram_records.h"
 
-#include "common/text.h"
-
 namespace vxmgr {
 namespace {
-
-using tools::kInteger;
-using tools::kText;
-using tools::Value;
 
 constexpr size_t kNameBytes = 8;
 constexpr char kMaskedNote[] = "null: a byte of a name, left out with --redact";
@@ -25,7 +19,7 @@ struct SideNames {
 };
 
 // Both sides of a change, under names that say what they are.
-tools::Fields<NvramChange> SideFields(SideNames before, SideNames after) {
+Fields<NvramChange> SideFields(SideNames before, SideNames after) {
     using Change = NvramChange;
     return {
         {"number", "Number", "NUMBER", kInteger,
@@ -40,11 +34,9 @@ tools::Fields<NvramChange> SideFields(SideNames before, SideNames after) {
     };
 }
 
-tools::Fields<NvramDifference> DifferenceFields(const tools::Fields<NvramChange>& sides,
-                                                const char* emptyText) {
+Fields<NvramDifference> DifferenceFields(const Fields<NvramChange>& sides, const char* emptyText) {
     return {
-        {"changes", "Changes", sides, &NvramDifference::changes, tools::ListLayout::Table,
-         emptyText},
+        {"changes", "Changes", sides, &NvramDifference::changes, ListLayout::Table, emptyText},
         {"other_bytes", "Other bytes that differ", kInteger, &NvramDifference::otherBytes,
          "bytes that differ outside all variables"},
     };
@@ -60,12 +52,12 @@ std::string ShownValue(const NvramVariable& variable, uint32_t value) {
     for (size_t i = 0; i < sizeof text; ++i) {
         text[i] = static_cast<char>(value >> 8 * i);
     }
-    return "\"" + tools::FieldText(text, sizeof text) + "\"";
+    return "\"" + FieldText(text, sizeof text) + "\"";
 }
 
-const tools::Fields<VariableRow>& VariableFields() {
+const Fields<VariableRow>& VariableFields() {
     using Row = VariableRow;
-    static const tools::Fields<Row> kFields = {
+    static const Fields<Row> kFields = {
         {"number", "Number", "NUMBER", kInteger,
          [](const Row& row) { return row.variable->number; }},
         {"name", "Name", "NAME", kText, [](const Row& row) { return row.variable->name; }},
@@ -73,7 +65,7 @@ const tools::Fields<VariableRow>& VariableFields() {
          [](const Row& row) { return VariableValue(*row.variable, row.value); }, kMaskedNote},
         {"highest", "Highest", "HIGHEST", kInteger,
          [](const Row& row) { return row.variable->Most(); }},
-        {"read_only", "Read-only", "READ-ONLY", tools::kFlag,
+        {"read_only", "Read-only", "READ-ONLY", kFlag,
          [](const Row& row) { return !row.variable->Settable(); }},
         {"description", "Description", "DESCRIPTION", kText,
          [](const Row& row) { return row.variable->description; }},
@@ -81,8 +73,8 @@ const tools::Fields<VariableRow>& VariableFields() {
     return kFields;
 }
 
-std::optional<tools::Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description) {
-    tools::Wwn name{};
+std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description) {
+    Wwn name{};
     size_t found = 0;
     for (const NvramVariable& variable : map.variables) {
         if (variable.field && variable.description.starts_with(description) && found < kNameBytes) {
@@ -92,14 +84,14 @@ std::optional<tools::Wwn> NameInBlock(const NvramMap& map, Bytes block, const ch
     return found == kNameBytes ? std::optional(name) : std::nullopt;
 }
 
-const tools::Fields<NvramDifference>& ChangeFields() {
+const Fields<NvramDifference>& ChangeFields() {
     static const auto kSides =
         SideFields({"before", "Before", "BEFORE"}, {"after", "After", "AFTER"});
     static const auto kFields = DifferenceFields(kSides, "no variable changes");
     return kFields;
 }
 
-const tools::Fields<NvramDifference>& FileDiffFields() {
+const Fields<NvramDifference>& FileDiffFields() {
     static const auto kSides =
         SideFields({"adapter", "Adapter", "ADAPTER"}, {"file", "File", "FILE"});
     static const auto kFields = DifferenceFields(kSides, "no variable differs");

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "common/fields.h"
 #include "vxmgr/settings/nvram_fields.h"
 
 namespace vxmgr {
@@ -16,13 +15,13 @@ struct VariableRow {
     const NvramVariable* variable;
     uint32_t value;
 };
-const tools::Fields<VariableRow>& VariableFields();
+const Fields<VariableRow>& VariableFields();
 
 // The name that eight variables make ("Port Name Byte"); nothing when the chip does not have them.
-std::optional<tools::Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description);
+std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description);
 
 // List "changes" with columns for both sides, and how many bytes differ beside the variables.
-const tools::Fields<NvramDifference>& ChangeFields();    // "before", "after"
-const tools::Fields<NvramDifference>& FileDiffFields();  // "adapter", "file"
+const Fields<NvramDifference>& ChangeFields();    // "before", "after"
+const Fields<NvramDifference>& FileDiffFields();  // "adapter", "file"
 
 }  // namespace vxmgr

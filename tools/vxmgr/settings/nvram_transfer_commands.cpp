@@ -6,16 +6,14 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
-constexpr tools::Argument kDiffArguments[] = {
+constexpr Argument kDiffArguments[] = {
     {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
     kBankArgument,
 };
-constexpr tools::Argument kExportArguments[] = {
+constexpr Argument kExportArguments[] = {
     {.name = "FILE", .help = "the file to write", .required = true},
     {.name = "--text",
-     .kind = tools::ArgumentKind::Flag,
+     .kind = ArgumentKind::Flag,
      .help = "one line for each variable, without the bytes between them (older chips alone)"},
     kBankArgument,
 };
@@ -26,14 +24,14 @@ struct NvramCompared {
     bool equal;
 };
 
-const tools::Fields<NvramCompared>& NvramDiffFields() {
+const Fields<NvramCompared>& NvramDiffFields() {
     using Compared = NvramCompared;
-    static const tools::Fields<Compared> kFields = {
+    static const Fields<Compared> kFields = {
         {PortKeys(), [](const Compared& one) { return &one.nvram->ItsPort(); }},
         {"bank", "Bank", kBank, [](const Compared& one) { return one.nvram->Bank(); },
          "null on chips with one bank"},
         {FileDiffFields(), &Compared::difference},
-        {"equal", "Equal", tools::kFlag, &Compared::equal, "byte for byte"},
+        {"equal", "Equal", kFlag, &Compared::equal, "byte for byte"},
     };
     return kFields;
 }
@@ -43,24 +41,24 @@ struct NvramExported {
     std::string file;
 };
 
-const tools::Fields<NvramExported>& NvramExportFields() {
+const Fields<NvramExported>& NvramExportFields() {
     using Exported = NvramExported;
-    static const tools::Fields<Exported> kFields = {
+    static const Fields<Exported> kFields = {
         {PortKeys(), [](const Exported& one) { return &one.nvram->ItsPort(); }},
-        {"kind", "Kind", tools::Choice(kNvramKinds),
+        {"kind", "Kind", Choice(kNvramKinds),
          [](const Exported& one) { return NameOf(one.nvram->map.kind); }},
         {"bank", "Bank", kBank, [](const Exported& one) { return one.nvram->Bank(); },
          "null on chips with one bank"},
-        {"file", "File", tools::kText, &Exported::file},
-        {"size", "Block", tools::Integer("bytes"),
+        {"file", "File", kText, &Exported::file},
+        {"size", "Block", Integer("bytes"),
          [](const Exported& one) { return one.nvram->bytes.size(); }},
-        {"sound", "Sound", tools::kFlag, [](const Exported& one) { return one.nvram->IsWhole(); },
+        {"sound", "Sound", kFlag, [](const Exported& one) { return one.nvram->IsWhole(); },
          "signature and checksum hold"},
     };
     return kFields;
 }
 
-ExitCode NvramDiff(tools::Invocation& invocation) {
+ExitCode NvramDiff(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
     const std::vector<uint8_t> block = LoadNvramFile(invocation, nvram, FileUse::Compare);
@@ -69,7 +67,7 @@ ExitCode NvramDiff(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode NvramExport(tools::Invocation& invocation) {
+ExitCode NvramExport(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
@@ -91,27 +89,27 @@ ExitCode NvramExport(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows NvramTransferCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows NvramTransferCommands() {
+    static const Command kCommands[] = {
         {
             .path = "nvram diff",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "compare the settings with a file",
             .schema = "nvram.diff",
             .arguments = kDiffArguments,
             .run = NvramDiff,
             .example = "nvram diff settings.json -p scsi:3",
-            .result = tools::ShapeOf<NvramDiffFields>,
+            .result = ShapeOf<NvramDiffFields>,
         },
         {
             .path = "nvram export",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "write the settings to a file",
             .schema = "nvram.export",
             .arguments = kExportArguments,
             .run = NvramExport,
             .example = "nvram export settings.json -p scsi:3",
-            .result = tools::ShapeOf<NvramExportFields>,
+            .result = ShapeOf<NvramExportFields>,
         },
     };
     return kCommands;

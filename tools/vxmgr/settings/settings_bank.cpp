@@ -5,8 +5,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 const FlashRegion* FindRegion(const FlashLayout& layout, const std::string& key) {
     for (const FlashRegion& region : layout.regions) {
         if (region.Key() == key) {
@@ -18,7 +16,7 @@ const FlashRegion* FindRegion(const FlashLayout& layout, const std::string& key)
 
 }  // namespace
 
-std::optional<OtherBank> FindOtherBank(tools::Invocation& invocation, const PortSession& session,
+std::optional<OtherBank> FindOtherBank(Invocation& invocation, const PortSession& session,
                                        Settings settings) {
     const Port& port = session.port;
     const bool nvram = settings == Settings::Nvram;
@@ -51,7 +49,7 @@ HX_STATUS ReadBank(const PortSession& session, const OtherBank& bank, std::vecto
     return ReadRegion(session.Handle(), bank.layout, bank.region, bytes);
 }
 
-bool WantsOtherBank(tools::Invocation& invocation) {
+bool WantsOtherBank(Invocation& invocation) {
     return invocation.Given().Text("bank") == kBankChoices[1];
 }
 
@@ -59,8 +57,8 @@ const char* PortSettings::Bank() const {
     return !bank ? nullptr : fromOther ? bank->Name() : bank->NameInUse();
 }
 
-PortSettings ReadSettings(tools::Invocation& invocation, const PortSession& session,
-                          Settings settings, const ReadBytes& readInUse, bool otherBank) {
+PortSettings ReadSettings(Invocation& invocation, const PortSession& session, Settings settings,
+                          const ReadBytes& readInUse, bool otherBank) {
     PortSettings read{
         &session, {}, FindOtherBank(invocation, session, settings), otherBank, readInUse};
     if (otherBank && !read.bank) {

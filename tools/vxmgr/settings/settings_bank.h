@@ -16,7 +16,7 @@ namespace vxmgr {
 enum class Settings : uint8_t { Nvram, Vpd };
 
 inline constexpr const char* kBankNames[] = {"first", "second"};
-inline constexpr tools::FieldType kBank = tools::Choice(kBankNames).OrNull();
+inline constexpr FieldType kBank = Choice(kBankNames).OrNull();
 
 struct OtherBank {
     bool second = false;  // the second bank is the other one
@@ -29,19 +29,19 @@ struct OtherBank {
 
 // The bank that is not in use; nothing on a chip with one bank. Ends the command when it cannot be
 // told which one that is.
-std::optional<OtherBank> FindOtherBank(tools::Invocation& invocation, const PortSession& session,
+std::optional<OtherBank> FindOtherBank(Invocation& invocation, const PortSession& session,
                                        Settings settings);
 HX_STATUS ReadBank(const PortSession& session, const OtherBank& bank, std::vector<uint8_t>* bytes);
 
 // "--bank in-use|other" of the commands that read.
 inline constexpr const char* kBankChoices[] = {"in-use", "other"};
-inline constexpr tools::Argument kBankArgument = {
+inline constexpr Argument kBankArgument = {
     .name = "--bank",
     .valueName = "BANK",
     .help =
         "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
     .choices = kBankChoices};
-bool WantsOtherBank(tools::Invocation& invocation);
+bool WantsOtherBank(Invocation& invocation);
 
 // What one bank holds.
 struct PortSettings {
@@ -59,7 +59,7 @@ struct PortSettings {
 
 // Reads the bank in use, or the other one. Ends the command, with what cannot be read, when it
 // cannot, or when the other one is wanted and there is none.
-PortSettings ReadSettings(tools::Invocation& invocation, const PortSession& session,
-                          Settings settings, const ReadBytes& readInUse, bool otherBank);
+PortSettings ReadSettings(Invocation& invocation, const PortSession& session, Settings settings,
+                          const ReadBytes& readInUse, bool otherBank);
 
 }  // namespace vxmgr

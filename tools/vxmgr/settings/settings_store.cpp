@@ -12,7 +12,7 @@ std::string RemedyOf(const PortSettings& settings) {
 }
 
 // The bank that the image was made from may be another than the one that is written.
-void CheckBase(tools::Invocation& invocation, const PlaceWrite& write, const PortSettings& base) {
+void CheckBase(Invocation& invocation, const PlaceWrite& write, const PortSettings& base) {
     std::vector<uint8_t> now;
     const HX_STATUS status = base.readInUse(&now);
     if (status != HXMGT_SUCCESS) {
@@ -34,7 +34,7 @@ std::vector<uint8_t> ReadReplaced(const PortSettings& settings) {
     return bytes;
 }
 
-bool WriteSettings(tools::Invocation& invocation, const SettingsWrite& given,
+bool WriteSettings(Invocation& invocation, const SettingsWrite& given,
                    std::vector<uint8_t>& image) {
     const PortSettings& base = given.base;
     const PortSession& session = *base.session;

@@ -23,8 +23,7 @@ struct SettingsWrite {
 // Returns when the image was written and reads back: true when Ctrl-C came meanwhile, so that
 // nothing more may be started. Ends the command otherwise, saying what stands there. The library
 // may change the image.
-bool WriteSettings(tools::Invocation& invocation, const SettingsWrite& given,
-                   std::vector<uint8_t>& image);
+bool WriteSettings(Invocation& invocation, const SettingsWrite& given, std::vector<uint8_t>& image);
 
 // "in the second bank, which the firmware uses from the port's next reset on"; for questions.
 std::string WhereItGoes(const std::optional<OtherBank>& bank);

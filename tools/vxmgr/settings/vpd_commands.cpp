@@ -12,25 +12,20 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kText;
-using tools::Value;
-
 constexpr uint32_t kUsualRoom = 4096;
 constexpr uint32_t kMostRoom = 1u << 20;
 constexpr uint32_t kWholeKib = 1023;  // the library writes the last piece of a long region whole
 constexpr size_t kShownCharacters = 64;
 constexpr std::string_view kSerialKeyword = "SN";
 
-constexpr tools::Argument kVpdReadArguments[] = {
+constexpr Argument kVpdReadArguments[] = {
     {.name = "FILE", .help = "the file to write", .required = true},
     kBankArgument,
 };
-constexpr tools::Argument kVpdWriteArguments[] = {
+constexpr Argument kVpdWriteArguments[] = {
     {.name = "FILE", .help = "the product data, as `vpd read` fetches it", .required = true},
     {.name = "--other-identity",
-     .kind = tools::ArgumentKind::Flag,
+     .kind = ArgumentKind::Flag,
      .help = "also when part or serial number are not those of the adapter"},
 };
 
@@ -45,8 +40,7 @@ HX_STATUS ReadInUse(const PortSession& session, std::vector<uint8_t>* bytes) {
     return status;
 }
 
-PortSettings ReadPortVpd(tools::Invocation& invocation, const PortSession& session,
-                         bool otherBank) {
+PortSettings ReadPortVpd(Invocation& invocation, const PortSession& session, bool otherBank) {
     const auto readInUse = [&session](std::vector<uint8_t>* bytes) {
         return ReadInUse(session, bytes);
     };
@@ -64,10 +58,10 @@ Value DataValue(const VpdItem& item) {
                : std::move(value).Shown(text.substr(0, kShownCharacters) + "...");
 }
 
-const tools::Fields<VpdItem>& VpdItemFields() {
+const Fields<VpdItem>& VpdItemFields() {
     using Item = VpdItem;
-    static const tools::Fields<Item> kFields = {
-        {"section", "Section", "SECTION", tools::Choice(kVpdSections),
+    static const Fields<Item> kFields = {
+        {"section", "Section", "SECTION", Choice(kVpdSections),
          [](const Item& item) { return kVpdSections[static_cast<size_t>(item.section)]; }},
         {"keyword", "Keyword", "KEYWORD", kText.OrNull(), &Item::keyword},
         {"meaning", "Meaning", "MEANING", kText,
@@ -76,8 +70,7 @@ const tools::Fields<VpdItem>& VpdItemFields() {
          }},
         {"offset", "Offset", "OFFSET", kText,
          [](const Item& item) { return HexValue(item.offset, 4); }},
-        {"length", "Length", tools::Integer("bytes"),
-         [](const Item& item) { return item.data.size(); }},
+        {"length", "Length", Integer("bytes"), [](const Item& item) { return item.data.size(); }},
         {"is_text", "Text", kFlag, &Item::IsText, "else the value is in hexadecimal digits"},
         {"value", "Value", "VALUE", kText.OrNull(), DataValue},
     };
@@ -100,44 +93,44 @@ Value VpdChecksumValue(const ShownVpd& shown) {
     return !holds ? Value()
                   : Value::Flag(*holds)
                         .Shown(*holds ? "good" : "wrong")
-                        .In(*holds ? tools::Tone::Plain : tools::Tone::Bad);
+                        .In(*holds ? Tone::Plain : Tone::Bad);
 }
 
-const tools::Fields<ShownVpd>& VpdShowFields() {
-    static const tools::Fields<ShownVpd> kFields = {
+const Fields<ShownVpd>& VpdShowFields() {
+    static const Fields<ShownVpd> kFields = {
         {PortKeys(), &ShownVpd::ItsPort},
         {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
-        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
-        {"used", "Used", tools::kInteger.OrNull(),
+        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
+        {"used", "Used", kInteger.OrNull(),
          [](const ShownVpd& shown) {
              return shown.vpd.used == 0 ? Value() : Value::Number(shown.vpd.used, "bytes");
          }},
         {"checksum_good", "Checksum", kFlag.OrNull(), VpdChecksumValue},
         {"sound", "Sound", kFlag, [](const ShownVpd& shown) { return shown.vpd.faults.empty(); }},
         {"items", "Items", VpdItemFields(), [](const ShownVpd& shown) { return shown.vpd.items; },
-         tools::ListLayout::Table, "no product data"},
+         ListLayout::Table, "no product data"},
     };
     return kFields;
 }
 
-const tools::Fields<ShownVpd>& VpdReadFields() {
-    static const tools::Fields<ShownVpd> kFields = {
+const Fields<ShownVpd>& VpdReadFields() {
+    static const Fields<ShownVpd> kFields = {
         {PortKeys(), &ShownVpd::ItsPort},
         {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
         {"file", "File", kText, &ShownVpd::file},
-        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
+        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
     };
     return kFields;
 }
 
-const tools::Fields<ShownVpd>& VpdWriteFields() {
-    static const tools::Fields<ShownVpd> kFields = {
+const Fields<ShownVpd>& VpdWriteFields() {
+    static const Fields<ShownVpd> kFields = {
         {PortKeys(), &ShownVpd::ItsPort},
         {"bank", "Goes to bank", kBank,
          [](const ShownVpd& shown) { return shown.settings->Target(); },
          "null on chips with one bank"},
         {"file", "File", kText, &ShownVpd::file},
-        {"size", "Size", tools::Integer("bytes"), &ShownVpd::Size},
+        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
         {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},
     };
     return kFields;
@@ -152,8 +145,7 @@ std::string FaultsText(const PciVpd& vpd) {
 }
 
 // Everything that can be wrong with a file, before the first byte goes out.
-void CheckVpdImage(tools::Invocation& invocation, const std::string& path, Bytes image,
-                   Bytes current) {
+void CheckVpdImage(Invocation& invocation, const std::string& path, Bytes image, Bytes current) {
     if (image.size() != current.size()) {
         invocation.Fail(ExitCode::Refused,
                         path + " has " + std::to_string(image.size()) +
@@ -182,8 +174,8 @@ void CheckVpdImage(tools::Invocation& invocation, const std::string& path, Bytes
     }
 }
 
-bool WriteVpd(tools::Invocation& invocation, const PortSettings& current,
-              std::vector<uint8_t> replaced, std::vector<uint8_t>& image) {
+bool WriteVpd(Invocation& invocation, const PortSettings& current, std::vector<uint8_t> replaced,
+              std::vector<uint8_t>& image) {
     const auto write = [](uint32_t handle, std::vector<uint8_t>& bytes) {
         return HXUpdateVpd(handle, 0, bytes.data(), static_cast<uint32_t>(bytes.size()));
     };
@@ -191,7 +183,7 @@ bool WriteVpd(tools::Invocation& invocation, const PortSettings& current,
                          image);
 }
 
-ExitCode PciVpdShow(tools::Invocation& invocation) {
+ExitCode PciVpdShow(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortSettings settings = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
     const ShownVpd shown{&settings};
@@ -202,7 +194,7 @@ ExitCode PciVpdShow(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode PciVpdRead(tools::Invocation& invocation) {
+ExitCode PciVpdRead(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const PortSession session = OpenSelectedPort(invocation);
     const PortSettings settings = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
@@ -214,7 +206,7 @@ ExitCode PciVpdRead(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode PciVpdWrite(tools::Invocation& invocation) {
+ExitCode PciVpdWrite(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     std::vector<uint8_t> image = LoadFile(invocation, path, kMostRoom);
     const PortSession session = OpenSelectedPort(invocation);
@@ -250,37 +242,37 @@ ExitCode PciVpdWrite(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows VpdCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows VpdCommands() {
+    static const Command kCommands[] = {
         {
             .path = "vpd show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the product data of a port",
             .schema = "vpd.show",
             .arguments = {&kBankArgument, 1},
             .run = PciVpdShow,
             .example = "vpd show -p scsi:3",
-            .result = tools::ShapeOf<VpdShowFields>,
+            .result = ShapeOf<VpdShowFields>,
         },
         {
             .path = "vpd read",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "fetch the product data into a file",
             .schema = "vpd.read",
             .arguments = kVpdReadArguments,
             .run = PciVpdRead,
             .example = "vpd read vpd.bin -p scsi:3",
-            .result = tools::ShapeOf<VpdReadFields>,
+            .result = ShapeOf<VpdReadFields>,
         },
         {
             .path = "vpd write",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "write product data from a file",
             .schema = "vpd.write",
             .arguments = kVpdWriteArguments,
             .run = PciVpdWrite,
             .example = "vpd write vpd.bin -p scsi:3 --dry-run",
-            .result = tools::ShapeOf<VpdWriteFields>,
+            .result = ShapeOf<VpdWriteFields>,
         },
     };
     return kCommands;

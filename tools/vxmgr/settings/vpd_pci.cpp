@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "common/text.h"
 #include "formats/vpd_tags.h"
 
 namespace vxmgr {
@@ -34,7 +33,7 @@ constexpr KeywordRow kKeywords[] = {
 };
 
 std::string At(size_t offset) {
-    return " at " + tools::Hex(offset, 4);
+    return " at " + Hex(offset, 4);
 }
 
 bool IsKeyword(std::string_view name) {
@@ -79,7 +78,7 @@ class Decoder {
         const uint8_t tag = bytes_[at];
         const auto part = formats::TagAt(bytes_, at);
         if (!part) {
-            Fault("the tag " + tools::Hex(tag, 2) + At(at) + " is longer than the data");
+            Fault("the tag " + Hex(tag, 2) + At(at) + " is longer than the data");
             return 0;
         }
         if (tag == kIdentifierTag) {
@@ -89,7 +88,7 @@ class Decoder {
         } else if ((tag & ~formats::kSmallLength) == kEndTag) {
             ended_ = true;
         } else {
-            Fault("the tag " + tools::Hex(tag, 2) + At(at) + " is unknown");
+            Fault("the tag " + Hex(tag, 2) + At(at) + " is unknown");
         }
         return part->End();
     }
@@ -131,7 +130,7 @@ bool VpdItem::IsText() const {
 }
 
 std::string VpdItem::Shown() const {
-    return IsText() ? tools::FieldText(reinterpret_cast<const char*>(data.data()), data.size())
+    return IsText() ? FieldText(reinterpret_cast<const char*>(data.data()), data.size())
                     : HexDigits(data);
 }
 

@@ -1,13 +1,13 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows SfpCommands();
-tools::CommandRows SfpSerdesCommands();
-tools::CommandRows SfpWatchCommands();
-tools::CommandRows SfpChangeCommands();
+CommandRows SfpCommands();
+CommandRows SfpSerdesCommands();
+CommandRows SfpWatchCommands();
+CommandRows SfpChangeCommands();
 
 }  // namespace vxmgr

@@ -1,8 +1,6 @@
 // sfp write, sfp load.
 #include <algorithm>
 
-#include "common/status_codes.h"
-#include "common/text.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/size_text.h"
@@ -16,20 +14,16 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kText;
-using tools::Value;
-
 constexpr size_t kLargestFirmware = size_t{4} << 20;
 constexpr char kLoadAgain[] = "load it again before the port or the host is reset";
 
-constexpr tools::Argument kSfpWriteArguments[] = {
+constexpr Argument kSfpWriteArguments[] = {
     {.name = "PAGE",
      .help = "a0 (identity) or a2 (diagnostics)",
      .required = true,
      .choices = kSfpPageNames},
     {.name = "OFFSET",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .help = "where in the page",
      .required = true,
      .most = kSfpPageBytes - 1},
@@ -38,7 +32,7 @@ constexpr tools::Argument kSfpWriteArguments[] = {
      .required = true,
      .repeated = true},
 };
-constexpr tools::Argument kSfpLoadArguments[] = {
+constexpr Argument kSfpLoadArguments[] = {
     {.name = "FILE",
      .help = "the firmware, as the transceiver's maker gives it out",
      .required = true},
@@ -60,7 +54,7 @@ struct Patch {
     }
 };
 
-std::vector<uint8_t> GivenBytes(tools::Invocation& invocation, size_t offset) {
+std::vector<uint8_t> GivenBytes(Invocation& invocation, size_t offset) {
     std::string digits;
     for (const std::string& word : invocation.Given().All("BYTES")) {
         digits += (digits.empty() ? "" : " ") + word;
@@ -81,7 +75,7 @@ std::string DeviceNote(uint16_t deviceStatus) {
     return " (device status " + std::to_string(deviceStatus) + ")";
 }
 
-std::vector<uint8_t> ReadPage(tools::Invocation& invocation, const PortSession& session,
+std::vector<uint8_t> ReadPage(Invocation& invocation, const PortSession& session,
                               const SfpPage& page) {
     std::vector<uint8_t> bytes(kSfpPageBytes);
     uint16_t deviceStatus = 0;
@@ -111,7 +105,7 @@ bool BreaksChecksum(const Patch& patch) {
 }
 
 // Bytes outside the patch may move: measured values do.
-ExitCode WritePatch(tools::Invocation& invocation, const PortSession& session, const Patch& patch) {
+ExitCode WritePatch(Invocation& invocation, const PortSession& session, const Patch& patch) {
     constexpr char kOtherBytes[] = ": the write was accepted, but other bytes stand there";
     constexpr char kHalfWay[] = ": the write failed half way, or its result cannot be read";
     constexpr char kProtected[] = "the transceiver may protect them, or measure them";
@@ -162,13 +156,13 @@ struct SfpWritten {
     Value Digits(Bytes bytes) const { return shown ? Value::Text(HexDigits(bytes)) : Value(); }
 };
 
-const tools::Fields<SfpWritten>& SfpWriteFields() {
+const Fields<SfpWritten>& SfpWriteFields() {
     using Written = SfpWritten;
-    static const tools::Fields<Written> kFields = {
+    static const Fields<Written> kFields = {
         {PortKeys(), &Written::port},
-        {"page", "Page", tools::Choice(kSfpPageNames),
+        {"page", "Page", Choice(kSfpPageNames),
          [](const Written& one) { return one.patch->page.name; }},
-        {"offset", "Offset", tools::kInteger, [](const Written& one) { return one.patch->offset; }},
+        {"offset", "Offset", kInteger, [](const Written& one) { return one.patch->offset; }},
         {"before", "Before", kText.OrNull(),
          [](const Written& one) { return one.Digits(one.patch->Before()); },
          "hexadecimal digits; null with --redact"},
@@ -189,36 +183,34 @@ struct SfpLoaded {
 };
 
 std::string RevisionOf(const SfpModule& module) {
-    return tools::FieldText(module.identity.revision, sizeof module.identity.revision);
+    return FieldText(module.identity.revision, sizeof module.identity.revision);
 }
 
 std::string Describe(const SfpModule& module) {
     const SfpIdentity& identity = module.identity;
-    return tools::FieldText(identity.vendor, sizeof identity.vendor) + " " +
-           tools::FieldText(identity.part, sizeof identity.part) + ", revision " +
-           RevisionOf(module);
+    return FieldText(identity.vendor, sizeof identity.vendor) + " " +
+           FieldText(identity.part, sizeof identity.part) + ", revision " + RevisionOf(module);
 }
 
-const tools::Fields<SfpLoaded>& SfpLoadFields() {
+const Fields<SfpLoaded>& SfpLoadFields() {
     using Loaded = SfpLoaded;
-    static const tools::Fields<Loaded> kFields = {
+    static const Fields<Loaded> kFields = {
         {PortKeys(), &Loaded::port},
         {"file", "File", kText, &Loaded::file},
-        {"size", "Size", tools::Integer("bytes"), &Loaded::size},
+        {"size", "Size", Integer("bytes"), &Loaded::size},
         {"transceiver", "Transceiver", kText,
          [](const Loaded& one) { return Describe(one.before); }},
         {"revision_before", "Revision before", kText.OrNull(),
          [](const Loaded& one) { return RevisionOf(one.before); }},
         {"revision", "Revision", kText.OrNull(), &Loaded::revision},
-        {"loaded", "Loaded", tools::kFlag, &Loaded::loaded},
+        {"loaded", "Loaded", kFlag, &Loaded::loaded},
     };
     return kFields;
 }
 
-HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& session,
+HX_STATUS LoadUnderLock(Invocation& invocation, const PortSession& session,
                         const std::vector<uint8_t>& image) {
-    const tools::AbandonHooks::Registration whenGivenUp(invocation.Hooks(), [&invocation,
-                                                                             &session] {
+    const AbandonHooks::Registration whenGivenUp(invocation.Hooks(), [&invocation, &session] {
         Complain(invocation, session.port.Object(),
                  "the transceiver was being loaded and may have half of the firmware", kLoadAgain);
     });
@@ -230,8 +222,7 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
 }
 
 // The call that failed, and what is known of the transceiver now.
-[[noreturn]] void FailLoad(tools::Invocation& invocation, const PortSession& session,
-                           HX_STATUS failure) {
+[[noreturn]] void FailLoad(Invocation& invocation, const PortSession& session, HX_STATUS failure) {
     const HX_STATUS status = CauseOf(failure, session.port.Object());
     if (status == HXMGT_SFP_FIRMWARE_INCOMPATIBLE) {
         invocation.Fail(status, "the transceiver refused the file, it keeps its firmware",
@@ -239,13 +230,13 @@ HX_STATUS LoadUnderLock(tools::Invocation& invocation, const PortSession& sessio
     }
     SfpModule module;
     const bool answers = ReadSfpModule(session.Handle(), &module) == HXMGT_SUCCESS;
-    FailAt(session.port.Object(), tools::ExitCodeOf(status),
+    FailAt(session.port.Object(), ExitCodeOf(status),
            "the transceiver was not loaded: " + StatusMessage(status) +
                (answers ? "; it answers as " + Describe(module) : "; it does not answer"),
            kLoadAgain, status);
 }
 
-ExitCode SfpWrite(tools::Invocation& invocation) {
+ExitCode SfpWrite(Invocation& invocation) {
     const auto offset = static_cast<size_t>(invocation.Given().Number("OFFSET").value_or(0));
     std::vector<uint8_t> bytes = GivenBytes(invocation, offset);
     const PortSession session = OpenSelectedPort(invocation);
@@ -274,7 +265,7 @@ ExitCode SfpWrite(tools::Invocation& invocation) {
     return WritePatch(invocation, session, patch);
 }
 
-ExitCode SfpLoad(tools::Invocation& invocation) {
+ExitCode SfpLoad(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
     const std::vector<uint8_t> image = LoadFile(invocation, path, kLargestFirmware);
     if (image.empty()) {
@@ -322,27 +313,27 @@ ExitCode SfpLoad(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows SfpChangeCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows SfpChangeCommands() {
+    static const Command kCommands[] = {
         {
             .path = "sfp write",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "write bytes to the memory of a transceiver",
             .schema = "sfp.write",
             .arguments = kSfpWriteArguments,
             .run = SfpWrite,
             .example = "sfp write a2 0x80 01020304 -p scsi:3",
-            .result = tools::ShapeOf<SfpWriteFields>,
+            .result = ShapeOf<SfpWriteFields>,
         },
         {
             .path = "sfp load",
-            .risk = tools::Risk::Irrecoverable,
+            .risk = Risk::Irrecoverable,
             .help = "load firmware into a transceiver",
             .schema = "sfp.load",
             .arguments = kSfpLoadArguments,
             .run = SfpLoad,
             .example = "sfp load transceiver.bin -p scsi:3",
-            .result = tools::ShapeOf<SfpLoadFields>,
+            .result = ShapeOf<SfpLoadFields>,
         },
     };
     return kCommands;

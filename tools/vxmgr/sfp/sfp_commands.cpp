@@ -7,13 +7,8 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::ListLayout;
-using tools::Tone;
-using tools::Value;
-
 constexpr const char* kPageChoices[] = {kSfpPages[0].name, kSfpPages[1].name, "all"};
-constexpr tools::Argument kDumpArguments[] = {
+constexpr Argument kDumpArguments[] = {
     {.name = "--page",
      .valueName = "PAGE",
      .help = "a0 (identity), a2 (diagnostics) or all (all)",
@@ -38,7 +33,7 @@ Value ModuleTrouble(const ShownModule& shown) {
 }
 
 // Null without diagnostics.
-const tools::Fields<ShownModule>& ModuleFlagFields() {
+const Fields<ShownModule>& ModuleFlagFields() {
     const auto flag = [](bool SfpReadings::*field, bool good) {
         return [field, good](const ShownModule& shown) {
             if (!shown.readings) {
@@ -48,13 +43,13 @@ const tools::Fields<ShownModule>& ModuleFlagFields() {
             return Value(Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad));
         };
     };
-    constexpr tools::FieldType kFlag = tools::kFlag.OrNull();
-    static const tools::Fields<ShownModule> kFields = {
-        {"tx_disabled", "Transmitter off", kFlag, flag(&SfpReadings::transmitDisabled, false)},
-        {"tx_fault", "Transmitter fault", kFlag, flag(&SfpReadings::transmitFault, false)},
-        {"rx_lost", "Signal lost", kFlag, flag(&SfpReadings::signalLost, false)},
-        {"ready", "Ready", kFlag, flag(&SfpReadings::ready, true)},
-        {"checksum_good", "Good checksum", kFlag, flag(&SfpReadings::checksumHolds, true)},
+    constexpr FieldType kKnownFlag = kFlag.OrNull();
+    static const Fields<ShownModule> kFields = {
+        {"tx_disabled", "Transmitter off", kKnownFlag, flag(&SfpReadings::transmitDisabled, false)},
+        {"tx_fault", "Transmitter fault", kKnownFlag, flag(&SfpReadings::transmitFault, false)},
+        {"rx_lost", "Signal lost", kKnownFlag, flag(&SfpReadings::signalLost, false)},
+        {"ready", "Ready", kKnownFlag, flag(&SfpReadings::ready, true)},
+        {"checksum_good", "Good checksum", kKnownFlag, flag(&SfpReadings::checksumHolds, true)},
     };
     return kFields;
 }
@@ -63,32 +58,31 @@ std::string ModuleTitle(const ShownModule& shown) {
     return "Transceiver of port " + std::to_string(shown.port->index);
 }
 
-const tools::Fields<ShownModule>& ModuleFields() {
+const Fields<ShownModule>& ModuleFields() {
     using Shown = ShownModule;
-    static const tools::Fields<Shown> kFields(
-        ModuleTitle,
-        {
-            {PortKeys(kPortIndex | kAdapterSerial), &Shown::port},
-            {"identity", "Identity", SfpIdentityFields(),
-             [](const Shown& shown) { return &shown.module.identity; }, "", tools::kGroup},
-            {"trouble", "Trouble", "TROUBLE", tools::kText.OrNull(), ModuleTrouble,
-             "empty when all is well; null without diagnostics"},
-            {"flags", "State", ModuleFlagFields()},
-            {"readings", "Readings", ReadingFields(), &Shown::Rows, ListLayout::Table,
-             "no diagnostics", "", "quantity"},
-        });
+    static const Fields<Shown> kFields(
+        ModuleTitle, {
+                         {PortKeys(kPortIndex | kAdapterSerial), &Shown::port},
+                         {"identity", "Identity", SfpIdentityFields(),
+                          [](const Shown& shown) { return &shown.module.identity; }, "", kGroup},
+                         {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
+                          "empty when all is well; null without diagnostics"},
+                         {"flags", "State", ModuleFlagFields()},
+                         {"readings", "Readings", ReadingFields(), &Shown::Rows, ListLayout::Table,
+                          "no diagnostics", "", "quantity"},
+                     });
     return kFields;
 }
 
 using ShownModules = std::vector<ShownModule>;
 
-const tools::Fields<ShownModules>& SfpShowFields() {
-    static const auto kFields = tools::ListOf<ShownModules>(
-        "transceivers", "Transceivers", ModuleFields(), ListLayout::Sections, "no transceivers");
+const Fields<ShownModules>& SfpShowFields() {
+    static const auto kFields = ListOf<ShownModules>("transceivers", "Transceivers", ModuleFields(),
+                                                     ListLayout::Sections, "no transceivers");
     return kFields;
 }
 
-ExitCode SfpShow(tools::Invocation& invocation) {
+ExitCode SfpShow(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     ShownModules shown;
     const ExitCode exit = ForEachSfpModule(
@@ -111,8 +105,8 @@ struct SfpMemory {
     std::optional<std::vector<HexRow>> pages[std::size(kSfpPages)]{};
 };
 
-const tools::Fields<SfpMemory>& SfpDumpFields() {
-    static const tools::Fields<SfpMemory> kFields = {
+const Fields<SfpMemory>& SfpDumpFields() {
+    static const Fields<SfpMemory> kFields = {
         {PortKeys(), &SfpMemory::port},
         {kSfpPages[0].name, "Page a0", HexRowFields(),
          [](const SfpMemory& memory) { return memory.pages[0]; }, ListLayout::Table, "no data"},
@@ -122,10 +116,10 @@ const tools::Fields<SfpMemory>& SfpDumpFields() {
     return kFields;
 }
 
-ExitCode SfpDump(tools::Invocation& invocation) {
+ExitCode SfpDump(Invocation& invocation) {
     const std::string wanted = invocation.Given().Text("page", "all");
     const PortSession session = OpenSelectedPort(invocation);
-    tools::GrowingResult memory(invocation.Result(), SfpDumpFields(), {&session.port});
+    GrowingResult memory(invocation.Result(), SfpDumpFields(), {&session.port});
     for (size_t i = 0; i < std::size(kSfpPages); ++i) {
         const SfpPage& page = kSfpPages[i];
         if (wanted != "all" && wanted != page.name) {
@@ -151,26 +145,26 @@ ExitCode SfpDump(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows SfpCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows SfpCommands() {
+    static const Command kCommands[] = {
         {
             .path = "sfp show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show transceivers: identity and measured values",
             .schema = "sfp.show",
             .run = SfpShow,
             .example = "sfp show -p scsi:3",
-            .result = tools::ShapeOf<SfpShowFields>,
+            .result = ShapeOf<SfpShowFields>,
         },
         {
             .path = "sfp dump",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "print the memory of a transceiver",
             .schema = "sfp.dump",
             .arguments = kDumpArguments,
             .run = SfpDump,
             .example = "sfp dump --page a0 -p scsi:3",
-            .result = tools::ShapeOf<SfpDumpFields>,
+            .result = ShapeOf<SfpDumpFields>,
         },
     };
     return kCommands;

@@ -9,9 +9,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::Tone;
-using tools::Value;
-
 struct QuantityRow {
     const char* name;
     const char* unit;
@@ -26,7 +23,7 @@ constexpr QuantityRow kQuantities[kSfpQuantities] = {
 };
 constexpr const char* kQuantityKeys[kSfpQuantities] = {"temperature", "voltage", "bias", "tx_power",
                                                        "rx_power"};
-constexpr tools::FieldType kDecimal = tools::kText.OrNull();
+constexpr FieldType kDecimal = kText.OrNull();
 constexpr char kDecimalNote[] = "a decimal number; null: not known";
 
 const QuantityRow& RowOf(SfpQuantity quantity) {
@@ -189,25 +186,25 @@ Value DecibelValue(const std::optional<double>& milliwatts) {
     return text.empty() ? Value() : Value::Text(text).Shown(text + " dBm");
 }
 
-const tools::Fields<SfpReadingRow>& ReadingFields() {
+const Fields<SfpReadingRow>& ReadingFields() {
     using Row = SfpReadingRow;
     const auto value = [](std::optional<double> SfpReading::*field) {
         return [field](const Row& row) { return ReadingValue(row.quantity, row.reading->*field); };
     };
-    static const tools::Fields<Row> kFields = {
-        {"quantity", "Quantity", "QUANTITY", tools::Choice(kQuantityKeys),
+    static const Fields<Row> kFields = {
+        {"quantity", "Quantity", "QUANTITY", Choice(kQuantityKeys),
          [](const Row& row) {
              return Value::Text(kQuantityKeys[static_cast<size_t>(row.quantity)])
                  .Shown(RowOf(row.quantity).name);
          }},
-        {"unit", "Unit", tools::kText, [](const Row& row) { return RowOf(row.quantity).unit; }},
+        {"unit", "Unit", kText, [](const Row& row) { return RowOf(row.quantity).unit; }},
         {"value", "Value", "VALUE", kDecimal, value(&SfpReading::value), kDecimalNote},
         {"dbm", "dBm", "POWER", kDecimal,
          [](const Row& row) {
              return IsPower(row.quantity) ? DecibelValue(row.reading->value) : Value();
          },
          kDecimalNote},
-        {"state", "State", "STATE", tools::Choice(kStateNames),
+        {"state", "State", "STATE", Choice(kStateNames),
          [](const Row& row) {
              const auto state = static_cast<size_t>(row.reading->state);
              return Value::Text(kStateNames[state])

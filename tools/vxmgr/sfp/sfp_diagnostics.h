@@ -43,15 +43,15 @@ std::string DecibelText(double milliwatts);
 std::string DecimalText(double value, int decimals);
 
 // JSON has the numbers as decimal texts: they may be negative.
-tools::Value ReadingValue(SfpQuantity quantity, const std::optional<double>& value);
-tools::Value DecibelValue(const std::optional<double>& milliwatts);
+Value ReadingValue(SfpQuantity quantity, const std::optional<double>& value);
+Value DecibelValue(const std::optional<double>& milliwatts);
 
 // One row for each quantity. The readings have to live as long as the rows.
 struct SfpReadingRow {
     SfpQuantity quantity;
     const SfpReading* reading;
 };
-const tools::Fields<SfpReadingRow>& ReadingFields();
+const Fields<SfpReadingRow>& ReadingFields();
 std::vector<SfpReadingRow> ReadingRows(const SfpReadings& readings);
 
 // "tx power low warning, signal lost"; empty when all is well.

@@ -1,14 +1,10 @@
 #include "vxmgr/sfp/sfp_identity.h"
 
-#include "common/text.h"
 #include "vxmgr/app/code_text.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::kText;
-using tools::Tone;
-using tools::Value;
 using Sfp = SfpIdentity;
 
 constexpr uint8_t kRateBeyondByte = 255;
@@ -126,9 +122,9 @@ Value SingleModeValue(const Sfp& sfp) {
                                              : LengthValue(sfp.lengthSingleMode, 1000);
 }
 
-const tools::Fields<Sfp>& LengthFields() {
-    constexpr tools::FieldType kLength = tools::kInteger.OrNull();
-    static const tools::Fields<Sfp> kFields = {
+const Fields<Sfp>& LengthFields() {
+    constexpr FieldType kLength = kInteger.OrNull();
+    static const Fields<Sfp> kFields = {
         {"single_mode_m", "Single mode", kLength, SingleModeValue},
         {"om1_m", "OM1", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm1, 10); }},
         {"om2_m", "OM2", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm2, 10); }},
@@ -186,13 +182,13 @@ std::string SfpDate(const char (&date)[8]) {
     return "20" + text.substr(0, 2) + "-" + month + "-" + day;
 }
 
-const tools::Fields<SfpIdentity>& SfpIdentityFields() {
+const Fields<SfpIdentity>& SfpIdentityFields() {
     static constexpr const char* kCalibrations[] = {"internal", "external"};
     static constexpr const char* kPowerMeasures[] = {"amplitude", "average"};
     const auto text = [](auto field) {
-        return [field](const Sfp& sfp) { return tools::FieldText(sfp.*field, sizeof(sfp.*field)); };
+        return [field](const Sfp& sfp) { return FieldText(sfp.*field, sizeof(sfp.*field)); };
     };
-    static const tools::Fields<Sfp> kFields = {
+    static const Fields<Sfp> kFields = {
         {"identifier", "Type", "TYPE", kText,
          [](const Sfp& sfp) { return TextOrNumber(kIdentifiers, sfp.identifier, "type"); }},
         {"connector", "Connector", kText,
@@ -202,7 +198,7 @@ const tools::Fields<SfpIdentity>& SfpIdentityFields() {
          [](const Sfp& sfp) { return HexDigits(sfp.vendorOui); }},
         {"part", "Part", "PART", kText.OrNull(), text(&Sfp::part)},
         {"revision", "Revision", kText.OrNull(), text(&Sfp::revision)},
-        {"serial", "Serial", "SERIAL", tools::kSerial.OrNull(), text(&Sfp::serial)},
+        {"serial", "Serial", "SERIAL", kSerial.OrNull(), text(&Sfp::serial)},
         {"date", "Made on", kText.OrNull(), [](const Sfp& sfp) { return SfpDate(sfp.date); }},
         {"speeds_gbit", "Speeds", "SPEEDS", kText.OrNull(), SpeedsValue},
         {"technology", "Technology", kText.OrNull(),
@@ -212,24 +208,24 @@ const tools::Fields<SfpIdentity>& SfpIdentityFields() {
         {"media", "Media", kText.OrNull(), [](const Sfp& sfp) { return BitText(kMedia, sfp); }},
         {"ethernet", "Ethernet", kText.OrNull(),
          [](const Sfp& sfp) { return BitText(kEthernet, sfp); }},
-        {"wavelength_nm", "Wavelength", tools::kInteger.OrNull(), WavelengthValue},
+        {"wavelength_nm", "Wavelength", kInteger.OrNull(), WavelengthValue},
         {"encoding", "Encoding", kText,
          [](const Sfp& sfp) { return TextOrNumber(kEncodings, sfp.encoding, "encoding"); }},
-        {"nominal_rate_mbd", "Nominal rate", tools::kInteger.OrNull(), RateValue},
-        {"monitoring", "Diagnostics", tools::kFlag, &Sfp::HasMonitoring},
-        {"calibration", "Calibration", tools::Choice(kCalibrations).OrNull(),
+        {"nominal_rate_mbd", "Nominal rate", kInteger.OrNull(), RateValue},
+        {"monitoring", "Diagnostics", kFlag, &Sfp::HasMonitoring},
+        {"calibration", "Calibration", Choice(kCalibrations).OrNull(),
          [](const Sfp& sfp) {
              return ChosenWhen(sfp.HasMonitoring(), kCalibrations, sfp.ExternallyCalibrated());
          }},
-        {"power_measure", "Received power", tools::Choice(kPowerMeasures).OrNull(),
+        {"power_measure", "Received power", Choice(kPowerMeasures).OrNull(),
          [](const Sfp& sfp) {
              return ChosenWhen(sfp.HasMonitoring(), kPowerMeasures, sfp.AveragePower());
          }},
         {"compliance", "SFF-8472 revision", kText,
          [](const Sfp& sfp) { return TextOrNumber(kRevisions, sfp.compliance, "revision"); }},
-        {"base_checksum_good", "Base checksum", tools::kFlag,
+        {"base_checksum_good", "Base checksum", kFlag,
          [](const Sfp& sfp) { return ChecksumValue(formats::BaseChecksumHolds(sfp)); }},
-        {"extended_checksum_good", "Ext. checksum", tools::kFlag,
+        {"extended_checksum_good", "Ext. checksum", kFlag,
          [](const Sfp& sfp) { return ChecksumValue(formats::ExtendedChecksumHolds(sfp)); }},
         {"lengths", "Lengths", LengthFields()},
     };

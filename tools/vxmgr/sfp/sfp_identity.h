@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string>
 
-#include "common/fields.h"
 #include "formats/sfp_pages.h"
 #include "vxmgr/app/bytes.h"
 
@@ -17,6 +16,6 @@ using formats::SfpIdentity;
 // The year 20yy: "2024-01-31"; empty when it is no date.
 std::string SfpDate(const char (&date)[8]);
 
-const tools::Fields<SfpIdentity>& SfpIdentityFields();
+const Fields<SfpIdentity>& SfpIdentityFields();
 
 }  // namespace vxmgr

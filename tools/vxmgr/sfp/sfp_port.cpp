@@ -1,15 +1,12 @@
 #include "vxmgr/sfp/sfp_port.h"
 
-#include "common/status_codes.h"
 #include "vxmgr/app/port_walk.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
 bool IsUnsupported(HX_STATUS status) {
-    return tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    return ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
 struct FoundModule {
@@ -58,7 +55,7 @@ HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module) {
     return HXMGT_SUCCESS;
 }
 
-ExitCode ForEachSfpModule(tools::Invocation& invocation, std::vector<Port>& ports,
+ExitCode ForEachSfpModule(Invocation& invocation, std::vector<Port>& ports,
                           const UseSfpModule& use) {
     const bool chosen = invocation.Given().Has("port") || invocation.Given().Has("adapter");
     std::vector<const Port*> counted;

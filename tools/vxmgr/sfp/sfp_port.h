@@ -41,7 +41,7 @@ HX_STATUS ReadSfpModule(uint32_t handle, SfpModule* module);
 // reported in the end; one whose driver knows no transceivers is left out unless it was chosen.
 using UseSfpModule = std::function<HX_STATUS(const Port& port, Device& device,
                                              const SfpModule& module, std::string* failedQuery)>;
-tools::ExitCode ForEachSfpModule(tools::Invocation& invocation, std::vector<Port>& ports,
-                                 const UseSfpModule& use);
+ExitCode ForEachSfpModule(Invocation& invocation, std::vector<Port>& ports,
+                          const UseSfpModule& use);
 
 }  // namespace vxmgr

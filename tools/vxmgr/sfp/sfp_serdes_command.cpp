@@ -13,8 +13,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::Value;
-
 using Lane = HX_SERDES_LANE;
 
 constexpr const char* kModulations[] = {"nrz", "pam4"};
@@ -52,24 +50,24 @@ Value CtleValue(const Lane& lane) {
     return Value::Text(text).Shown(text + " dB");
 }
 
-const tools::Fields<std::vector<LaneRow>>& SerdesFields() {
+const Fields<std::vector<LaneRow>>& SerdesFields() {
     // Null in the row of a port that failed.
     const auto of = [](auto get) {
         return [get](const LaneRow& row) { return row.lane ? get(*row.lane) : Value(); };
     };
     const auto number = [](auto get) { return Of(&LaneRow::lane, get); };
-    constexpr auto kMillivolts = tools::Integer("mV").OrNull();
-    constexpr auto kTextOrNull = tools::kText.OrNull();
-    static const tools::Fields<LaneRow> kLanes = {
+    constexpr auto kMillivolts = Integer("mV").OrNull();
+    constexpr auto kTextOrNull = kText.OrNull();
+    static const Fields<LaneRow> kLanes = {
         {PortKeys(), &LaneRow::port},
         {PortSerialAlias(), &LaneRow::port},
-        {"lane", "Lane", "LANE", tools::kInteger.OrNull(), number(Packed<&Lane::lane>)},
-        {"speed_gbit", "Speed", "SPEED", tools::Integer("Gbit/s").OrNull(),
+        {"lane", "Lane", "LANE", kInteger.OrNull(), number(Packed<&Lane::lane>)},
+        {"speed_gbit", "Speed", "SPEED", Integer("Gbit/s").OrNull(),
          of([](const Lane& lane) { return SpeedValue(lane.speed); })},
-        {"locked", "Locked", "LOCKED", tools::kFlag.OrNull(),
+        {"locked", "Locked", "LOCKED", kFlag.OrNull(),
          number([](const Lane& lane) { return lane.locked != 0; }),
          "the receiver follows the signal"},
-        {"modulation", "Modulation", tools::Choice(kModulations).OrNull(),
+        {"modulation", "Modulation", Choice(kModulations).OrNull(),
          number([](const Lane& lane) { return NameAt(kModulations, lane.modulation); })},
         {"tx_amplitude_mv", "Amplitude", "AMPLITUDE", kMillivolts,
          number(Packed<&Lane::txAmplitude>)},
@@ -81,15 +79,15 @@ const tools::Fields<std::vector<LaneRow>>& SerdesFields() {
          of([](const Lane& lane) { return StepsValue(lane.txPost); }), kStepsAbout},
         {"eye_height_mv", "Eye height", "EYE HEIGHT", kMillivolts,
          number(Packed<&Lane::eyeHeight>)},
-        {"eye_width_mui", "Eye width", "EYE WIDTH", tools::kInteger.OrNull(), of(EyeWidthValue),
+        {"eye_width_mui", "Eye width", "EYE WIDTH", kInteger.OrNull(), of(EyeWidthValue),
          "1/1000 unit interval"},
         {"ctle_db", "Receive equaliser", "CTLE", kTextOrNull, of(CtleValue), "a decimal number"},
-        {"dfe", "Decision feedback equaliser", tools::FieldType{.array = true}, &LaneRow::Taps,
+        {"dfe", "Decision feedback equaliser", FieldType{.array = true}, &LaneRow::Taps,
          "decimal numbers: steps of each tap"},
         {PortStatus(), &LaneRow::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<LaneRow>>(
-        "lanes", "Lanes", kLanes, tools::ListLayout::Table, "no lanes");
+    static const auto kFields =
+        ListOf<std::vector<LaneRow>>("lanes", "Lanes", kLanes, ListLayout::Table, "no lanes");
     return kFields;
 }
 
@@ -102,11 +100,11 @@ HX_STATUS ReadLanes(PortVisit& visit, std::vector<Lane>* lanes) {
         lanes);
 }
 
-tools::ExitCode SfpSerdes(tools::Invocation& invocation) {
+ExitCode SfpSerdes(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto answers =
         ForEachPort<std::vector<Lane>>(invocation, SelectPorts(invocation, ports), ReadLanes);
-    const tools::ExitCode exit = ReportAnswers(invocation, answers);
+    const ExitCode exit = ReportAnswers(invocation, answers);
     std::vector<LaneRow> rows;
     for (const auto& one : answers) {
         for (const Lane& lane : one.answer) {
@@ -122,16 +120,16 @@ tools::ExitCode SfpSerdes(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows SfpSerdesCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows SfpSerdesCommands() {
+    static const Command kCommands[] = {
         {
             .path = "sfp serdes",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the signal of each lane between adapter and transceiver",
             .schema = "sfp.serdes",
             .run = SfpSerdes,
             .example = "sfp serdes -p scsi:3",
-            .result = tools::ShapeOf<SerdesFields>,
+            .result = ShapeOf<SerdesFields>,
         },
     };
     return kCommands;

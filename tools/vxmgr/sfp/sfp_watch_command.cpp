@@ -7,11 +7,8 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Value;
-
-constexpr tools::Argument kSfpWatchArguments[] = {kIntervalArgument, kTurnsArgument, kForArgument};
-constexpr tools::FieldType kMeasured = tools::kText.OrNull();
+constexpr Argument kSfpWatchArguments[] = {kIntervalArgument, kTurnsArgument, kForArgument};
+constexpr FieldType kMeasured = kText.OrNull();
 constexpr char kMeasuredAbout[] = "a decimal number; null: not known";
 
 struct Measured {
@@ -32,11 +29,11 @@ Value TroubleValue(const Measured& measured) {
     const std::string trouble = TroubleText(measured.readings);
     return Value::Text(trouble)
         .Shown(trouble.empty() ? "none" : trouble)
-        .In(trouble.empty() ? tools::Tone::Plain : tools::Tone::Warning);
+        .In(trouble.empty() ? Tone::Plain : Tone::Warning);
 }
 
-const tools::Fields<Measured>& MeasuredFields() {
-    static const tools::Fields<Measured> kFields = {
+const Fields<Measured>& MeasuredFields() {
+    static const Fields<Measured> kFields = {
         TimeField<Measured>("UTC"),
         {PortKeys(kPortIndex | kAdapterSerial), &Measured::port},
         {"temperature_c", "Temperature", "TEMP.", kMeasured, PlainValue<SfpQuantity::Temperature>,
@@ -53,18 +50,18 @@ const tools::Fields<Measured>& MeasuredFields() {
          kMeasuredAbout},
         {"rx_power_dbm", "Received power", "RX POWER", kMeasured,
          PowerValue<SfpQuantity::ReceivedPower>, kMeasuredAbout, 10},
-        {"trouble", "Trouble", "TROUBLE", tools::kText, TroubleValue, "empty when all is well"},
+        {"trouble", "Trouble", "TROUBLE", kText, TroubleValue, "empty when all is well"},
     };
     return kFields;
 }
 
-const tools::Fields<std::vector<Measured>>& MeasuredList() {
+const Fields<std::vector<Measured>>& MeasuredList() {
     static const auto kFields =
-        tools::ListOf<std::vector<Measured>>("readings", "Readings", MeasuredFields());
+        ListOf<std::vector<Measured>>("readings", "Readings", MeasuredFields());
     return kFields;
 }
 
-ExitCode SfpWatch(tools::Invocation& invocation) {
+ExitCode SfpWatch(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<WatchedPort> watched;
     const auto measure = [](const Port& port, Device device, const SfpIdentity& identity) {
@@ -96,17 +93,17 @@ ExitCode SfpWatch(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows SfpWatchCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows SfpWatchCommands() {
+    static const Command kCommands[] = {
         {
             .path = "sfp watch",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "print measured values as they come",
             .schema = "sfp.watch",
             .arguments = kSfpWatchArguments,
             .run = SfpWatch,
             .example = "sfp watch --interval 10 --count 3",
-            .result = tools::ShapeOf<MeasuredList>,
+            .result = ShapeOf<MeasuredList>,
         },
     };
     return kCommands;

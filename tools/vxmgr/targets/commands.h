@@ -1,13 +1,13 @@
 // The rows of the command table, by the file that has the commands.
 #pragma once
 
-#include "common/command.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
-tools::CommandRows TargetCommands();
-tools::CommandRows TargetSpeedCommands();
-tools::CommandRows QosCommands();
-tools::CommandRows MapCommands();
+CommandRows TargetCommands();
+CommandRows TargetSpeedCommands();
+CommandRows QosCommands();
+CommandRows MapCommands();
 
 }  // namespace vxmgr

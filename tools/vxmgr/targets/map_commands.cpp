@@ -16,9 +16,6 @@
 namespace vxmgr {
 namespace {
 
-using tools::Argument;
-using tools::ExitCode;
-
 constexpr Argument kTargetArguments[] = {
     {.name = "TARGET", .help = "wwn:NAME, id:0xDDAAPP, BUS:TARGET, or all", .required = true},
 };
@@ -36,15 +33,15 @@ struct MapRow {
     MappedPlace place;
 };
 
-const tools::Fields<std::vector<MapRow>>& MapList() {
-    static const tools::Fields<MapRow> kRow = {
+const Fields<std::vector<MapRow>>& MapList() {
+    static const Fields<MapRow> kRow = {
         {PortKeys(kPortIndex | kScsiPort), &MapRow::port},
         {PortSerialAlias(), &MapRow::port},
         {PlaceFields(), &MapRow::place},
         {PortStatus(), &MapRow::port},
     };
-    static const auto kFields = tools::ListOf<std::vector<MapRow>>(
-        "units", "Logical units", kRow, tools::ListLayout::Table, "no logical units",
+    static const auto kFields = ListOf<std::vector<MapRow>>(
+        "units", "Logical units", kRow, ListLayout::Table, "no logical units",
         "a row per volume; one for a logical unit without volumes");
     return kFields;
 }
@@ -55,7 +52,7 @@ class Mapper {
     using Collect =
         std::function<HX_STATUS(const Port& port, uint32_t handle, std::vector<MappedUnit>* units)>;
 
-    explicit Mapper(tools::Invocation& invocation)
+    explicit Mapper(Invocation& invocation)
         : invocation_(invocation), ports_(ReadSelectedPorts(invocation)) {}
 
     void Run(const Collect& collect) {
@@ -91,7 +88,7 @@ class Mapper {
     bool Found() const { return found_; }
 
   private:
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     std::vector<Port> ports_;
     std::vector<const Port*> asked_;
     std::deque<std::vector<MappedUnit>> units_;  // of each port; the rows are about them
@@ -99,7 +96,7 @@ class Mapper {
     bool found_ = false;
 };
 
-SystemDevices ReadSystem(tools::Invocation& invocation) {
+SystemDevices ReadSystem(Invocation& invocation) {
     SystemDevices system;
     if (const HX_STATUS status = system.Read(); status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the system's devices cannot be listed");
@@ -114,9 +111,8 @@ void TakeNames(const KnownTarget& target, MappedUnit* unit) {
 }
 
 // The units that a target reports, in order of their LUNs.
-void AddUnits(tools::Invocation& invocation, const Port& port, uint32_t handle,
-              const KnownTarget& target, const SystemDevices& system,
-              std::vector<MappedUnit>* units) {
+void AddUnits(Invocation& invocation, const Port& port, uint32_t handle, const KnownTarget& target,
+              const SystemDevices& system, std::vector<MappedUnit>* units) {
     if (!target.present) {
         return;
     }
@@ -170,7 +166,7 @@ std::string DisksText(const std::vector<uint32_t>& disks) {
     return text;
 }
 
-ExitCode MapTarget(tools::Invocation& invocation) {
+ExitCode MapTarget(Invocation& invocation) {
     const std::string text = invocation.Given().Text("TARGET");
     const bool all = text == "all";
     HX_SCSI_ADDRESS address{};
@@ -202,11 +198,11 @@ ExitCode MapTarget(tools::Invocation& invocation) {
     return exit;
 }
 
-ExitCode MapVolume(tools::Invocation& invocation) {
+ExitCode MapVolume(Invocation& invocation) {
     const std::string shown = invocation.Given().Text("VOLUME");
     std::vector<uint32_t> disks;
     // Folders may have names beyond ASCII.
-    const HX_STATUS told = ReadDisksOfVolume(tools::console::ToSystemCodePage(shown), &disks);
+    const HX_STATUS told = ReadDisksOfVolume(console::ToSystemCodePage(shown), &disks);
     if (told != HXMGT_SUCCESS) {
         invocation.Fail(told, "the disks of " + shown + " are not known");
     }
@@ -232,7 +228,7 @@ ExitCode MapVolume(tools::Invocation& invocation) {
     return exit;
 }
 
-ExitCode MapDisk(tools::Invocation& invocation) {
+ExitCode MapDisk(Invocation& invocation) {
     const std::string text = invocation.Given().Text("DISK");
     const auto disk = ParseDisk(text);
     if (!disk) {
@@ -254,37 +250,37 @@ ExitCode MapDisk(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows MapCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows MapCommands() {
+    static const Command kCommands[] = {
         {
             .path = "map target",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "the devices and volumes on the logical units of targets",
             .schema = "map",
             .arguments = kTargetArguments,
             .run = MapTarget,
             .example = "map target all",
-            .result = tools::ShapeOf<MapList>,
+            .result = ShapeOf<MapList>,
         },
         {
             .path = "map volume",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "the logical units that a volume lives on",
             .schema = "map",
             .arguments = kVolumeArguments,
             .run = MapVolume,
             .example = "map volume E:",
-            .result = tools::ShapeOf<MapList>,
+            .result = ShapeOf<MapList>,
         },
         {
             .path = "map disk",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "the logical unit behind a disk",
             .schema = "map",
             .arguments = kDiskArguments,
             .run = MapDisk,
             .example = "map disk 41",
-            .result = tools::ShapeOf<MapList>,
+            .result = ShapeOf<MapList>,
         },
     };
     return kCommands;

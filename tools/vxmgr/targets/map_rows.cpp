@@ -2,20 +2,16 @@
 
 #include <algorithm>
 
-#include "common/text.h"
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_id.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::kInteger;
-using tools::kText;
-
 constexpr std::string_view kDevicePrefix = "\\\\.\\";
 constexpr std::string_view kDiskPrefix = "PhysicalDrive";
 
-std::optional<tools::Wwn> NameIn(const tools::Wwn& name) {
+std::optional<Wwn> NameIn(const Wwn& name) {
     return name.IsZero() ? std::nullopt : std::optional(name);
 }
 
@@ -34,7 +30,7 @@ const HX_OS_DEVICE* DiskOf(const MappedPlace& place) {
 }
 
 bool StartsWith(std::string_view text, std::string_view prefix) {
-    return tools::EqualIgnoringCase(text.substr(0, prefix.size()), prefix);
+    return EqualIgnoringCase(text.substr(0, prefix.size()), prefix);
 }
 
 }  // namespace
@@ -42,8 +38,8 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
 MappedUnit UnitOf(const HX_OS_DEVICE& device) {
     MappedUnit unit;
     if (device.discovered != 0) {
-        unit.portName = tools::Wwn::Of(device.portName);
-        unit.nodeName = tools::Wwn::Of(device.nodeName);
+        unit.portName = Wwn::Of(device.portName);
+        unit.nodeName = Wwn::Of(device.nodeName);
         unit.portId = PortIdOf(device.portId);
     }
     unit.bus = device.bus;
@@ -67,7 +63,7 @@ std::optional<uint32_t> ParseDisk(std::string_view text) {
     if (text.find_first_not_of("0123456789") != std::string_view::npos) {
         return std::nullopt;
     }
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     return number && *number <= UINT32_MAX ? std::optional(static_cast<uint32_t>(*number))
                                            : std::nullopt;
 }
@@ -76,20 +72,20 @@ const char* DeviceTypeText(uint32_t type) {
     return type != 0 && type <= std::size(kDeviceTypes) ? kDeviceTypes[type - 1] : nullptr;
 }
 
-const tools::Fields<MappedPlace>& PlaceFields() {
+const Fields<MappedPlace>& PlaceFields() {
     using Place = MappedPlace;
     using Unit = MappedUnit;
-    static const tools::Fields<Place> kFields = {
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(), Of(TargetOf, &Unit::portName)},
-        {"node_wwn", "Node name", tools::kWwn.OrNull(),
+    static const Fields<Place> kFields = {
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), Of(TargetOf, &Unit::portName)},
+        {"node_wwn", "Node name", kWwn.OrNull(),
          Of(&Place::unit, [](const Unit& unit) { return NameIn(unit.nodeName); })},
-        {"port_id", "Port identifier", tools::Hexadecimal(6).OrNull(), Of(TargetOf, &Unit::portId)},
+        {"port_id", "Port identifier", Hexadecimal(6).OrNull(), Of(TargetOf, &Unit::portId)},
         {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&Place::unit, &Unit::bus)},
         {"target", "Target", "ID", kInteger.OrNull(), Of(&Place::unit, &Unit::target)},
         {"lun", "LUN", "LUN", kInteger.OrNull(), Of(&Place::unit, &Unit::lun)},
         {"device", "Device", "DEVICE", kText.OrNull(), Of(DeviceOf, TextOf<&HX_OS_DEVICE::name>),
          "as it is opened; null: the operating system has none"},
-        {"device_type", "Type", "TYPE", tools::Choice(kDeviceTypes).OrNull(),
+        {"device_type", "Type", "TYPE", Choice(kDeviceTypes).OrNull(),
          Of(DeviceOf, [](const HX_OS_DEVICE& device) { return DeviceTypeText(device.type); })},
         {"disk", "Disk", kInteger.OrNull(), Of(DiskOf, Packed<&HX_OS_DEVICE::number>),
          "number of a disk"},
@@ -122,13 +118,13 @@ std::string VolumesText(std::vector<MappedUnit> units) {
                           [](const MappedUnit& unit) { return !unit.volumes.empty(); });
     std::string text;
     for (size_t i = 0; i < units.size() && i < kMostShown; ++i) {
-        std::string name = tools::FieldText(units[i].device->name, sizeof units[i].device->name);
+        std::string name = FieldText(units[i].device->name, sizeof units[i].device->name);
         if (StartsWith(name, kDevicePrefix)) {
             name.erase(0, kDevicePrefix.size());
         }
         std::string places;
         for (const HX_VOLUME& volume : units[i].volumes) {
-            const std::string path = tools::FieldText(volume.path, sizeof volume.path);
+            const std::string path = FieldText(volume.path, sizeof volume.path);
             places += (places.empty() ? "" : ", ") +
                       (path.empty() ? std::string("a volume that is mounted nowhere") : path);
         }

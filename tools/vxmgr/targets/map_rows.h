@@ -7,14 +7,14 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fields.h"
 #include "hxmgtapi.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
 struct MappedUnit {
-    tools::Wwn portName;  // of the target; zero: not told
-    tools::Wwn nodeName;
+    Wwn portName;  // of the target; zero: not told
+    Wwn nodeName;
     uint32_t portId = 0;
     uint16_t bus = 0;
     uint16_t target = 0;
@@ -40,7 +40,7 @@ struct MappedPlace {
     const MappedUnit* unit = nullptr;
     const HX_VOLUME* volume = nullptr;
 };
-const tools::Fields<MappedPlace>& PlaceFields();
+const Fields<MappedPlace>& PlaceFields();
 
 // A place per volume, one for a unit without volumes.
 std::vector<MappedPlace> PlacesOf(const MappedUnit& unit);

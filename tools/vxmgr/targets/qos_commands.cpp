@@ -9,10 +9,8 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
-constexpr tools::Argument kQosGetArguments[] = {kSelectTargetArgument};
-constexpr tools::Argument kQosSetArguments[] = {
+constexpr Argument kQosGetArguments[] = {kSelectTargetArgument};
+constexpr Argument kQosSetArguments[] = {
     {.name = "LEVEL", .help = "none, low, medium, high, or 0 to 3", .required = true},
     {.name = "--luns", .valueName = "LUNS", .help = "LUNs and ranges of them, as in 0-7,12 (all)"},
     {.name = kSelectTargetArgument.name,
@@ -34,26 +32,26 @@ struct QosResult {
 };
 
 template <bool before>
-const tools::Fields<QosResult>& QosFields() {
-    static const tools::Fields<QosRow> kRows = {
+const Fields<QosResult>& QosFields() {
+    static const Fields<QosRow> kRows = {
         {TargetRowHeadFields(), &QosRow::Head},
-        {"luns", "LUNs", "LUNS", tools::kText.OrNull(),
+        {"luns", "LUNs", "LUNS", kText.OrNull(),
          Of(&QosRow::run, [](const QosRun& run) { return RangeText(run.luns); }),
          "one LUN, or a range of LUNs that have the same level"},
-        {"level", "Level", "LEVEL", tools::Choice(kQosLevels).OrNull(),
+        {"level", "Level", "LEVEL", Choice(kQosLevels).OrNull(),
          Of(&QosRow::run, [](const QosRun& run) { return NameAt(kQosLevels, run.level); })},
-        {"previous", "Before", before ? "BEFORE" : "", tools::Choice(kQosLevels).OrNull(),
+        {"previous", "Before", before ? "BEFORE" : "", Choice(kQosLevels).OrNull(),
          [](const QosRow& row) {
              return row.run && row.run->before ? NameAt(kQosLevels, *row.run->before) : nullptr;
          },
          "before a set"},
-        {"in_force", "In force", "IN FORCE", tools::kFlag.OrNull(), &QosRow::inForce},
+        {"in_force", "In force", "IN FORCE", kFlag.OrNull(), &QosRow::inForce},
         {TargetRowStatus(), &QosRow::Head},
     };
-    static const tools::Fields<QosResult> kFields = {
-        {"enabled", "", tools::kFlag.OrNull(), &QosResult::enabled,
+    static const Fields<QosResult> kFields = {
+        {"enabled", "", kFlag.OrNull(), &QosResult::enabled,
          "priorities are in force on every port that tells; null: none does"},
-        {"levels", "Levels", kRows, &QosResult::levels, tools::ListLayout::Table, "no targets"},
+        {"levels", "Levels", kRows, &QosResult::levels, ListLayout::Table, "no targets"},
     };
     return kFields;
 }
@@ -74,9 +72,9 @@ HX_STATUS ReadPriorities(uint32_t handle, const HX_SCSI_ADDRESS& address, Priori
     return HXGetLunQos(handle, &address, &told->qos);
 }
 
-void WarnWhenOff(tools::Invocation& invocation, const Port& port, std::optional<bool> inForce) {
+void WarnWhenOff(Invocation& invocation, const Port& port, std::optional<bool> inForce) {
     if (inForce && !*inForce) {
-        invocation.Add({tools::Severity::Warning,
+        invocation.Add({Severity::Warning,
                         "priorities are not in force",
                         "adapter and driver decide about that: levels are kept, and act once it is "
                         "switched on there",
@@ -95,7 +93,7 @@ void AddRuns(const TargetRowHead& head, const Priorities& told, const HX_LUN_QOS
     }
 }
 
-ExitCode QosGet(tools::Invocation& invocation) {
+ExitCode QosGet(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto answers =
         AskTargets<Priorities>(invocation, ports, "priorities of LUNs", ReadPriorities);
@@ -123,7 +121,7 @@ ExitCode QosGet(tools::Invocation& invocation) {
     return CheckFound(invocation, exit, found);
 }
 
-LunSet GivenQosLuns(tools::Invocation& invocation) {
+LunSet GivenQosLuns(Invocation& invocation) {
     LunSet luns;
     std::string error;
     if (!ParseLuns(invocation.Given().Text("luns", "all"), &luns, &error)) {
@@ -137,7 +135,7 @@ LunSet GivenQosLuns(tools::Invocation& invocation) {
     return luns & limit;
 }
 
-ExitCode QosSet(tools::Invocation& invocation) {
+ExitCode QosSet(Invocation& invocation) {
     const std::string name = invocation.Given().Text("LEVEL");
     const auto level = ParseQosLevel(name);
     if (!level) {
@@ -188,27 +186,27 @@ ExitCode QosSet(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows QosCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows QosCommands() {
+    static const Command kCommands[] = {
         {
             .path = "qos get",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the priorities of targets' logical units",
             .schema = "qos",
             .arguments = kQosGetArguments,
             .run = QosGet,
             .example = "qos get -p scsi:3",
-            .result = tools::ShapeOf<QosFields<false>>,
+            .result = ShapeOf<QosFields<false>>,
         },
         {
             .path = "qos set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "set the priority of logical units of a target",
             .schema = "qos",
             .arguments = kQosSetArguments,
             .run = QosSet,
             .example = "qos set high --luns 0-1 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<QosFields<true>>,
+            .result = ShapeOf<QosFields<true>>,
         },
     };
     return kCommands;

@@ -1,16 +1,16 @@
 #include "vxmgr/targets/qos_levels.h"
 
-#include "common/text.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
 std::optional<uint8_t> ParseQosLevel(const std::string& text) {
     for (uint8_t level = 0; level < std::size(kQosLevels); ++level) {
-        if (tools::EqualIgnoringCase(text, kQosLevels[level])) {
+        if (EqualIgnoringCase(text, kQosLevels[level])) {
             return level;
         }
     }
-    const auto number = tools::ParseNumber(text);
+    const auto number = ParseNumber(text);
     return number && *number < std::size(kQosLevels) ? std::optional(static_cast<uint8_t>(*number))
                                                      : std::nullopt;
 }

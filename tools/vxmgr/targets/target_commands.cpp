@@ -1,7 +1,6 @@
 // target list|show|luns.
 #include "vxmgr/targets/commands.h"
 
-#include "common/text.h"
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_id.h"
@@ -13,17 +12,9 @@
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Fields;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kText;
-using tools::kWwn;
-using tools::Record;
-
 using DeviceRecord = HX_DEVICE_RECORD;
 
-constexpr tools::Argument kSelectArguments[] = {kSelectTargetArgument};
+constexpr Argument kSelectArguments[] = {kSelectTargetArgument};
 
 // What is known of a target; without a target: of a port that failed.
 struct TargetRow {
@@ -58,7 +49,7 @@ const Fields<TargetRow>& TargetHeadFields() {
          "port name; null in the row of a port that failed"},
         {"node_wwn", "Node name", kWwn.OrNull(),
          Of(&TargetRow::NamedTarget, &KnownTarget::NodeName)},
-        {"port_id", "Port identifier", "PORT ID", tools::Hexadecimal(6).OrNull(),
+        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
          Of(&TargetRow::NamedDevice,
             [](const DeviceRecord& device) { return PortIdOf(device.portId); })},
         {"bus", "Bus", "BUS", kInteger.OrNull(),
@@ -67,7 +58,7 @@ const Fields<TargetRow>& TargetHeadFields() {
          Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::target>), "target ID"},
         {"symbolic_name", "Name", "NAME", kText.OrNull(),
          [](const TargetRow& row) { return TextOf<&DeviceRecord::symbolicName>(row.Device()); }},
-        {"role", "Role", "ROLE", tools::Choice(kTargetRoles).OrNull(),
+        {"role", "Role", "ROLE", Choice(kTargetRoles).OrNull(),
          [](const TargetRow& row) { return RoleText(row.Device().roleAndState); }},
         {"present", "Reached now", "PRESENT", kFlag.OrNull(),
          Of(&TargetRow::NamedTarget, &KnownTarget::present), "the driver reaches it now"},
@@ -120,11 +111,11 @@ const Fields<TargetRow>& TargetDetailFields() {
             {TargetHeadFields(), std::identity()},
             {"target_number", "Target number", kInteger,
              [](const TargetRow& row) { return row.Device().targetNumber; }},
-            {"role_and_state", "Role and state word", tools::Hexadecimal(8).OrNull(),
+            {"role_and_state", "Role and state word", Hexadecimal(8).OrNull(),
              Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::roleAndState>)},
-            {"port_flags", "Port flags", tools::Hexadecimal(4).OrNull(),
+            {"port_flags", "Port flags", Hexadecimal(4).OrNull(),
              Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::portFlags>)},
-            {"binding_flags", "Binding flags", tools::Hexadecimal(2).OrNull(),
+            {"binding_flags", "Binding flags", Hexadecimal(2).OrNull(),
              Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::bindingFlags>)},
             {BoundFields(), std::identity()},
             {"stored_address", "Stored bus:target", kText.OrNull(),
@@ -133,7 +124,7 @@ const Fields<TargetRow>& TargetDetailFields() {
                     return std::to_string(entry.bus) + ":" + std::to_string(entry.target);
                 }),
              "bus:target"},
-            {"stored_flags", "Stored flags", tools::Hexadecimal(2).OrNull(),
+            {"stored_flags", "Stored flags", Hexadecimal(2).OrNull(),
              Of(&TargetRow::stored, Packed<&HX_TARGET_ENTRY::bindingFlags>)},
             {"masked_live", "Masked live", kText.OrNull(), Of(&TargetRow::maskedLive, LunsValue),
              "LUNs as in 0-7,12; empty when none is masked"},
@@ -144,10 +135,10 @@ const Fields<TargetRow>& TargetDetailFields() {
     return kFields;
 }
 
-template <auto target, tools::ListLayout layout>
+template <auto target, ListLayout layout>
 const Fields<std::vector<TargetRow>>& TargetList() {
     static const auto kFields =
-        tools::ListOf<std::vector<TargetRow>>("targets", "Targets", target(), layout, "no targets");
+        ListOf<std::vector<TargetRow>>("targets", "Targets", target(), layout, "no targets");
     return kFields;
 }
 
@@ -182,9 +173,9 @@ const Fields<LunRow>& LunFields() {
 }
 
 const Fields<std::vector<LunRow>>& LunList() {
-    static const auto kFields = tools::ListOf<std::vector<LunRow>>(
-        "luns", "LUNs", LunFields(), tools::ListLayout::Table, "no LUNs",
-        "LUNs that nobody sees and nobody masks are left out");
+    static const auto kFields =
+        ListOf<std::vector<LunRow>>("luns", "LUNs", LunFields(), ListLayout::Table, "no LUNs",
+                                    "LUNs that nobody sees and nobody masks are left out");
     return kFields;
 }
 
@@ -193,7 +184,7 @@ using AddRows =
 
 // Rows of every known target; with -t for those ports that know the target. empty: the result
 // without rows.
-ExitCode ListTargets(tools::Invocation& invocation, Record empty, const AddRows& add,
+ExitCode ListTargets(Invocation& invocation, Record empty, const AddRows& add,
                      const RowOfFailure& failed) {
     CheckTargetOption(invocation);
     bool found = false;
@@ -218,8 +209,8 @@ ExitCode ListTargets(tools::Invocation& invocation, Record empty, const AddRows&
     return exit;
 }
 
-template <auto fields, tools::ListLayout layout>
-ExitCode ShowTargets(tools::Invocation& invocation) {
+template <auto fields, ListLayout layout>
+ExitCode ShowTargets(Invocation& invocation) {
     return ListTargets(
         invocation, TargetList<fields, layout>().Prototype(),
         [](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
@@ -230,7 +221,7 @@ ExitCode ShowTargets(tools::Invocation& invocation) {
         [](const Port& port) { return fields().Make({&port}); });
 }
 
-ExitCode TargetLuns(tools::Invocation& invocation) {
+ExitCode TargetLuns(Invocation& invocation) {
     return ListTargets(
         invocation, LunList().Prototype(),
         [&](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
@@ -247,38 +238,38 @@ ExitCode TargetLuns(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows TargetCommands() {
-    using enum tools::ListLayout;
-    static const tools::Command kCommands[] = {
+CommandRows TargetCommands() {
+    using enum ListLayout;
+    static const Command kCommands[] = {
         {
             .path = "target list",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the targets of the ports",
             .schema = "target.list",
             .arguments = kSelectArguments,
             .run = ShowTargets<TargetSummaryFields, Table>,
             .example = "target list -p scsi:3",
-            .result = tools::ShapeOf<TargetList<TargetSummaryFields, Table>>,
+            .result = ShapeOf<TargetList<TargetSummaryFields, Table>>,
         },
         {
             .path = "target show",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show targets in detail",
             .schema = "target.show",
             .arguments = kSelectArguments,
             .run = ShowTargets<TargetDetailFields, Sections>,
             .example = "target show -t wwn:2b:00:02:45:4d:00:01:00",
-            .result = tools::ShapeOf<TargetList<TargetDetailFields, Sections>>,
+            .result = ShapeOf<TargetList<TargetDetailFields, Sections>>,
         },
         {
             .path = "target luns",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "list the LUNs that targets report, with their masks",
             .schema = "target.luns",
             .arguments = kSelectArguments,
             .run = TargetLuns,
             .example = "target luns -p scsi:3",
-            .result = tools::ShapeOf<LunList>,
+            .result = ShapeOf<LunList>,
         },
     };
     return kCommands;

@@ -22,7 +22,7 @@ void AddDiscovered(uint32_t handle, std::vector<KnownTarget>* targets) {
             return;
         }
         for (KnownTarget& target : *targets) {
-            if (target.PortName() == tools::Wwn::Of(found.device.portName)) {
+            if (target.PortName() == Wwn::Of(found.device.portName)) {
                 target.present = true;
                 target.luns = found.numberOfLuns;
             }
@@ -87,15 +87,14 @@ uint32_t LunLimit(const Port& port) {
     return port.IsCurrentGeneration() ? HX_MAX_LUNS : kLegacyLuns;
 }
 
-HX_SCSI_ADDRESS AddressByPortName(const tools::Wwn& target) {
+HX_SCSI_ADDRESS AddressByPortName(const Wwn& target) {
     HX_SCSI_ADDRESS address{};
     address.type = HX_ADDRESS_PORT_NAME;
     std::memcpy(address.address, target.bytes.data(), sizeof address.address);
     return address;
 }
 
-HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const tools::Wwn& target,
-                       LunSet* masked) {
+HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const Wwn& target, LunSet* masked) {
     const HX_SCSI_ADDRESS address = AddressByPortName(target);
     // A driver may answer with less than the whole mask: what it says nothing of is visible.
     uint8_t mask[HX_LUN_MASK_SIZE];
@@ -105,7 +104,7 @@ HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const tools::Wwn& targ
     return status;
 }
 
-HX_STATUS WriteLiveMask(uint32_t handle, const tools::Wwn& target, const LunSet& masked) {
+HX_STATUS WriteLiveMask(uint32_t handle, const Wwn& target, const LunSet& masked) {
     const HX_SCSI_ADDRESS address = AddressByPortName(target);
     uint8_t mask[HX_LUN_MASK_SIZE];
     SetMasked(masked, mask);

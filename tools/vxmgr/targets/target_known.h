@@ -17,8 +17,8 @@ struct KnownTarget {
     bool present = false;          // the driver reaches it now
     std::optional<uint32_t> luns;  // as the driver counts them
 
-    tools::Wwn PortName() const { return tools::Wwn::Of(record.portName); }
-    tools::Wwn NodeName() const { return tools::Wwn::Of(record.nodeName); }
+    Wwn PortName() const { return Wwn::Of(record.portName); }
+    Wwn NodeName() const { return Wwn::Of(record.nodeName); }
 };
 
 // Everything that the driver knows.
@@ -36,9 +36,9 @@ const char* RoleText(uint32_t roleAndState);  // null: the driver gives no role
 // LUNs that a mask of the port's driver covers.
 uint32_t LunLimit(const Port& port);
 
-HX_SCSI_ADDRESS AddressByPortName(const tools::Wwn& target);
+HX_SCSI_ADDRESS AddressByPortName(const Wwn& target);
 
-HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const tools::Wwn& target, LunSet* masked);
-HX_STATUS WriteLiveMask(uint32_t handle, const tools::Wwn& target, const LunSet& masked);
+HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const Wwn& target, LunSet* masked);
+HX_STATUS WriteLiveMask(uint32_t handle, const Wwn& target, const LunSet& masked);
 
 }  // namespace vxmgr

@@ -4,8 +4,8 @@
 
 namespace vxmgr {
 
-tools::Value LunsValue(const LunSet& luns) {
-    return tools::Value::Text(LunsText(luns)).Shown(luns.none() ? "none" : LunsText(luns));
+Value LunsValue(const LunSet& luns) {
+    return Value::Text(LunsText(luns)).Shown(luns.none() ? "none" : LunsText(luns));
 }
 
 std::optional<LunSet> LiveMaskOf(const PortTargets& targets, const KnownTarget& target) {
@@ -15,15 +15,15 @@ std::optional<LunSet> LiveMaskOf(const PortTargets& targets, const KnownTarget& 
     return status == HXMGT_SUCCESS ? std::optional(masked) : std::nullopt;
 }
 
-std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const tools::Wwn& target) {
+std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const Wwn& target) {
     const HX_LUN_RECORD* record = FindRow(*targets.masks.block, target);
     return record == nullptr
                ? std::nullopt
                : std::optional(MaskedOf(*record) & FirstLuns(LunLimit(targets.OwnPort())));
 }
 
-std::optional<LunSet> ReportedLuns(tools::Invocation& invocation, const Port& port, uint32_t handle,
-                                   const tools::Wwn& target) {
+std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
+                                   const Wwn& target) {
     constexpr size_t kRoom = 4096;  // more an older driver does not move
     constexpr size_t kLargeRoom = 8 * (HX_MAX_LUNS + 1);
     const HX_SCSI_ADDRESS address = AddressByPortName(target);

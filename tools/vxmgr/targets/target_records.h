@@ -5,15 +5,15 @@
 
 namespace vxmgr {
 
-tools::Value LunsValue(const LunSet& luns);  // "none" for people when there are none
+Value LunsValue(const LunSet& luns);  // "none" for people when there are none
 
 // The masked LUNs; nothing when there is no such mask.
 std::optional<LunSet> LiveMaskOf(const PortTargets& targets, const KnownTarget& target);
-std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const tools::Wwn& target);
+std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const Wwn& target);
 
 // LUNs that the target of this port name reports to this host; nothing, and a warning, when it does
 // not answer.
-std::optional<LunSet> ReportedLuns(tools::Invocation& invocation, const Port& port, uint32_t handle,
-                                   const tools::Wwn& target);
+std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
+                                   const Wwn& target);
 
 }  // namespace vxmgr

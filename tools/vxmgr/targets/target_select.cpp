@@ -38,7 +38,7 @@ auto* FindIn(Range&& range, const HX_SCSI_ADDRESS& address) {
     decltype(&*range.begin()) byNode = nullptr;
     for (auto& one : range) {
         const auto& row = RowOf(one);
-        if (tools::Wwn::Of(row.nodeName).IsZero()) {
+        if (Wwn::Of(row.nodeName).IsZero()) {
             continue;
         }
         if (IsName(address, row.portName) || HasAddress(address, row)) {
@@ -53,19 +53,18 @@ auto* FindIn(Range&& range, const HX_SCSI_ADDRESS& address) {
 
 }  // namespace
 
-HX_SCSI_ADDRESS GivenAddress(tools::Invocation& invocation, const char* option) {
+HX_SCSI_ADDRESS GivenAddress(Invocation& invocation, const char* option) {
     const std::string text = invocation.Given().Text(option);
     HX_SCSI_ADDRESS address{};
     std::string error;
     if (!ParseTarget(text, &address, &error)) {
-        invocation.Fail(tools::ExitCode::Usage,
-                        std::string("--") + option + " " + text + ": " + error,
+        invocation.Fail(ExitCode::Usage, std::string("--") + option + " " + text + ": " + error,
                         "`target list` shows the targets");
     }
     return address;
 }
 
-void CheckTargetOption(tools::Invocation& invocation) {
+void CheckTargetOption(Invocation& invocation) {
     if (invocation.Given().Has("target")) {
         GivenAddress(invocation, "target");
     }
@@ -74,8 +73,8 @@ void CheckTargetOption(tools::Invocation& invocation) {
 std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address) {
     ChosenTarget chosen;
     const auto take = [&](const auto& row) {
-        chosen.portName = tools::Wwn::Of(row.portName);
-        chosen.nodeName = tools::Wwn::Of(row.nodeName);
+        chosen.portName = Wwn::Of(row.portName);
+        chosen.nodeName = Wwn::Of(row.nodeName);
     };
     chosen.known = FindIn(targets.known, address);
     if (chosen.known != nullptr) {
@@ -98,7 +97,7 @@ std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRE
     return std::nullopt;
 }
 
-std::optional<ChosenTarget> FindTarget(tools::Invocation& invocation, PortTargets& targets,
+std::optional<ChosenTarget> FindTarget(Invocation& invocation, PortTargets& targets,
                                        const char* option) {
     const HX_SCSI_ADDRESS address = GivenAddress(invocation, option);
     const auto chosen = FindTarget(targets, address);
@@ -109,36 +108,32 @@ std::optional<ChosenTarget> FindTarget(tools::Invocation& invocation, PortTarget
     const std::string means = invocation.Given().Text(option) + " is target " + chosen->Text();
     const HX_TARGET_ENTRY* stored = FindIn(RowsOf(*targets.bindings.block), address);
     if (FindIn(targets.known, address) == nullptr) {
-        invocation.Add({tools::Severity::Info,
-                        means + ", as stored: the driver has none there",
-                        {},
-                        object,
-                        {}});
-    } else if (stored != nullptr && tools::Wwn::Of(stored->portName) != chosen->portName) {
-        invocation.Add({tools::Severity::Warning,
+        invocation.Add(
+            {Severity::Info, means + ", as stored: the driver has none there", {}, object, {}});
+    } else if (stored != nullptr && Wwn::Of(stored->portName) != chosen->portName) {
+        invocation.Add({Severity::Warning,
                         means + ", as the driver has it now; in the store it is " +
-                            tools::Wwn::Of(stored->portName).Colons(),
+                            Wwn::Of(stored->portName).Colons(),
                         "wwn:NAME says which one is meant",
                         object,
                         {}});
     } else {
-        invocation.Add(
-            {tools::Severity::Info, means + ", as the driver has it now", {}, object, {}});
+        invocation.Add({Severity::Info, means + ", as the driver has it now", {}, object, {}});
     }
     return chosen;
 }
 
-void FailUnknown(tools::Invocation& invocation, const PortTargets& targets, const char* option,
+void FailUnknown(Invocation& invocation, const PortTargets& targets, const char* option,
                  const std::string& text, const std::string& hint) {
     const bool down = LinkIsDown(targets.session);
-    invocation.Fail(tools::ExitCode::NotFound,
+    invocation.Fail(ExitCode::NotFound,
                     targets.OwnPort().Object() + ": " +
                         (down ? "the link is down, and so the driver knows no target: " : "") +
                         "--" + option + " " + invocation.Given().Text(option) + " " + text,
                     down ? kLinkHint : hint);
 }
 
-ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets) {
+ChosenTarget ChooseTarget(Invocation& invocation, PortTargets& targets) {
     const auto chosen = FindTarget(invocation, targets, "target");
     if (!chosen) {
         FailUnknown(invocation, targets, "target", "is neither known to the driver nor stored",
@@ -152,8 +147,7 @@ const KnownTarget* FindKnown(const std::vector<KnownTarget>& known,
     return FindIn(known, address);
 }
 
-std::vector<const KnownTarget*> ChooseKnown(tools::Invocation& invocation,
-                                            const PortTargets& targets) {
+std::vector<const KnownTarget*> ChooseKnown(Invocation& invocation, const PortTargets& targets) {
     std::vector<const KnownTarget*> chosen;
     if (invocation.Given().Has("target")) {
         const KnownTarget* found = FindKnown(targets.known, GivenAddress(invocation, "target"));

@@ -5,21 +5,21 @@
 
 namespace vxmgr {
 
-inline constexpr tools::Argument kSelectTargetArgument = {
+inline constexpr Argument kSelectTargetArgument = {
     .name = "-t,--target",
     .valueName = "TARGET",
     .help = "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET"};
 
 // The address after an option like -t; ends the command when it is wrong.
-HX_SCSI_ADDRESS GivenAddress(tools::Invocation& invocation, const char* option);
+HX_SCSI_ADDRESS GivenAddress(Invocation& invocation, const char* option);
 
 // Ends the command when there is a -t, and a wrong one.
-void CheckTargetOption(tools::Invocation& invocation);
+void CheckTargetOption(Invocation& invocation);
 
 // A target by all that it is known by. Neither pointer is set for a target that was only named.
 struct ChosenTarget {
-    tools::Wwn portName;
-    tools::Wwn nodeName;
+    Wwn portName;
+    Wwn nodeName;
     const KnownTarget* known = nullptr;
     HX_TARGET_ENTRY* bound = nullptr;
 
@@ -27,7 +27,7 @@ struct ChosenTarget {
 };
 
 // Ends the command: the option names a target that nobody knows.
-[[noreturn]] void FailUnknown(tools::Invocation& invocation, const PortTargets& targets,
+[[noreturn]] void FailUnknown(Invocation& invocation, const PortTargets& targets,
                               const char* option, const std::string& text, const std::string& hint);
 
 // Looks in the driver first, then in the stored bindings, then (names alone) in the stored masks.
@@ -36,17 +36,16 @@ std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRE
 
 // The same for an option like -t. An address on the bus is the driver's where it has one there,
 // else that of the store: what it means is told.
-std::optional<ChosenTarget> FindTarget(tools::Invocation& invocation, PortTargets& targets,
+std::optional<ChosenTarget> FindTarget(Invocation& invocation, PortTargets& targets,
                                        const char* option);
 
 // The same for -t; ends the command when there is no such target.
-ChosenTarget ChooseTarget(tools::Invocation& invocation, PortTargets& targets);
+ChosenTarget ChooseTarget(Invocation& invocation, PortTargets& targets);
 
 // The known target that an address means, or null.
 const KnownTarget* FindKnown(const std::vector<KnownTarget>& known, const HX_SCSI_ADDRESS& address);
 
 // The known targets that -t means, all of them without -t.
-std::vector<const KnownTarget*> ChooseKnown(tools::Invocation& invocation,
-                                            const PortTargets& targets);
+std::vector<const KnownTarget*> ChooseKnown(Invocation& invocation, const PortTargets& targets);
 
 }  // namespace vxmgr

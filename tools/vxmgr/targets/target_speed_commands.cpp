@@ -1,21 +1,17 @@
 // target speed get|set: the rate at which frames go to a target.
-#include "common/text.h"
 #include "vxmgr/targets/commands.h"
 #include "vxmgr/targets/target_walk.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::Value;
-
 using LinkSpeed = HX_TARGET_LINK_SPEED;
 
 constexpr char kAutoSpeed[] = "auto";
 constexpr uint16_t kNegotiated = 0;  // as a set takes it
 
-constexpr tools::Argument kSpeedGetArguments[] = {kSelectTargetArgument};
-constexpr tools::Argument kSpeedSetArguments[] = {
+constexpr Argument kSpeedGetArguments[] = {kSelectTargetArgument};
+constexpr Argument kSpeedSetArguments[] = {
     {.name = "SPEED", .help = "in Gbit/s, or auto: the rate that was negotiated", .required = true},
     {.name = kSelectTargetArgument.name,
      .valueName = kSelectTargetArgument.valueName,
@@ -41,9 +37,9 @@ Value SpeedIn(const SpeedRow& row) {
 
 // setting: something was set, and there is a speed before.
 template <bool setting>
-const tools::Fields<std::vector<SpeedRow>>& SpeedList() {
-    constexpr auto kGigabits = tools::Integer("Gbit/s").OrNull();
-    static const tools::Fields<SpeedRow> kRows = {
+const Fields<std::vector<SpeedRow>>& SpeedList() {
+    constexpr auto kGigabits = Integer("Gbit/s").OrNull();
+    static const Fields<SpeedRow> kRows = {
         {TargetRowHeadFields(), &SpeedRow::Head},
         {"speed_gbit", "Speed", "SPEED", kGigabits, SpeedIn<&SpeedRow::now, &LinkSpeed::speed>,
          "at which frames go to the target"},
@@ -53,16 +49,16 @@ const tools::Fields<std::vector<SpeedRow>>& SpeedList() {
          SpeedIn<&SpeedRow::now, &LinkSpeed::highest>},
         {"port_gbit", "Link", "LINK", kGigabits, SpeedIn<&SpeedRow::now, &LinkSpeed::portSpeed>,
          "of the port's link"},
-        {"set", "Set", "SET", tools::kFlag.OrNull(), Of(&SpeedRow::now, IsSet),
+        {"set", "Set", "SET", kFlag.OrNull(), Of(&SpeedRow::now, IsSet),
          "set by management; false: as negotiated"},
         {TargetRowStatus(), &SpeedRow::Head},
     };
-    static const auto kFields = tools::ListOf<std::vector<SpeedRow>>(
-        "speeds", "Speeds", kRows, tools::ListLayout::Table, "no targets");
+    static const auto kFields =
+        ListOf<std::vector<SpeedRow>>("speeds", "Speeds", kRows, ListLayout::Table, "no targets");
     return kFields;
 }
 
-ExitCode TargetSpeedGet(tools::Invocation& invocation) {
+ExitCode TargetSpeedGet(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const auto ask = [](uint32_t handle, const HX_SCSI_ADDRESS& address, LinkSpeed* speed) {
         return HXGetTargetIDMALinkSpeed(handle, &address, speed);
@@ -87,12 +83,12 @@ ExitCode TargetSpeedGet(tools::Invocation& invocation) {
     return CheckFound(invocation, exit, found);
 }
 
-uint16_t GivenSpeed(tools::Invocation& invocation) {
+uint16_t GivenSpeed(Invocation& invocation) {
     const std::string text = invocation.Given().Text("SPEED");
-    if (tools::EqualIgnoringCase(text, kAutoSpeed)) {
+    if (EqualIgnoringCase(text, kAutoSpeed)) {
         return kNegotiated;
     }
-    const auto gigabits = tools::ParseNumber(text);
+    const auto gigabits = ParseNumber(text);
     const auto code = gigabits ? SpeedCodeOf(*gigabits) : std::nullopt;
     if (!code) {
         invocation.Fail(ExitCode::Usage, "SPEED: \"" + text + "\" is no speed of a link",
@@ -114,10 +110,10 @@ LinkSpeed ReadSpeed(const OpenTarget& target) {
     return speed;
 }
 
-ExitCode TargetSpeedSet(tools::Invocation& invocation) {
+ExitCode TargetSpeedSet(Invocation& invocation) {
     const uint16_t wanted = GivenSpeed(invocation);
     const OpenTarget target = OpenGivenTarget(invocation);
-    tools::GrowingResult<std::vector<SpeedRow>> rows(invocation.Result(), SpeedList<true>());
+    GrowingResult<std::vector<SpeedRow>> rows(invocation.Result(), SpeedList<true>());
     rows.push_back({target.Head(), {}, {}});
     SpeedRow& row = rows.front();
     const LinkSpeed before = ReadSpeed(target);
@@ -151,27 +147,27 @@ ExitCode TargetSpeedSet(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows TargetSpeedCommands() {
-    static const tools::Command kCommands[] = {
+CommandRows TargetSpeedCommands() {
+    static const Command kCommands[] = {
         {
             .path = "target speed get",
-            .risk = tools::Risk::Reads,
+            .risk = Risk::Reads,
             .help = "show the rates at which frames go to targets",
             .schema = "target.speed",
             .arguments = kSpeedGetArguments,
             .run = TargetSpeedGet,
             .example = "target speed get -p scsi:3",
-            .result = tools::ShapeOf<SpeedList<false>>,
+            .result = ShapeOf<SpeedList<false>>,
         },
         {
             .path = "target speed set",
-            .risk = tools::Risk::Reversible,
+            .risk = Risk::Reversible,
             .help = "set the rate at which frames go to a target, until the driver stops",
             .schema = "target.speed",
             .arguments = kSpeedSetArguments,
             .run = TargetSpeedSet,
             .example = "target speed set 16 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = tools::ShapeOf<SpeedList<true>>,
+            .result = ShapeOf<SpeedList<true>>,
         },
     };
     return kCommands;

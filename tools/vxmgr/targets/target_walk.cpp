@@ -2,9 +2,7 @@
 
 namespace vxmgr {
 
-using tools::ExitCode;
-
-std::optional<HX_SCSI_ADDRESS> WantedTarget(tools::Invocation& invocation) {
+std::optional<HX_SCSI_ADDRESS> WantedTarget(Invocation& invocation) {
     return invocation.Given().Has("target") ? std::optional(GivenAddress(invocation, "target"))
                                             : std::nullopt;
 }
@@ -26,7 +24,7 @@ std::vector<const KnownTarget*> WantedOf(const std::vector<KnownTarget>& known,
     return targets;
 }
 
-ExitCode CheckFound(tools::Invocation& invocation, ExitCode exit, bool found) {
+ExitCode CheckFound(Invocation& invocation, ExitCode exit, bool found) {
     if (!found && exit == ExitCode::Done && invocation.Given().Has("target")) {
         invocation.Fail(ExitCode::NotFound,
                         "no selected port knows the target " + invocation.Given().Text("target"),
@@ -35,19 +33,19 @@ ExitCode CheckFound(tools::Invocation& invocation, ExitCode exit, bool found) {
     return exit;
 }
 
-const tools::Fields<TargetRowHead>& TargetRowHeadFields() {
-    static const tools::Fields<TargetRowHead> kFields = {
+const Fields<TargetRowHead>& TargetRowHeadFields() {
+    static const Fields<TargetRowHead> kFields = {
         {PortKeys(), &TargetRowHead::port},
         {PortSerialAlias(), &TargetRowHead::port},
-        {"target_wwn", "Target", "TARGET", tools::kWwn.OrNull(), &TargetRowHead::name,
+        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), &TargetRowHead::name,
          "port name; null in the row of a port that failed, or knows no target"},
     };
     return kFields;
 }
 
-const tools::Fields<TargetRowHead>& TargetRowStatus() {
-    static const tools::Fields<TargetRowHead> kFields = {
-        {"status", "Status", tools::kText.OrNull().Quiet(),
+const Fields<TargetRowHead>& TargetRowStatus() {
+    static const Fields<TargetRowHead> kFields = {
+        {"status", "Status", kText.OrNull().Quiet(),
          [](const TargetRowHead& row) {
              return StatusValue(row.name ? row.status : row.port->failure);
          },
@@ -55,7 +53,7 @@ const tools::Fields<TargetRowHead>& TargetRowStatus() {
     return kFields;
 }
 
-OpenTarget OpenGivenTarget(tools::Invocation& invocation) {
+OpenTarget OpenGivenTarget(Invocation& invocation) {
     const HX_SCSI_ADDRESS wanted = GivenAddress(invocation, "target");
     OpenTarget target{OpenSelectedPort(invocation), {}, {}};
     std::vector<KnownTarget> known;

@@ -16,7 +16,7 @@ namespace vxmgr {
 
 template <class Told>
 struct TargetAnswer {
-    tools::Wwn name;
+    Wwn name;
     HX_STATUS status = HXMGT_SUCCESS;
     Told told{};
 };
@@ -24,17 +24,17 @@ template <class Told>
 using TargetAnswers = std::vector<TargetAnswer<Told>>;
 
 // Which targets to ask about: those of the port, or the one that -t means.
-std::optional<HX_SCSI_ADDRESS> WantedTarget(tools::Invocation& invocation);
+std::optional<HX_SCSI_ADDRESS> WantedTarget(Invocation& invocation);
 std::vector<const KnownTarget*> WantedOf(const std::vector<KnownTarget>& known,
                                          const std::optional<HX_SCSI_ADDRESS>& wanted);
 
 // Ends a list of targets: with -t, and no target in it, nobody knows that one.
-tools::ExitCode CheckFound(tools::Invocation& invocation, tools::ExitCode exit, bool found);
+ExitCode CheckFound(Invocation& invocation, ExitCode exit, bool found);
 
 // ask(handle, address, told) of each target, side by side for the ports. A target that is away is
 // no failure of its port, unless it was named.
 template <class Told, class Ask>
-std::vector<PortAnswer<TargetAnswers<Told>>> AskTargets(tools::Invocation& invocation,
+std::vector<PortAnswer<TargetAnswers<Told>>> AskTargets(Invocation& invocation,
                                                         std::vector<Port>& ports, const char* query,
                                                         Ask ask) {
     const auto wanted = WantedTarget(invocation);
@@ -67,16 +67,16 @@ std::vector<PortAnswer<TargetAnswers<Told>>> AskTargets(tools::Invocation& invoc
 // name it is the row of a port.
 struct TargetRowHead {
     const Port* port = nullptr;
-    std::optional<tools::Wwn> name = std::nullopt;
+    std::optional<Wwn> name = std::nullopt;
     HX_STATUS status = HXMGT_SUCCESS;
 };
-const tools::Fields<TargetRowHead>& TargetRowHeadFields();
-const tools::Fields<TargetRowHead>& TargetRowStatus();
+const Fields<TargetRowHead>& TargetRowHeadFields();
+const Fields<TargetRowHead>& TargetRowStatus();
 
 // One target of the selected port, open.
 struct OpenTarget {
     PortSession session;
-    tools::Wwn name;
+    Wwn name;
     HX_SCSI_ADDRESS address{};
 
     uint32_t Handle() const { return session.Handle(); }
@@ -87,6 +87,6 @@ struct OpenTarget {
         throw RemoteFailure(session, status, text + " " + name.Colons());
     }
 };
-OpenTarget OpenGivenTarget(tools::Invocation& invocation);
+OpenTarget OpenGivenTarget(Invocation& invocation);
 
 }  // namespace vxmgr

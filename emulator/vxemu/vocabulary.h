@@ -1,0 +1,12 @@
+// The tool is written in the words of the tools' frame.
+#pragma once
+
+#include "common/fields.h"
+#include "common/invocation.h"
+#include "common/status_codes.h"
+
+namespace vxemu {
+
+using namespace tools;
+
+}  // namespace vxemu
