@@ -145,28 +145,22 @@ constexpr Argument kScm[] = {
 
 CommandRows CounterCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "stats bump",
-            .risk = Risk::Reversible,
-            .help = "raise a counter of a port, or what it has counted about a target",
-            .schema = "stats.bump",
-            .arguments = kBump,
-            .run = RunStatsBump,
-            .example = "stats bump scsi:3 invalid_crcs 5",
-            .result = RaisedCounterShape,
-            .notes = CounterNotes,
-        },
-        {
-            .path = "scm",
-            .risk = Risk::Reversible,
-            .help = "let the fabric tell a port of congestion and damaged links",
-            .schema = "scm",
-            .arguments = kScm,
-            .run = RunScm,
-            .example = "scm scsi:3 credit_stall 2",
-            .result = RaisedCounterShape,
-            .notes = CongestionNotes,
-        },
+        {.path = "stats bump",
+         .risk = Risk::Reversible,
+         .help = "raise a counter of a port, or what it has counted about a target",
+         .arguments = kBump,
+         .run = RunStatsBump,
+         .example = "stats bump scsi:3 invalid_crcs 5",
+         .result = RaisedCounterShape,
+         .notes = CounterNotes},
+        {.path = "scm",
+         .risk = Risk::Reversible,
+         .help = "let the fabric tell a port of congestion and damaged links",
+         .arguments = kScm,
+         .run = RunScm,
+         .example = "scm scsi:3 credit_stall 2",
+         .result = RaisedCounterShape,
+         .notes = CongestionNotes},
     };
     return kCommands;
 }

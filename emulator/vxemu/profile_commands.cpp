@@ -199,35 +199,23 @@ constexpr Argument kProfileFile[] = {{.name = "FILE", .help = "JSON file", .requ
 
 CommandRows ProfileCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "profile list",
-            .risk = Risk::Reads,
-            .help = "built-in profiles",
-            .schema = "profile.list",
-            .run = RunProfileList,
-            .example = "profile list",
-            .result = ProfileListShape,
-        },
-        {
-            .path = "profile show",
-            .risk = Risk::Reads,
-            .help = "a profile as JSON",
-            .schema = "profile.show",
-            .arguments = kProfileShow,
-            .run = RunProfileShow,
-            .example = "profile show lab --out my.json",
-            .result = ProfileShape,
-        },
-        {
-            .path = "profile validate",
-            .risk = Risk::Reads,
-            .help = "check a profile file",
-            .schema = "profile.validate",
-            .arguments = kProfileFile,
-            .run = RunProfileValidate,
-            .example = "profile validate my.json",
-            .result = ProfileValidShape,
-        },
+        {.path = "profile list",
+         .help = "built-in profiles",
+         .run = RunProfileList,
+         .example = "profile list",
+         .result = ProfileListShape},
+        {.path = "profile show",
+         .help = "a profile as JSON",
+         .arguments = kProfileShow,
+         .run = RunProfileShow,
+         .example = "profile show lab --out my.json",
+         .result = ProfileShape},
+        {.path = "profile validate",
+         .help = "check a profile file",
+         .arguments = kProfileFile,
+         .run = RunProfileValidate,
+         .example = "profile validate my.json",
+         .result = ProfileValidShape},
     };
     return kCommands;
 }

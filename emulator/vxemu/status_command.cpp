@@ -67,15 +67,11 @@ Shape StatusShape() {
 
 CommandRows StatusCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "status",
-            .risk = Risk::Reads,
-            .help = "what runs, and what each port has served",
-            .schema = "status",
-            .run = RunStatus,
-            .example = "status --json",
-            .result = StatusShape,
-        },
+        {.path = "status",
+         .help = "what runs, and what each port has served",
+         .run = RunStatus,
+         .example = "status --json",
+         .result = StatusShape},
     };
     return kCommands;
 }

@@ -259,34 +259,24 @@ constexpr Argument kTraceFile[] = {
 
 CommandRows TraceCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "trace start",
-            .risk = Risk::Reversible,
-            .help = "record every request of the ports, the last 8192 of them",
-            .schema = "trace.start",
-            .arguments = kTraceFile,
-            .run = RunTraceStart,
-            .example = "trace start requests.jsonl",
-            .result = TraceChangeShape,
-        },
-        {
-            .path = "trace stop",
-            .risk = Risk::Reversible,
-            .help = "end the record and write it as JSON lines",
-            .schema = "trace.stop",
-            .run = RunTraceStop,
-            .example = "trace stop",
-            .result = TraceChangeShape,
-        },
-        {
-            .path = "trace show",
-            .risk = Risk::Reads,
-            .help = "the requests that were recorded up to now",
-            .schema = "trace.show",
-            .run = RunTraceShow,
-            .example = "trace show",
-            .result = TraceShape,
-        },
+        {.path = "trace start",
+         .risk = Risk::Reversible,
+         .help = "record every request of the ports, the last 8192 of them",
+         .arguments = kTraceFile,
+         .run = RunTraceStart,
+         .example = "trace start requests.jsonl",
+         .result = TraceChangeShape},
+        {.path = "trace stop",
+         .risk = Risk::Reversible,
+         .help = "end the record and write it as JSON lines",
+         .run = RunTraceStop,
+         .example = "trace stop",
+         .result = TraceChangeShape},
+        {.path = "trace show",
+         .help = "the requests that were recorded up to now",
+         .run = RunTraceShow,
+         .example = "trace show",
+         .result = TraceShape},
     };
     return kCommands;
 }

@@ -31,6 +31,12 @@ std::string SchemaName(const Tool& tool, const char* schema) {
     return std::string(tool.name) + "." + schema;
 }
 
+std::string SchemaName(const Tool& tool, const Command& command) {
+    std::string schema(command.schema != nullptr ? command.schema : command.path);
+    std::replace(schema.begin(), schema.end(), ' ', '.');
+    return SchemaName(tool, schema.c_str());
+}
+
 std::vector<Command> Joined(std::span<CommandRows (*const)()> files) {
     std::vector<Command> commands;
     for (const auto rows : files) {

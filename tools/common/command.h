@@ -60,9 +60,9 @@ struct Argument {
 
 struct Command {
     const char* path;  // words as they are typed: "driver param get"
-    Risk risk;
-    const char* help;
-    const char* schema;  // name of the result's schema behind the tool's: "driver.param.get"
+    Risk risk = Risk::Reads;
+    const char* help = "";
+    const char* schema = nullptr;  // of the result, behind the tool's name; null: the path's words
     std::span<const Argument> arguments = {};
     ExitCode (*run)(Invocation&) = nullptr;
     const char* example = "";          // what may follow the tool's name: "port stats -p scsi:3"
@@ -123,6 +123,7 @@ std::string NameOf(const Argument& argument);
 
 // The full name of a schema of the tool: "vxmgr.port.list".
 std::string SchemaName(const Tool& tool, const char* schema);
+std::string SchemaName(const Tool& tool, const Command& command);
 
 // Null when the path is none, or only that of a group.
 const Command* FindCommand(const Tool& tool, std::string_view path);

@@ -180,7 +180,7 @@ void Invocation::Stream(Record row) {
             result_.MainList()->records.push_back(std::move(row));
             break;
         case OutputMode::JsonLines:
-            text = RowLine(SchemaName(tool_, OwnCommand().schema), row, result_, redactor_);
+            text = RowLine(SchemaName(tool_, OwnCommand()), row, result_, redactor_);
             break;
         case OutputMode::Csv:
             text = CsvLine(row, redactor_);

@@ -151,13 +151,15 @@ class Run {
 
     int Main() {
         if (!OpenOutput()) {
-            return Number(ReportWithoutCommand("error"));
+            return Number(ReportWithoutCommand(SchemaName(tool_, "error")));
         }
         if (!line_.help.empty()) {
             return Number(PrintHelp());
         }
         if (!line_.error.empty()) {
-            return Number(ReportWithoutCommand(line_.command == nullptr ? "usage" : ""));
+            return Number(ReportWithoutCommand(line_.command == nullptr
+                                                   ? SchemaName(tool_, "usage")
+                                                   : SchemaName(tool_, *line_.command)));
         }
         return Number(RunCommand());
     }
@@ -197,8 +199,7 @@ class Run {
             return exit_;
         }
         Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
-        envelope.schema =
-            SchemaName(tool_, schema.empty() ? line_.command->schema : schema.c_str());
+        envelope.schema = schema;
         envelope.messages = {message};
         return CloseWith(envelope, exit_, redactor);
     }
@@ -268,7 +269,7 @@ class Run {
         }
         Redactor& redactor = invocation.Names();
         Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
-        envelope.schema = SchemaName(tool_, line_.command->schema);
+        envelope.schema = SchemaName(tool_, *line_.command);
         envelope.result = result;
         envelope.messages = invocation.Messages();
         envelope.messages.insert(envelope.messages.end(), ending.messages.begin(),

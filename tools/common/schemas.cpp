@@ -25,7 +25,7 @@ std::vector<Schema> SchemasOf(const Tool& tool, std::vector<std::string>* missin
         if (command.hidden) {
             continue;
         }
-        Schema& schema = schemas[SchemaName(tool, command.schema)];
+        Schema& schema = schemas[SchemaName(tool, command)];
         schema.title +=
             (schema.title.empty() ? "Result of `" : ", `") + std::string(command.path) + "`";
         schema.shape = command.result;

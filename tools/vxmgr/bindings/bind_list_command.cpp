@@ -140,16 +140,12 @@ ExitCode BindList(Invocation& invocation) {
 
 CommandRows BindListCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "bind list",
-            .risk = Risk::Reads,
-            .help = "list the bound targets",
-            .schema = "bind.list",
-            .arguments = kListArguments,
-            .run = BindList,
-            .example = "bind list --store registry",
-            .result = ShapeOf<BindListFields>,
-        },
+        {.path = "bind list",
+         .help = "list the bound targets",
+         .arguments = kListArguments,
+         .run = BindList,
+         .example = "bind list --store registry",
+         .result = ShapeOf<BindListFields>},
     };
     return kCommands;
 }

@@ -244,25 +244,18 @@ ExitCode BindClean(Invocation& invocation) {
 
 CommandRows BindStoreCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "bind stores",
-            .risk = Risk::Reads,
-            .help = "list the ports that have stored data, absent ones among them",
-            .schema = "bind.stores",
-            .run = BindStores,
-            .example = "bind stores",
-            .result = ShapeOf<BindStoresFields>,
-        },
-        {
-            .path = "bind clean",
-            .risk = Risk::InterruptsIo,
-            .help = "delete the stored data of absent ports",
-            .schema = "bind.clean",
-            .arguments = kCleanArguments,
-            .run = BindClean,
-            .example = "bind clean 21:00:02:45:4d:00:09:00",
-            .result = ShapeOf<BindCleanFields>,
-        },
+        {.path = "bind stores",
+         .help = "list the ports that have stored data, absent ones among them",
+         .run = BindStores,
+         .example = "bind stores",
+         .result = ShapeOf<BindStoresFields>},
+        {.path = "bind clean",
+         .risk = Risk::InterruptsIo,
+         .help = "delete the stored data of absent ports",
+         .arguments = kCleanArguments,
+         .run = BindClean,
+         .example = "bind clean 21:00:02:45:4d:00:09:00",
+         .result = ShapeOf<BindCleanFields>},
     };
     return kCommands;
 }

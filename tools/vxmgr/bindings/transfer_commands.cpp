@@ -281,52 +281,38 @@ constexpr StoredKind<HX_LUN_DATA> kMasks{
 
 CommandRows BindTransferCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "bind export",
-            .risk = Risk::Reads,
-            .help = "write a port's bindings to a document",
-            .schema = "bind.export",
-            .arguments = kExportArguments,
-            .run = Export<kBindings>,
-            .example = "bind export bindings.json -p scsi:3",
-            .result = ShapeOf<ExportFields>,
-        },
-        {
-            .path = "bind import",
-            .risk = Risk::Reversible,
-            .help = "take a port's bindings from a document",
-            .schema = "bind.import",
-            .arguments = kImportArguments,
-            .run = Import<kBindings>,
-            .example = "bind import bindings.json -p scsi:3 --dry-run",
-            .result = ShapeOf<ImportFields<true>>,
-        },
+        {.path = "bind export",
+         .help = "write a port's bindings to a document",
+         .arguments = kExportArguments,
+         .run = Export<kBindings>,
+         .example = "bind export bindings.json -p scsi:3",
+         .result = ShapeOf<ExportFields>},
+        {.path = "bind import",
+         .risk = Risk::Reversible,
+         .help = "take a port's bindings from a document",
+         .arguments = kImportArguments,
+         .run = Import<kBindings>,
+         .example = "bind import bindings.json -p scsi:3 --dry-run",
+         .result = ShapeOf<ImportFields<true>>},
     };
     return kCommands;
 }
 
 CommandRows LunmaskTransferCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "lunmask export",
-            .risk = Risk::Reads,
-            .help = "write a port's LUN masks to a document",
-            .schema = "lunmask.export",
-            .arguments = kExportArguments,
-            .run = Export<kMasks>,
-            .example = "lunmask export masks.json -p scsi:3",
-            .result = ShapeOf<ExportFields>,
-        },
-        {
-            .path = "lunmask import",
-            .risk = Risk::InterruptsIo,
-            .help = "take a port's LUN masks from a document",
-            .schema = "lunmask.import",
-            .arguments = kImportArguments,
-            .run = Import<kMasks>,
-            .example = "lunmask import masks.json -p scsi:3 --dry-run",
-            .result = ShapeOf<ImportFields<true>>,
-        },
+        {.path = "lunmask export",
+         .help = "write a port's LUN masks to a document",
+         .arguments = kExportArguments,
+         .run = Export<kMasks>,
+         .example = "lunmask export masks.json -p scsi:3",
+         .result = ShapeOf<ExportFields>},
+        {.path = "lunmask import",
+         .risk = Risk::InterruptsIo,
+         .help = "take a port's LUN masks from a document",
+         .arguments = kImportArguments,
+         .run = Import<kMasks>,
+         .example = "lunmask import masks.json -p scsi:3 --dry-run",
+         .result = ShapeOf<ImportFields<true>>},
     };
     return kCommands;
 }

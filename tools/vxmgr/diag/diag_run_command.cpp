@@ -293,16 +293,12 @@ ExitCode DiagRun(Invocation& invocation) {
 
 CommandRows DiagRunCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "diag run",
-            .risk = Risk::Reads,
-            .help = "run every check that does no harm",
-            .schema = "diag.run",
-            .arguments = kRunArguments,
-            .run = DiagRun,
-            .example = "diag run -p scsi:3",
-            .result = ShapeOf<DiagRunFields>,
-        },
+        {.path = "diag run",
+         .help = "run every check that does no harm",
+         .arguments = kRunArguments,
+         .run = DiagRun,
+         .example = "diag run -p scsi:3",
+         .result = ShapeOf<DiagRunFields>},
     };
     return kCommands;
 }

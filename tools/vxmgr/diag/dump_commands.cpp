@@ -223,34 +223,23 @@ ExitCode DumpList(Invocation& invocation) {
 
 CommandRows DumpCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "dump list",
-            .risk = Risk::Reads,
-            .help = "which dumps there are",
-            .schema = "dump.list",
-            .run = DumpList,
-            .example = "dump list -p scsi:3",
-            .result = ShapeOf<DumpListFields>,
-        },
-        {
-            .path = "dump save",
-            .risk = Risk::Reads,
-            .help = "fetch a dump into a file",
-            .schema = "dump.save",
-            .arguments = kSaveArguments,
-            .run = DumpSave,
-            .example = "dump save fc firmware.dmp -p scsi:3",
-            .result = ShapeOf<SavedDumpFields>,
-        },
-        {
-            .path = "dump take",
-            .risk = Risk::InterruptsIo,
-            .help = "have the firmware make a dump now",
-            .schema = "dump.take",
-            .run = DumpTake,
-            .example = "dump take -p scsi:3",
-            .result = ShapeOf<DumpTakenFields>,
-        },
+        {.path = "dump list",
+         .help = "which dumps there are",
+         .run = DumpList,
+         .example = "dump list -p scsi:3",
+         .result = ShapeOf<DumpListFields>},
+        {.path = "dump save",
+         .help = "fetch a dump into a file",
+         .arguments = kSaveArguments,
+         .run = DumpSave,
+         .example = "dump save fc firmware.dmp -p scsi:3",
+         .result = ShapeOf<SavedDumpFields>},
+        {.path = "dump take",
+         .risk = Risk::InterruptsIo,
+         .help = "have the firmware make a dump now",
+         .run = DumpTake,
+         .example = "dump take -p scsi:3",
+         .result = ShapeOf<DumpTakenFields>},
     };
     return kCommands;
 }

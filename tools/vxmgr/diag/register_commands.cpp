@@ -176,26 +176,21 @@ ExitCode RegisterWrite(Invocation& invocation) {
 
 CommandRows RegisterCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "diag register read",
-            .risk = Risk::Reads,
-            .help = "read a register of the SerDes or of the retimer",
-            .schema = "diag.register",
-            .arguments = kRegisterReadArguments,
-            .run = RegisterRead,
-            .example = "diag register read serdes:0 0x10 -p scsi:3",
-            .result = ShapeOf<RegisterFields>,
-        },
-        {
-            .path = "diag register write",
-            .risk = Risk::Irrecoverable,
-            .help = "write a register of the SerDes or of the retimer",
-            .schema = "diag.register",
-            .arguments = kRegisterWriteArguments,
-            .run = RegisterWrite,
-            .example = "diag register write serdes:0 0x10=0x320 -p scsi:3",
-            .result = ShapeOf<RegisterFields>,
-        },
+        {.path = "diag register read",
+         .help = "read a register of the SerDes or of the retimer",
+         .schema = "diag.register",
+         .arguments = kRegisterReadArguments,
+         .run = RegisterRead,
+         .example = "diag register read serdes:0 0x10 -p scsi:3",
+         .result = ShapeOf<RegisterFields>},
+        {.path = "diag register write",
+         .risk = Risk::Irrecoverable,
+         .help = "write a register of the SerDes or of the retimer",
+         .schema = "diag.register",
+         .arguments = kRegisterWriteArguments,
+         .run = RegisterWrite,
+         .example = "diag register write serdes:0 0x10=0x320 -p scsi:3",
+         .result = ShapeOf<RegisterFields>},
     };
     return kCommands;
 }

@@ -130,15 +130,11 @@ ExitCode NpivList(Invocation& invocation) {
 
 CommandRows NpivCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "npiv list",
-            .risk = Risk::Reads,
-            .help = "list the virtual ports of the ports",
-            .schema = "npiv.list",
-            .run = NpivList,
-            .example = "npiv list -p scsi:3",
-            .result = ShapeOf<NpivListFields>,
-        },
+        {.path = "npiv list",
+         .help = "list the virtual ports of the ports",
+         .run = NpivList,
+         .example = "npiv list -p scsi:3",
+         .result = ShapeOf<NpivListFields>},
     };
     return kCommands;
 }

@@ -266,16 +266,12 @@ ExitCode NvmeList(Invocation& invocation) {
 
 CommandRows NvmeCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "nvme list",
-            .risk = Risk::Reads,
-            .help = "list the NVMe controllers that the ports reach",
-            .schema = "nvme.list",
-            .arguments = kNvmeListArguments,
-            .run = NvmeList,
-            .example = "nvme list --namespaces -p scsi:3",
-            .result = ShapeOf<ControllerList<false>>,
-        },
+        {.path = "nvme list",
+         .help = "list the NVMe controllers that the ports reach",
+         .arguments = kNvmeListArguments,
+         .run = NvmeList,
+         .example = "nvme list --namespaces -p scsi:3",
+         .result = ShapeOf<ControllerList<false>>},
     };
     return kCommands;
 }

@@ -272,15 +272,11 @@ ExitCode PortDatabase(Invocation& invocation) {
 
 CommandRows DatabaseCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "port database",
-            .risk = Risk::Reads,
-            .help = "list the remote ports that the ports' drivers know",
-            .schema = "port.database",
-            .run = PortDatabase,
-            .example = "port database -p scsi:3",
-            .result = ShapeOf<RemotePortList>,
-        },
+        {.path = "port database",
+         .help = "list the remote ports that the ports' drivers know",
+         .run = PortDatabase,
+         .example = "port database -p scsi:3",
+         .result = ShapeOf<RemotePortList>},
     };
     return kCommands;
 }

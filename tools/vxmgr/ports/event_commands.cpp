@@ -281,25 +281,18 @@ ExitCode EventTest(Invocation& invocation) {
 
 CommandRows EventCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "event watch",
-            .risk = Risk::Reads,
-            .help = "print events as they come",
-            .schema = "event.watch",
-            .arguments = kWatchArguments,
-            .run = EventWatch,
-            .example = "event watch --count 2",
-            .result = ShapeOf<EventList>,
-        },
-        {
-            .path = "event test",
-            .risk = Risk::Reversible,
-            .help = "have an adapter report a test event",
-            .schema = "event.test",
-            .run = EventTest,
-            .example = "event test -p scsi:3",
-            .result = ShapeOf<RaisedFields>,
-        },
+        {.path = "event watch",
+         .help = "print events as they come",
+         .arguments = kWatchArguments,
+         .run = EventWatch,
+         .example = "event watch --count 2",
+         .result = ShapeOf<EventList>},
+        {.path = "event test",
+         .risk = Risk::Reversible,
+         .help = "have an adapter report a test event",
+         .run = EventTest,
+         .example = "event test -p scsi:3",
+         .result = ShapeOf<RaisedFields>},
     };
     return kCommands;
 }

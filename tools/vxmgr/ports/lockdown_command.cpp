@@ -69,15 +69,11 @@ ExitCode PortLockdown(Invocation& invocation) {
 
 CommandRows LockdownCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "port lockdown",
-            .risk = Risk::Reads,
-            .help = "show whether the firmware is locked down against changes",
-            .schema = "port.lockdown",
-            .run = PortLockdown,
-            .example = "port lockdown -p scsi:3",
-            .result = ShapeOf<LockdownList>,
-        },
+        {.path = "port lockdown",
+         .help = "show whether the firmware is locked down against changes",
+         .run = PortLockdown,
+         .example = "port lockdown -p scsi:3",
+         .result = ShapeOf<LockdownList>},
     };
     return kCommands;
 }

@@ -89,33 +89,25 @@ ExitCode SmartSanGet(Invocation& invocation) {
 
 CommandRows SmartsanCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "smartsan get",
-            .risk = Risk::Reads,
-            .help = "is SmartSAN on?",
-            .schema = "smartsan.get",
-            .run = SmartSanGet,
-            .example = "smartsan get",
-            .result = ShapeOf<EnabledFields>,
-        },
-        {
-            .path = "smartsan on",
-            .risk = Risk::Reversible,
-            .help = "switch SmartSAN on from the driver's next start",
-            .schema = "smartsan.set",
-            .run = SwitchSmartSan<true>,
-            .example = "smartsan on -p scsi:3",
-            .result = ShapeOf<SwitchFields>,
-        },
-        {
-            .path = "smartsan off",
-            .risk = Risk::Reversible,
-            .help = "switch SmartSAN off from the driver's next start",
-            .schema = "smartsan.set",
-            .run = SwitchSmartSan<false>,
-            .example = "smartsan off -p scsi:3",
-            .result = ShapeOf<SwitchFields>,
-        },
+        {.path = "smartsan get",
+         .help = "is SmartSAN on?",
+         .run = SmartSanGet,
+         .example = "smartsan get",
+         .result = ShapeOf<EnabledFields>},
+        {.path = "smartsan on",
+         .risk = Risk::Reversible,
+         .help = "switch SmartSAN on from the driver's next start",
+         .schema = "smartsan.set",
+         .run = SwitchSmartSan<true>,
+         .example = "smartsan on -p scsi:3",
+         .result = ShapeOf<SwitchFields>},
+        {.path = "smartsan off",
+         .risk = Risk::Reversible,
+         .help = "switch SmartSAN off from the driver's next start",
+         .schema = "smartsan.set",
+         .run = SwitchSmartSan<false>,
+         .example = "smartsan off -p scsi:3",
+         .result = ShapeOf<SwitchFields>},
     };
     return kCommands;
 }

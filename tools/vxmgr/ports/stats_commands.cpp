@@ -322,26 +322,19 @@ ExitCode PortStatsClear(Invocation& invocation) {
 
 CommandRows StatsCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "port stats",
-            .risk = Risk::Reads,
-            .help = "show the counters of the ports",
-            .schema = "port.stats",
-            .arguments = kStatsArguments,
-            .run = PortStats,
-            .example = "port stats --interval 10 --delta",
-            .result = ReadingShape,
-        },
-        {
-            .path = "port stats clear",
-            .risk = Risk::Reversible,
-            .help = "set the counters of a port to zero",
-            .schema = "port.stats.clear",
-            .arguments = kStatsClearArguments,
-            .run = PortStatsClear,
-            .example = "port stats clear -p scsi:3",
-            .result = ShapeOf<ClearingFields>,
-        },
+        {.path = "port stats",
+         .help = "show the counters of the ports",
+         .arguments = kStatsArguments,
+         .run = PortStats,
+         .example = "port stats --interval 10 --delta",
+         .result = ReadingShape},
+        {.path = "port stats clear",
+         .risk = Risk::Reversible,
+         .help = "set the counters of a port to zero",
+         .arguments = kStatsClearArguments,
+         .run = PortStatsClear,
+         .example = "port stats clear -p scsi:3",
+         .result = ShapeOf<ClearingFields>},
     };
     return kCommands;
 }

@@ -304,41 +304,34 @@ ExitCode NvramActivate(Invocation& invocation) {
 
 CommandRows NvramChangeCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "nvram set",
-            .risk = Risk::Irrecoverable,
-            .help = "change settings",
-            .schema = "nvram.change",
-            .arguments = kSetArguments,
-            .run = NvramSet,
-            .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
-            .result = ShapeOf<NvramChangeFields>,
-        },
-        {
-            .path = "nvram import",
-            .risk = Risk::Irrecoverable,
-            .help = "take the settings from a file",
-            .schema = "nvram.change",
-            .arguments = kImportArguments,
-            .run = NvramImport,
-            .example = "nvram import settings.json -p scsi:3 --dry-run",
-            .result = ShapeOf<NvramChangeFields>,
-        },
+        {.path = "nvram set",
+         .risk = Risk::Irrecoverable,
+         .help = "change settings",
+         .schema = "nvram.change",
+         .arguments = kSetArguments,
+         .run = NvramSet,
+         .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
+         .result = ShapeOf<NvramChangeFields>},
+        {.path = "nvram import",
+         .risk = Risk::Irrecoverable,
+         .help = "take the settings from a file",
+         .schema = "nvram.change",
+         .arguments = kImportArguments,
+         .run = NvramImport,
+         .example = "nvram import settings.json -p scsi:3 --dry-run",
+         .result = ShapeOf<NvramChangeFields>},
     };
     return kCommands;
 }
 
 CommandRows NvramActivateCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "nvram activate",
-            .risk = Risk::InterruptsIo,
-            .help = "have the firmware use what was written: restarts the port",
-            .schema = "nvram.activate",
-            .run = NvramActivate,
-            .example = "nvram activate -p scsi:3",
-            .result = ShapeOf<RestartFields>,
-        },
+        {.path = "nvram activate",
+         .risk = Risk::InterruptsIo,
+         .help = "have the firmware use what was written: restarts the port",
+         .run = NvramActivate,
+         .example = "nvram activate -p scsi:3",
+         .result = ShapeOf<RestartFields>},
     };
     return kCommands;
 }

@@ -211,35 +211,23 @@ ExitCode NvramVerify(Invocation& invocation) {
 
 CommandRows NvramCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "nvram show",
-            .risk = Risk::Reads,
-            .help = "show the settings of a port",
-            .schema = "nvram.show",
-            .arguments = {&kBankArgument, 1},
-            .run = NvramShow,
-            .example = "nvram show -p scsi:3",
-            .result = ShapeOf<NvramShowFields>,
-        },
-        {
-            .path = "nvram get",
-            .risk = Risk::Reads,
-            .help = "print one setting",
-            .schema = "nvram.get",
-            .arguments = kGetArguments,
-            .run = NvramGet,
-            .example = "nvram get execution_throttle -p scsi:3",
-            .result = ShapeOf<NvramGetFields>,
-        },
-        {
-            .path = "nvram verify",
-            .risk = Risk::Reads,
-            .help = "are the settings whole?",
-            .schema = "nvram.verify",
-            .run = NvramVerify,
-            .example = "nvram verify",
-            .result = ShapeOf<NvramVerifyFields>,
-        },
+        {.path = "nvram show",
+         .help = "show the settings of a port",
+         .arguments = {&kBankArgument, 1},
+         .run = NvramShow,
+         .example = "nvram show -p scsi:3",
+         .result = ShapeOf<NvramShowFields>},
+        {.path = "nvram get",
+         .help = "print one setting",
+         .arguments = kGetArguments,
+         .run = NvramGet,
+         .example = "nvram get execution_throttle -p scsi:3",
+         .result = ShapeOf<NvramGetFields>},
+        {.path = "nvram verify",
+         .help = "are the settings whole?",
+         .run = NvramVerify,
+         .example = "nvram verify",
+         .result = ShapeOf<NvramVerifyFields>},
     };
     return kCommands;
 }

@@ -91,26 +91,18 @@ ExitCode NvramExport(Invocation& invocation) {
 
 CommandRows NvramTransferCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "nvram diff",
-            .risk = Risk::Reads,
-            .help = "compare the settings with a file",
-            .schema = "nvram.diff",
-            .arguments = kDiffArguments,
-            .run = NvramDiff,
-            .example = "nvram diff settings.json -p scsi:3",
-            .result = ShapeOf<NvramDiffFields>,
-        },
-        {
-            .path = "nvram export",
-            .risk = Risk::Reads,
-            .help = "write the settings to a file",
-            .schema = "nvram.export",
-            .arguments = kExportArguments,
-            .run = NvramExport,
-            .example = "nvram export settings.json -p scsi:3",
-            .result = ShapeOf<NvramExportFields>,
-        },
+        {.path = "nvram diff",
+         .help = "compare the settings with a file",
+         .arguments = kDiffArguments,
+         .run = NvramDiff,
+         .example = "nvram diff settings.json -p scsi:3",
+         .result = ShapeOf<NvramDiffFields>},
+        {.path = "nvram export",
+         .help = "write the settings to a file",
+         .arguments = kExportArguments,
+         .run = NvramExport,
+         .example = "nvram export settings.json -p scsi:3",
+         .result = ShapeOf<NvramExportFields>},
     };
     return kCommands;
 }

@@ -315,26 +315,20 @@ ExitCode SfpLoad(Invocation& invocation) {
 
 CommandRows SfpChangeCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "sfp write",
-            .risk = Risk::Irrecoverable,
-            .help = "write bytes to the memory of a transceiver",
-            .schema = "sfp.write",
-            .arguments = kSfpWriteArguments,
-            .run = SfpWrite,
-            .example = "sfp write a2 0x80 01020304 -p scsi:3",
-            .result = ShapeOf<SfpWriteFields>,
-        },
-        {
-            .path = "sfp load",
-            .risk = Risk::Irrecoverable,
-            .help = "load firmware into a transceiver",
-            .schema = "sfp.load",
-            .arguments = kSfpLoadArguments,
-            .run = SfpLoad,
-            .example = "sfp load transceiver.bin -p scsi:3",
-            .result = ShapeOf<SfpLoadFields>,
-        },
+        {.path = "sfp write",
+         .risk = Risk::Irrecoverable,
+         .help = "write bytes to the memory of a transceiver",
+         .arguments = kSfpWriteArguments,
+         .run = SfpWrite,
+         .example = "sfp write a2 0x80 01020304 -p scsi:3",
+         .result = ShapeOf<SfpWriteFields>},
+        {.path = "sfp load",
+         .risk = Risk::Irrecoverable,
+         .help = "load firmware into a transceiver",
+         .arguments = kSfpLoadArguments,
+         .run = SfpLoad,
+         .example = "sfp load transceiver.bin -p scsi:3",
+         .result = ShapeOf<SfpLoadFields>},
     };
     return kCommands;
 }

@@ -147,25 +147,17 @@ ExitCode SfpDump(Invocation& invocation) {
 
 CommandRows SfpCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "sfp show",
-            .risk = Risk::Reads,
-            .help = "show transceivers: identity and measured values",
-            .schema = "sfp.show",
-            .run = SfpShow,
-            .example = "sfp show -p scsi:3",
-            .result = ShapeOf<SfpShowFields>,
-        },
-        {
-            .path = "sfp dump",
-            .risk = Risk::Reads,
-            .help = "print the memory of a transceiver",
-            .schema = "sfp.dump",
-            .arguments = kDumpArguments,
-            .run = SfpDump,
-            .example = "sfp dump --page a0 -p scsi:3",
-            .result = ShapeOf<SfpDumpFields>,
-        },
+        {.path = "sfp show",
+         .help = "show transceivers: identity and measured values",
+         .run = SfpShow,
+         .example = "sfp show -p scsi:3",
+         .result = ShapeOf<SfpShowFields>},
+        {.path = "sfp dump",
+         .help = "print the memory of a transceiver",
+         .arguments = kDumpArguments,
+         .run = SfpDump,
+         .example = "sfp dump --page a0 -p scsi:3",
+         .result = ShapeOf<SfpDumpFields>},
     };
     return kCommands;
 }

@@ -122,15 +122,11 @@ ExitCode SfpSerdes(Invocation& invocation) {
 
 CommandRows SfpSerdesCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "sfp serdes",
-            .risk = Risk::Reads,
-            .help = "show the signal of each lane between adapter and transceiver",
-            .schema = "sfp.serdes",
-            .run = SfpSerdes,
-            .example = "sfp serdes -p scsi:3",
-            .result = ShapeOf<SerdesFields>,
-        },
+        {.path = "sfp serdes",
+         .help = "show the signal of each lane between adapter and transceiver",
+         .run = SfpSerdes,
+         .example = "sfp serdes -p scsi:3",
+         .result = ShapeOf<SerdesFields>},
     };
     return kCommands;
 }

@@ -95,16 +95,12 @@ ExitCode SfpWatch(Invocation& invocation) {
 
 CommandRows SfpWatchCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "sfp watch",
-            .risk = Risk::Reads,
-            .help = "print measured values as they come",
-            .schema = "sfp.watch",
-            .arguments = kSfpWatchArguments,
-            .run = SfpWatch,
-            .example = "sfp watch --interval 10 --count 3",
-            .result = ShapeOf<MeasuredList>,
-        },
+        {.path = "sfp watch",
+         .help = "print measured values as they come",
+         .arguments = kSfpWatchArguments,
+         .run = SfpWatch,
+         .example = "sfp watch --interval 10 --count 3",
+         .result = ShapeOf<MeasuredList>},
     };
     return kCommands;
 }

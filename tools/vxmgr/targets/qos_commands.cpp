@@ -188,26 +188,21 @@ ExitCode QosSet(Invocation& invocation) {
 
 CommandRows QosCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "qos get",
-            .risk = Risk::Reads,
-            .help = "show the priorities of targets' logical units",
-            .schema = "qos",
-            .arguments = kQosGetArguments,
-            .run = QosGet,
-            .example = "qos get -p scsi:3",
-            .result = ShapeOf<QosFields<false>>,
-        },
-        {
-            .path = "qos set",
-            .risk = Risk::Reversible,
-            .help = "set the priority of logical units of a target",
-            .schema = "qos",
-            .arguments = kQosSetArguments,
-            .run = QosSet,
-            .example = "qos set high --luns 0-1 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = ShapeOf<QosFields<true>>,
-        },
+        {.path = "qos get",
+         .help = "show the priorities of targets' logical units",
+         .schema = "qos",
+         .arguments = kQosGetArguments,
+         .run = QosGet,
+         .example = "qos get -p scsi:3",
+         .result = ShapeOf<QosFields<false>>},
+        {.path = "qos set",
+         .risk = Risk::Reversible,
+         .help = "set the priority of logical units of a target",
+         .schema = "qos",
+         .arguments = kQosSetArguments,
+         .run = QosSet,
+         .example = "qos set high --luns 0-1 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+         .result = ShapeOf<QosFields<true>>},
     };
     return kCommands;
 }

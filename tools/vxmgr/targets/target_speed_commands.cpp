@@ -149,26 +149,21 @@ ExitCode TargetSpeedSet(Invocation& invocation) {
 
 CommandRows TargetSpeedCommands() {
     static const Command kCommands[] = {
-        {
-            .path = "target speed get",
-            .risk = Risk::Reads,
-            .help = "show the rates at which frames go to targets",
-            .schema = "target.speed",
-            .arguments = kSpeedGetArguments,
-            .run = TargetSpeedGet,
-            .example = "target speed get -p scsi:3",
-            .result = ShapeOf<SpeedList<false>>,
-        },
-        {
-            .path = "target speed set",
-            .risk = Risk::Reversible,
-            .help = "set the rate at which frames go to a target, until the driver stops",
-            .schema = "target.speed",
-            .arguments = kSpeedSetArguments,
-            .run = TargetSpeedSet,
-            .example = "target speed set 16 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-            .result = ShapeOf<SpeedList<true>>,
-        },
+        {.path = "target speed get",
+         .help = "show the rates at which frames go to targets",
+         .schema = "target.speed",
+         .arguments = kSpeedGetArguments,
+         .run = TargetSpeedGet,
+         .example = "target speed get -p scsi:3",
+         .result = ShapeOf<SpeedList<false>>},
+        {.path = "target speed set",
+         .risk = Risk::Reversible,
+         .help = "set the rate at which frames go to a target, until the driver stops",
+         .schema = "target.speed",
+         .arguments = kSpeedSetArguments,
+         .run = TargetSpeedSet,
+         .example = "target speed set 16 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
+         .result = ShapeOf<SpeedList<true>>},
     };
     return kCommands;
 }
