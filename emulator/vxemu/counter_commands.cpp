@@ -120,10 +120,8 @@ std::string CongestionNotes() {
 }
 
 constexpr uint64_t kMostRaised = uint64_t{1} << 48;
-constexpr Argument kTargetOption = {
-    .name = "-t,--target",
-    .valueName = "TARGET",
-    .help = "port name of a target: what the port has counted about it"};
+constexpr Argument kTargetOption = TextOption(
+    "-t,--target", "TARGET", "port name of a target: what the port has counted about it");
 constexpr Argument kBump[] = {
     kPortArgument,
     {.name = "KEY", .help = "the counter, as vxmgr names it", .required = true},

@@ -343,7 +343,7 @@ constexpr Argument kFlashCorrupt[] = {
 };
 constexpr Argument kFlashPowerFail[] = {
     kPortArgument,
-    {"--after-bytes", ArgumentKind::Number, "N", "bytes that are still written (0)"},
+    NumberOption("--after-bytes", "N", "bytes that are still written (0)"),
 };
 constexpr Argument kSwitch[] = {
     kPortArgument,

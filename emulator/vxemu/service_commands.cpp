@@ -187,8 +187,7 @@ Shape StartShape() {
     return StartFields().ShapeOfAll();
 }
 
-constexpr Argument kStart[] = {
-    {"--profile", ArgumentKind::Text, "P", "built-in profile or JSON file (lab)"}};
+constexpr Argument kStart[] = {TextOption("--profile", "P", "built-in profile or JSON file (lab)")};
 
 }  // namespace
 

@@ -16,7 +16,7 @@ constexpr const char* kShells[] = {"powershell", "bash"};
 
 constexpr Argument kHelpArguments[] = {
     {.name = "TOPIC", .help = "a command, a group of commands or a topic", .repeated = true},
-    {"--markdown", ArgumentKind::Flag, "", "the reference of all commands, in Markdown"},
+    FlagOption("--markdown", "the reference of all commands, in Markdown"),
 };
 constexpr Argument kExplainArguments[] = {
     {.name = "CODE",

@@ -58,6 +58,24 @@ struct Argument {
     bool IsPositional() const { return name[0] != '-'; }
 };
 
+// The usual options: a switch, a text, and a number from least to most.
+constexpr Argument FlagOption(const char* name, const char* help) {
+    return {.name = name, .kind = ArgumentKind::Flag, .help = help};
+}
+constexpr Argument TextOption(const char* name, const char* valueName, const char* help,
+                              std::span<const char* const> choices = {}) {
+    return {.name = name, .valueName = valueName, .help = help, .choices = choices};
+}
+constexpr Argument NumberOption(const char* name, const char* valueName, const char* help,
+                                uint64_t least = 0, uint64_t most = UINT32_MAX) {
+    return {.name = name,
+            .kind = ArgumentKind::Number,
+            .valueName = valueName,
+            .help = help,
+            .least = least,
+            .most = most};
+}
+
 struct Command {
     const char* path;  // words as they are typed: "driver param get"
     Risk risk = Risk::Reads;

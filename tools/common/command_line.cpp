@@ -13,35 +13,29 @@ namespace {
 constexpr const char* kModeNames[] = {"text", "table", "csv", "json", "jsonl"};
 
 constexpr Argument kCommonOptions[] = {
-    {.name = "-o,--output",
-     .valueName = "MODE",
-     .help = "form of the result (text)",
-     .choices = kModeNames},
-    {"--json", ArgumentKind::Flag, "", "the same as -o json"},
-    {"--out", ArgumentKind::Text, "FILE", "write the result to a file (- is stdout)"},
-    {"--wide", ArgumentKind::Flag, "", "tables as wide as they are, also on a console"},
-    {"-q,--quiet", ArgumentKind::Flag, "", "no progress and no notes on stderr"},
-    {"-v,--verbose", ArgumentKind::Flag, "", "more notes on stderr"},
-    {"--dry-run", ArgumentKind::Flag, "", "say what would be done, change nothing, ask nothing"},
-    {"-y,--yes", ArgumentKind::Flag, "", "answer the question with yes"},
+    TextOption("-o,--output", "MODE", "form of the result (text)", kModeNames),
+    FlagOption("--json", "the same as -o json"),
+    TextOption("--out", "FILE", "write the result to a file (- is stdout)"),
+    FlagOption("--wide", "tables as wide as they are, also on a console"),
+    FlagOption("-q,--quiet", "no progress and no notes on stderr"),
+    FlagOption("-v,--verbose", "more notes on stderr"),
+    FlagOption("--dry-run", "say what would be done, change nothing, ask nothing"),
+    FlagOption("-y,--yes", "answer the question with yes"),
     {.name = "--confirm",
      .valueName = "SERIAL",
      .help = "with --yes: the serial number of the adapter meant, for commands of risk 3",
      .naming = Naming::Serial},
-    {.name = "--timeout",
-     .kind = ArgumentKind::Number,
-     .valueName = "S",
-     .help =
-         "wait S seconds for every answer of a port (5), and end after S seconds with exit code 7, "
-         "even when a driver call does not return",
-     .least = 1,
-     .most = 86400},
-    {"--no-color", ArgumentKind::Flag, "", "no colours (also with NO_COLOR, and off a console)"},
-    {"--detailed-exitcode", ArgumentKind::Flag, "",
-     "30 when nothing changed, 31 when a reset is pending"},
-    {"--redact", ArgumentKind::Flag, "",
-     "world wide names and serial numbers become wwn-1, serial-1, ..., the same name the same "
-     "throughout; bytes as they came are left out"},
+    NumberOption(
+        "--timeout", "S",
+        "wait S seconds for every answer of a port (5), and end after S seconds with exit code 7, "
+        "even when a driver call does not return",
+        1, 86400),
+    FlagOption("--no-color", "no colours (also with NO_COLOR, and off a console)"),
+    FlagOption("--detailed-exitcode", "30 when nothing changed, 31 when a reset is pending"),
+    FlagOption(
+        "--redact",
+        "world wide names and serial numbers become wwn-1, serial-1, ..., the same name the same "
+        "throughout; bytes as they came are left out"),
 };
 
 bool IsSecret(Naming naming, const std::string& value) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr Argument kArguments[] = {
     {.name = "NAME", .help = "which one to print, as a document's `schema` names it"},
-    {"--folder", ArgumentKind::Text, "DIR", "write all of them to files below this folder"},
+    TextOption("--folder", "DIR", "write all of them to files below this folder"),
 };
 
 struct Row {

@@ -27,7 +27,7 @@ constexpr Argument kOptions[] = {
      .help = "port: selected in the same way; see `help selecting`",
      .naming = Naming::Selection,
      .source = {"port list", "scsi_port", "scsi:"}},
-    {"--trace", ArgumentKind::Text, "FILE", "append the library's trace to a file"},
+    TextOption("--trace", "FILE", "append the library's trace to a file"),
 };
 
 std::string SelectingText() {

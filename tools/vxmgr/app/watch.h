@@ -12,23 +12,12 @@
 
 namespace vxmgr {
 
-inline constexpr Argument kIntervalArgument = {.name = "--interval",
-                                               .kind = ArgumentKind::Number,
-                                               .valueName = "S",
-                                               .help = "seconds between the rows of a port (5)",
-                                               .least = 1,
-                                               .most = 86400};
-inline constexpr Argument kTurnsArgument = {.name = "--count",
-                                            .kind = ArgumentKind::Number,
-                                            .valueName = "N",
-                                            .help = "end after N rows of each port",
-                                            .least = 1};
-inline constexpr Argument kForArgument = {
-    .name = "--for",
-    .kind = ArgumentKind::Number,
-    .valueName = "S",
-    .help = "end after S seconds, with what has come until then",
-    .least = 1};
+inline constexpr Argument kIntervalArgument =
+    NumberOption("--interval", "S", "seconds between the rows of a port (5)", 1, 86400);
+inline constexpr Argument kTurnsArgument =
+    NumberOption("--count", "N", "end after N rows of each port", 1);
+inline constexpr Argument kForArgument =
+    NumberOption("--for", "S", "end after S seconds, with what has come until then", 1);
 
 // What a port gave when it was asked once.
 struct WatchTurn {

@@ -16,34 +16,20 @@ namespace {
 constexpr uint8_t kBound = 1;
 constexpr uint16_t kHighestTargetNumber = 2047;
 
-constexpr Argument Byte(const char* name, const char* help) {
-    return {.name = name,
-            .kind = ArgumentKind::Number,
-            .valueName = "N",
-            .help = help,
-            .most = UINT8_MAX};
-}
-constexpr Argument kNodeArgument = {.name = "--node",
-                                    .valueName = "NAME",
-                                    .help = "node name of a target that the driver does not know"};
-constexpr Argument kPortIdArgument = {.name = "--port-id",
-                                      .kind = ArgumentKind::Number,
-                                      .valueName = "ID",
-                                      .help = "its port identifier",
-                                      .most = 0xFFFFFF};
+constexpr Argument kNodeArgument =
+    TextOption("--node", "NAME", "node name of a target that the driver does not know");
+constexpr Argument kPortIdArgument =
+    NumberOption("--port-id", "ID", "its port identifier", 0, 0xFFFFFF);
 
 constexpr Argument kAddArguments[] = {
     kTargetArgument,
     kNodeArgument,
     kPortIdArgument,
-    Byte("--bus", "bus of the binding (the one that the driver gave)"),
-    Byte("--id", "target ID of the binding (the same)"),
-    Byte("--flags", "binding flags (those that the target has, or 1)"),
-    {.name = "--lun-base",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "LUN byte of its stored mask that stands for LUN 0",
-     .most = HX_MAX_LUNS - 1},
+    NumberOption("--bus", "N", "bus of the binding (the one that the driver gave)", 0, UINT8_MAX),
+    NumberOption("--id", "N", "target ID of the binding (the same)", 0, UINT8_MAX),
+    NumberOption("--flags", "N", "binding flags (those that the target has, or 1)", 0, UINT8_MAX),
+    NumberOption("--lun-base", "N", "LUN byte of its stored mask that stands for LUN 0", 0,
+                 HX_MAX_LUNS - 1),
     kStoreArgument,
 };
 constexpr Argument kRemoveArguments[] = {kTargetArgument, kStoreArgument};
@@ -59,7 +45,7 @@ constexpr Argument kSwapArguments[] = {
 };
 
 constexpr Argument kApplyArguments[] = {
-    {.name = "--masks", .kind = ArgumentKind::Flag, .help = "the stored LUN masks too"},
+    FlagOption("--masks", "the stored LUN masks too"),
 };
 
 std::string NameAfter(Invocation& invocation, const char* option) {

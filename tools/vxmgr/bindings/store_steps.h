@@ -18,11 +18,10 @@ inline constexpr char kLive[] = "live";
 
 // --store: what the driver reads at its next start, what it works with now, or both.
 inline constexpr const char* kStoreNames[] = {"registry", "live", "both"};
-inline constexpr Argument kStoreArgument = {
-    .name = "--store",
-    .valueName = "STORE",
-    .help = "registry (read at the driver's next start), live (the driver now) or both (both)",
-    .choices = kStoreNames};
+inline constexpr Argument kStoreArgument =
+    TextOption("--store", "STORE",
+               "registry (read at the driver's next start), live (the driver now) or both (both)",
+               kStoreNames);
 
 struct StoreChoice {
     bool registry;

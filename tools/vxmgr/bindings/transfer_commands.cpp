@@ -15,16 +15,11 @@ constexpr size_t kRowsInQuestion = 12;
 constexpr const char* kExportStores[] = {kInRegistry, kLive};
 constexpr Argument kExportArguments[] = {
     {.name = "FILE", .help = "the document to write", .required = true},
-    {.name = "--store",
-     .valueName = "STORE",
-     .help = "registry or live (registry)",
-     .choices = kExportStores},
+    TextOption("--store", "STORE", "registry or live (registry)", kExportStores),
 };
 constexpr Argument kImportArguments[] = {
     {.name = "FILE", .help = "the document to read", .required = true},
-    {.name = "--as-port",
-     .kind = ArgumentKind::Flag,
-     .help = "take the document of another port for the selected one"},
+    FlagOption("--as-port", "take the document of another port for the selected one"),
     kStoreArgument,
 };
 

@@ -17,34 +17,16 @@ constexpr size_t kMostIn = 32;
 constexpr uint64_t kMostOut = 64;
 
 constexpr Argument kLoopbackArguments[] = {
-    {.name = "--size",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "bytes to send (2048)",
-     .least = 4,
-     .most = 65536},
-    {.name = "--iterations",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "how often (1)",
-     .least = 1,
-     .most = 1000000},
-    {.name = "--options",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "option word for the firmware (0)",
-     .most = UINT16_MAX},
+    NumberOption("--size", "N", "bytes to send (2048)", 4, 65536),
+    NumberOption("--iterations", "N", "how often (1)", 1, 1000000),
+    NumberOption("--options", "N", "option word for the firmware (0)", 0, UINT16_MAX),
 };
 constexpr Argument kMailboxArguments[] = {
     {.name = "REGS",
      .help = "1 to 32 register values, the command first: 0x0006 0x1234 (or decimal)",
      .required = true,
      .repeated = true},
-    {.name = "--registers",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "how many registers to read back (8)",
-     .most = kMostOut},
+    NumberOption("--registers", "N", "how many registers to read back (8)", 0, kMostOut),
 };
 
 constexpr CodeText kCompletions[] = {

@@ -17,9 +17,8 @@ namespace vxmgr {
 namespace {
 
 constexpr Argument kRunArguments[] = {
-    {.name = "-t,--target",
-     .valueName = "TARGET",
-     .help = "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"},
+    TextOption("-t,--target", "TARGET",
+               "also send an echo to this remote port: wwn:NAME or id:0xDDAAPP"),
 };
 
 // The fabric and remote ports get their time as well, and whole regions are read.

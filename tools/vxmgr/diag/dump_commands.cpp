@@ -18,9 +18,7 @@ constexpr Argument kSaveArguments[] = {
      .required = true,
      .choices = kDumpNames},
     {.name = "FILE", .help = "the file to write", .required = true},
-    {.name = "--text",
-     .kind = ArgumentKind::Flag,
-     .help = "the firmware's registers and memory as text (fc alone)"},
+    FlagOption("--text", "the firmware's registers and memory as text (fc alone)"),
 };
 
 // A dump that is not there, or that the chip does not make, is no failure of a list.

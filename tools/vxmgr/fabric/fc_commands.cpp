@@ -17,40 +17,25 @@ constexpr size_t kLongestCtAnswer = size_t{1} << 20;
 constexpr uint8_t kTopologyFormat = 0xDF;
 
 constexpr Argument kNodeArguments[] = {
-    {.name = "-t,--target",
-     .valueName = "TARGET",
-     .help = "remote port: wwn:NAME; without it the port that this one is attached to"},
+    TextOption("-t,--target", "TARGET",
+               "remote port: wwn:NAME; without it the port that this one is attached to"),
 };
 constexpr Argument kRemoteArguments[] = {kTargetArgument};
 constexpr Argument kEchoArguments[] = {
     kTargetArgument,
-    {.name = "--size",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "bytes of each request (128)",
-     .least = 5,
-     .most = kLongestEls},
-    {.name = "--count",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "how many to send (4)",
-     .least = 1,
-     .most = 100000},
+    NumberOption("--size", "N", "bytes of each request (128)", 5, kLongestEls),
+    NumberOption("--count", "N", "how many to send (4)", 1, 100000),
 };
 constexpr Argument kCtArguments[] = {
     {.name = "FILE", .help = "the request, binary, its 16-byte header first", .required = true},
-    {.name = "--room",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "bytes of the longest response (4096)",
-     .least = sizeof(CtHeader),
-     .most = kLongestCtAnswer},
-    {.name = "--out-file", .valueName = "FILE", .help = "where the response goes"},
+    NumberOption("--room", "N", "bytes of the longest response (4096)", sizeof(CtHeader),
+                 kLongestCtAnswer),
+    TextOption("--out-file", "FILE", "where the response goes"),
 };
 constexpr Argument kElsArguments[] = {
     {.name = "FILE", .help = "the request, binary, its command code first", .required = true},
     kTargetArgument,
-    {.name = "--out-file", .valueName = "FILE", .help = "where the response goes"},
+    TextOption("--out-file", "FILE", "where the response goes"),
 };
 
 // Link services go by port name or identifier.

@@ -21,7 +21,7 @@ using NvmeTarget = HX_NVME_TARGET;
 using NvmeNamespace = HX_NVME_NAMESPACE;
 
 constexpr Argument kNvmeListArguments[] = {
-    {.name = "--namespaces", .kind = ArgumentKind::Flag, .help = "one row for each namespace"},
+    FlagOption("--namespaces", "one row for each namespace"),
 };
 
 constexpr const char* kNvmeKinds[] = {"discovery", "nvm"};

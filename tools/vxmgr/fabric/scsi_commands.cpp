@@ -20,12 +20,10 @@ constexpr size_t kLongestTransfer = size_t{16} << 20;
 constexpr Argument kInquiryArguments[] = {
     kTargetArgument,
     kLunArgument,
-    {.name = "--page",
-     .kind = ArgumentKind::Number,
-     .valueName = "PAGE",
-     .help =
-         "a vital product data page (0: which there are, 0x80: serial number, 0x83: identifiers)",
-     .most = 255},
+    NumberOption(
+        "--page", "PAGE",
+        "a vital product data page (0: which there are, 0x80: serial number, 0x83: identifiers)", 0,
+        255),
 };
 constexpr Argument kUnitArguments[] = {kTargetArgument, kLunArgument};
 constexpr Argument kTargetArguments[] = {kTargetArgument};
@@ -36,14 +34,9 @@ constexpr Argument kRawArguments[] = {
      .repeated = true},
     kTargetArgument,
     kLunArgument,
-    {.name = "--in",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "bytes to receive",
-     .least = 1,
-     .most = kLongestTransfer},
-    {.name = "--out-file", .valueName = "FILE", .help = "where the received data goes"},
-    {.name = "--data-file", .valueName = "FILE", .help = "data to send"},
+    NumberOption("--in", "N", "bytes to receive", 1, kLongestTransfer),
+    TextOption("--out-file", "FILE", "where the received data goes"),
+    TextOption("--data-file", "FILE", "data to send"),
 };
 
 // Commands that change nothing in the unit: no question is asked for them.

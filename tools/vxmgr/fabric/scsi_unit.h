@@ -14,11 +14,8 @@ inline constexpr Argument kTargetArgument = {
     .valueName = "TARGET",
     .help = "remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET",
     .required = true};
-inline constexpr Argument kLunArgument = {.name = "--lun",
-                                          .kind = ArgumentKind::Number,
-                                          .valueName = "N",
-                                          .help = "logical unit number (0)",
-                                          .most = UINT16_MAX};
+inline constexpr Argument kLunArgument =
+    NumberOption("--lun", "N", "logical unit number (0)", 0, UINT16_MAX);
 
 // The address that -t and --lun give; ends the command when they are wrong.
 HX_SCSI_ADDRESS GivenTarget(Invocation& invocation);

@@ -46,11 +46,7 @@ constexpr Argument kWatchArguments[] = {
      .help = "only events of this kind; may be repeated",
      .repeated = true,
      .choices = kKindNames},
-    {.name = "--count",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "end after N events",
-     .least = 1},
+    NumberOption("--count", "N", "end after N events", 1),
     kForArgument,
 };
 

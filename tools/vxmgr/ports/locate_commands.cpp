@@ -10,12 +10,8 @@ namespace vxmgr {
 namespace {
 
 constexpr Argument kLocateArguments[] = {
-    {.name = "--for",
-     .kind = ArgumentKind::Number,
-     .valueName = "S",
-     .help = "end after S seconds (until it is switched off)",
-     .least = 1,
-     .most = HX_BEACON_MOST_SECONDS},
+    NumberOption("--for", "S", "end after S seconds (until it is switched off)", 1,
+                 HX_BEACON_MOST_SECONDS),
 };
 
 enum LocateOutcome { kLocated, kAsItWas, kPlanned, kCannotLocate, kNotLocated, kLocateFailed };

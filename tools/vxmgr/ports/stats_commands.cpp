@@ -21,21 +21,16 @@ constexpr unsigned kKindsOfNames[] = {kLinkKind,    kTrafficKind, kScmKind,
 constexpr unsigned kKindsOfRemotePorts = kLinkKind | kTrafficKind | kScmKind;
 
 constexpr Argument kStatsArguments[] = {
-    {.name = "--kind", .valueName = "KIND", .help = "which counters (link)", .choices = kKindNames},
-    {.name = "-t,--target",
-     .valueName = "TARGET",
-     .help = "counters of a remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET"},
+    TextOption("--kind", "KIND", "which counters (link)", kKindNames),
+    TextOption("-t,--target", "TARGET",
+               "counters of a remote port: wwn:NAME, id:0xDDAAPP or BUS:TARGET"),
     kIntervalArgument,
     kTurnsArgument,
     kForArgument,
-    {.name = "--delta",
-     .kind = ArgumentKind::Flag,
-     .help = "rows of what was counted since the row before"},
+    FlagOption("--delta", "rows of what was counted since the row before"),
 };
 constexpr Argument kStatsClearArguments[] = {
-    {.name = "--private",
-     .kind = ArgumentKind::Flag,
-     .help = "the counters of the driver and its latencies, instead of the link's"},
+    FlagOption("--private", "the counters of the driver and its latencies, instead of the link's"),
 };
 
 // A reading of a port. reset: since the reading before, where there is one.

@@ -14,29 +14,25 @@ namespace {
 
 constexpr size_t kRowsInQuestion = 12;
 
-constexpr Argument kActivateArgument = {
-    .name = "--activate",
-    .kind = ArgumentKind::Flag,
-    .help = "have the firmware read it at once: restarts the port"};
-constexpr Argument kBackupArgument = {
-    .name = "--backup", .valueName = "FILE", .help = "first write an export of the block as it is"};
+constexpr Argument kActivateArgument =
+    FlagOption("--activate", "have the firmware read it at once: restarts the port");
+constexpr Argument kBackupArgument =
+    TextOption("--backup", "FILE", "first write an export of the block as it is");
 constexpr Argument kSetArguments[] = {
     {.name = "SETTING",
      .help = "NAME=VALUE: a variable by number, name or start of its name",
      .required = true,
      .repeated = true},
-    {.name = "--bank",
-     .valueName = "BANK",
-     .help = "what to start from: the settings in use, or those of the other bank (in-use)",
-     .choices = kBankChoices},
+    TextOption("--bank", "BANK",
+               "what to start from: the settings in use, or those of the other bank (in-use)",
+               kBankChoices),
     kActivateArgument,
     kBackupArgument,
 };
 constexpr Argument kImportArguments[] = {
     {.name = "FILE", .help = "a document or text of `nvram export`", .required = true},
-    {.name = "--as-port",
-     .kind = ArgumentKind::Flag,
-     .help = "take the settings of another port's document; names and board IDs stay"},
+    FlagOption("--as-port",
+               "take the settings of another port's document; names and board IDs stay"),
     kActivateArgument,
     kBackupArgument,
 };

@@ -12,9 +12,8 @@ constexpr Argument kDiffArguments[] = {
 };
 constexpr Argument kExportArguments[] = {
     {.name = "FILE", .help = "the file to write", .required = true},
-    {.name = "--text",
-     .kind = ArgumentKind::Flag,
-     .help = "one line for each variable, without the bytes between them (older chips alone)"},
+    FlagOption("--text",
+               "one line for each variable, without the bytes between them (older chips alone)"),
     kBankArgument,
 };
 

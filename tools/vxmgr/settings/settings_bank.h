@@ -35,12 +35,10 @@ HX_STATUS ReadBank(const PortSession& session, const OtherBank& bank, std::vecto
 
 // "--bank in-use|other" of the commands that read.
 inline constexpr const char* kBankChoices[] = {"in-use", "other"};
-inline constexpr Argument kBankArgument = {
-    .name = "--bank",
-    .valueName = "BANK",
-    .help =
-        "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
-    .choices = kBankChoices};
+inline constexpr Argument kBankArgument = TextOption(
+    "--bank", "BANK",
+    "in-use or other: the bank that the firmware uses, or the one that writes go to (in-use)",
+    kBankChoices);
 bool WantsOtherBank(Invocation& invocation);
 
 // What one bank holds.

@@ -24,9 +24,7 @@ constexpr Argument kVpdReadArguments[] = {
 };
 constexpr Argument kVpdWriteArguments[] = {
     {.name = "FILE", .help = "the product data, as `vpd read` fetches it", .required = true},
-    {.name = "--other-identity",
-     .kind = ArgumentKind::Flag,
-     .help = "also when part or serial number are not those of the adapter"},
+    FlagOption("--other-identity", "also when part or serial number are not those of the adapter"),
 };
 
 HX_STATUS ReadInUse(const PortSession& session, std::vector<uint8_t>* bytes) {

@@ -9,10 +9,7 @@ namespace {
 
 constexpr const char* kPageChoices[] = {kSfpPages[0].name, kSfpPages[1].name, "all"};
 constexpr Argument kDumpArguments[] = {
-    {.name = "--page",
-     .valueName = "PAGE",
-     .help = "a0 (identity), a2 (diagnostics) or all (all)",
-     .choices = kPageChoices},
+    TextOption("--page", "PAGE", "a0 (identity), a2 (diagnostics) or all (all)", kPageChoices),
 };
 
 // The transceiver of a port, and what it measures.

@@ -12,7 +12,7 @@ namespace {
 constexpr Argument kQosGetArguments[] = {kSelectTargetArgument};
 constexpr Argument kQosSetArguments[] = {
     {.name = "LEVEL", .help = "none, low, medium, high, or 0 to 3", .required = true},
-    {.name = "--luns", .valueName = "LUNS", .help = "LUNs and ranges of them, as in 0-7,12 (all)"},
+    TextOption("--luns", "LUNS", "LUNs and ranges of them, as in 0-7,12 (all)"),
     {.name = kSelectTargetArgument.name,
      .valueName = kSelectTargetArgument.valueName,
      .help = kSelectTargetArgument.help,

@@ -5,10 +5,8 @@
 
 namespace vxmgr {
 
-inline constexpr Argument kSelectTargetArgument = {
-    .name = "-t,--target",
-    .valueName = "TARGET",
-    .help = "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET"};
+inline constexpr Argument kSelectTargetArgument =
+    TextOption("-t,--target", "TARGET", "target: wwn:NAME, id:0xDDAAPP or BUS:TARGET");
 
 // The address after an option like -t; ends the command when it is wrong.
 HX_SCSI_ADDRESS GivenAddress(Invocation& invocation, const char* option);
