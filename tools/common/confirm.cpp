@@ -27,8 +27,10 @@ std::string LastCharacters(const std::string& serial) {
 }  // namespace
 
 void RequireConfirmed(const Answers& given, const std::vector<std::string>& serials) {
+    // Several adapters are named one behind the other, with commas.
     const auto isConfirmed = [&](const std::string& serial) {
-        return EqualIgnoringCase(given.confirm, serial);
+        return ("," + Lowercase(given.confirm) + ",").find("," + Lowercase(serial) + ",") !=
+               std::string::npos;
     };
     if (given.hasConfirm && !std::all_of(serials.begin(), serials.end(), isConfirmed)) {
         Refuse(ExitCode::Refused, "--confirm names another adapter than the one selected",

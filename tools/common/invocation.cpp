@@ -7,6 +7,7 @@
 #include "csv.h"
 #include "json_document.h"
 #include "status_codes.h"
+#include "text.h"
 
 namespace tools {
 namespace {
@@ -72,7 +73,15 @@ void Invocation::Tell(const Message& message) {
     if (message.severity == Severity::Info && Quiet()) {
         return;
     }
+    EndLine();
     console::Write(stderr, MessageText(tool_, message, redactor_, colorErrors_));
+}
+
+void Invocation::EndLine() {
+    if (lineWidth_ != 0) {
+        console::Write(stderr, "\n");
+        lineWidth_ = 0;
+    }
 }
 
 void Invocation::Note(const std::string& text, const std::string& hint) {
@@ -112,7 +121,34 @@ void Invocation::Fail(ExitCode exit, const std::string& text, const std::string&
 
 void Invocation::Progress(const std::string& text) {
     if (TellsNow() && !Quiet()) {
+        const std::lock_guard guard(lock_);
+        EndLine();
         console::Write(stderr, redactor_.Clean(text) + "\n");
+    }
+}
+
+bool Invocation::ShowsProgressLine() const {
+    return TellsNow() && !Quiet() && console::IsConsole(stderr);
+}
+
+void Invocation::ProgressLine(const std::string& text) {
+    if (ShowsProgressLine()) {
+        const std::lock_guard guard(lock_);
+        if (text.empty()) {
+            EndLine();
+            return;
+        }
+        std::string line = redactor_.Clean(text);
+        const size_t width = DisplayWidth(line);
+        line.append(lineWidth_ > width ? lineWidth_ - width : 0, ' ');
+        console::Write(stderr, "\r" + line);
+        lineWidth_ = width;
+    }
+}
+
+void Invocation::ProgressRow(const Record& row) {
+    if (line_.mode == OutputMode::JsonLines && !Quiet()) {
+        output_.Write(RowLine(SchemaName(tool_, "progress"), row, {}, redactor_));
     }
 }
 

@@ -62,6 +62,11 @@ class Invocation {
 
     // A line that is out of date a moment later: stderr, unless quiet or JSON.
     void Progress(const std::string& text);
+    // Likewise, each written over the one before: on a console alone. An empty one ends them.
+    void ProgressLine(const std::string& text);
+    bool ShowsProgressLine() const;
+    // The same for programs: a line of its own in jsonl, with the schema "progress" of the tool.
+    void ProgressRow(const Record& row);
 
     void Changed();
     void AddPending(Pending pending);
@@ -96,6 +101,7 @@ class Invocation {
   private:
     Answers GivenAnswers() const;
     void Tell(const Message& message);
+    void EndLine();
     bool TellsNow() const { return !IsJson(line_.mode); }
 
     const Tool& tool_;
@@ -114,6 +120,7 @@ class Invocation {
     std::vector<Pending> pending_;
     bool changed_ = false;
     size_t rowsSent_ = 0;
+    size_t lineWidth_ = 0;  // of the progress line that stands on the console
 };
 
 // The message as people read it on stderr, lines ended.

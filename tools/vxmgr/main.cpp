@@ -12,6 +12,8 @@
 #include "vxmgr/sfp/commands.h"
 #include "vxmgr/targets/commands.h"
 #include "vxmgr/update/commands.h"
+#include "vxmgr/update/update_journal.h"
+#include "vxmgr/update/update_progress.h"
 
 namespace vxmgr {
 namespace {
@@ -84,6 +86,8 @@ constexpr CommandGroup kGroups[] = {
 constexpr Document kDocuments[] = {
     {"bindings", "The document of `bind export` and `bind import`", BindDocumentShape},
     {"lun_masks", "The document of `lunmask export` and `lunmask import`", LunMaskDocumentShape},
+    {"update", "The journal of an update", JournalShape},
+    {"progress", "The rows with which `-o jsonl` tells how far an update is", ProgressShape},
     {"nvram", "The document of `nvram export` and `nvram import`", NvramDocumentShape},
 };
 
@@ -106,7 +110,9 @@ constexpr CommandRows (*kFiles[])() = {
     LunmaskTransferCommands,
     FwShowCommands,
     FwInspectCommands,
+    FwUpdateCommands,
     FwActivateCommands,
+    FwRestoreCommands,
     FlashLayoutCommands,
     FlashReadCommands,
     FlashWriteCommands,
@@ -141,7 +147,7 @@ int main() {
     const std::vector<tools::Command> commands = tools::Joined(vxmgr::kFiles);
     const tools::Tool tool{
         .name = "vxmgr",
-        .version = "1.0.0",
+        .version = vxmgr::kToolVersion,
         .summary = "Manages Fibre Channel host bus adapters.",
         .commands = commands,
         .groups = vxmgr::kGroups,

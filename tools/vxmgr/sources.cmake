@@ -37,4 +37,5 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
+    tools/vxmgr/update/update_journal.cpp
 )

@@ -1,7 +1,7 @@
 // flash write
 #include "vxmgr/flash/commands.h"
-#include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_plan.h"
+#include "vxmgr/update/update_region.h"
 #include "vxmgr/update/update_stored.h"
 #include "vxmgr/update/update_write.h"
 
@@ -65,45 +65,6 @@ const tools::Fields<FlashWritten>& FlashWriteFields() {
     return kFields;
 }
 
-PlaceWrite RegionWrite(const UpdatePlan& plan) {
-    const uint32_t handle = plan.session->Handle();
-    return {
-        .what = "region " + std::to_string(plan.region.code) + " (" + plan.region.Name() + ")",
-        .finishes = "the region",
-        .image = plan.bytes,
-        .before = plan.before,
-        .lookAgain = "look at it again with `fw check`",
-        .recheck = Recheck::WhenReadable,
-        .read =
-            [handle, &plan](std::vector<uint8_t>* bytes) {
-                return ReadRegion(handle, plan.layout, plan.region, bytes);
-            },
-        .write =
-            [handle, &plan](std::vector<uint8_t>& image) {
-                return WriteRegion(handle, plan.layout, plan.region, image);
-            },
-        .failed = {{" was not written whole, and cannot be read back",
-                    "read it with `flash read` once the adapter answers, and write it again before "
-                    "the adapter is restarted"},
-                   {" was not written: it holds what it held before",
-                    "the adapter works as before; the cause is in the status"},
-                   {" holds the whole image, but the adapter reported a failure",
-                    "look at `fw show` before the adapter is restarted"},
-                   {" holds neither its old contents nor the image",
-                    "write the region again before the adapter is restarted"}},
-        .accepted = {{" was written, but cannot be read back",
-                      "read it with `flash read` and compare before the adapter is restarted"},
-                     {" was not written, although the adapter reported success: it holds what it "
-                      "held before",
-                      "the adapter works as before"},
-                     {},
-                     {" holds neither its old contents nor the image, although the adapter "
-                      "reported success",
-                      "write the region again before the adapter is restarted"}},
-        .mixedUpTo = "it is the image",
-    };
-}
-
 // Whether what was written has still to be started.
 bool IsPending(const UpdatePlan& plan, const WriteOutcome& outcome, const std::string& running) {
     if (outcome.NeedsRestart()) {
@@ -129,7 +90,7 @@ FlashWriteEnd EndOf(const WriteOutcome& outcome, const std::string& running) {
 
 ExitCode WriteImage(tools::Invocation& invocation, AdapterSession& session, const UpdatePlan& plan,
                     FlashWritten& result) {
-    PlaceWrite write = RegionWrite(plan);
+    PlaceWrite write = RegionWrite(session, plan.layout, plan.region, plan.bytes, plan.before);
     const WriteOutcome outcome = WritePlace(invocation, session.Handle(), session.First(), write);
     session.Refresh();
     const std::string running = RunningVersion(session.First(), plan.region.code);
@@ -158,7 +119,7 @@ ExitCode FlashWrite(tools::Invocation& invocation) {
     const auto& given = invocation.Given();
     AdapterSession session = OpenSelectedAdapter(invocation);
     const UpdatePlan plan = PlanUpdate(
-        invocation, session,
+        invocation, session, LookBeforeUpdate(invocation, session),
         {given.Text("FILE"), given.Text("REGION"), given.Has("pad"), {given.Has("allow-older")}});
     tools::GrowingResult result(invocation.Result(), FlashWriteFields(),
                                 {&plan, FlashWriteEnd{.running = plan.running}});

@@ -8,5 +8,7 @@ namespace vxmgr {
 tools::CommandRows FwShowCommands();
 tools::CommandRows FwInspectCommands();
 tools::CommandRows FwActivateCommands();
+tools::CommandRows FwUpdateCommands();
+tools::CommandRows FwRestoreCommands();
 
 }  // namespace vxmgr

@@ -1,11 +1,9 @@
 // fw activate
-#include <algorithm>
-#include <chrono>
 #include <functional>
 
 #include "vxmgr/update/commands.h"
+#include "vxmgr/update/update_activation.h"
 #include "vxmgr/update/update_checks.h"
-#include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
 
@@ -15,10 +13,6 @@ namespace {
 using tools::ArgumentKind;
 using tools::ExitCode;
 using tools::kText;
-
-constexpr uint32_t kLimitSeconds = 60;
-constexpr int kVersionTries = 20;
-constexpr std::chrono::milliseconds kBetweenTries{500};
 
 constexpr tools::Argument kActivateArguments[] = {
     {.name = "--settings",
@@ -127,19 +121,6 @@ const tools::Fields<Activation>& ActivationFields() {
     return kFields;
 }
 
-// Has the firmware of all open ports of the adapter start what the flash holds. limitSeconds: what
-// a port may take (0: any time); beyond it the ports that follow are left as they are.
-HX_STATUS ActivateOnline(const AdapterSession& session, uint32_t limitSeconds) {
-    for (size_t i = 0; i < session.ports.size(); ++i) {
-        // The word as it was when the adapter was looked at: firmware that was exchanged since then
-        // is not started.
-        const auto& firmware = session.ports[i].firmware;
-        HXSendFlashUpdateFWAttributes(session.devices[i].Handle(), 0,
-                                      firmware ? firmware->activationAttributes : 0, limitSeconds);
-    }
-    return HXOnlineActivateFlashUpdate(session.Handle());
-}
-
 // Has every open port read its settings anew; the first failure ends it.
 HX_STATUS ReloadSettings(const AdapterSession& session) {
     for (const Device& device : session.devices) {
@@ -149,24 +130,6 @@ HX_STATUS ReloadSettings(const AdapterSession& session) {
         }
     }
     return HXMGT_SUCCESS;
-}
-
-// Reads versions until all ports report the one that is expected. False when the time is over, or
-// the command is to end.
-bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
-                     const std::string& version) {
-    for (int i = 0; i < kVersionTries; ++i) {
-        session.Refresh();
-        const bool all =
-            std::all_of(session.ports.begin(), session.ports.end(), [&](const Port& port) {
-                const auto order = CompareVersions(RunningFirmware(port), version);
-                return order && *order == 0;
-            });
-        if (all || invocation.Stop().WaitFor(kBetweenTries)) {
-            return all;
-        }
-    }
-    return false;
 }
 
 // One of the two ways to start the firmware anew.
@@ -213,19 +176,8 @@ ExitCode RestartPorts(tools::Invocation& invocation, AdapterSession& session, Ac
         "until they are back.");
     invocation.Confirm(question);
     invocation.CheckStop();
-    HX_STATUS status = HXMGT_SUCCESS;
-    {
-        const tools::StopHold hold(invocation.Stop(), "the restart");
-        const UpdateLock lock(invocation, session.Handle(), session.First());
-        invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
-                            " ports");
-        status = way.start();
-        invocation.Changed();
-    }
-    // The library hands on no failure of a single port: what runs now is what counts.
-    const bool runs = status == HXMGT_SUCCESS &&
-                      (way.version.empty() || WaitForFirmware(invocation, session, way.version));
-    session.Refresh();
+    const auto [status, runs] =
+        RestartUnderLock(invocation, session, way.version, [&way] { return way.start(); });
     result.End(runs);
     invocation.CheckStop();
     if (status != HXMGT_SUCCESS) {
@@ -251,12 +203,12 @@ ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session
         return ExitCode::Done;
     }
     const auto limit =
-        static_cast<uint32_t>(invocation.Given().Number("limit").value_or(kLimitSeconds));
+        static_cast<uint32_t>(invocation.Given().Number("limit").value_or(kActivationSeconds));
     return RestartPorts(
         invocation, session, result,
         {"Start firmware " + version + ", now running " + RunningFirmware(session.First()) + ".",
          "firmware " + version + " would be started", version,
-         [&session, limit] { return ActivateOnline(session, limit); }});
+         [&session, limit] { return NoteAndActivate(session, limit); }});
 }
 
 ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session) {

@@ -137,7 +137,7 @@ ExitCode FirmwareCheck(tools::Invocation& invocation) {
     const auto& given = invocation.Given();
     const AdapterSession session = OpenSelectedAdapter(invocation);
     const UpdatePlan plan = PlanUpdate(
-        invocation, session,
+        invocation, session, LookBeforeUpdate(invocation, session),
         {given.Text("FILE"), given.Text("region"), given.Has("pad"), {given.Has("allow-older")}});
     const ExitCode exit = ReportFindings(invocation, plan);
     invocation.Result() = CheckFields().Make({plan, exit == ExitCode::Done});

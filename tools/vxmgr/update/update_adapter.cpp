@@ -9,20 +9,19 @@ namespace {
 
 using tools::ExitCode;
 
-// The one selected adapter; flash and firmware are nobody else's business.
-const Adapter& SelectOneAdapter(tools::Invocation& invocation,
-                                const std::vector<Adapter>& adapters) {
+std::vector<const Adapter*> SelectAtMost(tools::Invocation& invocation,
+                                         const std::vector<Adapter>& adapters, size_t most) {
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
     if (selected.empty()) {
         invocation.Fail(ExitCode::NotFound, "there is no adapter", "see `adapter list`");
     }
-    if (selected.size() > 1) {
+    if (selected.size() > most) {
         invocation.Fail(ExitCode::Usage,
                         "the command works on one adapter, and " + std::to_string(selected.size()) +
                             " are selected",
                         "choose one with -a; `adapter list` shows them");
     }
-    return *selected.front();
+    return selected;
 }
 
 template <size_t size>
@@ -58,11 +57,20 @@ const tools::Fields<AdapterSession>& SessionFields() {
 AdapterSession OpenSelectedAdapter(tools::Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
+    return OpenAdapter(invocation, *SelectAtMost(invocation, adapters, 1).front());
+}
+
+std::vector<const Adapter*> SelectSomeAdapters(tools::Invocation& invocation,
+                                               const std::vector<Adapter>& adapters) {
+    return SelectAtMost(invocation, adapters, invocation.Given().Has("adapter") ? SIZE_MAX : 1);
+}
+
+AdapterSession OpenAdapter(tools::Invocation& invocation, const Adapter& adapter) {
     AdapterSession session;
     HX_STATUS failure = HXMGT_SUCCESS;
     std::string failed;
     std::string query;
-    for (const Port* port : SelectOneAdapter(invocation, adapters).ports) {
+    for (const Port* port : adapter.ports) {
         Device device;
         const HX_STATUS status = port->Open(TracePath(invocation), &device);
         if (status == HXMGT_SUCCESS) {
@@ -93,11 +101,20 @@ std::string RunningBootCode(const Port& port) {
     return NodeText(port, &HX_NODE_PROPERTY::optionRomVersion);
 }
 
+std::string ModelOf(const Port& port) {
+    return NodeText(port, &HX_NODE_PROPERTY::model);
+}
+
+std::string ChipTextOf(const AdapterSession& session) {
+    const auto& chip = session.First().chip;
+    return chip ? Hex(chip->deviceId, 4) : std::string();
+}
+
 tools::Question QuestionAbout(const AdapterSession& session, const std::string& action) {
     tools::Question question;
     question.serial = session.serial;
-    question.lines = {action, "  adapter serial " + session.serial + ", model " +
-                                  NodeText(session.First(), &HX_NODE_PROPERTY::model)};
+    question.lines = {action,
+                      "  adapter serial " + session.serial + ", model " + ModelOf(session.First())};
     for (const Port& port : session.ports) {
         std::string line = "  port " + std::to_string(port.index);
         if (port.port) {

@@ -30,8 +30,17 @@ const tools::Fields<AdapterSession>& SessionFields();
 // port that cannot be is left out with a warning: the library restarts open ports alone.
 AdapterSession OpenSelectedAdapter(tools::Invocation& invocation);
 
+// What -a selects, several too; without it there must be one alone. Ends the command otherwise.
+std::vector<const Adapter*> SelectSomeAdapters(tools::Invocation& invocation,
+                                               const std::vector<Adapter>& adapters);
+
+// The same for one that was selected among others.
+AdapterSession OpenAdapter(tools::Invocation& invocation, const Adapter& adapter);
+
 std::string RunningFirmware(const Port& port);  // empty: not known
 std::string RunningBootCode(const Port& port);
+std::string ModelOf(const Port& port);
+std::string ChipTextOf(const AdapterSession& session);  // "0x7740"; empty: not known
 
 // A question about the adapter: the action, serial number, model, ports, and which volumes are
 // behind them. The session has to live until the question is asked.

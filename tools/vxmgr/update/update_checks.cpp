@@ -93,6 +93,16 @@ UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, 
     return outlook;
 }
 
+std::vector<UpdateOutlook> LookBeforeUpdate(tools::Invocation& invocation,
+                                            const AdapterSession& session) {
+    std::vector<UpdateOutlook> outlooks;
+    for (size_t i = 0; i < session.ports.size(); ++i) {
+        outlooks.push_back(
+            LookBeforeUpdate(invocation, session.ports[i], session.devices[i].Handle()));
+    }
+    return outlooks;
+}
+
 void ConfirmUpdate(tools::Invocation& invocation, const PortSession& session,
                    const UpdateOutlook& outlook, const std::string& action,
                    const std::string& consequence, const std::vector<std::string>& lines) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/update/update_adapter.h"
 
 namespace vxmgr {
 
@@ -23,6 +24,10 @@ UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, 
 inline UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const PortSession& session) {
     return LookBeforeUpdate(invocation, session.port, session.Handle());
 }
+
+// The same for all ports of an adapter, in their order.
+std::vector<UpdateOutlook> LookBeforeUpdate(tools::Invocation& invocation,
+                                            const AdapterSession& session);
 
 // Asks whether to change something behind one port. lines: more to weigh, before the warnings.
 void ConfirmUpdate(tools::Invocation& invocation, const PortSession& session,

@@ -1,6 +1,7 @@
 #include "vxmgr/update/update_plan.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
@@ -58,8 +59,11 @@ ImageTarget TargetOf(const UpdatePlan& plan) {
 }
 
 void ReadBefore(tools::Invocation& invocation, UpdatePlan& plan) {
+    using Clock = std::chrono::steady_clock;
     const AdapterSession& session = *plan.session;
+    const auto start = Clock::now();
     const HX_STATUS status = ReadRegion(session.Handle(), plan.layout, plan.region, &plan.before);
+    plan.readSeconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (status != HXMGT_SUCCESS) {
         WarnAbout(invocation, session.Object(),
                   "what the region holds cannot be read: " + StatusMessage(status), status);
@@ -85,14 +89,12 @@ std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string&
 }
 
 UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
-                      const UpdateGiven& given) {
+                      const std::vector<UpdateOutlook>& outlooks, const UpdateGiven& given) {
     UpdatePlan plan;
     plan.session = &session;
     plan.file = given.file;
     plan.bytes = ReadImage(invocation, given.file);
-    for (size_t i = 0; i < session.ports.size(); ++i) {
-        const UpdateOutlook outlook =
-            LookBeforeUpdate(invocation, session.ports[i], session.devices[i].Handle());
+    for (const UpdateOutlook& outlook : outlooks) {
         plan.warnings.insert(plan.warnings.end(), outlook.warnings.begin(), outlook.warnings.end());
     }
     plan.layout = ReadFlashLayout(invocation, session.First(), session.Handle());

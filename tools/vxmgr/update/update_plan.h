@@ -26,6 +26,7 @@ struct UpdatePlan {
     FlashRegion region;
     std::vector<uint8_t> bytes;   // of the image, as they would go out
     std::vector<uint8_t> before;  // of the region; empty: it cannot be read
+    double readSeconds = 0;       // that this took
     ImageInfo image;
     std::string stored;   // version in the region; empty: none
     std::string running;  // version that was started from it; the same
@@ -38,10 +39,10 @@ struct UpdatePlan {
 // An image file of a plausible size.
 std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string& path);
 
-// Ends the command when the adapter takes no updates, or has no such region. The session has to
+// Ends the command when the adapter has no such region. outlooks: of its ports. The session has to
 // live as long as the plan.
 UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
-                      const UpdateGiven& given);
+                      const std::vector<UpdateOutlook>& outlooks, const UpdateGiven& given);
 
 // Tells the findings; Refused when one of them forbids the update.
 tools::ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan);

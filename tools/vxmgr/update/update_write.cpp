@@ -160,6 +160,12 @@ WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Po
     const std::string object = port.Object();
     const tools::StopHold hold(invocation.Stop(), write.finishes);
     const UpdateLock lock(invocation, handle, port);
+    const auto begin = [&](WriteStep step, const std::string& line) {
+        write.begins ? write.begins(step) : invocation.Progress(line);
+    };
+    if (write.begins) {
+        write.begins(WriteStep::Checking);
+    }
     CheckUnchanged(invocation, port, write);
     // Runs before the lock's own hook, which needs an answer of the adapter.
     const tools::AbandonHooks::Registration whenGivenUp(
@@ -173,13 +179,13 @@ WriteOutcome WritePlace(tools::Invocation& invocation, uint32_t handle, const Po
         invocation.Fail(tools::ExitCodeOf(invocation.Stop().Reason()),
                         "stopped before the first byte, nothing was written");
     }
-    invocation.Progress("writing " + write.what + ", " + SizeText(write.image.size()));
+    begin(WriteStep::Writing, "writing " + write.what + ", " + SizeText(write.image.size()));
     WriteOutcome outcome;
     TransferWatch watch(invocation, handle, lock, write);
     outcome.status = invocation.CauseOf(write.write(write.image), object);
     watch.StopWriting();
     outcome.lockLost = watch.LockLost();
-    invocation.Progress("reading " + write.what + " back");
+    begin(WriteStep::ReadingBack, "reading " + write.what + " back");
     std::vector<uint8_t> now;
     outcome.readStatus = invocation.CauseOf(write.read(&now), object);
     size_t same = 0;

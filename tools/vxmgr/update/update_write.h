@@ -16,6 +16,8 @@ namespace vxmgr {
 enum class PlaceState : uint8_t { Unknown, Old, New, Mixed };
 inline constexpr const char* kPlaceStates[] = {"unknown", "old", "new", "mixed"};
 
+enum class WriteStep : uint8_t { Checking, Writing, ReadingBack };
+
 using ReadBytes = std::function<HX_STATUS(std::vector<uint8_t>* bytes)>;
 
 // Whether the place must hold what it held when the user was asked.
@@ -47,9 +49,10 @@ struct PlaceWrite {
     // With the image as it goes out, before the first byte of it; may change it. Of writes to a
     // region alone, and the same for `moved`.
     std::function<void(std::vector<uint8_t>& image)> beforeFirst{};
-    std::function<void(uint64_t done)> moved{};  // bytes of the image, or of it read back
-    WriteTroubles failed;                        // the write reported a failure
-    WriteTroubles accepted;                      // it did not; `whole` is no trouble then
+    std::function<void(WriteStep step)> begins{};  // instead of a line to the user
+    std::function<void(uint64_t done)> moved{};    // bytes in this step
+    WriteTroubles failed;                          // the write reported a failure
+    WriteTroubles accepted;                        // it did not; `whole` is no trouble then
     std::string mixedUpTo{};  // how to say up to which byte it is the image; empty: not said
     std::string detail{};     // what the device itself said of a failure
 };
