@@ -1,9 +1,6 @@
 // The NAME=VALUE words of a command line: changes of a running profile.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "model/control.h"
 #include "model/profile/profile_fields.h"
 #include "vocabulary.h"

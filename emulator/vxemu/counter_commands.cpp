@@ -1,6 +1,5 @@
 // stats bump, scm.
 #include <cstring>
-#include <optional>
 
 #include "commands.h"
 #include "field_text.h"
@@ -17,21 +16,18 @@ struct RaisedCounter {
     bool remote;
 };
 
-const Fields<RaisedCounter>& RaisedCounterFields() {
-    static const Fields<RaisedCounter> kFields = {
-        {PortNameFields(), [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
-        {"target", "Target", kWwn.OrNull(),
-         [](const RaisedCounter& raised) {
-             return raised.remote ? std::optional(Wwn::Of(raised.request.target.portName))
-                                  : std::nullopt;
-         }},
-        {"counter", "Counter", kText,
-         [](const RaisedCounter& raised) { return std::string(raised.request.key); }},
-        {"by", "Raised by", kCounter,
-         [](const RaisedCounter& raised) { return uint64_t{raised.request.n}; }},
-    };
-    return kFields;
-}
+const Fields<RaisedCounter> kRaisedCounterFields = {
+    {PortNameFields(), [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
+    {"target", "Target", kWwn.OrNull(),
+     [](const RaisedCounter& raised) {
+         return raised.remote ? std::optional(Wwn::Of(raised.request.target.portName))
+                              : std::nullopt;
+     }},
+    {"counter", "Counter", kText,
+     [](const RaisedCounter& raised) { return std::string(raised.request.key); }},
+    {"by", "Raised by", kCounter,
+     [](const RaisedCounter& raised) { return uint64_t{raised.request.n}; }},
+};
 
 bool IsCongestion(const CounterKey& counter) {
     return counter.group == CounterGroup::Fpin || counter.group == CounterGroup::Signals;
@@ -95,7 +91,7 @@ ExitCode Raise(Invocation& invocation, const char* keyArgument, const char* what
             raised.remote ? given.Text("target") : PortName(raised.request.scsiPort));
         invocation.Changed();
     }
-    invocation.Result() = RaisedCounterFields().Make(raised);
+    invocation.Result() = kRaisedCounterFields.Make(raised);
     return ExitCode::Done;
 }
 
@@ -108,7 +104,7 @@ ExitCode RunScm(Invocation& invocation) {
 }
 
 Shape RaisedCounterShape() {
-    return RaisedCounterFields().ShapeOfAll();
+    return kRaisedCounterFields.ShapeOfAll();
 }
 
 std::string CounterNotes() {

@@ -20,46 +20,34 @@ Value Times(const FaultRule& rule) {
     return Value::Number(rule.times).Shown(rule.times == 0 ? "always" : std::to_string(rule.times));
 }
 
-const Fields<FaultRule>& RuleFields() {
-    static const Fields<FaultRule> kFields = {
-        {"port", "Port", "PORT", kText,
-         [](const FaultRule& r) { return r.port == kAnyPort ? "all" : PortName(r.port); }},
-        {"request", "Request", "REQUEST", kText, FormatFaultCode},
-        {"code", "Code", kText.OrNull(), Code},
-        {"sub_code", "Sub-code", "SUB", kInteger.OrNull(), SubCode},
-        {"action", "Action", "ACTION", kText, FormatFaultAction},
-        {"after", "After", "AFTER", kInteger, &FaultRule::after},
-        {"times", "Times", "TIMES", kInteger, Times, "0: always"},
-    };
-    return kFields;
-}
+const Fields<FaultRule> kRuleFields = {
+    {"port", "Port", "PORT", kText,
+     [](const FaultRule& r) { return r.port == kAnyPort ? "all" : PortName(r.port); }},
+    {"request", "Request", "REQUEST", kText, FormatFaultCode},
+    {"code", "Code", kText.OrNull(), Code},
+    {"sub_code", "Sub-code", "SUB", kInteger.OrNull(), SubCode},
+    {"action", "Action", "ACTION", kText, FormatFaultAction},
+    {"after", "After", "AFTER", kInteger, &FaultRule::after},
+    {"times", "Times", "TIMES", kInteger, Times, "0: always"},
+};
 
-const Fields<FaultEntry>& FaultFields() {
-    static const Fields<FaultEntry> kFields = {
-        {"id", "Id", "ID", kInteger, &FaultEntry::id, "0 in a dry run"},
-        {RuleFields(), &FaultEntry::rule},
-        {"matched", "Requests matched", "MATCHED", kInteger, &FaultEntry::matched},
-        {"acted", "Requests changed", "ACTED", kInteger, &FaultEntry::acted},
-    };
-    return kFields;
-}
+const Fields<FaultEntry> kFaultFields = {
+    {"id", "Id", "ID", kInteger, &FaultEntry::id, "0 in a dry run"},
+    {kRuleFields, &FaultEntry::rule},
+    {"matched", "Requests matched", "MATCHED", kInteger, &FaultEntry::matched},
+    {"acted", "Requests changed", "ACTED", kInteger, &FaultEntry::acted},
+};
 
-const Fields<FaultListReply>& FaultListFields() {
-    static const Fields<FaultListReply> kFields = {
-        {"faults", "Fault rules", FaultFields(),
-         [](const FaultListReply& reply) {
-             return std::span(reply.entries, std::min<size_t>(reply.count, kMaxFaults));
-         },
-         ListLayout::Table, "No fault rules."},
-    };
-    return kFields;
-}
+const Fields<FaultListReply> kFaultListFields = {
+    {"faults", "Fault rules", kFaultFields,
+     [](const FaultListReply& reply) {
+         return std::span(reply.entries, std::min<size_t>(reply.count, kMaxFaults));
+     },
+     ListLayout::Table, "No fault rules."},
+};
 
-const Fields<uint32_t>& RemovedFields() {
-    static const Fields<uint32_t> kFields = {
-        {"removed", "Rules removed", kInteger, [](uint32_t count) { return count; }}};
-    return kFields;
-}
+const Fields<uint32_t> kRemovedFields = {
+    {"removed", "Rules removed", kInteger, [](uint32_t count) { return count; }}};
 
 FaultRule RequireRule(Invocation& invocation) {
     const Options& given = invocation.Given();
@@ -110,12 +98,12 @@ ExitCode RunFaultAdd(Invocation& invocation) {
     FaultEntry entry = {};
     entry.id = id;
     entry.rule = rule;
-    invocation.Result() = FaultFields().Make(entry);
+    invocation.Result() = kFaultFields.Make(entry);
     return ExitCode::Done;
 }
 
 ExitCode RunFaultList(Invocation& invocation) {
-    invocation.Result() = FaultListFields().Make(*RunningDriver(invocation, false).Faults());
+    invocation.Result() = kFaultListFields.Make(*RunningDriver(invocation, false).Faults());
     return ExitCode::Done;
 }
 
@@ -134,20 +122,20 @@ ExitCode RunFaultClear(Invocation& invocation) {
             invocation.Changed();
         }
     }
-    invocation.Result() = RemovedFields().Make(removed);
+    invocation.Result() = kRemovedFields.Make(removed);
     return ExitCode::Done;
 }
 
 Shape FaultShape() {
-    return FaultFields().ShapeOfAll();
+    return kFaultFields.ShapeOfAll();
 }
 
 Shape FaultListShape() {
-    return FaultListFields().ShapeOfAll();
+    return kFaultListFields.ShapeOfAll();
 }
 
 Shape FaultClearShape() {
-    return RemovedFields().ShapeOfAll();
+    return kRemovedFields.ShapeOfAll();
 }
 
 constexpr Argument kFaultAdd[] = {

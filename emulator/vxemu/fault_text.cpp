@@ -1,7 +1,5 @@
 #include "fault_text.h"
 
-#include <optional>
-
 #include "transport/ext_ioctl.h"
 #include "vocabulary.h"
 

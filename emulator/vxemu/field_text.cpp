@@ -1,7 +1,6 @@
 #include "field_text.h"
 
 #include <cstring>
-#include <optional>
 
 #include "model/bytes/bytes.h"
 #include "vocabulary.h"

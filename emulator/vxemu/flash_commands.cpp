@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <vector>
 
 #include "commands.h"
 #include "common/console.h"
@@ -52,53 +51,45 @@ Value CheckValue(CheckState state) {
     return {};
 }
 
-const Fields<FlashRegionStatus>& RegionFields() {
-    using Region = FlashRegionStatus;
-    static constexpr const char* kChecks[] = {"ok", "bad"};
-    static const Fields<Region> kFields = {
-        {"region", "Region", "REGION", kInteger, [](const Region& r) { return r.code; }},
-        {"content", "Content", "CONTENT", kText, [](const Region& r) { return NameOf(r.content); }},
-        {"start", "Start", "START", kText, [](const Region& r) { return Hex(r.start, 6); }},
-        {"bytes", "Bytes", "BYTES", kInteger, [](const Region& r) { return r.size; }},
-        {"flags", "Flags", kText, [](const Region& r) { return Hex(r.flags, 2); }},
-        {"read_only", "Read-only", kFlag, [](const Region& r) { return r.readOnly != 0; }},
-        {"version", "Version", "VERSION", kText.OrNull(),
-         [](const Region& r) { return std::string(r.version); }},
-        {"checksum", "Checksum", "CHECKSUM", Choice(kChecks).OrNull(),
-         [](const Region& r) { return CheckValue(r.checksum); }},
-        {"signature", "Signature", "SIGNATURE", Choice(kChecks).OrNull(),
-         [](const Region& r) { return CheckValue(r.signature); }},
-    };
-    return kFields;
-}
+constexpr const char* kChecks[] = {"ok", "bad"};
+const Fields<FlashRegionStatus> kRegionFields = {
+    {"region", "Region", "REGION", kInteger, [](const FlashRegionStatus& r) { return r.code; }},
+    {"content", "Content", "CONTENT", kText,
+     [](const FlashRegionStatus& r) { return NameOf(r.content); }},
+    {"start", "Start", "START", kText, [](const FlashRegionStatus& r) { return Hex(r.start, 6); }},
+    {"bytes", "Bytes", "BYTES", kInteger, [](const FlashRegionStatus& r) { return r.size; }},
+    {"flags", "Flags", kText, [](const FlashRegionStatus& r) { return Hex(r.flags, 2); }},
+    {"read_only", "Read-only", kFlag, [](const FlashRegionStatus& r) { return r.readOnly != 0; }},
+    {"version", "Version", "VERSION", kText.OrNull(),
+     [](const FlashRegionStatus& r) { return std::string(r.version); }},
+    {"checksum", "Checksum", "CHECKSUM", Choice(kChecks).OrNull(),
+     [](const FlashRegionStatus& r) { return CheckValue(r.checksum); }},
+    {"signature", "Signature", "SIGNATURE", Choice(kChecks).OrNull(),
+     [](const FlashRegionStatus& r) { return CheckValue(r.signature); }},
+};
 
 struct ShownFlash {
     uint32_t port;
     const FlashReport* report;
 };
 
-const Fields<ShownFlash>& FlashFields() {
-    using Flash = ShownFlash;
-    static const Fields<Flash> kFields = {
-        {PortNameFields(), &Flash::port},
-        {"bytes", "Bytes", kInteger, [](const Flash& f) { return f.report->bytes; }},
-        {"powered", "Powered", kFlag, [](const Flash& f) { return f.report->withoutPower == 0; }},
-        {"power_fails_after", "Power fails after", Integer("bytes").OrNull(),
-         [](const Flash& f) {
-             return f.report->failsSoon != 0 ? std::optional(f.report->bytesUntilFailure)
-                                             : std::nullopt;
-         }},
-        {"bank", "Bank of NVRAM and VPD", kInteger,
-         [](const Flash& f) { return f.report->secondBank != 0 ? 2 : 1; }},
-        {"regions", "Regions", RegionFields(),
-         [](const Flash& f) {
-             return std::span(f.report->regions,
-                              std::min<size_t>(f.report->count, kMaxFlashRegions));
-         },
-         ListLayout::Table, "No regions."},
-    };
-    return kFields;
-}
+const Fields<ShownFlash> kFlashFields = {
+    {PortNameFields(), &ShownFlash::port},
+    {"bytes", "Bytes", kInteger, [](const ShownFlash& f) { return f.report->bytes; }},
+    {"powered", "Powered", kFlag, [](const ShownFlash& f) { return f.report->withoutPower == 0; }},
+    {"power_fails_after", "Power fails after", Integer("bytes").OrNull(),
+     [](const ShownFlash& f) {
+         return f.report->failsSoon != 0 ? std::optional(f.report->bytesUntilFailure)
+                                         : std::nullopt;
+     }},
+    {"bank", "Bank of NVRAM and VPD", kInteger,
+     [](const ShownFlash& f) { return f.report->secondBank != 0 ? 2 : 1; }},
+    {"regions", "Regions", kRegionFields,
+     [](const ShownFlash& f) {
+         return std::span(f.report->regions, std::min<size_t>(f.report->count, kMaxFlashRegions));
+     },
+     ListLayout::Table, "No regions."},
+};
 
 uint32_t GivenPort(Invocation& invocation) {
     return RequirePort(invocation, invocation.Given().Text("PORT"));
@@ -128,32 +119,23 @@ struct Saved {
     std::string file{};
 };
 
-const Fields<Saved>& SavedFields() {
-    static const Fields<Saved> kFields = {
-        {PlaceFields(), &Saved::place},
-        {"version", "Version", kText.OrAbsent(), &Saved::version},
-        {"bytes", "Bytes", kInteger, &Saved::bytes},
-        {"file", "File", kText, &Saved::file},
-    };
-    return kFields;
-}
+const Fields<Saved> kSavedFields = {
+    {PlaceFields(), &Saved::place},
+    {"version", "Version", kText.OrAbsent(), &Saved::version},
+    {"bytes", "Bytes", kInteger, &Saved::bytes},
+    {"file", "File", kText, &Saved::file},
+};
 
-const Fields<FlashSelector>& CorruptedFields() {
-    static const Fields<FlashSelector> kFields = {
-        {PlaceFields(), [](const FlashSelector& place) { return place; }},
-        {"at", "Byte inverted", kInteger, [](const FlashSelector& place) { return place.offset; }},
-    };
-    return kFields;
-}
+const Fields<FlashSelector> kCorruptedFields = {
+    {PlaceFields(), [](const FlashSelector& place) { return place; }},
+    {"at", "Byte inverted", kInteger, [](const FlashSelector& place) { return place.offset; }},
+};
 
-const Fields<PowerFailRequest>& PowerFailFields() {
-    static const Fields<PowerFailRequest> kFields = {
-        {PortNameFields(), [](const PowerFailRequest& request) { return request.scsiPort; }},
-        {"after_bytes", "Power fails after", Integer("bytes"),
-         [](const PowerFailRequest& request) { return request.afterBytes; }},
-    };
-    return kFields;
-}
+const Fields<PowerFailRequest> kPowerFailFields = {
+    {PortNameFields(), [](const PowerFailRequest& request) { return request.scsiPort; }},
+    {"after_bytes", "Power fails after", Integer("bytes"),
+     [](const PowerFailRequest& request) { return request.afterBytes; }},
+};
 
 struct Switched {
     uint32_t port;
@@ -162,21 +144,15 @@ struct Switched {
 
 constexpr const char* kOnOff[] = {"on", "off"};
 
-const Fields<Switched>& LockdownFields() {
-    static const Fields<Switched> kFields = {
-        {PortNameFields(), &Switched::port},
-        {"lockdown", "Lockdown", Choice(kOnOff), &Switched::state},
-    };
-    return kFields;
-}
+const Fields<Switched> kLockdownFields = {
+    {PortNameFields(), &Switched::port},
+    {"lockdown", "Lockdown", Choice(kOnOff), &Switched::state},
+};
 
-const Fields<Switched>& BootFields() {
-    static const Fields<Switched> kFields = {
-        {PortNameFields(), &Switched::port},
-        {"boots_from_san", "Boots from SAN", Choice(kOnOff), &Switched::state},
-    };
-    return kFields;
-}
+const Fields<Switched> kBootFields = {
+    {PortNameFields(), &Switched::port},
+    {"boots_from_san", "Boots from SAN", Choice(kOnOff), &Switched::state},
+};
 
 // Writes the file unless this is a dry run, and completes the result.
 ExitCode Save(Invocation& invocation, Saved saved, const std::vector<uint8_t>& bytes) {
@@ -194,7 +170,7 @@ ExitCode Save(Invocation& invocation, Saved saved, const std::vector<uint8_t>& b
     }
     saved.bytes = bytes.size();
     saved.file = path;
-    invocation.Result() = SavedFields().Make(saved);
+    invocation.Result() = kSavedFields.Make(saved);
     return ExitCode::Done;
 }
 
@@ -219,7 +195,7 @@ ExitCode RunFlashShow(Invocation& invocation) {
     const auto report =
         RunningDriver(invocation, false)
             .Fetch<FlashReport>(control::kFlashShow, PortSelector{port}, PortName(port));
-    invocation.Result() = FlashFields().Make({port, report.get()});
+    invocation.Result() = kFlashFields.Make({port, report.get()});
     return ExitCode::Done;
 }
 
@@ -266,7 +242,7 @@ ExitCode RunFlashCorrupt(Invocation& invocation) {
                             NameOf(place) + ", byte " + std::to_string(place.offset));
         invocation.Changed();
     }
-    invocation.Result() = CorruptedFields().Make(place);
+    invocation.Result() = kCorruptedFields.Make(place);
     return ExitCode::Done;
 }
 
@@ -279,40 +255,40 @@ ExitCode RunFlashPowerFail(Invocation& invocation) {
         driver.Send(control::kPowerFail, request, PortName(request.scsiPort));
         invocation.Changed();
     }
-    invocation.Result() = PowerFailFields().Make(request);
+    invocation.Result() = kPowerFailFields.Make(request);
     return ExitCode::Done;
 }
 
 ExitCode RunLockdown(Invocation& invocation) {
-    return SetFlag(invocation, "lockdown", LockdownFields());
+    return SetFlag(invocation, "lockdown", kLockdownFields);
 }
 
 ExitCode RunBootFromSan(Invocation& invocation) {
-    return SetFlag(invocation, "boots_from_san", BootFields());
+    return SetFlag(invocation, "boots_from_san", kBootFields);
 }
 
 Shape FlashShowShape() {
-    return FlashFields().ShapeOfAll();
+    return kFlashFields.ShapeOfAll();
 }
 
 Shape FlashSavedShape() {
-    return SavedFields().ShapeOfAll();
+    return kSavedFields.ShapeOfAll();
 }
 
 Shape FlashCorruptShape() {
-    return CorruptedFields().ShapeOfAll();
+    return kCorruptedFields.ShapeOfAll();
 }
 
 Shape PowerFailShape() {
-    return PowerFailFields().ShapeOfAll();
+    return kPowerFailFields.ShapeOfAll();
 }
 
 Shape LockdownShape() {
-    return LockdownFields().ShapeOfAll();
+    return kLockdownFields.ShapeOfAll();
 }
 
 Shape BootFromSanShape() {
-    return BootFields().ShapeOfAll();
+    return kBootFields.ShapeOfAll();
 }
 
 constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";

@@ -46,14 +46,11 @@ struct Raised {
     bool queued;
 };
 
-const Fields<Raised>& RaisedFields() {
-    static const Fields<Raised> kFields = {
-        {PortNameFields(), &Raised::port},
-        {"code", "Event code", kText, [](const Raised& raised) { return Hex(raised.code, 4); }},
-        {"queued", "Queued", kFlag, &Raised::queued},
-    };
-    return kFields;
-}
+const Fields<Raised> kRaisedFields = {
+    {PortNameFields(), &Raised::port},
+    {"code", "Event code", kText, [](const Raised& raised) { return Hex(raised.code, 4); }},
+    {"queued", "Queued", kFlag, &Raised::queued},
+};
 
 struct Linked {
     uint32_t port;
@@ -119,7 +116,7 @@ ExitCode RunEvent(Invocation& invocation) {
                             "the event is gone: watch first, then raise it");
         }
     }
-    invocation.Result() = RaisedFields().Make({port, request.event.code, queued});
+    invocation.Result() = kRaisedFields.Make({port, request.event.code, queued});
     return ExitCode::Done;
 }
 
@@ -148,7 +145,7 @@ Shape PortShape() {
 }
 
 Shape EventShape() {
-    return RaisedFields().ShapeOfAll();
+    return kRaisedFields.ShapeOfAll();
 }
 
 Shape LinkShape() {

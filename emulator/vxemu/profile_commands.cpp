@@ -20,26 +20,19 @@ auto Of(const Summary& summary) {
     return (*summary.profile).*Member;
 }
 
-const Fields<Summary>& SummaryFields() {
-    static const Fields<Summary> kFields = {
-        {"name", "Name", "NAME", kText,
-         [](const Summary& s) { return std::string(s.profile->name); }},
-        {"adapters", "Adapters", "ADAPTERS", kInteger, Of<&Profile::adapterCount>},
-        {"ports", "Ports", "PORTS", kInteger, Of<&Profile::portCount>},
-        {"description", "Description", "DESCRIPTION", kText.OrNull(), &Summary::description},
-    };
-    return kFields;
-}
+const Fields<Summary> kSummaryFields = {
+    {"name", "Name", "NAME", kText, [](const Summary& s) { return std::string(s.profile->name); }},
+    {"adapters", "Adapters", "ADAPTERS", kInteger, Of<&Profile::adapterCount>},
+    {"ports", "Ports", "PORTS", kInteger, Of<&Profile::portCount>},
+    {"description", "Description", "DESCRIPTION", kText.OrNull(), &Summary::description},
+};
 
-const Fields<Profile>& ValidFields() {
-    static const Fields<Profile> kFields = {
-        {"valid", "Valid", kFlag, [](const Profile&) { return true; }},
-        {"name", "Name", kText, [](const Profile& profile) { return std::string(profile.name); }},
-        {"adapters", "Adapters", kInteger, &Profile::adapterCount},
-        {"ports", "Ports", kInteger, &Profile::portCount},
-    };
-    return kFields;
-}
+const Fields<Profile> kValidFields = {
+    {"valid", "Valid", kFlag, [](const Profile&) { return true; }},
+    {"name", "Name", kText, [](const Profile& profile) { return std::string(profile.name); }},
+    {"adapters", "Adapters", kInteger, &Profile::adapterCount},
+    {"ports", "Ports", kInteger, &Profile::portCount},
+};
 
 FieldType TypeOf(const Field& field) {
     switch (field.kind) {
@@ -147,10 +140,10 @@ ExitCode RunProfileList(Invocation& invocation) {
     std::vector<Record> rows;
     for (const BuiltInProfile& row : kBuiltInProfileTable) {
         row.fill(*profile);
-        rows.push_back(SummaryFields().Make({profile.get(), row.description}));
+        rows.push_back(kSummaryFields.Make({profile.get(), row.description}));
     }
     invocation.Result().AddList("profiles", "Profiles", ListLayout::Table,
-                                SummaryFields().Prototype(), "", std::move(rows));
+                                kSummaryFields.Prototype(), "", std::move(rows));
     return ExitCode::Done;
 }
 
@@ -173,14 +166,14 @@ ExitCode RunProfileShow(Invocation& invocation) {
 ExitCode RunProfileValidate(Invocation& invocation) {
     const auto profile = std::make_unique<Profile>();
     RequireProfileFile(invocation, invocation.Given().Text("FILE"), profile.get());
-    invocation.Result() = ValidFields().Make(*profile);
+    invocation.Result() = kValidFields.Make(*profile);
     return ExitCode::Done;
 }
 
 Shape ProfileListShape() {
     return {{.key = "profiles",
              .kind = tools::FieldKind::List,
-             .children = SummaryFields().ShapeOfAll()}};
+             .children = kSummaryFields.ShapeOfAll()}};
 }
 
 Shape ProfileShape() {
@@ -188,7 +181,7 @@ Shape ProfileShape() {
 }
 
 Shape ProfileValidShape() {
-    return ValidFields().ShapeOfAll();
+    return kValidFields.ShapeOfAll();
 }
 
 constexpr Argument kProfileShow[] = {

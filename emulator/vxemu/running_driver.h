@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "control_device.h"
 #include "model/profile/profile.h"

@@ -1,7 +1,5 @@
 #include "service.h"
 
-#include <vector>
-
 namespace vxemu {
 namespace {
 

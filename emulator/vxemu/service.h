@@ -2,8 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
-#include <string>
 
 #include "frame/owned.h"
 #include "model/profile/profile.h"

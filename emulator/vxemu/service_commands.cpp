@@ -41,15 +41,12 @@ struct Started {
     std::unique_ptr<StatusReply> running{};  // null in a dry run
 };
 
-const Fields<Started>& StartFields() {
-    static const Fields<Started> kFields = {
-        {"profile", "Profile", kText, &Started::profile},
-        {ServiceFields(), &Started::state},
-        {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
-         ListLayout::Table, "No ports."},
-    };
-    return kFields;
-}
+const Fields<Started> kStartFields = {
+    {"profile", "Profile", kText, &Started::profile},
+    {ServiceFields(), &Started::state},
+    {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
+     ListLayout::Table, "No ports."},
+};
 
 void Install(Invocation& invocation, DriverService& service) {
     bool changed = false;
@@ -161,7 +158,7 @@ ExitCode RunStart(Invocation& invocation) {
     } else {
         started.running = RunningDriver(invocation, false).Status();
     }
-    invocation.Result() = StartFields().Make(started);
+    invocation.Result() = kStartFields.Make(started);
     return ExitCode::Done;
 }
 
@@ -184,7 +181,7 @@ Shape ServiceShape() {
 }
 
 Shape StartShape() {
-    return StartFields().ShapeOfAll();
+    return kStartFields.ShapeOfAll();
 }
 
 constexpr Argument kStart[] = {TextOption("--profile", "P", "built-in profile or JSON file (lab)")};

@@ -26,21 +26,18 @@ Value Uptime(const Status& status) {
     return uptime ? Value::Number(*uptime).Shown(std::to_string(*uptime / 1000) + " s") : Value();
 }
 
-const Fields<Status>& StatusFields() {
-    static const Fields<Status> kFields = {
-        {ServiceFields(), &Status::state},
-        {"profile", "Profile", kText.OrNull(),
-         [](const Status& s) {
-             return s.running != nullptr ? std::string(s.running->profileName) : std::string();
-         }},
-        {"uptime_ms", "Running for", kCounter.OrAbsent(), Uptime},
-        {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
-        {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
-        {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
-         ListLayout::Table, "No ports."},
-    };
-    return kFields;
-}
+const Fields<Status> kStatusFields = {
+    {ServiceFields(), &Status::state},
+    {"profile", "Profile", kText.OrNull(),
+     [](const Status& s) {
+         return s.running != nullptr ? std::string(s.running->profileName) : std::string();
+     }},
+    {"uptime_ms", "Running for", kCounter.OrAbsent(), Uptime},
+    {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
+    {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
+    {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
+     ListLayout::Table, "No ports."},
+};
 
 ExitCode RunStatus(Invocation& invocation) {
     DriverService service;
@@ -55,12 +52,12 @@ ExitCode RunStatus(Invocation& invocation) {
     if (status.state == ServiceState::Running) {
         status.running = RunningDriver(invocation, false).Status();
     }
-    invocation.Result() = StatusFields().Make(status);
+    invocation.Result() = kStatusFields.Make(status);
     return ExitCode::Done;
 }
 
 Shape StatusShape() {
-    return StatusFields().ShapeOfAll();
+    return kStatusFields.ShapeOfAll();
 }
 
 }  // namespace

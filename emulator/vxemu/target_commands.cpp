@@ -40,26 +40,20 @@ std::string NameOf(const LunSelector& lun) {
     return NameOf(lun.target) + " LUN " + std::to_string(lun.number);
 }
 
-const Fields<TargetSelector>& TargetFields() {
-    static const Fields<TargetSelector> kFields = {
-        {"target", "Target", kText, [](const TargetSelector& target) { return NameOf(target); }}};
-    return kFields;
-}
+const Fields<TargetSelector> kTargetFields = {
+    {"target", "Target", kText, [](const TargetSelector& target) { return NameOf(target); }}};
 
-const Fields<LunSelector>& LunFields() {
-    static const Fields<LunSelector> kFields = {
-        {TargetFields(), &LunSelector::target},
-        {"lun", "LUN", kInteger, &LunSelector::number},
-    };
-    return kFields;
-}
+const Fields<LunSelector> kLunFields = {
+    {kTargetFields, &LunSelector::target},
+    {"lun", "LUN", kInteger, &LunSelector::number},
+};
 
 Record ResultOf(const TargetSelector& target) {
-    return TargetFields().Make(target);
+    return kTargetFields.Make(target);
 }
 
 Record ResultOf(const LunSelector& lun) {
-    return LunFields().Make(lun);
+    return kLunFields.Make(lun);
 }
 
 // Sends a change unless this is a dry run.
@@ -157,7 +151,7 @@ ExitCode RunLunSet(Invocation& invocation) {
 }
 
 Shape TargetShape() {
-    return TargetFields().ShapeOfAll();
+    return kTargetFields.ShapeOfAll();
 }
 
 Shape TargetSetShape() {
@@ -165,7 +159,7 @@ Shape TargetSetShape() {
 }
 
 Shape LunShape() {
-    return LunFields().ShapeOfAll();
+    return kLunFields.ShapeOfAll();
 }
 
 Shape LunSetShape() {

@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <vector>
 
 #include "commands.h"
 #include "fault_text.h"
@@ -74,49 +72,42 @@ std::optional<uint32_t> SubCodeOf(const TraceEntry& entry) {
     return entry.subCode != kPlainRequest ? std::optional<uint32_t>(entry.subCode) : std::nullopt;
 }
 
-const Fields<TracedRequest>& TracedFields() {
-    using Traced = TracedRequest;
-    static const Fields<Traced> kFields = {
-        {"time", "Time", "TIME", kText, [](const Traced& t) { return FormatUtc(t.time); }},
-        {"port", "Port", "PORT", kText, [](const Traced& t) { return PortName(t.entry.scsiPort); }},
-        {"process", "Process", "PROCESS", kInteger,
-         [](const Traced& t) { return uint32_t{t.entry.process}; }},
-        {"request", "Request", "REQUEST", kText,
-         [](const Traced& t) { return RequestName(t.entry); }},
-        {"code", "Code", kText, [](const Traced& t) { return Hex(t.entry.code, 8); }},
-        {"sub_code", "Sub-code", "SUB", kInteger.OrNull(),
-         [](const Traced& t) { return SubCodeOf(t.entry); }},
-        {"input_bytes", "Bytes in", "IN", kInteger,
-         [](const Traced& t) { return uint32_t{t.entry.inputLength}; }},
-        {"output_bytes", "Room for bytes out", "ROOM", kInteger,
-         [](const Traced& t) { return uint32_t{t.entry.outputLength}; }},
-        {"returned_bytes", "Bytes out", "OUT", kInteger,
-         [](const Traced& t) { return uint32_t{t.entry.returned}; }},
-        {"completion", "Completion", "COMPLETION", Choice(kCompletions),
-         [](const Traced& t) { return std::string(CompletionName(t.entry)); }},
-        {"status", "Driver status", "STATUS", kInteger.OrNull(),
-         [](const Traced& t) { return StatusOf(t.entry); }},
-        {"detail", "Detail status", kInteger.OrNull(),
-         [](const Traced& t) {
-             return StatusOf(t.entry) ? std::optional<uint32_t>(t.entry.detail) : std::nullopt;
-         }},
-    };
-    return kFields;
-}
+const Fields<TracedRequest> kTracedFields = {
+    {"time", "Time", "TIME", kText, [](const TracedRequest& t) { return FormatUtc(t.time); }},
+    {"port", "Port", "PORT", kText,
+     [](const TracedRequest& t) { return PortName(t.entry.scsiPort); }},
+    {"process", "Process", "PROCESS", kInteger,
+     [](const TracedRequest& t) { return uint32_t{t.entry.process}; }},
+    {"request", "Request", "REQUEST", kText,
+     [](const TracedRequest& t) { return RequestName(t.entry); }},
+    {"code", "Code", kText, [](const TracedRequest& t) { return Hex(t.entry.code, 8); }},
+    {"sub_code", "Sub-code", "SUB", kInteger.OrNull(),
+     [](const TracedRequest& t) { return SubCodeOf(t.entry); }},
+    {"input_bytes", "Bytes in", "IN", kInteger,
+     [](const TracedRequest& t) { return uint32_t{t.entry.inputLength}; }},
+    {"output_bytes", "Room for bytes out", "ROOM", kInteger,
+     [](const TracedRequest& t) { return uint32_t{t.entry.outputLength}; }},
+    {"returned_bytes", "Bytes out", "OUT", kInteger,
+     [](const TracedRequest& t) { return uint32_t{t.entry.returned}; }},
+    {"completion", "Completion", "COMPLETION", Choice(kCompletions),
+     [](const TracedRequest& t) { return std::string(CompletionName(t.entry)); }},
+    {"status", "Driver status", "STATUS", kInteger.OrNull(),
+     [](const TracedRequest& t) { return StatusOf(t.entry); }},
+    {"detail", "Detail status", kInteger.OrNull(),
+     [](const TracedRequest& t) {
+         return StatusOf(t.entry) ? std::optional<uint32_t>(t.entry.detail) : std::nullopt;
+     }},
+};
 
-const Fields<TraceContent>& TraceFields() {
-    using Content = TraceContent;
-    static const Fields<Content> kFields = {
-        {"running", "Running", kFlag, &Content::running},
-        {"file", "File", kText.OrNull(),
-         [](const Content& c) { return c.running ? std::optional(c.file) : std::nullopt; }},
-        {"lost", "Requests lost", kCounter, &Content::lost},
-        {"requests", "Requests", TracedFields(),
-         [](const Content& c) { return std::span<const TracedRequest>(c.requests); },
-         ListLayout::Table, "No requests."},
-    };
-    return kFields;
-}
+const Fields<TraceContent> kTraceFields = {
+    {"running", "Running", kFlag, &TraceContent::running},
+    {"file", "File", kText.OrNull(),
+     [](const TraceContent& c) { return c.running ? std::optional(c.file) : std::nullopt; }},
+    {"lost", "Requests lost", kCounter, &TraceContent::lost},
+    {"requests", "Requests", kTracedFields,
+     [](const TraceContent& c) { return std::span<const TracedRequest>(c.requests); },
+     ListLayout::Table, "No requests."},
+};
 
 struct TraceChange {
     std::string file;
@@ -124,14 +115,11 @@ struct TraceChange {
     uint64_t lost = 0;
 };
 
-const Fields<TraceChange>& TraceChangeFields() {
-    static const Fields<TraceChange> kFields = {
-        {"file", "File", kText, &TraceChange::file},
-        {"requests", "Requests written", kCounter, &TraceChange::requests},
-        {"lost", "Requests lost", kCounter, &TraceChange::lost},
-    };
-    return kFields;
-}
+const Fields<TraceChange> kTraceChangeFields = {
+    {"file", "File", kText, &TraceChange::file},
+    {"requests", "Requests written", kCounter, &TraceChange::requests},
+    {"lost", "Requests lost", kCounter, &TraceChange::lost},
+};
 
 // Everything that the driver has kept up to now; what is asked meanwhile belongs to the next look.
 TraceContent ReadTrace(RunningDriver& driver) {
@@ -209,7 +197,7 @@ ExitCode RunTraceStart(Invocation& invocation) {
         }
         invocation.Changed();
     }
-    invocation.Result() = TraceChangeFields().Make({file, 0, 0});
+    invocation.Result() = kTraceChangeFields.Make({file, 0, 0});
     return ExitCode::Done;
 }
 
@@ -234,22 +222,22 @@ ExitCode RunTraceStop(Invocation& invocation) {
         invocation.Changed();
     }
     invocation.Result() =
-        TraceChangeFields().Make({content.file, content.requests.size(), content.lost});
+        kTraceChangeFields.Make({content.file, content.requests.size(), content.lost});
     return ExitCode::Done;
 }
 
 ExitCode RunTraceShow(Invocation& invocation) {
     RunningDriver driver(invocation, false);
-    invocation.Result() = TraceFields().Make(ReadTrace(driver));
+    invocation.Result() = kTraceFields.Make(ReadTrace(driver));
     return ExitCode::Done;
 }
 
 Shape TraceShape() {
-    return TraceFields().ShapeOfAll();
+    return kTraceFields.ShapeOfAll();
 }
 
 Shape TraceChangeShape() {
-    return TraceChangeFields().ShapeOfAll();
+    return kTraceChangeFields.ShapeOfAll();
 }
 
 constexpr Argument kTraceFile[] = {

@@ -28,12 +28,9 @@ constexpr Argument kCompletionArguments[] = {
     {.name = "SHELL", .help = "powershell or bash", .required = true, .choices = kShells},
 };
 
-const Fields<std::string>& HelpFields() {
-    static const Fields<std::string> kFields = {
-        FieldRow<std::string>::Raw("help", kText, [](const std::string& text) { return text; }),
-    };
-    return kFields;
-}
+const Fields<std::string> kHelpFields = {
+    FieldRow<std::string>::Raw("help", kText, [](const std::string& text) { return text; }),
+};
 
 ExitCode RunHelp(Invocation& invocation) {
     const Tool& tool = invocation.OwnTool();
@@ -42,7 +39,7 @@ ExitCode RunHelp(Invocation& invocation) {
         for (const std::string& wrong : WrongExamples(tool)) {
             invocation.Fail(ExitCode::Internal, "the example of " + wrong);
         }
-        invocation.Result() = HelpFields().Make(MarkdownReference(tool));
+        invocation.Result() = kHelpFields.Make(MarkdownReference(tool));
         return ExitCode::Done;
     }
     std::string topic;
@@ -59,7 +56,7 @@ ExitCode RunHelp(Invocation& invocation) {
                             meant.empty() ? "`help` lists them" : meant);
         }
     }
-    invocation.Result() = HelpFields().Make(HelpText(tool, topic).value_or(""));
+    invocation.Result() = kHelpFields.Make(HelpText(tool, topic).value_or(""));
     return ExitCode::Done;
 }
 
@@ -104,27 +101,21 @@ const char* StatusMeaning::Origin() const {
     return kOrigins[static_cast<size_t>(KindOf(code))];
 }
 
-const Fields<StatusMeaning>& StatusFields() {
-    static const Fields<StatusMeaning> kFields = {
-        {"code", "Status", kText, [](const StatusMeaning& s) { return StatusText(s.code); }},
-        {"name", "Name", kText, [](const StatusMeaning& s) { return StatusName(s.code); }},
-        {"text", "Text", kText, &StatusMeaning::text},
-        {"origin", "Origin", Choice(kOrigins), &StatusMeaning::Origin},
-        {"hint", "Hint", kText.OrNull(), [](const StatusMeaning& s) { return HintOf(s.code); }},
-    };
-    return kFields;
-}
+const Fields<StatusMeaning> kStatusFields = {
+    {"code", "Status", kText, [](const StatusMeaning& s) { return StatusText(s.code); }},
+    {"name", "Name", kText, [](const StatusMeaning& s) { return StatusName(s.code); }},
+    {"text", "Text", kText, &StatusMeaning::text},
+    {"origin", "Origin", Choice(kOrigins), &StatusMeaning::Origin},
+    {"hint", "Hint", kText.OrNull(), [](const StatusMeaning& s) { return HintOf(s.code); }},
+};
 
-const Fields<ExitCodeRow>& ExitCodeFields() {
-    static const Fields<ExitCodeRow> kFields = {
-        {"code", "Exit code", "CODE", kInteger,
-         [](const ExitCodeRow& row) { return Number(row.code); }},
-        {"name", "Name", "NAME", kText, &ExitCodeRow::name},
-        {"meaning", "Meaning", "MEANING", kText, &ExitCodeRow::meaning},
-        {"advice", "What to do", "WHAT TO DO", kText.OrNull(), &ExitCodeRow::advice},
-    };
-    return kFields;
-}
+const Fields<ExitCodeRow> kExitCodeFields = {
+    {"code", "Exit code", "CODE", kInteger,
+     [](const ExitCodeRow& row) { return Number(row.code); }},
+    {"name", "Name", "NAME", kText, &ExitCodeRow::name},
+    {"meaning", "Meaning", "MEANING", kText, &ExitCodeRow::meaning},
+    {"advice", "What to do", "WHAT TO DO", kText.OrNull(), &ExitCodeRow::advice},
+};
 
 struct Explanation {
     std::optional<StatusMeaning> status;
@@ -136,8 +127,8 @@ struct Explanation {
 const Fields<Explanation>& ExplanationFields(ListLayout layout) {
     const auto make = [](ListLayout exits) {
         return Fields<Explanation>{
-            {"status", "Status", StatusFields(), &Explanation::Status, "", kGroup.OrNull()},
-            {"exit_codes", "Exit codes", ExitCodeFields(), &Explanation::exits, exits},
+            {"status", "Status", kStatusFields, &Explanation::Status, "", kGroup.OrNull()},
+            {"exit_codes", "Exit codes", kExitCodeFields, &Explanation::exits, exits},
         };
     };
     static const Fields<Explanation> kTable = make(ListLayout::Table);
@@ -196,18 +187,15 @@ struct Completion {
     std::string script;
 };
 
-const Fields<Completion>& CompletionFields() {
-    static const Fields<Completion> kFields = {
-        {"shell", "", Choice(kShells), &Completion::shell},
-        FieldRow<Completion>::Raw("script", kText, &Completion::script),
-    };
-    return kFields;
-}
+const Fields<Completion> kCompletionFields = {
+    {"shell", "", Choice(kShells), &Completion::shell},
+    FieldRow<Completion>::Raw("script", kText, &Completion::script),
+};
 
 ExitCode RunCompletion(Invocation& invocation) {
     const Tool& tool = invocation.OwnTool();
     const std::string shell = invocation.Given().Text("SHELL");
-    invocation.Result() = CompletionFields().Make(
+    invocation.Result() = kCompletionFields.Make(
         {shell, shell == "bash" ? BashCompletion(tool) : PowerShellCompletion(tool)});
     return ExitCode::Done;
 }
@@ -230,13 +218,13 @@ const Command kCommands[] = {
      .arguments = kHelpArguments,
      .run = RunHelp,
      .example = "help exit",
-     .result = ShapeOf<HelpFields>},
+     .result = ShapeOf<kHelpFields>},
     {.path = "completion",
      .help = "print a completion script for a shell",
      .arguments = kCompletionArguments,
      .run = RunCompletion,
      .example = "completion powershell",
-     .result = ShapeOf<CompletionFields>},
+     .result = ShapeOf<kCompletionFields>},
     {.path = "version",
      .help = "print the versions of the tool and its library",
      .run = RunVersion,

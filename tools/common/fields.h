@@ -2,16 +2,16 @@
 // its values are and where they come from. Text, table, CSV and JSON are made from the record that
 // the table makes, the JSON Schema and the columns of an empty list from the table itself.
 //
-//     const Fields<Port>& PortFields() {
-//         static const Fields<Port> kFields = {
-//             {"index", "Port", "PORT", kInteger, &Port::index},
-//             {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
-//             {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},
-//             {"link", "Link", LinkFields()},
-//             {"luns", "LUNs", LunFields(), &Port::luns, ListLayout::Table, "No LUNs."},
-//         };
-//         return kFields;
-//     }
+//     const Fields<Port> kPortFields = {
+//         {"index", "Port", "PORT", kInteger, &Port::index},
+//         {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
+//         {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},
+//         {"link", "Link", LinkFields()},
+//         {"luns", "LUNs", kLunFields, &Port::luns, ListLayout::Table, "No LUNs."},
+//     };
+//
+// A table that other sources use is the static object of a function (LinkFields), and so are those
+// within it: they are there when the others' are made.
 #pragma once
 
 #include <cstring>
@@ -389,7 +389,7 @@ class AnyFields {
     std::vector<AnyFieldRow> rows_;
 };
 
-// A table. It stands in a function's static object, so that others may refer to it.
+// A table. It stays where it is: others may refer to it.
 template <class Source>
 class Fields : public AnyFields {
   public:
@@ -422,10 +422,15 @@ Fields<Rows> ListOf(const char* key, const char* label, const Fields<Element>& f
     return {{key, label, fields, std::identity(), layout, emptyText, about}};
 }
 
-// The shape of a table, for a row of the command table: .result = tools::ShapeOf<PortFields>.
-template <auto fields>
+// The shape of a table, or of one that a function gives, for a row of the command table:
+// .result = ShapeOf<kPortFields>.
+template <auto& fields>
 Shape ShapeOf() {
-    return fields().ShapeOfAll();
+    if constexpr (std::is_invocable_v<decltype(fields)>) {
+        return fields().ShapeOfAll();
+    } else {
+        return fields.ShapeOfAll();
+    }
 }
 
 // A source that fills step by step. What it holds when it goes becomes the result, so that a

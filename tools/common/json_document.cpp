@@ -80,32 +80,26 @@ Json HeaderOf(const Record& result, bool withLists, Redactor& redactor) {
     return object;
 }
 
-const Fields<Message>& MessageFields() {
-    static constexpr const char* kSeverities[] = {NameOf(Severity::Info), NameOf(Severity::Warning),
-                                                  NameOf(Severity::Error)};
-    static const Fields<Message> kFields = {
-        {"severity", "", Choice(kSeverities), [](const Message& m) { return NameOf(m.severity); }},
-        {"status", "", kText.OrNull(),
-         [](const Message& m) { return m.status ? StatusText(*m.status) : std::string(); },
-         "of the library, or of Windows"},
-        {"name", "", kText.OrNull(),
-         [](const Message& m) { return m.status ? StatusName(*m.status) : std::string(); },
-         "of the status"},
-        {"text", "", kText, &Message::text},
-        {"hint", "", kText.OrNull(), &Message::hint, "what to do"},
-        {"object", "", kText.OrNull(), &Message::object, "what the message is about"},
-    };
-    return kFields;
-}
+constexpr const char* kSeverities[] = {NameOf(Severity::Info), NameOf(Severity::Warning),
+                                       NameOf(Severity::Error)};
+const Fields<Message> kMessageFields = {
+    {"severity", "", Choice(kSeverities), [](const Message& m) { return NameOf(m.severity); }},
+    {"status", "", kText.OrNull(),
+     [](const Message& m) { return m.status ? StatusText(*m.status) : std::string(); },
+     "of the library, or of Windows"},
+    {"name", "", kText.OrNull(),
+     [](const Message& m) { return m.status ? StatusName(*m.status) : std::string(); },
+     "of the status"},
+    {"text", "", kText, &Message::text},
+    {"hint", "", kText.OrNull(), &Message::hint, "what to do"},
+    {"object", "", kText.OrNull(), &Message::object, "what the message is about"},
+};
 
-const Fields<Pending>& PendingFields() {
-    static const Fields<Pending> kFields = {
-        {"object", "", kText, &Pending::object},
-        {"action", "", kText, &Pending::action},
-        {"text", "", kText, &Pending::text},
-    };
-    return kFields;
-}
+const Fields<Pending> kPendingFields = {
+    {"object", "", kText, &Pending::object},
+    {"action", "", kText, &Pending::action},
+    {"text", "", kText, &Pending::text},
+};
 
 template <class Element>
 Json ArrayOf(const Fields<Element>& fields, const std::vector<Element>& elements,
@@ -131,9 +125,9 @@ Json JsonOf(const Envelope& envelope, bool withResult, Redactor& redactor) {
         object["argv"].push_back(redactor.Clean(argument));
     }
     object["result"] = std::move(result);
-    object["messages"] = ArrayOf(MessageFields(), envelope.messages, redactor);
+    object["messages"] = ArrayOf(kMessageFields, envelope.messages, redactor);
     object["changed"] = envelope.changed;
-    object["pending"] = ArrayOf(PendingFields(), envelope.pending, redactor);
+    object["pending"] = ArrayOf(kPendingFields, envelope.pending, redactor);
     object["exit"] = Number(envelope.exit);
     return object;
 }
@@ -165,12 +159,12 @@ Shape EnvelopeShape() {
         {.key = "result",
          .about = "described by the schema named in `schema`; null when there is none",
          .type = kGroup.OrNull()},
-        {.key = "messages", .kind = FieldKind::List, .children = MessageFields().ShapeOfAll()},
+        {.key = "messages", .kind = FieldKind::List, .children = kMessageFields.ShapeOfAll()},
         {.key = "changed", .type = kFlag},
         {.key = "pending",
          .about = "what was changed and takes effect only after the action",
          .kind = FieldKind::List,
-         .children = PendingFields().ShapeOfAll()},
+         .children = kPendingFields.ShapeOfAll()},
         {.key = "exit", .type = exits},
         {.key = "rows",
          .about = "jsonl alone: row lines before this one",

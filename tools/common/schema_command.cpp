@@ -20,22 +20,19 @@ struct Row {
     std::string file;  // where it was written
 };
 
-const Fields<Row>& RowFields() {
-    static const Fields<Row> kFields = {
-        {"name", "", "NAME", kText, [](const Row& row) { return row.schema.name; }},
-        {"title", "", "TITLE", kText, [](const Row& row) { return row.schema.title; }},
-        {"file", "", "", kText.OrAbsent(), &Row::file, "with --folder"},
-        FieldRow<Row>::Raw("text", kText.OrAbsent(), &Row::text, "the schema, with NAME"),
-    };
-    return kFields;
-}
+const Fields<Row> kRowFields = {
+    {"name", "", "NAME", kText, [](const Row& row) { return row.schema.name; }},
+    {"title", "", "TITLE", kText, [](const Row& row) { return row.schema.title; }},
+    {"file", "", "", kText.OrAbsent(), &Row::file, "with --folder"},
+    FieldRow<Row>::Raw("text", kText.OrAbsent(), &Row::text, "the schema, with NAME"),
+};
 
 using Rows = std::vector<Row>;
 
 const Fields<Rows>& ResultFields(ListLayout layout) {
     const auto make = [](ListLayout schemas) {
         return Fields<Rows>{
-            {"schemas", "Schemas", RowFields(), [](const Rows& rows) { return rows; }, schemas},
+            {"schemas", "Schemas", kRowFields, [](const Rows& rows) { return rows; }, schemas},
         };
     };
     static const Fields<Rows> kTable = make(ListLayout::Table);

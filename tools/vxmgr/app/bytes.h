@@ -1,9 +1,6 @@
 // Bytes that came over the wire, and their hexadecimal digits.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "formats/bytes.h"
 #include "vxmgr/app/vocabulary.h"
 

@@ -1,9 +1,6 @@
 // Codes of protocols and their words.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {

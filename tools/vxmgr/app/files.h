@@ -2,8 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "vxmgr/app/bytes.h"
 

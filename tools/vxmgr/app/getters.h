@@ -3,8 +3,6 @@
 
 #include <cstring>
 #include <functional>
-#include <optional>
-#include <string>
 #include <type_traits>
 
 #include "vxmgr/app/vocabulary.h"

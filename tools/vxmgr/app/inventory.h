@@ -1,11 +1,6 @@
 // The adapters and ports of this machine, as the library reports them.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "common/selector.h"
 #include "vxmgr/app/library.h"
 #include "vxmgr/app/vocabulary.h"

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <map>
-#include <string>
-#include <vector>
 
 #include "vxmgr/app/port_walk.h"
 

@@ -1,8 +1,6 @@
 // Reading one port, on a thread that may be left behind.
 #pragma once
 
-#include <string>
-
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/side_by_side.h"
 

@@ -1,8 +1,6 @@
 // One selected port, open: what commands about a single port start with.
 #pragma once
 
-#include <vector>
-
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/app/inventory.h"
 

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/side_by_side.h"

@@ -5,10 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "vxmgr/app/vocabulary.h"
 

@@ -1,9 +1,6 @@
 // Codes of the library's records as people and programs read them.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {

@@ -1,5 +1,12 @@
-// The manager is written in the words of the tools' frame.
+// The manager is written in the words of the tools' frame, and of the standard types that go with
+// them.
 #pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "common/fields.h"
 #include "common/invocation.h"

@@ -3,9 +3,6 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/side_by_side.h"

@@ -1,8 +1,6 @@
 // Editing the stored bindings of a port.
 #pragma once
 
-#include <optional>
-
 #include "hxmgtapi.h"
 #include "vxmgr/app/vocabulary.h"
 

@@ -82,12 +82,9 @@ const Fields<BindRow>& BindRowFields() {
     return kFields;
 }
 
-const Fields<std::vector<BindRow>>& BindListFields() {
-    static const auto kFields = ListOf<std::vector<BindRow>>(
-        "bindings", "Bindings", BindRowFields(), ListLayout::Table, "no bindings",
-        "a binding that is in one store alone has null for the other");
-    return kFields;
-}
+const auto kBindListFields = ListOf<std::vector<BindRow>>(
+    "bindings", "Bindings", BindRowFields(), ListLayout::Table, "no bindings",
+    "a binding that is in one store alone has null for the other");
 
 const HX_DEVICE_RECORD* LiveBindingOf(const Port& port, const KnownTarget* known) {
     return known != nullptr && IsBound(port, *known).value_or(false) ? &known->record : nullptr;
@@ -117,7 +114,7 @@ void AddBindings(PortTargets& targets, const StoreChoice& stores, std::vector<Re
 
 ExitCode BindList(Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
-    Record result = BindListFields().Prototype();
+    Record result = kBindListFields.Prototype();
     const ExitCode exit = ListPortTargets(
         invocation,
         [&](PortTargets& targets, std::vector<Record>* into) {
@@ -145,7 +142,7 @@ CommandRows BindListCommands() {
          .arguments = kListArguments,
          .run = BindList,
          .example = "bind list --store registry",
-         .result = ShapeOf<BindListFields>},
+         .result = ShapeOf<kBindListFields>},
     };
     return kCommands;
 }

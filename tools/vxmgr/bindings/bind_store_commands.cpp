@@ -69,40 +69,33 @@ struct CleanedPort {
 
 using CleanedPorts = std::vector<CleanedPort>;
 
-const Fields<StoredData>& BindStoresFields() {
-    constexpr auto kSerialOrNull = kSerial.OrNull();
-    static const Fields<StoredPort> kPorts = {
-        {"port_wwn", "Port name", "PORT NAME", kWwn, &StoredPort::name},
-        {"present", "Present", "PRESENT", kFlag, &StoredPort::IsPresent},
-        {"port", "Port", "PORT", kInteger.OrNull(), &StoredPort::Index},
-        {"scsi_port", "", kInteger.OrNull(), &StoredPort::ScsiPort},
-        {"adapter_serial", "", kSerialOrNull, &StoredPort::Serial},
-        {"serial", "Adapter", "ADAPTER", kSerialOrNull, &StoredPort::Serial},
-    };
-    static const Fields<Wwn> kTargets = {
-        {"node_wwn", "Node name", "TARGET NODE NAME", kWwn, std::identity()},
-    };
-    static const Fields<StoredData> kFields = {
-        {"ports", "Ports", kPorts, &StoredData::ports, ListLayout::Table, "nothing is stored",
-         "ports that have stored data, of any driver"},
-        {"targets", "Targets", kTargets, &StoredData::targets, ListLayout::Table, "",
-         "targets in any port's stored data"},
-    };
-    return kFields;
-}
+const Fields<StoredPort> kStoredPortFields = {
+    {"port_wwn", "Port name", "PORT NAME", kWwn, &StoredPort::name},
+    {"present", "Present", "PRESENT", kFlag, &StoredPort::IsPresent},
+    {"port", "Port", "PORT", kInteger.OrNull(), &StoredPort::Index},
+    {"scsi_port", "", kInteger.OrNull(), &StoredPort::ScsiPort},
+    {"adapter_serial", "", kSerial.OrNull(), &StoredPort::Serial},
+    {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &StoredPort::Serial},
+};
+const Fields<Wwn> kStoredTargetFields = {
+    {"node_wwn", "Node name", "TARGET NODE NAME", kWwn, std::identity()},
+};
+const Fields<StoredData> kBindStoresFields = {
+    {"ports", "Ports", kStoredPortFields, &StoredData::ports, ListLayout::Table,
+     "nothing is stored", "ports that have stored data, of any driver"},
+    {"targets", "Targets", kStoredTargetFields, &StoredData::targets, ListLayout::Table, "",
+     "targets in any port's stored data"},
+};
 
-const Fields<CleanedPorts>& BindCleanFields() {
-    static constexpr const char* kOutcomes[] = {"planned", "deleted", "failed"};
-    static const Fields<CleanedPort> kPorts = {
-        {"port_wwn", "Port name", "PORT NAME", kWwn, &CleanedPort::name},
-        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), &CleanedPort::outcome},
-    };
-    static const Fields<CleanedPorts> kFields = {
-        {"ports", "Ports", kPorts, std::identity(), ListLayout::Table,
-         "nothing is stored for an absent port"},
-    };
-    return kFields;
-}
+constexpr const char* kCleanOutcomes[] = {"planned", "deleted", "failed"};
+const Fields<CleanedPort> kCleanedPortFields = {
+    {"port_wwn", "Port name", "PORT NAME", kWwn, &CleanedPort::name},
+    {"outcome", "Outcome", "OUTCOME", Choice(kCleanOutcomes), &CleanedPort::outcome},
+};
+const Fields<CleanedPorts> kBindCleanFields = {
+    {"ports", "Ports", kCleanedPortFields, std::identity(), ListLayout::Table,
+     "nothing is stored for an absent port"},
+};
 
 // Ports of which the name is not known could be any of those in the store.
 const Port* FirstNameless(const std::vector<Port>& ports) {
@@ -209,7 +202,7 @@ ExitCode BindStores(Invocation& invocation) {
         invocation.Warn(nameless->Object() +
                         ": the port's name cannot be read: it may be shown as absent");
     }
-    invocation.Result() = BindStoresFields().Make(data);
+    invocation.Result() = kBindStoresFields.Make(data);
     return ExitCode::Done;
 }
 
@@ -231,7 +224,7 @@ ExitCode BindClean(Invocation& invocation) {
         rows.push_back({name, planned ? "planned" : deleted ? "deleted" : "failed"});
     }
     const bool all = failures == rows.size();
-    invocation.Result() = BindCleanFields().Make(rows);
+    invocation.Result() = kBindCleanFields.Make(rows);
     if (names.empty()) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -248,14 +241,14 @@ CommandRows BindStoreCommands() {
          .help = "list the ports that have stored data, absent ones among them",
          .run = BindStores,
          .example = "bind stores",
-         .result = ShapeOf<BindStoresFields>},
+         .result = ShapeOf<kBindStoresFields>},
         {.path = "bind clean",
          .risk = Risk::InterruptsIo,
          .help = "delete the stored data of absent ports",
          .arguments = kCleanArguments,
          .run = BindClean,
          .example = "bind clean 21:00:02:45:4d:00:09:00",
-         .result = ShapeOf<BindCleanFields>},
+         .result = ShapeOf<kBindCleanFields>},
     };
     return kCommands;
 }

@@ -46,33 +46,25 @@ std::optional<size_t> CountIn(const MaskRow& row) {
     return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
 }
 
-const Fields<MaskRow>& MaskFields() {
-    constexpr auto kTextOrNull = kText.OrNull();
-    constexpr auto kNumberOrNull = kInteger.OrNull();
-    static const Fields<MaskRow> kFields = {
-        {PortKeys(), &MaskRow::port},
-        {"serial", "Adapter", kSerial.OrNull(), &MaskRow::Serial},
-        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), NameIn<&MaskRow::portName>,
-         "port name; null in the row of a port that failed"},
-        {"node_wwn", "Node name", kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
-        {"masked_live", "Masked live", "MASKED LIVE", kTextOrNull, LunsIn<&MaskRow::live>,
-         "LUNs as in 0-7,12; empty when none is masked, null when there is no mask"},
-        {"masked_live_count", "LUNs masked live", kNumberOrNull, CountIn<&MaskRow::live>},
-        {"masked_stored", "Masked in the store", "MASKED IN THE STORE", kTextOrNull,
-         LunsIn<&MaskRow::stored>},
-        {"masked_stored_count", "LUNs masked in the store", kNumberOrNull,
-         CountIn<&MaskRow::stored>},
-        {"status", "Status", kTextOrNull,
-         [](const MaskRow& row) { return StatusValue(row.port->failure); }},
-    };
-    return kFields;
-}
+const Fields<MaskRow> kMaskFields = {
+    {PortKeys(), &MaskRow::port},
+    {"serial", "Adapter", kSerial.OrNull(), &MaskRow::Serial},
+    {"target_wwn", "Target", "TARGET", kWwn.OrNull(), NameIn<&MaskRow::portName>,
+     "port name; null in the row of a port that failed"},
+    {"node_wwn", "Node name", kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
+    {"masked_live", "Masked live", "MASKED LIVE", kText.OrNull(), LunsIn<&MaskRow::live>,
+     "LUNs as in 0-7,12; empty when none is masked, null when there is no mask"},
+    {"masked_live_count", "LUNs masked live", kInteger.OrNull(), CountIn<&MaskRow::live>},
+    {"masked_stored", "Masked in the store", "MASKED IN THE STORE", kText.OrNull(),
+     LunsIn<&MaskRow::stored>},
+    {"masked_stored_count", "LUNs masked in the store", kInteger.OrNull(),
+     CountIn<&MaskRow::stored>},
+    {"status", "Status", kText.OrNull(),
+     [](const MaskRow& row) { return StatusValue(row.port->failure); }},
+};
 
-const Fields<std::vector<MaskRow>>& MaskListFields() {
-    static const auto kFields = ListOf<std::vector<MaskRow>>("masks", "LUN masks", MaskFields(),
-                                                             ListLayout::Table, "no LUN masks");
-    return kFields;
-}
+const auto kMaskListFields = ListOf<std::vector<MaskRow>>("masks", "LUN masks", kMaskFields,
+                                                          ListLayout::Table, "no LUN masks");
 
 // Targets that the driver knows, then those that are stored alone.
 void AddMasks(Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
@@ -83,7 +75,7 @@ void AddMasks(Invocation& invocation, PortTargets& targets, const StoreChoice& s
                             : std::nullopt;
     const auto addWanted = [&](const MaskRow& row) {
         if (!invocation.Given().Has("target") || (chosen && chosen->portName == row.portName)) {
-            rows->push_back(MaskFields().Make(row));
+            rows->push_back(kMaskFields.Make(row));
         }
     };
     for (const KnownTarget& known : targets.known) {
@@ -209,7 +201,7 @@ ExitCode ChangeMask(Invocation& invocation) {
 ExitCode LunMaskShow(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
-    Record result = MaskListFields().Prototype();
+    Record result = kMaskListFields.Prototype();
     std::vector<Record>& rows = result.MainList()->records;
     const ExitCode exit = ListPortTargets(
         invocation,
@@ -219,7 +211,7 @@ ExitCode LunMaskShow(Invocation& invocation) {
             }
             AddMasks(invocation, targets, stores, into);
         },
-        [](const Port& port) { return MaskFields().Make({&port}); }, &rows);
+        [](const Port& port) { return kMaskFields.Make({&port}); }, &rows);
     const bool none = rows.empty() && invocation.Given().Has("target");
     invocation.Result() = std::move(result);
     if (none) {
@@ -240,7 +232,7 @@ CommandRows LunmaskCommands() {
          .arguments = kShowArguments,
          .run = LunMaskShow,
          .example = "lunmask show -p scsi:3",
-         .result = ShapeOf<MaskListFields>},
+         .result = ShapeOf<kMaskListFields>},
         {.path = "lunmask allow",
          .risk = Risk::Reversible,
          .help = "let the host see LUNs of a target",

@@ -15,13 +15,10 @@ struct BitRun {
     uint8_t bits;
 };
 
-const Fields<BitRun>& BitRunFields() {
-    static const Fields<BitRun> kFields = {
-        {"luns", "", kText, [](const BitRun& run) { return RangeText(run.luns); }},
-        {"bits", "", kText, [](const BitRun& run) { return Hex(run.bits, 2); }, "0x01 to 0x7f"},
-    };
-    return kFields;
-}
+const Fields<BitRun> kBitRunFields = {
+    {"luns", "", kText, [](const BitRun& run) { return RangeText(run.luns); }},
+    {"bits", "", kText, [](const BitRun& run) { return Hex(run.bits, 2); }, "0x01 to 0x7f"},
+};
 
 // Those without any other bits are left out.
 std::optional<std::vector<BitRun>> BitRunsOf(const HX_LUN_RECORD& record) {
@@ -55,7 +52,7 @@ void ReadBitRuns(const DocumentObject& row, HX_LUN_RECORD& record) {
         return;
     }
     LunSet seen;
-    const Shape known = BitRunFields().ShapeOfAll();
+    const Shape known = kBitRunFields.ShapeOfAll();
     for (const DocumentObject& run : row.Objects("other_bits")) {
         run.Close(known);
         const LunSet luns = ReadLuns(run, "luns");
@@ -87,7 +84,7 @@ const StoredDocument<HX_LUN_DATA>& MasksDocument() {
              [](const DocumentObject& row, Record& record) {
                  SetMasked(ReadLuns(row, "masked"), record);
              }},
-            {{"other_bits", "", BitRunFields(), BitRunsOf, ListLayout::Table, "",
+            {{"other_bits", "", kBitRunFields, BitRunsOf, ListLayout::Table, "",
               "the other bits of the LUN bytes; left out when they are zero"},
              ReadBitRuns},
             BytesField("reserved16", &Record::reserved16),

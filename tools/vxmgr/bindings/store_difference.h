@@ -1,9 +1,6 @@
 // What an import changes: targets that come, go or become different.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "hxmgtapi.h"
 #include "vxmgr/app/vocabulary.h"
 

@@ -2,11 +2,7 @@
 // wrong throws DocumentError with the place in the document.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "hxmgtapi.h"
 #include "vxmgr/app/bytes.h"

@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/bindings/store_blocks.h"

@@ -1,9 +1,6 @@
 // What a change does, one row per store and target: a row that fails leaves the others standing.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "vxmgr/app/port_fields.h"
 
 namespace vxmgr {

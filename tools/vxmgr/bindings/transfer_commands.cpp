@@ -97,15 +97,11 @@ struct ImportResult {
     std::optional<std::vector<StoreStep>> steps;
 };
 
-const Fields<ExportResult>& ExportFields() {
-    static const Fields<ExportResult> kFields = {
-        {PortKeys(kPortIndex | kPortName), &ExportResult::port},
-        {"file", "File", kText, &ExportResult::file},
-        {"targets", "Targets", kInteger, &ExportResult::targets,
-         "number of targets in the document"},
-    };
-    return kFields;
-}
+const Fields<ExportResult> kExportFields = {
+    {PortKeys(kPortIndex | kPortName), &ExportResult::port},
+    {"file", "File", kText, &ExportResult::file},
+    {"targets", "Targets", kInteger, &ExportResult::targets, "number of targets in the document"},
+};
 
 // An import that leaves the store alone has nothing to say of it.
 template <bool toStore>
@@ -140,7 +136,7 @@ ExitCode Export(Invocation& invocation) {
     const auto count =
         std::count_if(rows.begin(), rows.end(), [](const auto& row) { return !IsFree(row); });
     invocation.Result() =
-        ExportFields().Make({&targets.OwnPort(), path, static_cast<size_t>(count)});
+        kExportFields.Make({&targets.OwnPort(), path, static_cast<size_t>(count)});
     if (invocation.Names().Enabled()) {
         invocation.Note("the document itself has the names: --redact masks the output alone");
     }
@@ -281,7 +277,7 @@ CommandRows BindTransferCommands() {
          .arguments = kExportArguments,
          .run = Export<kBindings>,
          .example = "bind export bindings.json -p scsi:3",
-         .result = ShapeOf<ExportFields>},
+         .result = ShapeOf<kExportFields>},
         {.path = "bind import",
          .risk = Risk::Reversible,
          .help = "take a port's bindings from a document",
@@ -300,7 +296,7 @@ CommandRows LunmaskTransferCommands() {
          .arguments = kExportArguments,
          .run = Export<kMasks>,
          .example = "lunmask export masks.json -p scsi:3",
-         .result = ShapeOf<ExportFields>},
+         .result = ShapeOf<kExportFields>},
         {.path = "lunmask import",
          .risk = Risk::InterruptsIo,
          .help = "take a port's LUN masks from a document",

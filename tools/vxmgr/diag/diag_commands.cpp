@@ -90,23 +90,20 @@ struct LoopbackResult {
     std::optional<LoopbackOutcome> outcome;
 };
 
-const Fields<LoopbackResult>& LoopbackFields() {
-    static const Fields<LoopbackOutcome> kOutcome = {
-        {"completion", "Completion", kText, &LoopbackOutcome::Completion},
-        {"size", "Size", Integer("bytes").OrNull(), &LoopbackOutcome::size},
-        {"wrong_bytes", "Wrong bytes", kInteger, &LoopbackOutcome::wrongBytes},
-        {"crc_errors", "CRC errors", kInteger, &LoopbackOutcome::Counter<0>},
-        {"disparity_errors", "Disparity errors", kInteger, &LoopbackOutcome::Counter<1>},
-        {"frame_length_errors", "Frame length errors", kInteger, &LoopbackOutcome::Counter<2>},
-        {"iterations", "Iterations done", kInteger, &LoopbackOutcome::Iterations},
-    };
-    static const Fields<LoopbackResult> kFields = {
-        {PortKeys(), &LoopbackResult::port},
-        {"tested", "Tested", kFlag, &LoopbackResult::tested},
-        {kOutcome, &LoopbackResult::outcome},
-    };
-    return kFields;
-}
+const Fields<LoopbackOutcome> kLoopbackOutcome = {
+    {"completion", "Completion", kText, &LoopbackOutcome::Completion},
+    {"size", "Size", Integer("bytes").OrNull(), &LoopbackOutcome::size},
+    {"wrong_bytes", "Wrong bytes", kInteger, &LoopbackOutcome::wrongBytes},
+    {"crc_errors", "CRC errors", kInteger, &LoopbackOutcome::Counter<0>},
+    {"disparity_errors", "Disparity errors", kInteger, &LoopbackOutcome::Counter<1>},
+    {"frame_length_errors", "Frame length errors", kInteger, &LoopbackOutcome::Counter<2>},
+    {"iterations", "Iterations done", kInteger, &LoopbackOutcome::Iterations},
+};
+const Fields<LoopbackResult> kLoopbackFields = {
+    {PortKeys(), &LoopbackResult::port},
+    {"tested", "Tested", kFlag, &LoopbackResult::tested},
+    {kLoopbackOutcome, &LoopbackResult::outcome},
+};
 
 struct DportResult {
     const Port* port;
@@ -114,14 +111,11 @@ struct DportResult {
     std::optional<std::vector<HexRow>> data;
 };
 
-const Fields<DportResult>& DportFields() {
-    static const Fields<DportResult> kFields = {
-        {PortKeys(), &DportResult::port},
-        {DportOutcomeFields(), &DportResult::outcome},
-        {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
-    };
-    return kFields;
-}
+const Fields<DportResult> kDportFields = {
+    {PortKeys(), &DportResult::port},
+    {DportOutcomeFields(), &DportResult::outcome},
+    {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
+};
 
 struct MailboxRegister {
     size_t number;
@@ -134,19 +128,16 @@ struct MailboxResult {
     std::optional<std::vector<MailboxRegister>> registers;
 };
 
-const Fields<MailboxResult>& MailboxFields() {
-    static const Fields<MailboxRegister> kRegister = {
-        {"register", "Register", "REGISTER", kInteger, &MailboxRegister::number},
-        {"value", "Value", "VALUE", Hexadecimal(4), &MailboxRegister::value},
-    };
-    static const Fields<MailboxResult> kFields = {
-        {PortKeys(), &MailboxResult::port},
-        {"command", "Command", Hexadecimal(4), &MailboxResult::command},
-        {"registers", "Registers", kRegister, &MailboxResult::registers, ListLayout::Table,
-         "no registers"},
-    };
-    return kFields;
-}
+const Fields<MailboxRegister> kMailboxRegister = {
+    {"register", "Register", "REGISTER", kInteger, &MailboxRegister::number},
+    {"value", "Value", "VALUE", Hexadecimal(4), &MailboxRegister::value},
+};
+const Fields<MailboxResult> kMailboxFields = {
+    {PortKeys(), &MailboxResult::port},
+    {"command", "Command", Hexadecimal(4), &MailboxResult::command},
+    {"registers", "Registers", kMailboxRegister, &MailboxResult::registers, ListLayout::Table,
+     "no registers"},
+};
 
 ExitCode DiagLoopback(Invocation& invocation) {
     const Options& given = invocation.Given();
@@ -154,7 +145,7 @@ ExitCode DiagLoopback(Invocation& invocation) {
     const auto iterations = static_cast<uint32_t>(given.Number("iterations").value_or(1));
     const auto options = static_cast<uint16_t>(given.Number("options").value_or(0));
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult<LoopbackResult> result(invocation.Result(), LoopbackFields(),
+    GrowingResult<LoopbackResult> result(invocation.Result(), kLoopbackFields,
                                          {&session.port, false, {}});
     if (session.port.driverVersionCode < kLoopbackDriver) {
         invocation.Fail(ExitCode::NotSupported,
@@ -192,7 +183,7 @@ ExitCode DiagDport(Invocation& invocation) {
     constexpr std::chrono::milliseconds kPoll{500};
     constexpr int kLongest = 600;  // polls: five minutes
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult<DportResult> result(invocation.Result(), DportFields(), {&session.port, {}, {}});
+    GrowingResult<DportResult> result(invocation.Result(), kDportFields, {&session.port, {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: a D-port test would run");
         return ExitCode::Done;
@@ -232,7 +223,7 @@ ExitCode DiagMailbox(Invocation& invocation) {
     const std::vector<uint16_t> registers = GivenRegisters(invocation);
     const auto wanted = static_cast<size_t>(invocation.Given().Number("registers").value_or(8));
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult<MailboxResult> result(invocation.Result(), MailboxFields(),
+    GrowingResult<MailboxResult> result(invocation.Result(), kMailboxFields,
                                         {&session.port, registers[0], {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the mailbox command would be sent");
@@ -265,20 +256,20 @@ CommandRows DiagCommands() {
          .arguments = kLoopbackArguments,
          .run = DiagLoopback,
          .example = "diag loopback --size 512 --iterations 10 -p scsi:3",
-         .result = ShapeOf<LoopbackFields>},
+         .result = ShapeOf<kLoopbackFields>},
         {.path = "diag dport",
          .risk = Risk::InterruptsIo,
          .help = "run a D-port test and show its results",
          .run = DiagDport,
          .example = "diag dport -p scsi:3",
-         .result = ShapeOf<DportFields>},
+         .result = ShapeOf<kDportFields>},
         {.path = "diag mailbox",
          .risk = Risk::Irrecoverable,
          .help = "send a raw firmware mailbox command",
          .arguments = kMailboxArguments,
          .run = DiagMailbox,
          .example = "diag mailbox 0x08 -p scsi:3",
-         .result = ShapeOf<MailboxFields>},
+         .result = ShapeOf<kMailboxFields>},
     };
     return kCommands;
 }

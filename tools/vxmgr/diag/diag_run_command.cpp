@@ -1,6 +1,5 @@
 // diag run: every check that does no harm.
 #include <map>
-#include <optional>
 
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_walk.h"

@@ -1,9 +1,6 @@
 // The results of a D-port test in words.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "hxmgtapi.h"
 #include "vxmgr/app/vocabulary.h"
 

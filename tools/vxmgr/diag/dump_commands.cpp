@@ -100,29 +100,23 @@ struct SavedDump {
     uint64_t size;
 };
 
-const Fields<SavedDump>& SavedDumpFields() {
-    static const Fields<SavedDump> kFields = {
-        {PortKeys(), &SavedDump::port},
-        {"kind", "Kind", kText, [](const SavedDump& saved) { return saved.kind->name; }},
-        {"file", "File", kText, &SavedDump::file},
-        {"size", "Size", kInteger.OrNull(),
-         [](const SavedDump& saved) { return DumpSizeValue(saved.size); }},
-    };
-    return kFields;
-}
+const Fields<SavedDump> kSavedDumpFields = {
+    {PortKeys(), &SavedDump::port},
+    {"kind", "Kind", kText, [](const SavedDump& saved) { return saved.kind->name; }},
+    {"file", "File", kText, &SavedDump::file},
+    {"size", "Size", kInteger.OrNull(),
+     [](const SavedDump& saved) { return DumpSizeValue(saved.size); }},
+};
 
 struct DumpTaken {
     const Port* port;
     std::optional<bool> taken;
 };
 
-const Fields<DumpTaken>& DumpTakenFields() {
-    static const Fields<DumpTaken> kFields = {
-        {PortKeys(), &DumpTaken::port},
-        {"taken", "Dump taken", kFlag.OrAbsent(), &DumpTaken::taken},
-    };
-    return kFields;
-}
+const Fields<DumpTaken> kDumpTakenFields = {
+    {PortKeys(), &DumpTaken::port},
+    {"taken", "Dump taken", kFlag.OrAbsent(), &DumpTaken::taken},
+};
 
 // How long the text became.
 uint64_t SaveText(Invocation& invocation, const PortSession& session, const std::string& path) {
@@ -164,7 +158,7 @@ uint64_t SaveBytes(Invocation& invocation, const PortSession& session, const Dum
 
 ExitCode DumpTake(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult<DumpTaken> result(invocation.Result(), DumpTakenFields(), {&session.port, {}});
+    GrowingResult<DumpTaken> result(invocation.Result(), kDumpTakenFields, {&session.port, {}});
     if (invocation.DryRun()) {
         result.taken = false;
         invocation.Note("dry run: a firmware dump would be taken");
@@ -195,7 +189,7 @@ ExitCode DumpSave(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const uint64_t size =
         asText ? SaveText(invocation, session, path) : SaveBytes(invocation, session, kind, path);
-    invocation.Result() = SavedDumpFields().Make({&session.port, &kind, path, size});
+    invocation.Result() = kSavedDumpFields.Make({&session.port, &kind, path, size});
     return ExitCode::Done;
 }
 
@@ -231,13 +225,13 @@ CommandRows DumpCommands() {
          .arguments = kSaveArguments,
          .run = DumpSave,
          .example = "dump save fc firmware.dmp -p scsi:3",
-         .result = ShapeOf<SavedDumpFields>},
+         .result = ShapeOf<kSavedDumpFields>},
         {.path = "dump take",
          .risk = Risk::InterruptsIo,
          .help = "have the firmware make a dump now",
          .run = DumpTake,
          .example = "dump take -p scsi:3",
-         .result = ShapeOf<DumpTakenFields>},
+         .result = ShapeOf<kDumpTakenFields>},
     };
     return kCommands;
 }

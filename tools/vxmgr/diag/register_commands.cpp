@@ -36,18 +36,14 @@ struct RegisterResult {
     }
 };
 
-const Fields<RegisterResult>& RegisterFields() {
-    using Result = RegisterResult;
-    static const Fields<Result> kFields = {
-        {PortKeys(), &Result::port},
-        {"space", "Registers of", kText, &Result::Space},
-        {"address", "Address", kText, &Result::Address},
-        {"value", "Value", kText.OrNull(), &Result::Contents<&Result::value>},
-        {"previous", "Before", kText.OrNull().Quiet(), &Result::Contents<&Result::previous>,
-         "before a write"},
-    };
-    return kFields;
-}
+const Fields<RegisterResult> kRegisterFields = {
+    {PortKeys(), &RegisterResult::port},
+    {"space", "Registers of", kText, &RegisterResult::Space},
+    {"address", "Address", kText, &RegisterResult::Address},
+    {"value", "Value", kText.OrNull(), &RegisterResult::Contents<&RegisterResult::value>},
+    {"previous", "Before", kText.OrNull().Quiet(),
+     &RegisterResult::Contents<&RegisterResult::previous>, "before a write"},
+};
 
 HX_STATUS ReadRegister(uint32_t handle, const RegisterSpace& space, uint32_t address,
                        uint32_t* value) {
@@ -136,7 +132,7 @@ ExitCode RegisterRead(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const uint32_t value = MustRead(invocation, session, given);
     invocation.Result() =
-        RegisterFields().Make({&session.port, given.space, given.choice.address, value, {}});
+        kRegisterFields.Make({&session.port, given.space, given.choice.address, value, {}});
     return ExitCode::Done;
 }
 
@@ -145,7 +141,7 @@ ExitCode RegisterWrite(Invocation& invocation) {
     const uint32_t wanted = *given.choice.value;
     const PortSession session = OpenSelectedPort(invocation);
     GrowingResult<RegisterResult> result(
-        invocation.Result(), RegisterFields(),
+        invocation.Result(), kRegisterFields,
         {&session.port, given.space, given.choice.address, {}, {}});
     result.value = result.previous = MustRead(invocation, session, given);
     const std::string what = RegisterName(given);
@@ -182,7 +178,7 @@ CommandRows RegisterCommands() {
          .arguments = kRegisterReadArguments,
          .run = RegisterRead,
          .example = "diag register read serdes:0 0x10 -p scsi:3",
-         .result = ShapeOf<RegisterFields>},
+         .result = ShapeOf<kRegisterFields>},
         {.path = "diag register write",
          .risk = Risk::Irrecoverable,
          .help = "write a register of the SerDes or of the retimer",
@@ -190,7 +186,7 @@ CommandRows RegisterCommands() {
          .arguments = kRegisterWriteArguments,
          .run = RegisterWrite,
          .example = "diag register write serdes:0 0x10=0x320 -p scsi:3",
-         .result = ShapeOf<RegisterFields>},
+         .result = ShapeOf<kRegisterFields>},
     };
     return kCommands;
 }

@@ -57,26 +57,23 @@ struct FabricNamesResult {
     std::vector<FabricNameRow> names;
 };
 
-const Fields<FabricNamesResult>& FabricNamesFields() {
-    using Row = FabricNameRow;
-    static const Fields<Row> kNames = {
-        {"port_id", "Port ID", "PORT ID", Hexadecimal(6), &Row::portId},
-        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), &Row::portName},
-        {"node_wwn", "Node name", "NODE NAME", kWwn.OrNull(), &Row::nodeName},
-        {"type", "Type", "TYPE", kText, [](const Row& row) { return PortTypeName(row.type); }},
-        {"protocols", "Protocols", "PROTOCOLS", kText.OrNull(), &Row::protocols},
-        {"own", "This port", "THIS PORT", kFlag, &Row::own},
-        {"symbolic_port", "Symbolic port name", "SYMBOLIC NAME", kText.OrNull(),
-         &Row::symbolicPort},
-        {"symbolic_node", "Symbolic node name", kText.OrNull(), &Row::symbolicNode},
-    };
-    static const Fields<FabricNamesResult> kFields = {
-        {PortKeys(kNoPortKey), &FabricNamesResult::port},
-        {"ports", "Ports", kNames, &FabricNamesResult::names, ListLayout::Table,
-         "the name server knows no ports"},
-    };
-    return kFields;
-}
+const Fields<FabricNameRow> kFabricNameFields = {
+    {"port_id", "Port ID", "PORT ID", Hexadecimal(6), &FabricNameRow::portId},
+    {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), &FabricNameRow::portName},
+    {"node_wwn", "Node name", "NODE NAME", kWwn.OrNull(), &FabricNameRow::nodeName},
+    {"type", "Type", "TYPE", kText,
+     [](const FabricNameRow& row) { return PortTypeName(row.type); }},
+    {"protocols", "Protocols", "PROTOCOLS", kText.OrNull(), &FabricNameRow::protocols},
+    {"own", "This port", "THIS PORT", kFlag, &FabricNameRow::own},
+    {"symbolic_port", "Symbolic port name", "SYMBOLIC NAME", kText.OrNull(),
+     &FabricNameRow::symbolicPort},
+    {"symbolic_node", "Symbolic node name", kText.OrNull(), &FabricNameRow::symbolicNode},
+};
+const Fields<FabricNamesResult> kFabricNamesFields = {
+    {PortKeys(kNoPortKey), &FabricNamesResult::port},
+    {"ports", "Ports", kFabricNameFields, &FabricNamesResult::names, ListLayout::Table,
+     "the name server knows no ports"},
+};
 
 // port_wwn is here that of the port that answered.
 struct FabricNodeResult {
@@ -84,18 +81,14 @@ struct FabricNodeResult {
     NodeIdentification node;
 };
 
-const Fields<FabricNodeResult>& FabricNodeFields() {
-    using Result = FabricNodeResult;
-    static const Fields<Result> kFields = {
-        {"port", "", kInteger, [](const Result& result) { return result.port->index; }},
-        {"scsi_port", "", kInteger.OrNull(),
-         [](const Result& result) { return result.port->scsiPort; }},
-        {"adapter_serial", "", kSerial.OrNull(),
-         [](const Result& result) { return result.port->Serial(); }},
-        {NodeIdentificationFields(), &Result::node},
-    };
-    return kFields;
-}
+const Fields<FabricNodeResult> kFabricNodeFields = {
+    {"port", "", kInteger, [](const FabricNodeResult& result) { return result.port->index; }},
+    {"scsi_port", "", kInteger.OrNull(),
+     [](const FabricNodeResult& result) { return result.port->scsiPort; }},
+    {"adapter_serial", "", kSerial.OrNull(),
+     [](const FabricNodeResult& result) { return result.port->Serial(); }},
+    {NodeIdentificationFields(), &FabricNodeResult::node},
+};
 
 struct RemoteErrorsResult {
     const Port* port;
@@ -103,15 +96,12 @@ struct RemoteErrorsResult {
     std::optional<LinkErrors> errors;
 };
 
-const Fields<RemoteErrorsResult>& RemoteErrorsFields() {
-    using Result = RemoteErrorsResult;
-    static const Fields<Result> kFields = {
-        {PortKeys(kNoPortKey), &Result::port},
-        {"port_id", "Port ID", Hexadecimal(6), &Result::portId, "of the port that answered"},
-        {"errors", "Link errors", LinkErrorsFields(), &Result::errors, "", kGroup},
-    };
-    return kFields;
-}
+const Fields<RemoteErrorsResult> kRemoteErrorsFields = {
+    {PortKeys(kNoPortKey), &RemoteErrorsResult::port},
+    {"port_id", "Port ID", Hexadecimal(6), &RemoteErrorsResult::portId,
+     "of the port that answered"},
+    {"errors", "Link errors", LinkErrorsFields(), &RemoteErrorsResult::errors, "", kGroup},
+};
 
 struct EchoResult {
     const Port* port;
@@ -130,18 +120,15 @@ struct EchoResult {
     uint64_t Mean() const { return sum / count; }
 };
 
-const Fields<EchoResult>& EchoFields() {
-    static const Fields<EchoResult> kFields = {
-        {PortKeys(kNoPortKey), &EchoResult::port},
-        {"sent", "Sent", kInteger, &EchoResult::count},
-        {"good", "Came back unchanged", kInteger, &EchoResult::good},
-        {"size", "Size", Integer("bytes").OrNull(), &EchoResult::size},
-        {"least_us", "Shortest", Integer("us"), &EchoResult::least},
-        {"mean_us", "Mean", Integer("us"), &EchoResult::Mean},
-        {"most_us", "Longest", Integer("us"), &EchoResult::most},
-    };
-    return kFields;
-}
+const Fields<EchoResult> kEchoFields = {
+    {PortKeys(kNoPortKey), &EchoResult::port},
+    {"sent", "Sent", kInteger, &EchoResult::count},
+    {"good", "Came back unchanged", kInteger, &EchoResult::good},
+    {"size", "Size", Integer("bytes").OrNull(), &EchoResult::size},
+    {"least_us", "Shortest", Integer("us"), &EchoResult::least},
+    {"mean_us", "Mean", Integer("us"), &EchoResult::Mean},
+    {"most_us", "Longest", Integer("us"), &EchoResult::most},
+};
 
 // What came back, saved or shown.
 struct FabricResponse {
@@ -149,13 +136,10 @@ struct FabricResponse {
     std::optional<std::vector<HexRow>> data;
 };
 
-const Fields<FabricResponse>& FabricResponseFields() {
-    static const Fields<FabricResponse> kFields = {
-        {"file", "File", kText.OrAbsent(), &FabricResponse::file},
-        {"data", "Response", HexRowFields(), &FabricResponse::data, ListLayout::Table, "no data"},
-    };
-    return kFields;
-}
+const Fields<FabricResponse> kFabricResponseFields = {
+    {"file", "File", kText.OrAbsent(), &FabricResponse::file},
+    {"data", "Response", HexRowFields(), &FabricResponse::data, ListLayout::Table, "no data"},
+};
 
 FabricResponse TakeResponse(Invocation& invocation, Bytes response) {
     const std::string path = invocation.Given().Text("out-file");
@@ -191,7 +175,7 @@ const Fields<CtResult>& CtResultFields() {
         {"command", "Command", Hexadecimal(4), command},
         {"sent", "Sent", Integer("bytes"), &CtResult::sent},
         {kAnswer, &CtResult::answer},
-        {FabricResponseFields(), &CtResult::response},
+        {kFabricResponseFields, &CtResult::response},
     };
     return kFields;
 }
@@ -204,17 +188,13 @@ struct ElsResult {
     FabricResponse response;
 };
 
-const Fields<ElsResult>& ElsResultFields() {
-    static const Fields<ElsResult> kFields = {
-        {PortKeys(kNoPortKey), &ElsResult::port},
-        {"request", "Request", kText,
-         [](const ElsResult& result) { return ElsName(result.request); }},
-        {"sent", "Sent", Integer("bytes"), &ElsResult::sent},
-        {"response", "Response", kText.OrAbsent(), &ElsResult::answer},
-        {FabricResponseFields(), &ElsResult::response},
-    };
-    return kFields;
-}
+const Fields<ElsResult> kElsResultFields = {
+    {PortKeys(kNoPortKey), &ElsResult::port},
+    {"request", "Request", kText, [](const ElsResult& result) { return ElsName(result.request); }},
+    {"sent", "Sent", Integer("bytes"), &ElsResult::sent},
+    {"response", "Response", kText.OrAbsent(), &ElsResult::answer},
+    {kFabricResponseFields, &ElsResult::response},
+};
 
 // Walks the name server from the lowest identifier until it starts over.
 std::vector<NamedPort> WalkNames(Invocation& invocation, const PortSession& session) {
@@ -259,7 +239,7 @@ ExitCode FabricNames(Invocation& invocation) {
     for (const NamedPort& port : WalkNames(invocation, session)) {
         result.names.push_back({port, own == port.portId});
     }
-    invocation.Result() = FabricNamesFields().Make(result);
+    invocation.Result() = kFabricNamesFields.Make(result);
     return ExitCode::Done;
 }
 
@@ -280,8 +260,7 @@ ExitCode FabricNode(Invocation& invocation) {
     if (status != HXMGT_SUCCESS) {
         return LinkServiceFailed(invocation, session, status, "RNID", {});
     }
-    invocation.Result() =
-        FabricNodeFields().Make({&session.port, DecodeNodeIdentification(answer)});
+    invocation.Result() = kFabricNodeFields.Make({&session.port, DecodeNodeIdentification(answer)});
     return ExitCode::Done;
 }
 
@@ -298,7 +277,7 @@ ExitCode FabricLinkErrors(Invocation& invocation) {
                                  status == HXMGT_SUCCESS ? HXMGT_ELS_REJECTED : status, "RLS",
                                  answer);
     }
-    invocation.Result() = RemoteErrorsFields().Make({&session.port, portId, errors});
+    invocation.Result() = kRemoteErrorsFields.Make({&session.port, portId, errors});
     return ExitCode::Done;
 }
 
@@ -323,7 +302,7 @@ ExitCode FabricEcho(Invocation& invocation) {
         result.good += IsEchoOf(request, answer) ? 1 : 0;
         result.Add(static_cast<uint64_t>(time.count()));
     }
-    invocation.Result() = EchoFields().Make(result);
+    invocation.Result() = kEchoFields.Make(result);
     if (result.good != count) {
         invocation.Fail(ExitCode::Failed, std::to_string(count - result.good) +
                                               " answers did not hold the data that was sent");
@@ -369,7 +348,7 @@ ExitCode FabricEls(Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, "the request is empty");
     }
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult<ElsResult> result(invocation.Result(), ElsResultFields(),
+    GrowingResult<ElsResult> result(invocation.Result(), kElsResultFields,
                                     {&session.port, request[0], request.size(), {}, {}});
     if (invocation.DryRun()) {
         invocation.Note("dry run: the request would be sent");
@@ -396,25 +375,25 @@ CommandRows FcCommands() {
          .help = "list what the fabric's name server knows",
          .run = FabricNames,
          .example = "fc names -p scsi:3",
-         .result = ShapeOf<FabricNamesFields>},
+         .result = ShapeOf<kFabricNamesFields>},
         {.path = "fc rnid",
          .help = "ask a remote port, or the switch, what it is",
          .arguments = kNodeArguments,
          .run = FabricNode,
          .example = "fc rnid -t id:0x020000 -p scsi:3",
-         .result = ShapeOf<FabricNodeFields>},
+         .result = ShapeOf<kFabricNodeFields>},
         {.path = "fc rls",
          .help = "ask a remote port for its link errors",
          .arguments = kRemoteArguments,
          .run = FabricLinkErrors,
          .example = "fc rls -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-         .result = ShapeOf<RemoteErrorsFields>},
+         .result = ShapeOf<kRemoteErrorsFields>},
         {.path = "fc echo",
          .help = "send data to a remote port and back",
          .arguments = kEchoArguments,
          .run = FabricEcho,
          .example = "fc echo -t id:0x020000 --count 10 -p scsi:3",
-         .result = ShapeOf<EchoFields>},
+         .result = ShapeOf<kEchoFields>},
         {.path = "fc ct",
          .risk = Risk::Reversible,
          .help = "send a Common Transport request",
@@ -428,7 +407,7 @@ CommandRows FcCommands() {
          .arguments = kElsArguments,
          .run = FabricEls,
          .example = "fc els request.bin -t id:0x020000 -p scsi:3",
-         .result = ShapeOf<ElsResultFields>},
+         .result = ShapeOf<kElsResultFields>},
     };
     return kCommands;
 }

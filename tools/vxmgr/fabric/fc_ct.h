@@ -2,8 +2,6 @@
 #pragma once
 
 #include <array>
-#include <optional>
-#include <string>
 
 #include "formats/common_transport.h"
 #include "vxmgr/app/bytes.h"

@@ -1,9 +1,6 @@
 // Extended link services (FC-LS): requests, and what comes back.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "formats/link_services.h"
 #include "vxmgr/app/bytes.h"
 

@@ -1,9 +1,6 @@
 // Requests to the fabric and to remote ports through a selected port.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/fabric/fc_ct.h"
 

@@ -62,26 +62,23 @@ const char* AnaStateOf(const NvmeNamespace& one) {
                                            : NameAt(kAnaStates, one.anaState, HX_ANA_OPTIMIZED);
 }
 
-const Fields<NvmeNamespace>& NamespaceFields() {
-    using Row = NvmeNamespace;
-    constexpr FieldType kBytes = {
-        .base = FieldType::Base::Integer, .nullable = true, .large = true};
-    static const Fields<Row> kFields = {
-        {"id", "Namespace", "NAMESPACE", kInteger, Packed<&Row::id>},
-        {"block_size", "Block size", "BLOCK SIZE", Integer("bytes"), Packed<&Row::blockSize>},
-        {"blocks", "Blocks", kCounter, Packed<&Row::blocks>},
-        {"capacity_bytes", "Capacity", "CAPACITY", kBytes, BlocksValue<&Row::capacity>},
-        {"used_bytes", "Used", "USED", kBytes, BlocksValue<&Row::used>},
-        {"nguid", "NGUID", "NGUID", kSerial.OrNull(), IdentifierOf<&Row::nguid>},
-        {"eui64", "EUI-64", kSerial.OrNull(), IdentifierOf<&Row::eui64>},
-        {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&Row::anaGroup>},
-        {"ana_state", "ANA state", "ANA STATE", Choice(kAllAnaStates).OrNull(), AnaStateOf},
-        {"shared", "Shared", "SHARED", kFlag, Bit<&Row::flags, HX_NAMESPACE_SHARED>},
-        {"write_protected", "Write protected", "PROTECTED", kFlag,
-         Bit<&Row::flags, HX_NAMESPACE_WRITE_PROTECTED>},
-    };
-    return kFields;
-}
+constexpr FieldType kNamespaceBytes = {
+    .base = FieldType::Base::Integer, .nullable = true, .large = true};
+const Fields<NvmeNamespace> kNamespaceFields = {
+    {"id", "Namespace", "NAMESPACE", kInteger, Packed<&NvmeNamespace::id>},
+    {"block_size", "Block size", "BLOCK SIZE", Integer("bytes"), Packed<&NvmeNamespace::blockSize>},
+    {"blocks", "Blocks", kCounter, Packed<&NvmeNamespace::blocks>},
+    {"capacity_bytes", "Capacity", "CAPACITY", kNamespaceBytes,
+     BlocksValue<&NvmeNamespace::capacity>},
+    {"used_bytes", "Used", "USED", kNamespaceBytes, BlocksValue<&NvmeNamespace::used>},
+    {"nguid", "NGUID", "NGUID", kSerial.OrNull(), IdentifierOf<&NvmeNamespace::nguid>},
+    {"eui64", "EUI-64", kSerial.OrNull(), IdentifierOf<&NvmeNamespace::eui64>},
+    {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&NvmeNamespace::anaGroup>},
+    {"ana_state", "ANA state", "ANA STATE", Choice(kAllAnaStates).OrNull(), AnaStateOf},
+    {"shared", "Shared", "SHARED", kFlag, Bit<&NvmeNamespace::flags, HX_NAMESPACE_SHARED>},
+    {"write_protected", "Write protected", "PROTECTED", kFlag,
+     Bit<&NvmeNamespace::flags, HX_NAMESPACE_WRITE_PROTECTED>},
+};
 
 // A controller; of one that the driver does not tell about nothing but its place and the status.
 struct FoundController {
@@ -180,7 +177,7 @@ Fields<ControllerRow> ControllerFields(bool namespaces) {
              return SizeIn(row.found != nullptr ? CapacityOf(*row.found) : std::nullopt);
          },
          "of all its namespaces"},
-        {"namespaces", "Namespaces", NamespaceFields(), &Row::Namespaces},
+        {"namespaces", "Namespaces", kNamespaceFields, &Row::Namespaces},
         {"status", "Status", kText.OrNull().Quiet(),
          [](const Row& row) {
              return StatusValue(row.found != nullptr ? row.found->status : row.port->failure);

@@ -91,25 +91,19 @@ struct InquiryResult : UnitResult {
     DataList data;
 };
 
-const Fields<InquiryResult>& InquiryResultFields() {
-    static const auto kFields = UnitFields<InquiryResult>({
-        {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
-        {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
-        {"data", "Data", HexRowFields(), &InquiryResult::data, ListLayout::Table, "no data",
-         "the bytes as they came, sixteen a row"},
-    });
-    return kFields;
-}
+const auto kInquiryResultFields = UnitFields<InquiryResult>({
+    {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
+    {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
+    {"data", "Data", HexRowFields(), &InquiryResult::data, ListLayout::Table, "no data",
+     "the bytes as they came, sixteen a row"},
+});
 
 struct CapacityResult : UnitResult {
     std::optional<Capacity> capacity;
 };
 
-const Fields<CapacityResult>& CapacityResultFields() {
-    static const auto kFields =
-        UnitFields<CapacityResult>({{CapacityFields(), &CapacityResult::capacity}});
-    return kFields;
-}
+const auto kCapacityResultFields =
+    UnitFields<CapacityResult>({{CapacityFields(), &CapacityResult::capacity}});
 
 struct LunsResult : UnitResult {
     std::optional<std::vector<LunEntry>> luns;
@@ -117,16 +111,13 @@ struct LunsResult : UnitResult {
     std::optional<bool> truncated;
 };
 
-const Fields<LunsResult>& LunsResultFields() {
-    static const auto kFields = UnitFields<LunsResult>({
-        {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, ListLayout::Table,
-         "no logical units"},
-        {"made_by_probing", "Made by probing", kFlag.OrAbsent(), &LunsResult::probed,
-         "the target refuses REPORT LUNS: LUNs 0 to 7 were asked one by one"},
-        {"truncated", "Truncated", kFlag.OrAbsent(), &LunsResult::truncated},
-    });
-    return kFields;
-}
+const auto kLunsResultFields = UnitFields<LunsResult>({
+    {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, ListLayout::Table,
+     "no logical units"},
+    {"made_by_probing", "Made by probing", kFlag.OrAbsent(), &LunsResult::probed,
+     "the target refuses REPORT LUNS: LUNs 0 to 7 were asked one by one"},
+    {"truncated", "Truncated", kFlag.OrAbsent(), &LunsResult::truncated},
+});
 
 struct RawResult : UnitResult {
     std::vector<uint8_t> cdb;
@@ -202,7 +193,7 @@ std::vector<uint8_t> GivenCdb(Invocation& invocation) {
 
 ExitCode ScsiInquiry(Invocation& invocation) {
     ScsiUnit unit(invocation);
-    UnitReport<InquiryResult> result(invocation, unit, InquiryResultFields());
+    UnitReport<InquiryResult> result(invocation, unit, kInquiryResultFields);
     const auto page = invocation.Given().Number("page");
     return page ? VitalProductData(invocation, unit, Low(*page), result)
                 : StandardInquiry(invocation, unit, result);
@@ -210,7 +201,7 @@ ExitCode ScsiInquiry(Invocation& invocation) {
 
 ExitCode ScsiCapacity(Invocation& invocation) {
     ScsiUnit unit(invocation);
-    UnitReport<CapacityResult> result(invocation, unit, CapacityResultFields());
+    UnitReport<CapacityResult> result(invocation, unit, kCapacityResultFields);
     constexpr size_t kShort = 8;
     constexpr uint8_t kLong = 32;
     const uint8_t shortCdb[10] = {kReadCapacity10};
@@ -231,7 +222,7 @@ ExitCode ScsiCapacity(Invocation& invocation) {
 
 ExitCode ScsiLuns(Invocation& invocation) {
     ScsiUnit unit(invocation);
-    UnitReport<LunsResult> result(invocation, unit, LunsResultFields());
+    UnitReport<LunsResult> result(invocation, unit, kLunsResultFields);
     ScsiReply reply = unit.ReportLuns(kLegacyRoom);
     const uint64_t wanted = LunListLength(reply.data);
     if (reply.status == HXMGT_SUCCESS && wanted > kLegacyRoom && !unit.IsLegacy()) {
@@ -316,19 +307,19 @@ CommandRows ScsiCommands() {
          .arguments = kInquiryArguments,
          .run = ScsiInquiry,
          .example = "scsi inquiry --page 0x83 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-         .result = ShapeOf<InquiryResultFields>},
+         .result = ShapeOf<kInquiryResultFields>},
         {.path = "scsi capacity",
          .help = "ask a logical unit for its capacity",
          .arguments = kUnitArguments,
          .run = ScsiCapacity,
          .example = "scsi capacity -t 0:0 --lun 1 -p scsi:3",
-         .result = ShapeOf<CapacityResultFields>},
+         .result = ShapeOf<kCapacityResultFields>},
         {.path = "scsi luns",
          .help = "list the logical units of a target",
          .arguments = kTargetArguments,
          .run = ScsiLuns,
          .example = "scsi luns -t 0:0 -p scsi:3",
-         .result = ShapeOf<LunsResultFields>},
+         .result = ShapeOf<kLunsResultFields>},
         {.path = "scsi raw",
          .risk = Risk::InterruptsIo,
          .help = "send a SCSI command; asks unless it only reads",

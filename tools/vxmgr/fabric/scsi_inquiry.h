@@ -1,10 +1,6 @@
 // INQUIRY data and vital product data pages (SPC) decoded.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "formats/scsi_data.h"
 #include "vxmgr/app/bytes.h"
 

@@ -1,9 +1,6 @@
 // Sense data (SPC) in words.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {

@@ -1,9 +1,6 @@
 // A logical unit behind a selected port, and commands sent to it.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/fabric/scsi_sense.h"
 

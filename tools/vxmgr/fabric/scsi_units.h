@@ -1,9 +1,6 @@
 // Capacities and LUN lists (SBC, SPC).
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {

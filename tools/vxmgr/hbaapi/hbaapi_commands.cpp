@@ -190,16 +190,12 @@ struct Registration {
     File file;
 };
 
-const Fields<Registration>& RegistrationFields() {
-    static const Fields<Registration> kFields = {
-        {"key", "Registry key", kText, [](const Registration&) { return RegistrationKey(); }},
-        {"value_name", "Value", kText, [](const Registration&) { return kRegisteredValue; }},
-        {"previous", "Before", kText.OrNull(), &Registration::previous,
-         "null: none was registered"},
-        {"file", "Library", kText.OrNull(), &Registration::file, "what is registered now"},
-    };
-    return kFields;
-}
+const Fields<Registration> kRegistrationFields = {
+    {"key", "Registry key", kText, [](const Registration&) { return RegistrationKey(); }},
+    {"value_name", "Value", kText, [](const Registration&) { return kRegisteredValue; }},
+    {"previous", "Before", kText.OrNull(), &Registration::previous, "null: none was registered"},
+    {"file", "Library", kText.OrNull(), &Registration::file, "what is registered now"},
+};
 
 // Brings the entry from what it is to what it is to be.
 ExitCode ChangeRegistration(Invocation& invocation, const File& wanted) {
@@ -213,7 +209,7 @@ ExitCode ChangeRegistration(Invocation& invocation, const File& wanted) {
         invocation.Changed();
     }
     const File after = Registered(invocation);
-    invocation.Result() = RegistrationFields().Make({before, after});
+    invocation.Result() = kRegistrationFields.Make({before, after});
     if (!needed) {
         invocation.Note(wanted ? "already registered" : "is not registered");
     } else if (invocation.DryRun()) {
@@ -258,14 +254,14 @@ CommandRows HbaapiCommands() {
          .schema = "hbaapi.registration",
          .run = HbaRegister,
          .example = "hbaapi register",
-         .result = ShapeOf<RegistrationFields>},
+         .result = ShapeOf<kRegistrationFields>},
         {.path = "hbaapi unregister",
          .risk = Risk::Reversible,
          .help = "take that registration back",
          .schema = "hbaapi.registration",
          .run = HbaUnregister,
          .example = "hbaapi unregister",
-         .result = ShapeOf<RegistrationFields>},
+         .result = ShapeOf<kRegistrationFields>},
     };
     return kCommands;
 }

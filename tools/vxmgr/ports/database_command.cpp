@@ -119,14 +119,11 @@ uint64_t ErrorSum(const RemoteRecord& record) {
            errors.protocolErrors + errors.invalidWords + errors.crcErrors;
 }
 
-const Fields<RemoteRecord>& RemoteFecFields() {
-    static const Fields<RemoteRecord> kFields = {
-        {"corrected", "Blocks corrected", kInteger, Packed<&RemoteRecord::correctedFecBlocks>},
-        {"uncorrectable", "Blocks uncorrectable", kInteger,
-         Packed<&RemoteRecord::uncorrectableFecBlocks>},
-    };
-    return kFields;
-}
+const Fields<RemoteRecord> kRemoteFecFields = {
+    {"corrected", "Blocks corrected", kInteger, Packed<&RemoteRecord::correctedFecBlocks>},
+    {"uncorrectable", "Blocks uncorrectable", kInteger,
+     Packed<&RemoteRecord::uncorrectableFecBlocks>},
+};
 
 template <SfpQuantity quantity, auto member>
 Value LightReading(const RemoteRecord& record) {
@@ -148,26 +145,22 @@ Value LightState(const RemoteRecord& record) {
                                       : Value::Text(kLightStates[0]).In(Tone::Good);
 }
 
-const Fields<RemoteRecord>& RemoteTransceiverFields() {
-    constexpr auto kDecimal = kText.OrNull();
-    static const Fields<RemoteRecord> kFields = {
-        {"temperature_c", "Temperature", kDecimal,
-         LightReading<SfpQuantity::Temperature, &RemoteRecord::temperature>},
-        {"voltage_v", "Supply voltage", kDecimal,
-         LightReading<SfpQuantity::Voltage, &RemoteRecord::voltage>},
-        {"bias_ma", "Laser bias", kDecimal, LightReading<SfpQuantity::Bias, &RemoteRecord::bias>},
-        {"tx_power_mw", "Sent power", kDecimal,
-         LightReading<SfpQuantity::SentPower, &RemoteRecord::txPower>},
-        {"tx_power_dbm", "Sent power", kDecimal, LightPower<&RemoteRecord::txPower>,
-         "null: no light"},
-        {"rx_power_mw", "Received power", kDecimal,
-         LightReading<SfpQuantity::ReceivedPower, &RemoteRecord::rxPower>},
-        {"rx_power_dbm", "Received power", "RX POWER", kDecimal, LightPower<&RemoteRecord::rxPower>,
-         "null: no light"},
-        {"state", "State", Choice(kLightStates), LightState, "the worst of the five quantities"},
-    };
-    return kFields;
-}
+constexpr auto kDecimal = kText.OrNull();
+const Fields<RemoteRecord> kRemoteTransceiverFields = {
+    {"temperature_c", "Temperature", kDecimal,
+     LightReading<SfpQuantity::Temperature, &RemoteRecord::temperature>},
+    {"voltage_v", "Supply voltage", kDecimal,
+     LightReading<SfpQuantity::Voltage, &RemoteRecord::voltage>},
+    {"bias_ma", "Laser bias", kDecimal, LightReading<SfpQuantity::Bias, &RemoteRecord::bias>},
+    {"tx_power_mw", "Sent power", kDecimal,
+     LightReading<SfpQuantity::SentPower, &RemoteRecord::txPower>},
+    {"tx_power_dbm", "Sent power", kDecimal, LightPower<&RemoteRecord::txPower>, "null: no light"},
+    {"rx_power_mw", "Received power", kDecimal,
+     LightReading<SfpQuantity::ReceivedPower, &RemoteRecord::rxPower>},
+    {"rx_power_dbm", "Received power", "RX POWER", kDecimal, LightPower<&RemoteRecord::rxPower>,
+     "null: no light"},
+    {"state", "State", Choice(kLightStates), LightState, "the worst of the five quantities"},
+};
 
 const Fields<HX_SECURE_PORT>& SecurityFields() {
     using Secure = HX_SECURE_PORT;
@@ -192,63 +185,59 @@ const Fields<HX_SECURE_PORT>& SecurityFields() {
     return kFields;
 }
 
-const Fields<std::vector<RemoteRow>>& RemotePortList() {
-    using Row = RemoteRow;
-    static const Fields<Row> kRow = {
-        {PortKeys(kPortIndex), &Row::port},
-        {PortSerialAlias(), &Row::port},
-        {"target_wwn", "Port name", "PORT NAME", kWwn.OrNull(),
-         Of(&Row::Record, [](const RemoteRecord& one) { return Wwn::Of(one.portName); }),
-         "of the remote port; null in the row of a port that failed"},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         Of(&Row::Record, [](const RemoteRecord& one) { return Wwn::Of(one.nodeName); })},
-        {"port_id", "Port ID", "PORT ID", Hexadecimal(6).OrNull(),
-         Of(&Row::Record, [](const RemoteRecord& one) { return PortIdOf(one.portId); })},
-        {"roles", "Roles", "ROLES", Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
-         "fcp, nvme: a target or subsystem of that protocol"},
-        {"state", "State", "STATE", Choice(kRemoteStates).OrNull(), Of(&Row::Told, RemoteState)},
-        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(),
-         Of(&Row::Told, [](const RemoteRecord& one) { return SpeedValue(one.speed); })},
-        {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
-         Of(&Row::Told, [](const RemoteRecord& one) { return SpeedValue(one.highestSpeed); })},
-        {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&Row::OnBus, Packed<&RemoteRecord::bus>)},
-        {"target", "Target", "ID", kInteger.OrNull(),
-         Of(&Row::OnBus, Packed<&RemoteRecord::target>), "target ID"},
-        {"loop_id", "Loop identifier", kInteger.OrNull(), Of(&Row::Record, LoopIdentifier),
-         "null: no loop"},
-        {"loop_position", "Place on the loop", "LOOP", kInteger.OrNull(),
-         [](const Row& row) {
-             return row.remote != nullptr ? row.remote->loopPosition : std::nullopt;
-         },
-         "places behind the port's own; null: no loop, or not on it"},
-        {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
-         Of(&Row::Told, NumberOrNull<&RemoteRecord::maxFrameSize>)},
-        {"bb_credits", "Buffer credits", kInteger.OrNull(),
-         Of(&Row::Told, NumberOrNull<&RemoteRecord::bbCredits>)},
-        {"seconds_online", "Online for", Integer("s").OrNull(),
-         Of(&Row::Told, Packed<&RemoteRecord::secondsOnline>)},
-        {"secured", "Secured", "SECURED", kFlag.OrNull(),
-         Of(&Row::Told,
-            [](const RemoteRecord& one) { return (one.flags & HX_REMOTE_PORT_SECURED) != 0; }),
-         "authenticated, and encrypted where that was agreed"},
-        {"error_count", "Link errors", "ERRORS", kInteger.OrNull(), Of(&Row::Diagnosed, ErrorSum),
-         "the sum of errors"},
-        {"errors", "Link errors", LinkErrorsFields(), Of(&Row::Diagnosed, ErrorsOf),
-         "of the remote port's own link, as it answered", kGroup.OrNull()},
-        {"fec", "Forward error correction", RemoteFecFields(), &Row::Diagnosed, "",
-         kGroup.OrNull()},
-        {"transceiver", "Transceiver", RemoteTransceiverFields(), &Row::Diagnosed,
-         "of the remote port; decimal numbers", kGroup.OrNull()},
-        {"security", "Security", SecurityFields(), &Row::Security,
-         "null: neither authenticated nor encrypted", kGroup.OrNull()},
-        {"symbolic_name", "Name", "NAME", kText.OrNull(),
-         Of(&Row::Record, TextOf<&RemoteRecord::symbolicName>)},
-        {PortStatus(), &Row::port},
-    };
-    static const auto kFields = ListOf<std::vector<Row>>("remote_ports", "Remote ports", kRow,
-                                                         ListLayout::Table, "No remote ports.");
-    return kFields;
-}
+const Fields<RemoteRow> kRemotePortRow = {
+    {PortKeys(kPortIndex), &RemoteRow::port},
+    {PortSerialAlias(), &RemoteRow::port},
+    {"target_wwn", "Port name", "PORT NAME", kWwn.OrNull(),
+     Of(&RemoteRow::Record, [](const RemoteRecord& one) { return Wwn::Of(one.portName); }),
+     "of the remote port; null in the row of a port that failed"},
+    {"node_wwn", "Node name", kWwn.OrNull(),
+     Of(&RemoteRow::Record, [](const RemoteRecord& one) { return Wwn::Of(one.nodeName); })},
+    {"port_id", "Port ID", "PORT ID", Hexadecimal(6).OrNull(),
+     Of(&RemoteRow::Record, [](const RemoteRecord& one) { return PortIdOf(one.portId); })},
+    {"roles", "Roles", "ROLES", Choices(kRemoteRoleNames).OrNull(), RolesOfRow,
+     "fcp, nvme: a target or subsystem of that protocol"},
+    {"state", "State", "STATE", Choice(kRemoteStates).OrNull(), Of(&RemoteRow::Told, RemoteState)},
+    {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(),
+     Of(&RemoteRow::Told, [](const RemoteRecord& one) { return SpeedValue(one.speed); })},
+    {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
+     Of(&RemoteRow::Told, [](const RemoteRecord& one) { return SpeedValue(one.highestSpeed); })},
+    {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&RemoteRow::OnBus, Packed<&RemoteRecord::bus>)},
+    {"target", "Target", "ID", kInteger.OrNull(),
+     Of(&RemoteRow::OnBus, Packed<&RemoteRecord::target>), "target ID"},
+    {"loop_id", "Loop identifier", kInteger.OrNull(), Of(&RemoteRow::Record, LoopIdentifier),
+     "null: no loop"},
+    {"loop_position", "Place on the loop", "LOOP", kInteger.OrNull(),
+     [](const RemoteRow& row) {
+         return row.remote != nullptr ? row.remote->loopPosition : std::nullopt;
+     },
+     "places behind the port's own; null: no loop, or not on it"},
+    {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
+     Of(&RemoteRow::Told, NumberOrNull<&RemoteRecord::maxFrameSize>)},
+    {"bb_credits", "Buffer credits", kInteger.OrNull(),
+     Of(&RemoteRow::Told, NumberOrNull<&RemoteRecord::bbCredits>)},
+    {"seconds_online", "Online for", Integer("s").OrNull(),
+     Of(&RemoteRow::Told, Packed<&RemoteRecord::secondsOnline>)},
+    {"secured", "Secured", "SECURED", kFlag.OrNull(),
+     Of(&RemoteRow::Told,
+        [](const RemoteRecord& one) { return (one.flags & HX_REMOTE_PORT_SECURED) != 0; }),
+     "authenticated, and encrypted where that was agreed"},
+    {"error_count", "Link errors", "ERRORS", kInteger.OrNull(), Of(&RemoteRow::Diagnosed, ErrorSum),
+     "the sum of errors"},
+    {"errors", "Link errors", LinkErrorsFields(), Of(&RemoteRow::Diagnosed, ErrorsOf),
+     "of the remote port's own link, as it answered", kGroup.OrNull()},
+    {"fec", "Forward error correction", kRemoteFecFields, &RemoteRow::Diagnosed, "",
+     kGroup.OrNull()},
+    {"transceiver", "Transceiver", kRemoteTransceiverFields, &RemoteRow::Diagnosed,
+     "of the remote port; decimal numbers", kGroup.OrNull()},
+    {"security", "Security", SecurityFields(), &RemoteRow::Security,
+     "null: neither authenticated nor encrypted", kGroup.OrNull()},
+    {"symbolic_name", "Name", "NAME", kText.OrNull(),
+     Of(&RemoteRow::Record, TextOf<&RemoteRecord::symbolicName>)},
+    {PortStatus(), &RemoteRow::port},
+};
+const auto kRemotePortList = ListOf<std::vector<RemoteRow>>(
+    "remote_ports", "Remote ports", kRemotePortRow, ListLayout::Table, "No remote ports.");
 
 ExitCode PortDatabase(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -264,7 +253,7 @@ ExitCode PortDatabase(Invocation& invocation) {
             rows.push_back({one.port});
         }
     }
-    invocation.Result() = RemotePortList().Make(rows);
+    invocation.Result() = kRemotePortList.Make(rows);
     return exit;
 }
 
@@ -276,7 +265,7 @@ CommandRows DatabaseCommands() {
          .help = "list the remote ports that the ports' drivers know",
          .run = PortDatabase,
          .example = "port database -p scsi:3",
-         .result = ShapeOf<RemotePortList>},
+         .result = ShapeOf<kRemotePortList>},
     };
     return kCommands;
 }

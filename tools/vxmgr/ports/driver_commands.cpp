@@ -1,7 +1,6 @@
 // driver show, driver param list|get|set. Parameters belong to a driver service, which all its
 // adapters share.
 #include <algorithm>
-#include <optional>
 
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/values.h"
@@ -100,11 +99,8 @@ const Fields<Service>& ServiceFields() {
     return kFields;
 }
 
-const Fields<std::vector<Service>>& ServiceList() {
-    static const auto kFields = ListOf<std::vector<Service>>("drivers", "Drivers", ServiceFields(),
-                                                             ListLayout::Sections, "No drivers.");
-    return kFields;
-}
+const auto kServiceList = ListOf<std::vector<Service>>("drivers", "Drivers", ServiceFields(),
+                                                       ListLayout::Sections, "No drivers.");
 
 // A parameter of a driver service; no value: it has none of that name.
 struct Parameter {
@@ -120,21 +116,15 @@ Value ValueOrNull(const Parameter& parameter) {
     return parameter.*member ? Value::Text(*(parameter.*member)) : Value();
 }
 
-const Fields<Parameter>& ParameterFields() {
-    static const Fields<Parameter> kFields = {
-        {"driver_service", "Driver service", "SERVICE", kText.OrNull(), &Parameter::service},
-        {"name", "Parameter", "PARAMETER", kText.OrNull(), &Parameter::name},
-        {"value", "Value", "VALUE", kText.OrNull(), ValueOrNull<&Parameter::value>,
-         "null: the driver has no such parameter"},
-    };
-    return kFields;
-}
+const Fields<Parameter> kParameterFields = {
+    {"driver_service", "Driver service", "SERVICE", kText.OrNull(), &Parameter::service},
+    {"name", "Parameter", "PARAMETER", kText.OrNull(), &Parameter::name},
+    {"value", "Value", "VALUE", kText.OrNull(), ValueOrNull<&Parameter::value>,
+     "null: the driver has no such parameter"},
+};
 
-const Fields<std::vector<Parameter>>& ParameterList() {
-    static const auto kFields =
-        ListOf<std::vector<Parameter>>("parameters", "Parameters", ParameterFields());
-    return kFields;
-}
+const auto kParameterList =
+    ListOf<std::vector<Parameter>>("parameters", "Parameters", kParameterFields);
 
 const Fields<Parameter>& ChangeFields() {
     static const Fields<Parameter> kFields = {
@@ -258,7 +248,7 @@ void WriteParameter(Invocation& invocation, const Device& device, const Setting&
 ExitCode DriverShow(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<const Port*> selected = SelectPorts(invocation, ports);
-    invocation.Result() = ServiceList().Make(ServicesOf(selected, true));
+    invocation.Result() = kServiceList.Make(ServicesOf(selected, true));
     return ReportFailures(invocation, selected);
 }
 
@@ -279,19 +269,16 @@ struct KnownParameterRow {
     const KnownParameter* known;
 };
 
-const Fields<std::vector<KnownParameterRow>>& KnownParameterList() {
-    using Row = KnownParameterRow;
-    static const Fields<Row> kRow = {
-        {ParameterFields(), &Row::parameter},
-        {"default", "Default", "DEFAULT", kText, [](const Row& row) { return row.known->usual; },
-         "what holds without a value"},
-        {"meaning", "Meaning", "MEANING", kText, [](const Row& row) { return row.known->meaning; }},
-    };
-    static const auto kFields =
-        ListOf<std::vector<Row>>("parameters", "Parameters", kRow, ListLayout::Table, "",
-                                 "those whose meaning is known; `driver param get` reads any");
-    return kFields;
-}
+const Fields<KnownParameterRow> kKnownParameterRow = {
+    {kParameterFields, &KnownParameterRow::parameter},
+    {"default", "Default", "DEFAULT", kText,
+     [](const KnownParameterRow& row) { return row.known->usual; }, "what holds without a value"},
+    {"meaning", "Meaning", "MEANING", kText,
+     [](const KnownParameterRow& row) { return row.known->meaning; }},
+};
+const auto kKnownParameterList = ListOf<std::vector<KnownParameterRow>>(
+    "parameters", "Parameters", kKnownParameterRow, ListLayout::Table, "",
+    "those whose meaning is known; `driver param get` reads any");
 
 ExitCode DriverParameterList(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -304,7 +291,7 @@ ExitCode DriverParameterList(Invocation& invocation) {
                  &known});
         }
     }
-    invocation.Result() = KnownParameterList().Make(rows);
+    invocation.Result() = kKnownParameterList.Make(rows);
     return ExitCode::Done;
 }
 
@@ -318,7 +305,7 @@ ExitCode DriverParameterGet(Invocation& invocation) {
         parameters.push_back({service.name, name, ReadParameter(invocation, device, name), {}});
         found = found || parameters.back().value.has_value();
     }
-    invocation.Result() = ParameterList().Make(parameters);
+    invocation.Result() = kParameterList.Make(parameters);
     if (!found) {
         invocation.Fail(ExitCode::NotFound, "no driver has a parameter \"" + name + "\"");
     }
@@ -360,18 +347,18 @@ CommandRows DriverCommands() {
          .help = "show the drivers",
          .run = DriverShow,
          .example = "driver show",
-         .result = ShapeOf<ServiceList>},
+         .result = ShapeOf<kServiceList>},
         {.path = "driver param list",
          .help = "list the driver parameters whose meaning is known",
          .run = DriverParameterList,
          .example = "driver param list",
-         .result = ShapeOf<KnownParameterList>},
+         .result = ShapeOf<kKnownParameterList>},
         {.path = "driver param get",
          .help = "print a driver parameter",
          .arguments = kNameArguments,
          .run = DriverParameterGet,
          .example = "driver param get qdepth -p scsi:3",
-         .result = ShapeOf<ParameterList>},
+         .result = ShapeOf<kParameterList>},
         {.path = "driver param set",
          .risk = Risk::InterruptsIo,
          .help = "set or remove a driver parameter",

@@ -83,25 +83,19 @@ struct PortEvent {
     }
 };
 
-const Fields<PortEvent>& EventFields() {
-    static const Fields<PortEvent> kFields = {
-        TimeField<PortEvent>("UTC, when the event was fetched"),
-        {PortKeys(kPortIndex | kAdapterSerial), &PortEvent::port},
-        {PortSerialAlias(), &PortEvent::port},
-        {"kind", "Kind", "KIND", kText, &PortEvent::Kind, "", 11},
-        {"meaning", "Meaning", "MEANING", kText, &PortEvent::Meaning},
-        {"type", "Type", kInteger, [](const PortEvent& one) { return one.event.type; }},
-        {"data0", "Data 0", Hexadecimal(8), &PortEvent::Data<0>},
-        {"data1", "Data 1", Hexadecimal(8), &PortEvent::Data<1>},
-        {"data2", "Data 2", Hexadecimal(8), &PortEvent::Data<2>},
-    };
-    return kFields;
-}
+const Fields<PortEvent> kEventFields = {
+    TimeField<PortEvent>("UTC, when the event was fetched"),
+    {PortKeys(kPortIndex | kAdapterSerial), &PortEvent::port},
+    {PortSerialAlias(), &PortEvent::port},
+    {"kind", "Kind", "KIND", kText, &PortEvent::Kind, "", 11},
+    {"meaning", "Meaning", "MEANING", kText, &PortEvent::Meaning},
+    {"type", "Type", kInteger, [](const PortEvent& one) { return one.event.type; }},
+    {"data0", "Data 0", Hexadecimal(8), &PortEvent::Data<0>},
+    {"data1", "Data 1", Hexadecimal(8), &PortEvent::Data<1>},
+    {"data2", "Data 2", Hexadecimal(8), &PortEvent::Data<2>},
+};
 
-const Fields<std::vector<PortEvent>>& EventList() {
-    static const auto kFields = ListOf<std::vector<PortEvent>>("events", "Events", EventFields());
-    return kFields;
-}
+const auto kEventList = ListOf<std::vector<PortEvent>>("events", "Events", kEventFields);
 
 // The event delivery of a port. It is switched off once, by whoever comes first: the end of the
 // command, or its clean-up when the command hangs.
@@ -169,7 +163,7 @@ auto EventsOf(const Port& port, std::shared_ptr<Delivery> delivery,
         for (uint32_t i = 0; i < count; ++i) {
             const PortEvent event{&port, events[i]};
             if (kinds.empty() || std::ranges::find(kinds, event.Kind()) != kinds.end()) {
-                turn.rows.push_back(EventFields().Make(event));
+                turn.rows.push_back(kEventFields.Make(event));
             }
         }
         if (count >= kFullRead) {
@@ -244,14 +238,11 @@ struct Raised {
     bool raised;
 };
 
-const Fields<Raised>& RaisedFields() {
-    static const Fields<Raised> kFields = {
-        {PortKeys(kPortIndex | kAdapterSerial), &Raised::port},
-        {PortSerialAlias(), &Raised::port},
-        {"raised", "Test event raised", kFlag, &Raised::raised},
-    };
-    return kFields;
-}
+const Fields<Raised> kRaisedFields = {
+    {PortKeys(kPortIndex | kAdapterSerial), &Raised::port},
+    {PortSerialAlias(), &Raised::port},
+    {"raised", "Test event raised", kFlag, &Raised::raised},
+};
 
 ExitCode EventTest(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -269,7 +260,7 @@ ExitCode EventTest(Invocation& invocation) {
             invocation.Fail(status, "the test event was not raised", port.Object());
         }
     }
-    invocation.Result() = RaisedFields().Make({port, !dry});
+    invocation.Result() = kRaisedFields.Make({port, !dry});
     return ExitCode::Done;
 }
 
@@ -282,13 +273,13 @@ CommandRows EventCommands() {
          .arguments = kWatchArguments,
          .run = EventWatch,
          .example = "event watch --count 2",
-         .result = ShapeOf<EventList>},
+         .result = ShapeOf<kEventList>},
         {.path = "event test",
          .risk = Risk::Reversible,
          .help = "have an adapter report a test event",
          .run = EventTest,
          .example = "event test -p scsi:3",
-         .result = ShapeOf<RaisedFields>},
+         .result = ShapeOf<kRaisedFields>},
     };
     return kCommands;
 }

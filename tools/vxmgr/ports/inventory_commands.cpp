@@ -105,124 +105,96 @@ Fields<Port> SummaryFields(bool withAdapter) {
     };
 }
 
-const Fields<Port>& IdentityFields() {
-    static const Fields<Port> kFields = {
-        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
-        {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
-        {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
-        {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
-        {"model_description", "Description", kText.OrNull(), kNodeText<&Node::modelDescription>},
-    };
-    return kFields;
-}
+const Fields<Port> kIdentityFields = {
+    {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
+    {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
+    {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
+    {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
+    {"model_description", "Description", kText.OrNull(), kNodeText<&Node::modelDescription>},
+};
 
-const Fields<Port>& PortLinkFields() {
-    static const Fields<Port> kFields = {
-        {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
-        {"disabled", "Port disabled", kFlag.OrNull(), &Port::disabled},
-        {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), kSpeed<&Properties::currentSpeed>},
-        {"max_speed_gbit", "Highest speed", kInteger.OrNull(),
-         kSpeed<&Properties::supportedSpeeds>},
-        {"topology", "Topology", Choice(kTopologies).OrNull(), TopologyValue},
-        {"port_id", "Port ID", "PORT ID", kText.OrNull(), PortIdValue},
-        {"role", "Role", Choice(kPortRoles).OrNull(), RoleValue},
-    };
-    return kFields;
-}
+const Fields<Port> kPortLinkFields = {
+    {"state", "State", "STATE", Choice(kPortStates).OrNull(), StateValue},
+    {"disabled", "Port disabled", kFlag.OrNull(), &Port::disabled},
+    {"speed_gbit", "Speed", "SPEED", kInteger.OrNull(), kSpeed<&Properties::currentSpeed>},
+    {"max_speed_gbit", "Highest speed", kInteger.OrNull(), kSpeed<&Properties::supportedSpeeds>},
+    {"topology", "Topology", Choice(kTopologies).OrNull(), TopologyValue},
+    {"port_id", "Port ID", "PORT ID", kText.OrNull(), PortIdValue},
+    {"role", "Role", Choice(kPortRoles).OrNull(), RoleValue},
+};
 
-const Fields<Port>& FibreChannelFields() {
-    static const Fields<Port> kFields = {
-        {"discovered_devices", "Discovered devices", kInteger.OrNull(),
-         kPortNumber<&Properties::discoveredDevices>},
-        {"discovered_targets", "Discovered targets", kInteger.OrNull(),
-         kPortNumber<&Properties::discoveredTargets>},
-        {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
-         kCurrentNumber<&Properties::maxFrameSize>},
-        {"bb_credits", "Buffer credits", kInteger.OrNull(), kCurrentNumber<&Properties::bbCredits>},
-        {"npiv_in_use", "NPIV ports in use", kInteger.OrNull(),
-         kCurrentNumber<&Properties::npivInUse>},
-        {"npiv_maximum", "NPIV ports at most", kInteger.OrNull(),
-         kCurrentNumber<&Properties::npivMaximum>},
-        {"fcp", "FCP", kFlag.OrNull(), kSecondFlag<&Properties::fcpEnabled>},
-        {"nvme", "NVMe", kFlag.OrNull(), kSecondFlag<&Properties::nvmeEnabled>},
-        {"fec", "Forward error correction", kFlag.OrNull(), kSecondFlag<&Properties::fecActive>},
-        {"trunk_state", "Trunk state", kInteger.OrNull(), kSecondNumber<&Properties::trunkState>},
-        {"diagnostic_state", "Diagnostic state", kInteger.OrNull(),
-         kSecondNumber<&Properties::diagnosticState>},
-        {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
-    };
-    return kFields;
-}
+const Fields<Port> kFibreChannelFields = {
+    {"discovered_devices", "Discovered devices", kInteger.OrNull(),
+     kPortNumber<&Properties::discoveredDevices>},
+    {"discovered_targets", "Discovered targets", kInteger.OrNull(),
+     kPortNumber<&Properties::discoveredTargets>},
+    {"max_frame_size", "Largest frame", Integer("bytes").OrNull(),
+     kCurrentNumber<&Properties::maxFrameSize>},
+    {"bb_credits", "Buffer credits", kInteger.OrNull(), kCurrentNumber<&Properties::bbCredits>},
+    {"npiv_in_use", "NPIV ports in use", kInteger.OrNull(), kCurrentNumber<&Properties::npivInUse>},
+    {"npiv_maximum", "NPIV ports at most", kInteger.OrNull(),
+     kCurrentNumber<&Properties::npivMaximum>},
+    {"fcp", "FCP", kFlag.OrNull(), kSecondFlag<&Properties::fcpEnabled>},
+    {"nvme", "NVMe", kFlag.OrNull(), kSecondFlag<&Properties::nvmeEnabled>},
+    {"fec", "Forward error correction", kFlag.OrNull(), kSecondFlag<&Properties::fecActive>},
+    {"trunk_state", "Trunk state", kInteger.OrNull(), kSecondNumber<&Properties::trunkState>},
+    {"diagnostic_state", "Diagnostic state", kInteger.OrNull(),
+     kSecondNumber<&Properties::diagnosticState>},
+    {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
+};
 
-const Fields<Port>& LimitsFields() {
-    static const Fields<Port> kFields = {
-        {"max_targets", "Targets at most", kInteger.OrNull(),
-         kSecondNumber<&Properties::maxTargets>},
-        {"max_luns_per_target", "LUNs per target", kInteger.OrNull(),
-         kSecondNumber<&Properties::maxLunsPerTarget>},
-        {"execution_throttle", "Execution throttle", kInteger.OrNull(),
-         kSecondNumber<&Properties::executionThrottle>},
-        {"login_timeout_s", "Login time-out", kSeconds, kSecondNumber<&Properties::loginTimeout>},
-        {"link_down_timeout_s", "Link-down time-out", kSeconds,
-         kSecondNumber<&Properties::linkDownTimeout>},
-        {"port_down_retry_s", "Port-down retry", kSeconds,
-         kSecondNumber<&Properties::portDownRetry>},
-    };
-    return kFields;
-}
+const Fields<Port> kLimitsFields = {
+    {"max_targets", "Targets at most", kInteger.OrNull(), kSecondNumber<&Properties::maxTargets>},
+    {"max_luns_per_target", "LUNs per target", kInteger.OrNull(),
+     kSecondNumber<&Properties::maxLunsPerTarget>},
+    {"execution_throttle", "Execution throttle", kInteger.OrNull(),
+     kSecondNumber<&Properties::executionThrottle>},
+    {"login_timeout_s", "Login time-out", kSeconds, kSecondNumber<&Properties::loginTimeout>},
+    {"link_down_timeout_s", "Link-down time-out", kSeconds,
+     kSecondNumber<&Properties::linkDownTimeout>},
+    {"port_down_retry_s", "Port-down retry", kSeconds, kSecondNumber<&Properties::portDownRetry>},
+};
 
-const Fields<Port>& VersionsFields() {
-    static const Fields<Port> kFields = {
-        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
-        {"driver", "Driver", kText.OrNull(), kNodeText<&Node::driverVersion>},
-        {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
-        {"option_rom", "Option ROM", kText.OrNull(), OptionRomVersion},
-    };
-    return kFields;
-}
+const Fields<Port> kVersionsFields = {
+    {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
+    {"driver", "Driver", kText.OrNull(), kNodeText<&Node::driverVersion>},
+    {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
+    {"option_rom", "Option ROM", kText.OrNull(), OptionRomVersion},
+};
 
-const Fields<Port>& PciFields() {
-    static const Fields<Port> kFields = {
-        {"location", "Location", "PCI", kText.OrNull(), Of(SlotOf, PciLocationValue)},
-        {"function", "", kInteger.OrNull(),
-         Of(SlotOf, [](const Chip& chip) { return chip.functionBits >> 5; })},
-        {"vendor_id", "Vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
-        {"device_id", "Device ID", kPciId, kChipNumber<&Chip::deviceId>},
-        {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
-         kChipNumber<&Chip::subsystemVendorId>},
-        {"subsystem_device_id", "Subsystem device ID", kPciId,
-         kChipNumber<&Chip::subsystemDeviceId>},
-        {"revision", "Revision", kPciId, kChipNumber<&Chip::revision>},
-        {"link", "Link", "PCI LINK", kText.OrNull(), kLink<&Chip::linkStatus>},
-        {"link_maximum", "Link at most", kText.OrNull(), kLink<&Chip::linkCapabilities>},
-        {"link_generation", "", kInteger.OrNull(),
-         kLinkPart<&Chip::linkStatus, &PcieLink::generation>},
-        {"link_width", "", kInteger.OrNull(), kLinkPart<&Chip::linkStatus, &PcieLink::width>},
-        {"link_maximum_generation", "", kInteger.OrNull(),
-         kLinkPart<&Chip::linkCapabilities, &PcieLink::generation>},
-        {"link_maximum_width", "", kInteger.OrNull(),
-         kLinkPart<&Chip::linkCapabilities, &PcieLink::width>},
-    };
-    return kFields;
-}
+const Fields<Port> kPciFields = {
+    {"location", "Location", "PCI", kText.OrNull(), Of(SlotOf, PciLocationValue)},
+    {"function", "", kInteger.OrNull(),
+     Of(SlotOf, [](const Chip& chip) { return chip.functionBits >> 5; })},
+    {"vendor_id", "Vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
+    {"device_id", "Device ID", kPciId, kChipNumber<&Chip::deviceId>},
+    {"subsystem_vendor_id", "Subsystem vendor ID", kPciId, kChipNumber<&Chip::subsystemVendorId>},
+    {"subsystem_device_id", "Subsystem device ID", kPciId, kChipNumber<&Chip::subsystemDeviceId>},
+    {"revision", "Revision", kPciId, kChipNumber<&Chip::revision>},
+    {"link", "Link", "PCI LINK", kText.OrNull(), kLink<&Chip::linkStatus>},
+    {"link_maximum", "Link at most", kText.OrNull(), kLink<&Chip::linkCapabilities>},
+    {"link_generation", "", kInteger.OrNull(), kLinkPart<&Chip::linkStatus, &PcieLink::generation>},
+    {"link_width", "", kInteger.OrNull(), kLinkPart<&Chip::linkStatus, &PcieLink::width>},
+    {"link_maximum_generation", "", kInteger.OrNull(),
+     kLinkPart<&Chip::linkCapabilities, &PcieLink::generation>},
+    {"link_maximum_width", "", kInteger.OrNull(),
+     kLinkPart<&Chip::linkCapabilities, &PcieLink::width>},
+};
 
-const Fields<Port>& DetailFields() {
-    static const Fields<Port> kFields = {
-        {"index", "", kInteger, &Port::index, "the same as port"},
-        {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
-        {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
-        {"answers", "", kFlag, &Port::answers, kAnswersAbout},
-        {"status", "Status", "STATUS", kText.OrNull().Quiet(),
-         [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout},
-        {"identity", "Identity", IdentityFields()},
-        {"link", "Link", PortLinkFields()},
-        {"fibre_channel", "Fibre Channel", FibreChannelFields()},
-        {"limits", "Limits", LimitsFields()},
-        {"versions", "Versions", VersionsFields()},
-        {"pci", "PCI", PciFields()},
-    };
-    return kFields;
-}
+const Fields<Port> kDetailFields = {
+    {"index", "", kInteger, &Port::index, "the same as port"},
+    {PortKeys((kPortIndex & kPortColumns) | kScsiPort), std::identity()},
+    {"os_device", "System device", kText.OrNull(), SystemDeviceOf},
+    {"answers", "", kFlag, &Port::answers, kAnswersAbout},
+    {"status", "Status", "STATUS", kText.OrNull().Quiet(),
+     [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout},
+    {"identity", "Identity", kIdentityFields},
+    {"link", "Link", kPortLinkFields},
+    {"fibre_channel", "Fibre Channel", kFibreChannelFields},
+    {"limits", "Limits", kLimitsFields},
+    {"versions", "Versions", kVersionsFields},
+    {"pci", "PCI", kPciFields},
+};
 
 // A port with what is asked of it alone, not when all ports are read.
 struct PortInDetail {
@@ -230,41 +202,33 @@ struct PortInDetail {
     std::optional<HX_BBCR_DATA> creditRecovery;
 };
 
-const Fields<PortInDetail>& PortInDetailFields() {
-    static const Fields<PortInDetail> kFields = {
-        [](const PortInDetail& detail) { return "Port " + std::to_string(detail.port->index); },
-        {
-            {DetailFields(), &PortInDetail::port},
-            {"credit_recovery", "Credit recovery", CreditRecoveryFields(),
-             &PortInDetail::creditRecovery, "of buffer-to-buffer credits; null: not known",
-             kGroup.OrNull()},
-        }};
-    return kFields;
-}
+const Fields<PortInDetail> kPortInDetailFields = {
+    [](const PortInDetail& detail) { return "Port " + std::to_string(detail.port->index); },
+    {
+        {kDetailFields, &PortInDetail::port},
+        {"credit_recovery", "Credit recovery", CreditRecoveryFields(),
+         &PortInDetail::creditRecovery, "of buffer-to-buffer credits; null: not known",
+         kGroup.OrNull()},
+    }};
 
 // What one port tells of its adapter.
-const Fields<Port>& SpeakerFields() {
-    static const Fields<Port> kFields = {
-        {"adapter_serial", "Serial number", "SERIAL", kSerial.OrNull(), &Port::Serial},
-        {PortSerialAlias(), std::identity()},
-        {"manufacturer", "Manufacturer", kText.OrNull(), kNodeText<&Node::manufacturer>},
-        {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
-        {"model_description", "Description", "DESCRIPTION", kText.OrNull(),
-         kNodeText<&Node::modelDescription>},
-        {"vendor_id", "PCI vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
-        {"device_id", "PCI device ID", "DEVICE", kPciId, kChipNumber<&Chip::deviceId>},
-        {"subsystem_vendor_id", "Subsystem vendor ID", kPciId,
-         kChipNumber<&Chip::subsystemVendorId>},
-        {"subsystem_device_id", "Subsystem device ID", kPciId,
-         kChipNumber<&Chip::subsystemDeviceId>},
-        {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), kNodeText<&Node::firmwareVersion>},
-        {"driver", "Driver", "DRIVER", kText.OrNull(), kNodeText<&Node::driverVersion>},
-        {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
-        {"option_rom", "Option ROM", "OPTION ROM", kText.OrNull(), OptionRomVersion},
-        {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
-    };
-    return kFields;
-}
+const Fields<Port> kSpeakerFields = {
+    {"adapter_serial", "Serial number", "SERIAL", kSerial.OrNull(), &Port::Serial},
+    {PortSerialAlias(), std::identity()},
+    {"manufacturer", "Manufacturer", kText.OrNull(), kNodeText<&Node::manufacturer>},
+    {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
+    {"model_description", "Description", "DESCRIPTION", kText.OrNull(),
+     kNodeText<&Node::modelDescription>},
+    {"vendor_id", "PCI vendor ID", kPciId, kChipNumber<&Chip::vendorId>},
+    {"device_id", "PCI device ID", "DEVICE", kPciId, kChipNumber<&Chip::deviceId>},
+    {"subsystem_vendor_id", "Subsystem vendor ID", kPciId, kChipNumber<&Chip::subsystemVendorId>},
+    {"subsystem_device_id", "Subsystem device ID", kPciId, kChipNumber<&Chip::subsystemDeviceId>},
+    {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), kNodeText<&Node::firmwareVersion>},
+    {"driver", "Driver", "DRIVER", kText.OrNull(), kNodeText<&Node::driverVersion>},
+    {"driver_service", "Driver service", kText.OrNull(), &Port::driverService},
+    {"option_rom", "Option ROM", "OPTION ROM", kText.OrNull(), OptionRomVersion},
+    {"smartsan", "SmartSAN", kFlag.OrNull(), SmartSanValue},
+};
 
 // The first port whose node record could be read.
 const Port& SpeakerOf(const Adapter& adapter) {
@@ -292,60 +256,42 @@ Value AdapterStatus(const Adapter& adapter) {
     return failed != adapter.ports.end() ? StatusValue((*failed)->failure) : Value();
 }
 
-const Fields<Adapter>& AdapterFields() {
-    static const Fields<Adapter> kFields = {
-        {"index", "", "ADAPTER", kInteger, &Adapter::index},
-        {SpeakerFields(), SpeakerOf},
-        {"port_count", "", kInteger, [](const Adapter& adapter) { return adapter.ports.size(); }},
-        {"ports_online", "Ports online", "ONLINE", kInteger, OnlinePorts},
-        {"status", "Status", kText.OrNull().Quiet(), AdapterStatus,
-         "null, or the status of the first port that failed"},
-    };
-    return kFields;
-}
+const Fields<Adapter> kAdapterFields = {
+    {"index", "", "ADAPTER", kInteger, &Adapter::index},
+    {kSpeakerFields, SpeakerOf},
+    {"port_count", "", kInteger, [](const Adapter& adapter) { return adapter.ports.size(); }},
+    {"ports_online", "Ports online", "ONLINE", kInteger, OnlinePorts},
+    {"status", "Status", kText.OrNull().Quiet(), AdapterStatus,
+     "null, or the status of the first port that failed"},
+};
 
-const Fields<Adapter>& AdapterDetailFields() {
-    static const Fields<Port> kPorts = SummaryFields(false);
-    static const Fields<Adapter> kFields = {
-        [](const Adapter& adapter) { return "Adapter " + std::to_string(adapter.index); },
-        {
-            {AdapterFields(), std::identity()},
-            {"ports", "Ports", kPorts, &Adapter::ports},
-        }};
-    return kFields;
-}
+const Fields<Port> kAdapterPorts = SummaryFields(false);
+const Fields<Adapter> kAdapterDetailFields = {
+    [](const Adapter& adapter) { return "Adapter " + std::to_string(adapter.index); },
+    {
+        {kAdapterFields, std::identity()},
+        {"ports", "Ports", kAdapterPorts, &Adapter::ports},
+    }};
 
 using AdapterRows = std::vector<const Adapter*>;
 using PortRows = std::vector<const Port*>;
 
-const Fields<AdapterRows>& AdapterList() {
-    static const auto kFields = ListOf<AdapterRows>("adapters", "Adapters", AdapterFields(),
-                                                    ListLayout::Table, "No adapters.");
-    return kFields;
-}
+const auto kAdapterList =
+    ListOf<AdapterRows>("adapters", "Adapters", kAdapterFields, ListLayout::Table, "No adapters.");
 
-const Fields<AdapterRows>& AdapterDetails() {
-    static const auto kFields = ListOf<AdapterRows>("adapters", "Adapters", AdapterDetailFields(),
-                                                    ListLayout::Sections, "No adapters.");
-    return kFields;
-}
+const auto kAdapterDetails = ListOf<AdapterRows>("adapters", "Adapters", kAdapterDetailFields,
+                                                 ListLayout::Sections, "No adapters.");
 
-const Fields<PortRows>& PortList() {
-    static const Fields<Port> kPort = SummaryFields(true);
-    static const auto kFields =
-        ListOf<PortRows>("ports", "Ports", kPort, ListLayout::Table, "No ports.");
-    return kFields;
-}
+const Fields<Port> kPortInList = SummaryFields(true);
+const auto kPortList =
+    ListOf<PortRows>("ports", "Ports", kPortInList, ListLayout::Table, "No ports.");
 
 using PortDetailRows = std::vector<PortInDetail>;
 
-const Fields<PortDetailRows>& PortDetails() {
-    static const auto kFields = ListOf<PortDetailRows>("ports", "Ports", PortInDetailFields(),
-                                                       ListLayout::Sections, "No ports.");
-    return kFields;
-}
+const auto kPortDetails = ListOf<PortDetailRows>("ports", "Ports", kPortInDetailFields,
+                                                 ListLayout::Sections, "No ports.");
 
-template <auto fields>
+template <const auto& fields>
 ExitCode ShowAdapters(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
@@ -354,14 +300,14 @@ ExitCode ShowAdapters(Invocation& invocation) {
     for (const Adapter* adapter : rows) {
         shown.insert(shown.end(), adapter->ports.begin(), adapter->ports.end());
     }
-    invocation.Result() = fields().Make(rows);
+    invocation.Result() = fields.Make(rows);
     return ReportFailures(invocation, shown);
 }
 
 ExitCode ListPorts(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);
     const PortRows shown = SelectPorts(invocation, ports);
-    invocation.Result() = PortList().Make(shown);
+    invocation.Result() = kPortList.Make(shown);
     return ReportFailures(invocation, shown);
 }
 
@@ -389,7 +335,7 @@ ExitCode ShowPorts(Invocation& invocation) {
         }
         rows.push_back({one.port, one.answer});
     }
-    invocation.Result() = PortDetails().Make(rows);
+    invocation.Result() = kPortDetails.Make(rows);
     return ReportFailures(invocation, selected);
 }
 
@@ -399,24 +345,24 @@ CommandRows AdapterAndPortCommands() {
     static const Command kCommands[] = {
         {.path = "adapter list",
          .help = "list the adapters",
-         .run = ShowAdapters<AdapterList>,
+         .run = ShowAdapters<kAdapterList>,
          .example = "adapter list",
-         .result = ShapeOf<AdapterList>},
+         .result = ShapeOf<kAdapterList>},
         {.path = "adapter show",
          .help = "show adapters in detail, with their ports",
-         .run = ShowAdapters<AdapterDetails>,
+         .run = ShowAdapters<kAdapterDetails>,
          .example = "adapter show -a serial:EMU7740A0001",
-         .result = ShapeOf<AdapterDetails>},
+         .result = ShapeOf<kAdapterDetails>},
         {.path = "port list",
          .help = "list the ports",
          .run = ListPorts,
          .example = "port list -o csv",
-         .result = ShapeOf<PortList>},
+         .result = ShapeOf<kPortList>},
         {.path = "port show",
          .help = "show ports in detail",
          .run = ShowPorts,
          .example = "port show -p scsi:3",
-         .result = ShapeOf<PortDetails>},
+         .result = ShapeOf<kPortDetails>},
     };
     return kCommands;
 }

@@ -18,27 +18,24 @@ struct LockdownRow {
     std::optional<Lockdown> lockdown;
 };
 
-const Fields<std::vector<LockdownRow>>& LockdownList() {
-    static const Fields<LockdownRow> kRow = {
-        {PortKeys(kPortIndex | kPortName | kAdapterSerial), &LockdownRow::port},
-        {PortSerialAlias(), &LockdownRow::port},
-        {"locked_down", "Locked down", "LOCKED DOWN", kFlag.OrNull(),
-         Of(&LockdownRow::lockdown,
-            [](const Lockdown& lockdown) {
-                return Value::Flag(lockdown.lockedDown)
-                    .In(lockdown.lockedDown ? Tone::Warning : Tone::Plain);
-            }),
-         "the firmware refuses changes of flash and settings; null: it does not tell"},
-        {"state", "State", kText.OrNull(),
-         Of(&LockdownRow::lockdown,
-            [](const Lockdown& lockdown) { return HexDigits(BytesOf(lockdown.state)); }),
-         "what the firmware says of it: bytes whose meaning is its own"},
-        {PortStatus(), &LockdownRow::port},
-    };
-    static const auto kFields = ListOf<std::vector<LockdownRow>>("lockdowns", "Lockdowns", kRow,
-                                                                 ListLayout::Table, "No ports.");
-    return kFields;
-}
+const Fields<LockdownRow> kLockdownRow = {
+    {PortKeys(kPortIndex | kPortName | kAdapterSerial), &LockdownRow::port},
+    {PortSerialAlias(), &LockdownRow::port},
+    {"locked_down", "Locked down", "LOCKED DOWN", kFlag.OrNull(),
+     Of(&LockdownRow::lockdown,
+        [](const Lockdown& lockdown) {
+            return Value::Flag(lockdown.lockedDown)
+                .In(lockdown.lockedDown ? Tone::Warning : Tone::Plain);
+        }),
+     "the firmware refuses changes of flash and settings; null: it does not tell"},
+    {"state", "State", kText.OrNull(),
+     Of(&LockdownRow::lockdown,
+        [](const Lockdown& lockdown) { return HexDigits(BytesOf(lockdown.state)); }),
+     "what the firmware says of it: bytes whose meaning is its own"},
+    {PortStatus(), &LockdownRow::port},
+};
+const auto kLockdownList = ListOf<std::vector<LockdownRow>>("lockdowns", "Lockdowns", kLockdownRow,
+                                                            ListLayout::Table, "No ports.");
 
 HX_STATUS AskLockdown(PortVisit& visit, std::optional<Lockdown>* lockdown) {
     visit.query = "lockdown state";
@@ -61,7 +58,7 @@ ExitCode PortLockdown(Invocation& invocation) {
     for (const auto& one : answers) {
         rows.push_back({one.port, one.answer});
     }
-    invocation.Result() = LockdownList().Make(rows);
+    invocation.Result() = kLockdownList.Make(rows);
     return exit;
 }
 
@@ -73,7 +70,7 @@ CommandRows LockdownCommands() {
          .help = "show whether the firmware is locked down against changes",
          .run = PortLockdown,
          .example = "port lockdown -p scsi:3",
-         .result = ShapeOf<LockdownList>},
+         .result = ShapeOf<kLockdownList>},
     };
     return kCommands;
 }

@@ -1,9 +1,6 @@
 // The remote ports that a port's driver knows.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "hxfabric.h"
 #include "vxmgr/app/port_walk.h"
 

@@ -10,19 +10,13 @@ struct SwitchState {
     bool previous;
 };
 
-const Fields<bool>& EnabledFields() {
-    static const Fields<bool> kFields = {{"enabled", "SmartSAN", kFlag, OnOffValue}};
-    return kFields;
-}
+const Fields<bool> kEnabledFields = {{"enabled", "SmartSAN", kFlag, OnOffValue}};
 
-const Fields<SwitchState>& SwitchFields() {
-    static const Fields<SwitchState> kFields = {
-        {EnabledFields(), &SwitchState::enabled},
-        {"previous", "Before", kFlag,
-         [](const SwitchState& state) { return OnOffValue(state.previous); }},
-    };
-    return kFields;
-}
+const Fields<SwitchState> kSwitchFields = {
+    {kEnabledFields, &SwitchState::enabled},
+    {"previous", "Before", kFlag,
+     [](const SwitchState& state) { return OnOffValue(state.previous); }},
+};
 
 // Any port of the driver reaches the switch: the first selected one that can be opened.
 Device OpenAnyPort(Invocation& invocation) {
@@ -67,7 +61,7 @@ ExitCode SwitchSmartSan(Invocation& invocation) {
             {"driver", "driver_restart", "SmartSAN changes at the next start of the driver"});
     }
     const bool after = IsEnabled(invocation, device);
-    invocation.Result() = SwitchFields().Make({after, before});
+    invocation.Result() = kSwitchFields.Make({after, before});
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -81,7 +75,7 @@ ExitCode SwitchSmartSan(Invocation& invocation) {
 
 ExitCode SmartSanGet(Invocation& invocation) {
     const Device device = OpenAnyPort(invocation);
-    invocation.Result() = EnabledFields().Make(IsEnabled(invocation, device));
+    invocation.Result() = kEnabledFields.Make(IsEnabled(invocation, device));
     return ExitCode::Done;
 }
 
@@ -93,21 +87,21 @@ CommandRows SmartsanCommands() {
          .help = "is SmartSAN on?",
          .run = SmartSanGet,
          .example = "smartsan get",
-         .result = ShapeOf<EnabledFields>},
+         .result = ShapeOf<kEnabledFields>},
         {.path = "smartsan on",
          .risk = Risk::Reversible,
          .help = "switch SmartSAN on from the driver's next start",
          .schema = "smartsan.set",
          .run = SwitchSmartSan<true>,
          .example = "smartsan on -p scsi:3",
-         .result = ShapeOf<SwitchFields>},
+         .result = ShapeOf<kSwitchFields>},
         {.path = "smartsan off",
          .risk = Risk::Reversible,
          .help = "switch SmartSAN off from the driver's next start",
          .schema = "smartsan.set",
          .run = SwitchSmartSan<false>,
          .example = "smartsan off -p scsi:3",
-         .result = ShapeOf<SwitchFields>},
+         .result = ShapeOf<kSwitchFields>},
     };
     return kCommands;
 }

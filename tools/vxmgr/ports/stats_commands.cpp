@@ -219,20 +219,17 @@ struct Clearing {
 template <auto group>
 constexpr auto kBefore = [](const Clearing& clearing) { return clearing.before.*group; };
 
-const Fields<Clearing>& ClearingFields() {
-    static const Fields<Clearing> kFields = {
-        {PortKeys(kPortIndex | kAdapterSerial), &Clearing::port},
-        {PortSerialAlias(), &Clearing::port},
-        {"cleared", "Cleared", kFlag, &Clearing::cleared},
-        {"before", "Before", LinkFields(), kBefore<&PortCounters::link>,
-         "the counters before they were set to zero; null: they were not to be", kGroup.OrNull()},
-        {"private_before", "Driver's own counters before", PrivateFields(),
-         kBefore<&PortCounters::driver>, "the same of the driver's own", kGroup.OrNull()},
-        {"latency_before", "Latency before", LatencyFields(), kBefore<&PortCounters::latency>,
-         "the same of the latencies", kGroup.OrNull()},
-    };
-    return kFields;
-}
+const Fields<Clearing> kClearingFields = {
+    {PortKeys(kPortIndex | kAdapterSerial), &Clearing::port},
+    {PortSerialAlias(), &Clearing::port},
+    {"cleared", "Cleared", kFlag, &Clearing::cleared},
+    {"before", "Before", LinkFields(), kBefore<&PortCounters::link>,
+     "the counters before they were set to zero; null: they were not to be", kGroup.OrNull()},
+    {"private_before", "Driver's own counters before", PrivateFields(),
+     kBefore<&PortCounters::driver>, "the same of the driver's own", kGroup.OrNull()},
+    {"latency_before", "Latency before", LatencyFields(), kBefore<&PortCounters::latency>,
+     "the same of the latencies", kGroup.OrNull()},
+};
 
 // A reading with this option ends what it counted: it is what stood there before.
 template <class Record>
@@ -296,7 +293,7 @@ ExitCode PortStatsClear(Invocation& invocation) {
         status = ClearCounters(invocation, session.Handle(), &before);
     }
     invocation.Result() =
-        ClearingFields().Make({session.port, !dry && status == HXMGT_SUCCESS, before});
+        kClearingFields.Make({session.port, !dry && status == HXMGT_SUCCESS, before});
     if (status != HXMGT_SUCCESS) {
         invocation.Fail(status, "the counters were not reset", object);
     }
@@ -329,7 +326,7 @@ CommandRows StatsCommands() {
          .arguments = kStatsClearArguments,
          .run = PortStatsClear,
          .example = "port stats clear -p scsi:3",
-         .result = ShapeOf<ClearingFields>},
+         .result = ShapeOf<kClearingFields>},
     };
     return kCommands;
 }

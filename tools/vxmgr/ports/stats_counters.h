@@ -2,11 +2,8 @@
 // them.
 #pragma once
 
-#include <cstdint>
 #include <cstring>
-#include <optional>
 #include <span>
-#include <string>
 
 #include "hxstatistics.h"
 #include "vxmgr/app/vocabulary.h"

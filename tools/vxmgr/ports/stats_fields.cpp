@@ -58,33 +58,27 @@ const Fields<HX_PROTOCOL_STATISTICS>& ProtocolFields(const char* const (&columns
     return made.try_emplace(columns[0], std::move(rows)).first->second;
 }
 
-const Fields<HX_PORT_STATISTICS_V2>& TrafficFields() {
-    using TrafficRecord = HX_PORT_STATISTICS_V2;
-    static constexpr const char* kFcpColumns[] = {"FCP IN", "FCP OUT"};
-    static constexpr const char* kNvmeColumns[] = {"NVME IN", "NVME OUT"};
-    static const Fields<TrafficRecord> kFields([] {
-        std::vector<FieldRow<TrafficRecord>> rows;
-        AddCounters(
-            FrameCounters(), [](const TrafficRecord& traffic) { return &traffic.port; }, true,
-            &rows);
-        AddCounters(TrafficCounters(), Itself<TrafficRecord>, true, &rows);
-        rows.push_back({"fcp", "FCP", ProtocolFields(kFcpColumns),
-                        [](const TrafficRecord& traffic) { return &traffic.fcp; }, "", kGroup});
-        rows.push_back({"nvme", "NVMe", ProtocolFields(kNvmeColumns),
-                        [](const TrafficRecord& traffic) { return &traffic.nvme; }, "", kGroup});
-        return rows;
-    }());
-    return kFields;
-}
+constexpr const char* kFcpColumns[] = {"FCP IN", "FCP OUT"};
+constexpr const char* kNvmeColumns[] = {"NVME IN", "NVME OUT"};
+const Fields<HX_PORT_STATISTICS_V2> kTrafficFields([] {
+    std::vector<FieldRow<HX_PORT_STATISTICS_V2>> rows;
+    AddCounters(
+        FrameCounters(), [](const HX_PORT_STATISTICS_V2& traffic) { return &traffic.port; }, true,
+        &rows);
+    AddCounters(TrafficCounters(), Itself<HX_PORT_STATISTICS_V2>, true, &rows);
+    rows.push_back({"fcp", "FCP", ProtocolFields(kFcpColumns),
+                    [](const HX_PORT_STATISTICS_V2& traffic) { return &traffic.fcp; }, "", kGroup});
+    rows.push_back({"nvme", "NVMe", ProtocolFields(kNvmeColumns),
+                    [](const HX_PORT_STATISTICS_V2& traffic) { return &traffic.nvme; }, "",
+                    kGroup});
+    return rows;
+}());
 
-const Fields<HX_FPIN_COUNTERS>& FpinFields() {
-    static const Fields<HX_FPIN_COUNTERS> kFields([] {
-        std::vector<FieldRow<HX_FPIN_COUNTERS>> rows;
-        AddCounters(FpinCounters(), Itself<HX_FPIN_COUNTERS>, true, &rows);
-        return rows;
-    }());
-    return kFields;
-}
+const Fields<HX_FPIN_COUNTERS> kFpinFields([] {
+    std::vector<FieldRow<HX_FPIN_COUNTERS>> rows;
+    AddCounters(FpinCounters(), Itself<HX_FPIN_COUNTERS>, true, &rows);
+    return rows;
+}());
 
 constexpr const char* kSeverities[] = {"none", "warning", "alarm"};
 
@@ -130,55 +124,51 @@ const HX_FPIN_COUNTERS* PeersOf(const ScmReading& reading) {
     return reading.ofRemotePort ? nullptr : &reading.record.peerFpins;
 }
 
-const Fields<ScmReading>& ScmFields() {
-    using ScmRecord = HX_SCM_STATISTICS;
-    static const Fields<ScmReading> kFields([] {
-        std::vector<FieldRow<ScmReading>> rows = {
-            {"registered", "FPINs registered", kFlag, HasState<HX_SCM_FPINS_REGISTERED>},
-            {"signals_agreed", "Congestion signals agreed", kFlag, HasState<HX_SCM_SIGNALS_AGREED>},
-            {"enabled", "Enabled", kFlag, HasState<HX_SCM_ENABLED>, "the setting is on"},
-            {"throttling", "Throttling", kFlag, HasState<HX_SCM_THROTTLING>,
-             "requests are held back now"},
-            {"severity", "Severity", "SEVERITY", Choice(kSeverities).OrNull(), SeverityValue,
-             "of the congestion now", 8},
-            {"link_fpins", "Link FPINs", "LINK", kCounter, OwnFpins<0, kFirstDelivery>,
-             "notifications of the link's integrity", 5},
-            {"delivery_fpins", "Delivery FPINs", "DELIVERY", kCounter,
-             OwnFpins<kFirstDelivery, kFirstCongestion>, "notifications of frames not delivered",
-             8},
-            {"congestion_fpins", "Congestion FPINs", "CONGESTION", kCounter,
-             OwnFpins<kFirstCongestion, kAllFpins>, "notifications of congestion", 10},
-            {"peer_fpins", "FPINs about peers", "PEERS", kCounter.OrNull(),
-             [](const ScmReading& reading) {
-                 const HX_FPIN_COUNTERS* peers = PeersOf(reading);
-                 return peers != nullptr ? Value::Number(FpinSum(*peers, 0, kAllFpins)) : Value();
-             },
-             "notifications about ports that this one has to do with", 5},
-        };
-        AddCounters(
-            ScmCounters(), [](const ScmReading& reading) { return &reading.record; }, true, &rows);
-        rows.insert(
-            rows.end(),
-            {
-                {"allowed_percent", "Bandwidth allowed", "ALLOWED", Integer("%").OrNull(),
-                 [](const ScmReading& reading) {
-                     return reading.ofRemotePort
-                                ? Value()
-                                : Value::Number(reading.record.allowedPercent, "%");
-                 },
-                 "of the bandwidth, now", 7},
-                {"warning_interval_ms", "Interval of warning signals", kInteger.OrNull(),
-                 OwnNumber<&ScmRecord::warningInterval>, "agreed with the attached port; 0: none"},
-                {"alarm_interval_ms", "Interval of alarm signals", kInteger.OrNull(),
-                 OwnNumber<&ScmRecord::alarmInterval>, "agreed with the attached port; 0: none"},
-                {"fpin", "FPINs about this port", FpinFields(),
-                 [](const ScmReading& reading) { return &reading.record.fpins; }, "", kGroup},
-                {"peers", "FPINs about peers", FpinFields(), PeersOf, "", kGroup.OrNull()},
-            });
-        return rows;
-    }());
-    return kFields;
-}
+const Fields<ScmReading> kScmFields([] {
+    std::vector<FieldRow<ScmReading>> rows = {
+        {"registered", "FPINs registered", kFlag, HasState<HX_SCM_FPINS_REGISTERED>},
+        {"signals_agreed", "Congestion signals agreed", kFlag, HasState<HX_SCM_SIGNALS_AGREED>},
+        {"enabled", "Enabled", kFlag, HasState<HX_SCM_ENABLED>, "the setting is on"},
+        {"throttling", "Throttling", kFlag, HasState<HX_SCM_THROTTLING>,
+         "requests are held back now"},
+        {"severity", "Severity", "SEVERITY", Choice(kSeverities).OrNull(), SeverityValue,
+         "of the congestion now", 8},
+        {"link_fpins", "Link FPINs", "LINK", kCounter, OwnFpins<0, kFirstDelivery>,
+         "notifications of the link's integrity", 5},
+        {"delivery_fpins", "Delivery FPINs", "DELIVERY", kCounter,
+         OwnFpins<kFirstDelivery, kFirstCongestion>, "notifications of frames not delivered", 8},
+        {"congestion_fpins", "Congestion FPINs", "CONGESTION", kCounter,
+         OwnFpins<kFirstCongestion, kAllFpins>, "notifications of congestion", 10},
+        {"peer_fpins", "FPINs about peers", "PEERS", kCounter.OrNull(),
+         [](const ScmReading& reading) {
+             const HX_FPIN_COUNTERS* peers = PeersOf(reading);
+             return peers != nullptr ? Value::Number(FpinSum(*peers, 0, kAllFpins)) : Value();
+         },
+         "notifications about ports that this one has to do with", 5},
+    };
+    AddCounters(
+        ScmCounters(), [](const ScmReading& reading) { return &reading.record; }, true, &rows);
+    rows.insert(rows.end(),
+                {
+                    {"allowed_percent", "Bandwidth allowed", "ALLOWED", Integer("%").OrNull(),
+                     [](const ScmReading& reading) {
+                         return reading.ofRemotePort
+                                    ? Value()
+                                    : Value::Number(reading.record.allowedPercent, "%");
+                     },
+                     "of the bandwidth, now", 7},
+                    {"warning_interval_ms", "Interval of warning signals", kInteger.OrNull(),
+                     OwnNumber<&HX_SCM_STATISTICS::warningInterval>,
+                     "agreed with the attached port; 0: none"},
+                    {"alarm_interval_ms", "Interval of alarm signals", kInteger.OrNull(),
+                     OwnNumber<&HX_SCM_STATISTICS::alarmInterval>,
+                     "agreed with the attached port; 0: none"},
+                    {"fpin", "FPINs about this port", kFpinFields,
+                     [](const ScmReading& reading) { return &reading.record.fpins; }, "", kGroup},
+                    {"peers", "FPINs about peers", kFpinFields, PeersOf, "", kGroup.OrNull()},
+                });
+    return rows;
+}());
 
 struct Bucket {
     size_t number;
@@ -259,9 +249,9 @@ Fields<PortCounters> FieldsWith(unsigned shown) {
         [](const PortCounters& counters) { return counters.link ? &*counters.link : nullptr; },
         (shown & kLinkKind) != 0, &rows);
     rows.push_back(GroupRow("traffic", "Traffic", "frames, requests, credits and exchanges",
-                            TrafficFields(), &PortCounters::traffic, (shown & kTrafficKind) != 0));
+                            kTrafficFields, &PortCounters::traffic, (shown & kTrafficKind) != 0));
     rows.push_back(GroupRow("scm", "SAN congestion management", "SAN congestion management",
-                            ScmFields(), &PortCounters::scm, (shown & kScmKind) != 0));
+                            kScmFields, &PortCounters::scm, (shown & kScmKind) != 0));
     rows.push_back(GroupRow("private", "Driver's own counters", "what the driver counted by itself",
                             PrivateFields(), &PortCounters::driver, (shown & kPrivateKind) != 0));
     rows.push_back(GroupRow("latency", "Latency", "how long commands took", LatencyFields(),

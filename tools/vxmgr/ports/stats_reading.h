@@ -1,8 +1,6 @@
 // Reading the counters of an open port.
 #pragma once
 
-#include <string>
-
 #include "hxmgtapi.h"
 #include "vxmgr/ports/stats_fields.h"
 

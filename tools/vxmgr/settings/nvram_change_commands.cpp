@@ -45,18 +45,14 @@ struct NvramChanged {
     bool active = false;
 };
 
-const Fields<NvramChanged>& NvramChangeFields() {
-    using Changed = NvramChanged;
-    static const Fields<Changed> kFields = {
-        {PortKeys(), [](const Changed& one) { return &one.before->ItsPort(); }},
-        {"bank", "Goes to bank", kBank, [](const Changed& one) { return one.before->Target(); },
-         "null on chips with one bank"},
-        {ChangeFields(), &Changed::difference},
-        {"stored", "Stored", kFlag, &Changed::stored, "written and read back"},
-        {"active", "In use", kFlag, &Changed::active, "the firmware uses it"},
-    };
-    return kFields;
-}
+const Fields<NvramChanged> kNvramChangeFields = {
+    {PortKeys(), [](const NvramChanged& one) { return &one.before->ItsPort(); }},
+    {"bank", "Goes to bank", kBank, [](const NvramChanged& one) { return one.before->Target(); },
+     "null on chips with one bank"},
+    {ChangeFields(), &NvramChanged::difference},
+    {"stored", "Stored", kFlag, &NvramChanged::stored, "written and read back"},
+    {"active", "In use", kFlag, &NvramChanged::active, "the firmware uses it"},
+};
 
 struct Restart {
     const PortNvram* before;
@@ -64,17 +60,14 @@ struct Restart {
     bool restarted;
 };
 
-const Fields<Restart>& RestartFields() {
-    static const Fields<Restart> kFields = {
-        {PortKeys(), [](const Restart& one) { return &one.before->ItsPort(); }},
-        {"bank_before", "Bank before", kBank, [](const Restart& one) { return one.before->Bank(); },
-         "null on chips with one bank"},
-        {"bank", "Bank", kBank, [](const Restart& one) { return one.after->Bank(); },
-         "null on chips with one bank"},
-        {"restarted", "Restarted", kFlag, &Restart::restarted},
-    };
-    return kFields;
-}
+const Fields<Restart> kRestartFields = {
+    {PortKeys(), [](const Restart& one) { return &one.before->ItsPort(); }},
+    {"bank_before", "Bank before", kBank, [](const Restart& one) { return one.before->Bank(); },
+     "null on chips with one bank"},
+    {"bank", "Bank", kBank, [](const Restart& one) { return one.after->Bank(); },
+     "null on chips with one bank"},
+    {"restarted", "Restarted", kFlag, &Restart::restarted},
+};
 
 // What the question says of the change.
 std::vector<std::string> LinesOf(const NvramDifference& difference) {
@@ -213,7 +206,7 @@ ExitCode ChangeNvram(Invocation& invocation, const PortNvram& before, std::vecto
             }
         }
     }
-    invocation.Result() = NvramChangeFields().Make(changed);
+    invocation.Result() = kNvramChangeFields.Make(changed);
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (!changed.stored) {
@@ -277,7 +270,7 @@ ExitCode NvramActivate(Invocation& invocation) {
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
     CheckBlocks(invocation, session, before);
     if (invocation.DryRun()) {
-        invocation.Result() = RestartFields().Make({&before, &before, false});
+        invocation.Result() = kRestartFields.Make({&before, &before, false});
         invocation.Note("dry run: the port would restart");
         return ExitCode::Done;
     }
@@ -289,7 +282,7 @@ ExitCode NvramActivate(Invocation& invocation) {
     }
     invocation.Changed();
     const PortNvram after = ReadNvram(invocation, session, false);
-    invocation.Result() = RestartFields().Make({&before, &after, true});
+    invocation.Result() = kRestartFields.Make({&before, &after, true});
     if (before.bank && after.bank && before.bank->second == after.bank->second) {
         invocation.Note("no settings waited: the bank in use is the same");
     }
@@ -307,7 +300,7 @@ CommandRows NvramChangeCommands() {
          .arguments = kSetArguments,
          .run = NvramSet,
          .example = "nvram set execution_throttle=1000 -p scsi:3 --dry-run",
-         .result = ShapeOf<NvramChangeFields>},
+         .result = ShapeOf<kNvramChangeFields>},
         {.path = "nvram import",
          .risk = Risk::Irrecoverable,
          .help = "take the settings from a file",
@@ -315,7 +308,7 @@ CommandRows NvramChangeCommands() {
          .arguments = kImportArguments,
          .run = NvramImport,
          .example = "nvram import settings.json -p scsi:3 --dry-run",
-         .result = ShapeOf<NvramChangeFields>},
+         .result = ShapeOf<kNvramChangeFields>},
     };
     return kCommands;
 }
@@ -327,7 +320,7 @@ CommandRows NvramActivateCommands() {
          .help = "have the firmware use what was written: restarts the port",
          .run = NvramActivate,
          .example = "nvram activate -p scsi:3",
-         .result = ShapeOf<RestartFields>},
+         .result = ShapeOf<kRestartFields>},
     };
     return kCommands;
 }

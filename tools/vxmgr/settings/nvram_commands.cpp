@@ -20,57 +20,49 @@ Value SoundValue(bool sound) {
     return Value::Flag(sound).Shown(sound ? "good" : "wrong").In(sound ? Tone::Plain : Tone::Bad);
 }
 
-const Fields<PortNvram>& NvramShowFields() {
-    using Nvram = PortNvram;
-    static const Fields<Nvram> kFields = {
-        {"port", "Port", kInteger, [](const Nvram& nvram) { return nvram.ItsPort().index; }},
-        {"scsi_port", "", kInteger.OrNull(),
-         [](const Nvram& nvram) { return nvram.ItsPort().scsiPort; }},
-        {"serial", "Adapter", kSerial.OrNull(),
-         [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
-        {"adapter_serial", "", kSerial.OrNull(),
-         [](const Nvram& nvram) { return nvram.ItsPort().Serial(); }},
-        {"kind", "Kind", Choice(kNvramKinds),
-         [](const Nvram& nvram) { return NameOf(nvram.map.kind); }},
-        {"size", "Size", Integer("bytes"), [](const Nvram& nvram) { return nvram.bytes.size(); }},
-        {"bank", "Bank", kBank, &Nvram::Bank, "null on chips with one bank"},
-        {"sound", "Block", kFlag, [](const Nvram& nvram) { return SoundValue(nvram.IsWhole()); },
-         "signature and checksum hold"},
-        {"port_wwn", "Port name", kWwn.OrNull(),
-         [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Port Name Byte"); },
-         "the name in the block"},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         [](const Nvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Node Name Byte"); }},
-        {"variables", "Variables", VariableFields(),
-         [](const Nvram& nvram) {
-             std::vector<VariableRow> rows;
-             for (const NvramVariable& variable : nvram.map.variables) {
-                 if (variable.field) {
-                     rows.push_back({&variable, ValueOf(nvram.bytes, variable)});
-                 }
+const Fields<PortNvram> kNvramShowFields = {
+    {"port", "Port", kInteger, [](const PortNvram& nvram) { return nvram.ItsPort().index; }},
+    {"scsi_port", "", kInteger.OrNull(),
+     [](const PortNvram& nvram) { return nvram.ItsPort().scsiPort; }},
+    {"serial", "Adapter", kSerial.OrNull(),
+     [](const PortNvram& nvram) { return nvram.ItsPort().Serial(); }},
+    {"adapter_serial", "", kSerial.OrNull(),
+     [](const PortNvram& nvram) { return nvram.ItsPort().Serial(); }},
+    {"kind", "Kind", Choice(kNvramKinds),
+     [](const PortNvram& nvram) { return NameOf(nvram.map.kind); }},
+    {"size", "Size", Integer("bytes"), [](const PortNvram& nvram) { return nvram.bytes.size(); }},
+    {"bank", "Bank", kBank, &PortNvram::Bank, "null on chips with one bank"},
+    {"sound", "Block", kFlag, [](const PortNvram& nvram) { return SoundValue(nvram.IsWhole()); },
+     "signature and checksum hold"},
+    {"port_wwn", "Port name", kWwn.OrNull(),
+     [](const PortNvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Port Name Byte"); },
+     "the name in the block"},
+    {"node_wwn", "Node name", kWwn.OrNull(),
+     [](const PortNvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Node Name Byte"); }},
+    {"variables", "Variables", VariableFields(),
+     [](const PortNvram& nvram) {
+         std::vector<VariableRow> rows;
+         for (const NvramVariable& variable : nvram.map.variables) {
+             if (variable.field) {
+                 rows.push_back({&variable, ValueOf(nvram.bytes, variable)});
              }
-             return rows;
-         },
-         ListLayout::Table, "no variables"},
-    };
-    return kFields;
-}
+         }
+         return rows;
+     },
+     ListLayout::Table, "no variables"},
+};
 
 struct ShownVariable {
     VariableRow row;
     const PortNvram* nvram;
 };
 
-const Fields<ShownVariable>& NvramGetFields() {
-    using Shown = ShownVariable;
-    static const Fields<Shown> kFields = {
-        {VariableFields(), &Shown::row},
-        {PortKeys(), [](const Shown& shown) { return &shown.nvram->ItsPort(); }},
-        {"bank", "Bank", kBank, [](const Shown& shown) { return shown.nvram->Bank(); },
-         "null on chips with one bank"},
-    };
-    return kFields;
-}
+const Fields<ShownVariable> kNvramGetFields = {
+    {VariableFields(), &ShownVariable::row},
+    {PortKeys(), [](const ShownVariable& shown) { return &shown.nvram->ItsPort(); }},
+    {"bank", "Bank", kBank, [](const ShownVariable& shown) { return shown.nvram->Bank(); },
+     "null on chips with one bank"},
+};
 
 // What verifying one port found; empty fields could not be told.
 struct Verified {
@@ -117,11 +109,8 @@ const Fields<Verified>& VerifiedFields() {
 
 using VerifiedPorts = std::vector<Verified>;
 
-const Fields<VerifiedPorts>& NvramVerifyFields() {
-    static const auto kFields =
-        ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(), ListLayout::Table, "no ports");
-    return kFields;
-}
+const auto kNvramVerifyFields =
+    ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(), ListLayout::Table, "no ports");
 
 Verified Verify(Invocation& invocation, const PortSession& session) {
     const NvramMap map = LearnVariables(invocation, session);
@@ -147,7 +136,7 @@ Verified Verify(Invocation& invocation, const PortSession& session) {
 ExitCode NvramShow(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
-    invocation.Result() = NvramShowFields().Make(nvram);
+    invocation.Result() = kNvramShowFields.Make(nvram);
     if (!nvram.IsWhole()) {
         invocation.Warn("signature or checksum of the block are wrong",
                         "`nvram verify` tells which; `nvram import` writes an export again");
@@ -168,7 +157,7 @@ ExitCode NvramGet(Invocation& invocation) {
         invocation.Fail(ExitCode::NotSupported, "this chip has no variable " + variable->name);
     }
     invocation.Result() =
-        NvramGetFields().Make({{variable, ValueOf(nvram.bytes, *variable)}, &nvram});
+        kNvramGetFields.Make({{variable, ValueOf(nvram.bytes, *variable)}, &nvram});
     return ExitCode::Done;
 }
 
@@ -194,7 +183,7 @@ ExitCode NvramVerify(Invocation& invocation) {
         bad = bad || one.answer.IsBad();
         verifiedPorts.push_back(one.answer);
     }
-    invocation.Result() = NvramVerifyFields().Make(verifiedPorts);
+    invocation.Result() = kNvramVerifyFields.Make(verifiedPorts);
     const ExitCode exit = ReportFailures(invocation, selected);
     if (!bad) {
         return exit;
@@ -216,18 +205,18 @@ CommandRows NvramCommands() {
          .arguments = {&kBankArgument, 1},
          .run = NvramShow,
          .example = "nvram show -p scsi:3",
-         .result = ShapeOf<NvramShowFields>},
+         .result = ShapeOf<kNvramShowFields>},
         {.path = "nvram get",
          .help = "print one setting",
          .arguments = kGetArguments,
          .run = NvramGet,
          .example = "nvram get execution_throttle -p scsi:3",
-         .result = ShapeOf<NvramGetFields>},
+         .result = ShapeOf<kNvramGetFields>},
         {.path = "nvram verify",
          .help = "are the settings whole?",
          .run = NvramVerify,
          .example = "nvram verify",
-         .result = ShapeOf<NvramVerifyFields>},
+         .result = ShapeOf<kNvramVerifyFields>},
     };
     return kCommands;
 }

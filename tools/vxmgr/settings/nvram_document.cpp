@@ -13,14 +13,11 @@ struct WrittenVariable {
     uint32_t value;
 };
 
-const Fields<WrittenVariable>& WrittenVariableFields() {
-    static const Fields<WrittenVariable> kFields = {
-        {"number", "", kInteger, [](const WrittenVariable& row) { return row.variable->number; }},
-        {"name", "", kText, [](const WrittenVariable& row) { return row.variable->name; }},
-        {"value", "", kInteger, &WrittenVariable::value},
-    };
-    return kFields;
-}
+const Fields<WrittenVariable> kWrittenVariableFields = {
+    {"number", "", kInteger, [](const WrittenVariable& row) { return row.variable->number; }},
+    {"name", "", kText, [](const WrittenVariable& row) { return row.variable->name; }},
+    {"value", "", kInteger, &WrittenVariable::value},
+};
 
 struct NvramSource {
     const NvramOrigin* origin;
@@ -38,27 +35,24 @@ struct NvramSource {
     }
 };
 
-const Fields<NvramSource>& NvramDocumentFields() {
-    static const char* const kKinds[] = {NameOf(NvramKind::Classic), NameOf(NvramKind::Extended)};
-    static const auto kHead = DocumentHeadFields(kNvramKind);
-    static const Fields<NvramSource> kFields = {
-        {kHead, [](const NvramSource& source) { return &source.origin->port; }},
-        {"chip", "", Hexadecimal(4), [](const NvramSource& source) { return source.origin->chip; },
-         "PCI device ID"},
-        {"kind", "", Choice(kKinds),
-         [](const NvramSource& source) { return NameOf(source.map->kind); }},
-        {"size", "", kInteger, [](const NvramSource& source) { return source.block.size(); }},
-        {"variables", "", WrittenVariableFields(), &NvramSource::Variables, ListLayout::Table, "",
-         "a value that differs from the block's is a change"},
-        {"block", "", kText, [](const NvramSource& source) { return HexDigits(source.block); },
-         "hexadecimal digits, with its checksum"},
-    };
-    return kFields;
-}
+const char* const kKinds[] = {NameOf(NvramKind::Classic), NameOf(NvramKind::Extended)};
+const auto kNvramHead = DocumentHeadFields(kNvramKind);
+const Fields<NvramSource> kNvramDocumentFields = {
+    {kNvramHead, [](const NvramSource& source) { return &source.origin->port; }},
+    {"chip", "", Hexadecimal(4), [](const NvramSource& source) { return source.origin->chip; },
+     "PCI device ID"},
+    {"kind", "", Choice(kKinds),
+     [](const NvramSource& source) { return NameOf(source.map->kind); }},
+    {"size", "", kInteger, [](const NvramSource& source) { return source.block.size(); }},
+    {"variables", "", kWrittenVariableFields, &NvramSource::Variables, ListLayout::Table, "",
+     "a value that differs from the block's is a change"},
+    {"block", "", kText, [](const NvramSource& source) { return HexDigits(source.block); },
+     "hexadecimal digits, with its checksum"},
+};
 
 void TakeVariable(const DocumentObject& row, const NvramMap& map, std::vector<uint8_t>& block,
                   std::vector<bool>& taken) {
-    row.Close(WrittenVariableFields().ShapeOfAll());
+    row.Close(kWrittenVariableFields.ShapeOfAll());
     const uint64_t number = row.Number("number", HX_NVRAM_VARIABLES - 1);
     const NvramVariable* variable = map.WithNumber(number);
     if (variable == nullptr || !variable->field) {
@@ -85,18 +79,18 @@ void TakeVariable(const DocumentObject& row, const NvramMap& map, std::vector<ui
 }  // namespace
 
 Shape NvramDocumentShape() {
-    return NvramDocumentFields().ShapeOfAll();
+    return kNvramDocumentFields.ShapeOfAll();
 }
 
 std::string NvramDocumentText(const NvramOrigin& origin, const NvramMap& map, Bytes block) {
-    return RecordDocument(NvramDocumentFields().Make({&origin, &map, block}));
+    return RecordDocument(kNvramDocumentFields.Make({&origin, &map, block}));
 }
 
 NvramDocument ReadNvramDocument(std::string_view text, const NvramMap& map) {
     const DocumentObject document(text);
     NvramDocument result;
     result.origin.port = ReadDocumentHead(document, kNvramKind);
-    document.Close(NvramDocumentFields().ShapeOfAll());
+    document.Close(kNvramDocumentFields.ShapeOfAll());
     result.origin.chip = static_cast<uint16_t>(document.Hex("chip", UINT16_MAX));
     if (const std::string kind = document.Text("kind"); kind != NameOf(map.kind)) {
         document.Fail("kind", "is \"" + kind + "\", this chip's blocks are " + NameOf(map.kind));

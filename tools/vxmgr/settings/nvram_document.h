@@ -2,11 +2,6 @@
 // nobody touched gives the very bytes back. Free of platform headers.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "vxmgr/bindings/store_document.h"
 #include "vxmgr/settings/nvram_fields.h"
 

@@ -2,12 +2,7 @@
 // Free of platform headers.
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <span>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "vxmgr/settings/nvram_block.h"
 

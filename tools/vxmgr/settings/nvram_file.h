@@ -1,9 +1,6 @@
 // Files that a port's NVRAM is exported to and imported from.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "vxmgr/settings/nvram_port.h"
 
 namespace vxmgr {

@@ -1,8 +1,6 @@
 // The NVRAM of an open port: its variables as the library knows them, and its block.
 #pragma once
 
-#include <vector>
-
 #include "vxmgr/settings/nvram_fields.h"
 #include "vxmgr/settings/settings_bank.h"
 

@@ -1,9 +1,6 @@
 // NVRAM in the results of commands.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "vxmgr/settings/nvram_fields.h"
 
 namespace vxmgr {

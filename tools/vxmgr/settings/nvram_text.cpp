@@ -1,11 +1,7 @@
 #include "vxmgr/settings/nvram_text.h"
 
 #include <charconv>
-#include <cstdint>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "vxmgr/bindings/store_document.h"
 

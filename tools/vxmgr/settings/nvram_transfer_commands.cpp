@@ -23,45 +23,37 @@ struct NvramCompared {
     bool equal;
 };
 
-const Fields<NvramCompared>& NvramDiffFields() {
-    using Compared = NvramCompared;
-    static const Fields<Compared> kFields = {
-        {PortKeys(), [](const Compared& one) { return &one.nvram->ItsPort(); }},
-        {"bank", "Bank", kBank, [](const Compared& one) { return one.nvram->Bank(); },
-         "null on chips with one bank"},
-        {FileDiffFields(), &Compared::difference},
-        {"equal", "Equal", kFlag, &Compared::equal, "byte for byte"},
-    };
-    return kFields;
-}
+const Fields<NvramCompared> kNvramDiffFields = {
+    {PortKeys(), [](const NvramCompared& one) { return &one.nvram->ItsPort(); }},
+    {"bank", "Bank", kBank, [](const NvramCompared& one) { return one.nvram->Bank(); },
+     "null on chips with one bank"},
+    {FileDiffFields(), &NvramCompared::difference},
+    {"equal", "Equal", kFlag, &NvramCompared::equal, "byte for byte"},
+};
 
 struct NvramExported {
     const PortNvram* nvram;
     std::string file;
 };
 
-const Fields<NvramExported>& NvramExportFields() {
-    using Exported = NvramExported;
-    static const Fields<Exported> kFields = {
-        {PortKeys(), [](const Exported& one) { return &one.nvram->ItsPort(); }},
-        {"kind", "Kind", Choice(kNvramKinds),
-         [](const Exported& one) { return NameOf(one.nvram->map.kind); }},
-        {"bank", "Bank", kBank, [](const Exported& one) { return one.nvram->Bank(); },
-         "null on chips with one bank"},
-        {"file", "File", kText, &Exported::file},
-        {"size", "Block", Integer("bytes"),
-         [](const Exported& one) { return one.nvram->bytes.size(); }},
-        {"sound", "Sound", kFlag, [](const Exported& one) { return one.nvram->IsWhole(); },
-         "signature and checksum hold"},
-    };
-    return kFields;
-}
+const Fields<NvramExported> kNvramExportFields = {
+    {PortKeys(), [](const NvramExported& one) { return &one.nvram->ItsPort(); }},
+    {"kind", "Kind", Choice(kNvramKinds),
+     [](const NvramExported& one) { return NameOf(one.nvram->map.kind); }},
+    {"bank", "Bank", kBank, [](const NvramExported& one) { return one.nvram->Bank(); },
+     "null on chips with one bank"},
+    {"file", "File", kText, &NvramExported::file},
+    {"size", "Block", Integer("bytes"),
+     [](const NvramExported& one) { return one.nvram->bytes.size(); }},
+    {"sound", "Sound", kFlag, [](const NvramExported& one) { return one.nvram->IsWhole(); },
+     "signature and checksum hold"},
+};
 
 ExitCode NvramDiff(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortNvram nvram = ReadNvram(invocation, session, WantsOtherBank(invocation));
     const std::vector<uint8_t> block = LoadNvramFile(invocation, nvram, FileUse::Compare);
-    invocation.Result() = NvramDiffFields().Make(
+    invocation.Result() = kNvramDiffFields.Make(
         {&nvram, DifferenceOf(nvram.map, nvram.bytes, block), nvram.bytes == block});
     return ExitCode::Done;
 }
@@ -82,7 +74,7 @@ ExitCode NvramExport(Invocation& invocation) {
     if (invocation.Names().Enabled()) {
         invocation.Note("the file itself has the names: --redact masks the output alone");
     }
-    invocation.Result() = NvramExportFields().Make({&nvram, path});
+    invocation.Result() = kNvramExportFields.Make({&nvram, path});
     return ExitCode::Done;
 }
 
@@ -95,13 +87,13 @@ CommandRows NvramTransferCommands() {
          .arguments = kDiffArguments,
          .run = NvramDiff,
          .example = "nvram diff settings.json -p scsi:3",
-         .result = ShapeOf<NvramDiffFields>},
+         .result = ShapeOf<kNvramDiffFields>},
         {.path = "nvram export",
          .help = "write the settings to a file",
          .arguments = kExportArguments,
          .run = NvramExport,
          .example = "nvram export settings.json -p scsi:3",
-         .result = ShapeOf<NvramExportFields>},
+         .result = ShapeOf<kNvramExportFields>},
     };
     return kCommands;
 }

@@ -2,10 +2,6 @@
 // the bank in use, writes go to the other one, which nothing but its flash region shows.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <vector>
-
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/flash/flash_layout.h"

@@ -1,10 +1,6 @@
 // Writing a port's NVRAM or product data: read back, and told what stands there afterwards.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "vxmgr/settings/settings_bank.h"
 
 namespace vxmgr {

@@ -56,24 +56,20 @@ Value DataValue(const VpdItem& item) {
                : std::move(value).Shown(text.substr(0, kShownCharacters) + "...");
 }
 
-const Fields<VpdItem>& VpdItemFields() {
-    using Item = VpdItem;
-    static const Fields<Item> kFields = {
-        {"section", "Section", "SECTION", Choice(kVpdSections),
-         [](const Item& item) { return kVpdSections[static_cast<size_t>(item.section)]; }},
-        {"keyword", "Keyword", "KEYWORD", kText.OrNull(), &Item::keyword},
-        {"meaning", "Meaning", "MEANING", kText,
-         [](const Item& item) {
-             return item.keyword.empty() ? "product name" : VpdKeywordText(item.keyword);
-         }},
-        {"offset", "Offset", "OFFSET", kText,
-         [](const Item& item) { return HexValue(item.offset, 4); }},
-        {"length", "Length", Integer("bytes"), [](const Item& item) { return item.data.size(); }},
-        {"is_text", "Text", kFlag, &Item::IsText, "else the value is in hexadecimal digits"},
-        {"value", "Value", "VALUE", kText.OrNull(), DataValue},
-    };
-    return kFields;
-}
+const Fields<VpdItem> kVpdItemFields = {
+    {"section", "Section", "SECTION", Choice(kVpdSections),
+     [](const VpdItem& item) { return kVpdSections[static_cast<size_t>(item.section)]; }},
+    {"keyword", "Keyword", "KEYWORD", kText.OrNull(), &VpdItem::keyword},
+    {"meaning", "Meaning", "MEANING", kText,
+     [](const VpdItem& item) {
+         return item.keyword.empty() ? "product name" : VpdKeywordText(item.keyword);
+     }},
+    {"offset", "Offset", "OFFSET", kText,
+     [](const VpdItem& item) { return HexValue(item.offset, 4); }},
+    {"length", "Length", Integer("bytes"), [](const VpdItem& item) { return item.data.size(); }},
+    {"is_text", "Text", kFlag, &VpdItem::IsText, "else the value is in hexadecimal digits"},
+    {"value", "Value", "VALUE", kText.OrNull(), DataValue},
+};
 
 struct ShownVpd {
     const PortSettings* settings;
@@ -94,45 +90,35 @@ Value VpdChecksumValue(const ShownVpd& shown) {
                         .In(*holds ? Tone::Plain : Tone::Bad);
 }
 
-const Fields<ShownVpd>& VpdShowFields() {
-    static const Fields<ShownVpd> kFields = {
-        {PortKeys(), &ShownVpd::ItsPort},
-        {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
-        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
-        {"used", "Used", kInteger.OrNull(),
-         [](const ShownVpd& shown) {
-             return shown.vpd.used == 0 ? Value() : Value::Number(shown.vpd.used, "bytes");
-         }},
-        {"checksum_good", "Checksum", kFlag.OrNull(), VpdChecksumValue},
-        {"sound", "Sound", kFlag, [](const ShownVpd& shown) { return shown.vpd.faults.empty(); }},
-        {"items", "Items", VpdItemFields(), [](const ShownVpd& shown) { return shown.vpd.items; },
-         ListLayout::Table, "no product data"},
-    };
-    return kFields;
-}
+const Fields<ShownVpd> kVpdShowFields = {
+    {PortKeys(), &ShownVpd::ItsPort},
+    {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+    {"size", "Size", Integer("bytes"), &ShownVpd::Size},
+    {"used", "Used", kInteger.OrNull(),
+     [](const ShownVpd& shown) {
+         return shown.vpd.used == 0 ? Value() : Value::Number(shown.vpd.used, "bytes");
+     }},
+    {"checksum_good", "Checksum", kFlag.OrNull(), VpdChecksumValue},
+    {"sound", "Sound", kFlag, [](const ShownVpd& shown) { return shown.vpd.faults.empty(); }},
+    {"items", "Items", kVpdItemFields, [](const ShownVpd& shown) { return shown.vpd.items; },
+     ListLayout::Table, "no product data"},
+};
 
-const Fields<ShownVpd>& VpdReadFields() {
-    static const Fields<ShownVpd> kFields = {
-        {PortKeys(), &ShownVpd::ItsPort},
-        {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
-        {"file", "File", kText, &ShownVpd::file},
-        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
-    };
-    return kFields;
-}
+const Fields<ShownVpd> kVpdReadFields = {
+    {PortKeys(), &ShownVpd::ItsPort},
+    {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+    {"file", "File", kText, &ShownVpd::file},
+    {"size", "Size", Integer("bytes"), &ShownVpd::Size},
+};
 
-const Fields<ShownVpd>& VpdWriteFields() {
-    static const Fields<ShownVpd> kFields = {
-        {PortKeys(), &ShownVpd::ItsPort},
-        {"bank", "Goes to bank", kBank,
-         [](const ShownVpd& shown) { return shown.settings->Target(); },
-         "null on chips with one bank"},
-        {"file", "File", kText, &ShownVpd::file},
-        {"size", "Size", Integer("bytes"), &ShownVpd::Size},
-        {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},
-    };
-    return kFields;
-}
+const Fields<ShownVpd> kVpdWriteFields = {
+    {PortKeys(), &ShownVpd::ItsPort},
+    {"bank", "Goes to bank", kBank, [](const ShownVpd& shown) { return shown.settings->Target(); },
+     "null on chips with one bank"},
+    {"file", "File", kText, &ShownVpd::file},
+    {"size", "Size", Integer("bytes"), &ShownVpd::Size},
+    {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},
+};
 
 std::string FaultsText(const PciVpd& vpd) {
     std::string text;
@@ -185,7 +171,7 @@ ExitCode PciVpdShow(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     const PortSettings settings = ReadPortVpd(invocation, session, WantsOtherBank(invocation));
     const ShownVpd shown{&settings};
-    invocation.Result() = VpdShowFields().Make(shown);
+    invocation.Result() = kVpdShowFields.Make(shown);
     for (const std::string& fault : shown.vpd.faults) {
         invocation.Warn("product data: " + fault);
     }
@@ -200,7 +186,7 @@ ExitCode PciVpdRead(Invocation& invocation) {
     if (invocation.Names().Enabled()) {
         invocation.Note("the file itself has the serial number: --redact masks the output alone");
     }
-    invocation.Result() = VpdReadFields().Make({.settings = &settings, .file = path});
+    invocation.Result() = kVpdReadFields.Make({.settings = &settings, .file = path});
     return ExitCode::Done;
 }
 
@@ -225,7 +211,7 @@ ExitCode PciVpdWrite(Invocation& invocation) {
         interrupted = WriteVpd(invocation, current, std::move(replaced), image);
         shown.stored = true;
     }
-    invocation.Result() = VpdWriteFields().Make(shown);
+    invocation.Result() = kVpdWriteFields.Make(shown);
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (!shown.stored) {
@@ -247,20 +233,20 @@ CommandRows VpdCommands() {
          .arguments = {&kBankArgument, 1},
          .run = PciVpdShow,
          .example = "vpd show -p scsi:3",
-         .result = ShapeOf<VpdShowFields>},
+         .result = ShapeOf<kVpdShowFields>},
         {.path = "vpd read",
          .help = "fetch the product data into a file",
          .arguments = kVpdReadArguments,
          .run = PciVpdRead,
          .example = "vpd read vpd.bin -p scsi:3",
-         .result = ShapeOf<VpdReadFields>},
+         .result = ShapeOf<kVpdReadFields>},
         {.path = "vpd write",
          .risk = Risk::Irrecoverable,
          .help = "write product data from a file",
          .arguments = kVpdWriteArguments,
          .run = PciVpdWrite,
          .example = "vpd write vpd.bin -p scsi:3 --dry-run",
-         .result = ShapeOf<VpdWriteFields>},
+         .result = ShapeOf<kVpdWriteFields>},
     };
     return kCommands;
 }

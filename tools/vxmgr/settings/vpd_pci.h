@@ -2,12 +2,6 @@
 // platform headers.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {

@@ -156,22 +156,18 @@ struct SfpWritten {
     Value Digits(Bytes bytes) const { return shown ? Value::Text(HexDigits(bytes)) : Value(); }
 };
 
-const Fields<SfpWritten>& SfpWriteFields() {
-    using Written = SfpWritten;
-    static const Fields<Written> kFields = {
-        {PortKeys(), &Written::port},
-        {"page", "Page", Choice(kSfpPageNames),
-         [](const Written& one) { return one.patch->page.name; }},
-        {"offset", "Offset", kInteger, [](const Written& one) { return one.patch->offset; }},
-        {"before", "Before", kText.OrNull(),
-         [](const Written& one) { return one.Digits(one.patch->Before()); },
-         "hexadecimal digits; null with --redact"},
-        {"after", "Written", kText.OrNull(),
-         [](const Written& one) { return one.Digits(one.patch->bytes); },
-         "hexadecimal digits; null with --redact"},
-    };
-    return kFields;
-}
+const Fields<SfpWritten> kSfpWriteFields = {
+    {PortKeys(), &SfpWritten::port},
+    {"page", "Page", Choice(kSfpPageNames),
+     [](const SfpWritten& one) { return one.patch->page.name; }},
+    {"offset", "Offset", kInteger, [](const SfpWritten& one) { return one.patch->offset; }},
+    {"before", "Before", kText.OrNull(),
+     [](const SfpWritten& one) { return one.Digits(one.patch->Before()); },
+     "hexadecimal digits; null with --redact"},
+    {"after", "Written", kText.OrNull(),
+     [](const SfpWritten& one) { return one.Digits(one.patch->bytes); },
+     "hexadecimal digits; null with --redact"},
+};
 
 struct SfpLoaded {
     const Port* port;
@@ -192,21 +188,17 @@ std::string Describe(const SfpModule& module) {
            FieldText(identity.part, sizeof identity.part) + ", revision " + RevisionOf(module);
 }
 
-const Fields<SfpLoaded>& SfpLoadFields() {
-    using Loaded = SfpLoaded;
-    static const Fields<Loaded> kFields = {
-        {PortKeys(), &Loaded::port},
-        {"file", "File", kText, &Loaded::file},
-        {"size", "Size", Integer("bytes"), &Loaded::size},
-        {"transceiver", "Transceiver", kText,
-         [](const Loaded& one) { return Describe(one.before); }},
-        {"revision_before", "Revision before", kText.OrNull(),
-         [](const Loaded& one) { return RevisionOf(one.before); }},
-        {"revision", "Revision", kText.OrNull(), &Loaded::revision},
-        {"loaded", "Loaded", kFlag, &Loaded::loaded},
-    };
-    return kFields;
-}
+const Fields<SfpLoaded> kSfpLoadFields = {
+    {PortKeys(), &SfpLoaded::port},
+    {"file", "File", kText, &SfpLoaded::file},
+    {"size", "Size", Integer("bytes"), &SfpLoaded::size},
+    {"transceiver", "Transceiver", kText,
+     [](const SfpLoaded& one) { return Describe(one.before); }},
+    {"revision_before", "Revision before", kText.OrNull(),
+     [](const SfpLoaded& one) { return RevisionOf(one.before); }},
+    {"revision", "Revision", kText.OrNull(), &SfpLoaded::revision},
+    {"loaded", "Loaded", kFlag, &SfpLoaded::loaded},
+};
 
 HX_STATUS LoadUnderLock(Invocation& invocation, const PortSession& session,
                         const std::vector<uint8_t>& image) {
@@ -244,7 +236,7 @@ ExitCode SfpWrite(Invocation& invocation) {
     const UpdateOutlook outlook = LookBeforeUpdate(invocation, session);
     const Patch patch{page, offset, std::move(bytes), ReadPage(invocation, session, page)};
     invocation.Result() =
-        SfpWriteFields().Make({&session.port, &patch, !invocation.Names().Enabled()});
+        kSfpWriteFields.Make({&session.port, &patch, !invocation.Names().Enabled()});
     if (!patch.IsNeeded()) {
         invocation.Note("nothing to do");
         return ExitCode::Done;
@@ -281,7 +273,7 @@ ExitCode SfpLoad(Invocation& invocation) {
     }
     SfpLoaded loaded{&session.port, path, image.size(), before, RevisionOf(before)};
     if (invocation.DryRun()) {
-        invocation.Result() = SfpLoadFields().Make(loaded);
+        invocation.Result() = kSfpLoadFields.Make(loaded);
         invocation.Note("dry run: nothing was written",
                         "whether the file fits is for the transceiver to say");
         return ExitCode::Done;
@@ -300,7 +292,7 @@ ExitCode SfpLoad(Invocation& invocation) {
     const HX_STATUS readStatus = ReadSfpModule(session.Handle(), &after);
     loaded.revision = readStatus == HXMGT_SUCCESS ? RevisionOf(after) : std::string();
     loaded.loaded = true;
-    invocation.Result() = SfpLoadFields().Make(loaded);
+    invocation.Result() = kSfpLoadFields.Make(loaded);
     if (readStatus != HXMGT_SUCCESS) {
         invocation.Report(readStatus, "loaded, but the transceiver does not answer",
                           session.port.Object());
@@ -321,14 +313,14 @@ CommandRows SfpChangeCommands() {
          .arguments = kSfpWriteArguments,
          .run = SfpWrite,
          .example = "sfp write a2 0x80 01020304 -p scsi:3",
-         .result = ShapeOf<SfpWriteFields>},
+         .result = ShapeOf<kSfpWriteFields>},
         {.path = "sfp load",
          .risk = Risk::Irrecoverable,
          .help = "load firmware into a transceiver",
          .arguments = kSfpLoadArguments,
          .run = SfpLoad,
          .example = "sfp load transceiver.bin -p scsi:3",
-         .result = ShapeOf<SfpLoadFields>},
+         .result = ShapeOf<kSfpLoadFields>},
     };
     return kCommands;
 }

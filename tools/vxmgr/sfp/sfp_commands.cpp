@@ -55,29 +55,22 @@ std::string ModuleTitle(const ShownModule& shown) {
     return "Transceiver of port " + std::to_string(shown.port->index);
 }
 
-const Fields<ShownModule>& ModuleFields() {
-    using Shown = ShownModule;
-    static const Fields<Shown> kFields(
-        ModuleTitle, {
-                         {PortKeys(kPortIndex | kAdapterSerial), &Shown::port},
-                         {"identity", "Identity", SfpIdentityFields(),
-                          [](const Shown& shown) { return &shown.module.identity; }, "", kGroup},
-                         {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
-                          "empty when all is well; null without diagnostics"},
-                         {"flags", "State", ModuleFlagFields()},
-                         {"readings", "Readings", ReadingFields(), &Shown::Rows, ListLayout::Table,
-                          "no diagnostics", "", "quantity"},
-                     });
-    return kFields;
-}
+const Fields<ShownModule> kModuleFields(
+    ModuleTitle, {
+                     {PortKeys(kPortIndex | kAdapterSerial), &ShownModule::port},
+                     {"identity", "Identity", SfpIdentityFields(),
+                      [](const ShownModule& shown) { return &shown.module.identity; }, "", kGroup},
+                     {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
+                      "empty when all is well; null without diagnostics"},
+                     {"flags", "State", ModuleFlagFields()},
+                     {"readings", "Readings", ReadingFields(), &ShownModule::Rows,
+                      ListLayout::Table, "no diagnostics", "", "quantity"},
+                 });
 
 using ShownModules = std::vector<ShownModule>;
 
-const Fields<ShownModules>& SfpShowFields() {
-    static const auto kFields = ListOf<ShownModules>("transceivers", "Transceivers", ModuleFields(),
-                                                     ListLayout::Sections, "no transceivers");
-    return kFields;
-}
+const auto kSfpShowFields = ListOf<ShownModules>("transceivers", "Transceivers", kModuleFields,
+                                                 ListLayout::Sections, "no transceivers");
 
 ExitCode SfpShow(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -92,7 +85,7 @@ ExitCode SfpShow(Invocation& invocation) {
             *failedQuery = "the diagnostics cannot be read";
             return module.diagnosticsStatus;
         });
-    invocation.Result() = SfpShowFields().Make(shown);
+    invocation.Result() = kSfpShowFields.Make(shown);
     return exit;
 }
 
@@ -102,21 +95,18 @@ struct SfpMemory {
     std::optional<std::vector<HexRow>> pages[std::size(kSfpPages)]{};
 };
 
-const Fields<SfpMemory>& SfpDumpFields() {
-    static const Fields<SfpMemory> kFields = {
-        {PortKeys(), &SfpMemory::port},
-        {kSfpPages[0].name, "Page a0", HexRowFields(),
-         [](const SfpMemory& memory) { return memory.pages[0]; }, ListLayout::Table, "no data"},
-        {kSfpPages[1].name, "Page a2", HexRowFields(),
-         [](const SfpMemory& memory) { return memory.pages[1]; }, ListLayout::Table, "no data"},
-    };
-    return kFields;
-}
+const Fields<SfpMemory> kSfpDumpFields = {
+    {PortKeys(), &SfpMemory::port},
+    {kSfpPages[0].name, "Page a0", HexRowFields(),
+     [](const SfpMemory& memory) { return memory.pages[0]; }, ListLayout::Table, "no data"},
+    {kSfpPages[1].name, "Page a2", HexRowFields(),
+     [](const SfpMemory& memory) { return memory.pages[1]; }, ListLayout::Table, "no data"},
+};
 
 ExitCode SfpDump(Invocation& invocation) {
     const std::string wanted = invocation.Given().Text("page", "all");
     const PortSession session = OpenSelectedPort(invocation);
-    GrowingResult memory(invocation.Result(), SfpDumpFields(), {&session.port});
+    GrowingResult memory(invocation.Result(), kSfpDumpFields, {&session.port});
     for (size_t i = 0; i < std::size(kSfpPages); ++i) {
         const SfpPage& page = kSfpPages[i];
         if (wanted != "all" && wanted != page.name) {
@@ -148,13 +138,13 @@ CommandRows SfpCommands() {
          .help = "show transceivers: identity and measured values",
          .run = SfpShow,
          .example = "sfp show -p scsi:3",
-         .result = ShapeOf<SfpShowFields>},
+         .result = ShapeOf<kSfpShowFields>},
         {.path = "sfp dump",
          .help = "print the memory of a transceiver",
          .arguments = kDumpArguments,
          .run = SfpDump,
          .example = "sfp dump --page a0 -p scsi:3",
-         .result = ShapeOf<SfpDumpFields>},
+         .result = ShapeOf<kSfpDumpFields>},
     };
     return kCommands;
 }

@@ -3,10 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "vxmgr/sfp/sfp_identity.h"
 

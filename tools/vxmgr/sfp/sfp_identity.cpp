@@ -122,8 +122,8 @@ Value SingleModeValue(const Sfp& sfp) {
                                              : LengthValue(sfp.lengthSingleMode, 1000);
 }
 
+constexpr FieldType kLength = kInteger.OrNull();
 const Fields<Sfp>& LengthFields() {
-    constexpr FieldType kLength = kInteger.OrNull();
     static const Fields<Sfp> kFields = {
         {"single_mode_m", "Single mode", kLength, SingleModeValue},
         {"om1_m", "OM1", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm1, 10); }},

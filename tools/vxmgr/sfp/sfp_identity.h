@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <string>
 
 #include "formats/sfp_pages.h"
 #include "vxmgr/app/bytes.h"

@@ -2,10 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <span>
-#include <string>
-#include <vector>
 
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/sfp/sfp_diagnostics.h"

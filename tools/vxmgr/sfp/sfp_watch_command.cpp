@@ -32,34 +32,25 @@ Value TroubleValue(const Measured& measured) {
         .In(trouble.empty() ? Tone::Plain : Tone::Warning);
 }
 
-const Fields<Measured>& MeasuredFields() {
-    static const Fields<Measured> kFields = {
-        TimeField<Measured>("UTC"),
-        {PortKeys(kPortIndex | kAdapterSerial), &Measured::port},
-        {"temperature_c", "Temperature", "TEMP.", kMeasured, PlainValue<SfpQuantity::Temperature>,
-         kMeasuredAbout, 9},
-        {"voltage_v", "Supply voltage", "SUPPLY", kMeasured, PlainValue<SfpQuantity::Voltage>,
-         kMeasuredAbout, 8},
-        {"bias_ma", "Laser bias", "BIAS", kMeasured, PlainValue<SfpQuantity::Bias>, kMeasuredAbout,
-         9},
-        {"tx_power_mw", "Sent power", kMeasured, PlainValue<SfpQuantity::SentPower>,
-         kMeasuredAbout},
-        {"tx_power_dbm", "Sent power", "TX POWER", kMeasured, PowerValue<SfpQuantity::SentPower>,
-         kMeasuredAbout, 10},
-        {"rx_power_mw", "Received power", kMeasured, PlainValue<SfpQuantity::ReceivedPower>,
-         kMeasuredAbout},
-        {"rx_power_dbm", "Received power", "RX POWER", kMeasured,
-         PowerValue<SfpQuantity::ReceivedPower>, kMeasuredAbout, 10},
-        {"trouble", "Trouble", "TROUBLE", kText, TroubleValue, "empty when all is well"},
-    };
-    return kFields;
-}
+const Fields<Measured> kMeasuredFields = {
+    TimeField<Measured>("UTC"),
+    {PortKeys(kPortIndex | kAdapterSerial), &Measured::port},
+    {"temperature_c", "Temperature", "TEMP.", kMeasured, PlainValue<SfpQuantity::Temperature>,
+     kMeasuredAbout, 9},
+    {"voltage_v", "Supply voltage", "SUPPLY", kMeasured, PlainValue<SfpQuantity::Voltage>,
+     kMeasuredAbout, 8},
+    {"bias_ma", "Laser bias", "BIAS", kMeasured, PlainValue<SfpQuantity::Bias>, kMeasuredAbout, 9},
+    {"tx_power_mw", "Sent power", kMeasured, PlainValue<SfpQuantity::SentPower>, kMeasuredAbout},
+    {"tx_power_dbm", "Sent power", "TX POWER", kMeasured, PowerValue<SfpQuantity::SentPower>,
+     kMeasuredAbout, 10},
+    {"rx_power_mw", "Received power", kMeasured, PlainValue<SfpQuantity::ReceivedPower>,
+     kMeasuredAbout},
+    {"rx_power_dbm", "Received power", "RX POWER", kMeasured,
+     PowerValue<SfpQuantity::ReceivedPower>, kMeasuredAbout, 10},
+    {"trouble", "Trouble", "TROUBLE", kText, TroubleValue, "empty when all is well"},
+};
 
-const Fields<std::vector<Measured>>& MeasuredList() {
-    static const auto kFields =
-        ListOf<std::vector<Measured>>("readings", "Readings", MeasuredFields());
-    return kFields;
-}
+const auto kMeasuredList = ListOf<std::vector<Measured>>("readings", "Readings", kMeasuredFields);
 
 ExitCode SfpWatch(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -71,8 +62,7 @@ ExitCode SfpWatch(Invocation& invocation) {
             turn.status = ReadSfp(device->Handle(), kSfpPages[1], 0,
                                   {reinterpret_cast<uint8_t*>(&page), sizeof page});
             if (turn.status == HXMGT_SUCCESS) {
-                turn.rows.push_back(
-                    MeasuredFields().Make({&port, ReadDiagnostics(identity, page)}));
+                turn.rows.push_back(kMeasuredFields.Make({&port, ReadDiagnostics(identity, page)}));
             }
         };
     };
@@ -100,7 +90,7 @@ CommandRows SfpWatchCommands() {
          .arguments = kSfpWatchArguments,
          .run = SfpWatch,
          .example = "sfp watch --interval 10 --count 3",
-         .result = ShapeOf<MeasuredList>},
+         .result = ShapeOf<kMeasuredList>},
     };
     return kCommands;
 }

@@ -1,9 +1,6 @@
 // What stands behind a port, for the question before I/O through it stops.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {

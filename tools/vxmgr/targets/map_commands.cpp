@@ -3,7 +3,6 @@
 
 #include <deque>
 #include <functional>
-#include <vector>
 
 #include "common/console.h"
 #include "vxmgr/app/port_fields.h"
@@ -33,18 +32,15 @@ struct MapRow {
     MappedPlace place;
 };
 
-const Fields<std::vector<MapRow>>& MapList() {
-    static const Fields<MapRow> kRow = {
-        {PortKeys(kPortIndex | kScsiPort), &MapRow::port},
-        {PortSerialAlias(), &MapRow::port},
-        {PlaceFields(), &MapRow::place},
-        {PortStatus(), &MapRow::port},
-    };
-    static const auto kFields = ListOf<std::vector<MapRow>>(
-        "units", "Logical units", kRow, ListLayout::Table, "no logical units",
-        "a row per volume; one for a logical unit without volumes");
-    return kFields;
-}
+const Fields<MapRow> kMapRow = {
+    {PortKeys(kPortIndex | kScsiPort), &MapRow::port},
+    {PortSerialAlias(), &MapRow::port},
+    {PlaceFields(), &MapRow::place},
+    {PortStatus(), &MapRow::port},
+};
+const auto kMapList = ListOf<std::vector<MapRow>>(
+    "units", "Logical units", kMapRow, ListLayout::Table, "no logical units",
+    "a row per volume; one for a logical unit without volumes");
 
 // Collects the units of each selected port; a port that fails has a row of its own.
 class Mapper {
@@ -81,7 +77,7 @@ class Mapper {
     }
 
     ExitCode Finish() {
-        invocation_.Result() = MapList().Make(rows_);
+        invocation_.Result() = kMapList.Make(rows_);
         return ReportFailures(invocation_, asked_);
     }
 
@@ -258,21 +254,21 @@ CommandRows MapCommands() {
          .arguments = kTargetArguments,
          .run = MapTarget,
          .example = "map target all",
-         .result = ShapeOf<MapList>},
+         .result = ShapeOf<kMapList>},
         {.path = "map volume",
          .help = "the logical units that a volume lives on",
          .schema = "map",
          .arguments = kVolumeArguments,
          .run = MapVolume,
          .example = "map volume E:",
-         .result = ShapeOf<MapList>},
+         .result = ShapeOf<kMapList>},
         {.path = "map disk",
          .help = "the logical unit behind a disk",
          .schema = "map",
          .arguments = kDiskArguments,
          .run = MapDisk,
          .example = "map disk 41",
-         .result = ShapeOf<MapList>},
+         .result = ShapeOf<kMapList>},
     };
     return kCommands;
 }

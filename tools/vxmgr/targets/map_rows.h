@@ -1,12 +1,6 @@
 // Logical units, the operating system's devices of them and the volumes on those, as rows.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "hxmgtapi.h"
 #include "vxmgr/app/vocabulary.h"
 

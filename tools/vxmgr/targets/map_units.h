@@ -2,9 +2,6 @@
 // as much room as it takes.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "vxmgr/targets/map_rows.h"
 
 namespace vxmgr {

@@ -40,63 +40,53 @@ struct TargetRow {
     }
 };
 
-const Fields<TargetRow>& TargetHeadFields() {
-    static const Fields<TargetRow> kFields = {
-        {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels)), &TargetRow::port},
-        {PortSerialAlias(), &TargetRow::port},
-        {"target_wwn", "Port name", "TARGET", kWwn.OrNull(),
-         Of(&TargetRow::NamedTarget, &KnownTarget::PortName),
-         "port name; null in the row of a port that failed"},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         Of(&TargetRow::NamedTarget, &KnownTarget::NodeName)},
-        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
-         Of(&TargetRow::NamedDevice,
-            [](const DeviceRecord& device) { return PortIdOf(device.portId); })},
-        {"bus", "Bus", "BUS", kInteger.OrNull(),
-         Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::bus>)},
-        {"target", "Target", "ID", kInteger.OrNull(),
-         Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::target>), "target ID"},
-        {"symbolic_name", "Name", "NAME", kText.OrNull(),
-         [](const TargetRow& row) { return TextOf<&DeviceRecord::symbolicName>(row.Device()); }},
-        {"role", "Role", "ROLE", Choice(kTargetRoles).OrNull(),
-         [](const TargetRow& row) { return RoleText(row.Device().roleAndState); }},
-        {"present", "Reached now", "PRESENT", kFlag.OrNull(),
-         Of(&TargetRow::NamedTarget, &KnownTarget::present), "the driver reaches it now"},
-        {"luns", "LUNs", "LUNS", kInteger.OrNull(), Of(&TargetRow::target, &KnownTarget::luns),
-         "as the driver counts them; null on drivers below 7.05.03"},
-    };
-    return kFields;
-}
+const Fields<TargetRow> kTargetHeadFields = {
+    {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels)), &TargetRow::port},
+    {PortSerialAlias(), &TargetRow::port},
+    {"target_wwn", "Port name", "TARGET", kWwn.OrNull(),
+     Of(&TargetRow::NamedTarget, &KnownTarget::PortName),
+     "port name; null in the row of a port that failed"},
+    {"node_wwn", "Node name", kWwn.OrNull(), Of(&TargetRow::NamedTarget, &KnownTarget::NodeName)},
+    {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
+     Of(&TargetRow::NamedDevice,
+        [](const DeviceRecord& device) { return PortIdOf(device.portId); })},
+    {"bus", "Bus", "BUS", kInteger.OrNull(),
+     Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::bus>)},
+    {"target", "Target", "ID", kInteger.OrNull(),
+     Of(&TargetRow::NamedDevice, Packed<&DeviceRecord::target>), "target ID"},
+    {"symbolic_name", "Name", "NAME", kText.OrNull(),
+     [](const TargetRow& row) { return TextOf<&DeviceRecord::symbolicName>(row.Device()); }},
+    {"role", "Role", "ROLE", Choice(kTargetRoles).OrNull(),
+     [](const TargetRow& row) { return RoleText(row.Device().roleAndState); }},
+    {"present", "Reached now", "PRESENT", kFlag.OrNull(),
+     Of(&TargetRow::NamedTarget, &KnownTarget::present), "the driver reaches it now"},
+    {"luns", "LUNs", "LUNS", kInteger.OrNull(), Of(&TargetRow::target, &KnownTarget::luns),
+     "as the driver counts them; null on drivers below 7.05.03"},
+};
 
-const Fields<TargetRow>& BoundFields() {
-    static const Fields<TargetRow> kFields = {
-        {"bound_live", "Bound live", "BOUND LIVE", kFlag.OrNull(),
-         [](const TargetRow& row) {
-             return row.target != nullptr ? IsBound(*row.port, *row.target) : std::nullopt;
-         },
-         "null: the driver does not tell"},
-        {"bound_stored", "Bound in the store", "BOUND STORED", kFlag.OrNull(),
-         [](const TargetRow& row) {
-             return row.target != nullptr ? std::optional(row.stored != nullptr) : std::nullopt;
-         }},
-    };
-    return kFields;
-}
+const Fields<TargetRow> kBoundFields = {
+    {"bound_live", "Bound live", "BOUND LIVE", kFlag.OrNull(),
+     [](const TargetRow& row) {
+         return row.target != nullptr ? IsBound(*row.port, *row.target) : std::nullopt;
+     },
+     "null: the driver does not tell"},
+    {"bound_stored", "Bound in the store", "BOUND STORED", kFlag.OrNull(),
+     [](const TargetRow& row) {
+         return row.target != nullptr ? std::optional(row.stored != nullptr) : std::nullopt;
+     }},
+};
 
-const Fields<TargetRow>& TargetSummaryFields() {
-    static const Fields<TargetRow> kFields = {
-        {TargetHeadFields(), std::identity()},
-        {BoundFields(), std::identity()},
-        {"masked_live", "Masked live", "MASKED LIVE", kInteger.OrNull(),
-         Of(&TargetRow::maskedLive, &LunSet::count),
-         "number of masked LUNs; null when there is no mask"},
-        {"masked_stored", "Masked in the store", "MASKED STORED", kInteger.OrNull(),
-         Of(&TargetRow::maskedStored, &LunSet::count),
-         "number of masked LUNs; null when nothing is stored"},
-        {PortStatus(), &TargetRow::port},
-    };
-    return kFields;
-}
+const Fields<TargetRow> kTargetSummaryFields = {
+    {kTargetHeadFields, std::identity()},
+    {kBoundFields, std::identity()},
+    {"masked_live", "Masked live", "MASKED LIVE", kInteger.OrNull(),
+     Of(&TargetRow::maskedLive, &LunSet::count),
+     "number of masked LUNs; null when there is no mask"},
+    {"masked_stored", "Masked in the store", "MASKED STORED", kInteger.OrNull(),
+     Of(&TargetRow::maskedStored, &LunSet::count),
+     "number of masked LUNs; null when nothing is stored"},
+    {PortStatus(), &TargetRow::port},
+};
 
 std::string TargetTitle(const TargetRow& row) {
     const std::string port = std::to_string(row.port->index);
@@ -104,41 +94,38 @@ std::string TargetTitle(const TargetRow& row) {
                                  : "Port " + port;
 }
 
-const Fields<TargetRow>& TargetDetailFields() {
-    static const Fields<TargetRow> kFields = {
-        TargetTitle,
-        {
-            {TargetHeadFields(), std::identity()},
-            {"target_number", "Target number", kInteger,
-             [](const TargetRow& row) { return row.Device().targetNumber; }},
-            {"role_and_state", "Role and state word", Hexadecimal(8).OrNull(),
-             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::roleAndState>)},
-            {"port_flags", "Port flags", Hexadecimal(4).OrNull(),
-             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::portFlags>)},
-            {"binding_flags", "Binding flags", Hexadecimal(2).OrNull(),
-             Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::bindingFlags>)},
-            {BoundFields(), std::identity()},
-            {"stored_address", "Stored bus:target", kText.OrNull(),
-             Of(&TargetRow::stored,
-                [](const HX_TARGET_ENTRY& entry) {
-                    return std::to_string(entry.bus) + ":" + std::to_string(entry.target);
-                }),
-             "bus:target"},
-            {"stored_flags", "Stored flags", Hexadecimal(2).OrNull(),
-             Of(&TargetRow::stored, Packed<&HX_TARGET_ENTRY::bindingFlags>)},
-            {"masked_live", "Masked live", kText.OrNull(), Of(&TargetRow::maskedLive, LunsValue),
-             "LUNs as in 0-7,12; empty when none is masked"},
-            {"masked_stored", "Masked in the store", kText.OrNull(),
-             Of(&TargetRow::maskedStored, LunsValue)},
-            {PortStatus(), &TargetRow::port},
-        }};
-    return kFields;
-}
+const Fields<TargetRow> kTargetDetailFields = {
+    TargetTitle,
+    {
+        {kTargetHeadFields, std::identity()},
+        {"target_number", "Target number", kInteger,
+         [](const TargetRow& row) { return row.Device().targetNumber; }},
+        {"role_and_state", "Role and state word", Hexadecimal(8).OrNull(),
+         Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::roleAndState>)},
+        {"port_flags", "Port flags", Hexadecimal(4).OrNull(),
+         Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::portFlags>)},
+        {"binding_flags", "Binding flags", Hexadecimal(2).OrNull(),
+         Of(&TargetRow::CurrentDevice, Packed<&DeviceRecord::bindingFlags>)},
+        {kBoundFields, std::identity()},
+        {"stored_address", "Stored bus:target", kText.OrNull(),
+         Of(&TargetRow::stored,
+            [](const HX_TARGET_ENTRY& entry) {
+                return std::to_string(entry.bus) + ":" + std::to_string(entry.target);
+            }),
+         "bus:target"},
+        {"stored_flags", "Stored flags", Hexadecimal(2).OrNull(),
+         Of(&TargetRow::stored, Packed<&HX_TARGET_ENTRY::bindingFlags>)},
+        {"masked_live", "Masked live", kText.OrNull(), Of(&TargetRow::maskedLive, LunsValue),
+         "LUNs as in 0-7,12; empty when none is masked"},
+        {"masked_stored", "Masked in the store", kText.OrNull(),
+         Of(&TargetRow::maskedStored, LunsValue)},
+        {PortStatus(), &TargetRow::port},
+    }};
 
-template <auto target, ListLayout layout>
+template <const auto& target, ListLayout layout>
 const Fields<std::vector<TargetRow>>& TargetList() {
     static const auto kFields =
-        ListOf<std::vector<TargetRow>>("targets", "Targets", target(), layout, "no targets");
+        ListOf<std::vector<TargetRow>>("targets", "Targets", target, layout, "no targets");
     return kFields;
 }
 
@@ -148,36 +135,29 @@ struct LunRow {
     std::optional<LunRun> run = std::nullopt;
 };
 
-const Fields<LunRow>& LunFields() {
-    static const Fields<LunRow> kFields = {
-        {PortKeys(kPortIndex), &LunRow::port},
-        {PortSerialAlias(), &LunRow::port},
-        {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
-         Of(&LunRow::target, &KnownTarget::PortName)},
-        {"luns", "LUNs", "LUNS", kText.OrNull(),
-         Of(&LunRow::run, [](const LunRun& run) { return RangeText(run.luns); }),
-         "one LUN, or a range of LUNs that all look the same"},
-        {"first", "First", kInteger.OrNull(),
-         Of(&LunRow::run, [](const LunRun& run) { return run.luns.first; })},
-        {"last", "Last", kInteger.OrNull(),
-         Of(&LunRow::run, [](const LunRun& run) { return run.luns.last; })},
-        {"seen", "Seen", "SEEN", kFlag.OrNull(), Of(&LunRow::run, &LunRun::seen),
-         "the target reports it to this host; null: it did not answer"},
-        {"masked_live", "Masked live", "MASKED LIVE", kFlag.OrNull(),
-         Of(&LunRow::run, &LunRun::maskedLive)},
-        {"masked_stored", "Masked in the store", "MASKED STORED", kFlag.OrNull(),
-         Of(&LunRow::run, &LunRun::maskedStored), "null: no mask is stored"},
-        {PortStatus(), &LunRow::port},
-    };
-    return kFields;
-}
+const Fields<LunRow> kLunFields = {
+    {PortKeys(kPortIndex), &LunRow::port},
+    {PortSerialAlias(), &LunRow::port},
+    {"target_wwn", "Target", "TARGET", kWwn.OrNull(), Of(&LunRow::target, &KnownTarget::PortName)},
+    {"luns", "LUNs", "LUNS", kText.OrNull(),
+     Of(&LunRow::run, [](const LunRun& run) { return RangeText(run.luns); }),
+     "one LUN, or a range of LUNs that all look the same"},
+    {"first", "First", kInteger.OrNull(),
+     Of(&LunRow::run, [](const LunRun& run) { return run.luns.first; })},
+    {"last", "Last", kInteger.OrNull(),
+     Of(&LunRow::run, [](const LunRun& run) { return run.luns.last; })},
+    {"seen", "Seen", "SEEN", kFlag.OrNull(), Of(&LunRow::run, &LunRun::seen),
+     "the target reports it to this host; null: it did not answer"},
+    {"masked_live", "Masked live", "MASKED LIVE", kFlag.OrNull(),
+     Of(&LunRow::run, &LunRun::maskedLive)},
+    {"masked_stored", "Masked in the store", "MASKED STORED", kFlag.OrNull(),
+     Of(&LunRow::run, &LunRun::maskedStored), "null: no mask is stored"},
+    {PortStatus(), &LunRow::port},
+};
 
-const Fields<std::vector<LunRow>>& LunList() {
-    static const auto kFields =
-        ListOf<std::vector<LunRow>>("luns", "LUNs", LunFields(), ListLayout::Table, "no LUNs",
-                                    "LUNs that nobody sees and nobody masks are left out");
-    return kFields;
-}
+const auto kLunList =
+    ListOf<std::vector<LunRow>>("luns", "LUNs", kLunFields, ListLayout::Table, "no LUNs",
+                                "LUNs that nobody sees and nobody masks are left out");
 
 using AddRows =
     std::function<void(PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows)>;
@@ -209,31 +189,31 @@ ExitCode ListTargets(Invocation& invocation, Record empty, const AddRows& add,
     return exit;
 }
 
-template <auto fields, ListLayout layout>
+template <const auto& fields, ListLayout layout>
 ExitCode ShowTargets(Invocation& invocation) {
     return ListTargets(
         invocation, TargetList<fields, layout>().Prototype(),
         [](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
-            rows->push_back(fields().Make(
+            rows->push_back(fields.Make(
                 {&targets.OwnPort(), &target, FindRow(*targets.bindings.block, target.PortName()),
                  LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())}));
         },
-        [](const Port& port) { return fields().Make({&port}); });
+        [](const Port& port) { return fields.Make({&port}); });
 }
 
 ExitCode TargetLuns(Invocation& invocation) {
     return ListTargets(
-        invocation, LunList().Prototype(),
+        invocation, kLunList.Prototype(),
         [&](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
             const Port& port = targets.OwnPort();
             const LunViews views{
                 ReportedLuns(invocation, port, targets.Handle(), target.PortName()),
                 LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())};
             for (const LunRun& run : LunRuns(views)) {
-                rows->push_back(LunFields().Make({&port, &target, run}));
+                rows->push_back(kLunFields.Make({&port, &target, run}));
             }
         },
-        [](const Port& port) { return LunFields().Make({&port}); });
+        [](const Port& port) { return kLunFields.Make({&port}); });
 }
 
 }  // namespace
@@ -244,21 +224,21 @@ CommandRows TargetCommands() {
         {.path = "target list",
          .help = "list the targets of the ports",
          .arguments = kSelectArguments,
-         .run = ShowTargets<TargetSummaryFields, Table>,
+         .run = ShowTargets<kTargetSummaryFields, Table>,
          .example = "target list -p scsi:3",
-         .result = ShapeOf<TargetList<TargetSummaryFields, Table>>},
+         .result = ShapeOf<TargetList<kTargetSummaryFields, Table>>},
         {.path = "target show",
          .help = "show targets in detail",
          .arguments = kSelectArguments,
-         .run = ShowTargets<TargetDetailFields, Sections>,
+         .run = ShowTargets<kTargetDetailFields, Sections>,
          .example = "target show -t wwn:2b:00:02:45:4d:00:01:00",
-         .result = ShapeOf<TargetList<TargetDetailFields, Sections>>},
+         .result = ShapeOf<TargetList<kTargetDetailFields, Sections>>},
         {.path = "target luns",
          .help = "list the LUNs that targets report, with their masks",
          .arguments = kSelectArguments,
          .run = TargetLuns,
          .example = "target luns -p scsi:3",
-         .result = ShapeOf<LunList>},
+         .result = ShapeOf<kLunList>},
     };
     return kCommands;
 }

@@ -1,9 +1,6 @@
 // The targets that a port's driver knows.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 

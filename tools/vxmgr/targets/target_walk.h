@@ -1,9 +1,6 @@
 // What the drivers of ports say of each target.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
