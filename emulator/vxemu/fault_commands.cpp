@@ -43,7 +43,7 @@ const Fields<FaultListReply> kFaultListFields = {
      [](const FaultListReply& reply) {
          return std::span(reply.entries, std::min<size_t>(reply.count, kMaxFaults));
      },
-     ListLayout::Table, "No fault rules."},
+     "No fault rules."},
 };
 
 const Fields<uint32_t> kRemovedFields = {

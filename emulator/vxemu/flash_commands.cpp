@@ -88,7 +88,7 @@ const Fields<ShownFlash> kFlashFields = {
      [](const ShownFlash& f) {
          return std::span(f.report->regions, std::min<size_t>(f.report->count, kMaxFlashRegions));
      },
-     ListLayout::Table, "No regions."},
+     "No regions."},
 };
 
 uint32_t GivenPort(Invocation& invocation) {

@@ -45,7 +45,7 @@ const Fields<Started> kStartFields = {
     {"profile", "Profile", kText, &Started::profile},
     {ServiceFields(), &Started::state},
     {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
-     ListLayout::Table, "No ports."},
+     "No ports."},
 };
 
 void Install(Invocation& invocation, DriverService& service) {

@@ -36,7 +36,7 @@ const Fields<Status> kStatusFields = {
     {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
     {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
     {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
-     ListLayout::Table, "No ports."},
+     "No ports."},
 };
 
 ExitCode RunStatus(Invocation& invocation) {

@@ -106,7 +106,7 @@ const Fields<TraceContent> kTraceFields = {
     {"lost", "Requests lost", kCounter, &TraceContent::lost},
     {"requests", "Requests", kTracedFields,
      [](const TraceContent& c) { return std::span<const TracedRequest>(c.requests); },
-     ListLayout::Table, "No requests."},
+     "No requests."},
 };
 
 struct TraceChange {

@@ -193,11 +193,7 @@ class Parser {
         }
         if (!argument.choices.empty() && std::find(argument.choices.begin(), argument.choices.end(),
                                                    value) == argument.choices.end()) {
-            std::string choices;
-            for (const char* choice : argument.choices) {
-                choices += (choices.empty() ? "" : ", ") + std::string(choice);
-            }
-            return "one of " + choices;
+            return "one of " + TextsJoined(argument.choices, ", ");
         }
         return {};
     }

@@ -7,7 +7,7 @@
 //         {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
 //         {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},
 //         {"link", "Link", LinkFields()},
-//         {"luns", "LUNs", kLunFields, &Port::luns, ListLayout::Table, "No LUNs."},
+//         {"luns", "LUNs", kLunFields, &Port::luns, "No LUNs."},
 //     };
 //
 // A table that other sources use is the static object of a function (LinkFields), and so are those
@@ -296,6 +296,13 @@ class FieldRow : public AnyFieldRow {
         shape_.type.optional = kIsOptional<Gotten<Get, Source>>;
     }
 
+    // The same as a table, with what text mode says when it is empty.
+    template <class Element, class Get>
+    requires(!GivesMaybe<Get, Source, Element>)
+        FieldRow(const char* key, const char* label, const Fields<Element>& fields, Get get,
+                 const char* emptyText, const char* about = "", const char* spreadBy = "")
+        : FieldRow(key, label, fields, get, ListLayout::Table, emptyText, about, spreadBy) {}
+
   private:
     template <class Get>
     FieldRow(FieldShape shape, AddFunction add, Get get) : AnyFieldRow(std::move(shape), add) {
@@ -414,12 +421,23 @@ class Fields : public AnyFields {
     std::string (*title_)(const Source&) = nullptr;
 };
 
-// The fields of a result that is one list.
-template <class Rows, class Element>
-Fields<Rows> ListOf(const char* key, const char* label, const Fields<Element>& fields,
-                    ListLayout layout = ListLayout::Table, const char* emptyText = "",
-                    const char* about = "") {
+// The fields of a result that is one list: of the table's own elements, or of others that stand for
+// them (pointers).
+template <class Given, class Element>
+using RowsOr = std::conditional_t<std::is_void_v<Given>, std::vector<Element>, Given>;
+
+template <class Rows = void, class Element>
+Fields<RowsOr<Rows, Element>> ListOf(const char* key, const char* label,
+                                     const Fields<Element>& fields,
+                                     ListLayout layout = ListLayout::Table,
+                                     const char* emptyText = "", const char* about = "") {
     return {{key, label, fields, std::identity(), layout, emptyText, about}};
+}
+template <class Rows = void, class Element>
+Fields<RowsOr<Rows, Element>> ListOf(const char* key, const char* label,
+                                     const Fields<Element>& fields, const char* emptyText,
+                                     const char* about = "") {
+    return {{key, label, fields, std::identity(), emptyText, about}};
 }
 
 // The shape of a table, or of one that a function gives, for a row of the command table:

@@ -88,10 +88,7 @@ std::string Spelled(const Argument& argument) {
         std::string name = Split(argument.name, ',').back();
         return argument.kind == ArgumentKind::Flag ? name : name + " " + argument.valueName;
     }
-    std::string choices;
-    for (const char* choice : argument.choices) {
-        choices += (choices.empty() ? "" : "|") + std::string(choice);
-    }
+    const std::string choices = TextsJoined(argument.choices, "|");
     return choices.empty() ? argument.name : choices;
 }
 
@@ -115,11 +112,7 @@ std::string Usage(const Tool& tool, const Command& command) {
 std::string Meaning(const Argument& argument) {
     std::string text = argument.help;
     if (!argument.IsPositional() && !argument.choices.empty()) {
-        std::string choices;
-        for (const char* choice : argument.choices) {
-            choices += (choices.empty() ? "" : ", ") + std::string(choice);
-        }
-        text += (text.empty() ? "" : ": ") + choices;
+        text += (text.empty() ? "" : ": ") + TextsJoined(argument.choices, ", ");
     }
     const Argument any{argument.name};
     if (argument.kind == ArgumentKind::Number &&

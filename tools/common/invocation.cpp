@@ -5,6 +5,7 @@
 #include "confirm.h"
 #include "console.h"
 #include "csv.h"
+#include "hxstatus.h"
 #include "json_document.h"
 #include "status_codes.h"
 #include "text.h"
@@ -117,6 +118,13 @@ void Invocation::Fail(uint32_t status, const std::string& text, const std::strin
 
 void Invocation::Fail(ExitCode exit, const std::string& text, const std::string& hint) const {
     throw CommandError{exit, {Severity::Error, text, hint, {}, {}}};
+}
+
+void Invocation::Require(uint32_t status, const std::string& text,
+                         const std::string& object) const {
+    if (status != HXMGT_SUCCESS) {
+        Fail(status, text, object);
+    }
 }
 
 void Invocation::Progress(const std::string& text) {

@@ -60,6 +60,9 @@ class Invocation {
     [[noreturn]] void Fail(ExitCode exit, const std::string& text,
                            const std::string& hint = {}) const;
 
+    // Fails unless the status is success.
+    void Require(uint32_t status, const std::string& text, const std::string& object = {}) const;
+
     // A line that is out of date a moment later: stderr, unless quiet or JSON.
     void Progress(const std::string& text);
     // Likewise, each written over the one before: on a console alone. An empty one ends them.

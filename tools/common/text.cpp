@@ -73,15 +73,6 @@ std::vector<std::string> Split(std::string_view text, char separator) {
     }
 }
 
-std::string TextsJoined(const std::vector<std::string>& texts, std::string_view separator) {
-    std::string joined;
-    for (const std::string& text : texts) {
-        joined += joined.empty() ? "" : separator;
-        joined += text;
-    }
-    return joined;
-}
-
 bool IsWordStart(std::string_view text, size_t position) {
     return position == 0 || !IsWordCharacter(text[position - 1]);
 }

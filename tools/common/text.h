@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,17 @@ std::string Uppercase(std::string_view text);
 std::string Lowercase(std::string_view text);
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 std::vector<std::string> Split(std::string_view text, char separator);
-std::string TextsJoined(const std::vector<std::string>& texts, std::string_view separator);
+
+// The texts of a list's elements (a member, or what a function gives), one behind the other.
+template <class List, class Text = std::identity>
+std::string TextsJoined(const List& list, std::string_view separator, Text text = {}) {
+    std::string joined;
+    for (const auto& element : list) {
+        joined += joined.empty() ? "" : separator;
+        joined += std::invoke(text, element);
+    }
+    return joined;
+}
 
 // Whether a word of letters and digits may begin, or has ended, at the position.
 bool IsWordStart(std::string_view text, size_t position);

@@ -19,9 +19,8 @@ struct Candidates {
 Candidates ListCandidates(Invocation& invocation) {
     std::vector<HX_SCSI_PORT> listed(HX_MAX_SCSI_PORTS);
     uint32_t count = HX_MAX_SCSI_PORTS;
-    if (const HX_STATUS status = HXListScsiPorts(listed.data(), &count); status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the registry's list of SCSI ports cannot be read");
-    }
+    invocation.Require(HXListScsiPorts(listed.data(), &count),
+                       "the registry's list of SCSI ports cannot be read");
     listed.resize(count);
     Candidates candidates;
     auto next = listed.begin();

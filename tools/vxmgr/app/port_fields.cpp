@@ -16,7 +16,7 @@ Fields<Port> KeysWith(unsigned shown) {
         return shown & key & kPortColumns ? text : "";
     };
     // Widths: those of the columns where rows are printed as they come.
-    return {
+    std::vector<FieldRow<Port>> rows = {
         {"port", label(kPortIndex, "Port"), column(kPortIndex, "PORT"), kInteger, &Port::index},
         {"scsi_port", label(kScsiPort, "SCSI port"), column(kScsiPort, "SCSI"), kInteger.OrNull(),
          &Port::scsiPort},
@@ -25,6 +25,10 @@ Fields<Port> KeysWith(unsigned shown) {
         {"adapter_serial", label(kAdapterSerial, "Adapter serial"),
          column(kAdapterSerial, "ADAPTER"), kSerial.OrNull(), &Port::Serial, "", 14},
     };
+    if ((shown & kOldSerialKey) != 0) {
+        rows.push_back({PortSerialAlias(), std::identity()});
+    }
+    return rows;
 }
 
 }  // namespace

@@ -14,12 +14,13 @@ enum PortKey : unsigned {
     kAdapterSerial = 0x88,
     kPortLabels = 0x0F,
     kPortColumns = 0xF0,
+    kOldSerialKey = 0x100,  // the serial number's older key too, for programs
 };
 
 // For a splice: {PortKeys(kPortIndex | kAdapterSerial), &Row::port}.
 const Fields<Port>& PortKeys(unsigned shown = kPortIndex);
 
-// The serial number's older key, where documents had it before adapter_serial.
+// That older key: where documents had it before adapter_serial.
 const Fields<Port>& PortSerialAlias();
 
 // The status that the port failed with, null for none.

@@ -113,11 +113,8 @@ std::optional<uint8_t> SpeedCodeOf(uint64_t gigabits) {
 }
 
 std::string SpeedsText() {
-    std::string text;
-    for (const SpeedRow& row : kSpeeds) {
-        text += (text.empty() ? "" : ", ") + std::to_string(row.gigabits);
-    }
-    return text;
+    return TextsJoined(kSpeeds, ", ",
+                       [](const SpeedRow& row) { return std::to_string(row.gigabits); });
 }
 
 Value SmartSanValue(const Port& port) {

@@ -82,55 +82,48 @@ const Fields<BindRow>& BindRowFields() {
     return kFields;
 }
 
-const auto kBindListFields = ListOf<std::vector<BindRow>>(
-    "bindings", "Bindings", BindRowFields(), ListLayout::Table, "no bindings",
-    "a binding that is in one store alone has null for the other");
+const auto kBindListFields = ListOf("bindings", "Bindings", BindRowFields(), "no bindings",
+                                    "a binding that is in one store alone has null for the other");
 
 const HX_DEVICE_RECORD* LiveBindingOf(const Port& port, const KnownTarget* known) {
     return known != nullptr && IsBound(port, *known).value_or(false) ? &known->record : nullptr;
 }
 
 // Stored bindings by slot, then what is bound live alone.
-void AddBindings(PortTargets& targets, const StoreChoice& stores, std::vector<Record>* rows) {
+void AddBindings(const PortTargets& targets, const StoreChoice& stores,
+                 std::vector<BindRow>* rows) {
     const Port& port = targets.OwnPort();
     std::set<std::string> listed;
-    const auto add = [&](const BindRow& row) { rows->push_back(BindRowFields().Make(row)); };
     const auto entries = RowsOf(*targets.bindings.block);
     for (size_t slot = 0; stores.registry && slot < entries.size(); ++slot) {
         if (!IsFree(entries[slot])) {
             const Wwn name = Wwn::Of(entries[slot].portName);
             listed.insert(name.Digits());
-            add({&port, &entries[slot], slot,
-                 LiveBindingOf(port, stores.live ? targets.Known(name) : nullptr)});
+            rows->push_back({&port, &entries[slot], slot,
+                             LiveBindingOf(port, stores.live ? targets.Known(name) : nullptr)});
         }
     }
     for (const KnownTarget& known : targets.known) {
         const HX_DEVICE_RECORD* const live = LiveBindingOf(port, &known);
         if (stores.live && live && !listed.contains(known.PortName().Digits())) {
-            add({&port, nullptr, 0, live});
+            rows->push_back({&port, nullptr, 0, live});
         }
     }
 }
 
 ExitCode BindList(Invocation& invocation) {
     const StoreChoice stores = GivenStores(invocation);
-    Record result = kBindListFields.Prototype();
-    const ExitCode exit = ListPortTargets(
-        invocation,
-        [&](PortTargets& targets, std::vector<Record>* into) {
-            if (stores.registry) {
-                TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
-            }
-            if (stores.live && !targets.OwnPort().IsCurrentGeneration()) {
-                invocation.Note(targets.OwnPort().Object() +
-                                ": this driver does not tell which targets it has bound");
-            }
-            AddBindings(targets, stores, into);
-        },
-        [](const Port& port) { return BindRowFields().Make({&port}); },
-        &result.MainList()->records);
-    invocation.Result() = std::move(result);
-    return exit;
+    const auto add = [&](const PortTargets& targets, std::vector<BindRow>* rows) {
+        if (stores.registry) {
+            TellState(invocation, targets.OwnPort(), targets.bindings.state, "bindings");
+        }
+        if (stores.live && !targets.OwnPort().IsCurrentGeneration()) {
+            invocation.Note(targets.OwnPort().Object() +
+                            ": this driver does not tell which targets it has bound");
+        }
+        AddBindings(targets, stores, rows);
+    };
+    return ListPortTargets(invocation, kBindListFields, add);
 }
 
 }  // namespace

@@ -81,9 +81,9 @@ const Fields<Wwn> kStoredTargetFields = {
     {"node_wwn", "Node name", "TARGET NODE NAME", kWwn, std::identity()},
 };
 const Fields<StoredData> kBindStoresFields = {
-    {"ports", "Ports", kStoredPortFields, &StoredData::ports, ListLayout::Table,
-     "nothing is stored", "ports that have stored data, of any driver"},
-    {"targets", "Targets", kStoredTargetFields, &StoredData::targets, ListLayout::Table, "",
+    {"ports", "Ports", kStoredPortFields, &StoredData::ports, "nothing is stored",
+     "ports that have stored data, of any driver"},
+    {"targets", "Targets", kStoredTargetFields, &StoredData::targets, "",
      "targets in any port's stored data"},
 };
 
@@ -93,8 +93,7 @@ const Fields<CleanedPort> kCleanedPortFields = {
     {"outcome", "Outcome", "OUTCOME", Choice(kCleanOutcomes), &CleanedPort::outcome},
 };
 const Fields<CleanedPorts> kBindCleanFields = {
-    {"ports", "Ports", kCleanedPortFields, std::identity(), ListLayout::Table,
-     "nothing is stored for an absent port"},
+    {"ports", "Ports", kCleanedPortFields, std::identity(), "nothing is stored for an absent port"},
 };
 
 // Ports of which the name is not known could be any of those in the store.

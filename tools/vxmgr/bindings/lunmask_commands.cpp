@@ -63,19 +63,18 @@ const Fields<MaskRow> kMaskFields = {
      [](const MaskRow& row) { return StatusValue(row.port->failure); }},
 };
 
-const auto kMaskListFields = ListOf<std::vector<MaskRow>>("masks", "LUN masks", kMaskFields,
-                                                          ListLayout::Table, "no LUN masks");
+const auto kMaskListFields = ListOf("masks", "LUN masks", kMaskFields, "no LUN masks");
 
 // Targets that the driver knows, then those that are stored alone.
-void AddMasks(Invocation& invocation, PortTargets& targets, const StoreChoice& stores,
-              std::vector<Record>* rows) {
+void AddMasks(Invocation& invocation, const PortTargets& targets, const StoreChoice& stores,
+              std::vector<MaskRow>* rows) {
     const Port& port = targets.OwnPort();
     const auto chosen = invocation.Given().Has("target")
                             ? FindTarget(targets, GivenAddress(invocation, "target"))
                             : std::nullopt;
     const auto addWanted = [&](const MaskRow& row) {
         if (!invocation.Given().Has("target") || (chosen && chosen->portName == row.portName)) {
-            rows->push_back(kMaskFields.Make(row));
+            rows->push_back(row);
         }
     };
     for (const KnownTarget& known : targets.known) {
@@ -201,20 +200,14 @@ ExitCode ChangeMask(Invocation& invocation) {
 ExitCode LunMaskShow(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
-    Record result = kMaskListFields.Prototype();
-    std::vector<Record>& rows = result.MainList()->records;
-    const ExitCode exit = ListPortTargets(
-        invocation,
-        [&](PortTargets& targets, std::vector<Record>* into) {
-            if (stores.registry) {
-                TellState(invocation, targets.OwnPort(), targets.masks.state, "LUN masks");
-            }
-            AddMasks(invocation, targets, stores, into);
-        },
-        [](const Port& port) { return kMaskFields.Make({&port}); }, &rows);
-    const bool none = rows.empty() && invocation.Given().Has("target");
-    invocation.Result() = std::move(result);
-    if (none) {
+    const auto add = [&](const PortTargets& targets, std::vector<MaskRow>* rows) {
+        if (stores.registry) {
+            TellState(invocation, targets.OwnPort(), targets.masks.state, "LUN masks");
+        }
+        AddMasks(invocation, targets, stores, rows);
+    };
+    const ExitCode exit = ListPortTargets(invocation, kMaskListFields, add);
+    if (invocation.Result().MainList()->records.empty() && invocation.Given().Has("target")) {
         invocation.Fail(
             ExitCode::NotFound,
             "no selected port has a mask of the target " + invocation.Given().Text("target"),

@@ -84,7 +84,7 @@ const StoredDocument<HX_LUN_DATA>& MasksDocument() {
              [](const DocumentObject& row, Record& record) {
                  SetMasked(ReadLuns(row, "masked"), record);
              }},
-            {{"other_bits", "", kBitRunFields, BitRunsOf, ListLayout::Table, "",
+            {{"other_bits", "", kBitRunFields, BitRunsOf, "",
               "the other bits of the LUN bytes; left out when they are zero"},
              ReadBitRuns},
             BytesField("reserved16", &Record::reserved16),

@@ -71,11 +71,7 @@ bool ParseLuns(std::string_view text, LunSet* luns, std::string* error) {
 }
 
 std::string LunsText(const LunSet& luns) {
-    std::string text;
-    for (const LunRange range : RangesOf(luns)) {
-        text += (text.empty() ? "" : ",") + RangeText(range);
-    }
-    return text;
+    return TextsJoined(RangesOf(luns), ",", RangeText);
 }
 
 LunSet FirstLuns(uint32_t count) {

@@ -36,11 +36,9 @@ std::vector<NamedPart> PartsOf(const HX_LUN_RECORD& record) {
 
 template <class Row>
 std::string Described(const Row& row) {
-    std::string text;
-    for (const NamedPart& part : PartsOf(row)) {
-        text += (text.empty() ? "" : ", ") + std::string(part.name) + " " + part.value;
-    }
-    return text;
+    return TextsJoined(PartsOf(row), ", ", [](const NamedPart& part) {
+        return std::string(part.name) + " " + part.value;
+    });
 }
 
 template <class Row>

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "vxmgr/app/port_walk.h"
-
 namespace vxmgr {
 namespace {
 
@@ -88,9 +86,8 @@ HX_STATUS ReadPortTargets(PortVisit& visit, PortTargets* targets) {
 template <class Block>
 void Write(Invocation& invocation, PortTargets& targets, Block& block) {
     const std::string object = targets.OwnPort().Object();
-    if (const HX_STATUS status = Save(targets.Handle(), block); status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the store cannot be written, and may be half written", object);
-    }
+    invocation.Require(Save(targets.Handle(), block),
+                       "the store cannot be written, and may be half written", object);
     invocation.Changed();
     const auto read = std::make_unique<Block>();
     if (Load(targets.Handle(), *read) != HXMGT_SUCCESS || !ReadsAs(block, *read)) {
@@ -120,32 +117,28 @@ const KnownTarget* PortTargets::Known(const Wwn& portName) const {
 PortTargets OpenPortTargets(Invocation& invocation) {
     PortTargets targets{OpenSelectedPort(invocation), {}, {}, {}};
     const char* query = "";
-    if (const HX_STATUS status = ReadAll(&targets, &query); status != HXMGT_SUCCESS) {
-        invocation.Fail(status, query, targets.OwnPort().Object());
-    }
+    const HX_STATUS status = ReadAll(&targets, &query);
+    invocation.Require(status, query, targets.OwnPort().Object());
     return targets;
 }
 
-ExitCode ListPortTargets(Invocation& invocation, const RowsOfPort& rowsOf,
-                         const RowOfFailure& failed, std::vector<Record>* rows) {
-    std::vector<Port> ports = ReadSelectedPorts(invocation);
-    const std::vector<Port*> selected = SelectPorts(invocation, ports);
-    for (auto& one : ForEachPort<PortTargets>(invocation, selected, ReadPortTargets)) {
-        invocation.CheckStop();
+std::vector<PortAnswer<PortTargets>> AskPortTargets(Invocation& invocation,
+                                                    std::vector<Port>& ports) {
+    auto answers =
+        ForEachPort<PortTargets>(invocation, SelectPorts(invocation, ports), ReadPortTargets);
+    for (const auto& one : answers) {
         // A property that could not be read does not keep the targets from being shown.
         one.port->failure = one.status;
         one.port->failedQuery = one.query;
-        if (one.status != HXMGT_SUCCESS) {
-            rows->push_back(failed(*one.port));
-        } else {
-            rowsOf(one.answer, rows);
-            if (one.answer.known.empty() && LinkIsDown(one.answer.session)) {
-                invocation.Note(one.port->Object() + ": the link is down: no target is reached",
-                                kLinkHint);
-            }
-        }
     }
-    return ReportFailures(invocation, selected);
+    return answers;
+}
+
+void TellLinkDown(Invocation& invocation, const PortTargets& targets) {
+    if (targets.known.empty() && LinkIsDown(targets.session)) {
+        invocation.Note(targets.OwnPort().Object() + ": the link is down: no target is reached",
+                        kLinkHint);
+    }
 }
 
 const char* WhyAway(const PortTargets& targets) {

@@ -2,10 +2,10 @@
 // driver's next start.
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/app/port_walk.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_document.h"
 #include "vxmgr/targets/target_known.h"
@@ -42,12 +42,34 @@ struct PortTargets {
 // The one selected port; ends the command when something cannot be read.
 PortTargets OpenPortTargets(Invocation& invocation);
 
-// Rows of every selected port; one that cannot be read gives the row of its failure. The exit code
-// of the whole.
-using RowsOfPort = std::function<void(PortTargets& targets, std::vector<Record>* rows)>;
-using RowOfFailure = std::function<Record(const Port& port)>;
-ExitCode ListPortTargets(Invocation& invocation, const RowsOfPort& rowsOf,
-                         const RowOfFailure& failed, std::vector<Record>* rows);
+// The targets of every selected port, as far as they can be read.
+std::vector<PortAnswer<PortTargets>> AskPortTargets(Invocation& invocation,
+                                                    std::vector<Port>& ports);
+
+// Says so where a port knows no target because its link is down.
+void TellLinkDown(Invocation& invocation, const PortTargets& targets);
+
+// The list that add(targets, rows) makes of them as the command's result; a port that cannot be
+// read has a row with nothing but the port. The exit code of the whole.
+template <class Row, class Add>
+ExitCode ListPortTargets(Invocation& invocation, const Fields<std::vector<Row>>& list, Add add) {
+    std::vector<Port> ports = ReadSelectedPorts(invocation);
+    std::vector<Row> rows;
+    std::vector<const Port*> asked;
+    const auto answers = AskPortTargets(invocation, ports);
+    for (const auto& one : answers) {
+        invocation.CheckStop();
+        asked.push_back(one.port);
+        if (one.status != HXMGT_SUCCESS) {
+            rows.push_back({one.port});
+        } else {
+            add(one.answer, &rows);
+            TellLinkDown(invocation, one.answer);
+        }
+    }
+    invocation.Result() = list.Make(rows);
+    return ReportFailures(invocation, asked);
+}
 
 // Why the driver does not know a target.
 const char* WhyAway(const PortTargets& targets);

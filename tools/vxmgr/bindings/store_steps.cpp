@@ -33,8 +33,7 @@ const Fields<StoreStep>& StoreStepFields() {
 const Fields<StoreChangeResult>& StoreChangeFields() {
     static const Fields<StoreChangeResult> kFields = {
         {PortKeys(kNoPortKey), &StoreChangeResult::port},
-        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, ListLayout::Table,
-         "nothing to do"},
+        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, "nothing to do"},
     };
     return kFields;
 }

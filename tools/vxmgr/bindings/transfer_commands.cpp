@@ -109,11 +109,10 @@ const Fields<ImportResult>& ImportFields() {
     static const Fields<ImportResult> kFields = {
         {PortKeys(kNoPortKey), &ImportResult::port},
         {"differences", "Differences", DifferenceFields(), &ImportResult::differences,
-         ListLayout::Table, toStore ? "no target changes in the store" : "",
-         "against what was stored before"},
+         toStore ? "no target changes in the store" : "", "against what was stored before"},
         {"stored", "Stored", kFlag, &ImportResult::stored, "the store was written"},
-        {"steps", "Steps", StoreStepFields(), &ImportResult::steps, ListLayout::Table,
-         "nothing to do", "what was done in the driver"},
+        {"steps", "Steps", StoreStepFields(), &ImportResult::steps, "nothing to do",
+         "what was done in the driver"},
     };
     return kFields;
 }

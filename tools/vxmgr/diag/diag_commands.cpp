@@ -114,7 +114,7 @@ struct DportResult {
 const Fields<DportResult> kDportFields = {
     {PortKeys(), &DportResult::port},
     {DportOutcomeFields(), &DportResult::outcome},
-    {"data", "Results", HexRowFields(), &DportResult::data, ListLayout::Table, "no data"},
+    {"data", "Results", HexRowFields(), &DportResult::data, "no data"},
 };
 
 struct MailboxRegister {
@@ -135,8 +135,7 @@ const Fields<MailboxRegister> kMailboxRegister = {
 const Fields<MailboxResult> kMailboxFields = {
     {PortKeys(), &MailboxResult::port},
     {"command", "Command", Hexadecimal(4), &MailboxResult::command},
-    {"registers", "Registers", kMailboxRegister, &MailboxResult::registers, ListLayout::Table,
-     "no registers"},
+    {"registers", "Registers", kMailboxRegister, &MailboxResult::registers, "no registers"},
 };
 
 ExitCode DiagLoopback(Invocation& invocation) {

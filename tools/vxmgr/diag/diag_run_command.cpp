@@ -213,8 +213,7 @@ const Fields<std::vector<CheckRow>>& DiagRunFields() {
         {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), outcome},
         {"detail", "Detail", "DETAIL", kText.OrNull(), &CheckRow::detail},
     };
-    static const auto kFields =
-        ListOf<std::vector<CheckRow>>("checks", "Checks", kRows, ListLayout::Table, "no ports");
+    static const auto kFields = ListOf("checks", "Checks", kRows, "no ports");
     return kFields;
 }
 

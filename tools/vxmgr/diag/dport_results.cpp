@@ -74,7 +74,7 @@ const Fields<DportOutcome>& DportOutcomeFields() {
         {"hop_word", "", Hexadecimal(4), &Outcome::hopWord},
         {"tests", "Tests", kInteger, &Outcome::tests},
         {"verdict", "Verdict", Choice(kVerdicts).OrNull(), VerdictOfDport},
-        {"failed", "Failed", kLane, &Outcome::failed, ListLayout::Table, "no lane failed"},
+        {"failed", "Failed", kLane, &Outcome::failed, "no lane failed"},
     };
     return kFields;
 }

@@ -88,8 +88,7 @@ const Fields<std::vector<DumpRow>>& DumpListFields() {
         {"size", "Size", "SIZE", kInteger.OrNull(), size},
         {"status", "Status", kText.OrNull(), status},
     };
-    static const auto kFields =
-        ListOf<std::vector<DumpRow>>("dumps", "Dumps", kRows, ListLayout::Table, "no ports");
+    static const auto kFields = ListOf("dumps", "Dumps", kRows, "no ports");
     return kFields;
 }
 
@@ -127,8 +126,8 @@ uint64_t SaveText(Invocation& invocation, const PortSession& session, const std:
         const HX_STATUS status = HXGetFcDump(session.Handle(), 0, name.c_str());
         if (status == HXMGT_DATA_UNDERRUN) {
             invocation.Warn("the dump ends early: the text holds what there is of it");
-        } else if (status != HXMGT_SUCCESS) {
-            invocation.Fail(status, "the dump cannot be saved as text", session.port.Object());
+        } else {
+            invocation.Require(status, "the dump cannot be saved as text", session.port.Object());
         }
         size = FileSize(temporary);
     });
@@ -143,9 +142,7 @@ uint64_t SaveBytes(Invocation& invocation, const PortSession& session, const Dum
     if (status == HXMGT_SUCCESS && size == 0) {
         status = HXMGT_NO_FIRMWARE_DUMP;
     }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, name, session.port.Object());
-    }
+    invocation.Require(status, name, session.port.Object());
     invocation.CheckStop();
     invocation.Progress("fetching " + name + ", " + SizeText(size));
     std::vector<uint8_t> bytes;

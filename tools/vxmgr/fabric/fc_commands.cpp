@@ -71,7 +71,7 @@ const Fields<FabricNameRow> kFabricNameFields = {
 };
 const Fields<FabricNamesResult> kFabricNamesFields = {
     {PortKeys(kNoPortKey), &FabricNamesResult::port},
-    {"ports", "Ports", kFabricNameFields, &FabricNamesResult::names, ListLayout::Table,
+    {"ports", "Ports", kFabricNameFields, &FabricNamesResult::names,
      "the name server knows no ports"},
 };
 
@@ -138,7 +138,7 @@ struct FabricResponse {
 
 const Fields<FabricResponse> kFabricResponseFields = {
     {"file", "File", kText.OrAbsent(), &FabricResponse::file},
-    {"data", "Response", HexRowFields(), &FabricResponse::data, ListLayout::Table, "no data"},
+    {"data", "Response", HexRowFields(), &FabricResponse::data, "no data"},
 };
 
 FabricResponse TakeResponse(Invocation& invocation, Bytes response) {

@@ -75,8 +75,7 @@ const Fields<VirtualPort>& VirtualPortFields() {
 const Fields<std::vector<NpivRow>>& NpivListFields() {
     const auto attribute = [](auto get) { return Of(&NpivRow::Attributes, get); };
     static const Fields<NpivRow> kRows = {
-        {PortKeys(), &NpivRow::port},
-        {PortSerialAlias(), &NpivRow::port},
+        {PortKeys(kPortIndex | kOldSerialKey), &NpivRow::port},
         {"supported", "Supported", kFlag.OrNull(),
          attribute(Bit<&NpivAttributes::flags, HX_NPIV_FIRMWARE>), "by the firmware"},
         {"fabric_supports", "Fabric supports it", kFlag.OrNull(),
@@ -98,8 +97,7 @@ const Fields<std::vector<NpivRow>>& NpivListFields() {
         {"virtual_ports", "Virtual ports", VirtualPortFields(), &NpivRow::Ports},
         {PortStatus(), &NpivRow::port},
     };
-    static const auto kFields =
-        ListOf<std::vector<NpivRow>>("ports", "Ports", kRows, ListLayout::Inner, "no ports");
+    static const auto kFields = ListOf("ports", "Ports", kRows, ListLayout::Inner, "no ports");
     return kFields;
 }
 

@@ -189,9 +189,9 @@ Fields<ControllerRow> ControllerFields(bool namespaces) {
 template <bool namespaces>
 const Fields<std::vector<ControllerRow>>& ControllerList() {
     static const auto kRows = ControllerFields(namespaces);
-    static const auto kFields = ListOf<std::vector<ControllerRow>>(
-        "controllers", "Controllers", kRows, namespaces ? ListLayout::Inner : ListLayout::Table,
-        "no controllers");
+    static const auto kFields =
+        ListOf("controllers", "Controllers", kRows,
+               namespaces ? ListLayout::Inner : ListLayout::Table, "no controllers");
     return kFields;
 }
 

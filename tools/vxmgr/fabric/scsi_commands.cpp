@@ -94,7 +94,7 @@ struct InquiryResult : UnitResult {
 const auto kInquiryResultFields = UnitFields<InquiryResult>({
     {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
     {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
-    {"data", "Data", HexRowFields(), &InquiryResult::data, ListLayout::Table, "no data",
+    {"data", "Data", HexRowFields(), &InquiryResult::data, "no data",
      "the bytes as they came, sixteen a row"},
 });
 
@@ -112,8 +112,7 @@ struct LunsResult : UnitResult {
 };
 
 const auto kLunsResultFields = UnitFields<LunsResult>({
-    {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, ListLayout::Table,
-     "no logical units"},
+    {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, "no logical units"},
     {"made_by_probing", "Made by probing", kFlag.OrAbsent(), &LunsResult::probed,
      "the target refuses REPORT LUNS: LUNs 0 to 7 were asked one by one"},
     {"truncated", "Truncated", kFlag.OrAbsent(), &LunsResult::truncated},
@@ -136,7 +135,7 @@ const Fields<RawResult>& RawResultFields() {
         {"sent", "Data sent", Integer("bytes"), &RawResult::sent},
         {"status", "Status", kText.OrAbsent(), status, "none of a dry run"},
         {"file", "File", kText.OrAbsent(), &RawResult::file},
-        {"data", "Data", HexRowFields(), &RawResult::data, ListLayout::Table, "no data"},
+        {"data", "Data", HexRowFields(), &RawResult::data, "no data"},
     });
     return kFields;
 }
@@ -179,10 +178,7 @@ bool IsHarmless(uint8_t operation) {
 
 std::vector<uint8_t> GivenCdb(Invocation& invocation) {
     constexpr size_t kLongestCdb = 255;
-    std::string text;
-    for (const std::string& word : invocation.Given().All("CDB")) {
-        text += (text.empty() ? "" : " ") + word;
-    }
+    const std::string text = TextsJoined(invocation.Given().All("CDB"), " ");
     std::vector<uint8_t> cdb;
     if (!ParseHex(text, &cdb) || cdb.size() > kLongestCdb) {
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no command descriptor block",

@@ -195,10 +195,10 @@ const Fields<ScsiVpdPage>& ScsiVpdFields() {
          [](const ScsiVpdPage& vpd) { return DeviceTypeName(vpd.head.peripheral); }},
         {"length", "Length", Integer("bytes"),
          [](const ScsiVpdPage& vpd) { return BigEndian(vpd.head.length); }},
-        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, ListLayout::Table, "no pages"},
+        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, "no pages"},
         {"serial", "Serial number", kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
         {"identifiers", "Identifiers", DesignatorFields(), &ScsiVpdPage::identifiers,
-         ListLayout::Table, "no identifiers"},
+         "no identifiers"},
     };
     return kFields;
 }

@@ -285,12 +285,11 @@ const Fields<HbaAdapter>& HbaDetailFields() {
             {"discovered_status", "Discovered ports", kText,
              [](const HbaAdapter& adapter) { return StatusOf(adapter.discoveredEnd); }},
             {"discovered", "Discovered ports", RemotePortFields(), &HbaAdapter::discovered,
-             ListLayout::Table, "no discovered ports"},
+             "no discovered ports"},
             {"mapping_status", "Target mapping", kText,
              [](const HbaAdapter& adapter) { return StatusOf(adapter.mapping.status); }},
             {"mapping", "Target mapping", MappingFields(),
-             [](const HbaAdapter& adapter) { return adapter.mapping.record; }, ListLayout::Table,
-             "no devices"},
+             [](const HbaAdapter& adapter) { return adapter.mapping.record; }, "no devices"},
         });
     return kFields;
 }

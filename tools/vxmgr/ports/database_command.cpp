@@ -186,8 +186,7 @@ const Fields<HX_SECURE_PORT>& SecurityFields() {
 }
 
 const Fields<RemoteRow> kRemotePortRow = {
-    {PortKeys(kPortIndex), &RemoteRow::port},
-    {PortSerialAlias(), &RemoteRow::port},
+    {PortKeys(kPortIndex | kOldSerialKey), &RemoteRow::port},
     {"target_wwn", "Port name", "PORT NAME", kWwn.OrNull(),
      Of(&RemoteRow::Record, [](const RemoteRecord& one) { return Wwn::Of(one.portName); }),
      "of the remote port; null in the row of a port that failed"},
@@ -236,8 +235,8 @@ const Fields<RemoteRow> kRemotePortRow = {
      Of(&RemoteRow::Record, TextOf<&RemoteRecord::symbolicName>)},
     {PortStatus(), &RemoteRow::port},
 };
-const auto kRemotePortList = ListOf<std::vector<RemoteRow>>(
-    "remote_ports", "Remote ports", kRemotePortRow, ListLayout::Table, "No remote ports.");
+const auto kRemotePortList =
+    ListOf("remote_ports", "Remote ports", kRemotePortRow, "No remote ports.");
 
 ExitCode PortDatabase(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);

@@ -99,8 +99,8 @@ const Fields<Service>& ServiceFields() {
     return kFields;
 }
 
-const auto kServiceList = ListOf<std::vector<Service>>("drivers", "Drivers", ServiceFields(),
-                                                       ListLayout::Sections, "No drivers.");
+const auto kServiceList =
+    ListOf("drivers", "Drivers", ServiceFields(), ListLayout::Sections, "No drivers.");
 
 // A parameter of a driver service; no value: it has none of that name.
 struct Parameter {
@@ -123,8 +123,7 @@ const Fields<Parameter> kParameterFields = {
      "null: the driver has no such parameter"},
 };
 
-const auto kParameterList =
-    ListOf<std::vector<Parameter>>("parameters", "Parameters", kParameterFields);
+const auto kParameterList = ListOf("parameters", "Parameters", kParameterFields);
 
 const Fields<Parameter>& ChangeFields() {
     static const Fields<Parameter> kFields = {
@@ -139,10 +138,7 @@ const Fields<Parameter>& ChangeFields() {
 Device OpenPortOf(Invocation& invocation, const Service& service) {
     Device device;
     const Port& port = *service.ports.front();
-    const HX_STATUS status = port.Open(TracePath(invocation), &device);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "open", port.Object());
-    }
+    invocation.Require(port.Open(TracePath(invocation), &device), "open", port.Object());
     return device;
 }
 
@@ -159,9 +155,7 @@ std::optional<std::string> ReadParameter(Invocation& invocation, const Device& d
         invocation.Fail(ExitCode::Usage, "\"" + name + "\" is no parameter name",
                         "a name has no blank, no ';' and no '='");
     }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the parameter cannot be read");
-    }
+    invocation.Require(status, "the parameter cannot be read");
     return FieldText(value, sizeof value);
 }
 
@@ -200,12 +194,10 @@ Setting ParseSetting(Invocation& invocation) {
 
 const Service& OnlyService(Invocation& invocation, const std::vector<Service>& services) {
     if (services.size() > 1) {
-        std::string names;
-        for (const Service& service : services) {
-            names += (names.empty() ? "" : ", ") + service.name;
-        }
-        invocation.Fail(ExitCode::Usage, "several drivers are selected: " + names,
-                        "choose a port of the driver meant with -p");
+        invocation.Fail(
+            ExitCode::Usage,
+            "several drivers are selected: " + TextsJoined(services, ", ", &Service::name),
+            "choose a port of the driver meant with -p");
     }
     return services.front();
 }
@@ -240,9 +232,7 @@ void WriteParameter(Invocation& invocation, const Device& device, const Setting&
         invocation.Fail(ExitCode::Usage, "the driver's parameters cannot hold this name or value",
                         "neither may have a blank or ';'");
     }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the parameter cannot be written");
-    }
+    invocation.Require(status, "the parameter cannot be written");
 }
 
 ExitCode DriverShow(Invocation& invocation) {
@@ -276,9 +266,9 @@ const Fields<KnownParameterRow> kKnownParameterRow = {
     {"meaning", "Meaning", "MEANING", kText,
      [](const KnownParameterRow& row) { return row.known->meaning; }},
 };
-const auto kKnownParameterList = ListOf<std::vector<KnownParameterRow>>(
-    "parameters", "Parameters", kKnownParameterRow, ListLayout::Table, "",
-    "those whose meaning is known; `driver param get` reads any");
+const auto kKnownParameterList =
+    ListOf("parameters", "Parameters", kKnownParameterRow, "",
+           "those whose meaning is known; `driver param get` reads any");
 
 ExitCode DriverParameterList(Invocation& invocation) {
     const std::vector<Port> ports = ReadSelectedPorts(invocation);

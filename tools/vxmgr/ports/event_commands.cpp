@@ -85,8 +85,7 @@ struct PortEvent {
 
 const Fields<PortEvent> kEventFields = {
     TimeField<PortEvent>("UTC, when the event was fetched"),
-    {PortKeys(kPortIndex | kAdapterSerial), &PortEvent::port},
-    {PortSerialAlias(), &PortEvent::port},
+    {PortKeys(kPortIndex | kAdapterSerial | kOldSerialKey), &PortEvent::port},
     {"kind", "Kind", "KIND", kText, &PortEvent::Kind, "", 11},
     {"meaning", "Meaning", "MEANING", kText, &PortEvent::Meaning},
     {"type", "Type", kInteger, [](const PortEvent& one) { return one.event.type; }},
@@ -95,7 +94,7 @@ const Fields<PortEvent> kEventFields = {
     {"data2", "Data 2", Hexadecimal(8), &PortEvent::Data<2>},
 };
 
-const auto kEventList = ListOf<std::vector<PortEvent>>("events", "Events", kEventFields);
+const auto kEventList = ListOf("events", "Events", kEventFields);
 
 // The event delivery of a port. It is switched off once, by whoever comes first: the end of the
 // command, or its clean-up when the command hangs.
@@ -239,8 +238,7 @@ struct Raised {
 };
 
 const Fields<Raised> kRaisedFields = {
-    {PortKeys(kPortIndex | kAdapterSerial), &Raised::port},
-    {PortSerialAlias(), &Raised::port},
+    {PortKeys(kPortIndex | kAdapterSerial | kOldSerialKey), &Raised::port},
     {"raised", "Test event raised", kFlag, &Raised::raised},
 };
 
@@ -256,9 +254,7 @@ ExitCode EventTest(Invocation& invocation) {
         if (status == HXMGT_SUCCESS) {
             status = HXForceZetaAEN(static_cast<int32_t>(device.Handle()));
         }
-        if (status != HXMGT_SUCCESS) {
-            invocation.Fail(status, "the test event was not raised", port.Object());
-        }
+        invocation.Require(status, "the test event was not raised", port.Object());
     }
     invocation.Result() = kRaisedFields.Make({port, !dry});
     return ExitCode::Done;

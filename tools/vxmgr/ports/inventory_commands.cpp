@@ -277,19 +277,18 @@ using AdapterRows = std::vector<const Adapter*>;
 using PortRows = std::vector<const Port*>;
 
 const auto kAdapterList =
-    ListOf<AdapterRows>("adapters", "Adapters", kAdapterFields, ListLayout::Table, "No adapters.");
+    ListOf<AdapterRows>("adapters", "Adapters", kAdapterFields, "No adapters.");
 
 const auto kAdapterDetails = ListOf<AdapterRows>("adapters", "Adapters", kAdapterDetailFields,
                                                  ListLayout::Sections, "No adapters.");
 
 const Fields<Port> kPortInList = SummaryFields(true);
-const auto kPortList =
-    ListOf<PortRows>("ports", "Ports", kPortInList, ListLayout::Table, "No ports.");
+const auto kPortList = ListOf<PortRows>("ports", "Ports", kPortInList, "No ports.");
 
 using PortDetailRows = std::vector<PortInDetail>;
 
-const auto kPortDetails = ListOf<PortDetailRows>("ports", "Ports", kPortInDetailFields,
-                                                 ListLayout::Sections, "No ports.");
+const auto kPortDetails =
+    ListOf("ports", "Ports", kPortInDetailFields, ListLayout::Sections, "No ports.");
 
 template <const auto& fields>
 ExitCode ShowAdapters(Invocation& invocation) {

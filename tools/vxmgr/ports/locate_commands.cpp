@@ -68,8 +68,7 @@ template <bool changes>
 const Fields<std::vector<BeaconRow>>& BeaconList() {
     static constexpr const char* kLeds[] = {"green", "amber"};
     static const Fields<BeaconRow> kBeacon = {
-        {PortKeys(kPortIndex | kAdapterSerial), &BeaconRow::port},
-        {PortSerialAlias(), &BeaconRow::port},
+        {PortKeys(kPortIndex | kAdapterSerial | kOldSerialKey), &BeaconRow::port},
         {"supported", "Supported", kFlag.OrNull(), BeaconSupported},
         {"on", "Beacon", "BEACON", kFlag.OrNull(),
          Of(BeaconOf,
@@ -84,8 +83,7 @@ const Fields<std::vector<BeaconRow>>& BeaconList() {
          OutcomeOf, "null: nothing was to be changed"},
         {PortStatus(), &BeaconRow::port},
     };
-    static const auto kFields = ListOf<std::vector<BeaconRow>>("beacons", "Beacons", kBeacon,
-                                                               ListLayout::Table, "No ports.");
+    static const auto kFields = ListOf("beacons", "Beacons", kBeacon, "No ports.");
     return kFields;
 }
 

@@ -19,8 +19,7 @@ struct LockdownRow {
 };
 
 const Fields<LockdownRow> kLockdownRow = {
-    {PortKeys(kPortIndex | kPortName | kAdapterSerial), &LockdownRow::port},
-    {PortSerialAlias(), &LockdownRow::port},
+    {PortKeys(kPortIndex | kPortName | kAdapterSerial | kOldSerialKey), &LockdownRow::port},
     {"locked_down", "Locked down", "LOCKED DOWN", kFlag.OrNull(),
      Of(&LockdownRow::lockdown,
         [](const Lockdown& lockdown) {
@@ -34,8 +33,7 @@ const Fields<LockdownRow> kLockdownRow = {
      "what the firmware says of it: bytes whose meaning is its own"},
     {PortStatus(), &LockdownRow::port},
 };
-const auto kLockdownList = ListOf<std::vector<LockdownRow>>("lockdowns", "Lockdowns", kLockdownRow,
-                                                            ListLayout::Table, "No ports.");
+const auto kLockdownList = ListOf("lockdowns", "Lockdowns", kLockdownRow, "No ports.");
 
 HX_STATUS AskLockdown(PortVisit& visit, std::optional<Lockdown>* lockdown) {
     visit.query = "lockdown state";

@@ -38,10 +38,8 @@ Device OpenAnyPort(Invocation& invocation) {
 
 bool IsEnabled(Invocation& invocation, const Device& device) {
     uint8_t enabled = 0;
-    const HX_STATUS status = HXGetSmartSANStatusFC(device.Handle(), &enabled);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the SmartSAN switch cannot be read");
-    }
+    invocation.Require(HXGetSmartSANStatusFC(device.Handle(), &enabled),
+                       "the SmartSAN switch cannot be read");
     return enabled != 0;
 }
 
@@ -51,11 +49,9 @@ ExitCode SwitchSmartSan(Invocation& invocation) {
     const bool before = IsEnabled(invocation, device);
     const bool needed = before != wanted;
     if (needed && !invocation.DryRun()) {
-        const HX_STATUS status =
-            wanted ? HXEnableSmartSANFC(device.Handle()) : HXDisableSmartSANFC(device.Handle());
-        if (status != HXMGT_SUCCESS) {
-            invocation.Fail(status, "the SmartSAN switch cannot be written");
-        }
+        invocation.Require(
+            wanted ? HXEnableSmartSANFC(device.Handle()) : HXDisableSmartSANFC(device.Handle()),
+            "the SmartSAN switch cannot be written");
         invocation.Changed();
         invocation.AddPending(
             {"driver", "driver_restart", "SmartSAN changes at the next start of the driver"});

@@ -46,9 +46,9 @@ Fields<Reading> ReadingFieldsWith(unsigned shown, bool ofTarget) {
     return {[](const Reading& reading) { return "Port " + std::to_string(reading.port->index); },
             {
                 TimeField<Reading>("UTC, when the counters were read"),
-                {PortKeys((kPortIndex & kPortColumns) | (kPortName & kPortLabels) | kAdapterSerial),
+                {PortKeys((kPortIndex & kPortColumns) | (kPortName & kPortLabels) | kAdapterSerial |
+                          kOldSerialKey),
                  &Reading::port},
-                {PortSerialAlias(), &Reading::port},
                 {"target_wwn", ofTarget ? "Remote port" : "", ofTarget ? "TARGET" : "",
                  kWwn.OrNull(), &Reading::target,
                  "the remote port that the counters concern; null: the port itself", 23},
@@ -72,8 +72,8 @@ const Fields<Reading>& ReadingFields(unsigned shown, bool ofTarget) {
 
 using Readings = std::vector<Reading>;
 Fields<Readings> ReadingListWith(unsigned shown, bool ofTarget) {
-    return ListOf<Readings>("readings", "Readings", ReadingFields(shown, ofTarget),
-                            ListLayout::Sections, "No ports.");
+    return ListOf("readings", "Readings", ReadingFields(shown, ofTarget), ListLayout::Sections,
+                  "No ports.");
 }
 
 Shape ReadingShape() {
@@ -220,8 +220,7 @@ template <auto group>
 constexpr auto kBefore = [](const Clearing& clearing) { return clearing.before.*group; };
 
 const Fields<Clearing> kClearingFields = {
-    {PortKeys(kPortIndex | kAdapterSerial), &Clearing::port},
-    {PortSerialAlias(), &Clearing::port},
+    {PortKeys(kPortIndex | kAdapterSerial | kOldSerialKey), &Clearing::port},
     {"cleared", "Cleared", kFlag, &Clearing::cleared},
     {"before", "Before", LinkFields(), kBefore<&PortCounters::link>,
      "the counters before they were set to zero; null: they were not to be", kGroup.OrNull()},
@@ -285,18 +284,14 @@ ExitCode PortStatsClear(Invocation& invocation) {
     PortCounters before;
     std::string query;
     HX_STATUS status = ReadCounters(session.Handle(), question, &before, &query);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, query, object);
-    }
+    invocation.Require(status, query, object);
     const bool dry = invocation.DryRun();
     if (!dry) {
         status = ClearCounters(invocation, session.Handle(), &before);
     }
     invocation.Result() =
         kClearingFields.Make({session.port, !dry && status == HXMGT_SUCCESS, before});
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the counters were not reset", object);
-    }
+    invocation.Require(status, "the counters were not reset", object);
     if (dry) {
         invocation.Note("dry run: the counters would be set to zero");
         return ExitCode::Done;

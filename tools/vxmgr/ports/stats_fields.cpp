@@ -302,10 +302,10 @@ const Fields<Latency>& LatencyFields() {
                  AverageOf<&Latency::reads, &Latency::readTime>, "", 12},
                 {"write_average_us", "Average write", "AVERAGE WRITE", kInteger.OrNull(),
                  AverageOf<&Latency::writes, &Latency::writeTime>, "", 13},
-                {"reads", "Reads by time", BucketFields<true>(), FilledBuckets<&Latency::reads>,
-                 ListLayout::Table, "", kBucketsAbout},
+                {"reads", "Reads by time", BucketFields<true>(), FilledBuckets<&Latency::reads>, "",
+                 kBucketsAbout},
                 {"writes", "Writes by time", BucketFields<false>(), FilledBuckets<&Latency::writes>,
-                 ListLayout::Table, "", kBucketsAbout},
+                 "", kBucketsAbout},
             });
         return rows;
     }());

@@ -277,9 +277,8 @@ ExitCode NvramActivate(Invocation& invocation) {
     ConfirmUpdate(invocation, session, outlook,
                   "Restart the port, so that its firmware uses the settings that were written.",
                   "I/O through the port stops for a while.");
-    if (const HX_STATUS status = RestartPort(invocation, session); status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the port did not restart", session.port.Object());
-    }
+    invocation.Require(RestartPort(invocation, session), "the port did not restart",
+                       session.port.Object());
     invocation.Changed();
     const PortNvram after = ReadNvram(invocation, session, false);
     invocation.Result() = kRestartFields.Make({&before, &after, true});

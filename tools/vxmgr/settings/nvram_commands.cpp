@@ -49,7 +49,7 @@ const Fields<PortNvram> kNvramShowFields = {
          }
          return rows;
      },
-     ListLayout::Table, "no variables"},
+     "no variables"},
 };
 
 struct ShownVariable {
@@ -109,8 +109,7 @@ const Fields<Verified>& VerifiedFields() {
 
 using VerifiedPorts = std::vector<Verified>;
 
-const auto kNvramVerifyFields =
-    ListOf<VerifiedPorts>("ports", "Ports", VerifiedFields(), ListLayout::Table, "no ports");
+const auto kNvramVerifyFields = ListOf("ports", "Ports", VerifiedFields(), "no ports");
 
 Verified Verify(Invocation& invocation, const PortSession& session) {
     const NvramMap map = LearnVariables(invocation, session);

@@ -44,7 +44,7 @@ const Fields<NvramSource> kNvramDocumentFields = {
     {"kind", "", Choice(kKinds),
      [](const NvramSource& source) { return NameOf(source.map->kind); }},
     {"size", "", kInteger, [](const NvramSource& source) { return source.block.size(); }},
-    {"variables", "", kWrittenVariableFields, &NvramSource::Variables, ListLayout::Table, "",
+    {"variables", "", kWrittenVariableFields, &NvramSource::Variables, "",
      "a value that differs from the block's is a change"},
     {"block", "", kText, [](const NvramSource& source) { return HexDigits(source.block); },
      "hexadecimal digits, with its checksum"},

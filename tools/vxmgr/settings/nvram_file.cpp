@@ -126,10 +126,9 @@ std::vector<uint8_t> BlockOfText(Invocation& invocation, const PortNvram& nvram,
         return asked;
     }
     std::vector<uint8_t> block = ReadText(invocation, nvram, path, false);
-    std::string kept;
-    for (const NvramChange& change : DifferenceOf(nvram.map, block, asked).changes) {
-        kept += (kept.empty() ? "" : ", ") + change.variable->name;
-    }
+    const std::string kept =
+        TextsJoined(DifferenceOf(nvram.map, block, asked).changes, ", ",
+                    [](const NvramChange& change) { return change.variable->name; });
     if (!kept.empty()) {
         invocation.Warn("read-only variables keep their values: " + kept);
     }

@@ -48,11 +48,9 @@ NvramMap LearnVariables(Invocation& invocation, const PortSession& session) {
     NvramMap map;
     std::array<HX_VARIABLE_FIELD, HX_NVRAM_VARIABLES> fields{};
     uint32_t count = HX_NVRAM_VARIABLES;
-    const HX_STATUS status = HXGetVariableFields(session.Handle(), fields.data(), &count);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the chip does not tell which NVRAM variables it has",
-                        session.port.Object());
-    }
+    invocation.Require(HXGetVariableFields(session.Handle(), fields.data(), &count),
+                       "the chip does not tell which NVRAM variables it has",
+                       session.port.Object());
     for (uint32_t number = 0; number < fields.size(); ++number) {
         auto variable = DescribedVariable(number, HXGetVariableDescription(0, number));
         if (!variable) {

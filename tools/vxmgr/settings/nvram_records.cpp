@@ -36,7 +36,7 @@ Fields<NvramChange> SideFields(SideNames before, SideNames after) {
 
 Fields<NvramDifference> DifferenceFields(const Fields<NvramChange>& sides, const char* emptyText) {
     return {
-        {"changes", "Changes", sides, &NvramDifference::changes, ListLayout::Table, emptyText},
+        {"changes", "Changes", sides, &NvramDifference::changes, emptyText},
         {"other_bytes", "Other bytes that differ", kInteger, &NvramDifference::otherBytes,
          "bytes that differ outside all variables"},
     };

@@ -36,10 +36,8 @@ std::optional<OtherBank> FindOtherBank(Invocation& invocation, const PortSession
         return std::nullopt;
     }
     bool second = false;
-    const HX_STATUS status = AskSecondBank(session.Handle(), &second);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "which bank is in use cannot be told", port.Object());
-    }
+    invocation.Require(AskSecondBank(session.Handle(), &second),
+                       "which bank is in use cannot be told", port.Object());
     bank.second = !second;
     bank.region = bank.second ? *secondRegion : *firstRegion;
     return bank;
@@ -65,14 +63,11 @@ PortSettings ReadSettings(Invocation& invocation, const PortSession& session, Se
         invocation.Fail(ExitCode::NotSupported, "this chip has one bank only",
                         "leave out --bank other");
     }
-    const HX_STATUS status =
-        otherBank ? ReadBank(session, *read.bank, &read.bytes) : readInUse(&read.bytes);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status,
-                        settings == Settings::Nvram ? "the NVRAM cannot be read"
-                                                    : "the product data cannot be read",
-                        session.port.Object());
-    }
+    invocation.Require(
+        otherBank ? ReadBank(session, *read.bank, &read.bytes) : readInUse(&read.bytes),
+        settings == Settings::Nvram ? "the NVRAM cannot be read"
+                                    : "the product data cannot be read",
+        session.port.Object());
     return read;
 }
 

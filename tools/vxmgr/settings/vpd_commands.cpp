@@ -101,7 +101,7 @@ const Fields<ShownVpd> kVpdShowFields = {
     {"checksum_good", "Checksum", kFlag.OrNull(), VpdChecksumValue},
     {"sound", "Sound", kFlag, [](const ShownVpd& shown) { return shown.vpd.faults.empty(); }},
     {"items", "Items", kVpdItemFields, [](const ShownVpd& shown) { return shown.vpd.items; },
-     ListLayout::Table, "no product data"},
+     "no product data"},
 };
 
 const Fields<ShownVpd> kVpdReadFields = {
@@ -121,11 +121,7 @@ const Fields<ShownVpd> kVpdWriteFields = {
 };
 
 std::string FaultsText(const PciVpd& vpd) {
-    std::string text;
-    for (const std::string& fault : vpd.faults) {
-        text += (text.empty() ? "" : "; ") + fault;
-    }
-    return text;
+    return TextsJoined(vpd.faults, "; ");
 }
 
 // Everything that can be wrong with a file, before the first byte goes out.

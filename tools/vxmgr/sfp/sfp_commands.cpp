@@ -63,14 +63,14 @@ const Fields<ShownModule> kModuleFields(
                      {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
                       "empty when all is well; null without diagnostics"},
                      {"flags", "State", ModuleFlagFields()},
-                     {"readings", "Readings", ReadingFields(), &ShownModule::Rows,
-                      ListLayout::Table, "no diagnostics", "", "quantity"},
+                     {"readings", "Readings", ReadingFields(), &ShownModule::Rows, "no diagnostics",
+                      "", "quantity"},
                  });
 
 using ShownModules = std::vector<ShownModule>;
 
-const auto kSfpShowFields = ListOf<ShownModules>("transceivers", "Transceivers", kModuleFields,
-                                                 ListLayout::Sections, "no transceivers");
+const auto kSfpShowFields =
+    ListOf("transceivers", "Transceivers", kModuleFields, ListLayout::Sections, "no transceivers");
 
 ExitCode SfpShow(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
@@ -98,9 +98,9 @@ struct SfpMemory {
 const Fields<SfpMemory> kSfpDumpFields = {
     {PortKeys(), &SfpMemory::port},
     {kSfpPages[0].name, "Page a0", HexRowFields(),
-     [](const SfpMemory& memory) { return memory.pages[0]; }, ListLayout::Table, "no data"},
+     [](const SfpMemory& memory) { return memory.pages[0]; }, "no data"},
     {kSfpPages[1].name, "Page a2", HexRowFields(),
-     [](const SfpMemory& memory) { return memory.pages[1]; }, ListLayout::Table, "no data"},
+     [](const SfpMemory& memory) { return memory.pages[1]; }, "no data"},
 };
 
 ExitCode SfpDump(Invocation& invocation) {
@@ -115,12 +115,10 @@ ExitCode SfpDump(Invocation& invocation) {
         uint8_t bytes[kSfpPageBytes] = {};
         uint16_t deviceStatus = 0;
         const HX_STATUS status = ReadSfp(session.Handle(), page, 0, bytes, &deviceStatus);
-        if (status != HXMGT_SUCCESS) {
-            invocation.Fail(status,
-                            std::string("page ") + page.name + " cannot be read (device status " +
-                                std::to_string(deviceStatus) + ")",
-                            session.port.Object());
-        }
+        invocation.Require(status,
+                           std::string("page ") + page.name + " cannot be read (device status " +
+                               std::to_string(deviceStatus) + ")",
+                           session.port.Object());
         if (invocation.Names().Enabled()) {
             invocation.Note("with --redact the data is left out");
         } else {

@@ -59,8 +59,7 @@ const Fields<std::vector<LaneRow>>& SerdesFields() {
     constexpr auto kMillivolts = Integer("mV").OrNull();
     constexpr auto kTextOrNull = kText.OrNull();
     static const Fields<LaneRow> kLanes = {
-        {PortKeys(), &LaneRow::port},
-        {PortSerialAlias(), &LaneRow::port},
+        {PortKeys(kPortIndex | kOldSerialKey), &LaneRow::port},
         {"lane", "Lane", "LANE", kInteger.OrNull(), number(Packed<&Lane::lane>)},
         {"speed_gbit", "Speed", "SPEED", Integer("Gbit/s").OrNull(),
          of([](const Lane& lane) { return SpeedValue(lane.speed); })},
@@ -86,8 +85,7 @@ const Fields<std::vector<LaneRow>>& SerdesFields() {
          "decimal numbers: steps of each tap"},
         {PortStatus(), &LaneRow::port},
     };
-    static const auto kFields =
-        ListOf<std::vector<LaneRow>>("lanes", "Lanes", kLanes, ListLayout::Table, "no lanes");
+    static const auto kFields = ListOf("lanes", "Lanes", kLanes, "no lanes");
     return kFields;
 }
 

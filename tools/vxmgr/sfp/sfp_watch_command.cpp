@@ -50,7 +50,7 @@ const Fields<Measured> kMeasuredFields = {
     {"trouble", "Trouble", "TROUBLE", kText, TroubleValue, "empty when all is well"},
 };
 
-const auto kMeasuredList = ListOf<std::vector<Measured>>("readings", "Readings", kMeasuredFields);
+const auto kMeasuredList = ListOf("readings", "Readings", kMeasuredFields);
 
 ExitCode SfpWatch(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);

@@ -33,14 +33,12 @@ struct MapRow {
 };
 
 const Fields<MapRow> kMapRow = {
-    {PortKeys(kPortIndex | kScsiPort), &MapRow::port},
-    {PortSerialAlias(), &MapRow::port},
+    {PortKeys(kPortIndex | kScsiPort | kOldSerialKey), &MapRow::port},
     {PlaceFields(), &MapRow::place},
     {PortStatus(), &MapRow::port},
 };
-const auto kMapList = ListOf<std::vector<MapRow>>(
-    "units", "Logical units", kMapRow, ListLayout::Table, "no logical units",
-    "a row per volume; one for a logical unit without volumes");
+const auto kMapList = ListOf("units", "Logical units", kMapRow, "no logical units",
+                             "a row per volume; one for a logical unit without volumes");
 
 // Collects the units of each selected port; a port that fails has a row of its own.
 class Mapper {
@@ -94,9 +92,7 @@ class Mapper {
 
 SystemDevices ReadSystem(Invocation& invocation) {
     SystemDevices system;
-    if (const HX_STATUS status = system.Read(); status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the system's devices cannot be listed");
-    }
+    invocation.Require(system.Read(), "the system's devices cannot be listed");
     return system;
 }
 

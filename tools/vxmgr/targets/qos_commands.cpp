@@ -51,7 +51,7 @@ const Fields<QosResult>& QosFields() {
     static const Fields<QosResult> kFields = {
         {"enabled", "", kFlag.OrNull(), &QosResult::enabled,
          "priorities are in force on every port that tells; null: none does"},
-        {"levels", "Levels", kRows, &QosResult::levels, ListLayout::Table, "no targets"},
+        {"levels", "Levels", kRows, &QosResult::levels, "no targets"},
     };
     return kFields;
 }

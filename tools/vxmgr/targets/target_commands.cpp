@@ -7,7 +7,7 @@
 #include "vxmgr/app/values.h"
 #include "vxmgr/targets/target_luns.h"
 #include "vxmgr/targets/target_records.h"
-#include "vxmgr/targets/target_select.h"
+#include "vxmgr/targets/target_walk.h"
 
 namespace vxmgr {
 namespace {
@@ -41,8 +41,7 @@ struct TargetRow {
 };
 
 const Fields<TargetRow> kTargetHeadFields = {
-    {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels)), &TargetRow::port},
-    {PortSerialAlias(), &TargetRow::port},
+    {PortKeys(kPortIndex | (kAdapterSerial & kPortLabels) | kOldSerialKey), &TargetRow::port},
     {"target_wwn", "Port name", "TARGET", kWwn.OrNull(),
      Of(&TargetRow::NamedTarget, &KnownTarget::PortName),
      "port name; null in the row of a port that failed"},
@@ -124,8 +123,7 @@ const Fields<TargetRow> kTargetDetailFields = {
 
 template <const auto& target, ListLayout layout>
 const Fields<std::vector<TargetRow>>& TargetList() {
-    static const auto kFields =
-        ListOf<std::vector<TargetRow>>("targets", "Targets", target, layout, "no targets");
+    static const auto kFields = ListOf("targets", "Targets", target, layout, "no targets");
     return kFields;
 }
 
@@ -136,8 +134,7 @@ struct LunRow {
 };
 
 const Fields<LunRow> kLunFields = {
-    {PortKeys(kPortIndex), &LunRow::port},
-    {PortSerialAlias(), &LunRow::port},
+    {PortKeys(kPortIndex | kOldSerialKey), &LunRow::port},
     {"target_wwn", "Target", "TARGET", kWwn.OrNull(), Of(&LunRow::target, &KnownTarget::PortName)},
     {"luns", "LUNs", "LUNS", kText.OrNull(),
      Of(&LunRow::run, [](const LunRun& run) { return RangeText(run.luns); }),
@@ -155,65 +152,46 @@ const Fields<LunRow> kLunFields = {
     {PortStatus(), &LunRow::port},
 };
 
-const auto kLunList =
-    ListOf<std::vector<LunRow>>("luns", "LUNs", kLunFields, ListLayout::Table, "no LUNs",
-                                "LUNs that nobody sees and nobody masks are left out");
+const auto kLunList = ListOf("luns", "LUNs", kLunFields, "no LUNs",
+                             "LUNs that nobody sees and nobody masks are left out");
 
-using AddRows =
-    std::function<void(PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows)>;
-
-// Rows of every known target; with -t for those ports that know the target. empty: the result
-// without rows.
-ExitCode ListTargets(Invocation& invocation, Record empty, const AddRows& add,
-                     const RowOfFailure& failed) {
+// add(targets, target, rows) of every known target; with -t for those ports that know the target.
+template <class Row, class Add>
+ExitCode ListTargets(Invocation& invocation, const Fields<std::vector<Row>>& list, Add add) {
     CheckTargetOption(invocation);
     bool found = false;
-    std::vector<Record> rows;
-    const ExitCode exit = ListPortTargets(
-        invocation,
-        [&](PortTargets& targets, std::vector<Record>* into) {
-            for (const KnownTarget* target : ChooseKnown(invocation, targets)) {
-                invocation.CheckStop();
-                found = true;
-                add(targets, *target, into);
-            }
-        },
-        failed, &rows);
-    empty.MainList()->records = std::move(rows);
-    invocation.Result() = std::move(empty);
-    if (!found && exit == ExitCode::Done && invocation.Given().Has("target")) {
-        invocation.Fail(ExitCode::NotFound,
-                        "no selected port knows the target " + invocation.Given().Text("target"),
-                        "see `target list`");
-    }
-    return exit;
+    const auto addKnown = [&](const PortTargets& targets, std::vector<Row>* rows) {
+        for (const KnownTarget* target : ChooseKnown(invocation, targets)) {
+            invocation.CheckStop();
+            found = true;
+            add(targets, *target, rows);
+        }
+    };
+    return CheckFound(invocation, ListPortTargets(invocation, list, addKnown), found);
 }
 
 template <const auto& fields, ListLayout layout>
 ExitCode ShowTargets(Invocation& invocation) {
-    return ListTargets(
-        invocation, TargetList<fields, layout>().Prototype(),
-        [](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
-            rows->push_back(fields.Make(
-                {&targets.OwnPort(), &target, FindRow(*targets.bindings.block, target.PortName()),
-                 LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())}));
-        },
-        [](const Port& port) { return fields.Make({&port}); });
+    const auto add = [](const PortTargets& targets, const KnownTarget& target,
+                        std::vector<TargetRow>* rows) {
+        const Wwn name = target.PortName();
+        rows->push_back({&targets.OwnPort(), &target, FindRow(*targets.bindings.block, name),
+                         LiveMaskOf(targets, target), StoredMaskOf(targets, name)});
+    };
+    return ListTargets(invocation, TargetList<fields, layout>(), add);
 }
 
 ExitCode TargetLuns(Invocation& invocation) {
-    return ListTargets(
-        invocation, kLunList.Prototype(),
-        [&](PortTargets& targets, const KnownTarget& target, std::vector<Record>* rows) {
-            const Port& port = targets.OwnPort();
-            const LunViews views{
-                ReportedLuns(invocation, port, targets.Handle(), target.PortName()),
-                LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())};
-            for (const LunRun& run : LunRuns(views)) {
-                rows->push_back(kLunFields.Make({&port, &target, run}));
-            }
-        },
-        [](const Port& port) { return kLunFields.Make({&port}); });
+    const auto add = [&](const PortTargets& targets, const KnownTarget& target,
+                         std::vector<LunRow>* rows) {
+        const Port& port = targets.OwnPort();
+        const LunViews views{ReportedLuns(invocation, port, targets.Handle(), target.PortName()),
+                             LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())};
+        for (const LunRun& run : LunRuns(views)) {
+            rows->push_back({&port, &target, run});
+        }
+    };
+    return ListTargets(invocation, kLunList, add);
 }
 
 }  // namespace

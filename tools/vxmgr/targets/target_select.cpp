@@ -70,7 +70,7 @@ void CheckTargetOption(Invocation& invocation) {
     }
 }
 
-std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address) {
+std::optional<ChosenTarget> FindTarget(const PortTargets& targets, const HX_SCSI_ADDRESS& address) {
     ChosenTarget chosen;
     const auto take = [&](const auto& row) {
         chosen.portName = Wwn::Of(row.portName);
@@ -97,7 +97,7 @@ std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRE
     return std::nullopt;
 }
 
-std::optional<ChosenTarget> FindTarget(Invocation& invocation, PortTargets& targets,
+std::optional<ChosenTarget> FindTarget(Invocation& invocation, const PortTargets& targets,
                                        const char* option) {
     const HX_SCSI_ADDRESS address = GivenAddress(invocation, option);
     const auto chosen = FindTarget(targets, address);
@@ -133,7 +133,7 @@ void FailUnknown(Invocation& invocation, const PortTargets& targets, const char*
                     down ? kLinkHint : hint);
 }
 
-ChosenTarget ChooseTarget(Invocation& invocation, PortTargets& targets) {
+ChosenTarget ChooseTarget(Invocation& invocation, const PortTargets& targets) {
     const auto chosen = FindTarget(invocation, targets, "target");
     if (!chosen) {
         FailUnknown(invocation, targets, "target", "is neither known to the driver nor stored",

@@ -19,7 +19,7 @@ struct ChosenTarget {
     Wwn portName;
     Wwn nodeName;
     const KnownTarget* known = nullptr;
-    HX_TARGET_ENTRY* bound = nullptr;
+    const HX_TARGET_ENTRY* bound = nullptr;
 
     std::string Text() const { return portName.Colons(); }
 };
@@ -30,15 +30,15 @@ struct ChosenTarget {
 
 // Looks in the driver first, then in the stored bindings, then (names alone) in the stored masks.
 // Nothing when the target is in none of them.
-std::optional<ChosenTarget> FindTarget(PortTargets& targets, const HX_SCSI_ADDRESS& address);
+std::optional<ChosenTarget> FindTarget(const PortTargets& targets, const HX_SCSI_ADDRESS& address);
 
 // The same for an option like -t. An address on the bus is the driver's where it has one there,
 // else that of the store: what it means is told.
-std::optional<ChosenTarget> FindTarget(Invocation& invocation, PortTargets& targets,
+std::optional<ChosenTarget> FindTarget(Invocation& invocation, const PortTargets& targets,
                                        const char* option);
 
 // The same for -t; ends the command when there is no such target.
-ChosenTarget ChooseTarget(Invocation& invocation, PortTargets& targets);
+ChosenTarget ChooseTarget(Invocation& invocation, const PortTargets& targets);
 
 // The known target that an address means, or null.
 const KnownTarget* FindKnown(const std::vector<KnownTarget>& known, const HX_SCSI_ADDRESS& address);

@@ -53,8 +53,7 @@ const Fields<std::vector<SpeedRow>>& SpeedList() {
          "set by management; false: as negotiated"},
         {TargetRowStatus(), &SpeedRow::Head},
     };
-    static const auto kFields =
-        ListOf<std::vector<SpeedRow>>("speeds", "Speeds", kRows, ListLayout::Table, "no targets");
+    static const auto kFields = ListOf("speeds", "Speeds", kRows, "no targets");
     return kFields;
 }
 

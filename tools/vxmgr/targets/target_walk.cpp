@@ -35,8 +35,7 @@ ExitCode CheckFound(Invocation& invocation, ExitCode exit, bool found) {
 
 const Fields<TargetRowHead>& TargetRowHeadFields() {
     static const Fields<TargetRowHead> kFields = {
-        {PortKeys(), &TargetRowHead::port},
-        {PortSerialAlias(), &TargetRowHead::port},
+        {PortKeys(kPortIndex | kOldSerialKey), &TargetRowHead::port},
         {"target_wwn", "Target", "TARGET", kWwn.OrNull(), &TargetRowHead::name,
          "port name; null in the row of a port that failed, or knows no target"},
     };
@@ -58,10 +57,8 @@ OpenTarget OpenGivenTarget(Invocation& invocation) {
     OpenTarget target{OpenSelectedPort(invocation), {}, {}};
     std::vector<KnownTarget> known;
     const std::string object = target.OwnPort().Object();
-    if (const HX_STATUS status = ReadKnownTargets(target.OwnPort(), target.Handle(), &known);
-        status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "known targets", object);
-    }
+    invocation.Require(ReadKnownTargets(target.OwnPort(), target.Handle(), &known), "known targets",
+                       object);
     const KnownTarget* found = FindKnown(known, wanted);
     if (found == nullptr) {
         const bool down = LinkIsDown(target.session);
