@@ -8,7 +8,6 @@
 #include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"

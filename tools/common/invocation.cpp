@@ -89,6 +89,11 @@ void Invocation::Note(const std::string& text, const std::string& hint) {
     Add({Severity::Info, text, hint, {}, {}});
 }
 
+ExitCode Invocation::DoneWith(const std::string& note, const std::string& hint) {
+    Note(note, hint);
+    return ExitCode::Done;
+}
+
 void Invocation::Warn(const std::string& text, const std::string& hint) {
     Add({Severity::Warning, text, hint, {}, {}});
 }

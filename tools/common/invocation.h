@@ -49,6 +49,8 @@ class Invocation {
     void Add(Message message);
     void Note(const std::string& text, const std::string& hint = {});
     void Warn(const std::string& text, const std::string& hint = {});
+    // The same, as all that there is to say behind a command: its exit code.
+    ExitCode DoneWith(const std::string& note, const std::string& hint = {});
     void Detail(const std::string& text, const std::string& object);  // with --verbose alone
     // The status to show for one that a request about the object ended with: a driver that has gone
     // away makes requests fail in ways that say something else.

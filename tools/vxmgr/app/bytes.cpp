@@ -60,15 +60,6 @@ std::vector<HexRow> HexRowsOf(Bytes bytes) {
     return rows;
 }
 
-void AddHexRows(Record& record, const std::string& key, const std::string& label, Bytes bytes) {
-    std::vector<Record> rows;
-    for (const HexRow& row : HexRowsOf(bytes)) {
-        rows.push_back(HexRowFields().Make(row));
-    }
-    record.AddList(key, label, ListLayout::Table, HexRowFields().Prototype(), "no data",
-                   std::move(rows));
-}
-
 bool ParseHex(const std::string& text, std::vector<uint8_t>* bytes) {
     bytes->clear();
     int high = -1;

@@ -14,6 +14,14 @@ using formats::Padded;
 using formats::Part;
 using formats::PutBigEndian;
 
+// A port identifier: three bytes of a record, and the number that people write.
+inline uint32_t PortIdOf(const uint8_t (&bytes)[3]) {
+    return static_cast<uint32_t>(BigEndian(bytes));
+}
+inline void SetPortId(uint32_t id, uint8_t (&bytes)[3]) {
+    PutBigEndian(id, bytes);
+}
+
 std::string HexDigits(Bytes bytes);
 
 // Sixteen bytes a row: offset, hexadecimal, text.
@@ -23,8 +31,6 @@ struct HexRow {
 };
 const Fields<HexRow>& HexRowFields();
 std::vector<HexRow> HexRowsOf(Bytes bytes);
-
-void AddHexRows(Record& record, const std::string& key, const std::string& label, Bytes bytes);
 
 // Hexadecimal digits in pairs, with blanks, ':' or '-' between the bytes; false for anything else.
 bool ParseHex(const std::string& text, std::vector<uint8_t>* bytes);

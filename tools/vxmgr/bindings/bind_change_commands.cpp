@@ -1,12 +1,11 @@
 // bind add, remove, swap, apply.
 #include <algorithm>
 
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/bind_edit.h"
-#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_document.h"
 #include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/store_steps.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_select.h"
 

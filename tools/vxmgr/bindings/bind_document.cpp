@@ -1,6 +1,5 @@
 #include "vxmgr/bindings/store_document.h"
 
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/store_rows.h"
 
 namespace vxmgr {

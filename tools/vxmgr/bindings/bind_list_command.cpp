@@ -2,11 +2,10 @@
 #include <set>
 
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_port.h"
 #include "vxmgr/bindings/store_steps.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

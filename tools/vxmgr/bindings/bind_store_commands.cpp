@@ -1,7 +1,7 @@
 // bind stores, clean: what is stored for ports of any driver, present or not.
 #include "vxmgr/app/inventory.h"
-#include "vxmgr/bindings/commands.h"
 #include "vxmgr/bindings/store_blocks.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

@@ -1,9 +1,8 @@
-#include "vxmgr/bindings/commands.h"
-
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/store_steps.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_records.h"
 #include "vxmgr/targets/target_select.h"

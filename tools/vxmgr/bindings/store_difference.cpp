@@ -1,6 +1,5 @@
 #include "vxmgr/bindings/store_difference.h"
 
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_document.h"

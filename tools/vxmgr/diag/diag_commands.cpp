@@ -1,12 +1,11 @@
 // The diagnostics that stop I/O.
-#include "vxmgr/diag/commands.h"
-
 #include <chrono>
 
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/app/code_text.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/diag/dport_results.h"
 
 namespace vxmgr {
@@ -152,8 +151,7 @@ ExitCode DiagLoopback(Invocation& invocation) {
                         "see `driver show`");
     }
     if (invocation.DryRun()) {
-        invocation.Note("dry run: " + std::to_string(size) + " bytes would be looped");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: " + std::to_string(size) + " bytes would be looped");
     }
     invocation.Confirm(QuestionAbout(session, "Run a loopback test.",
                                      "I/O through this port stops until it ends."));
@@ -184,8 +182,7 @@ ExitCode DiagDport(Invocation& invocation) {
     const PortSession session = OpenSelectedPort(invocation);
     GrowingResult<DportResult> result(invocation.Result(), kDportFields, {&session.port, {}, {}});
     if (invocation.DryRun()) {
-        invocation.Note("dry run: a D-port test would run");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: a D-port test would run");
     }
     invocation.Confirm(QuestionAbout(session, "Run a D-port test.",
                                      "The link serves the test alone until it ends."));
@@ -225,8 +222,7 @@ ExitCode DiagMailbox(Invocation& invocation) {
     GrowingResult<MailboxResult> result(invocation.Result(), kMailboxFields,
                                         {&session.port, registers[0], {}});
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the mailbox command would be sent");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the mailbox command would be sent");
     }
     invocation.Confirm(QuestionAbout(
         session, "Send mailbox command " + Hex(registers[0], 4) + " to the firmware.",

@@ -4,7 +4,7 @@
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/diag/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/diag/dump_kinds.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/fc_services.h"
@@ -198,24 +198,23 @@ struct CheckRow : Finding {
     std::string Serial() const { return port->Serial(); }
 };
 
-const Fields<std::vector<CheckRow>>& DiagRunFields() {
-    // In the order of CheckOutcome.
-    static constexpr const char* kOutcomes[] = {"passed", "warning", "failed", "skipped"};
+// In the order of CheckOutcome.
+constexpr const char* kCheckOutcomes[] = {"passed", "warning", "failed", "skipped"};
+
+Value CheckOutcomeValue(const CheckRow& row) {
     constexpr Tone kTones[] = {Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
-    const auto outcome = [kTones](const CheckRow& row) {
-        const auto place = static_cast<size_t>(row.outcome);
-        return Value::Text(kOutcomes[place]).In(kTones[place]);
-    };
-    static const Fields<CheckRow> kRows = {
-        {PortKeys(), &CheckRow::port},
-        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &CheckRow::Serial},
-        {"check", "Check", "CHECK", kText, &CheckRow::check},
-        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), outcome},
-        {"detail", "Detail", "DETAIL", kText.OrNull(), &CheckRow::detail},
-    };
-    static const auto kFields = ListOf("checks", "Checks", kRows, "no ports");
-    return kFields;
+    const auto place = static_cast<size_t>(row.outcome);
+    return Value::Text(kCheckOutcomes[place]).In(kTones[place]);
 }
+
+const Fields<CheckRow> kCheckFields = {
+    {PortKeys(), &CheckRow::port},
+    {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &CheckRow::Serial},
+    {"check", "Check", "CHECK", kText, &CheckRow::check},
+    {"outcome", "Outcome", "OUTCOME", Choice(kCheckOutcomes), CheckOutcomeValue},
+    {"detail", "Detail", "DETAIL", kText.OrNull(), &CheckRow::detail},
+};
+const auto kDiagRunFields = ListOf("checks", "Checks", kCheckFields, "no ports");
 
 // Ports that share an adapter with an earlier one, which looks at its flash for them: by index.
 std::map<uint32_t, uint32_t> SiblingsOf(const std::vector<Port*>& ports) {
@@ -278,7 +277,7 @@ ExitCode DiagRun(Invocation& invocation) {
             add(*one.port, kChecks[i], one.answer[i]);
         }
     }
-    invocation.Result() = DiagRunFields().Make(rows);
+    invocation.Result() = kDiagRunFields.Make(rows);
     if (failed != 0) {
         invocation.Fail(ExitCode::Failed,
                         failed == 1 ? "1 check failed" : std::to_string(failed) + " checks failed");
@@ -295,7 +294,7 @@ CommandRows DiagRunCommands() {
          .arguments = kRunArguments,
          .run = DiagRun,
          .example = "diag run -p scsi:3",
-         .result = ShapeOf<DiagRunFields>},
+         .result = ShapeOf<kDiagRunFields>},
     };
     return kCommands;
 }

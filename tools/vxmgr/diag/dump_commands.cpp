@@ -1,4 +1,4 @@
-#include "vxmgr/diag/commands.h"
+#include "vxmgr/commands.h"
 
 #include "common/console.h"
 #include "vxmgr/app/files.h"
@@ -70,27 +70,20 @@ Value DumpStateValue(const DumpRow& row) {
     return Value::Text(HasNone(row.status) ? "not supported" : "failed");
 }
 
-const Fields<std::vector<DumpRow>>& DumpListFields() {
-    static constexpr const char* kStates[] = {"present", "none", "not supported", "failed"};
-    const auto size = [](const DumpRow& row) {
-        return row.IsPresent() ? DumpSizeValue(row.bytes) : Value();
-    };
-    const auto status = [](const DumpRow& row) {
-        return HasNone(row.status) ? Value() : StatusValue(row.status);
-    };
-    static const Fields<DumpRow> kRows = {
-        {PortKeys(), &DumpRow::port},
-        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &DumpRow::Serial},
-        {"kind", "Kind", "KIND", Choice(kDumpNames),
-         [](const DumpRow& row) { return row.kind->name; }},
-        {"what", "Of", "OF", kText, [](const DumpRow& row) { return row.kind->what; }},
-        {"state", "State", "STATE", Choice(kStates), DumpStateValue},
-        {"size", "Size", "SIZE", kInteger.OrNull(), size},
-        {"status", "Status", kText.OrNull(), status},
-    };
-    static const auto kFields = ListOf("dumps", "Dumps", kRows, "no ports");
-    return kFields;
-}
+constexpr const char* kDumpStates[] = {"present", "none", "not supported", "failed"};
+
+const Fields<DumpRow> kDumpFields = {
+    {PortKeys(), &DumpRow::port},
+    {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &DumpRow::Serial},
+    {"kind", "Kind", "KIND", Choice(kDumpNames), [](const DumpRow& row) { return row.kind->name; }},
+    {"what", "Of", "OF", kText, [](const DumpRow& row) { return row.kind->what; }},
+    {"state", "State", "STATE", Choice(kDumpStates), DumpStateValue},
+    {"size", "Size", "SIZE", kInteger.OrNull(),
+     [](const DumpRow& row) { return row.IsPresent() ? DumpSizeValue(row.bytes) : Value(); }},
+    {"status", "Status", kText.OrNull(),
+     [](const DumpRow& row) { return HasNone(row.status) ? Value() : StatusValue(row.status); }},
+};
+const auto kDumpListFields = ListOf("dumps", "Dumps", kDumpFields, "no ports");
 
 struct SavedDump {
     const Port* port;
@@ -158,8 +151,7 @@ ExitCode DumpTake(Invocation& invocation) {
     GrowingResult<DumpTaken> result(invocation.Result(), kDumpTakenFields, {&session.port, {}});
     if (invocation.DryRun()) {
         result.taken = false;
-        invocation.Note("dry run: a firmware dump would be taken");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: a firmware dump would be taken");
     }
     invocation.Confirm(QuestionAbout(
         session, "Take a firmware dump.",
@@ -171,8 +163,7 @@ ExitCode DumpTake(Invocation& invocation) {
         return invocation.Report(status, "the dump was not taken", session.port.Object());
     }
     invocation.Changed();
-    invocation.Note("the dump was taken", "fetch it with `dump save fc FILE`");
-    return ExitCode::Done;
+    return invocation.DoneWith("the dump was taken", "fetch it with `dump save fc FILE`");
 }
 
 ExitCode DumpSave(Invocation& invocation) {
@@ -204,7 +195,7 @@ ExitCode DumpList(Invocation& invocation) {
             rows.push_back({size, &port});
         }
     }
-    invocation.Result() = DumpListFields().Make(rows);
+    invocation.Result() = kDumpListFields.Make(rows);
     return ReportFailures(invocation, shown);
 }
 
@@ -216,7 +207,7 @@ CommandRows DumpCommands() {
          .help = "which dumps there are",
          .run = DumpList,
          .example = "dump list -p scsi:3",
-         .result = ShapeOf<DumpListFields>},
+         .result = ShapeOf<kDumpListFields>},
         {.path = "dump save",
          .help = "fetch a dump into a file",
          .arguments = kSaveArguments,

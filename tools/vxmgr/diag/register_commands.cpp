@@ -1,7 +1,7 @@
 // diag register read|write: single registers of the SerDes and of the retimer behind the cage.
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
-#include "vxmgr/diag/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/diag/register_space.h"
 
 namespace vxmgr {
@@ -148,8 +148,7 @@ ExitCode RegisterWrite(Invocation& invocation) {
     const std::string change = what + " from " + Hex(*result.previous, given.space.ValueDigits()) +
                                " to " + Hex(wanted, given.space.ValueDigits());
     if (invocation.DryRun()) {
-        invocation.Note("dry run: " + change + " would be written");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: " + change + " would be written");
     }
     invocation.Confirm(
         QuestionAbout(session, "Write " + change + ".",

@@ -1,10 +1,8 @@
-#include "vxmgr/fabric/commands.h"
-
 #include <chrono>
 
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/fabric/fc_services.h"
 #include "vxmgr/fabric/scsi_unit.h"
@@ -158,27 +156,25 @@ struct CtResult {
     FabricResponse response;
 };
 
-const Fields<CtResult>& CtResultFields() {
-    static const Fields<CtResponse> kAnswer = {
-        {"accepted", "Accepted", kFlag, &CtResponse::accepted},
-        {"response", "Response code", Hexadecimal(4), &CtResponse::code},
-        {"reason", "Reason", kText.OrNull(),
-         [](const CtResponse& answer) { return answer.accepted ? "" : CtRejectText(answer); }},
-    };
-    const auto service = [](const CtResult& result) {
-        return CtServiceName(result.header.gsType, result.header.gsSubtype);
-    };
-    const auto command = [](const CtResult& result) { return BigEndian(result.header.command); };
-    static const Fields<CtResult> kFields = {
-        {PortKeys(kNoPortKey), &CtResult::port},
-        {"service", "Service", kText, service},
-        {"command", "Command", Hexadecimal(4), command},
-        {"sent", "Sent", Integer("bytes"), &CtResult::sent},
-        {kAnswer, &CtResult::answer},
-        {kFabricResponseFields, &CtResult::response},
-    };
-    return kFields;
-}
+const Fields<CtResponse> kCtResponseFields = {
+    {"accepted", "Accepted", kFlag, &CtResponse::accepted},
+    {"response", "Response code", Hexadecimal(4), &CtResponse::code},
+    {"reason", "Reason", kText.OrNull(),
+     [](const CtResponse& answer) { return answer.accepted ? "" : CtRejectText(answer); }},
+};
+
+const Fields<CtResult> kCtResultFields = {
+    {PortKeys(kNoPortKey), &CtResult::port},
+    {"service", "Service", kText,
+     [](const CtResult& result) {
+         return CtServiceName(result.header.gsType, result.header.gsSubtype);
+     }},
+    {"command", "Command", Hexadecimal(4),
+     [](const CtResult& result) { return BigEndian(result.header.command); }},
+    {"sent", "Sent", Integer("bytes"), &CtResult::sent},
+    {kCtResponseFields, &CtResult::answer},
+    {kFabricResponseFields, &CtResult::response},
+};
 
 struct ElsResult {
     const Port* port;
@@ -318,11 +314,10 @@ ExitCode FabricCt(Invocation& invocation) {
     }
     const PortSession session = OpenSelectedPort(invocation);
     GrowingResult<CtResult> result(
-        invocation.Result(), CtResultFields(),
+        invocation.Result(), kCtResultFields,
         {&session.port, Padded<CtHeader>(request), request.size(), {}, {}});
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the request would be sent");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the request would be sent");
     }
     std::vector<uint8_t> response(
         static_cast<size_t>(invocation.Given().Number("room").value_or(4096)));
@@ -351,8 +346,7 @@ ExitCode FabricEls(Invocation& invocation) {
     GrowingResult<ElsResult> result(invocation.Result(), kElsResultFields,
                                     {&session.port, request[0], request.size(), {}, {}});
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the request would be sent");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the request would be sent");
     }
     std::vector<uint8_t> answer;
     const HX_STATUS status = SendLinkService(session.Handle(), address, request, &answer);
@@ -400,7 +394,7 @@ CommandRows FcCommands() {
          .arguments = kCtArguments,
          .run = FabricCt,
          .example = "fc ct request.bin --out-file reply.bin -p scsi:3",
-         .result = ShapeOf<CtResultFields>},
+         .result = ShapeOf<kCtResultFields>},
         {.path = "fc els",
          .risk = Risk::Reversible,
          .help = "send an extended link service request",

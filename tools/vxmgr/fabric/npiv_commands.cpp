@@ -3,9 +3,8 @@
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/read_list.h"
-#include "vxmgr/fabric/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/fc_els.h"
 #include "vxmgr/targets/qos_levels.h"
 
@@ -49,57 +48,49 @@ std::optional<std::string> RejectOf(const VirtualPort& port) {
                : std::nullopt;
 }
 
-const Fields<VirtualPort>& VirtualPortFields() {
-    const auto portId = [](const VirtualPort& port) {
-        const uint32_t id = PortIdOf(port.portId);
-        return id != 0 ? std::optional(id) : std::nullopt;
-    };
-    static const Fields<VirtualPort> kFields = {
-        {"index", "Index", "INDEX", kInteger, Packed<&VirtualPort::index>},
-        {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), WwnOf<&VirtualPort::portName>},
-        {"node_wwn", "Node name", kWwn.OrNull(), WwnOf<&VirtualPort::nodeName>},
-        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(), portId},
-        {"state", "State", "STATE", Choice(kVirtualStates).OrNull(), VirtualStateValue},
-        {"level", "Priority", "LEVEL", Choice(kQosLevels).OrNull(),
-         [](const VirtualPort& port) {
-             return NameAt(kQosLevels, Packed<&VirtualPort::level>(port));
-         }},
-        {"targets", "Targets", "TARGETS", kInteger, Packed<&VirtualPort::targets>},
-        {"reject", "Rejected", kText.OrNull(), RejectOf, "why the fabric rejected it"},
-        {"seconds_online", "Online", Integer("s"), Packed<&VirtualPort::secondsOnline>},
-        {"symbolic_name", "Name", "NAME", kText.OrNull(), TextOf<&VirtualPort::symbolicName>},
-    };
-    return kFields;
+std::optional<uint32_t> VirtualPortId(const VirtualPort& port) {
+    const uint32_t id = PortIdOf(port.portId);
+    return id != 0 ? std::optional(id) : std::nullopt;
 }
 
-const Fields<std::vector<NpivRow>>& NpivListFields() {
-    const auto attribute = [](auto get) { return Of(&NpivRow::Attributes, get); };
-    static const Fields<NpivRow> kRows = {
-        {PortKeys(kPortIndex | kOldSerialKey), &NpivRow::port},
-        {"supported", "Supported", kFlag.OrNull(),
-         attribute(Bit<&NpivAttributes::flags, HX_NPIV_FIRMWARE>), "by the firmware"},
-        {"fabric_supports", "Fabric supports it", kFlag.OrNull(),
-         attribute(Bit<&NpivAttributes::flags, HX_NPIV_FABRIC>)},
-        {"enabled", "Enabled", kFlag.OrNull(),
-         attribute(Bit<&NpivAttributes::flags, HX_NPIV_ENABLED>)},
-        {"maximum", "Maximum", kInteger.OrNull(), attribute(Packed<&NpivAttributes::maximum>),
-         "virtual ports that there can be"},
-        {"in_use", "In use", kInteger.OrNull(), attribute(Packed<&NpivAttributes::inUse>)},
-        {"fabric_wwn", "Fabric name", kWwn.OrNull(),
-         [](const NpivRow& row) {
-             return row.known ? WwnOf<&NpivAttributes::fabricName>(row.known->attributes)
-                              : std::nullopt;
-         }},
-        {"fdiscs", "FDISCs", kCounter.OrNull(), attribute(Packed<&NpivAttributes::fdiscs>),
-         "FDISC link services sent"},
-        {"fdisc_rejects", "FDISCs rejected", kCounter.OrNull(),
-         attribute(Packed<&NpivAttributes::fdiscRejects>)},
-        {"virtual_ports", "Virtual ports", VirtualPortFields(), &NpivRow::Ports},
-        {PortStatus(), &NpivRow::port},
-    };
-    static const auto kFields = ListOf("ports", "Ports", kRows, ListLayout::Inner, "no ports");
-    return kFields;
+const Fields<VirtualPort> kVirtualPortFields = {
+    {"index", "Index", "INDEX", kInteger, Packed<&VirtualPort::index>},
+    {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), WwnOf<&VirtualPort::portName>},
+    {"node_wwn", "Node name", kWwn.OrNull(), WwnOf<&VirtualPort::nodeName>},
+    {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(), VirtualPortId},
+    {"state", "State", "STATE", Choice(kVirtualStates).OrNull(), VirtualStateValue},
+    {"level", "Priority", "LEVEL", Choice(kQosLevels).OrNull(),
+     [](const VirtualPort& port) { return NameAt(kQosLevels, Packed<&VirtualPort::level>(port)); }},
+    {"targets", "Targets", "TARGETS", kInteger, Packed<&VirtualPort::targets>},
+    {"reject", "Rejected", kText.OrNull(), RejectOf, "why the fabric rejected it"},
+    {"seconds_online", "Online", Integer("s"), Packed<&VirtualPort::secondsOnline>},
+    {"symbolic_name", "Name", "NAME", kText.OrNull(), TextOf<&VirtualPort::symbolicName>},
+};
+
+template <class Get>
+constexpr auto Attribute(Get get) {
+    return Of(&NpivRow::Attributes, get);
 }
+
+const Fields<NpivRow> kNpivFields = {
+    {PortKeys(kPortIndex | kOldSerialKey), &NpivRow::port},
+    {"supported", "Supported", kFlag.OrNull(),
+     Attribute(Bit<&NpivAttributes::flags, HX_NPIV_FIRMWARE>), "by the firmware"},
+    {"fabric_supports", "Fabric supports it", kFlag.OrNull(),
+     Attribute(Bit<&NpivAttributes::flags, HX_NPIV_FABRIC>)},
+    {"enabled", "Enabled", kFlag.OrNull(), Attribute(Bit<&NpivAttributes::flags, HX_NPIV_ENABLED>)},
+    {"maximum", "Maximum", kInteger.OrNull(), Attribute(Packed<&NpivAttributes::maximum>),
+     "virtual ports that there can be"},
+    {"in_use", "In use", kInteger.OrNull(), Attribute(Packed<&NpivAttributes::inUse>)},
+    {"fabric_wwn", "Fabric name", kWwn.OrNull(), Attribute(WwnOf<&NpivAttributes::fabricName>)},
+    {"fdiscs", "FDISCs", kCounter.OrNull(), Attribute(Packed<&NpivAttributes::fdiscs>),
+     "FDISC link services sent"},
+    {"fdisc_rejects", "FDISCs rejected", kCounter.OrNull(),
+     Attribute(Packed<&NpivAttributes::fdiscRejects>)},
+    {"virtual_ports", "Virtual ports", kVirtualPortFields, &NpivRow::Ports},
+    {PortStatus(), &NpivRow::port},
+};
+const auto kNpivListFields = ListOf("ports", "Ports", kNpivFields, ListLayout::Inner, "no ports");
 
 HX_STATUS ReadVirtualPorts(PortVisit& visit, VirtualPorts* known) {
     visit.query = "virtual ports";
@@ -120,7 +111,7 @@ ExitCode NpivList(Invocation& invocation) {
         const bool good = one.status == HXMGT_SUCCESS;
         rows.push_back({one.port, good ? std::optional(std::move(one.answer)) : std::nullopt});
     }
-    invocation.Result() = NpivListFields().Make(rows);
+    invocation.Result() = kNpivListFields.Make(rows);
     return exit;
 }
 
@@ -132,7 +123,7 @@ CommandRows NpivCommands() {
          .help = "list the virtual ports of the ports",
          .run = NpivList,
          .example = "npiv list -p scsi:3",
-         .result = ShapeOf<NpivListFields>},
+         .result = ShapeOf<kNpivListFields>},
     };
     return kCommands;
 }

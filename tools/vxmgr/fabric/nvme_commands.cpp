@@ -10,7 +10,7 @@
 #include "vxmgr/app/read_list.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/fabric/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/targets/target_known.h"
 
 namespace vxmgr {
@@ -62,15 +62,14 @@ const char* AnaStateOf(const NvmeNamespace& one) {
                                            : NameAt(kAnaStates, one.anaState, HX_ANA_OPTIMIZED);
 }
 
-constexpr FieldType kNamespaceBytes = {
+constexpr FieldType kManyBytes = {
     .base = FieldType::Base::Integer, .nullable = true, .large = true};
 const Fields<NvmeNamespace> kNamespaceFields = {
     {"id", "Namespace", "NAMESPACE", kInteger, Packed<&NvmeNamespace::id>},
     {"block_size", "Block size", "BLOCK SIZE", Integer("bytes"), Packed<&NvmeNamespace::blockSize>},
     {"blocks", "Blocks", kCounter, Packed<&NvmeNamespace::blocks>},
-    {"capacity_bytes", "Capacity", "CAPACITY", kNamespaceBytes,
-     BlocksValue<&NvmeNamespace::capacity>},
-    {"used_bytes", "Used", "USED", kNamespaceBytes, BlocksValue<&NvmeNamespace::used>},
+    {"capacity_bytes", "Capacity", "CAPACITY", kManyBytes, BlocksValue<&NvmeNamespace::capacity>},
+    {"used_bytes", "Used", "USED", kManyBytes, BlocksValue<&NvmeNamespace::used>},
     {"nguid", "NGUID", "NGUID", kSerial.OrNull(), IdentifierOf<&NvmeNamespace::nguid>},
     {"eui64", "EUI-64", kSerial.OrNull(), IdentifierOf<&NvmeNamespace::eui64>},
     {"ana_group", "ANA group", "ANA GROUP", kInteger, Packed<&NvmeNamespace::anaGroup>},
@@ -134,15 +133,8 @@ Fields<ControllerRow> ControllerFields(bool namespaces) {
     using Row = ControllerRow;
     const auto of = [](auto get) { return Of(&Row::Record, get); };
     const auto column = [namespaces](const char* text) { return namespaces ? "" : text; };
-    const auto text = [](auto get) {
-        return [get](const Row& row) {
-            return row.Record() != nullptr ? get(*row.Record()) : std::string();
-        };
-    };
     constexpr auto kNumber = kInteger.OrNull();
     constexpr auto kTextOrNull = kText.OrNull();
-    constexpr FieldType kBytes = {
-        .base = FieldType::Base::Integer, .nullable = true, .large = true};
     return {
         {PortKeys(), &Row::port},
         {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
@@ -155,24 +147,21 @@ Fields<ControllerRow> ControllerFields(bool namespaces) {
              return NameAt(kNvmeKinds, one.kind, HX_NVME_KIND_DISCOVERY);
          })},
         {"subsystem_nqn", "Subsystem", column("SUBSYSTEM"), kTextOrNull,
-         text(TextOf<&NvmeTarget::subsystemNqn>)},
-        {"host_nqn", "Host", kTextOrNull, text(TextOf<&NvmeTarget::hostNqn>)},
-        {"state", "State", column("STATE"), Choice(kNvmeStates).OrNull(),
-         [](const Row& row) {
-             return row.Record() != nullptr ? ControllerStateValue(*row.Record()) : Value();
-         }},
-        {"model", "Model", kTextOrNull, text(TextOf<&NvmeTarget::model>)},
-        {"serial", "Serial", kSerial.OrNull(), text(TextOf<&NvmeTarget::serial>),
+         of(TextOf<&NvmeTarget::subsystemNqn>)},
+        {"host_nqn", "Host", kTextOrNull, of(TextOf<&NvmeTarget::hostNqn>)},
+        {"state", "State", column("STATE"), Choice(kNvmeStates).OrNull(), of(ControllerStateValue)},
+        {"model", "Model", kTextOrNull, of(TextOf<&NvmeTarget::model>)},
+        {"serial", "Serial", kSerial.OrNull(), of(TextOf<&NvmeTarget::serial>),
          "of the controller"},
-        {"firmware", "Firmware", kTextOrNull, text(TextOf<&NvmeTarget::firmware>)},
-        {"nvme_version", "NVM Express", kTextOrNull, text(NvmeVersionOf)},
+        {"firmware", "Firmware", kTextOrNull, of(TextOf<&NvmeTarget::firmware>)},
+        {"nvme_version", "NVM Express", kTextOrNull, of(NvmeVersionOf)},
         {"io_queues", "I/O queues", kNumber, of(Packed<&NvmeTarget::ioQueues>)},
         {"queue_depth", "Queue depth", kNumber, of(Packed<&NvmeTarget::queueDepth>)},
         {"keep_alive_ms", "Keep-alive", Integer("ms").OrNull(), of(Packed<&NvmeTarget::keepAlive>)},
         {"reconnects", "Reconnects", kNumber, of(Packed<&NvmeTarget::reconnects>)},
         {"namespace_count", "Namespaces", column("NAMESPACES"), kNumber,
          of(Packed<&NvmeTarget::namespaces>)},
-        {"capacity_bytes", "Capacity", column("CAPACITY"), kBytes,
+        {"capacity_bytes", "Capacity", column("CAPACITY"), kManyBytes,
          [](const Row& row) {
              return SizeIn(row.found != nullptr ? CapacityOf(*row.found) : std::nullopt);
          },

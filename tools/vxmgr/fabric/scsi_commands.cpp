@@ -1,8 +1,8 @@
-#include "vxmgr/fabric/commands.h"
-
 #include "formats/scsi_data.h"
 #include "vxmgr/app/files.h"
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/scsi_inquiry.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/fabric/scsi_units.h"
@@ -126,19 +126,13 @@ struct RawResult : UnitResult {
     DataList data;
 };
 
-const Fields<RawResult>& RawResultFields() {
-    const auto status = [](const RawResult& raw) {
-        return raw.status ? StatusName(*raw.status) : std::string();
-    };
-    static const auto kFields = UnitFields<RawResult>({
-        {"cdb", "CDB", kText, [](const RawResult& raw) { return HexDigits(raw.cdb); }},
-        {"sent", "Data sent", Integer("bytes"), &RawResult::sent},
-        {"status", "Status", kText.OrAbsent(), status, "none of a dry run"},
-        {"file", "File", kText.OrAbsent(), &RawResult::file},
-        {"data", "Data", HexRowFields(), &RawResult::data, "no data"},
-    });
-    return kFields;
-}
+const auto kRawResultFields = UnitFields<RawResult>({
+    {"cdb", "CDB", kText, [](const RawResult& raw) { return HexDigits(raw.cdb); }},
+    {"sent", "Data sent", Integer("bytes"), &RawResult::sent},
+    {"status", "Status", kText.OrAbsent(), Of(&RawResult::status, StatusName), "none of a dry run"},
+    {"file", "File", kText.OrAbsent(), &RawResult::file},
+    {"data", "Data", HexRowFields(), &RawResult::data, "no data"},
+});
 
 ExitCode StandardInquiry(Invocation& invocation, ScsiUnit& unit, InquiryResult& result) {
     constexpr uint8_t kRoom = 255;
@@ -262,12 +256,11 @@ ExitCode ScsiRaw(Invocation& invocation) {
         invocation.Fail(ExitCode::NotSupported,
                         "this driver moves at most " + std::to_string(kLegacyRoom) + " bytes");
     }
-    UnitReport<RawResult> result(invocation, unit, RawResultFields());
+    UnitReport<RawResult> result(invocation, unit, kRawResultFields);
     result.cdb = cdb;
     result.sent = dataOut.size();
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the command would be sent");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the command would be sent");
     }
     const bool harmless = IsHarmless(cdb[0]) && !sends;
     if (!harmless) {
@@ -322,7 +315,7 @@ CommandRows ScsiCommands() {
          .arguments = kRawArguments,
          .run = ScsiRaw,
          .example = "scsi raw 12 00 00 00 24 00 --in 36 -t 0:0 -p scsi:3",
-         .result = ShapeOf<RawResultFields>},
+         .result = ShapeOf<kRawResultFields>},
     };
     return kCommands;
 }

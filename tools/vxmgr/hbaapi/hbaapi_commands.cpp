@@ -1,7 +1,5 @@
 // hbaapi list|show|register|unregister: what a program gets that knows the standard HBA API alone.
 // The management API only tells beforehand which port would hold that up.
-#include "vxmgr/hbaapi/commands.h"
-
 #include <algorithm>
 #include <memory>
 #include <numeric>
@@ -9,6 +7,7 @@
 
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/app/side_by_side.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/hbaapi/hbaapi_library.h"
 #include "vxmgr/hbaapi/hbaapi_records.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"

@@ -2,10 +2,9 @@
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/fabric/fc_els.h"
-#include "vxmgr/ports/commands.h"
 #include "vxmgr/ports/remote_ports.h"
 #include "vxmgr/sfp/sfp_diagnostics.h"
 

@@ -4,7 +4,7 @@
 
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

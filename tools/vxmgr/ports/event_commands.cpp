@@ -9,7 +9,7 @@
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/app/watch.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

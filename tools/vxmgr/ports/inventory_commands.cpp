@@ -5,7 +5,7 @@
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/ports/credit_recovery.h"
 
 namespace vxmgr {

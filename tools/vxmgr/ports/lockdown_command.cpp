@@ -3,7 +3,7 @@
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

@@ -1,6 +1,6 @@
 // smartsan get|on|off: the switch of the driver service, which all its adapters share.
 #include "vxmgr/app/values.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 
 namespace vxmgr {
 namespace {

@@ -8,7 +8,7 @@
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/watch.h"
-#include "vxmgr/ports/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/ports/stats_reading.h"
 #include "vxmgr/targets/target_select.h"
 
@@ -293,8 +293,7 @@ ExitCode PortStatsClear(Invocation& invocation) {
         kClearingFields.Make({session.port, !dry && status == HXMGT_SUCCESS, before});
     invocation.Require(status, "the counters were not reset", object);
     if (dry) {
-        invocation.Note("dry run: the counters would be set to zero");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the counters would be set to zero");
     }
     PortCounters after;
     if (ReadCounters(session.Handle(), question, &after, &query) != HXMGT_SUCCESS ||

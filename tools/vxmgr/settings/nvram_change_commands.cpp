@@ -1,7 +1,7 @@
 // nvram set, nvram import, nvram activate.
 #include <algorithm>
 
-#include "vxmgr/settings/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/settings/nvram_file.h"
 #include "vxmgr/settings/nvram_records.h"
 #include "vxmgr/settings/settings_store.h"
@@ -271,8 +271,7 @@ ExitCode NvramActivate(Invocation& invocation) {
     CheckBlocks(invocation, session, before);
     if (invocation.DryRun()) {
         invocation.Result() = kRestartFields.Make({&before, &before, false});
-        invocation.Note("dry run: the port would restart");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the port would restart");
     }
     ConfirmUpdate(invocation, session, outlook,
                   "Restart the port, so that its firmware uses the settings that were written.",

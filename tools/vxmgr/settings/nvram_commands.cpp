@@ -1,8 +1,7 @@
 // nvram show, nvram get, nvram verify.
-#include "vxmgr/settings/commands.h"
-
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/settings/nvram_port.h"
 #include "vxmgr/settings/nvram_records.h"
 

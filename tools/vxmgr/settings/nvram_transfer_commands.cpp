@@ -1,5 +1,5 @@
 // nvram export, nvram diff.
-#include "vxmgr/settings/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/settings/nvram_file.h"
 #include "vxmgr/settings/nvram_records.h"
 

@@ -1,10 +1,9 @@
-#include "vxmgr/settings/commands.h"
-
 #include <algorithm>
 #include <utility>
 
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/values.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/settings/settings_store.h"
 #include "vxmgr/settings/vpd_pci.h"
 #include "vxmgr/update/update_checks.h"

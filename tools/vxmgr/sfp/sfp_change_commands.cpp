@@ -4,7 +4,7 @@
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/size_text.h"
-#include "vxmgr/sfp/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_lock.h"
@@ -238,16 +238,14 @@ ExitCode SfpWrite(Invocation& invocation) {
     invocation.Result() =
         kSfpWriteFields.Make({&session.port, &patch, !invocation.Names().Enabled()});
     if (!patch.IsNeeded()) {
-        invocation.Note("nothing to do");
-        return ExitCode::Done;
+        return invocation.DoneWith("nothing to do");
     }
     if (BreaksChecksum(patch)) {
         invocation.Warn("the page's checksum will be wrong afterwards",
                         "hosts may refuse such a transceiver");
     }
     if (invocation.DryRun()) {
-        invocation.Note("dry run: nothing was written");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: nothing was written");
     }
     ConfirmUpdate(invocation, session, outlook,
                   std::string("Write to page ") + page.name + " of the transceiver, from byte " +
@@ -274,9 +272,8 @@ ExitCode SfpLoad(Invocation& invocation) {
     SfpLoaded loaded{&session.port, path, image.size(), before, RevisionOf(before)};
     if (invocation.DryRun()) {
         invocation.Result() = kSfpLoadFields.Make(loaded);
-        invocation.Note("dry run: nothing was written",
-                        "whether the file fits is for the transceiver to say");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: nothing was written",
+                                   "whether the file fits is for the transceiver to say");
     }
     ConfirmUpdate(invocation, session, outlook,
                   "Load " + path + ", " + SizeText(image.size()) + ", into the transceiver " +

@@ -1,7 +1,7 @@
 // sfp show, sfp dump.
-#include "vxmgr/sfp/commands.h"
-
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 
 namespace vxmgr {
@@ -30,26 +30,20 @@ Value ModuleTrouble(const ShownModule& shown) {
 }
 
 // Null without diagnostics.
-const Fields<ShownModule>& ModuleFlagFields() {
-    const auto flag = [](bool SfpReadings::*field, bool good) {
-        return [field, good](const ShownModule& shown) {
-            if (!shown.readings) {
-                return Value();
-            }
-            const bool set = (*shown.readings).*field;
-            return Value(Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad));
-        };
-    };
-    constexpr FieldType kKnownFlag = kFlag.OrNull();
-    static const Fields<ShownModule> kFields = {
-        {"tx_disabled", "Transmitter off", kKnownFlag, flag(&SfpReadings::transmitDisabled, false)},
-        {"tx_fault", "Transmitter fault", kKnownFlag, flag(&SfpReadings::transmitFault, false)},
-        {"rx_lost", "Signal lost", kKnownFlag, flag(&SfpReadings::signalLost, false)},
-        {"ready", "Ready", kKnownFlag, flag(&SfpReadings::ready, true)},
-        {"checksum_good", "Good checksum", kKnownFlag, flag(&SfpReadings::checksumHolds, true)},
-    };
-    return kFields;
-}
+template <auto field, bool good>
+constexpr auto kModuleFlag = Of(&ShownModule::readings, [](const SfpReadings& readings) {
+    const bool set = readings.*field;
+    return Value(Value::Flag(set).In(set == good ? Tone::Plain : Tone::Bad));
+});
+constexpr FieldType kKnownFlag = kFlag.OrNull();
+const Fields<ShownModule> kModuleFlagFields = {
+    {"tx_disabled", "Transmitter off", kKnownFlag,
+     kModuleFlag<&SfpReadings::transmitDisabled, false>},
+    {"tx_fault", "Transmitter fault", kKnownFlag, kModuleFlag<&SfpReadings::transmitFault, false>},
+    {"rx_lost", "Signal lost", kKnownFlag, kModuleFlag<&SfpReadings::signalLost, false>},
+    {"ready", "Ready", kKnownFlag, kModuleFlag<&SfpReadings::ready, true>},
+    {"checksum_good", "Good checksum", kKnownFlag, kModuleFlag<&SfpReadings::checksumHolds, true>},
+};
 
 std::string ModuleTitle(const ShownModule& shown) {
     return "Transceiver of port " + std::to_string(shown.port->index);
@@ -62,7 +56,7 @@ const Fields<ShownModule> kModuleFields(
                       [](const ShownModule& shown) { return &shown.module.identity; }, "", kGroup},
                      {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
                       "empty when all is well; null without diagnostics"},
-                     {"flags", "State", ModuleFlagFields()},
+                     {"flags", "State", kModuleFlagFields},
                      {"readings", "Readings", ReadingFields(), &ShownModule::Rows, "no diagnostics",
                       "", "quantity"},
                  });

@@ -7,7 +7,7 @@
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/read_list.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/sfp/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/sfp/sfp_diagnostics.h"
 
 namespace vxmgr {
@@ -50,44 +50,39 @@ Value CtleValue(const Lane& lane) {
     return Value::Text(text).Shown(text + " dB");
 }
 
-const Fields<std::vector<LaneRow>>& SerdesFields() {
-    // Null in the row of a port that failed.
-    const auto of = [](auto get) {
-        return [get](const LaneRow& row) { return row.lane ? get(*row.lane) : Value(); };
-    };
-    const auto number = [](auto get) { return Of(&LaneRow::lane, get); };
-    constexpr auto kMillivolts = Integer("mV").OrNull();
-    constexpr auto kTextOrNull = kText.OrNull();
-    static const Fields<LaneRow> kLanes = {
-        {PortKeys(kPortIndex | kOldSerialKey), &LaneRow::port},
-        {"lane", "Lane", "LANE", kInteger.OrNull(), number(Packed<&Lane::lane>)},
-        {"speed_gbit", "Speed", "SPEED", Integer("Gbit/s").OrNull(),
-         of([](const Lane& lane) { return SpeedValue(lane.speed); })},
-        {"locked", "Locked", "LOCKED", kFlag.OrNull(),
-         number([](const Lane& lane) { return lane.locked != 0; }),
-         "the receiver follows the signal"},
-        {"modulation", "Modulation", Choice(kModulations).OrNull(),
-         number([](const Lane& lane) { return NameAt(kModulations, lane.modulation); })},
-        {"tx_amplitude_mv", "Amplitude", "AMPLITUDE", kMillivolts,
-         number(Packed<&Lane::txAmplitude>)},
-        {"tx_pre", "Before the main tap", "PRE", kTextOrNull,
-         of([](const Lane& lane) { return StepsValue(lane.txPre); }), kStepsAbout},
-        {"tx_main", "Main tap", "MAIN", kTextOrNull,
-         of([](const Lane& lane) { return StepsValue(lane.txMain); }), kStepsAbout},
-        {"tx_post", "Behind the main tap", "POST", kTextOrNull,
-         of([](const Lane& lane) { return StepsValue(lane.txPost); }), kStepsAbout},
-        {"eye_height_mv", "Eye height", "EYE HEIGHT", kMillivolts,
-         number(Packed<&Lane::eyeHeight>)},
-        {"eye_width_mui", "Eye width", "EYE WIDTH", kInteger.OrNull(), of(EyeWidthValue),
-         "1/1000 unit interval"},
-        {"ctle_db", "Receive equaliser", "CTLE", kTextOrNull, of(CtleValue), "a decimal number"},
-        {"dfe", "Decision feedback equaliser", FieldType{.array = true}, &LaneRow::Taps,
-         "decimal numbers: steps of each tap"},
-        {PortStatus(), &LaneRow::port},
-    };
-    static const auto kFields = ListOf("lanes", "Lanes", kLanes, "no lanes");
-    return kFields;
+// Null in the row of a port that failed.
+template <class Get>
+constexpr auto OfLane(Get get) {
+    return Of(&LaneRow::lane, get);
 }
+
+const Fields<LaneRow> kLaneFields = {
+    {PortKeys(kPortIndex | kOldSerialKey), &LaneRow::port},
+    {"lane", "Lane", "LANE", kInteger.OrNull(), OfLane(Packed<&Lane::lane>)},
+    {"speed_gbit", "Speed", "SPEED", Integer("Gbit/s").OrNull(),
+     OfLane([](const Lane& lane) { return SpeedValue(lane.speed); })},
+    {"locked", "Locked", "LOCKED", kFlag.OrNull(),
+     OfLane([](const Lane& lane) { return lane.locked != 0; }), "the receiver follows the signal"},
+    {"modulation", "Modulation", Choice(kModulations).OrNull(),
+     OfLane([](const Lane& lane) { return NameAt(kModulations, lane.modulation); })},
+    {"tx_amplitude_mv", "Amplitude", "AMPLITUDE", Integer("mV").OrNull(),
+     OfLane(Packed<&Lane::txAmplitude>)},
+    {"tx_pre", "Before the main tap", "PRE", kText.OrNull(),
+     OfLane([](const Lane& lane) { return StepsValue(lane.txPre); }), kStepsAbout},
+    {"tx_main", "Main tap", "MAIN", kText.OrNull(),
+     OfLane([](const Lane& lane) { return StepsValue(lane.txMain); }), kStepsAbout},
+    {"tx_post", "Behind the main tap", "POST", kText.OrNull(),
+     OfLane([](const Lane& lane) { return StepsValue(lane.txPost); }), kStepsAbout},
+    {"eye_height_mv", "Eye height", "EYE HEIGHT", Integer("mV").OrNull(),
+     OfLane(Packed<&Lane::eyeHeight>)},
+    {"eye_width_mui", "Eye width", "EYE WIDTH", kInteger.OrNull(), OfLane(EyeWidthValue),
+     "1/1000 unit interval"},
+    {"ctle_db", "Receive equaliser", "CTLE", kText.OrNull(), OfLane(CtleValue), "a decimal number"},
+    {"dfe", "Decision feedback equaliser", FieldType{.array = true}, &LaneRow::Taps,
+     "decimal numbers: steps of each tap"},
+    {PortStatus(), &LaneRow::port},
+};
+const auto kSerdesFields = ListOf("lanes", "Lanes", kLaneFields, "no lanes");
 
 HX_STATUS ReadLanes(PortVisit& visit, std::vector<Lane>* lanes) {
     visit.query = "signals of the SerDes lanes";
@@ -112,7 +107,7 @@ ExitCode SfpSerdes(Invocation& invocation) {
             rows.push_back({one.port, std::nullopt});
         }
     }
-    invocation.Result() = SerdesFields().Make(rows);
+    invocation.Result() = kSerdesFields.Make(rows);
     return exit;
 }
 
@@ -124,7 +119,7 @@ CommandRows SfpSerdesCommands() {
          .help = "show the signal of each lane between adapter and transceiver",
          .run = SfpSerdes,
          .example = "sfp serdes -p scsi:3",
-         .result = ShapeOf<SerdesFields>},
+         .result = ShapeOf<kSerdesFields>},
     };
     return kCommands;
 }

@@ -1,7 +1,7 @@
 // sfp watch.
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/watch.h"
-#include "vxmgr/sfp/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/sfp/sfp_port.h"
 
 namespace vxmgr {

@@ -1,12 +1,11 @@
 // map target|volume|disk: from the targets to what the operating system makes of them, and back.
-#include "vxmgr/targets/commands.h"
+#include "vxmgr/commands.h"
 
 #include <deque>
 #include <functional>
 
 #include "common/console.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/fabric/scsi_target.h"
 #include "vxmgr/targets/map_units.h"
 #include "vxmgr/targets/target_records.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "vxmgr/app/bytes.h"
 #include "vxmgr/app/getters.h"
-#include "vxmgr/app/port_id.h"
 
 namespace vxmgr {
 namespace {

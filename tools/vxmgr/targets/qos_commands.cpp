@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "vxmgr/app/code_text.h"
-#include "vxmgr/targets/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/targets/qos_levels.h"
 #include "vxmgr/targets/target_walk.h"
 

@@ -1,10 +1,8 @@
 // target list|show|luns.
-#include "vxmgr/targets/commands.h"
-
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/port_id.h"
 #include "vxmgr/app/values.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/targets/target_luns.h"
 #include "vxmgr/targets/target_records.h"
 #include "vxmgr/targets/target_walk.h"

@@ -1,5 +1,5 @@
 // target speed get|set: the rate at which frames go to a target.
-#include "vxmgr/targets/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/targets/target_walk.h"
 
 namespace vxmgr {
@@ -118,14 +118,12 @@ ExitCode TargetSpeedSet(Invocation& invocation) {
     const LinkSpeed before = ReadSpeed(target);
     row.before = row.now = before;
     if (IsAt(before, wanted)) {
-        invocation.Note("nothing to do");
-        return ExitCode::Done;
+        return invocation.DoneWith("nothing to do");
     }
     const std::string given = invocation.Given().Text("SPEED");
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the speed to target " + target.name.Colons() +
-                        " would be set to " + given);
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the speed to target " + target.name.Colons() +
+                                   " would be set to " + given);
     }
     const HX_STATUS status = HXSetTargetIDMALinkSpeed(target.Handle(), &target.address, wanted);
     if (status != HXMGT_SUCCESS) {
