@@ -1,6 +1,7 @@
 // bind list.
 #include <set>
 
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/store_port.h"
@@ -32,27 +33,16 @@ auto NamedBy(const BindRow& row) {
                   : std::optional(make(row.stored ? row.stored->*stored : row.live->*live));
 }
 
-template <auto record, auto member>
-std::optional<uint32_t> NumberIn(const BindRow& row) {
-    return row.*record ? std::optional<uint32_t>((row.*record)->*member) : std::nullopt;
-}
-
-template <auto record>
-Value AddressIn(const BindRow& row) {
-    const auto* const binding = row.*record;
-    return binding
-               ? Value::Number(binding->target)
-                     .Shown(std::to_string(binding->bus) + ":" + std::to_string(binding->target))
-               : Value();
-}
+constexpr auto kAddressText = [](const auto& binding) {
+    return Value(Value::Number(binding.target)
+                     .Shown(std::to_string(binding.bus) + ":" + std::to_string(binding.target)));
+};
 
 const Fields<BindRow>& BindRowFields() {
     using Stored = HX_TARGET_ENTRY;
     using Live = HX_DEVICE_RECORD;
     constexpr auto kNumber = kInteger.OrNull();
     constexpr auto kFlags = Hexadecimal(2).OrNull();
-    constexpr auto kStored = &BindRow::stored;
-    constexpr auto kNow = &BindRow::live;
     static const Fields<BindRow> kFields = {
         {PortKeys(), &BindRow::port},
         {"serial", "Adapter", kSerial.OrNull(), &BindRow::Serial},
@@ -64,17 +54,20 @@ const Fields<BindRow>& BindRowFields() {
         {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
          NamedBy<&Stored::portId, &Live::portId, PortIdOf>},
         {"slot", "Slot", "SLOT", kNumber, &BindRow::Slot, "place in the stored block"},
-        {"stored_bus", "Stored bus", kNumber, NumberIn<kStored, &Stored::bus>},
-        {"stored_target", "Stored target", "STORED", kNumber, AddressIn<kStored>},
+        {"stored_bus", "Stored bus", kNumber, Of(&BindRow::stored, Packed<&Stored::bus>)},
+        {"stored_target", "Stored target", "STORED", kNumber, Of(&BindRow::stored, kAddressText)},
         {"stored_target_number", "Stored target number", kNumber,
-         NumberIn<kStored, &Stored::targetNumber>},
+         Of(&BindRow::stored, Packed<&Stored::targetNumber>)},
         {"stored_flags", "Stored flags", "STORED FLAGS", kFlags,
-         NumberIn<kStored, &Stored::bindingFlags>},
-        {"stored_lun_base", "Stored LUN base", kNumber, NumberIn<kStored, &Stored::lunBase>},
-        {"live_bus", "Live bus", kNumber, NumberIn<kNow, &Live::bus>},
-        {"live_target", "Live target", "LIVE", kNumber, AddressIn<kNow>},
-        {"live_target_number", "Live target number", kNumber, NumberIn<kNow, &Live::targetNumber>},
-        {"live_flags", "Live flags", "LIVE FLAGS", kFlags, NumberIn<kNow, &Live::bindingFlags>},
+         Of(&BindRow::stored, Packed<&Stored::bindingFlags>)},
+        {"stored_lun_base", "Stored LUN base", kNumber,
+         Of(&BindRow::stored, Packed<&Stored::lunBase>)},
+        {"live_bus", "Live bus", kNumber, Of(&BindRow::live, Packed<&Live::bus>)},
+        {"live_target", "Live target", "LIVE", kNumber, Of(&BindRow::live, kAddressText)},
+        {"live_target_number", "Live target number", kNumber,
+         Of(&BindRow::live, Packed<&Live::targetNumber>)},
+        {"live_flags", "Live flags", "LIVE FLAGS", kFlags,
+         Of(&BindRow::live, Packed<&Live::bindingFlags>)},
         {"status", "Status", kText.OrNull(),
          [](const BindRow& row) { return StatusValue(row.port->failure); }},
     };

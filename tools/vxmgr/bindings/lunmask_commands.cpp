@@ -1,3 +1,4 @@
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/store_live.h"
@@ -35,29 +36,20 @@ std::optional<Wwn> NameIn(const MaskRow& row) {
     return row.nodeName.IsZero() ? std::nullopt : std::optional(row.*name);
 }
 
-template <auto mask>
-Value LunsIn(const MaskRow& row) {
-    return row.*mask ? LunsValue(*(row.*mask)) : Value();
-}
-
-template <auto mask>
-std::optional<size_t> CountIn(const MaskRow& row) {
-    return row.*mask ? std::optional((row.*mask)->count()) : std::nullopt;
-}
-
 const Fields<MaskRow> kMaskFields = {
     {PortKeys(), &MaskRow::port},
     {"serial", "Adapter", kSerial.OrNull(), &MaskRow::Serial},
     {"target_wwn", "Target", "TARGET", kWwn.OrNull(), NameIn<&MaskRow::portName>,
      "port name; null in the row of a port that failed"},
     {"node_wwn", "Node name", kWwn.OrNull(), NameIn<&MaskRow::nodeName>},
-    {"masked_live", "Masked live", "MASKED LIVE", kText.OrNull(), LunsIn<&MaskRow::live>,
+    {"masked_live", "Masked live", "MASKED LIVE", kText.OrNull(), Of(&MaskRow::live, LunsValue),
      "LUNs as in 0-7,12; empty when none is masked, null when there is no mask"},
-    {"masked_live_count", "LUNs masked live", kInteger.OrNull(), CountIn<&MaskRow::live>},
+    {"masked_live_count", "LUNs masked live", kInteger.OrNull(),
+     Of(&MaskRow::live, &LunSet::count)},
     {"masked_stored", "Masked in the store", "MASKED IN THE STORE", kText.OrNull(),
-     LunsIn<&MaskRow::stored>},
+     Of(&MaskRow::stored, LunsValue)},
     {"masked_stored_count", "LUNs masked in the store", kInteger.OrNull(),
-     CountIn<&MaskRow::stored>},
+     Of(&MaskRow::stored, &LunSet::count)},
     {"status", "Status", kText.OrNull(),
      [](const MaskRow& row) { return StatusValue(row.port->failure); }},
 };

@@ -2,6 +2,7 @@
 
 #include "formats/scsi_data.h"
 #include "vxmgr/app/code_text.h"
+#include "vxmgr/app/getters.h"
 
 namespace vxmgr {
 namespace {
@@ -114,16 +115,6 @@ const Fields<Designator>& DesignatorFields() {
     return kFields;
 }
 
-template <auto member>
-std::string FieldOf(const InquiryData& inquiry) {
-    return FieldText(inquiry.*member, sizeof(inquiry.*member));
-}
-
-template <auto member, uint8_t bits>
-bool IsSet(const InquiryData& inquiry) {
-    return (inquiry.*member & bits) != 0;
-}
-
 }  // namespace
 
 std::string DeviceTypeName(uint8_t type) {
@@ -160,15 +151,15 @@ const Fields<InquiryData>& InquiryFields() {
         {"device_type", "Device type", kText,
          [](const InquiryData& inquiry) { return DeviceTypeName(inquiry.peripheral); }},
         {"qualifier", "Presence", kText, presence},
-        {"vendor", "Vendor", kText.OrNull(), FieldOf<&InquiryData::vendor>},
-        {"product", "Product", kText.OrNull(), FieldOf<&InquiryData::product>},
-        {"revision", "Revision", kText.OrNull(), FieldOf<&InquiryData::revision>},
+        {"vendor", "Vendor", kText.OrNull(), TextOf<&InquiryData::vendor>},
+        {"product", "Product", kText.OrNull(), TextOf<&InquiryData::product>},
+        {"revision", "Revision", kText.OrNull(), TextOf<&InquiryData::revision>},
         {"standard", "Standard", kText, standard},
-        {"removable", "Removable medium", kFlag, IsSet<&InquiryData::removable, 0x80>},
-        {"command_queuing", "Command queuing", kFlag, IsSet<&InquiryData::flags7, 0x02>},
-        {"multiple_ports", "Several ports", kFlag, IsSet<&InquiryData::flags6, 0x10>},
-        {"asymmetric_access", "Asymmetric access", kFlag, IsSet<&InquiryData::flags5, 0x30>},
-        {"protection", "Protection information", kFlag, IsSet<&InquiryData::flags5, 0x01>},
+        {"removable", "Removable medium", kFlag, Bit<&InquiryData::removable, 0x80>},
+        {"command_queuing", "Command queuing", kFlag, Bit<&InquiryData::flags7, 0x02>},
+        {"multiple_ports", "Several ports", kFlag, Bit<&InquiryData::flags6, 0x10>},
+        {"asymmetric_access", "Asymmetric access", kFlag, Bit<&InquiryData::flags5, 0x30>},
+        {"protection", "Protection information", kFlag, Bit<&InquiryData::flags5, 0x01>},
     };
     return kFields;
 }

@@ -1,5 +1,6 @@
 #include "vxmgr/hbaapi/hbaapi_records.h"
 
+#include "vxmgr/app/getters.h"
 #include "vxmgr/hbaapi/hbaapi_texts.h"
 
 namespace vxmgr {
@@ -17,10 +18,6 @@ constexpr auto kNameOrNull = kWwn.OrNull();
 constexpr auto kTextOrNull = kText.OrNull();
 
 // Getters of records.
-template <auto member>
-constexpr auto kTextOf =
-    [](const auto& record) { return FieldText(record.*member, sizeof(record.*member)); };
-
 std::optional<Wwn> NameUnlessZero(const HBA_WWN& name) {
     const Wwn wwn = Wwn::Of(name.wwn);
     return wwn.IsZero() ? std::nullopt : std::optional(wwn);
@@ -85,24 +82,24 @@ Fields<HbaAnswer<Row>> WithStatus(const Fields<HbaAnswer<Row>>& fields) {
 
 const Fields<HbaAnswer<Attributes>>& AttributesFields() {
     static const Fields<HbaAnswer<Attributes>> kFields = {
-        {"manufacturer", "Manufacturer", kTextOrNull, Held(kTextOf<&Attributes::Manufacturer>)},
+        {"manufacturer", "Manufacturer", kTextOrNull, Held(TextOf<&Attributes::Manufacturer>)},
         {"serial", "Serial number", "SERIAL", kSerial.OrNull(),
-         Held(kTextOf<&Attributes::SerialNumber>)},
-        {"model", "Model", "MODEL", kTextOrNull, Held(kTextOf<&Attributes::Model>)},
+         Held(TextOf<&Attributes::SerialNumber>)},
+        {"model", "Model", "MODEL", kTextOrNull, Held(TextOf<&Attributes::Model>)},
         {"model_description", "Description", kTextOrNull,
-         Held(kTextOf<&Attributes::ModelDescription>)},
+         Held(TextOf<&Attributes::ModelDescription>)},
         {"node_wwn", "Node name", kNameOrNull, Held(kNameOf<&Attributes::NodeWWN>)},
         {"node_symbolic_name", "Symbolic node name", kTextOrNull,
-         Held(kTextOf<&Attributes::NodeSymbolicName>)},
-        {"hardware_version", "Hardware", kTextOrNull, Held(kTextOf<&Attributes::HardwareVersion>)},
-        {"driver_version", "Driver", kTextOrNull, Held(kTextOf<&Attributes::DriverVersion>)},
+         Held(TextOf<&Attributes::NodeSymbolicName>)},
+        {"hardware_version", "Hardware", kTextOrNull, Held(TextOf<&Attributes::HardwareVersion>)},
+        {"driver_version", "Driver", kTextOrNull, Held(TextOf<&Attributes::DriverVersion>)},
         {"option_rom_version", "Option ROM", kTextOrNull,
-         Held(kTextOf<&Attributes::OptionROMVersion>)},
-        {"firmware_version", "Firmware", kTextOrNull, Held(kTextOf<&Attributes::FirmwareVersion>)},
+         Held(TextOf<&Attributes::OptionROMVersion>)},
+        {"firmware_version", "Firmware", kTextOrNull, Held(TextOf<&Attributes::FirmwareVersion>)},
         {"vendor_specific_id", "Vendor specific", kTextOrNull,
          Held(kHexOf<&Attributes::VendorSpecificID, 8>)},
         {"number_of_ports", "Ports", kNumberOrNull, Held(&Attributes::NumberOfPorts)},
-        {"driver_name", "Driver file", kTextOrNull, Held(kTextOf<&Attributes::DriverName>)},
+        {"driver_name", "Driver file", kTextOrNull, Held(TextOf<&Attributes::DriverName>)},
     };
     static const auto kWithStatus = WithStatus(kFields);
     return kWithStatus;
@@ -120,8 +117,8 @@ const Fields<HbaAnswer<PortAttributes>>& RemotePortFields() {
         {"type", "Type", "TYPE", kTextOrNull, Held(kWordsOf<&Port::PortType, HbaPortTypeText>)},
         {"state", "State", "STATE", kTextOrNull,
          Held(kWordsOf<&Port::PortState, HbaPortStateText>)},
-        {"os_device", "System device", "DEVICE", kTextOrNull, Held(kTextOf<&Port::OSDeviceName>)},
-        {"symbolic_name", "Symbolic name", kTextOrNull, Held(kTextOf<&Port::PortSymbolicName>)},
+        {"os_device", "System device", "DEVICE", kTextOrNull, Held(TextOf<&Port::OSDeviceName>)},
+        {"symbolic_name", "Symbolic name", kTextOrNull, Held(TextOf<&Port::PortSymbolicName>)},
         {"classes_of_service", "Classes of service", kTextOrNull,
          Held(kHexOf<&Port::PortSupportedClassofService, 8>)},
         {"supported_fc4", "FC-4 types", kTextOrNull,
@@ -199,7 +196,7 @@ const Fields<HbaAnswer<Management>>& ManagementFields() {
 const Fields<Mapping>& MappingFields() {
     static const Fields<Mapping> kFields = {
         {"os_device", "Device", "DEVICE", kTextOrNull,
-         [](const Mapping& entry) { return kTextOf<&HBA_SCSIID::OSDeviceName>(entry.ScsiId); }},
+         [](const Mapping& entry) { return TextOf<&HBA_SCSIID::OSDeviceName>(entry.ScsiId); }},
         {"bus", "Bus", "BUS", kInteger,
          [](const Mapping& entry) { return entry.ScsiId.ScsiBusNumber; }},
         {"target", "Target", "ID", kInteger,
@@ -222,8 +219,7 @@ const Fields<Mapping>& MappingFields() {
 }  // namespace
 
 std::string HbaSerial(const HbaAdapter& adapter) {
-    return HeldOf(&HbaAdapter::attributes, kTextOf<&Attributes::SerialNumber>)(adapter).value_or(
-        "");
+    return HeldOf(&HbaAdapter::attributes, TextOf<&Attributes::SerialNumber>)(adapter).value_or("");
 }
 
 const Fields<HbaAdapter>& HbaSummaryFields() {
@@ -237,7 +233,7 @@ const Fields<HbaAdapter>& HbaSummaryFields() {
         {"adapter_serial", "", kSerial.OrNull(), HbaSerial},
         {"name", "Name", "NAME", kTextOrNull, &HbaAdapter::name},
         {"serial", "Serial number", "SERIAL", kSerial.OrNull(), HbaSerial},
-        {"model", "Model", "MODEL", kTextOrNull, HeldOf(kAttributes, kTextOf<&Attributes::Model>)},
+        {"model", "Model", "MODEL", kTextOrNull, HeldOf(kAttributes, TextOf<&Attributes::Model>)},
         {"port_wwn", "Port name", "PORT NAME", kNameOrNull,
          HeldOf(kPort, kNameOf<&PortAttributes::PortWWN>)},
         {"fc_id", "Port identifier", "FC ID", kTextOrNull,
@@ -247,9 +243,9 @@ const Fields<HbaAdapter>& HbaSummaryFields() {
         {"speed", "Speed", "SPEED", kTextOrNull,
          HeldOf(kPort, kWordsOf<&PortAttributes::PortSpeed, HbaSpeedsText>)},
         {"firmware_version", "Firmware", "FIRMWARE", kTextOrNull,
-         HeldOf(kAttributes, kTextOf<&Attributes::FirmwareVersion>)},
+         HeldOf(kAttributes, TextOf<&Attributes::FirmwareVersion>)},
         {"driver_version", "Driver", "DRIVER", kTextOrNull,
-         HeldOf(kAttributes, kTextOf<&Attributes::DriverVersion>)},
+         HeldOf(kAttributes, TextOf<&Attributes::DriverVersion>)},
         {"status", "Status", "STATUS", kText, ConditionOf,
          "the standard API's name of a status, a number that is none of its own, or not_opened"},
     };

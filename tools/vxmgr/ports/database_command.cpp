@@ -1,4 +1,5 @@
 // port database: the remote ports that a port's driver knows.
+#include "vxmgr/app/code_text.h"
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
@@ -33,11 +34,6 @@ constexpr const char* kEncryptions[] = {"none", "aes_gcm_128", "aes_gcm_256"};
 constexpr const char* kLightStates[] = {"normal", "warning", "alarm"};
 
 // Null for a number without a name.
-template <size_t names>
-Value NameOfNumber(const char* const (&table)[names], size_t number) {
-    return number < names ? Value::Text(table[number]) : Value();
-}
-
 // A remote port, or a port that failed.
 struct RemoteRow {
     const Port* port;
@@ -86,7 +82,8 @@ std::optional<std::vector<std::string>> RolesOfRow(const RemoteRow& row) {
 
 Value RemoteState(const RemoteRecord& record) {
     const bool online = record.state == HX_REMOTE_PORT_ONLINE;
-    return NameOfNumber(kRemoteStates, record.state - size_t{HX_REMOTE_PORT_ONLINE})
+    const char* const state = NameAt(kRemoteStates, record.state, HX_REMOTE_PORT_ONLINE);
+    return (state != nullptr ? Value::Text(state) : Value())
         .In(online ? Tone::Good : Tone::Warning);
 }
 
@@ -165,11 +162,11 @@ const Fields<HX_SECURE_PORT>& SecurityFields() {
     using Secure = HX_SECURE_PORT;
     static const Fields<Secure> kFields = {
         {"state", "State", Choice(kSecureStates).OrNull(),
-         [](const Secure& port) { return NameOfNumber(kSecureStates, port.state); }},
+         [](const Secure& port) { return NameAt(kSecureStates, port.state); }},
         {"authentication", "Authentication", Choice(kAuthentications).OrNull(),
-         [](const Secure& port) { return NameOfNumber(kAuthentications, port.authentication); }},
+         [](const Secure& port) { return NameAt(kAuthentications, port.authentication); }},
         {"encryption", "Encryption", Choice(kEncryptions).OrNull(),
-         [](const Secure& port) { return NameOfNumber(kEncryptions, port.encryption); }},
+         [](const Secure& port) { return NameAt(kEncryptions, port.encryption); }},
         {"encrypts_tx", "Encrypts what is sent", kFlag,
          [](const Secure& port) { return (port.directions & HX_SECURE_TX) != 0; }},
         {"encrypts_rx", "Encrypts what is received", kFlag,

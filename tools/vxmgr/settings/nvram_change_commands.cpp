@@ -46,9 +46,7 @@ struct NvramChanged {
 };
 
 const Fields<NvramChanged> kNvramChangeFields = {
-    {PortKeys(), [](const NvramChanged& one) { return &one.before->ItsPort(); }},
-    {"bank", "Goes to bank", kBank, [](const NvramChanged& one) { return one.before->Target(); },
-     "null on chips with one bank"},
+    {SettingsWrittenFields(), &NvramChanged::before},
     {ChangeFields(), &NvramChanged::difference},
     {"stored", "Stored", kFlag, &NvramChanged::stored, "written and read back"},
     {"active", "In use", kFlag, &NvramChanged::active, "the firmware uses it"},

@@ -58,9 +58,7 @@ struct ShownVariable {
 
 const Fields<ShownVariable> kNvramGetFields = {
     {VariableFields(), &ShownVariable::row},
-    {PortKeys(), [](const ShownVariable& shown) { return &shown.nvram->ItsPort(); }},
-    {"bank", "Bank", kBank, [](const ShownVariable& shown) { return shown.nvram->Bank(); },
-     "null on chips with one bank"},
+    {SettingsReadFields(), &ShownVariable::nvram},
 };
 
 // What verifying one port found; empty fields could not be told.

@@ -24,9 +24,7 @@ struct NvramCompared {
 };
 
 const Fields<NvramCompared> kNvramDiffFields = {
-    {PortKeys(), [](const NvramCompared& one) { return &one.nvram->ItsPort(); }},
-    {"bank", "Bank", kBank, [](const NvramCompared& one) { return one.nvram->Bank(); },
-     "null on chips with one bank"},
+    {SettingsReadFields(), &NvramCompared::nvram},
     {FileDiffFields(), &NvramCompared::difference},
     {"equal", "Equal", kFlag, &NvramCompared::equal, "byte for byte"},
 };

@@ -51,6 +51,10 @@ struct PortSettings {
     const char* Target() const { return bank ? bank->Name() : nullptr; }
 };
 
+// The keys of the port, and the bank that was read, or that a write goes to.
+const Fields<PortSettings>& SettingsReadFields();
+const Fields<PortSettings>& SettingsWrittenFields();
+
 // Reads the bank in use, or the other one. Ends the command, with what cannot be read, when it
 // cannot, or when the other one is wanted and there is none.
 PortSettings ReadSettings(Invocation& invocation, const PortSession& session, Settings settings,

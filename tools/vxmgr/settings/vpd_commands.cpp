@@ -76,8 +76,6 @@ struct ShownVpd {
     std::string file{};
     bool stored = false;
 
-    const Port& ItsPort() const { return settings->ItsPort(); }
-    const char* Bank() const { return settings->Bank(); }
     size_t Size() const { return settings->bytes.size(); }
 };
 
@@ -90,8 +88,7 @@ Value VpdChecksumValue(const ShownVpd& shown) {
 }
 
 const Fields<ShownVpd> kVpdShowFields = {
-    {PortKeys(), &ShownVpd::ItsPort},
-    {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+    {SettingsReadFields(), &ShownVpd::settings},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
     {"used", "Used", kInteger.OrNull(),
      [](const ShownVpd& shown) {
@@ -104,16 +101,13 @@ const Fields<ShownVpd> kVpdShowFields = {
 };
 
 const Fields<ShownVpd> kVpdReadFields = {
-    {PortKeys(), &ShownVpd::ItsPort},
-    {"bank", "Bank", kBank, &ShownVpd::Bank, "null on chips with one bank"},
+    {SettingsReadFields(), &ShownVpd::settings},
     {"file", "File", kText, &ShownVpd::file},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
 };
 
 const Fields<ShownVpd> kVpdWriteFields = {
-    {PortKeys(), &ShownVpd::ItsPort},
-    {"bank", "Goes to bank", kBank, [](const ShownVpd& shown) { return shown.settings->Target(); },
-     "null on chips with one bank"},
+    {SettingsWrittenFields(), &ShownVpd::settings},
     {"file", "File", kText, &ShownVpd::file},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
     {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},

@@ -30,10 +30,8 @@ bool IsSet(const LinkSpeed& speed) {
     return (speed.flags & HX_LINK_SPEED_SET) != 0;
 }
 
-template <auto record, auto member>
-Value SpeedIn(const SpeedRow& row) {
-    return row.*record ? SpeedValue((*(row.*record)).*member) : Value();
-}
+template <auto member>
+constexpr auto kSpeedOf = [](const LinkSpeed& speeds) { return SpeedValue(speeds.*member); };
 
 // setting: something was set, and there is a speed before.
 template <bool setting>
@@ -41,14 +39,14 @@ const Fields<std::vector<SpeedRow>>& SpeedList() {
     constexpr auto kGigabits = Integer("Gbit/s").OrNull();
     static const Fields<SpeedRow> kRows = {
         {TargetRowHeadFields(), &SpeedRow::Head},
-        {"speed_gbit", "Speed", "SPEED", kGigabits, SpeedIn<&SpeedRow::now, &LinkSpeed::speed>,
+        {"speed_gbit", "Speed", "SPEED", kGigabits, Of(&SpeedRow::now, kSpeedOf<&LinkSpeed::speed>),
          "at which frames go to the target"},
         {"previous_gbit", "Before", setting ? "BEFORE" : "", kGigabits,
-         SpeedIn<&SpeedRow::before, &LinkSpeed::speed>, "before a set"},
+         Of(&SpeedRow::before, kSpeedOf<&LinkSpeed::speed>), "before a set"},
         {"target_max_gbit", "Target can", "TARGET CAN", kGigabits,
-         SpeedIn<&SpeedRow::now, &LinkSpeed::highest>},
-        {"port_gbit", "Link", "LINK", kGigabits, SpeedIn<&SpeedRow::now, &LinkSpeed::portSpeed>,
-         "of the port's link"},
+         Of(&SpeedRow::now, kSpeedOf<&LinkSpeed::highest>)},
+        {"port_gbit", "Link", "LINK", kGigabits,
+         Of(&SpeedRow::now, kSpeedOf<&LinkSpeed::portSpeed>), "of the port's link"},
         {"set", "Set", "SET", kFlag.OrNull(), Of(&SpeedRow::now, IsSet),
          "set by management; false: as negotiated"},
         {TargetRowStatus(), &SpeedRow::Head},
