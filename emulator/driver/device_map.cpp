@@ -95,30 +95,27 @@ void RemovePort(HANDLE map, uint32_t number) {
 
 }  // namespace
 
-void WriteDeviceMap(Shared& shared) {
+void MapPort(Shared& shared, uint32_t port) {
+    const uint32_t number = shared.model->ScsiPortNumber(port);
     Key map;
-    if (!NT_SUCCESS(OpenMap(map))) {
-        return;
-    }
-    for (uint32_t port = 0; port < shared.model->PortCount(); ++port) {
-        const uint32_t number = shared.model->ScsiPortNumber(port);
-        if (WritePort(map.Get(), number, shared.model->DriverName(port))) {
-            shared.mapped |= 1ull << number;
-        }
+    if (NT_SUCCESS(OpenMap(map)) && WritePort(map.Get(), number, shared.model->DriverName(port))) {
+        shared.mapped |= 1ull << number;
     }
 }
 
-void RemoveDeviceMap(Shared& shared) {
+void UnmapPort(Shared& shared, uint32_t number) {
+    const uint64_t bit = 1ull << number;
     Key map;
-    if (shared.mapped == 0 || !NT_SUCCESS(OpenMap(map))) {
-        return;
+    if ((shared.mapped & bit) != 0 && NT_SUCCESS(OpenMap(map))) {
+        RemovePort(map.Get(), number);
+        shared.mapped &= ~bit;
     }
-    for (uint32_t number = 0; number < vxemu::kMaxPorts; ++number) {
-        if ((shared.mapped & (1ull << number)) != 0) {
-            RemovePort(map.Get(), number);
-        }
+}
+
+void UnmapPorts(Shared& shared) {
+    for (uint32_t number = 0; number <= vxemu::kMaxScsiPort; ++number) {
+        UnmapPort(shared, number);
     }
-    shared.mapped = 0;
 }
 
 }  // namespace driver

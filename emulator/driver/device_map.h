@@ -5,10 +5,11 @@
 
 namespace driver {
 
-// Names the driver of every port. A key that another driver wrote is left alone.
-void WriteDeviceMap(Shared& shared);
+// Names the driver of a port of the model. A key that another driver wrote is left alone.
+void MapPort(Shared& shared, uint32_t port);
 
-// Removes what WriteDeviceMap wrote.
-void RemoveDeviceMap(Shared& shared);
+// Removes what MapPort wrote for a SCSI port, and for all of them.
+void UnmapPort(Shared& shared, uint32_t number);
+void UnmapPorts(Shared& shared);
 
 }  // namespace driver

@@ -4,6 +4,7 @@
 #include <ntddscsi.h>
 #include <ntddstor.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace driver {
@@ -86,43 +87,43 @@ constexpr QueryRow kQueries[] = {
     {IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, GeometryEx},
 };
 
-// Makes a device with the first free number from *number on, and steps that on behind it.
+// Makes a device with the first free number from *number on, and steps that on behind it. A number
+// is not free either while somebody has a disk open that is gone.
 bool CreateDisk(DRIVER_OBJECT* driver, const DeviceExtension& extension, uint32_t* number) {
     constexpr uint32_t kMostCollisions = 1000;
-    ObjectName name(kDiskObject, *number);
-    DEVICE_OBJECT* device = nullptr;
-    if (!NT_SUCCESS(IoCreateDevice(driver, sizeof(DeviceExtension), name.Get(), FILE_DEVICE_DISK,
-                                   FILE_DEVICE_SECURE_OPEN, FALSE, &device))) {
-        return false;
-    }
     NTSTATUS status = STATUS_OBJECT_NAME_COLLISION;
     for (uint32_t tries = 0; status == STATUS_OBJECT_NAME_COLLISION && tries < kMostCollisions;
          ++tries) {
+        ObjectName name(kDiskObject, *number);
         ObjectName link(kDiskLink, *number);
-        status = IoCreateSymbolicLink(link.Get(), name.Get());
-        ExtensionOf(device) = extension;
-        ExtensionOf(device).diskNumber = (*number)++;
+        DEVICE_OBJECT* device = nullptr;
+        status = IoCreateDevice(driver, sizeof(DeviceExtension), name.Get(), FILE_DEVICE_DISK,
+                                FILE_DEVICE_SECURE_OPEN, FALSE, &device);
+        if (NT_SUCCESS(status)) {
+            ExtensionOf(device) = extension;
+            ExtensionOf(device).number = *number;
+            status = IoCreateSymbolicLink(link.Get(), name.Get());
+            if (NT_SUCCESS(status)) {
+                device->Flags |= DO_BUFFERED_IO;
+                device->Flags &= ~static_cast<ULONG>(DO_DEVICE_INITIALIZING);
+            } else {
+                IoDeleteDevice(device);
+            }
+        }
+        ++*number;
     }
-    if (!NT_SUCCESS(status)) {
-        IoDeleteDevice(device);
-        return false;
-    }
-    device->Flags |= DO_BUFFERED_IO;
-    device->Flags &= ~static_cast<ULONG>(DO_DEVICE_INITIALIZING);
-    return true;
+    return NT_SUCCESS(status);
 }
 
 }  // namespace
 
-void CreateDisks(DRIVER_OBJECT* driver, Shared* shared) {
-    uint32_t number = kFirstDiskNumber;
-    for (uint32_t port = 0; port < shared->model->PortCount(); ++port) {
-        for (uint32_t index = 0; index < shared->model->DiskKeys(); ++index) {
-            DeviceExtension extension = {shared, DeviceKind::Disk, port, {}, 0};
-            if (shared->model->GetDiskKey(port, index, extension.disk) &&
-                !CreateDisk(driver, extension, &number)) {
-                return;  // adapters without all of their disks are better than none
-            }
+void CreateDisks(DRIVER_OBJECT* driver, Shared& shared, uint32_t port) {
+    shared.nextDisk = std::max(shared.nextDisk, kFirstDiskNumber);
+    for (uint32_t index = 0; index < shared.model->DiskKeys(); ++index) {
+        DeviceExtension extension = {&shared, DeviceKind::Disk, port, {}, 0, 0, false};
+        if (shared.model->GetDiskKey(port, index, extension.disk) &&
+            !CreateDisk(driver, extension, &shared.nextDisk)) {
+            return;  // adapters without all of their disks are better than none
         }
     }
 }
@@ -149,7 +150,7 @@ NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp) {
         for (uint32_t index = 0; index < shared.model->DiskKeys(); ++index) {
             vxemu::DiskKey key;
             vxemu::OsDisk disk;
-            if (shared.stopping || !shared.model->GetDiskKey(port.port, index, key) ||
+            if (shared.stopping || port.gone || !shared.model->GetDiskKey(port.port, index, key) ||
                 !shared.model->FindDisk(port.port, key, disk)) {
                 continue;
             }
@@ -170,6 +171,9 @@ NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp) {
             }
         }
     });
+    if (port.gone) {
+        return STATUS_NO_SUCH_DEVICE;
+    }
     if (end > room) {
         return STATUS_BUFFER_TOO_SMALL;
     }
@@ -178,13 +182,14 @@ NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp) {
 }
 
 void UnlinkDisk(const DeviceExtension& extension) {
-    ObjectName link(kDiskLink, extension.diskNumber);
+    ObjectName link(kDiskLink, extension.number);
     IoDeleteSymbolicLink(link.Get());
 }
 
 bool IsDiskThere(const DeviceExtension& extension) {
     vxemu::OsDisk disk;
-    return extension.shared->model->FindDisk(extension.port, extension.disk, disk);
+    return !extension.gone &&
+           extension.shared->model->FindDisk(extension.port, extension.disk, disk);
 }
 
 NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp) {
@@ -192,7 +197,8 @@ NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp) {
     vxemu::OsDisk disk = {};
     bool there = false;
     shared.access.WithinPort(extension.port, [&] {
-        there = !shared.stopping && shared.model->FindDisk(extension.port, extension.disk, disk);
+        there = !shared.stopping && !extension.gone &&
+                shared.model->FindDisk(extension.port, extension.disk, disk);
     });
     if (!there) {
         return STATUS_NO_SUCH_DEVICE;
@@ -200,7 +206,7 @@ NTSTATUS DiskControl(const DeviceExtension& extension, IRP* irp) {
     const ULONG code = IoGetCurrentIrpStackLocation(irp)->Parameters.DeviceIoControl.IoControlCode;
     for (const QueryRow& row : kQueries) {
         if (row.code == code) {
-            return row.answer(irp, disk, extension.diskNumber);
+            return row.answer(irp, disk, extension.number);
         }
     }
     return STATUS_INVALID_DEVICE_REQUEST;

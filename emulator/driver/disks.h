@@ -2,20 +2,20 @@
 // out which LUN of which port a disk is: address, number, length and geometry. They hold no data
 // for the operating system; SCSI pass-through reads and writes it.
 //
-// A device is made at the driver's start for every disk that a port can see. It opens while the
-// port sees it.
+// A device is made with its port for every disk that the port can see. It opens while the port sees
+// it.
 #pragma once
 
 #include "devices.h"
 
 namespace driver {
 
-void CreateDisks(DRIVER_OBJECT* driver, Shared* shared);
+void CreateDisks(DRIVER_OBJECT* driver, Shared& shared, uint32_t port);
 
 // What a port lists of its units (IOCTL_SCSI_GET_INQUIRY_DATA): the disks that it sees.
 NTSTATUS ListUnits(const DeviceExtension& port, IRP* irp);
 
-// To be called for each device before it is deleted.
+// To be called for each device before it is deleted, or once it is gone.
 void UnlinkDisk(const DeviceExtension& extension);
 
 // Whether a disk can be opened now; within its port.

@@ -5,7 +5,6 @@
 #include "devices.h"
 #include "kernel.h"
 #include "requests.h"
-#include "stored_config.h"
 #include "stored_profile.h"
 
 namespace driver {
@@ -56,7 +55,7 @@ void LeaveCommon(void* shared) {
 void TearDown(DRIVER_OBJECT* object, Shared* shared) {
     shared->access.Alone([&] { shared->stopping = true; });
     shared->delayed.Finish();
-    RemoveDeviceMap(*shared);
+    UnmapPorts(*shared);
     RemoveDevices(object);
     vxemu::Model::Destroy(shared->model);
     shared->access.Delete();
@@ -85,7 +84,6 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
         Release(profile);
         status = STATUS_INSUFFICIENT_RESOURCES;
         if (shared->model != nullptr) {
-            ApplyStores(*shared->model);
             status = CreateDevices(object, shared);
         }
     }
@@ -93,7 +91,6 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
         TearDown(object, shared);
         return status;
     }
-    WriteDeviceMap(*shared);
     return STATUS_SUCCESS;
 }
 

@@ -37,7 +37,7 @@ NTSTATUS Complete(IRP* irp, NTSTATUS status, uint32_t returned) {
 }  // namespace
 
 NTSTATUS NTAPI OpenOrClose(DEVICE_OBJECT* device, IRP* irp) {
-    const DeviceExtension& extension = ExtensionOf(device);
+    DeviceExtension& extension = ExtensionOf(device);
     const bool opens = IoGetCurrentIrpStackLocation(irp)->MajorFunction == IRP_MJ_CREATE;
     Shared& shared = *extension.shared;
     NTSTATUS status = STATUS_SUCCESS;
@@ -45,10 +45,14 @@ NTSTATUS NTAPI OpenOrClose(DEVICE_OBJECT* device, IRP* irp) {
     shared.access.WithinPort(extension.port, [&] {
         if (opens && shared.stopping) {
             status = STATUS_DELETE_PENDING;
-        } else if (opens && extension.kind == DeviceKind::Disk && !IsDiskThere(extension)) {
+        } else if (opens && (extension.gone ||
+                             (extension.kind == DeviceKind::Disk && !IsDiskThere(extension)))) {
             status = STATUS_NO_SUCH_DEVICE;
-        } else if (extension.kind == DeviceKind::Port) {
-            shared.model->CountHandle(extension.port, opens ? 1 : -1);
+        } else {
+            extension.handles += opens ? 1 : -1;
+            if (extension.kind == DeviceKind::Port && !extension.gone) {
+                shared.model->CountHandle(extension.port, opens ? 1 : -1);
+            }
         }
     });
     return Complete(irp, status, 0);
@@ -79,14 +83,24 @@ NTSTATUS NTAPI DeviceControl(DEVICE_OBJECT* device, IRP* irp) {
     const vxemu::Reach reach =
         control ? vxemu::Reach::Model : vxemu::ReachOf(buffer, parameters.InputBufferLength);
     shared.access.As(reach, extension.port, [&] {
-        if (!shared.stopping) {
+        if (shared.stopping) {
+            return;
+        }
+        if (extension.gone) {
+            status = STATUS_NO_SUCH_DEVICE;
+        } else if (control) {
+            status = StatusOf(shared.model->Control(parameters.IoControlCode, buffer,
+                                                    parameters.InputBufferLength,
+                                                    parameters.OutputBufferLength, &returned));
+            if (const NTSTATUS followed = FollowModel(device->DriverObject, shared);
+                !NT_SUCCESS(followed)) {
+                status = followed;
+                returned = 0;
+            }
+        } else {
             status =
-                StatusOf(control ? shared.model->Control(parameters.IoControlCode, buffer,
-                                                         parameters.InputBufferLength,
-                                                         parameters.OutputBufferLength, &returned)
-                                 : shared.model->Request(
-                                       extension.port, buffer, parameters.InputBufferLength,
-                                       parameters.OutputBufferLength, &returned, &delay));
+                StatusOf(shared.model->Request(extension.port, buffer, parameters.InputBufferLength,
+                                               parameters.OutputBufferLength, &returned, &delay));
         }
     });
     if (delay != 0) {

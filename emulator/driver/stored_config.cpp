@@ -72,7 +72,7 @@ void WriteWwn(const uint8_t (&name)[8], char (&text)[kWwnText]) {
     text[kWwnText - 1] = 0;
 }
 
-void ApplyStoreOf(vxemu::Model& model, uint32_t port, HANDLE services) {
+void ApplyStoreBelow(HANDLE services, vxemu::Model& model, uint32_t port) {
     const bool valueNames = model.KeepsValueNames(port);
     char wwn[kWwnText];
     WriteWwn(model.PortName(port), wwn);
@@ -106,14 +106,11 @@ void ApplyStoreOf(vxemu::Model& model, uint32_t port, HANDLE services) {
 
 }  // namespace
 
-void ApplyStores(vxemu::Model& model) {
+void ApplyStore(vxemu::Model& model, uint32_t port) {
     Key services;
     ObjectName name(kServices);
-    if (!OpenKey(nullptr, name, services)) {
-        return;
-    }
-    for (uint32_t port = 0; port < model.PortCount(); ++port) {
-        ApplyStoreOf(model, port, services.Get());
+    if (OpenKey(nullptr, name, services)) {
+        ApplyStoreBelow(services.Get(), model, port);
     }
 }
 

@@ -22,9 +22,8 @@ Completion ControlRequest::Status() {
     reply.faultCount = model_.faults_.Count();
     reply.uptime = model_.host_.Now() - model_.startTime_;
     CopyText(reply.profileName, profile.name);
-    for (uint32_t index = 0; index < profile.portCount; ++index) {
-        Describe(model_.ports_[index], reply.ports[index]);
-    }
+    PortStatus* status = reply.ports;
+    ForEachHostPort(model_.fabric_, [&](const Port& port) { Describe(port, *status++); });
     *returned_ = sizeof(StatusReply);
     return Completion::Done;
 }
@@ -115,6 +114,31 @@ Completion ControlRequest::ChangeField() {
         NoteLink(*port);
     }
     return applied ? ReplyCount(1) : Completion::ShortBuffer;
+}
+
+Completion ControlRequest::AddCard() {
+    if (inputLength_ < sizeof(AdapterRecord)) {
+        return Completion::ShortBuffer;
+    }
+    // Too large for a kernel stack, so it is taken from where it lies.
+    ProfileError error = ProfileError::None;
+    const Completion completion =
+        model_.AddAdapter(*reinterpret_cast<const AdapterRecord*>(buffer_), &error);
+    return completion == Completion::Done ? ReplyChange(error) : completion;
+}
+
+Completion ControlRequest::RemoveCard() {
+    PortSelector request;
+    const Port* port = TakeFor(request);
+    if (port == nullptr) {
+        return refusal_;
+    }
+    // A profile without an adapter would be none.
+    if (model_.profile_->adapterCount == 1) {
+        return ReplyChange(ProfileError::AdapterCount);
+    }
+    model_.DropAdapter(*port);
+    return ReplyChange(ProfileError::None);
 }
 
 Completion ControlRequest::Raise() {
@@ -261,6 +285,8 @@ constexpr ControlRow kControlRows[] = {
     {control::kLunAdd, &ControlRequest::AddTargetLun},
     {control::kLunRemove, &ControlRequest::RemoveTargetLun},
     {control::kLunSet, &ControlRequest::ChangeLunField},
+    {control::kAdapterAdd, &ControlRequest::AddCard},
+    {control::kAdapterRemove, &ControlRequest::RemoveCard},
     {control::kFlashShow, &ControlRequest::ShowFlash},
     {control::kFlashDump, &ControlRequest::DumpFlash},
     {control::kFlashCorrupt, &ControlRequest::CorruptFlash},

@@ -42,11 +42,13 @@ inline constexpr uint32_t kTargetSet = ControlCode(24, true);  // TargetFieldReq
 inline constexpr uint32_t kLunAdd = ControlCode(25, true);     // LunRequest / ChangeReply
 inline constexpr uint32_t kLunRemove = ControlCode(26, true);  // LunSelector / ChangeReply
 inline constexpr uint32_t kLunSet = ControlCode(27, true);     // LunFieldRequest / ChangeReply
-inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);  // FlashSelector / CountReply
-inline constexpr uint32_t kPowerFail = ControlCode(29, true);     // PowerFailRequest / -
-inline constexpr uint32_t kRaiseCounter = ControlCode(30, true);  // CounterRequest / CountReply
-inline constexpr uint32_t kTraceStart = ControlCode(31, true);    // TraceName / CountReply: 1 done
-inline constexpr uint32_t kTraceStop = ControlCode(32, true);     // - / CountReply
+inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);   // FlashSelector / CountReply
+inline constexpr uint32_t kPowerFail = ControlCode(29, true);      // PowerFailRequest / -
+inline constexpr uint32_t kRaiseCounter = ControlCode(30, true);   // CounterRequest / CountReply
+inline constexpr uint32_t kTraceStart = ControlCode(31, true);     // TraceName / CountReply: 1 done
+inline constexpr uint32_t kTraceStop = ControlCode(32, true);      // - / CountReply
+inline constexpr uint32_t kAdapterAdd = ControlCode(33, true);     // AdapterRecord / ChangeReply
+inline constexpr uint32_t kAdapterRemove = ControlCode(34, true);  // PortSelector / ChangeReply
 }  // namespace control
 
 #pragma pack(push, 1)

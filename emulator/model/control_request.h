@@ -30,6 +30,8 @@ class ControlRequest {
     Completion RaiseEvent();
     Completion ChangeLink();
     Completion ChangeField();
+    Completion AddCard();
+    Completion RemoveCard();
     Completion AddTargetDevice();
     Completion RemoveTargetDevice();
     Completion ChangeTargetField();
@@ -78,9 +80,9 @@ class ControlRequest {
         if (!Take(record)) {
             return nullptr;
         }
-        for (uint32_t index = 0; index < model_.PortCount(); ++index) {
-            if (model_.ports_[index].profile->scsiPort == record.scsiPort) {
-                return &model_.ports_[index];
+        for (Port* port : model_.ports_) {
+            if (port != nullptr && port->profile->scsiPort == record.scsiPort) {
+                return port;
             }
         }
         refusal_ = Completion::NoDevice;

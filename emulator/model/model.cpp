@@ -5,8 +5,6 @@
 #include "model/exchange.h"
 #include "model/handlers.h"
 #include "model/health/private_counters.h"
-#include "model/health/serdes.h"
-#include "model/statistics.h"
 #include "transport/ext_ioctl.h"
 
 namespace vxemu {
@@ -67,19 +65,11 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     }
     model->host_ = host;
     model->profile_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
-    model->ports_ =
-        static_cast<Port*>(host.allocate(host.context, profile.portCount * sizeof(Port)));
-    model->attachments_ = static_cast<Attachment*>(
-        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Attachment)));
-    model->peers_ = static_cast<Peer*>(
-        host.allocate(host.context, profile.portCount * kMaxTargets * sizeof(Peer)));
-    model->boards_ =
-        static_cast<Board*>(host.allocate(host.context, profile.adapterCount * sizeof(Board)));
+    model->boards_ = static_cast<Board*>(host.allocate(host.context, kMaxAdapters * sizeof(Board)));
     model->origin_ = static_cast<Profile*>(host.allocate(host.context, sizeof(Profile)));
     model->flashes_ =
-        static_cast<Flash*>(host.allocate(host.context, profile.adapterCount * sizeof(Flash)));
-    if (model->profile_ == nullptr || model->ports_ == nullptr || model->attachments_ == nullptr ||
-        model->peers_ == nullptr || model->boards_ == nullptr || model->origin_ == nullptr ||
+        static_cast<Flash*>(host.allocate(host.context, kMaxAdapters * sizeof(Flash)));
+    if (model->profile_ == nullptr || model->boards_ == nullptr || model->origin_ == nullptr ||
         model->flashes_ == nullptr) {
         Destroy(model);
         return nullptr;
@@ -89,26 +79,15 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     for (uint32_t adapter = 0; adapter < profile.adapterCount; ++adapter) {
         model->flashes_[adapter].memory.Start({model->origin_, adapter});
     }
-    for (uint32_t index = 0; index < profile.portCount; ++index) {
-        Port& port = model->ports_[index];
-        port.profile = &model->profile_->ports[index];
-        port.adapter = &model->profile_->adapters[port.profile->adapter];
-        port.flash = &model->flashes_[port.profile->adapter];
-        port.initialState = port.profile->state;
-        port.fabric = &model->fabric_;
-        port.attachments = model->attachments_ + index * kMaxTargets;
-        port.peers = model->peers_ + index * kMaxTargets;
-        port.board = &model->boards_[port.profile->adapter];
-    }
     model->fabric_.host = host;
     model->fabric_.profile = model->profile_;
     model->fabric_.ports = model->ports_;
     for (uint32_t index = 0; index < profile.portCount; ++index) {
-        StartCounters(model->ports_[index]);
-        StartSignals(model->ports_[index]);
-        NoteLink(model->ports_[index]);
+        if (!model->StartPort(index, profile.ports[index].adapter)) {
+            Destroy(model);
+            return nullptr;
+        }
     }
-    StartAttachments(model->fabric_);
     model->startTime_ = host.Now();
     return model;
 }
@@ -125,47 +104,45 @@ void Model::Destroy(Model* model) {
     };
     model->fabric_.store.Clear(host);
     model->trace_.Stop(host);
-    if (model->ports_ != nullptr && model->flashes_ != nullptr && model->profile_ != nullptr) {
-        for (uint32_t index = 0; index < model->PortCount(); ++index) {
-            release(model->ports_[index].eeprom);
+    for (Port* port : model->ports_) {
+        if (port != nullptr) {
+            release(port->eeprom);
+            release(port);
         }
-        for (uint32_t adapter = 0; adapter < model->profile_->adapterCount; ++adapter) {
-            ReleaseFlash(host, model->flashes_[adapter]);
-        }
+    }
+    for (uint32_t slot = 0; model->flashes_ != nullptr && slot < kMaxAdapters; ++slot) {
+        ReleaseFlash(host, model->flashes_[slot]);
     }
     release(model->flashes_);
     release(model->origin_);
     release(model->boards_);
-    release(model->peers_);
-    release(model->attachments_);
-    release(model->ports_);
     release(model->profile_);
     release(model);
 }
 
 uint32_t Model::ScsiPortNumber(uint32_t port) const {
-    return port < PortCount() ? ports_[port].profile->scsiPort : 0xFFFFFFFF;
+    return HasPort(port) ? ports_[port]->profile->scsiPort : 0xFFFFFFFF;
 }
 
 const char* Model::DriverName(uint32_t port) const {
-    return port < PortCount() ? ports_[port].adapter->driverName : "";
+    return HasPort(port) ? ports_[port]->adapter->driverName : "";
 }
 
 void Model::ApplyStore(uint32_t port, const StoredConfig& stored) {
-    if (port < PortCount()) {
-        vxemu::ApplyStore(ports_[port], stored);
+    if (HasPort(port)) {
+        vxemu::ApplyStore(*ports_[port], stored);
     }
 }
 
 void Model::CountHandle(uint32_t port, int32_t change) {
-    if (port < PortCount()) {
-        ports_[port].openHandles += static_cast<uint32_t>(change);
+    if (HasPort(port)) {
+        ports_[port]->openHandles += static_cast<uint32_t>(change);
     }
 }
 
 Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
                           uint32_t outputLength, uint32_t* returned, uint32_t* delay) {
-    if (!trace_.Running() || port >= PortCount()) {
+    if (!trace_.Running() || !HasPort(port)) {
         return Serve(port, buffer, inputLength, outputLength, returned, delay);
     }
     ExtRequest request = {};
@@ -173,7 +150,7 @@ Completion Model::Request(uint32_t port, uint8_t* buffer, uint32_t inputLength,
     const bool plain = IsPlainCode(request.srb.controlCode);
     TraceEntry entry = {};
     entry.time = host_.Now();
-    entry.scsiPort = ports_[port].profile->scsiPort;
+    entry.scsiPort = ports_[port]->profile->scsiPort;
     entry.process = host_.Process();
     entry.code = request.srb.controlCode;
     entry.subCode = plain ? kPlainRequest : request.ext.subCode;
@@ -197,7 +174,7 @@ Completion Model::Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, ui
     if (delay != nullptr) {
         *delay = 0;
     }
-    if (port >= PortCount()) {
+    if (!HasPort(port)) {
         return Completion::NoDevice;
     }
     const uint32_t bufferLength = Max(inputLength, outputLength);
@@ -221,7 +198,7 @@ Completion Model::Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, ui
         return Completion::ShortBuffer;
     }
 
-    Port& target = ports_[port];
+    Port& target = *ports_[port];
     if (target.flash->withoutPower) {
         return Completion::NoDevice;
     }

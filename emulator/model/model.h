@@ -39,23 +39,27 @@ class Model {
     static void Destroy(Model* model);
 
     uint32_t PortCount() const { return profile_->portCount; }
+
+    // Ports have the numbers of the profile at the start. Where an adapter was removed, its ports'
+    // numbers, below kMaxPorts, are free for those of another one.
+    bool HasPort(uint32_t port) const { return port < kMaxPorts && ports_[port] != nullptr; }
     uint32_t ScsiPortNumber(uint32_t port) const;
     const char* DriverName(uint32_t port) const;
 
     // Where the port's bindings and masks are stored, and taking them over at the start.
-    const uint8_t (&PortName(uint32_t port) const)[8] { return ports_[port].profile->portName; }
+    const uint8_t (&PortName(uint32_t port) const)[8] { return ports_[port]->profile->portName; }
     bool KeepsValueNames(uint32_t port) const {
-        return ports_[port].adapter->vendorSpecificId != 0;
+        return ports_[port]->adapter->vendorSpecificId != 0;
     }
     void ApplyStore(uint32_t port, const StoredConfig& stored);
 
     // The disks of the targets as the operating system knows them.
     uint32_t DiskKeys() const { return CountDiskKeys(fabric_); }
     bool GetDiskKey(uint32_t port, uint32_t index, DiskKey& key) const {
-        return port < PortCount() && vxemu::GetDiskKey(ports_[port], index, key);
+        return HasPort(port) && vxemu::GetDiskKey(*ports_[port], index, key);
     }
     bool FindDisk(uint32_t port, const DiskKey& key, OsDisk& disk) const {
-        return port < PortCount() && FindOsDisk(ports_[port], key, disk);
+        return HasPort(port) && FindOsDisk(*ports_[port], key, disk);
     }
 
     // One IOCTL_SCSI_MINIPORT on a buffer of max(inputLength, outputLength) bytes that holds the
@@ -71,6 +75,10 @@ class Model {
     // The host tells of handles opened (+1) and closed (-1), for the status report.
     void CountHandle(uint32_t port, int32_t change);
 
+    // Takes the adapter of a port away, as if its card were pulled. Control requests do so, too: a
+    // host whose ports have devices looks at HasPort after each.
+    void RemoveAdapter(uint32_t port);
+
   private:
     friend class ControlRequest;
 
@@ -81,14 +89,25 @@ class Model {
     Completion AnswerPlain(Port& port, uint8_t* buffer, uint32_t inputLength, uint32_t outputLength,
                            FaultAction fault, uint32_t* returned);
 
+    // The adapter comes behind the others. *error is what is wrong with it, and nothing has changed
+    // then; Busy when memory is short.
+    Completion AddAdapter(const AdapterRecord& added, ProfileError* error);
+
+    // Gives a port of the profile its state; false when memory is missing. slot: the adapter's.
+    bool StartPort(uint32_t index, uint32_t slot);
+    void DropPort(const PortProfile* gone);
+    void DropAdapter(const Port& port);
+    void DropAdapter(uint32_t adapter, uint32_t slot);
+    uint32_t FreeSlot() const;
+
     Host host_;
     Profile* profile_;
-    Port* ports_;  // one per port of the profile
-    Attachment* attachments_;
-    Peer* peers_;
-    Board* boards_;    // one per adapter of the profile
-    Profile* origin_;  // as it was given: what the flash holds until it is written to
-    Flash* flashes_;   // one per adapter of the profile
+    Port* ports_[kMaxPorts];
+    // What the ports of an adapter share has a slot, one of kMaxAdapters, for as long as the
+    // adapter is there: at the start, its number in the profile.
+    Board* boards_;
+    Flash* flashes_;
+    Profile* origin_;  // by slots; as it was given: what the flash holds until it is written to
     Fabric fabric_;
     FaultList faults_;
     uint64_t startTime_;

@@ -106,11 +106,9 @@ uint32_t ReadVpd(Port& port, uint8_t* block) {
 }
 
 void NoteSettingsWritten(Port& writer, uint32_t offset, uint32_t length) {
-    const Fabric& fabric = *writer.fabric;
-    for (uint32_t at = 0; at < fabric.profile->portCount; ++at) {
-        Port& port = fabric.ports[at];
+    ForEachHostPort(*writer.fabric, [&](Port& port) {
         if (port.flash != writer.flash) {
-            continue;
+            return;
         }
         const auto written = [&](const flash::PortRegionRules& rules, Bank bank) {
             return Overlaps(SettingsRegion(port, rules, bank), offset, length);
@@ -122,7 +120,7 @@ void NoteSettingsWritten(Port& writer, uint32_t offset, uint32_t length) {
             port.nvramWaits |= written(flash::kNvramRegions, OtherBank(port));
             port.vpdWaits |= written(flash::kVpdRegions, OtherBank(port));
         }
-    }
+    });
 }
 
 DriverStatus TakeOverSettings(Port& port) {

@@ -2,6 +2,7 @@
 # needs the include folders emulator, include and src, and the library's vxmgmt_pure.
 set(VXEMU_MODEL_SOURCES
     emulator/model/access.cpp
+    emulator/model/adapters.cpp
     emulator/model/fabric/binding_handlers.cpp
     emulator/model/storage/block_store.cpp
     emulator/model/profile/built_in_profiles.cpp

@@ -11,6 +11,7 @@ inline constexpr Argument kPortArgument{
 CommandRows ServiceCommands();
 CommandRows StatusCommands();
 CommandRows PortCommands();
+CommandRows AdapterCommands();
 CommandRows ProfileCommands();
 CommandRows FaultCommands();
 CommandRows TargetCommands();

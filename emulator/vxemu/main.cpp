@@ -8,14 +8,14 @@ namespace {
 
 // The order of the help.
 constexpr CommandRows (*kFiles[])() = {
-    ServiceCommands, StatusCommands,  PortCommands,  ProfileCommands, FaultCommands,
-    TargetCommands,  CounterCommands, TraceCommands, FlashCommands,
+    ServiceCommands, StatusCommands, PortCommands,    AdapterCommands, ProfileCommands,
+    FaultCommands,   TargetCommands, CounterCommands, TraceCommands,   FlashCommands,
 };
 
 constexpr CommandGroup kGroups[] = {
     {"profile", "descriptions of emulated adapters"},
     {"fault", "requests that go wrong"},
-    {"adapter", "values of a running adapter"},
+    {"adapter", "the running adapters"},
     {"port", "values of a running port"},
     {"target", "what the running ports are connected to"},
     {"lun", "disks of a target"},

@@ -4,6 +4,7 @@
 namespace {
 
 using namespace emulator_test;
+using vxemu::ProfileError;
 
 using EmulatorDisturbance = ModelFixture;
 
@@ -162,6 +163,134 @@ TEST_F(EmulatorDisturbance, FieldsOfARunningAdapter) {
     std::memset(unterminated.change.name, 's', sizeof unterminated.change.name);
     EXPECT_EQ(Control(control::kSetField, unterminated), ShortBuffer);
     EXPECT_EQ(Control(control::kSetField, FieldRequest{5, "state", 2, {}}), NoDevice);
+}
+
+// Adapters that come and go while the others answer.
+class EmulatorHotPlug : public ModelFixture {
+  protected:
+    static vxemu::AdapterRecord Card(uint16_t chip, uint32_t number,
+                                     std::initializer_list<uint8_t> scsiPorts) {
+        vxemu::AdapterRecord card = {};
+        card.portCount = static_cast<uint32_t>(scsiPorts.size());
+        vxemu::FillAdapter(chip, number, card.adapter, {card.ports, card.portCount});
+        std::transform(scsiPorts.begin(), scsiPorts.end(), card.ports, card.ports,
+                       [](uint8_t scsiPort, vxemu::PortProfile port) {
+                           port.scsiPort = scsiPort;
+                           return port;
+                       });
+        return card;
+    }
+    ProfileError Add(const vxemu::AdapterRecord& card) {
+        uint32_t error = 0;
+        EXPECT_EQ(Control(control::kAdapterAdd, card, &error), Done);
+        return static_cast<ProfileError>(error);
+    }
+    ProfileError Remove(uint32_t scsiPort) {
+        uint32_t error = 0;
+        EXPECT_EQ(Control(control::kAdapterRemove, PortSelector{scsiPort}, &error), Done);
+        return static_cast<ProfileError>(error);
+    }
+    std::unique_ptr<vxemu::Profile> Running() {
+        auto profile = std::make_unique<vxemu::Profile>();
+        uint32_t returned = 0;
+        EXPECT_EQ(model_->Control(control::kReadProfile, reinterpret_cast<uint8_t*>(profile.get()),
+                                  0, sizeof *profile, &returned),
+                  Done);
+        EXPECT_EQ(vxemu::ValidateProfile(profile.get(), sizeof *profile).error, ProfileError::None);
+        return profile;
+    }
+    // What a port says of itself, its flash and its targets.
+    std::vector<Bytes> Told(uint32_t port) {
+        return {Ask(port, NodeProperties, sizeof(properties::NodeReply)).data,
+                Ask(port, PortDatabase, sizeof(properties::PortDatabaseReply), {7, 0, 0, 0}).data,
+                Ask(port, {FlashRead.code, HX_REGION_VPD_0}, 512).data};
+    }
+    Answer WriteVpd(uint32_t port) {
+        return Ask(port, {FlashWrite.code, HX_REGION_VPD_0}, 0, Bytes(512, 0x5A));
+    }
+};
+
+TEST_F(EmulatorHotPlug, OthersStayAsTheyWereWhateverComesAndGoes) {
+    Start("full");
+    constexpr uint32_t kSome[] = {0, 4, 21, 62};
+    std::vector<std::vector<Bytes>> before;
+    for (uint32_t port : kSome) {
+        WriteVpd(port);
+        before.push_back(Told(port));
+    }
+    const auto expectSame = [&] {
+        for (size_t at = 0; at < std::size(kSome); ++at) {
+            EXPECT_EQ(Told(kSome[at]), before[at]) << kSome[at];
+        }
+    };
+    WriteVpd(20);
+    const std::vector<Bytes> written = Told(20);
+    ASSERT_EQ(Remove(20), ProfileError::None);
+    ASSERT_EQ(Remove(1), ProfileError::None);
+    expectSame();
+    EXPECT_EQ(Ask(20, NodeProperties, 696).completion, NoDevice);
+    EXPECT_EQ(Control(control::kPortReset, PortSelector{20}), NoDevice);
+    EXPECT_EQ(Running()->adapterCount, 61u);
+    EXPECT_EQ(+Status().portCount, 61u);
+    EXPECT_EQ(+Status().ports[60].scsiPort, 62u);
+
+    // The same card again, and one with two ports.
+    vxemu::AdapterRecord same = Card(0x7740, 21, {20});
+    same.adapter = MakeProfile("full")->adapters[20];
+    ASSERT_EQ(Add(same), ProfileError::None);
+    ASSERT_EQ(Add(Card(0x7742, 99, {63, 1})), ProfileError::None);
+    expectSame();
+    EXPECT_TRUE(model_->HasPort(63));
+    EXPECT_EQ(Running()->portCount, 64u);
+    uint32_t found = 0;
+    for (uint32_t port = 0; port < vxemu::kMaxPorts; ++port) {
+        const uint32_t scsiPort = model_->ScsiPortNumber(port);
+        if (scsiPort == 20) {
+            EXPECT_EQ(Told(port)[0], written[0]);
+            EXPECT_NE(Told(port)[2], written[2]) << "what was written went with the card";
+            ++found;
+        }
+        if (scsiPort == 63) {
+            EXPECT_EQ(Ask(port, PortDatabase, 172 * 5 + 8, {7, 0, 0, 0}).Status(), Success);
+            found += WriteVpd(port).Status() == Success ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(found, 2u);
+}
+
+TEST_F(EmulatorHotPlug, WhatDoesNotFitChangesNothing) {
+    const auto before = Running();
+    const auto refused = [&](ProfileError error, const vxemu::AdapterRecord& card) {
+        EXPECT_EQ(Add(card), error);
+    };
+    vxemu::AdapterRecord card = Card(0x7740, 9, {10});
+    std::strcpy(card.adapter.serial, "EMU7404A0002");
+    refused(ProfileError::DuplicateSerial, card);
+    std::strcpy(card.adapter.serial, "REAL");
+    refused(ProfileError::Serial, card);
+    refused(ProfileError::DuplicateScsiPort, Card(0x7740, 9, {10, 6}));
+    refused(ProfileError::DuplicatePortName, Card(0x7742, 2, {10}));
+    refused(ProfileError::AdapterHasNoPort, Card(0x7740, 9, {}));
+    card = Card(0x7740, 9, {10});
+    card.portCount = 9;
+    refused(ProfileError::PortCount, card);
+    card = Card(0x7740, 9, {10, 11, 12});
+    for (int failing = 0; failing < 3; ++failing) {
+        host_.failAt = failing;
+        EXPECT_EQ(Control(control::kAdapterAdd, card), vxemu::Completion::Busy);
+    }
+    host_.failAt = -1;
+    EXPECT_EQ(Control(control::kAdapterAdd, LinkRequest{}), ShortBuffer);
+    EXPECT_EQ(Control(control::kAdapterRemove, PortSelector{5}), NoDevice);
+    EXPECT_EQ(std::memcmp(Running().get(), before.get(), sizeof *before), 0);
+
+    // The last one stays: a profile has one at least.
+    EXPECT_EQ(Remove(4), ProfileError::None);
+    EXPECT_EQ(Remove(9), ProfileError::None);
+    EXPECT_EQ(Remove(6), ProfileError::AdapterCount);
+    EXPECT_STREQ(Status().ports[0].serial, "EMU7404A0002");
+    EXPECT_EQ(Add(card), ProfileError::None);
+    EXPECT_EQ(Remove(6), ProfileError::None);
 }
 
 TEST_F(EmulatorDisturbance, ControlRequestsCheckTheirLengths) {

@@ -34,6 +34,15 @@ void CopyPadded(char (&field)[size], const char* text) {
 // Whether a field of size bytes holds a terminated text of printable ASCII characters.
 bool IsText(const char* field, size_t size);
 
+// Takes one element out; those behind it move up.
+template <typename Record>
+void CloseGap(Record* records, uint32_t& count, uint32_t index) {
+    --count;
+    std::memmove(static_cast<void*>(records + index), records + index + 1,
+                 (count - index) * sizeof *records);
+    std::memset(static_cast<void*>(records + count), 0, sizeof *records);
+}
+
 bool SameText(const char* left, const char* right);
 bool StartsWith(const char* text, const char* prefix);
 bool Contains(const char* text, const char* part);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "model/bytes/bytes.h"
+
 namespace vxemu {
 namespace {
 
@@ -80,14 +82,6 @@ void Start(const Fabric& fabric, const Port& port, const TargetProfile& device) 
             SetVisible(mask, lun.number, false);
         }
     }
-}
-
-// Removes one element; those behind it move up.
-template <typename Record>
-void Close(Record* records, uint32_t& count, uint32_t index) {
-    --count;
-    std::memmove(records + index, records + index + 1, (count - index) * sizeof *records);
-    std::memset(static_cast<void*>(records + count), 0, sizeof *records);
 }
 
 // Puts a record in place of another one when the profile stays valid with it.
@@ -203,11 +197,9 @@ DiskKey DiskOf(const Fabric& fabric, const LunProfile& lun) {
     return disk;
 }
 
-void StartAttachments(Fabric& fabric) {
-    for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
-        for (TargetProfile& device : fabric.profile->targets) {
-            Start(fabric, fabric.ports[port], device);
-        }
+void StartAttachments(const Port& port) {
+    for (const TargetProfile& device : port.fabric->profile->targets) {
+        Start(*port.fabric, port, device);
     }
 }
 
@@ -240,9 +232,7 @@ ProfileError AddDevice(Fabric& fabric, const TargetProfile& device) {
         --profile.targetCount;
         return error;
     }
-    for (uint32_t port = 0; port < profile.portCount; ++port) {
-        Start(fabric, fabric.ports[port], slot);
-    }
+    ForEachHostPort(fabric, [&](const Port& port) { Start(fabric, port, slot); });
     return error;
 }
 
@@ -257,13 +247,13 @@ void RemoveDevice(Fabric& fabric, TargetProfile& device) {
             --lun.target;
         }
     }
-    for (uint32_t port = 0; port < profile.portCount; ++port) {
+    ForEachHostPort(fabric, [&](const Port& port) {
         uint32_t count = profile.targetCount;
-        Close(fabric.ports[port].attachments, count, index);
+        CloseGap(port.attachments, count, index);
         count = profile.targetCount;
-        Close(fabric.ports[port].peers, count, index);
-    }
-    Close(profile.targets, profile.targetCount, index);
+        CloseGap(port.peers, count, index);
+    });
+    CloseGap(profile.targets, profile.targetCount, index);
 }
 
 ProfileError ReplaceDevice(Fabric& fabric, TargetProfile& device, const TargetProfile& with) {
@@ -274,14 +264,14 @@ ProfileError ReplaceDevice(Fabric& fabric, TargetProfile& device, const TargetPr
     if (error != ProfileError::None) {
         return error;
     }
-    for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
+    ForEachHostPort(fabric, [&](const Port& port) {
         if (moves) {
-            StartAddress(fabric.ports[port], device);
+            StartAddress(port, device);
         }
         if (before.present != with.present) {
-            PeerOf(fabric.ports[port], device).since = fabric.host.Now();
+            PeerOf(port, device).since = fabric.host.Now();
         }
-    }
+    });
     return error;
 }
 
@@ -296,27 +286,27 @@ ProfileError AddLun(Fabric& fabric, const LunProfile& lun) {
         --profile.lunCount;
         return error;
     }
-    for (uint32_t port = 0; port < profile.portCount; ++port) {
-        SetVisible(AttachmentOf(fabric.ports[port], profile.targets[lun.target]).mask, lun.number,
+    ForEachHostPort(fabric, [&](const Port& port) {
+        SetVisible(AttachmentOf(port, profile.targets[lun.target]).mask, lun.number,
                    lun.masked == 0);
-    }
+    });
     return error;
 }
 
 void RemoveLun(Fabric& fabric, LunProfile& lun) {
     Profile& profile = *fabric.profile;
     fabric.store.Forget(fabric.host, DiskOf(fabric, lun));
-    Close(profile.luns, profile.lunCount, static_cast<uint32_t>(&lun - profile.luns));
+    CloseGap(profile.luns, profile.lunCount, static_cast<uint32_t>(&lun - profile.luns));
 }
 
 ProfileError ReplaceLun(Fabric& fabric, LunProfile& lun, const LunProfile& with) {
     const bool maskChanges = lun.masked != with.masked;
     const ProfileError error = Replace(fabric, lun, with);
     if (error == ProfileError::None && maskChanges) {
-        for (uint32_t port = 0; port < fabric.profile->portCount; ++port) {
-            SetVisible(AttachmentOf(fabric.ports[port], fabric.profile->targets[lun.target]).mask,
-                       lun.number, lun.masked == 0);
-        }
+        ForEachHostPort(fabric, [&](const Port& port) {
+            SetVisible(AttachmentOf(port, fabric.profile->targets[lun.target]).mask, lun.number,
+                       lun.masked == 0);
+        });
     }
     return error;
 }

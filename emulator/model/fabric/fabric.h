@@ -14,10 +14,19 @@ namespace vxemu {
 
 struct Fabric {
     Host host;
-    Profile* profile;  // the model's own
-    Port* ports;       // one per port of the profile
+    Profile* profile;    // the model's own
+    Port* const* ports;  // kMaxPorts of them; null where none is
     BlockStore store;
 };
+
+template <typename Visit>
+void ForEachHostPort(const Fabric& fabric, Visit visit) {
+    for (uint32_t place = 0; place < kMaxPorts; ++place) {
+        if (fabric.ports[place] != nullptr) {
+            visit(*fabric.ports[place]);
+        }
+    }
+}
 
 // Whether the device shows itself to the port; and whether the port sees it now: both are there,
 // and the port's link is up.
@@ -63,9 +72,9 @@ const LunProfile* VisibleLun(const Port& port, const TargetProfile& device, uint
 uint32_t CountLuns(const Port& port, const TargetProfile& device);
 DiskKey DiskOf(const Fabric& fabric, const LunProfile& lun);
 
-// All attachments as at the start: the profile's addresses, and everything is visible but the LUNs
-// that the profile masks.
-void StartAttachments(Fabric& fabric);
+// A port's attachments as at the start: the profile's addresses, and everything is visible but the
+// LUNs that the profile masks.
+void StartAttachments(const Port& port);
 
 // Gives a device another address at the port; false when another device has it.
 bool Attach(const Port& port, const TargetProfile& device, const Attachment& at);

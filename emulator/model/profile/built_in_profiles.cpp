@@ -18,11 +18,25 @@ void MakeName(uint8_t (&name)[8], uint8_t kind, uint8_t function, uint32_t adapt
     name[7] = 0;
 }
 
-struct AdapterRow {
-    uint16_t deviceId;
+// What goes with chips of an age.
+struct DriverRow {
     DriverGeneration generation;
     const char* driverVersion;
     const char* firmwareVersion;
+};
+constexpr DriverRow kNewestDriver = {DriverGeneration::Extended, "9.04.02.20", "9.12.01"};
+constexpr DriverRow kNewerDriver = {DriverGeneration::Extended, "8.02.03 build 2", "8.01.02"};
+constexpr DriverRow kOldDriver = {DriverGeneration::Legacy, "7.04.11", "3.3.25"};
+
+const DriverRow& DriverOf(const properties::Chip& chip) {
+    if (chip.Has(properties::ChipTrait::Newest)) {
+        return kNewestDriver;
+    }
+    return chip.Has(properties::ChipTrait::Newer) ? kNewerDriver : kOldDriver;
+}
+
+struct AdapterRow {
+    uint16_t deviceId;
     uint8_t firstScsiPort;
     uint8_t ports;
 };
@@ -47,28 +61,13 @@ void SetSerial(AdapterProfile& adapter, uint32_t number) {
 
 void AddAdapter(Profile& profile, const AdapterRow& row) {
     const uint32_t index = profile.adapterCount++;
-    const uint32_t number = index + 1;
-    AdapterProfile& adapter = profile.adapters[index];
-    adapter = DefaultAdapter(row.deviceId, row.generation);
-    adapter.pciBus = static_cast<uint8_t>(number);
-    CopyText(adapter.driverVersion, row.driverVersion);
-    CopyText(adapter.firmwareVersion, row.firmwareVersion);
-    CopyText(adapter.description, "Emulated ");
-    AppendDigits(adapter.description + 9, row.deviceId, 4);
-    SetSerial(adapter, number);
-
-    for (uint8_t function = 0; function < row.ports; ++function) {
-        PortProfile& port = profile.ports[profile.portCount++];
-        port = DefaultPort(adapter);
+    const std::span<PortProfile> ports(profile.ports + profile.portCount, row.ports);
+    FillAdapter(row.deviceId, index + 1, profile.adapters[index], ports);
+    for (PortProfile& port : ports) {
         port.adapter = static_cast<uint8_t>(index);
-        port.scsiPort = static_cast<uint8_t>(row.firstScsiPort + function);
-        port.pciFunction = function;
-        MakeName(port.nodeName, 0x20, function, number);
-        MakeName(port.portName, 0x21, function, number);
-        port.portId[0] = 0x01;
-        port.portId[1] = static_cast<uint8_t>(number);
-        port.portId[2] = function;
+        port.scsiPort = static_cast<uint8_t>(row.firstScsiPort + port.pciFunction);
     }
+    profile.portCount += row.ports;
 }
 
 struct LunRow {
@@ -129,9 +128,9 @@ void AddDevices(Profile& profile) {
 
 void FillLab(Profile& profile) {
     constexpr AdapterRow kRows[] = {
-        {0x7740, DriverGeneration::Extended, "9.04.02.20", "9.12.01", 3, 2},
-        {0x7404, DriverGeneration::Extended, "8.02.03 build 2", "8.01.02", 6, 1},
-        {0x7200, DriverGeneration::Legacy, "7.04.11", "3.3.25", 9, 1},
+        {0x7740, 3, 2},
+        {0x7404, 6, 1},
+        {0x7200, 9, 1},
     };
     InitializeProfile(profile, "lab");
     for (const AdapterRow& row : kRows) {
@@ -150,26 +149,34 @@ void FillFull(Profile& profile) {
     for (uint8_t scsiPort = 0; scsiPort < kMaxScsiPort; ++scsiPort, ++turn) {
         const properties::Chip& chip =
             properties::kChips[turn % (sizeof properties::kChips / sizeof properties::kChips[0])];
-        const bool newest = chip.Has(properties::ChipTrait::Newest);
-        const bool newer = chip.Has(properties::ChipTrait::Newer);
-        const AdapterRow row = {
-            chip.deviceId,
-            newer ? DriverGeneration::Extended : DriverGeneration::Legacy,
-            newest  ? "9.04.02.20"
-            : newer ? "8.02.03 build 2"
-                    : "7.04.11",
-            newest  ? "9.12.01"
-            : newer ? "8.01.02"
-                    : "3.3.25",
-            scsiPort,
-            1,
-        };
-        AddAdapter(profile, row);
+        AddAdapter(profile, {chip.deviceId, scsiPort, 1});
     }
     AddDevices(profile);
 }
 
 }  // namespace
+
+void FillAdapter(uint16_t deviceId, uint32_t number, AdapterProfile& adapter,
+                 std::span<PortProfile> ports) {
+    const DriverRow& driver = DriverOf(properties::ChipOf(deviceId));
+    adapter = DefaultAdapter(deviceId, driver.generation);
+    adapter.pciBus = static_cast<uint8_t>(number);
+    CopyText(adapter.driverVersion, driver.driverVersion);
+    CopyText(adapter.firmwareVersion, driver.firmwareVersion);
+    CopyText(adapter.description, "Emulated ");
+    AppendDigits(adapter.description + 9, deviceId, 4);
+    SetSerial(adapter, number);
+    uint8_t function = 0;
+    for (PortProfile& port : ports) {
+        port = DefaultPort(adapter);
+        port.pciFunction = function;
+        MakeName(port.nodeName, 0x20, function, number);
+        MakeName(port.portName, 0x21, function, number);
+        port.portId[0] = 0x01;
+        port.portId[1] = static_cast<uint8_t>(number);
+        port.portId[2] = function++;
+    }
+}
 
 const BuiltInProfile kBuiltInProfileTable[kBuiltInProfiles] = {
     {"lab", "two ports of one newest adapter, one large-ROM adapter, one with a legacy driver",

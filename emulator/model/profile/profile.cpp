@@ -106,6 +106,37 @@ ProfileFault ValidateProfile(const void* bytes, size_t size) {
     return ValidateTargets(profile);
 }
 
+ProfileError AppendAdapter(Profile& profile, const AdapterRecord& added) {
+    if (profile.adapterCount == kMaxAdapters) {
+        return ProfileError::AdapterCount;
+    }
+    if (added.portCount > kMaxAdapterPorts || added.portCount > kMaxPorts - profile.portCount) {
+        return ProfileError::PortCount;
+    }
+    for (uint32_t at = 0; at < profile.adapterCount; ++at) {
+        if (std::memcmp(profile.adapters[at].serial, added.adapter.serial,
+                        sizeof added.adapter.serial) == 0) {
+            return ProfileError::DuplicateSerial;
+        }
+    }
+    const uint32_t firstPort = profile.portCount;
+    const uint32_t adapter = profile.adapterCount++;
+    profile.adapters[adapter] = added.adapter;
+    for (uint32_t at = 0; at < added.portCount; ++at) {
+        PortProfile& port = profile.ports[profile.portCount++];
+        port = added.ports[at];
+        port.adapter = static_cast<uint8_t>(adapter);
+    }
+    const ProfileError error = ValidateProfile(&profile, sizeof profile).error;
+    while (error != ProfileError::None && profile.portCount > firstPort) {
+        profile.ports[--profile.portCount] = {};
+    }
+    if (error != ProfileError::None) {
+        profile.adapters[--profile.adapterCount] = {};
+    }
+    return error;
+}
+
 const char* ProfileErrorText(ProfileError error) {
     switch (error) {
         case ProfileError::None:
@@ -138,6 +169,8 @@ const char* ProfileErrorText(ProfileError error) {
             return "the port name is used twice";
         case ProfileError::NoPortName:
             return "the port name must not be zero";
+        case ProfileError::DuplicateSerial:
+            return "another adapter has this serial number";
         case ProfileError::TargetCount:
             return "the number of targets must be at most 32";
         case ProfileError::LunCount:

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace vxemu {
 
@@ -149,6 +150,15 @@ struct PortProfile {
 };
 static_assert(sizeof(PortProfile) == 112);
 
+// An adapter and its ports by themselves. Which adapter the ports belong to is not read.
+inline constexpr uint32_t kMaxAdapterPorts = kMaxPciFunction + 1;
+struct AdapterRecord {
+    uint32_t portCount;
+    AdapterProfile adapter;
+    PortProfile ports[kMaxAdapterPorts];
+};
+static_assert(sizeof(AdapterRecord) == 4 + 360 + kMaxAdapterPorts * 112);
+
 enum class DeviceRole : uint8_t {
     Target = 1,
     Initiator = 2,
@@ -241,6 +251,7 @@ enum class ProfileError : uint32_t {
     DuplicateScsiPort,
     DuplicatePortName,
     NoPortName,
+    DuplicateSerial,  // of an adapter that is to be added
     TargetCount,
     LunCount,
     DuplicateTargetAddress,  // bus and target, loop identifier or port identifier
@@ -260,6 +271,10 @@ struct ProfileFault {
 // Checks a record of bytes that came from outside.
 ProfileFault ValidateProfile(const void* bytes, size_t size);
 
+// Puts an adapter with its ports behind the others. When the profile would not be valid with it, or
+// has its serial number already, it stays as it was.
+ProfileError AppendAdapter(Profile& profile, const AdapterRecord& added);
+
 // The targets and LUNs alone, as far as they depend on one another.
 ProfileFault ValidateTargets(const Profile& profile);
 
@@ -272,6 +287,12 @@ void InitializeProfile(Profile& profile, const char* name);
 // what tells it from others: serial, names, SCSI port.
 AdapterProfile DefaultAdapter(uint16_t deviceId, DriverGeneration generation);
 PortProfile DefaultPort(const AdapterProfile& adapter);
+
+// An adapter as the built-in profiles have it: the driver and firmware that go with its chip,
+// serial number and names by the number. Its ports are the functions of its device, in their order;
+// the caller sets their SCSI ports.
+void FillAdapter(uint16_t deviceId, uint32_t number, AdapterProfile& adapter,
+                 std::span<PortProfile> ports);
 
 // A target with addresses that the profile does not use yet, and a LUN of a target. The caller sets
 // the names.
