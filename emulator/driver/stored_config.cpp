@@ -9,6 +9,8 @@ namespace {
 constexpr wchar_t kServices[] = L"\\Registry\\Machine\\SYSTEM\\CurrentControlSet\\Services";
 constexpr char kParameters[] = "Parameters";
 constexpr char kSharedKey[] = "Device0";  // of the layout of value names
+constexpr char kDriverKey[] = "Device";
+constexpr char kDriverParameter[] = "DriverParameter";
 constexpr uint32_t kWwnText = 24;
 constexpr ULONG kLongestValue = 1u << 20;
 
@@ -18,6 +20,9 @@ class Value {
     Value(HANDLE key, const char* prefix, const char* suffix) {
         ObjectName name(L"", prefix, suffix);
         ULONG length = 0;
+        if (key == nullptr) {
+            return;
+        }
         ZwQueryValueKey(key, name.Get(), KeyValuePartialInformation, nullptr, 0, &length);
         if (length == 0 || length > kLongestValue) {
             return;
@@ -41,6 +46,18 @@ class Value {
     std::span<const uint8_t> Block() const {
         return Is(REG_BINARY) ? std::span<const uint8_t>(value_->Data, value_->DataLength)
                               : std::span<const uint8_t>();
+    }
+    // A text's first byte of each character: those that mean anything have no more.
+    std::string_view Text() {
+        if (!Is(REG_SZ)) {
+            return {};
+        }
+        auto* text = reinterpret_cast<char*>(value_->Data);
+        const ULONG length = value_->DataLength / sizeof(wchar_t);
+        for (ULONG at = 0; at < length; ++at) {
+            text[at] = text[at * sizeof(wchar_t)];
+        }
+        return {text, length != 0 && text[length - 1] == 0 ? length - 1 : length};
     }
     uint32_t Number() const {
         uint32_t number = 0;
@@ -72,21 +89,29 @@ void WriteWwn(const uint8_t (&name)[8], char (&text)[kWwnText]) {
     text[kWwnText - 1] = 0;
 }
 
-void ApplyStoreBelow(HANDLE services, vxemu::Model& model, uint32_t port) {
+bool OpenParameters(vxemu::Model& model, uint32_t port, Key& parameters) {
+    Key services;
+    Key service;
+    ObjectName servicesName(kServices);
+    ObjectName serviceName(L"", model.DriverName(port));
+    ObjectName parametersName(L"", kParameters);
+    return OpenKey(nullptr, servicesName, services) &&
+           OpenKey(services.Get(), serviceName, service) &&
+           OpenKey(service.Get(), parametersName, parameters);
+}
+
+// A key that is not there has no values.
+void ApplyStoreBelow(HANDLE parameters, vxemu::Model& model, uint32_t port) {
     const bool valueNames = model.KeepsValueNames(port);
     char wwn[kWwnText];
     WriteWwn(model.PortName(port), wwn);
-    Key service;
-    Key parameters;
+    Key driver;
     Key key;
-    ObjectName serviceName(L"", model.DriverName(port));
-    ObjectName parametersName(L"", kParameters);
+    ObjectName driverName(L"", kDriverKey);
     ObjectName keyName(L"", valueNames ? kSharedKey : wwn);
-    if (!OpenKey(services, serviceName, service) ||
-        !OpenKey(service.Get(), parametersName, parameters) ||
-        !OpenKey(parameters.Get(), keyName, key)) {
-        return;
-    }
+    OpenKey(parameters, driverName, driver);
+    OpenKey(parameters, keyName, key);
+    Value driverParameter(driver.Get(), "", kDriverParameter);
     const char* prefix = valueNames ? wwn : "";
     const auto value = [&](const char* inSubkey, const char* inValueName) {
         return Value(key.Get(), prefix, valueNames ? inValueName : inSubkey);
@@ -94,6 +119,7 @@ void ApplyStoreBelow(HANDLE services, vxemu::Model& model, uint32_t port) {
     const Value targets = value("Data", "\\Data");
     const Value luns = value("LunData", "\\LunData");
     vxemu::StoredConfig stored = {};
+    stored.parameters = driverParameter.Text();
     stored.hasChecks = !valueNames;
     stored.length = value("Length", "\\Length").Number();
     stored.version = value("Version", "\\Version").Number();
@@ -107,10 +133,9 @@ void ApplyStoreBelow(HANDLE services, vxemu::Model& model, uint32_t port) {
 }  // namespace
 
 void ApplyStore(vxemu::Model& model, uint32_t port) {
-    Key services;
-    ObjectName name(kServices);
-    if (OpenKey(nullptr, name, services)) {
-        ApplyStoreBelow(services.Get(), model, port);
+    Key parameters;
+    if (OpenParameters(model, port, parameters)) {
+        ApplyStoreBelow(parameters.Get(), model, port);
     }
 }
 

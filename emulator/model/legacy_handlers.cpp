@@ -68,9 +68,9 @@ properties::LegacyTargetEntry ListedDevice(const Port& port, const TargetProfile
 
 // A device that is gone may keep its place in the list, as an entry that is not valid.
 bool IsListed(const Port& port, const TargetProfile& device) {
-    TargetProfile there = device;
-    there.present = port.adapter->listsLostTargets != 0 ? 1 : device.present;
-    return Sees(port, there);
+    return Sees(port, device) ||
+           (port.adapter->listsLostTargets != 0 && device.present == 0 && port.LinkUp() &&
+            MaySee(port, device) && !AttachmentOf(port, device).withheld);
 }
 
 void TargetList(Exchange& exchange, const transport::SelectorRecord& selector) {

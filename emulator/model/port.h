@@ -27,6 +27,7 @@ struct Attachment {
     uint8_t bindingFlags;
     uint16_t target;
     uint16_t loopId;  // bit 0 is not used: it says whether the device is there
+    bool withheld;    // nothing is stored for the device, and the driver wants that
 };
 
 // What a port has counted about a device of the fabric, and what management has set for it.
@@ -65,6 +66,7 @@ struct Port {
     Signals signals;
     Board* board;  // of the adapter, shared by its ports
     HX_MGMT_ADDRESS_SETTING managementAddress;
+    bool configRequired;        // targets that nothing is stored for are withheld
     bool managementAddressSet;  // else the port still has the address it starts with
     uint8_t dportRunning;       // a D-port test has begun and its results were not fetched
     uint8_t scmSetting;

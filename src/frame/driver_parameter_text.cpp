@@ -1,3 +1,4 @@
+// The emulated driver reads with this in the kernel: nothing here may throw, substr() included.
 #include "frame/driver_parameter_text.h"
 
 #include <algorithm>
@@ -19,14 +20,15 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
 // Takes the next token off the text; empty at the end.
 std::string_view NextToken(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(kSeparators), rest.size()));
-    const std::string_view token = rest.substr(0, rest.find_first_of(kSeparators));
+    const std::string_view token(rest.data(),
+                                 std::min(rest.find_first_of(kSeparators), rest.size()));
     rest.remove_prefix(token.size());
     return token;
 }
 
 bool IsNamed(std::string_view token, std::string_view name) {
     return token.size() > name.size() && token[name.size()] == '=' &&
-           EqualIgnoringCase(token.substr(0, name.size()), name);
+           EqualIgnoringCase({token.data(), name.size()}, name);
 }
 
 // Joins pieces with ';' into a buffer.
@@ -68,7 +70,8 @@ class Joiner {
 std::optional<std::string_view> FindParameter(std::string_view text, std::string_view name) {
     for (std::string_view token = NextToken(text); !token.empty(); token = NextToken(text)) {
         if (IsNamed(token, name)) {
-            const std::string_view value = token.substr(name.size() + 1);
+            std::string_view value = token;
+            value.remove_prefix(name.size() + 1);
             return value.empty() ? std::nullopt : std::optional(value);
         }
     }

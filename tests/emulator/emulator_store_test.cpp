@@ -4,6 +4,7 @@
 #include "model/fabric/stored_config.h"
 #include "persist/blocks.h"
 #include "persist/driver_records.h"
+#include "statistics/fabric_records.h"
 
 namespace {
 
@@ -150,6 +151,59 @@ TEST_F(EmulatorStore, AnUnsoundStoreCountsAsNone) {
     stored.checksum = stored.version = 0;
     model_->ApplyStore(kNewest, stored);
     EXPECT_EQ(Numbers()[0], 60u);
+}
+
+// "bind" and "configrequired" of the driver.
+TEST_F(EmulatorStore, ParametersSayWhatBindingsAreFor) {
+    const std::vector<uint32_t> before = Numbers();
+    const auto apply = [&](const char* parameters) {
+        vxemu::StoredConfig stored = Stored();
+        stored.parameters = parameters;
+        model_->ApplyStore(kNewest, stored);
+        return Numbers();
+    };
+    Entry(0, 60).lunBase = 10;
+    Record(0).luns[13] = 0x80;
+    EXPECT_EQ(apply("bind=0;other=1"), before);
+    EXPECT_TRUE(Masked(0, 3)) << "masks are no bindings";
+    EXPECT_EQ(apply("configrequired=0 BIND=1")[0], 60u);
+
+    // The first array is bound; the other host is no target.
+    const auto states = [&] {
+        statistics::RemotePortRequest request = {};
+        request.list.version = 1;
+        const Bytes data =
+            Ask(kNewest, RemotePortInfo, sizeof(statistics::RemotePortReply), BytesOf(request))
+                .data;
+        statistics::RemotePortReply reply = {};
+        std::memcpy(&reply, data.data(), std::min(data.size(), sizeof reply));
+        return std::string{static_cast<char>('0' + reply.entries[0].state),
+                           static_cast<char>('0' + reply.entries[1].state),
+                           static_cast<char>('0' + reply.entries[4].state)};
+    };
+    EXPECT_EQ(states(), "112");
+    EXPECT_EQ(apply("configrequired=1"), (std::vector<uint32_t>{60, before[3]}));
+    EXPECT_EQ(states(), "132") << "reached, but not logged in to";
+    EXPECT_EQ(apply("configrequired=1;bind=0").size(), 2u);
+    EXPECT_EQ(Database(1).size(), 4u) << "another port";
+
+    // A target that comes later is withheld as well, until it is bound.
+    vxemu::TargetProfile late = vxemu::DefaultTarget(*lab);
+    late.portName[0] = 0x2B;
+    ASSERT_EQ(Control(control::kTargetAdd, late), Done);
+    EXPECT_EQ(Numbers().size(), 2u);
+    properties::PortDatabaseEntry entry = {};
+    std::memcpy(entry.portName, late.portName, sizeof entry.portName);
+    entry.target = 40;
+    entry.targetNumber = 91;
+    EXPECT_EQ(Ask(kNewest, AddTarget, 0, BytesOf(entry)).Status(), Success);
+    EXPECT_EQ(Numbers().back(), 40u);
+
+    // Nothing stored, nothing presented.
+    vxemu::StoredConfig none = {};
+    none.parameters = "configrequired=1";
+    model_->ApplyStore(1, none);
+    EXPECT_EQ(Database(1).size(), 1u);
 }
 
 }  // namespace

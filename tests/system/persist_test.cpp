@@ -119,6 +119,36 @@ TEST_F(SystemPersist, BindingsAndMasksSurviveARestart) {
     EXPECT_EQ(false, Target("scsi:3", kArrayA)["bound_live"]);
 }
 
+TEST_F(SystemPersist, ParametersOfTheDriverSayWhatBindingsAreFor) {
+    const auto targets = [](const std::string& port) {
+        std::string found;
+        const json rows = Document("target list -p " + port)["result"]["targets"];
+        for (const json& row : rows) {
+            found += " " + std::to_string(row["target"].number());
+        }
+        return found;
+    };
+    const auto start = [](const std::string& parameter) {
+        EXPECT_EQ(0u, Vxmgr("driver param set " + parameter + " --yes -p scsi:3").exit);
+        Restart();
+    };
+    const std::string all = targets("scsi:3");
+    const std::string legacy = targets("scsi:9");
+    Expect("bind add --id 9 -p scsi:3 -t " + kArrayA, 0, "done done");
+    start("configrequired=1");
+    EXPECT_EQ(" 9", targets("scsi:3"));
+    EXPECT_EQ("", targets("scsi:4")) << "nothing is stored for its targets";
+    EXPECT_EQ(legacy, targets("scsi:9")) << "another driver";
+    Expect("bind add --id 5 -p scsi:3 -t wwn:" + kArrayB + " --node 2a:00:02:45:4d:00:02:00", 0,
+           "done done");
+    EXPECT_EQ(5, Target("scsi:3", kArrayB)["target"]) << "bound, so presented at once";
+    start("configrequired=");
+    start("bind=0");
+    EXPECT_EQ(all, targets("scsi:3"));
+    start("bind=");
+    EXPECT_EQ(9, Target("scsi:3", kArrayA)["target"]);
+}
+
 TEST_F(SystemPersist, OneStoreLeavesTheOtherAlone) {
     const std::string on = " -p scsi:3 -t " + kArrayA;
     const json stored = Expect("lunmask deny 1 --yes --store registry" + on, 0, "done");

@@ -72,6 +72,7 @@ void StartAddress(const Port& port, const TargetProfile& device) {
 
 void Start(const Fabric& fabric, const Port& port, const TargetProfile& device) {
     StartAddress(port, device);
+    AttachmentOf(port, device).withheld = port.configRequired && IsTarget(device);
     PeerOf(port, device).since = fabric.host.Now();
     LunMask& mask = AttachmentOf(port, device).mask;
     std::memset(mask.bytes, 0xFF, sizeof mask.bytes);
@@ -102,8 +103,12 @@ bool MaySee(const Port& port, const TargetProfile& device) {
     return device.seenBy == kSeenByAllPorts || device.seenBy == port.profile->scsiPort;
 }
 
-bool Sees(const Port& port, const TargetProfile& device) {
+bool Reaches(const Port& port, const TargetProfile& device) {
     return port.LinkUp() && device.present != 0 && MaySee(port, device);
+}
+
+bool Sees(const Port& port, const TargetProfile& device) {
+    return Reaches(port, device) && !AttachmentOf(port, device).withheld;
 }
 
 TargetProfile* NthDevice(const Port& port, DeviceKind kind, uint32_t index) {
@@ -218,6 +223,7 @@ bool Attach(const Port& port, const TargetProfile& device, const Attachment& at)
     attachment.target = at.target;
     attachment.loopId = at.loopId;
     attachment.bindingFlags = at.bindingFlags;
+    attachment.withheld = false;
     return true;
 }
 

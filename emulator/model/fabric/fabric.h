@@ -28,9 +28,10 @@ void ForEachHostPort(const Fabric& fabric, Visit visit) {
     }
 }
 
-// Whether the device shows itself to the port; and whether the port sees it now: both are there,
-// and the port's link is up.
+// Whether the device shows itself to the port; whether the port reaches it now: both are there, and
+// the port's link is up; and whether it sees it, as it does unless its driver withholds it.
 bool MaySee(const Port& port, const TargetProfile& device);
+bool Reaches(const Port& port, const TargetProfile& device);
 bool Sees(const Port& port, const TargetProfile& device);
 
 inline bool IsTarget(const TargetProfile& device) {
@@ -76,7 +77,8 @@ DiskKey DiskOf(const Fabric& fabric, const LunProfile& lun);
 // LUNs that the profile masks.
 void StartAttachments(const Port& port);
 
-// Gives a device another address at the port; false when another device has it.
+// Gives a device another address at the port, which withholds it no longer; false when another
+// device has it.
 bool Attach(const Port& port, const TargetProfile& device, const Attachment& at);
 
 // Changes of the fabric. What they say is what ValidateTargets would object to; the fabric is then

@@ -19,7 +19,7 @@ bool IsAt(const Port& port, uint32_t loopId) {
     const Profile& profile = *port.fabric->profile;
     for (uint32_t at = 0; at < profile.targetCount; ++at) {
         const TargetProfile& device = profile.targets[at];
-        if (Sees(port, device) && AttachmentOf(port, device).loopId / 2u == loopId) {
+        if (Reaches(port, device) && AttachmentOf(port, device).loopId / 2u == loopId) {
             return true;
         }
     }

@@ -64,7 +64,9 @@ HX_REMOTE_PORT Describe(const Port& port, const TargetProfile& device) {
     std::memcpy(record.nodeName, device.nodeName, sizeof record.nodeName);
     std::memcpy(record.portName, device.portName, sizeof record.portName);
     std::memcpy(record.portId, device.portId, sizeof record.portId);
-    record.state = online ? HX_REMOTE_PORT_ONLINE : HX_REMOTE_PORT_LOST;
+    record.state = online                  ? HX_REMOTE_PORT_ONLINE
+                   : Reaches(port, device) ? HX_REMOTE_PORT_NOT_LOGGED_IN
+                                           : HX_REMOTE_PORT_LOST;
     record.roles = RolesOf(device);
     record.bus = attachment.bus;
     record.target = attachment.target;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/driver_parameter_text.h"
 #include "persist/blocks.h"
 
 namespace vxemu {
@@ -42,6 +43,22 @@ const Record* RecordOf(std::span<const uint8_t> block, const TargetProfile& devi
         }
     }
     return nullptr;
+}
+
+// The digits that a driver parameter's value begins with.
+uint32_t ParameterOf(const StoredConfig& stored, std::string_view name, uint32_t otherwise) {
+    const auto value = frame::FindParameter(stored.parameters, name);
+    if (!value.has_value()) {
+        return otherwise;
+    }
+    uint32_t number = 0;
+    for (const char digit : *value) {
+        if (digit < '0' || digit > '9') {
+            break;
+        }
+        number = 10 * number + static_cast<uint32_t>(digit - '0');
+    }
+    return number;
 }
 
 bool SharesAddress(const Attachment& left, const Attachment& right) {
@@ -145,10 +162,15 @@ void ApplyMasks(const Port& port, const StoredConfig& stored, bool hasTargets) {
 
 }  // namespace
 
-void ApplyStore(const Port& port, const StoredConfig& stored) {
+void ApplyStore(Port& port, const StoredConfig& stored) {
     const bool hasTargets = IsSound(stored);
-    if (hasTargets) {
+    if (hasTargets && ParameterOf(stored, "bind", 1) != 0) {
         Bindings(port, stored.targets).Apply();
+    }
+    port.configRequired = ParameterOf(stored, "configrequired", 0) == 1;
+    for (const TargetProfile& device : port.fabric->profile->targets) {
+        const bool has = hasTargets && RecordOf<HX_TARGET_ENTRY>(stored.targets, device) != nullptr;
+        AttachmentOf(port, device).withheld = port.configRequired && IsTarget(device) && !has;
     }
     if (stored.lunLength == 0 || stored.lunLength != stored.luns.size()) {
         return;
