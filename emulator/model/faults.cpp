@@ -22,6 +22,7 @@ bool FaultRuleValid(const FaultRule& rule) {
         case FaultKind::Busy:
         case FaultKind::LieLength:
         case FaultKind::Corrupt:
+        case FaultKind::Forget:
         case FaultKind::Status:
         case FaultKind::Short:
         case FaultKind::Long:

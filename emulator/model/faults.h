@@ -25,6 +25,7 @@ enum class FaultKind : uint32_t {
     LieLength = 6,  // the reply length is reported as kLyingLength
     Corrupt = 7,    // every byte of the reply data is inverted
     Hang = 8,       // the answer comes `value` milliseconds late
+    Forget = 9,     // answered as ever, but what the port keeps of its own stays as it was
 };
 inline constexpr uint32_t kLyingLength = 0x7FFFFFFF;
 

@@ -5,6 +5,7 @@
 #include "model/exchange.h"
 #include "model/handlers.h"
 #include "model/health/private_counters.h"
+#include "model/port_block.h"
 #include "transport/ext_ioctl.h"
 
 namespace vxemu {
@@ -221,9 +222,17 @@ Completion Model::Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, ui
     if (fault.kind == FaultKind::Hang && delay != nullptr) {
         *delay = fault.value;
     }
-    const Completion completion =
-        plain ? AnswerPlain(target, buffer, inputLength, outputLength, fault, returned)
-              : AnswerExtended(target, buffer, inputLength, outputLength, fault, returned);
+    Completion completion = Completion::Busy;  // when memory is short
+    const auto answer = [&] {
+        completion =
+            plain ? AnswerPlain(target, buffer, inputLength, outputLength, fault, returned)
+                  : AnswerExtended(target, buffer, inputLength, outputLength, fault, returned);
+    };
+    if (fault.kind == FaultKind::Forget) {
+        AndForget(host_, target, answer);
+    } else {
+        answer();
+    }
     CountTime(target);
     if (target.flash->withoutPower) {
         *returned = 0;

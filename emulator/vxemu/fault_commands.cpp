@@ -149,7 +149,8 @@ constexpr Argument kFaultAdd[] = {
     NumberOption("--times", "N", "act N times; 0 = always (0)"),
     {.name = "--do",
      .valueName = "ACTION",
-     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length or corrupt",
+     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length, corrupt or "
+             "forget",
      .required = true},
 };
 constexpr Argument kFaultClear[] = {{.name = "ID",

@@ -24,6 +24,7 @@ constexpr KindRow kKinds[] = {
     {FaultKind::Long, "long", "N", 1, 0xFFFFFFFF},
     {FaultKind::LieLength, "lie-length", nullptr, 0, 0},
     {FaultKind::Corrupt, "corrupt", nullptr, 0, 0},
+    {FaultKind::Forget, "forget", nullptr, 0, 0},
 };
 
 constexpr uint32_t kHighestScsiStatus = 0xFF;

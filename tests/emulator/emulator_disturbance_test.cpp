@@ -1,6 +1,8 @@
 // What disturbs the emulated adapters: events, faults, changes while they run.
 #include "emulator/emulator_model_fixture.h"
 
+#include "statistics/fabric_records.h"
+
 namespace {
 
 using namespace emulator_test;
@@ -139,6 +141,31 @@ TEST_F(EmulatorDisturbance, FaultRulesThatAreRefused) {
         EXPECT_EQ(AddFault({3, 1, 1, 0, 0, FaultKind::Busy, 0, 0}), number + 1);
     }
     EXPECT_EQ(AddFault({3, 1, 1, 0, 0, FaultKind::Busy, 0, 0}), 0u) << "the list is full";
+}
+
+// Answered like a change that was made, and none was.
+TEST_F(EmulatorDisturbance, ForgottenRequestsChangeNothingOfTheirPort) {
+    const auto lab = MakeProfile("lab");
+    statistics::SetQosRequest request = {};
+    request.target.driverType = static_cast<uint16_t>(properties::DriverAddress::PortName);
+    std::memcpy(request.target.address, lab->targets[0].portName, 8);
+    request.qos.levels[2] = HX_QOS_HIGH;
+    const auto set = [&] { return Ask(kNewest, SetLunQos, 256, BytesOf(request)); };
+    const auto level = [&] { return +Ask(kNewest, LunQos, 256, BytesOf(request.target)).data[2]; };
+    const uint32_t id = AddFault({3, kAnyCode, kAnySubCode, 0, 0, FaultKind::Forget, 0, 0});
+    EXPECT_EQ(+set().data.at(2), HX_QOS_HIGH) << "the answer tells of it";
+    Delivery(kNewest, true);
+    EXPECT_EQ(Ask(kNewest, SfpRead, 512, Bytes(512)).completion, Done)
+        << "an EEPROM made meanwhile";
+    host_.failAt = 0;
+    EXPECT_EQ(set().completion, vxemu::Completion::Busy) << "no memory to remember with";
+    host_.failAt = -1;
+    Control(control::kFaultClear, FaultClear{id});
+    EXPECT_EQ(level(), HX_QOS_NONE);
+    EXPECT_EQ(+Status().ports[0].delivery, 0);
+    EXPECT_EQ(+Status().ports[0].faults, 4u);
+    set();
+    EXPECT_EQ(level(), HX_QOS_HIGH);
 }
 
 TEST_F(EmulatorDisturbance, FieldsOfARunningAdapter) {

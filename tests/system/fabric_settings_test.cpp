@@ -75,9 +75,13 @@ TEST_F(SystemFabricSettings, SpeedsAndPrioritiesOfATarget) {
     // Ports that cannot tell do not spoil the list.
     Expect({{"qos get", 0, "/enabled", true}, {set + " none", 0, "/levels/2/luns", "2-254"}});
 
-    // A refusal changes nothing.
-    Fault("scsi:3 --code SetLunQos --do status 6");
+    // A refusal changes nothing, and what is only said to be set is not taken for set.
+    Fault("scsi:3 --code SetLunQos --do status 6 --times 1");
     Expect({{set + " high", 1}, {get, 0, "/levels/0/level", "none"}});
+    Fault("scsi:3 --code SetLunQos --do forget");
+    Fault("scsi:3 --code SetTargetLinkSpeed --do forget");
+    Expect({{set + " high", 9, "/levels/0/level", "none"},
+            {setSpeed + " 8", 9, "/speeds/0/speed_gbit", 32}});
 }
 
 TEST_F(SystemFabricSettings, VirtualPortsAndControllers) {
