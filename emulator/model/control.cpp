@@ -232,9 +232,17 @@ Completion ControlRequest::StartTrace() {
 }
 
 Completion ControlRequest::StopTrace() {
-    const bool running = model_.trace_.Running();
-    model_.trace_.Stop(model_.host_);
-    return ReplyCount(running ? 1 : 0);
+    TraceStop request;
+    if (!Take(request)) {
+        return Completion::ShortBuffer;
+    }
+    Trace& trace = model_.trace_;
+    const bool kept = trace.Kept();
+    trace.End();
+    if (request.drop != 0) {
+        trace.Drop(model_.host_);
+    }
+    return ReplyCount(kept ? 1 : 0);
 }
 
 Completion ControlRequest::ReadTrace() {
@@ -247,14 +255,15 @@ Completion ControlRequest::ReadTrace() {
     const Trace& trace = model_.trace_;
     reply.version = kControlVersion;
     reply.now = model_.host_.Now();
-    if (trace.Running()) {
+    if (trace.Kept()) {
         constexpr uint64_t kRoom = sizeof reply.entries / sizeof reply.entries[0];
-        reply.running = 1;
+        reply.running = trace.Running() ? 1 : 0;
+        reply.kept = 1;
         reply.name = model_.traceName_;
         reply.lost = trace.First();
-        reply.end = trace.End();
+        reply.end = trace.Next();
         reply.first = request.from < trace.First() ? trace.First() : request.from;
-        while (reply.count < kRoom && reply.first + reply.count < trace.End()) {
+        while (reply.count < kRoom && reply.first + reply.count < trace.Next()) {
             reply.entries[reply.count] = trace.At(reply.first + reply.count);
             ++reply.count;
         }

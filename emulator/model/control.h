@@ -46,7 +46,7 @@ inline constexpr uint32_t kFlashCorrupt = ControlCode(28, true);   // FlashSelec
 inline constexpr uint32_t kPowerFail = ControlCode(29, true);      // PowerFailRequest / -
 inline constexpr uint32_t kRaiseCounter = ControlCode(30, true);   // CounterRequest / CountReply
 inline constexpr uint32_t kTraceStart = ControlCode(31, true);     // TraceName / CountReply: 1 done
-inline constexpr uint32_t kTraceStop = ControlCode(32, true);      // - / CountReply
+inline constexpr uint32_t kTraceStop = ControlCode(32, true);      // TraceStop / CountReply: 1 done
 inline constexpr uint32_t kAdapterAdd = ControlCode(33, true);     // AdapterRecord / ChangeReply
 inline constexpr uint32_t kAdapterRemove = ControlCode(34, true);  // PortSelector / ChangeReply
 }  // namespace control
@@ -221,6 +221,10 @@ struct PowerFailRequest {
 };
 static_assert(sizeof(PowerFailRequest) == 8);
 
+// Ends the trace: no request is recorded any more.
+struct TraceStop {
+    uint32_t drop;  // 0: the entries are kept to be read, and no other trace begins until then
+};
 struct TraceSelector {
     uint64_t from;  // number of the first entry that is wanted
 };
@@ -231,8 +235,9 @@ struct TracePiece {
     uint64_t lost;     // that have given way since the start
     uint64_t end;      // number that the next request gets
     uint64_t now;      // of the clock of the entries
-    uint8_t running;
-    uint8_t reserved41[7];
+    uint8_t running;   // 1: takes requests
+    uint8_t kept;      // 1: has entries, running or ended
+    uint8_t reserved42[6];
     TraceName name;
     TraceEntry entries[256];
 };

@@ -104,7 +104,7 @@ void Model::Destroy(Model* model) {
         }
     };
     model->fabric_.store.Clear(host);
-    model->trace_.Stop(host);
+    model->trace_.Drop(host);
     for (Port* port : model->ports_) {
         if (port != nullptr) {
             release(port->eeprom);

@@ -3,28 +3,28 @@
 namespace vxemu {
 
 bool Trace::Start(const Host& host) {
-    if (Running()) {
+    if (Kept()) {
         return false;
     }
-    end_ = 0;
+    next_ = 0;
+    ended_ = false;
     entries_ =
         static_cast<TraceEntry*>(host.allocate(host.context, kTraceEntries * sizeof(TraceEntry)));
-    return Running();
+    return Kept();
 }
 
-uint64_t Trace::Stop(const Host& host) {
-    if (Running()) {
+void Trace::Drop(const Host& host) {
+    if (Kept()) {
         host.release(host.context, entries_);
         entries_ = nullptr;
     }
-    return end_;
 }
 
 // Requests of several ports are served at the same time.
 void Trace::Add(const Host& host, const TraceEntry& entry) {
     host.Together([&] {
-        entries_[end_ % kTraceEntries] = entry;
-        return ++end_;
+        entries_[next_ % kTraceEntries] = entry;
+        return ++next_;
     });
 }
 

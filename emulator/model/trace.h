@@ -36,23 +36,26 @@ struct TraceName {
 // Zero is the trace that is off.
 class Trace {
   public:
-    bool Running() const { return entries_ != nullptr; }
+    // While it runs it takes requests; once it has ended it keeps them until they are dropped.
+    bool Running() const { return entries_ != nullptr && !ended_; }
+    bool Kept() const { return entries_ != nullptr; }
 
-    // False when it runs already, or there is no memory.
+    // False when one is kept already, or there is no memory.
     bool Start(const Host& host);
-    // Returns how many requests there have been.
-    uint64_t Stop(const Host& host);
+    void End() { ended_ = true; }
+    void Drop(const Host& host);
 
     void Add(const Host& host, const TraceEntry& entry);
 
-    // Entries are numbered from 0 on: those kept are First() up to, but not, End().
-    uint64_t End() const { return end_; }
-    uint64_t First() const { return end_ > kTraceEntries ? end_ - kTraceEntries : 0; }
+    // Entries are numbered from 0 on: those kept are First() up to, but not, Next().
+    uint64_t Next() const { return next_; }
+    uint64_t First() const { return next_ > kTraceEntries ? next_ - kTraceEntries : 0; }
     const TraceEntry& At(uint64_t number) const { return entries_[number % kTraceEntries]; }
 
   private:
     TraceEntry* entries_;
-    uint64_t end_;
+    uint64_t next_;
+    bool ended_;
 };
 
 }  // namespace vxemu

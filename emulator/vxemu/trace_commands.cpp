@@ -24,6 +24,7 @@ struct TracedRequest {
 
 struct TraceContent {
     bool running = false;
+    bool kept = false;  // running or ended
     std::string file;
     uint64_t lost = 0;
     std::vector<TracedRequest> requests;
@@ -102,7 +103,7 @@ const Fields<TracedRequest> kTracedFields = {
 const Fields<TraceContent> kTraceFields = {
     {"running", "Running", kFlag, &TraceContent::running},
     {"file", "File", kText.OrNull(),
-     [](const TraceContent& c) { return c.running ? std::optional(c.file) : std::nullopt; }},
+     [](const TraceContent& c) { return c.kept ? std::optional(c.file) : std::nullopt; }},
     {"lost", "Requests lost", kCounter, &TraceContent::lost},
     {"requests", "Requests", kTracedFields,
      [](const TraceContent& c) { return std::span<const TracedRequest>(c.requests); },
@@ -131,6 +132,7 @@ TraceContent ReadTrace(RunningDriver& driver) {
         const auto now = std::chrono::system_clock::now();
         const uint32_t count = std::min<uint32_t>(piece->count, std::size(piece->entries));
         content.running = piece->running != 0;
+        content.kept = piece->kept != 0;
         content.file =
             std::string(piece->name.file, strnlen(piece->name.file, sizeof piece->name.file));
         content.lost = piece->lost;
@@ -192,8 +194,9 @@ ExitCode RunTraceStart(Invocation& invocation) {
     RunningDriver driver(invocation, true);
     if (!invocation.DryRun()) {
         if (driver.SendForCount(control::kTraceStart, name, "trace start") == 0) {
-            invocation.Fail(ExitCode::Failed, "a trace runs already, or there is no memory for one",
-                            "see `vxemu trace show`, end it with `vxemu trace stop`");
+            invocation.Fail(ExitCode::Failed,
+                            "there is a trace already, or there is no memory for one",
+                            "see `vxemu trace show`, write it with `vxemu trace stop`");
         }
         invocation.Changed();
     }
@@ -203,22 +206,27 @@ ExitCode RunTraceStart(Invocation& invocation) {
 
 ExitCode RunTraceStop(Invocation& invocation) {
     RunningDriver driver(invocation, true);
+    // It ends first, so that what is read is all of it, and is dropped once the file has it.
+    if (!invocation.DryRun()) {
+        driver.SendForCount(control::kTraceStop, TraceStop{0}, "trace stop");
+    }
     const TraceContent content = ReadTrace(driver);
-    if (!content.running) {
+    if (!content.kept) {
         invocation.Fail(ExitCode::NotFound, "no trace runs", "start one with `vxemu trace start`");
     }
     if (!invocation.DryRun()) {
-        // The file first: what cannot be written is still in the driver.
         std::ofstream file(TracePath(content.file), std::ios::binary | std::ios::trunc);
         for (const TracedRequest& traced : content.requests) {
             file << LineOf(traced) << '\n';
         }
         file.close();
         if (!file) {
-            invocation.Fail(ExitCode::Failed, content.file + ": cannot be written",
-                            "the trace goes on; `vxemu trace show --json` has it");
+            invocation.Fail(
+                ExitCode::Failed, content.file + ": cannot be written",
+                "the driver keeps the requests: `vxemu trace show --json` prints them, and "
+                "`vxemu trace stop` tries again");
         }
-        driver.SendForCount(control::kTraceStop, TraceSelector{}, "trace stop");
+        driver.SendForCount(control::kTraceStop, TraceStop{1}, "trace stop");
         invocation.Changed();
     }
     invocation.Result() =

@@ -74,10 +74,23 @@ TEST_F(EmulatorTrace, RecordsRequestsOfEveryKindAndHowTheyEnded) {
     EXPECT_EQ(later->entries[0].scsiPort, 4u);
     EXPECT_EQ(Read(later->end - 1)->count, 1u);
     EXPECT_EQ(Read(later->end + 5)->count, 0u);
-    uint32_t stopped = 0;
-    EXPECT_EQ(Control(control::kTraceStop, TargetSelector{}, &stopped), Done);
-    EXPECT_EQ(stopped, 1u);
+
+    // Ended: nothing comes any more, and what has come can still be read.
+    const auto stop = [&](uint32_t drop) {
+        uint32_t stopped = 9;
+        EXPECT_EQ(Control(control::kTraceStop, vxemu::TraceStop{drop}, &stopped), Done);
+        return stopped;
+    };
+    EXPECT_EQ(stop(0), 1u);
     Ask(kNewest, PortProperties, 256);
+    const auto ended = Read(later->end - 1);
+    EXPECT_EQ(ended->count, 1u);
+    EXPECT_EQ(ended->running, 0);
+    EXPECT_EQ(ended->kept, 1);
+    EXPECT_FALSE(Start()) << "this one is not written yet";
+    EXPECT_EQ(stop(1), 1u);
+    EXPECT_EQ(stop(0), 0u);
+    EXPECT_EQ(Read()->kept, 0);
     EXPECT_EQ(Read()->count, 0u);
     ASSERT_TRUE(Start()) << "and Destroy releases it";
     EXPECT_EQ(Read()->end, 0u);
