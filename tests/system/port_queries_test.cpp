@@ -40,6 +40,10 @@ TEST_F(SystemPortQueries, LedsOfAllPortsOfAnAdapterBlink) {
     });
     EXPECT_EQ(2, ExitOf("adapter locate on")) << "one adapter at a time";
     EXPECT_EQ(0, ExitOf("adapter locate show")) << "one that has none is told, not a failure";
+    Fault("scsi:4 --code NodeProperties --do forget");
+    Expect({{"adapter locate on" + newest, 9, "/beacons/1/on", false},
+            {"adapter locate off" + newest, 0, "/beacons/0/on", false}});
+    ASSERT_EQ(0u, Vxemu("fault clear").exit);
     ASSERT_EQ(0u, Vxemu("port set scsi:4 beacon_supported=0").exit);
     const json document = Document("adapter locate on" + newest);
     EXPECT_EQ(11, document["exit"]);
@@ -126,7 +130,9 @@ TEST_F(SystemPortQueries, RemotePortsAreListedWithTheirLinks) {
 
 TEST_F(SystemPortQueries, LockdownRecoveryAndParametersAreShown) {
     ASSERT_EQ(0u, Vxemu("lockdown scsi:3 on").exit);
-    Expect({{"port lockdown -p scsi:4", 0, "/lockdowns/0/locked_down", true}});
+    Expect({{"port lockdown -p scsi:4", 0, "/lockdowns/0/locked_down", true},
+            {"port lockdown -p scsi:4 --redact", 0, "/lockdowns/0/locked_down", true},
+            {"port lockdown -p scsi:4 --redact", 0, "/lockdowns/0/state", nullptr}});
     ASSERT_EQ(0u, Vxemu("lockdown scsi:3 off").exit);
     Expect({
         {"port lockdown", 0, "/lockdowns/0/locked_down", false},

@@ -10,6 +10,7 @@ namespace {
 
 struct Lockdown {
     bool lockedDown;
+    bool masked;  // nobody knows whom the bytes name, so they are left out where names are masked
     uint8_t state[64];
 };
 
@@ -29,8 +30,10 @@ const Fields<LockdownRow> kLockdownRow = {
      "the firmware refuses changes of flash and settings; null: it does not tell"},
     {"state", "State", kText.OrNull(),
      Of(&LockdownRow::lockdown,
-        [](const Lockdown& lockdown) { return HexDigits(BytesOf(lockdown.state)); }),
-     "what the firmware says of it: bytes whose meaning is its own"},
+        [](const Lockdown& lockdown) {
+            return lockdown.masked ? std::string() : HexDigits(BytesOf(lockdown.state));
+        }),
+     "what the firmware says of it: bytes whose meaning is its own; null with --redact"},
     {PortStatus(), &LockdownRow::port},
 };
 const auto kLockdownList = ListOf("lockdowns", "Lockdowns", kLockdownRow, "No ports.");
@@ -55,6 +58,9 @@ ExitCode PortLockdown(Invocation& invocation) {
     std::vector<LockdownRow> rows;
     for (const auto& one : answers) {
         rows.push_back({one.port, one.answer});
+        if (rows.back().lockdown) {
+            rows.back().lockdown->masked = invocation.Names().Enabled();
+        }
     }
     invocation.Result() = kLockdownList.Make(rows);
     return exit;
