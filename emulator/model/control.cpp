@@ -4,6 +4,7 @@
 #include "model/bytes/bytes.h"
 #include "model/control_request.h"
 #include "model/health/counter_keys.h"
+#include "model/health/scm.h"
 #include "model/storage/flash_start.h"
 
 namespace vxemu {
@@ -113,6 +114,7 @@ Completion ControlRequest::ChangeField() {
     if (port->LinkUp() != linkBefore) {
         NoteLink(*port);
     }
+    LookAtThrottle(*port);
     return applied ? ReplyCount(1) : Completion::ShortBuffer;
 }
 

@@ -182,6 +182,10 @@ TEST_F(EmulatorHealth, CongestionIsToldAndThrottles) {
     EXPECT_EQ(start.warningInterval, 1000u);
     EXPECT_EQ(start.lastEvent, HX_NOT_COUNTED);
     EXPECT_EQ(start.allowedPercent, 100);
+    ASSERT_EQ(Raise("credit_stall", 0), Done);
+    ASSERT_EQ(Raise("alarm_signals", 0), Done);
+    EXPECT_EQ(Scm().severity, 0) << "none came";
+    EXPECT_EQ(Scm().lastEvent, HX_NOT_COUNTED);
     ASSERT_EQ(Raise("credit_stall", 2), Done);
     host_.clock += 3000;
     EXPECT_EQ(Scm().severity, 1);
@@ -218,6 +222,14 @@ TEST_F(EmulatorHealth, CongestionIsToldAndThrottles) {
     Link(3, 0);
     EXPECT_EQ(Scm().state, 8u);
     EXPECT_EQ(Scm().alarmInterval, 0u);
+    // Whatever ends the throttling ends the counting.
+    Link(3, 1);
+    ASSERT_EQ(Raise("lost_credit", 1), Done);
+    host_.clock += 2000;
+    Set(3, "scm", 0);
+    host_.clock += 50'000;
+    Set(3, "scm", 1);
+    EXPECT_EQ(Scm().throttledSeconds, 2u);
     Set(3, "scm", 0);
     for (const uint32_t port : {kNewest, kLargeRom}) {
         EXPECT_EQ(Ask(port, ScmStatistics, 512).Status(), UnsupportedSubCode);
@@ -325,6 +337,9 @@ TEST_F(EmulatorHealth, TemperatureMovesAndIsRemembered) {
     EXPECT_EQ(RunMailbox(MailboxCommand::BoardTemperature, {}, kLargeRom)[0], 0x4000);
     StartClassic();
     EXPECT_EQ(RunMailbox(MailboxCommand::BoardTemperature, {}, kLegacy)[0], 0x4001);
+    Set(3, "temperature", 0);
+    host_.clock = 90'000;  // the lowest point
+    EXPECT_EQ(sample()[5], static_cast<uint16_t>(-3 * 256)) << "highest so far, below zero";
 }
 
 TEST_F(EmulatorHealth, RegistersKeepWhatIsWrittenUntilAReset) {
@@ -334,9 +349,13 @@ TEST_F(EmulatorHealth, RegistersKeepWhatIsWrittenUntilAReset) {
     };
     EXPECT_EQ(RunMailbox(ReadSerdesRegister, {0})[1], 0x7740);
     EXPECT_EQ(RunMailbox(WriteSerdesRegister, {0x10, 700})[0], 0x4000);
-    EXPECT_EQ(RunMailbox(WriteLaneRegister, {3, 0x3F, 0, 0x5678, 0x1234})[0], 0x4000);
-    EXPECT_EQ(RunMailbox(ReadLaneRegister, {3, 0x3F, 0})[2], 0x1234);
-    EXPECT_EQ(RunMailbox(ReadLaneRegister, {2, 0x3F, 0})[2], 0);
+    EXPECT_EQ(RunMailbox(WriteLaneRegister, {3, 0x24, 0, 0x5678, 0x1234})[0], 0x4000);
+    EXPECT_EQ(RunMailbox(ReadLaneRegister, {3, 0x24, 0})[2], 0x1234);
+    EXPECT_EQ(RunMailbox(ReadLaneRegister, {2, 0x24, 0})[2], 0);
+    for (const uint16_t holdsNothing : {0x02, 0x0F, 0x14, 0x1F, 0x25, 0x3F}) {
+        EXPECT_EQ(RunMailbox(WriteSerdesRegister, {holdsNothing, 1})[0], 0x4000);
+        EXPECT_EQ(RunMailbox(ReadSerdesRegister, {holdsNothing})[1], 0) << holdsNothing;
+    }
     EXPECT_EQ(eye(0).txAmplitude, 700);
     EXPECT_LE(eye(0).eyeHeight, 20);
     EXPECT_GE(eye(0).eyeHeight, 16);

@@ -58,6 +58,7 @@ struct Signals {
 
 // What the board of an adapter has measured when it was asked.
 struct Board {
+    bool asked;
     int32_t highest;  // 1/256 degree
     uint64_t askedAt;
     uint64_t millisecondsAbove;  // the warning limit

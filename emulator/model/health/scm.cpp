@@ -117,6 +117,9 @@ void LookAtThrottle(Port& port) {
 }
 
 void TakeFpins(Port& port, const TargetProfile* about, uint32_t offset, uint64_t n) {
+    if (n == 0) {
+        return;
+    }
     const uint64_t now = port.fabric->host.Now();
     CongestionState& congestion = port.congestion;
     if (about != nullptr) {
@@ -135,6 +138,9 @@ void TakeFpins(Port& port, const TargetProfile* about, uint32_t offset, uint64_t
 }
 
 void TakeSignals(Port& port, uint32_t offset, uint64_t n) {
+    if (n == 0) {
+        return;
+    }
     CongestionState& congestion = port.congestion;
     congestion.lastEvent = port.fabric->host.Now();
     if (offset == offsetof(CongestionState, alarmSignals)) {

@@ -21,7 +21,7 @@ using transport::DriverStatus;
 using transport::MailboxRequest;
 using enum RequestFlags;
 
-// Of a lane. The chip tells the first two; others than those named hold nothing.
+// Of a lane. The chip tells the first two; others than those named take any value and hold none.
 enum LaneRegister : uint32_t {
     kDeviceId = 0x00,
     kLocked = 0x01,
@@ -31,6 +31,7 @@ enum LaneRegister : uint32_t {
     kPost = 0x13,
     kCtle = 0x20,
     kDfe = 0x21,  // four
+    kLastDfe = 0x24,
 };
 constexpr uint32_t kFirstWritable = 0x02;
 
@@ -77,7 +78,9 @@ MailboxCompletion WriteLane(Port& port, uint32_t lane, uint32_t address, uint32_
     if (lane >= kSerdesLanes || address < kFirstWritable || address >= kSerdesRegisters) {
         return MailboxCompletion::BadParameter;
     }
-    port.signals.lanes[lane][address] = value;
+    const bool holds =
+        (address >= kAmplitude && address <= kPost) || (address >= kCtle && address <= kLastDfe);
+    port.signals.lanes[lane][address] = holds ? value : 0;
     return MailboxCompletion::Done;
 }
 

@@ -44,7 +44,8 @@ Board Sample(const Port& port, int32_t now, int32_t warning) {
         }
         board.above = above;
         board.askedAt = clock;
-        board.highest = std::max(board.highest, now);
+        board.highest = board.asked ? std::max(board.highest, now) : now;
+        board.asked = true;
         return board;
     });
 }
