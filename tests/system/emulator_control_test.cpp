@@ -1,5 +1,8 @@
 // vxemu on the running driver, as vxmgr and other processes see it: adapters that come and go,
 // counters that are raised, traces.
+#include <map>
+#include <sstream>
+
 #include "emulated_driver.h"
 #include "frame/owned.h"
 #include "transport/ext_ioctl.h"
@@ -103,6 +106,95 @@ TEST_F(SystemEmulatorControl, AdaptersComeAndGo) {
     }
     Expect("adapter remove scsi:4", 8);
     EXPECT_EQ(" 3 4", ScsiPorts());
+}
+
+TEST_F(SystemEmulatorControl, RaisedCountersAreRead) {
+    const std::string array = " -t 2b:00:02:45:4d:00:01:00";
+    const auto reading = [](const std::string& kind) {
+        const json document = Document("port stats -p scsi:3 --kind " + kind);
+        EXPECT_EQ(0, document["exit"]) << document["messages"];
+        return document["result"].at("/readings/0");
+    };
+    const int64_t before = reading("link" + array)["invalid_crcs"].number();
+    Expect("stats bump scsi:3 invalid_crcs 5", 0, "/by", 5);
+    Expect("stats bump 3 invalid_crcs 4" + array, 0);
+    Expect("stats bump scsi:3 fcp.input_bytes 5000000000", 0);
+    EXPECT_EQ(5, reading("link")["invalid_crcs"]);
+    EXPECT_EQ(before + 4, reading("link" + array)["invalid_crcs"].number());
+    EXPECT_EQ(5000000000, reading("traffic").at("/traffic/fcp/input_bytes").number());
+    Expect("stats bump scsi:3 no_such_counter 1", 2);
+    Expect("stats bump scsi:3 interrupts 1" + array, 2);
+    Expect("stats bump scsi:5 invalid_crcs 1", 3);
+
+    EXPECT_EQ("none", reading("scm").at("/scm/severity"));
+    Expect("scm scsi:3 credit_stall 2", 0);
+    Expect("scm scsi:3 warning_signals 7", 0);
+    Expect("scm scsi:3 link_failure" + array, 0);
+    json scm = reading("scm")["scm"];
+    EXPECT_EQ("warning", scm["severity"]);
+    EXPECT_EQ(2, scm.at("/fpin/credit_stall"));
+    EXPECT_EQ(7, scm["warning_signals"]);
+    EXPECT_EQ(1, scm.at("/peers/link_failure"));
+    EXPECT_TRUE(scm["last_event_s"].is_number()) << scm;
+    EXPECT_EQ(1, reading("scm" + array).at("/scm/fpin/link_failure"));
+    Expect("scm scsi:3 alarm_signals", 0);
+    EXPECT_EQ("alarm", reading("scm").at("/scm/severity"));
+    Expect("scm scsi:3 congestion_cleared", 0);
+    EXPECT_EQ("none", reading("scm").at("/scm/severity"));
+    EXPECT_EQ(0, ExitOf("port stats clear -p scsi:3"));
+    EXPECT_EQ(0, reading("scm").at("/scm/fpin/credit_stall"));
+    Expect("scm scsi:3 invalid_crcs", 2);
+}
+
+TEST_F(SystemEmulatorControl, TracesHaveEveryRequest) {
+    const auto served = [](const char* port) { return PortStatus(port)["requests"].number(); };
+    Expect("trace stop", 3);
+    std::map<std::string, int64_t> asked = {{"scsi:3", -served("scsi:3")},
+                                            {"scsi:9", -served("scsi:9")}};
+    Expect("trace start" + Quoted("requests.jsonl"), 0);
+    Expect("trace start" + Quoted("other.jsonl"), 1);
+    EXPECT_EQ(0, ExitOf("port show -p scsi:3"));
+    EXPECT_EQ(0, ExitOf("target list -p scsi:9"));
+    for (auto& [port, count] : asked) {
+        count += served(port.c_str());
+        EXPECT_GT(count, 5);
+    }
+    const json shown = VxemuDocument("trace show")["result"];
+    EXPECT_EQ(true, shown["running"]);
+    EXPECT_GE(shown["requests"].size(), static_cast<size_t>(asked["scsi:3"] + asked["scsi:9"]));
+    Expect("trace stop --dry-run", 0);
+    Expect("trace stop", 0, "/lost", 0);
+
+    std::istringstream lines(support::TextOfFile(File("requests.jsonl")));
+    bool version2 = false;
+    bool plain = false;
+    for (std::string text; std::getline(lines, text);) {
+        const json line = json::Parse(text);
+        const std::string port = line["port"].text();
+        if (asked.count(port) != 0) {
+            --asked[port];
+        }
+        EXPECT_EQ("done", line["completion"]) << line;
+        version2 |= port == "scsi:3" && line["request"] == "PortPropertiesV2";
+        plain |= port == "scsi:9" && line["request"] == "LegacyQuery" && line["status"] == nullptr;
+    }
+    EXPECT_EQ(0, asked["scsi:3"]);
+    EXPECT_EQ(0, asked["scsi:9"]);
+    EXPECT_TRUE(version2);
+    EXPECT_TRUE(plain);
+
+    // What cannot be written is kept until it can.
+    Expect("trace start" + Quoted("missing\\requests.jsonl"), 0);
+    EXPECT_EQ(0, ExitOf("port show -p scsi:3"));
+    Expect("trace stop", 1);
+    Expect("trace show", 0, "/running", false);
+    Expect("trace start" + Quoted("other.jsonl"), 1);
+    std::filesystem::create_directory(folder_ / "missing");
+    EXPECT_EQ(0, ExitOf("port show -p scsi:3"));
+    const int64_t kept =
+        static_cast<int64_t>(VxemuDocument("trace show")["result"]["requests"].size());
+    Expect("trace stop", 0, "/requests", kept);
+    Expect("trace stop", 3);
 }
 
 }  // namespace
