@@ -153,6 +153,16 @@ TEST(EmulatorAccess, RequestsOfAllPortsAtOnce) {
             const vxemu::LinkRequest link = {3, i % 2};
             control(vxemu::control::kSetLink, &link, sizeof link, buffer);
             control(vxemu::control::kStatus, &link, 0, buffer);
+            if (i % 64 == 0) {
+                // A card that comes and goes leaves the others where they are.
+                vxemu::AdapterRecord card = {};
+                card.portCount = 2;
+                vxemu::FillAdapter(0x7740, 20, card.adapter, {card.ports, card.portCount});
+                card.ports[0].scsiPort = 20;
+                control(vxemu::control::kAdapterAdd, &card, sizeof card, buffer);
+                const vxemu::PortSelector out = {20};
+                control(vxemu::control::kAdapterRemove, &out, sizeof out, buffer);
+            }
         }
     });
     for (std::thread& thread : threads) {

@@ -30,7 +30,7 @@ class Watcher {
             return started != ExitCode::Done ? started : ExitCode::NotSupported;
         }
         invocation_.Progress("watching " + std::to_string(places_.size()) + " " + plan_.what +
-                             "; Ctrl-C ends");
+                             (places_.size() == 1 ? "" : "s") + "; Ctrl-C ends");
         invocation_.BeginStream(list.key, list.label, PrototypeOf(list.children), "");
         for (uint64_t turn = 0; turn < plan_.turns && CountLive() != 0; ++turn) {
             const bool last = (turn != 0 || plan_.waitsFirst) && Wait();

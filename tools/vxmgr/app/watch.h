@@ -30,7 +30,7 @@ struct WatchedPort {
 };
 
 struct WatchPlan {
-    const char* what;  // is watched, in the plural
+    const char* what;  // is watched, in the singular
     std::chrono::milliseconds interval;
     bool waitsFirst = false;      // there is nothing to tell before the first interval is over
     uint64_t turns = UINT64_MAX;  // to end after

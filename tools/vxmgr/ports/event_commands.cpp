@@ -226,7 +226,7 @@ ExitCode EventWatch(Invocation& invocation) {
     }
     const ExitCode exit = ReportFailures(invocation, counted);
     return WatchPorts(invocation,
-                      {.what = "ports",
+                      {.what = "port",
                        .interval = std::chrono::milliseconds(250),
                        .rows = invocation.Given().Number("count").value_or(UINT64_MAX)},
                       std::move(watched), exit);

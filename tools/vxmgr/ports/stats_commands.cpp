@@ -204,7 +204,7 @@ ExitCode PortStats(Invocation& invocation) {
         invocation.Result() = list.Make(readings);
         return exit;
     }
-    WatchPlan plan = GivenPlan(invocation, "ports");
+    WatchPlan plan = GivenPlan(invocation, "port");
     plan.waitsFirst = delta;
     plan.list = list.ShapeOfAll().front();
     return WatchPorts(invocation, plan, std::move(watched), exit);

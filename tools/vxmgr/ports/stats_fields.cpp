@@ -157,10 +157,10 @@ const Fields<ScmReading> kScmFields([] {
                                     : Value::Number(reading.record.allowedPercent, "%");
                      },
                      "of the bandwidth, now", 7},
-                    {"warning_interval_ms", "Interval of warning signals", kInteger.OrNull(),
+                    {"warning_interval_ms", "Interval of warning signals", Integer("ms").OrNull(),
                      OwnNumber<&HX_SCM_STATISTICS::warningInterval>,
                      "agreed with the attached port; 0: none"},
-                    {"alarm_interval_ms", "Interval of alarm signals", kInteger.OrNull(),
+                    {"alarm_interval_ms", "Interval of alarm signals", Integer("ms").OrNull(),
                      OwnNumber<&HX_SCM_STATISTICS::alarmInterval>,
                      "agreed with the attached port; 0: none"},
                     {"fpin", "FPINs about this port", kFpinFields,

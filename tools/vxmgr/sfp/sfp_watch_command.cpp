@@ -77,7 +77,7 @@ ExitCode SfpWatch(Invocation& invocation) {
             }
             return HX_STATUS{HXMGT_SUCCESS};
         });
-    return WatchPorts(invocation, GivenPlan(invocation, "transceivers"), std::move(watched),
+    return WatchPorts(invocation, GivenPlan(invocation, "transceiver"), std::move(watched),
                       started);
 }
 
