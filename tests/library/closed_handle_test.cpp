@@ -82,6 +82,12 @@ TEST_F(ClosedHandleTest, InsideTheDriver) {
         }
     }
     EXPECT_GE(closed, 400u) << "calls no longer get as far as they did";
+    // A watchdog that found its handle closed has left its lock held.
+    for (const uint32_t scsiPort : {3u, 6u, 9u}) {
+        uint32_t handle = 0;
+        ASSERT_EQ(0u, HXOpenScsiPort(scsiPort, &handle));
+        HXEndFlashUpdate(handle, 0, GetCurrentProcessId());
+    }
     SharedView<frame::EventArea> area(kEventAreaName);
     for (uint32_t adapter = 0; adapter < HX_MAX_SCSI_PORTS; ++adapter) {
         // Of handles that were closed before they could be disabled.
