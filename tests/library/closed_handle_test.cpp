@@ -57,6 +57,7 @@ TEST_F(ClosedHandleTest, InsideTheDriver) {
     const auto control = RedirectLibrary("DeviceIoControl", &ControlAndClose);
     constexpr uint32_t kMostRequests = 12;  // of one call; what comes later is more of the same
     uint32_t closed = 0;
+    ArgumentMemory memory(2 << 20);
     // Drivers of three generations.
     for (const uint32_t scsiPort : {3u, 6u, 9u}) {
         registry.SetText("HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port " + std::to_string(scsiPort),
@@ -67,7 +68,7 @@ TEST_F(ClosedHandleTest, InsideTheDriver) {
                              ", closed behind request " + std::to_string(behind));
                 uint32_t handle = 0;
                 ASSERT_EQ(0u, HXOpenScsiPort(scsiPort, &handle));
-                ArgumentMemory memory(2 << 20);
+                memory.Clear();
                 closing.handle = handle;
                 closing.requests = behind;
                 call.run(handle, memory.All());

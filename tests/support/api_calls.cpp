@@ -1,6 +1,7 @@
 #include "support/api_calls.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace support {
 
@@ -8,7 +9,7 @@ ArgumentMemory::ArgumentMemory(size_t bytes, uint8_t fill)
     : first_(bytes, fill), second_(bytes, fill) {}
 
 Arguments ArgumentMemory::All() {
-    return {Pointer(first_.data()), Pointer(second_.data()), Pointer(&length_), Pointer(&target_),
+    return {Pointer(first_.data()), Pointer(second_.data()), Pointer(length_), Pointer(&target_),
             Pointer(block_)};
 }
 
@@ -26,6 +27,14 @@ bool ArgumentMemory::Holds(uint8_t fill) const {
     const auto isFill = [fill](uint8_t byte) { return byte == fill; };
     return std::all_of(first_.begin(), first_.end(), isFill) &&
            std::all_of(second_.begin(), second_.end(), isFill);
+}
+
+void ArgumentMemory::Clear() {
+    memset(first_.data(), 0, first_.size());
+    memset(second_.data(), 0, second_.size());
+    memset(length_, 0, sizeof length_);
+    target_ = {HX_ADDRESS_BUS_TARGET, {}, 0};
+    memset(block_, 0, sizeof block_);
 }
 
 namespace {

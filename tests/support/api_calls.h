@@ -23,7 +23,7 @@ class Pointer {
     void* at_;
 };
 
-// Two buffers, a length by address, a destination and a command block.
+// Two buffers, a length or small record by address, a destination and a command block.
 struct Arguments {
     Pointer a, b, length, target, block;
 };
@@ -37,10 +37,12 @@ class ArgumentMemory {
     // The one of the letter is null: a, b, l, t or c.
     Arguments Without(char letter);
     bool Holds(uint8_t fill) const;
+    // All zero, as it was made.
+    void Clear();
 
   private:
     std::vector<uint8_t> first_, second_;
-    uint32_t length_ = 0;
+    uint32_t length_[16] = {};
     HX_SCSI_ADDRESS target_ = {HX_ADDRESS_BUS_TARGET, {}, 0};
     uint8_t block_[16] = {};
 };
