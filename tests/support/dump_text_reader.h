@@ -64,27 +64,26 @@ inline constexpr std::string_view kDumpTitles =
     "AT0 Array registers|Queue Control registers|FB Hardware registers|Code RAM|"
     "External Memory|Extended Trace Buffer|FCE Trace Buffer|Request Queue|Priority Queue|"
     "Response Queue";
-inline const std::map<std::string_view, std::pair<DumpShape, uint32_t>> kDumpShapes = {
-    {"HCCR Register", {DumpShape::One, 0}},
-    {"R2H Status Register", {DumpShape::One, 0}},
-    {"PCIe registers", {DumpShape::Four, 0}},
-    {"Shadow registers", {DumpShape::SevenOrEight, 0}},
-    {"Mailbox Registers", {DumpShape::Halves, 0}},
-    {"Code RAM", {DumpShape::Addressed, 0x20000}},
-    {"External Memory", {DumpShape::Addressed, 0x100000}},
-    {"Extended Trace Buffer", {DumpShape::Trace, 0}},
-    {"FCE Trace Buffer", {DumpShape::Fce, 0}},
-    {"Request Queue", {DumpShape::Queues, 0}},
-    {"Priority Queue", {DumpShape::Queues, 0}},
-    {"Response Queue", {DumpShape::Queues, 0}}};
-
 inline const std::vector<DumpSection> kDumpSections = [] {
+    const std::map<std::string_view, std::pair<DumpShape, uint32_t>> shapes = {
+        {"HCCR Register", {DumpShape::One, 0}},
+        {"R2H Status Register", {DumpShape::One, 0}},
+        {"PCIe registers", {DumpShape::Four, 0}},
+        {"Shadow registers", {DumpShape::SevenOrEight, 0}},
+        {"Mailbox Registers", {DumpShape::Halves, 0}},
+        {"Code RAM", {DumpShape::Addressed, 0x20000}},
+        {"External Memory", {DumpShape::Addressed, 0x100000}},
+        {"Extended Trace Buffer", {DumpShape::Trace, 0}},
+        {"FCE Trace Buffer", {DumpShape::Fce, 0}},
+        {"Request Queue", {DumpShape::Queues, 0}},
+        {"Priority Queue", {DumpShape::Queues, 0}},
+        {"Response Queue", {DumpShape::Queues, 0}}};
     std::vector<DumpSection> sections;
     for (std::string_view rest = kDumpTitles; !rest.empty();) {
         const std::string_view title = rest.substr(0, rest.find('|'));
-        const auto shape = kDumpShapes.find(title);
+        const auto shape = shapes.find(title);
         sections.push_back({title, DumpShape::Eight, 0});
-        if (shape != kDumpShapes.end()) {
+        if (shape != shapes.end()) {
             std::tie(sections.back().shape, sections.back().address) = shape->second;
         }
         rest.remove_prefix(std::min(rest.size(), title.size() + 1));

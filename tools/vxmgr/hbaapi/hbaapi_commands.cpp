@@ -93,7 +93,7 @@ std::vector<HbaAdapter> ReadAdapters(Invocation& invocation,
                                      const std::shared_ptr<VendorLibrary>& library,
                                      std::span<const HBA_UINT32> indexes, HbaDepth depth) {
     constexpr size_t kAtATime = 8;
-    constexpr std::chrono::seconds kAdapterTime{60};
+    static constexpr std::chrono::seconds kAdapterTime{60};
     std::vector<HbaAdapter> adapters;
     while (!indexes.empty()) {
         const auto some = indexes.first(std::min(kAtATime, indexes.size()));

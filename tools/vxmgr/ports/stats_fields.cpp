@@ -272,12 +272,12 @@ const Fields<HX_PORT_STATISTICS>& LinkFields() {
 
 // A driver may know fewer counters than there are today.
 const Fields<HX_PRIVATE_STATISTICS>& PrivateFields() {
-    using Driver = HX_PRIVATE_STATISTICS;
-    static const Fields<Driver> kFields([] {
-        std::vector<FieldRow<Driver>> rows;
+    using Private = HX_PRIVATE_STATISTICS;
+    static const Fields<Private> kFields([] {
+        std::vector<FieldRow<Private>> rows;
         for (size_t i = 0; i < PrivateCounters().size(); ++i) {
-            const Counter<Driver>& counter = PrivateCounters()[i];
-            const auto value = [i, &counter](const Driver& record) {
+            const Counter<Private>& counter = PrivateCounters()[i];
+            const auto value = [i, &counter](const Private& record) {
                 return i <= record.counters ? CountValue(CounterOf(record, counter), counter.unit)
                                             : Value();
             };
