@@ -1,8 +1,14 @@
-# Which linker a cross build with GCC uses. VXMGMT_LLD=OFF takes the compiler's own.
+# Which linker a cross build with GCC uses, and how it lays files out. VXMGMT_LLD=OFF takes the
+# compiler's own.
 find_program(VXMGMT_LLD_PROGRAM ld.lld)
 if(VXMGMT_LLD_PROGRAM)
     option(VXMGMT_LLD "Link with lld" ON)
 endif()
 if(VXMGMT_LLD AND CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     add_link_options("SHELL:-wrapper ${CMAKE_CURRENT_LIST_DIR}/link-with-lld.sh")
+endif()
+# Wine maps what lies on pages of a file and copies everything else, debug information too, at every
+# start of a program.
+if(CMAKE_CROSSCOMPILING)
+    add_link_options(-Wl,--file-alignment,4096)
 endif()
