@@ -1,12 +1,42 @@
 // Events among processes: fan-out, rings, slots.
 
 #include "support/events_fixture.h"
+#include "support/rounds.h"
 
 namespace {
 
 using namespace support;
 
-class EventProcessesTest : public EventsTest {};
+class EventProcessesTest : public EventsTest {
+  protected:
+    using Peers = std::vector<std::unique_ptr<Peer>>;
+
+    // All fetch at the same time: each sees each event once, or has lost it by the rule of its
+    // queue.
+    void FollowTogether(uint32_t events, const Peers& peers) {
+        const HANDLE number = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                 sizeof(uint32_t), EventDriver::kNumberName);
+        EXPECT_EQ(0u, HXEnableAen(handle));
+        for (const auto& peer : peers) {
+            peer->Send("follow " + std::to_string(events));
+        }
+        std::vector<std::string> results = {driver.Follow(events, handle)};
+        for (const auto& peer : peers) {
+            results.push_back(peer->Answer());
+        }
+        uint32_t seenByAll = 0;
+        for (const std::string& result : results) {
+            uint32_t seen = 0;
+            uint32_t lost = 0;
+            ASSERT_EQ(2, sscanf(result.c_str(), "%u %u", &seen, &lost)) << result;
+            EXPECT_EQ(events, seen + lost) << result;
+            seenByAll += seen;
+        }
+        EXPECT_GT(seenByAll, events) << "nobody but the one that fetches sees any";
+        HXDisableAen(handle);
+        CloseHandle(number);
+    }
+};
 
 TEST_F(EventProcessesTest, FanOutToAnotherProcess) {
     Peer peer;
@@ -149,7 +179,7 @@ TEST_F(EventProcessesTest, DamagedRingsAreSurvived) {
 
 TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
     area->registrations[63] = 77;  // whoever comes later finds the area as it is
-    std::vector<std::unique_ptr<Peer>> peers;
+    Peers peers;
     for (int i = 0; i < 7; ++i) {
         peers.push_back(std::make_unique<Peer>());
         ASSERT_EQ("0", peers.back()->Ask("enable"));
@@ -172,6 +202,7 @@ TEST_F(EventProcessesTest, EightProcessesHaveSlots) {
     for (const auto& peer : peers) {
         EXPECT_EQ("5:5", peer->Ask("fetch 4"));
     }
+    FollowTogether(Rounds(2000), peers);
     // A process that ends frees its slot, and the next one finds it empty.
     driver.Raise(0x8015, 6);
     Get(4);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <random>
 #include <sstream>
 #include <utility>
 
@@ -21,6 +22,10 @@ EventDriver::EventDriver() {
         masks_.push_back(sent.mask);
         return Reply{};
     });
+    HandOutRaised();
+}
+
+void EventDriver::HandOutRaised() {
     port.On(command::FetchEvents, [this](const SentRequest& request) {
         const std::lock_guard hold(lock_);
         Reply reply;
@@ -66,13 +71,61 @@ Fetched Fetch(uint32_t handle, uint32_t room) {
 
 namespace {
 
-constexpr DWORD kLongEnough = 10000;
-
 std::string Hex(uint32_t value) {
     char text[16];
     snprintf(text, sizeof text, "%x", value);
     return text;
 }
+
+}  // namespace
+
+std::string EventDriver::Follow(uint32_t last, uint32_t handle) {
+    SharedView<uint32_t> number(kNumberName);
+    std::minstd_rand random(GetCurrentProcessId());
+    uint32_t fresh = 0;
+    bool over = false;
+    // The library asks under the adapter's event mutex: nobody else takes numbers meanwhile.
+    port.On(command::FetchEvents, [&](const SentRequest&) {
+        uint32_t& taken = *number.operator->();
+        over = taken == last;
+        fresh = std::min<uint32_t>(random() % 12, last - taken);
+        Reply reply;
+        for (uint32_t i = 0; i < fresh; ++i) {
+            Append(reply.data, BytesOf(properties::DriverEvent{0x8011, {++taken, 0, 0}}));
+        }
+        return reply;
+    });
+    uint32_t previous = 0;
+    uint32_t seen = 0;
+    uint32_t lost = 0;
+    std::string wrong;
+    while (!over && wrong.empty()) {
+        const Fetched fetched = Fetch(handle, 2 * frame::kRingCapacity);
+        if (fetched.status != 0) {
+            wrong = "status 0x" + Hex(fetched.status);
+        }
+        // What was queued, then what is fresh: only before the first may some be missing.
+        const size_t queued = fetched.events.size() - fresh;
+        for (const HX_EVENT& event : fetched.events) {
+            const uint32_t missed = event.data[0] - previous - 1;
+            const bool first = &event == fetched.events.data();
+            if (missed != 0 && (!first || queued != frame::kRingCapacity - 1)) {
+                wrong = std::to_string(event.data[0]) + " after " + std::to_string(previous) +
+                        ", queued " + std::to_string(queued);
+            }
+            ++seen;
+            lost += missed;
+            previous = event.data[0];
+        }
+        port.Forget();
+    }
+    HandOutRaised();
+    return wrong.empty() ? std::to_string(seen) + " " + std::to_string(lost) : wrong;
+}
+
+namespace {
+
+constexpr DWORD kLongEnough = 10000;
 
 // What a peer keeps from line to line. Never taken down: the process may end with a watchdog still
 // asleep, and an unloaded library's imports must not be put back.
@@ -205,6 +258,7 @@ const std::map<std::string, std::string (*)(const Words&)> kVerbs = {
          area->locks[Number(w[1])].watchdog = 0x1234;
          return std::string("locked");
      }},
+    {"follow", [](const Words& w) { return peer->driver.Follow(Number(w[1]), peer->handle); }},
     {"start", [](const Words&) { return peer->Start(); }},
     {"end", [](const Words& w) { return Hex(HXEndFlashUpdate(peer->handle, 0, Number(w[1]))); }},
     {"rounds",

@@ -24,10 +24,18 @@ class EventDriver {
     void Raise(uint32_t code, uint32_t first, uint32_t count = 1);
     // The masks that were sent since the last call.
     std::vector<uint32_t> TakeMasks();
+    // Numbers its events together with the drivers of other processes and fetches on the handle
+    // until the last has come. "SEEN LOST", or what should not be: out of order, twice, or lost
+    // though the queue had room. The number taken last stands in shared memory that the caller has
+    // made.
+    std::string Follow(uint32_t last, uint32_t handle);
+    static constexpr char kNumberName[] = "vxt-event-number";
 
     ScriptedPort port;
 
   private:
+    void HandOutRaised();
+
     std::mutex lock_;
     std::deque<properties::DriverEvent> events_;
     std::vector<uint32_t> masks_;
@@ -64,11 +72,14 @@ inline constexpr char kEventAreaName[] = "Global\\HXMGT_GetAENMapFile";
 inline constexpr char kFlashLockAreaName[] = "Global\\HXMGT_FlashUpdateLocksMapFile";
 
 // A process of its own with the library: what it is told in a line, it does and answers.
-//     open [SERIAL]      opens adapter 0 of its own driver        enable, disable   events
-//     raise CODE FIRST COUNT, fetch ROOM, masks                   lock RECORD       as if it
-//     updated start, end KEY, rounds COUNT                                process, handles  its own
-//     numbers load PATH, load-at-gate PATH, unload                        a library besides copy
-//     [SERIAL]      as open, in a copy of the library, of which unload makes "gone" or "loaded"
+//     open [SERIAL]      opens adapter 0 of its own driver
+//     enable, disable    events
+//     raise CODE FIRST COUNT, fetch ROOM, masks, follow LAST
+//     lock RECORD        as if it updated
+//     start, end KEY, rounds COUNT
+//     process, handles   its own numbers
+//     load PATH, load-at-gate PATH, unload     a library besides
+//     copy [SERIAL]      as open, in a copy of the library: unload answers "gone" or "loaded"
 //     guard, hang        start, until the watchdog sleeps or is inside its request
 //     wake, answer       ends that; "gone" or "loaded", then "ended" or "alive" for the watchdog
 // Statuses and keys are hexadecimal.

@@ -6,6 +6,8 @@
 
 #include "emulated_driver.h"
 #include "properties/driver_replies.h"
+#include "support/random_requests.h"
+#include "support/rounds.h"
 #include "transport/ext_ioctl.h"
 
 namespace system_test {
@@ -86,6 +88,32 @@ TEST_F(SystemDriver, HostileRequestsAreAnswered) {
 
     ExpectHealthy(port);
     CloseHandle(port);
+}
+
+TEST_F(SystemDriver, RandomRequestsAreAnswered) {
+    const uint32_t seed = support::Seed();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    support::RandomRequests requests(seed);
+    const HANDLE ports[] = {OpenPort(), OpenPort("\\\\.\\scsi4:"), OpenPort("\\\\.\\scsi6:"),
+                            OpenPort("\\\\.\\scsi9:")};
+    uint32_t answered = 0;
+    const uint32_t rounds = support::Rounds(2000);
+    for (uint32_t round = 0; round < rounds; ++round) {
+        support::RandomRequest request = requests.Next();
+        std::vector<uint8_t> reply(request.outputLength);
+        answered +=
+            Send(ports[requests.Below(std::size(ports))], request.bytes.data(),
+                 static_cast<DWORD>(request.bytes.size()), reply.data(), request.outputLength)
+                ? 1
+                : 0;
+        ASSERT_FALSE(HasFailure()) << "round " << round;
+    }
+    EXPECT_GT(answered, rounds / 2) << "few get past the envelope";
+    ExpectHealthy(ports[0]);
+    for (const HANDLE port : ports) {
+        CloseHandle(port);
+    }
+    EXPECT_EQ(4u, Document("port list")["result"]["ports"].size());
 }
 
 TEST_F(SystemDriver, StopsWithAnOpenHandleAndStartsAgain) {
