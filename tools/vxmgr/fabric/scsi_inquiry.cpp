@@ -60,7 +60,7 @@ constexpr CodeText kAssociations[] = {
     {2, "target device"},
 };
 
-std::string TextOf(Bytes bytes) {
+std::string PlainText(Bytes bytes) {
     return FieldText(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
@@ -71,7 +71,7 @@ Value IdentifierValue(const Designator& designator) {
         return {};
     }
     if ((designator.head.codeSet & 0x0F) != kBinary) {
-        return Value::Serial(TextOf(bytes));
+        return Value::Serial(PlainText(bytes));
     }
     if (designator.Type() == kNaa && bytes.size() == sizeof(Wwn::bytes)) {
         uint8_t name[8];
@@ -170,7 +170,7 @@ ScsiVpdPage DecodeScsiVpd(Bytes data) {
     if (page.head.page == kSupportedPages) {
         page.pages.emplace(body.begin(), body.end());
     } else if (page.head.page == kSerialPage) {
-        page.serial = TextOf(body);
+        page.serial = PlainText(body);
     } else if (page.head.page == kIdentificationPage) {
         page.identifiers = DesignatorsOf(body);
     }
