@@ -17,7 +17,7 @@ struct RaisedCounter {
 };
 
 const Fields<RaisedCounter> kRaisedCounterFields = {
-    {PortNameFields(), [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
+    {kPortNameFields, [](const RaisedCounter& raised) { return raised.request.scsiPort; }},
     {"target", "Target", kWwn.OrNull(),
      [](const RaisedCounter& raised) {
          return raised.remote ? std::optional(Wwn::Of(raised.request.target.portName))
@@ -103,10 +103,6 @@ ExitCode RunScm(Invocation& invocation) {
     return Raise(invocation, "KIND", "a kind of FPIN or congestion signal", IsCongestion);
 }
 
-Shape RaisedCounterShape() {
-    return kRaisedCounterFields.ShapeOfAll();
-}
-
 std::string CounterNotes() {
     return "Counters: " + KeysOf(IsAny, false) + ".";
 }
@@ -145,7 +141,7 @@ CommandRows CounterCommands() {
          .arguments = kBump,
          .run = RunStatsBump,
          .example = "stats bump scsi:3 invalid_crcs 5",
-         .result = RaisedCounterShape,
+         .result = ShapeOf<kRaisedCounterFields>,
          .notes = CounterNotes},
         {.path = "scm",
          .risk = Risk::Reversible,
@@ -153,7 +149,7 @@ CommandRows CounterCommands() {
          .arguments = kScm,
          .run = RunScm,
          .example = "scm scsi:3 credit_stall 2",
-         .result = RaisedCounterShape,
+         .result = ShapeOf<kRaisedCounterFields>,
          .notes = CongestionNotes},
     };
     return kCommands;

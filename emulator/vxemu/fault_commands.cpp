@@ -126,18 +126,6 @@ ExitCode RunFaultClear(Invocation& invocation) {
     return ExitCode::Done;
 }
 
-Shape FaultShape() {
-    return kFaultFields.ShapeOfAll();
-}
-
-Shape FaultListShape() {
-    return kFaultListFields.ShapeOfAll();
-}
-
-Shape FaultClearShape() {
-    return kRemovedFields.ShapeOfAll();
-}
-
 constexpr Argument kFaultAdd[] = {
     {.name = "PORT", .help = "scsi:N, N or all", .required = true},
     {"VALUE", ArgumentKind::Text, "",
@@ -168,20 +156,20 @@ CommandRows FaultCommands() {
          .arguments = kFaultAdd,
          .run = RunFaultAdd,
          .example = "fault add scsi:3 --code NodeProperties --do busy --times 2",
-         .result = FaultShape,
+         .result = ShapeOf<kFaultFields>,
          .notes = FaultRequestNames},
         {.path = "fault list",
          .help = "fault rules and how often they acted",
          .run = RunFaultList,
          .example = "fault list",
-         .result = FaultListShape},
+         .result = ShapeOf<kFaultListFields>},
         {.path = "fault clear",
          .risk = Risk::Reversible,
          .help = "remove one fault rule or all",
          .arguments = kFaultClear,
          .run = RunFaultClear,
          .example = "fault clear 2",
-         .result = FaultClearShape},
+         .result = ShapeOf<kRemovedFields>},
     };
     return kCommands;
 }

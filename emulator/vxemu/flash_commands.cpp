@@ -74,7 +74,7 @@ struct ShownFlash {
 };
 
 const Fields<ShownFlash> kFlashFields = {
-    {PortNameFields(), &ShownFlash::port},
+    {kPortNameFields, &ShownFlash::port},
     {"bytes", "Bytes", kInteger, [](const ShownFlash& f) { return f.report->bytes; }},
     {"powered", "Powered", kFlag, [](const ShownFlash& f) { return f.report->withoutPower == 0; }},
     {"power_fails_after", "Power fails after", Integer("bytes").OrNull(),
@@ -104,13 +104,10 @@ std::string NameOf(const FlashSelector& place) {
     return PortName(place.scsiPort) + " region " + std::to_string(place.region);
 }
 
-const Fields<FlashSelector>& PlaceFields() {
-    static const Fields<FlashSelector> kFields = {
-        {PortNameFields(), [](const FlashSelector& place) { return place.scsiPort; }},
-        {"region", "Region", kInteger, [](const FlashSelector& place) { return place.region; }},
-    };
-    return kFields;
-}
+const Fields<FlashSelector> kPlaceFields = {
+    {kPortNameFields, [](const FlashSelector& place) { return place.scsiPort; }},
+    {"region", "Region", kInteger, [](const FlashSelector& place) { return place.region; }},
+};
 
 struct Saved {
     FlashSelector place;
@@ -120,19 +117,19 @@ struct Saved {
 };
 
 const Fields<Saved> kSavedFields = {
-    {PlaceFields(), &Saved::place},
+    {kPlaceFields, &Saved::place},
     {"version", "Version", kText.OrAbsent(), &Saved::version},
     {"bytes", "Bytes", kInteger, &Saved::bytes},
     {"file", "File", kText, &Saved::file},
 };
 
 const Fields<FlashSelector> kCorruptedFields = {
-    {PlaceFields(), [](const FlashSelector& place) { return place; }},
+    {kPlaceFields, [](const FlashSelector& place) { return place; }},
     {"at", "Byte inverted", kInteger, [](const FlashSelector& place) { return place.offset; }},
 };
 
 const Fields<PowerFailRequest> kPowerFailFields = {
-    {PortNameFields(), [](const PowerFailRequest& request) { return request.scsiPort; }},
+    {kPortNameFields, [](const PowerFailRequest& request) { return request.scsiPort; }},
     {"after_bytes", "Power fails after", Integer("bytes"),
      [](const PowerFailRequest& request) { return request.afterBytes; }},
 };
@@ -145,12 +142,12 @@ struct Switched {
 constexpr const char* kOnOff[] = {"on", "off"};
 
 const Fields<Switched> kLockdownFields = {
-    {PortNameFields(), &Switched::port},
+    {kPortNameFields, &Switched::port},
     {"lockdown", "Lockdown", Choice(kOnOff), &Switched::state},
 };
 
 const Fields<Switched> kBootFields = {
-    {PortNameFields(), &Switched::port},
+    {kPortNameFields, &Switched::port},
     {"boots_from_san", "Boots from SAN", Choice(kOnOff), &Switched::state},
 };
 
@@ -267,30 +264,6 @@ ExitCode RunBootFromSan(Invocation& invocation) {
     return SetFlag(invocation, "boots_from_san", kBootFields);
 }
 
-Shape FlashShowShape() {
-    return kFlashFields.ShapeOfAll();
-}
-
-Shape FlashSavedShape() {
-    return kSavedFields.ShapeOfAll();
-}
-
-Shape FlashCorruptShape() {
-    return kCorruptedFields.ShapeOfAll();
-}
-
-Shape PowerFailShape() {
-    return kPowerFailFields.ShapeOfAll();
-}
-
-Shape LockdownShape() {
-    return kLockdownFields.ShapeOfAll();
-}
-
-Shape BootFromSanShape() {
-    return kBootFields.ShapeOfAll();
-}
-
 constexpr const char* kRegionHelp = "code of a flash region, as `flash show` lists them";
 constexpr Argument kFlashDump[] = {
     kPortArgument,
@@ -335,26 +308,26 @@ CommandRows FlashCommands() {
          .arguments = {&kPortArgument, 1},
          .run = RunFlashShow,
          .example = "flash show scsi:3",
-         .result = FlashShowShape},
+         .result = ShapeOf<kFlashFields>},
         {.path = "flash dump",
          .help = "write what a region holds to a file",
          .arguments = kFlashDump,
          .run = RunFlashDump,
          .example = "flash dump scsi:3 1 old.bin",
-         .result = FlashSavedShape},
+         .result = ShapeOf<kSavedFields>},
         {.path = "flash image",
          .help = "make an image to update a region with",
          .arguments = kFlashImage,
          .run = RunFlashImage,
          .example = "flash image scsi:3 1 new.bin --as 9.13.00",
-         .result = FlashSavedShape},
+         .result = ShapeOf<kSavedFields>},
         {.path = "flash corrupt",
          .risk = Risk::Reversible,
          .help = "invert a byte of a region",
          .arguments = kFlashCorrupt,
          .run = RunFlashCorrupt,
          .example = "flash corrupt scsi:3 1 0x1000",
-         .result = FlashCorruptShape},
+         .result = ShapeOf<kCorruptedFields>},
         {.path = "flash power-fail",
          .risk = Risk::Reversible,
          .help = "let the adapter's power fail during a write; reset one of its ports to end that",
@@ -362,21 +335,21 @@ CommandRows FlashCommands() {
          .arguments = kFlashPowerFail,
          .run = RunFlashPowerFail,
          .example = "flash power-fail scsi:3 --after-bytes 70000",
-         .result = PowerFailShape},
+         .result = ShapeOf<kPowerFailFields>},
         {.path = "lockdown",
          .risk = Risk::Reversible,
          .help = "let the adapter refuse every change of what it stores",
          .arguments = kSwitch,
          .run = RunLockdown,
          .example = "lockdown scsi:3 on",
-         .result = LockdownShape},
+         .result = ShapeOf<kLockdownFields>},
         {.path = "bfs",
          .risk = Risk::Reversible,
          .help = "put the system's boot disk behind a port",
          .arguments = kSwitch,
          .run = RunBootFromSan,
          .example = "bfs scsi:3 on",
-         .result = BootFromSanShape},
+         .result = ShapeOf<kBootFields>},
     };
     return kCommands;
 }

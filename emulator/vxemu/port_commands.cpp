@@ -47,7 +47,7 @@ struct Raised {
 };
 
 const Fields<Raised> kRaisedFields = {
-    {PortNameFields(), &Raised::port},
+    {kPortNameFields, &Raised::port},
     {"code", "Event code", kText, [](const Raised& raised) { return Hex(raised.code, 4); }},
     {"queued", "Queued", kFlag, &Raised::queued},
 };
@@ -57,19 +57,16 @@ struct Linked {
     std::string state;
 };
 
-const Fields<Linked>& LinkFields() {
-    static const Fields<Linked> kFields = {
-        {PortNameFields(), &Linked::port},
-        {"link", "Link", Choice(kUpDown), &Linked::state},
-    };
-    return kFields;
-}
+const Fields<Linked> kLinkFields = {
+    {kPortNameFields, &Linked::port},
+    {"link", "Link", Choice(kUpDown), &Linked::state},
+};
 
 ExitCode Set(Invocation& invocation, FieldScope scope) {
     const uint32_t port = RequirePort(invocation, invocation.Given().Text("PORT"));
     const std::vector<Assignment> assignments = RequireAssignments(invocation, scope);
     RunningDriver driver(invocation, true);
-    Record result = PortNameFields().Make(port);
+    Record result = kPortNameFields.Make(port);
     for (const Assignment& assignment : assignments) {
         if (!invocation.DryRun()) {
             driver.SendForCount(control::kSetField, FieldRequest{port, assignment.change},
@@ -89,7 +86,7 @@ ExitCode RunReset(Invocation& invocation) {
         driver.Send(control::kPortReset, PortSelector{port}, PortName(port));
         invocation.Changed();
     }
-    invocation.Result() = PortNameFields().Make(port);
+    invocation.Result() = kPortNameFields.Make(port);
     return ExitCode::Done;
 }
 
@@ -128,7 +125,7 @@ ExitCode RunLink(Invocation& invocation) {
         driver.Send(control::kSetLink, LinkRequest{port, state == "up" ? 1u : 0u}, PortName(port));
         invocation.Changed();
     }
-    invocation.Result() = LinkFields().Make({port, state});
+    invocation.Result() = kLinkFields.Make({port, state});
     return ExitCode::Done;
 }
 
@@ -141,15 +138,7 @@ ExitCode RunPortSet(Invocation& invocation) {
 }
 
 Shape PortShape() {
-    return PortNameFields().ShapeOfAll();
-}
-
-Shape EventShape() {
-    return kRaisedFields.ShapeOfAll();
-}
-
-Shape LinkShape() {
-    return LinkFields().ShapeOfAll();
+    return kPortNameFields.ShapeOfAll();
 }
 
 Shape AdapterSetShape() {
@@ -200,14 +189,14 @@ CommandRows PortCommands() {
          .arguments = kEvent,
          .run = RunEvent,
          .example = "event scsi:3 rscn --data 0x010203",
-         .result = EventShape},
+         .result = ShapeOf<kRaisedFields>},
         {.path = "link",
          .risk = Risk::Reversible,
          .help = "take a port's link up or down",
          .arguments = kLink,
          .run = RunLink,
          .example = "link scsi:3 down",
-         .result = LinkShape},
+         .result = ShapeOf<kLinkFields>},
         {.path = "adapter set",
          .risk = Risk::Reversible,
          .help = "change values of the adapter that has this port",

@@ -8,12 +8,12 @@
 
 namespace vxemu {
 
-const Fields<PortStatus>& PortFields();
+extern const Fields<PortStatus> kPortFields;
 
 // The ports that the status tells of; none without one.
 std::span<const PortStatus> PortsOf(const StatusReply* status);
 
 // "port", first in the result of nearly every command: the SCSI port number.
-const Fields<uint32_t>& PortNameFields();
+extern const Fields<uint32_t> kPortNameFields;
 
 }  // namespace vxemu

@@ -180,10 +180,6 @@ Shape ProfileShape() {
     return {{.key = "name"}, ListShape(kTop[0]), ListShape(kTop[1])};
 }
 
-Shape ProfileValidShape() {
-    return kValidFields.ShapeOfAll();
-}
-
 constexpr Argument kProfileShow[] = {
     {"PROFILE", ArgumentKind::Text, "", "built-in profile or JSON file; without: what runs"}};
 constexpr Argument kProfileFile[] = {{.name = "FILE", .help = "JSON file", .required = true}};
@@ -208,7 +204,7 @@ CommandRows ProfileCommands() {
          .arguments = kProfileFile,
          .run = RunProfileValidate,
          .example = "profile validate my.json",
-         .result = ProfileValidShape},
+         .result = ShapeOf<kValidFields>},
     };
     return kCommands;
 }

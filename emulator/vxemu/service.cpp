@@ -45,11 +45,7 @@ const char* NameOf(ServiceState state) {
     return kStateNames[static_cast<int>(state)];
 }
 
-const Fields<ServiceState>& ServiceFields() {
-    static const Fields<ServiceState> kFields = {
-        {"service", "Service", Choice(kStateNames), NameOf}};
-    return kFields;
-}
+const Fields<ServiceState> kServiceFields = {{"service", "Service", Choice(kStateNames), NameOf}};
 
 std::string DriverService::DriverPath() {
     const std::wstring path = DriverFile();

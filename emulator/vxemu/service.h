@@ -12,7 +12,7 @@ namespace vxemu {
 enum class ServiceState : uint8_t { NotInstalled, Stopped, Starting, Running, Stopping };
 
 const char* NameOf(ServiceState state);
-const Fields<ServiceState>& ServiceFields();
+extern const Fields<ServiceState> kServiceFields;
 
 // Functions return a Windows error code, 0 for success.
 class DriverService {

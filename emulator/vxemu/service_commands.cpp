@@ -31,7 +31,7 @@ ServiceState Connect(Invocation& invocation, DriverService& service) {
 }
 
 ExitCode Report(Invocation& invocation, ServiceState state) {
-    invocation.Result() = ServiceFields().Make(state);
+    invocation.Result() = kServiceFields.Make(state);
     return ExitCode::Done;
 }
 
@@ -43,8 +43,8 @@ struct Started {
 
 const Fields<Started> kStartFields = {
     {"profile", "Profile", kText, &Started::profile},
-    {ServiceFields(), &Started::state},
-    {"ports", "Ports", PortFields(), [](const Started& s) { return PortsOf(s.running.get()); },
+    {kServiceFields, &Started::state},
+    {"ports", "Ports", kPortFields, [](const Started& s) { return PortsOf(s.running.get()); },
      "No ports."},
 };
 
@@ -176,14 +176,6 @@ ExitCode RunStop(Invocation& invocation) {
     return Report(invocation, ServiceState::Stopped);
 }
 
-Shape ServiceShape() {
-    return ServiceFields().ShapeOfAll();
-}
-
-Shape StartShape() {
-    return kStartFields.ShapeOfAll();
-}
-
 constexpr Argument kStart[] = {TextOption("--profile", "P", "built-in profile or JSON file (lab)")};
 
 }  // namespace
@@ -195,26 +187,26 @@ CommandRows ServiceCommands() {
          .help = "register the driver service",
          .run = RunInstall,
          .example = "install",
-         .result = ServiceShape},
+         .result = ShapeOf<kServiceFields>},
         {.path = "uninstall",
          .risk = Risk::Reversible,
          .help = "stop and remove the driver service",
          .run = RunUninstall,
          .example = "uninstall",
-         .result = ServiceShape},
+         .result = ShapeOf<kServiceFields>},
         {.path = "start",
          .risk = Risk::Reversible,
          .help = "start the emulated adapters",
          .arguments = kStart,
          .run = RunStart,
          .example = "start --profile lab",
-         .result = StartShape},
+         .result = ShapeOf<kStartFields>},
         {.path = "stop",
          .risk = Risk::Reversible,
          .help = "stop the emulated adapters",
          .run = RunStop,
          .example = "stop",
-         .result = ServiceShape},
+         .result = ShapeOf<kServiceFields>},
     };
     return kCommands;
 }

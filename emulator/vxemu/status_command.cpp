@@ -27,7 +27,7 @@ Value Uptime(const Status& status) {
 }
 
 const Fields<Status> kStatusFields = {
-    {ServiceFields(), &Status::state},
+    {kServiceFields, &Status::state},
     {"profile", "Profile", kText.OrNull(),
      [](const Status& s) {
          return s.running != nullptr ? std::string(s.running->profileName) : std::string();
@@ -35,7 +35,7 @@ const Fields<Status> kStatusFields = {
     {"uptime_ms", "Running for", kCounter.OrAbsent(), Uptime},
     {"adapters", "Adapters", kInteger.OrAbsent(), Count<&StatusReply::adapterCount>},
     {"fault_rules", "Fault rules", kInteger.OrAbsent(), Count<&StatusReply::faultCount>},
-    {"ports", "Ports", PortFields(), [](const Status& s) { return PortsOf(s.running.get()); },
+    {"ports", "Ports", kPortFields, [](const Status& s) { return PortsOf(s.running.get()); },
      "No ports."},
 };
 
@@ -56,10 +56,6 @@ ExitCode RunStatus(Invocation& invocation) {
     return ExitCode::Done;
 }
 
-Shape StatusShape() {
-    return kStatusFields.ShapeOfAll();
-}
-
 }  // namespace
 
 CommandRows StatusCommands() {
@@ -68,7 +64,7 @@ CommandRows StatusCommands() {
          .help = "what runs, and what each port has served",
          .run = RunStatus,
          .example = "status --json",
-         .result = StatusShape},
+         .result = ShapeOf<kStatusFields>},
     };
     return kCommands;
 }

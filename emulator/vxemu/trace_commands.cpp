@@ -240,14 +240,6 @@ ExitCode RunTraceShow(Invocation& invocation) {
     return ExitCode::Done;
 }
 
-Shape TraceShape() {
-    return kTraceFields.ShapeOfAll();
-}
-
-Shape TraceChangeShape() {
-    return kTraceChangeFields.ShapeOfAll();
-}
-
 constexpr Argument kTraceFile[] = {
     {.name = "FILE", .help = "takes the requests when the trace stops", .required = true}};
 
@@ -261,18 +253,18 @@ CommandRows TraceCommands() {
          .arguments = kTraceFile,
          .run = RunTraceStart,
          .example = "trace start requests.jsonl",
-         .result = TraceChangeShape},
+         .result = ShapeOf<kTraceChangeFields>},
         {.path = "trace stop",
          .risk = Risk::Reversible,
          .help = "end the record and write it as JSON lines",
          .run = RunTraceStop,
          .example = "trace stop",
-         .result = TraceChangeShape},
+         .result = ShapeOf<kTraceChangeFields>},
         {.path = "trace show",
          .help = "the requests that were recorded up to now",
          .run = RunTraceShow,
          .example = "trace show",
-         .result = TraceShape},
+         .result = ShapeOf<kTraceFields>},
     };
     return kCommands;
 }

@@ -155,7 +155,7 @@ TEST(ToolsHbaApi, EveryAnswerBecomesARecord) {
     const HbaAdapter adapter = ReadFake({});
     EXPECT_EQ(adapter.name, std::string(255, 'n'));
     EXPECT_FALSE(adapter.Failed());
-    const tools::Record detail = HbaDetailFields().Make(adapter);
+    const tools::Record detail = kHbaDetailFields.Make(adapter);
     EXPECT_EQ(Shown(detail, "attributes_manufacturer"), std::string(64, 'M'));
     EXPECT_EQ(Shown(detail, "attributes_serial"), "S1??");
     EXPECT_EQ(Shown(detail, "port_fc_id"), "0x010203");
@@ -183,10 +183,10 @@ TEST(ToolsHbaApi, FailingHandlersAreTold) {
         const HbaAdapter adapter = ReadFake(row.library);
         EXPECT_TRUE(adapter.Failed()) << row.status;
         EXPECT_EQ(Shown(HbaSummaryFields().Make(adapter), "status"), row.status);
-        EXPECT_EQ(Shown(HbaDetailFields().Make(adapter), "status"), row.status);
+        EXPECT_EQ(Shown(kHbaDetailFields.Make(adapter), "status"), row.status);
     }
     const HbaAdapter noPort = ReadFake({.port = HBA_STATUS_ERROR});
-    EXPECT_EQ(Shown(HbaDetailFields().Make(noPort), "port_fc_id"), "-")
+    EXPECT_EQ(Shown(kHbaDetailFields.Make(noPort), "port_fc_id"), "-")
         << "the record of a failure means nothing";
     EXPECT_EQ(noPort.discovered.size(), 0u);
 }

@@ -22,13 +22,13 @@ using support::Shown;
 using Data = std::vector<uint8_t>;
 
 tools::Record InquiryRecord(Bytes data) {
-    return InquiryFields().Make(DecodeInquiry(data));
+    return kInquiryFields.Make(DecodeInquiry(data));
 }
 tools::Record VpdRecord(Bytes data) {
     return ScsiVpdFields().Make(DecodeScsiVpd(data));
 }
 tools::Record NodeRecord(Bytes data) {
-    return NodeIdentificationFields().Make(DecodeNodeIdentification(data));
+    return kNodeIdentificationFields.Make(DecodeNodeIdentification(data));
 }
 
 Data FixedSenseData(uint8_t key, uint8_t code, uint8_t qualifier) {
@@ -237,7 +237,7 @@ TEST(ToolsRegisters, SpacesWithinTheirLimits) {
 TEST(ToolsDport, WordsOfTheResults) {
     HX_DPORT_RESULT_EX2 result{};
     const auto shown = [&](const char* key) {
-        return Shown(DportOutcomeFields().Make(DecodeDport(result)), key);
+        return Shown(kDportOutcomeFields.Make(DecodeDport(result)), key);
     };
     const auto put = [&](size_t at, uint8_t value) { result.bytes[at] = value; };
     put(0, 2);

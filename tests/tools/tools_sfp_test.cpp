@@ -52,7 +52,7 @@ TEST(ToolsSfpIdentity, CodesAndTextsInWords) {
     Put(identity.wavelength, 850);
     std::memcpy(identity.vendor, "MAKER           ", 16);
     std::memcpy(identity.date, "240229  ", 8);
-    const tools::Record record = SfpIdentityFields().Make(identity);
+    const tools::Record record = kSfpIdentityFields.Make(identity);
     EXPECT_EQ(Shown(record, "identifier"), "SFP");
     EXPECT_EQ(Shown(record, "connector"), "LC");
     EXPECT_EQ(Shown(record, "technology"), "shortwave laser");
@@ -64,7 +64,7 @@ TEST(ToolsSfpIdentity, CodesAndTextsInWords) {
     EXPECT_EQ(Shown(record, "date"), "2024-02-29");
     EXPECT_EQ(Shown(record, "calibration"), "-");
     identity.connector = 0x7F;
-    EXPECT_EQ(Shown(SfpIdentityFields().Make(identity), "connector"), "connector 0x7f");
+    EXPECT_EQ(Shown(kSfpIdentityFields.Make(identity), "connector"), "connector 0x7f");
     for (const char* wrong : {"241301  ", "240001  ", "24013\xff  ", "240132  "}) {
         std::memcpy(identity.date, wrong, 8);
         EXPECT_EQ(SfpDate(identity.date), "") << wrong;
@@ -77,7 +77,7 @@ TEST(ToolsSfpIdentity, LengthsInTheirUnits) {
     identity.lengthSingleMode100 = 100;
     identity.lengthOm2 = 3;
     identity.lengthOm4 = 255;
-    tools::Record record = SfpIdentityFields().Make(identity);
+    tools::Record record = kSfpIdentityFields.Make(identity);
     EXPECT_EQ(Shown(record, "lengths_single_mode_m"), "10000 m");
     EXPECT_EQ(Shown(record, "lengths_om2_m"), "30 m");
     EXPECT_EQ(Shown(record, "lengths_om4_m"), "> 2540 m");
@@ -86,14 +86,14 @@ TEST(ToolsSfpIdentity, LengthsInTheirUnits) {
     identity.fibreChannelTechnology = 0x04;
     identity.lengthOm4 = 5;
     Put(identity.wavelength, 0x0100);
-    record = SfpIdentityFields().Make(identity);
+    record = kSfpIdentityFields.Make(identity);
     EXPECT_EQ(Shown(record, "lengths_copper_m"), "5 m");
     EXPECT_EQ(Shown(record, "lengths_om4_m"), "-");
     EXPECT_EQ(Shown(record, "wavelength_nm"), "-");
     // 100 m units beyond their byte leave the kilometres.
     identity.lengthSingleMode = 40;
     identity.lengthSingleMode100 = 255;
-    EXPECT_EQ(Shown(SfpIdentityFields().Make(identity), "lengths_single_mode_m"), "40000 m");
+    EXPECT_EQ(Shown(kSfpIdentityFields.Make(identity), "lengths_single_mode_m"), "40000 m");
 }
 
 TEST(ToolsSfpIdentity, ChecksumsCoverTheirHalves) {
@@ -159,7 +159,7 @@ TEST(ToolsSfpDiagnostics, ExternalCalibration) {
             .value);
     PutFloat(page.receivedPower[0], std::numeric_limits<float>::infinity());
     const SfpReadings beyond = ReadDiagnostics(Identity(kExternal, kFlags), page);
-    const tools::Record row = ReadingFields().Make(ReadingRows(beyond).back());
+    const tools::Record row = kReadingFields.Make(ReadingRows(beyond).back());
     EXPECT_EQ(Shown(row, "value"), "-");
     EXPECT_EQ(Shown(row, "dbm"), "-");
 }

@@ -1,7 +1,5 @@
 #include "fields.h"
 
-#include <cstdlib>
-
 #include <nlohmann/json.hpp>
 
 namespace tools {
@@ -111,11 +109,24 @@ void AddListOf(const FieldShape& shape, std::vector<Record> records, Record& rec
     }
 }
 
-void AnyFieldRow::AppendShape(Shape& shape) const {
-    if (spliced_.empty()) {
-        shape.push_back(shape_);
+FieldShape AnyFieldRow::WholeShape() const {
+    FieldShape shape = shape_;
+    if (shapeOfFields_ != nullptr) {
+        shape.children = shapeOfFields_(fields_);
     }
-    shape.insert(shape.end(), spliced_.begin(), spliced_.end());
+    return shape;
+}
+
+void AnyFieldRow::AppendShape(Shape& shape) const {
+    FieldShape whole = WholeShape();
+    if (!spliced_) {
+        shape.push_back(std::move(whole));
+        return;
+    }
+    for (FieldShape& field : whole.children) {
+        field.type.optional |= mayLack_;
+        shape.push_back(std::move(field));
+    }
 }
 
 void AnyFieldRow::AddValue(Value value, Record& record) const {
@@ -133,9 +144,6 @@ void AnyFieldRow::AddRawText(const std::string& text, Record& record) const {
 }
 
 Shape AnyFields::ShapeOfAll() const {
-    if (rows_.empty()) {
-        std::abort();  // a constant of another source, which is made after the table that uses it
-    }
     Shape shape;
     for (const AnyFieldRow& row : rows_) {
         row.AppendShape(shape);

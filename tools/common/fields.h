@@ -6,12 +6,9 @@
 //         {"index", "Port", "PORT", kInteger, &Port::index},
 //         {"serial", "Adapter serial", "ADAPTER", kSerial.OrNull(), &Port::Serial},
 //         {"state", "State", "STATE", Choice(kStates).OrNull(), StateValue},
-//         {"link", "Link", LinkFields()},
+//         {"link", "Link", kLinkFields},
 //         {"luns", "LUNs", kLunFields, &Port::luns, "No LUNs."},
 //     };
-//
-// A table that other sources use is the static object of a function (LinkFields), and so are those
-// within it: they are there when the others' are made.
 #pragma once
 
 #include <cstring>
@@ -166,8 +163,9 @@ class AnyFieldRow {
     void AppendShape(Shape& shape) const;
     void Add(const void* source, Record& record) const { add_(*this, source, record); }
 
-    // For the functions that add.
+    // For the functions that add: the row's own shape, and that with its children.
     const FieldShape& OwnShape() const { return shape_; }
+    FieldShape WholeShape() const;
     void AddValue(Value value, Record& record) const;
     void AddRawText(const std::string& text, Record& record) const;
     // What the getter gives of the source.
@@ -195,11 +193,22 @@ class AnyFieldRow {
         std::memcpy(get_, &get, sizeof get);
     }
 
+    // Nothing but the table's address: it may be a constant of another source, and not made yet.
+    template <class Part>
+    void KeepTable(const Fields<Part>& fields) {
+        fields_ = &fields;
+        shapeOfFields_ = [](const void* table) {
+            return static_cast<const Fields<Part>*>(table)->ShapeOfAll();
+        };
+    }
+
     FieldShape shape_;
-    Shape spliced_{};
-    const void* fields_ = nullptr;
+    bool spliced_ = false;
+    bool mayLack_ = false;  // a spliced part that need not be there
 
   private:
+    const void* fields_ = nullptr;
+    Shape (*shapeOfFields_)(const void* table) = nullptr;
     AddFunction add_;
     unsigned char get_[32] = {};
 };
@@ -229,12 +238,8 @@ class FieldRow : public AnyFieldRow {
 
     // A group of fields of the same source.
     FieldRow(const char* key, const char* label, const Fields<Source>& fields)
-        : AnyFieldRow({.key = key,
-                       .label = label,
-                       .kind = FieldKind::Group,
-                       .children = fields.ShapeOfAll()},
-                      &AddOwnGroup) {
-        fields_ = &fields;
+        : AnyFieldRow({.key = key, .label = label, .kind = FieldKind::Group}, &AddOwnGroup) {
+        KeepTable(fields);
     }
 
     // A group of something that the source has, or may have: get gives a pointer or an
@@ -248,11 +253,10 @@ class FieldRow : public AnyFieldRow {
                        .label = label,
                        .about = about,
                        .kind = FieldKind::Group,
-                       .type = type,
-                       .children = fields.ShapeOfAll()},
+                       .type = type},
                       &AddGroup<Part, Get>) {
         Keep(get);
-        fields_ = &fields;
+        KeepTable(fields);
     }
 
     // The fields of a part, among the source's own. get gives the part, a pointer to it, or an
@@ -260,11 +264,9 @@ class FieldRow : public AnyFieldRow {
     template <class Part, class Get>
     FieldRow(const Fields<Part>& fields, Get get) : AnyFieldRow({}, &AddPart<Part, Get>) {
         Keep(get);
-        fields_ = &fields;
-        spliced_ = fields.ShapeOfAll();
-        for (FieldShape& field : spliced_) {
-            field.type.optional |= kMayLack<Part, Get>;
-        }
+        KeepTable(fields);
+        spliced_ = true;
+        mayLack_ = kMayLack<Part, Get>;
     }
 
     // A text that text mode prints as it is.
@@ -286,13 +288,12 @@ class FieldRow : public AnyFieldRow {
                        .label = label,
                        .about = about,
                        .kind = FieldKind::List,
-                       .children = fields.ShapeOfAll(),
                        .layout = layout,
                        .emptyText = emptyText,
                        .spreadBy = spreadBy},
                       &AddList<Element, Get>) {
         Keep(get);
-        fields_ = &fields;
+        KeepTable(fields);
         shape_.type.optional = kIsOptional<Gotten<Get, Source>>;
     }
 
@@ -336,7 +337,7 @@ class FieldRow : public AnyFieldRow {
                             row.Table<Part>().Make(*part));
         } else if (row.OwnShape().type.nullable) {
             record.Add(row.OwnShape().key, "", Value());
-            record.Fields().back().prototype = {PrototypeOf(row.OwnShape().children)};
+            record.Fields().back().prototype = {PrototypeOf(row.WholeShape().children)};
         }
     }
 
@@ -376,7 +377,7 @@ class FieldRow : public AnyFieldRow {
                 records.push_back(row.Table<Element>().Make(element));
             }
         }
-        AddListOf(row.OwnShape(), std::move(records), record);
+        AddListOf(row.WholeShape(), std::move(records), record);
     }
 };
 

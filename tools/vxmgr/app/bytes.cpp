@@ -41,15 +41,12 @@ std::string HexDigits(Bytes bytes) {
     return text;
 }
 
-const Fields<HexRow>& HexRowFields() {
-    static const Fields<HexRow> kFields = {
-        {"offset", "Offset", "OFFSET", Hexadecimal(4), &HexRow::offset},
-        {"hex", "Bytes", "BYTES", kText, [](const HexRow& row) { return PairsOf(row.bytes); }, "",
-         3 * kRowBytes - 1},
-        {"text", "Text", "TEXT", kText, [](const HexRow& row) { return Printable(row.bytes); }},
-    };
-    return kFields;
-}
+const Fields<HexRow> kHexRowFields = {
+    {"offset", "Offset", "OFFSET", Hexadecimal(4), &HexRow::offset},
+    {"hex", "Bytes", "BYTES", kText, [](const HexRow& row) { return PairsOf(row.bytes); }, "",
+     3 * kRowBytes - 1},
+    {"text", "Text", "TEXT", kText, [](const HexRow& row) { return Printable(row.bytes); }},
+};
 
 std::vector<HexRow> HexRowsOf(Bytes bytes) {
     std::vector<HexRow> rows;

@@ -29,7 +29,7 @@ struct HexRow {
     size_t offset;
     std::vector<uint8_t> bytes;
 };
-const Fields<HexRow>& HexRowFields();
+extern const Fields<HexRow> kHexRowFields;
 std::vector<HexRow> HexRowsOf(Bytes bytes);
 
 // Hexadecimal digits in pairs, with blanks, ':' or '-' between the bytes; false for anything else.

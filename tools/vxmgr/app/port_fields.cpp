@@ -26,7 +26,7 @@ Fields<Port> KeysWith(unsigned shown) {
          column(kAdapterSerial, "ADAPTER"), kSerial.OrNull(), &Port::Serial, "", 14},
     };
     if ((shown & kOldSerialKey) != 0) {
-        rows.push_back({PortSerialAlias(), std::identity()});
+        rows.push_back({kPortSerialAlias, std::identity()});
     }
     return rows;
 }
@@ -44,17 +44,11 @@ const Fields<Port>& PortKeys(unsigned shown) {
     return made.try_emplace(shown, KeysWith(shown)).first->second;
 }
 
-const Fields<Port>& PortSerialAlias() {
-    static const Fields<Port> kFields = {
-        {"serial", "", kSerial.OrNull(), &Port::Serial, "the same as adapter_serial"}};
-    return kFields;
-}
+const Fields<Port> kPortSerialAlias = {
+    {"serial", "", kSerial.OrNull(), &Port::Serial, "the same as adapter_serial"}};
 
-const Fields<Port>& PortStatus() {
-    static const Fields<Port> kFields = {
-        {"status", "Status", kText.OrNull().Quiet(),
-         [](const Port& port) { return StatusValue(port.failure); }, kPortStatusAbout}};
-    return kFields;
-}
+const Fields<Port> kPortStatus = {{"status", "Status", kText.OrNull().Quiet(),
+                                   [](const Port& port) { return StatusValue(port.failure); },
+                                   kPortStatusAbout}};
 
 }  // namespace vxmgr

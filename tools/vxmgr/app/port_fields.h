@@ -21,11 +21,11 @@ enum PortKey : unsigned {
 const Fields<Port>& PortKeys(unsigned shown = kPortIndex);
 
 // That older key: where documents had it before adapter_serial.
-const Fields<Port>& PortSerialAlias();
+extern const Fields<Port> kPortSerialAlias;
 
 // The status that the port failed with, null for none.
 inline constexpr char kPortStatusAbout[] = "null, or the status that made the port fail";
-const Fields<Port>& PortStatus();
+extern const Fields<Port> kPortStatus;
 
 std::optional<Wwn> PortNameOf(const Port& port);
 

@@ -385,7 +385,7 @@ CommandRows BindChangeCommands() {
          .arguments = kAddArguments,
          .run = BindAdd,
          .example = "bind add -t wwn:2b:00:02:45:4d:00:01:00 --id 5 -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
         {.path = "bind remove",
          .risk = Risk::Reversible,
          .help = "remove a binding from the store",
@@ -393,7 +393,7 @@ CommandRows BindChangeCommands() {
          .arguments = kRemoveArguments,
          .run = BindRemove,
          .example = "bind remove -t 0:5 -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
         {.path = "bind swap",
          .risk = Risk::InterruptsIo,
          .help = "put a target in the place of another",
@@ -401,7 +401,7 @@ CommandRows BindChangeCommands() {
          .arguments = kSwapArguments,
          .run = BindSwap,
          .example = "bind swap -t 0:5 --with wwn:2b:00:02:45:4d:00:02:00 -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
         {.path = "bind apply",
          .risk = Risk::InterruptsIo,
          .help = "bind in the driver what is stored",
@@ -409,7 +409,7 @@ CommandRows BindChangeCommands() {
          .arguments = kApplyArguments,
          .run = BindApply,
          .example = "bind apply --masks -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
     };
     return kCommands;
 }

@@ -38,43 +38,41 @@ constexpr auto kAddressText = [](const auto& binding) {
                      .Shown(std::to_string(binding.bus) + ":" + std::to_string(binding.target)));
 };
 
-const Fields<BindRow>& BindRowFields() {
-    using Stored = HX_TARGET_ENTRY;
-    using Live = HX_DEVICE_RECORD;
-    constexpr auto kNumber = kInteger.OrNull();
-    constexpr auto kFlags = Hexadecimal(2).OrNull();
-    static const Fields<BindRow> kFields = {
-        {PortKeys(), &BindRow::port},
-        {"serial", "Adapter", kSerial.OrNull(), &BindRow::Serial},
-        {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
-         NamedBy<&Stored::portName, &Live::portName, Wwn::Of>,
-         "port name; null in the row of a port that failed"},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         NamedBy<&Stored::nodeName, &Live::nodeName, Wwn::Of>},
-        {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
-         NamedBy<&Stored::portId, &Live::portId, PortIdOf>},
-        {"slot", "Slot", "SLOT", kNumber, &BindRow::Slot, "place in the stored block"},
-        {"stored_bus", "Stored bus", kNumber, Of(&BindRow::stored, Packed<&Stored::bus>)},
-        {"stored_target", "Stored target", "STORED", kNumber, Of(&BindRow::stored, kAddressText)},
-        {"stored_target_number", "Stored target number", kNumber,
-         Of(&BindRow::stored, Packed<&Stored::targetNumber>)},
-        {"stored_flags", "Stored flags", "STORED FLAGS", kFlags,
-         Of(&BindRow::stored, Packed<&Stored::bindingFlags>)},
-        {"stored_lun_base", "Stored LUN base", kNumber,
-         Of(&BindRow::stored, Packed<&Stored::lunBase>)},
-        {"live_bus", "Live bus", kNumber, Of(&BindRow::live, Packed<&Live::bus>)},
-        {"live_target", "Live target", "LIVE", kNumber, Of(&BindRow::live, kAddressText)},
-        {"live_target_number", "Live target number", kNumber,
-         Of(&BindRow::live, Packed<&Live::targetNumber>)},
-        {"live_flags", "Live flags", "LIVE FLAGS", kFlags,
-         Of(&BindRow::live, Packed<&Live::bindingFlags>)},
-        {"status", "Status", kText.OrNull(),
-         [](const BindRow& row) { return StatusValue(row.port->failure); }},
-    };
-    return kFields;
-}
+constexpr auto kNumber = kInteger.OrNull();
+constexpr auto kFlags = Hexadecimal(2).OrNull();
+const Fields<BindRow> kBindRowFields = {
+    {PortKeys(), &BindRow::port},
+    {"serial", "Adapter", kSerial.OrNull(), &BindRow::Serial},
+    {"target_wwn", "Target", "TARGET", kWwn.OrNull(),
+     NamedBy<&HX_TARGET_ENTRY::portName, &HX_DEVICE_RECORD::portName, Wwn::Of>,
+     "port name; null in the row of a port that failed"},
+    {"node_wwn", "Node name", kWwn.OrNull(),
+     NamedBy<&HX_TARGET_ENTRY::nodeName, &HX_DEVICE_RECORD::nodeName, Wwn::Of>},
+    {"port_id", "Port identifier", "PORT ID", Hexadecimal(6).OrNull(),
+     NamedBy<&HX_TARGET_ENTRY::portId, &HX_DEVICE_RECORD::portId, PortIdOf>},
+    {"slot", "Slot", "SLOT", kNumber, &BindRow::Slot, "place in the stored block"},
+    {"stored_bus", "HX_TARGET_ENTRY bus", kNumber,
+     Of(&BindRow::stored, Packed<&HX_TARGET_ENTRY::bus>)},
+    {"stored_target", "HX_TARGET_ENTRY target", "STORED", kNumber,
+     Of(&BindRow::stored, kAddressText)},
+    {"stored_target_number", "HX_TARGET_ENTRY target number", kNumber,
+     Of(&BindRow::stored, Packed<&HX_TARGET_ENTRY::targetNumber>)},
+    {"stored_flags", "HX_TARGET_ENTRY flags", "STORED FLAGS", kFlags,
+     Of(&BindRow::stored, Packed<&HX_TARGET_ENTRY::bindingFlags>)},
+    {"stored_lun_base", "HX_TARGET_ENTRY LUN base", kNumber,
+     Of(&BindRow::stored, Packed<&HX_TARGET_ENTRY::lunBase>)},
+    {"live_bus", "HX_DEVICE_RECORD bus", kNumber,
+     Of(&BindRow::live, Packed<&HX_DEVICE_RECORD::bus>)},
+    {"live_target", "HX_DEVICE_RECORD target", "LIVE", kNumber, Of(&BindRow::live, kAddressText)},
+    {"live_target_number", "HX_DEVICE_RECORD target number", kNumber,
+     Of(&BindRow::live, Packed<&HX_DEVICE_RECORD::targetNumber>)},
+    {"live_flags", "HX_DEVICE_RECORD flags", "LIVE FLAGS", kFlags,
+     Of(&BindRow::live, Packed<&HX_DEVICE_RECORD::bindingFlags>)},
+    {"status", "Status", kText.OrNull(),
+     [](const BindRow& row) { return StatusValue(row.port->failure); }},
+};
 
-const auto kBindListFields = ListOf("bindings", "Bindings", BindRowFields(), "no bindings",
+const auto kBindListFields = ListOf("bindings", "Bindings", kBindRowFields, "no bindings",
                                     "a binding that is in one store alone has null for the other");
 
 const HX_DEVICE_RECORD* LiveBindingOf(const Port& port, const KnownTarget* known) {

@@ -224,7 +224,7 @@ CommandRows LunmaskCommands() {
          .arguments = kChangeArguments,
          .run = ChangeMask<true>,
          .example = "lunmask allow 0-7,12 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
         {.path = "lunmask deny",
          .risk = Risk::InterruptsIo,
          .help = "hide LUNs of a target from the host",
@@ -232,7 +232,7 @@ CommandRows LunmaskCommands() {
          .arguments = kChangeArguments,
          .run = ChangeMask<false>,
          .example = "lunmask deny 3 -t wwn:2b:00:02:45:4d:00:01:00 -p scsi:3",
-         .result = ShapeOf<StoreChangeFields>},
+         .result = ShapeOf<kStoreChangeFields>},
     };
     return kCommands;
 }

@@ -92,15 +92,12 @@ std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN
     return Compare(before, after);
 }
 
-const Fields<DifferenceRow>& DifferenceFields() {
-    static constexpr const char* kActions[] = {kAdded, kRemoved, kChanged};
-    static const Fields<DifferenceRow> kFields = {
-        {"action", "Action", "ACTION", Choice(kActions), &DifferenceRow::action},
-        {"target_wwn", "Target", "TARGET", kWwn, &DifferenceRow::target},
-        {"node_wwn", "Node name", kWwn, &DifferenceRow::node},
-        {"what", "What", "WHAT", kText.OrNull(), &DifferenceRow::what},
-    };
-    return kFields;
-}
+constexpr const char* kActions[] = {kAdded, kRemoved, kChanged};
+const Fields<DifferenceRow> kDifferenceFields = {
+    {"action", "Action", "ACTION", Choice(kActions), &DifferenceRow::action},
+    {"target_wwn", "Target", "TARGET", kWwn, &DifferenceRow::target},
+    {"node_wwn", "Node name", kWwn, &DifferenceRow::node},
+    {"what", "What", "WHAT", kText.OrNull(), &DifferenceRow::what},
+};
 
 }  // namespace vxmgr

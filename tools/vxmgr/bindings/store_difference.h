@@ -16,6 +16,6 @@ struct DifferenceRow {
 std::vector<DifferenceRow> DifferencesOf(const HX_TARGET_DATA& before, const HX_TARGET_DATA& after);
 std::vector<DifferenceRow> DifferencesOf(const HX_LUN_DATA& before, const HX_LUN_DATA& after);
 
-const Fields<DifferenceRow>& DifferenceFields();
+extern const Fields<DifferenceRow> kDifferenceFields;
 
 }  // namespace vxmgr

@@ -45,14 +45,11 @@ Json ParseOnce(std::string_view text) {
     }
 }
 
-const Fields<DocumentPort>& DocumentPortFields() {
-    static const Fields<DocumentPort> kFields = {
-        {"port_wwn", "", kText, [](const DocumentPort& p) { return p.portName.Digits(); }},
-        {"node_wwn", "", kText, [](const DocumentPort& p) { return p.nodeName.Digits(); }},
-        {"serial", "", kText, &DocumentPort::serial},
-    };
-    return kFields;
-}
+const Fields<DocumentPort> kDocumentPortFields = {
+    {"port_wwn", "", kText, [](const DocumentPort& p) { return p.portName.Digits(); }},
+    {"node_wwn", "", kText, [](const DocumentPort& p) { return p.nodeName.Digits(); }},
+    {"serial", "", kText, &DocumentPort::serial},
+};
 
 }  // namespace
 
@@ -178,7 +175,7 @@ Fields<DocumentPort> DocumentHeadFields(DocumentKind kind) {
     return {
         {"document", "", Choice(kind), [kind](const DocumentPort&) { return kind.front(); }},
         {"version", "", version, [](const DocumentPort&) { return kVersions[0]; }},
-        {"port", "", DocumentPortFields(), [](const DocumentPort& port) { return &port; },
+        {"port", "", kDocumentPortFields, [](const DocumentPort& port) { return &port; },
          "the adapter port that the data was stored for", kGroup},
     };
 }
@@ -191,7 +188,7 @@ DocumentPort ReadDocumentHead(const DocumentObject& document, DocumentKind kind)
         document.Fail("version", std::to_string(version) + " is not known; 1 is");
     }
     const DocumentObject port = document.Object("port");
-    port.Close(DocumentPortFields().ShapeOfAll());
+    port.Close(kDocumentPortFields.ShapeOfAll());
     return {port.Name("port_wwn"), port.Name("node_wwn"), port.Text("serial")};
 }
 

@@ -16,27 +16,21 @@ Value OutcomeValue(const StoreStep& row) {
 
 }  // namespace
 
-const Fields<StoreStep>& StoreStepFields() {
-    static constexpr const char* kStores[] = {kInRegistry, kLive};
-    static const Fields<StoreStep> kFields = {
-        {"store", "Store", "STORE", Choice(kStores), &StoreStep::store},
-        {"target_wwn", "Target", "TARGET", kWwn, &StoreStep::target},
-        {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), OutcomeValue,
-         "planned: by a dry run; pending: takes effect at the driver's next start"},
-        {"what", "What", "WHAT", kText.OrNull(), &StoreStep::what},
-        {"status", "Status", kText.OrNull(),
-         [](const StoreStep& row) { return StatusValue(row.status); }},
-    };
-    return kFields;
-}
+constexpr const char* kStores[] = {kInRegistry, kLive};
+const Fields<StoreStep> kStoreStepFields = {
+    {"store", "Store", "STORE", Choice(kStores), &StoreStep::store},
+    {"target_wwn", "Target", "TARGET", kWwn, &StoreStep::target},
+    {"outcome", "Outcome", "OUTCOME", Choice(kOutcomes), OutcomeValue,
+     "planned: by a dry run; pending: takes effect at the driver's next start"},
+    {"what", "What", "WHAT", kText.OrNull(), &StoreStep::what},
+    {"status", "Status", kText.OrNull(),
+     [](const StoreStep& row) { return StatusValue(row.status); }},
+};
 
-const Fields<StoreChangeResult>& StoreChangeFields() {
-    static const Fields<StoreChangeResult> kFields = {
-        {PortKeys(kNoPortKey), &StoreChangeResult::port},
-        {"steps", "Steps", StoreStepFields(), &StoreChangeResult::steps, "nothing to do"},
-    };
-    return kFields;
-}
+const Fields<StoreChangeResult> kStoreChangeFields = {
+    {PortKeys(kNoPortKey), &StoreChangeResult::port},
+    {"steps", "Steps", kStoreStepFields, &StoreChangeResult::steps, "nothing to do"},
+};
 
 void Steps::AddRow(const char* store, const Wwn& target, Outcome outcome, const std::string& what,
                    HX_STATUS status) {
@@ -117,7 +111,7 @@ ExitCode Steps::Finish() {
 }
 
 ExitCode Steps::FinishResult() {
-    invocation_.Result() = StoreChangeFields().Make({&port_, rows_});
+    invocation_.Result() = kStoreChangeFields.Make({&port_, rows_});
     return Finish();
 }
 

@@ -37,14 +37,14 @@ struct StoreStep {
     std::string what;
     HX_STATUS status;
 };
-const Fields<StoreStep>& StoreStepFields();
+extern const Fields<StoreStep> kStoreStepFields;
 
 // The result of a command that changes what is bound or masked.
 struct StoreChangeResult {
     const Port* port;
     std::vector<StoreStep> steps;
 };
-const Fields<StoreChangeResult>& StoreChangeFields();
+extern const Fields<StoreChangeResult> kStoreChangeFields;
 
 class Steps {
   public:

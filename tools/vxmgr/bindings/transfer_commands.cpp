@@ -108,10 +108,10 @@ template <bool toStore>
 const Fields<ImportResult>& ImportFields() {
     static const Fields<ImportResult> kFields = {
         {PortKeys(kNoPortKey), &ImportResult::port},
-        {"differences", "Differences", DifferenceFields(), &ImportResult::differences,
+        {"differences", "Differences", kDifferenceFields, &ImportResult::differences,
          toStore ? "no target changes in the store" : "", "against what was stored before"},
         {"stored", "Stored", kFlag, &ImportResult::stored, "the store was written"},
-        {"steps", "Steps", StoreStepFields(), &ImportResult::steps, "nothing to do",
+        {"steps", "Steps", kStoreStepFields, &ImportResult::steps, "nothing to do",
          "what was done in the driver"},
     };
     return kFields;

@@ -112,8 +112,8 @@ struct DportResult {
 
 const Fields<DportResult> kDportFields = {
     {PortKeys(), &DportResult::port},
-    {DportOutcomeFields(), &DportResult::outcome},
-    {"data", "Results", HexRowFields(), &DportResult::data, "no data"},
+    {kDportOutcomeFields, &DportResult::outcome},
+    {"data", "Results", kHexRowFields, &DportResult::data, "no data"},
 };
 
 struct MailboxRegister {

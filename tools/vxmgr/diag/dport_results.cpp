@@ -58,25 +58,22 @@ DportOutcome DecodeDport(const HX_DPORT_RESULT_EX2& result) {
     return outcome;
 }
 
-const Fields<DportOutcome>& DportOutcomeFields() {
-    using Outcome = DportOutcome;
-    using LaneResult = Outcome::LaneResult;
-    static const Fields<LaneResult> kLane = {
-        {"place", "Place", "PLACE", kInteger, &LaneResult::place,
-         "among the results of lanes and tests, from 0"},
-        {"code", "Code", "CODE", Hexadecimal(2), &LaneResult::code, "of the firmware"},
-    };
-    static const Fields<Outcome> kFields = {
-        {"state", "State", Choice(kDportStates).OrNull(), StateOfDport},
-        {"state_word", "", Hexadecimal(4), &Outcome::stateWord},
-        {"hop", "Tested up to", Choice(kHops).OrNull(),
-         [](const Outcome& outcome) { return NameAt(kHops, outcome.hopWord, 1); }},
-        {"hop_word", "", Hexadecimal(4), &Outcome::hopWord},
-        {"tests", "Tests", kInteger, &Outcome::tests},
-        {"verdict", "Verdict", Choice(kVerdicts).OrNull(), VerdictOfDport},
-        {"failed", "Failed", kLane, &Outcome::failed, "no lane failed"},
-    };
-    return kFields;
-}
+using LaneResult = DportOutcome::LaneResult;
+
+const Fields<LaneResult> kLaneResultFields = {
+    {"place", "Place", "PLACE", kInteger, &LaneResult::place,
+     "among the results of lanes and tests, from 0"},
+    {"code", "Code", "CODE", Hexadecimal(2), &LaneResult::code, "of the firmware"},
+};
+const Fields<DportOutcome> kDportOutcomeFields = {
+    {"state", "State", Choice(kDportStates).OrNull(), StateOfDport},
+    {"state_word", "", Hexadecimal(4), &DportOutcome::stateWord},
+    {"hop", "Tested up to", Choice(kHops).OrNull(),
+     [](const DportOutcome& outcome) { return NameAt(kHops, outcome.hopWord, 1); }},
+    {"hop_word", "", Hexadecimal(4), &DportOutcome::hopWord},
+    {"tests", "Tests", kInteger, &DportOutcome::tests},
+    {"verdict", "Verdict", Choice(kVerdicts).OrNull(), VerdictOfDport},
+    {"failed", "Failed", kLaneResultFields, &DportOutcome::failed, "no lane failed"},
+};
 
 }  // namespace vxmgr

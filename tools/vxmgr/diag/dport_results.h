@@ -23,6 +23,6 @@ struct DportOutcome {
 };
 
 DportOutcome DecodeDport(const HX_DPORT_RESULT_EX2& result);
-const Fields<DportOutcome>& DportOutcomeFields();
+extern const Fields<DportOutcome> kDportOutcomeFields;
 
 }  // namespace vxmgr

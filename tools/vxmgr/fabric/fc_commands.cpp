@@ -85,7 +85,7 @@ const Fields<FabricNodeResult> kFabricNodeFields = {
      [](const FabricNodeResult& result) { return result.port->scsiPort; }},
     {"adapter_serial", "", kSerial.OrNull(),
      [](const FabricNodeResult& result) { return result.port->Serial(); }},
-    {NodeIdentificationFields(), &FabricNodeResult::node},
+    {kNodeIdentificationFields, &FabricNodeResult::node},
 };
 
 struct RemoteErrorsResult {
@@ -98,7 +98,7 @@ const Fields<RemoteErrorsResult> kRemoteErrorsFields = {
     {PortKeys(kNoPortKey), &RemoteErrorsResult::port},
     {"port_id", "Port ID", Hexadecimal(6), &RemoteErrorsResult::portId,
      "of the port that answered"},
-    {"errors", "Link errors", LinkErrorsFields(), &RemoteErrorsResult::errors, "", kGroup},
+    {"errors", "Link errors", kLinkErrorsFields, &RemoteErrorsResult::errors, "", kGroup},
 };
 
 struct EchoResult {
@@ -136,7 +136,7 @@ struct FabricResponse {
 
 const Fields<FabricResponse> kFabricResponseFields = {
     {"file", "File", kText.OrAbsent(), &FabricResponse::file},
-    {"data", "Response", HexRowFields(), &FabricResponse::data, "no data"},
+    {"data", "Response", kHexRowFields, &FabricResponse::data, "no data"},
 };
 
 FabricResponse TakeResponse(Invocation& invocation, Bytes response) {

@@ -1,6 +1,7 @@
 #include "vxmgr/fabric/fc_els.h"
 
 #include "vxmgr/app/code_text.h"
+#include "vxmgr/app/getters.h"
 
 namespace vxmgr {
 namespace {
@@ -91,17 +92,14 @@ std::optional<LinkErrors> DecodeLinkErrors(Bytes answer) {
     return LinkErrors{counter(0), counter(1), counter(2), counter(3), counter(4), counter(5)};
 }
 
-const Fields<LinkErrors>& LinkErrorsFields() {
-    static const Fields<LinkErrors> kFields = {
-        {"link_failures", "Link failures", kInteger, &LinkErrors::linkFailures},
-        {"losses_of_sync", "Losses of sync", kInteger, &LinkErrors::lossesOfSync},
-        {"losses_of_signal", "Losses of signal", kInteger, &LinkErrors::lossesOfSignal},
-        {"protocol_errors", "Primitive sequence errors", kInteger, &LinkErrors::protocolErrors},
-        {"invalid_words", "Invalid transmission words", kInteger, &LinkErrors::invalidWords},
-        {"crc_errors", "CRC errors", kInteger, &LinkErrors::crcErrors},
-    };
-    return kFields;
-}
+const Fields<LinkErrors> kLinkErrorsFields = {
+    {"link_failures", "Link failures", kInteger, &LinkErrors::linkFailures},
+    {"losses_of_sync", "Losses of sync", kInteger, &LinkErrors::lossesOfSync},
+    {"losses_of_signal", "Losses of signal", kInteger, &LinkErrors::lossesOfSignal},
+    {"protocol_errors", "Primitive sequence errors", kInteger, &LinkErrors::protocolErrors},
+    {"invalid_words", "Invalid transmission words", kInteger, &LinkErrors::invalidWords},
+    {"crc_errors", "CRC errors", kInteger, &LinkErrors::crcErrors},
+};
 
 std::string ElsReasonText(uint8_t reason, uint8_t explanation) {
     return TextOrNumber(kElsReasons, reason, "reason") + ": " +
@@ -128,33 +126,25 @@ NodeIdentification DecodeNodeIdentification(Bytes answer) {
     return node;
 }
 
-const Fields<NodeIdentification>& NodeIdentificationFields() {
-    using Node = NodeIdentification;
-    const auto unitType = [](const Node& node) {
-        return node.topology
-                   ? TextOrNumber(kUnitTypes,
-                                  static_cast<uint32_t>(BigEndian(node.topology->unitType)), "type")
-                   : "";
-    };
-    const auto portNumber = [](const Node& node) {
-        return node.topology ? Hex(BigEndian(node.topology->portNumber), 6) : "";
-    };
-    const auto attachedNodes = [](const Node& node) {
-        return node.topology ? std::optional(BigEndian(node.topology->attachedNodes))
-                             : std::nullopt;
-    };
-    static const Fields<Node> kFields = {
-        {"format", "Format", Hexadecimal(2), &Node::format},
-        {"port_wwn", "Port name", kWwn.OrNull(),
-         [](const Node& node) { return NameUnlessZero(node.portName); },
-         "of the port that answered"},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         [](const Node& node) { return NameUnlessZero(node.nodeName); }},
-        {"unit_type", "Unit type", kText.OrNull(), unitType},
-        {"port_number", "Port number", kText.OrNull(), portNumber},
-        {"attached_nodes", "Attached nodes", kInteger.OrNull(), attachedNodes},
-    };
-    return kFields;
-}
+const Fields<NodeIdentification> kNodeIdentificationFields = {
+    {"format", "Format", Hexadecimal(2), &NodeIdentification::format},
+    {"port_wwn", "Port name", kWwn.OrNull(),
+     [](const NodeIdentification& node) { return NameUnlessZero(node.portName); },
+     "of the port that answered"},
+    {"node_wwn", "Node name", kWwn.OrNull(),
+     [](const NodeIdentification& node) { return NameUnlessZero(node.nodeName); }},
+    {"unit_type", "Unit type", kText.OrNull(),
+     Of(&NodeIdentification::topology,
+        [](const NodeIdTopology& topology) {
+            const auto type = static_cast<uint32_t>(BigEndian(topology.unitType));
+            return TextOrNumber(kUnitTypes, type, "type");
+        })},
+    {"port_number", "Port number", kText.OrNull(),
+     Of(&NodeIdentification::topology,
+        [](const NodeIdTopology& topology) { return Hex(BigEndian(topology.portNumber), 6); })},
+    {"attached_nodes", "Attached nodes", kInteger.OrNull(),
+     Of(&NodeIdentification::topology,
+        [](const NodeIdTopology& topology) { return BigEndian(topology.attachedNodes); })},
+};
 
 }  // namespace vxmgr

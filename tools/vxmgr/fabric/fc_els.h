@@ -28,7 +28,7 @@ struct LinkErrors {
     uint64_t crcErrors = 0;
 };
 std::optional<LinkErrors> DecodeLinkErrors(Bytes answer);
-const Fields<LinkErrors>& LinkErrorsFields();
+extern const Fields<LinkErrors> kLinkErrorsFields;
 
 // The two codes of an LS_RJT in words, and as numbers.
 std::string ElsReasonText(uint8_t reason, uint8_t explanation);
@@ -44,6 +44,6 @@ struct NodeIdentification {
     std::optional<formats::NodeIdTopology> topology;
 };
 NodeIdentification DecodeNodeIdentification(Bytes answer);
-const Fields<NodeIdentification>& NodeIdentificationFields();
+extern const Fields<NodeIdentification> kNodeIdentificationFields;
 
 }  // namespace vxmgr

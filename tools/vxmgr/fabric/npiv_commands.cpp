@@ -88,7 +88,7 @@ const Fields<NpivRow> kNpivFields = {
     {"fdisc_rejects", "FDISCs rejected", kCounter.OrNull(),
      Attribute(Packed<&NpivAttributes::fdiscRejects>)},
     {"virtual_ports", "Virtual ports", kVirtualPortFields, &NpivRow::Ports},
-    {PortStatus(), &NpivRow::port},
+    {kPortStatus, &NpivRow::port},
 };
 const auto kNpivListFields = ListOf("ports", "Ports", kNpivFields, ListLayout::Inner, "no ports");
 

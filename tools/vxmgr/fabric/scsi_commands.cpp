@@ -80,7 +80,7 @@ template <class Result>
 Fields<Result> UnitFields(std::initializer_list<FieldRow<Result>> own) {
     std::vector<FieldRow<Result>> rows = {{PortKeys(kNoPortKey), &Result::port}};
     rows.insert(rows.end(), own);
-    rows.push_back({"sense", "Sense data", SenseFields(), &Result::sense,
+    rows.push_back({"sense", "Sense data", kSenseFields, &Result::sense,
                     "when the unit answered with a check condition"});
     return rows;
 }
@@ -92,9 +92,9 @@ struct InquiryResult : UnitResult {
 };
 
 const auto kInquiryResultFields = UnitFields<InquiryResult>({
-    {"inquiry", "Logical unit", InquiryFields(), &InquiryResult::inquiry},
-    {"vpd", "Vital product data", ScsiVpdFields(), &InquiryResult::vpd, "with --page"},
-    {"data", "Data", HexRowFields(), &InquiryResult::data, "no data",
+    {"inquiry", "Logical unit", kInquiryFields, &InquiryResult::inquiry},
+    {"vpd", "Vital product data", kScsiVpdFields, &InquiryResult::vpd, "with --page"},
+    {"data", "Data", kHexRowFields, &InquiryResult::data, "no data",
      "the bytes as they came, sixteen a row"},
 });
 
@@ -103,7 +103,7 @@ struct CapacityResult : UnitResult {
 };
 
 const auto kCapacityResultFields =
-    UnitFields<CapacityResult>({{CapacityFields(), &CapacityResult::capacity}});
+    UnitFields<CapacityResult>({{kCapacityFields, &CapacityResult::capacity}});
 
 struct LunsResult : UnitResult {
     std::optional<std::vector<LunEntry>> luns;
@@ -112,7 +112,7 @@ struct LunsResult : UnitResult {
 };
 
 const auto kLunsResultFields = UnitFields<LunsResult>({
-    {"luns", "Logical units", LunEntryFields(), &LunsResult::luns, "no logical units"},
+    {"luns", "Logical units", kLunEntryFields, &LunsResult::luns, "no logical units"},
     {"made_by_probing", "Made by probing", kFlag.OrAbsent(), &LunsResult::probed,
      "the target refuses REPORT LUNS: LUNs 0 to 7 were asked one by one"},
     {"truncated", "Truncated", kFlag.OrAbsent(), &LunsResult::truncated},
@@ -131,7 +131,7 @@ const auto kRawResultFields = UnitFields<RawResult>({
     {"sent", "Data sent", Integer("bytes"), &RawResult::sent},
     {"status", "Status", kText.OrAbsent(), Of(&RawResult::status, StatusName), "none of a dry run"},
     {"file", "File", kText.OrAbsent(), &RawResult::file},
-    {"data", "Data", HexRowFields(), &RawResult::data, "no data"},
+    {"data", "Data", kHexRowFields, &RawResult::data, "no data"},
 });
 
 ExitCode StandardInquiry(Invocation& invocation, ScsiUnit& unit, InquiryResult& result) {

@@ -92,28 +92,22 @@ std::vector<Designator> DesignatorsOf(Bytes body) {
     return designators;
 }
 
-const Fields<uint8_t>& PageFields() {
-    static const Fields<uint8_t> kFields = {
-        {"page", "Page", "PAGE", kText, [](uint8_t page) { return Hex(page, 2); }},
-        {"name", "Name", "NAME", kText.OrNull(), VpdPageName},
-    };
-    return kFields;
-}
+const Fields<uint8_t> kPageFields = {
+    {"page", "Page", "PAGE", kText, [](uint8_t page) { return Hex(page, 2); }},
+    {"name", "Name", "NAME", kText.OrNull(), VpdPageName},
+};
 
-const Fields<Designator>& DesignatorFields() {
-    const auto association = [](const Designator& d) {
-        return TextOfCode(kAssociations, d.head.association >> 4 & 3, "reserved");
-    };
-    const auto typeText = [](const Designator& d) {
-        return TextOfCode(kDesignators, d.Type(), "type " + Hex(d.Type(), 1));
-    };
-    static const Fields<Designator> kFields = {
-        {"association", "Names the", "NAMES THE", kText, association},
-        {"type", "Type", "TYPE", kText, typeText},
-        {"identifier", "Identifier", "IDENTIFIER", kSerial.OrNull(), IdentifierValue},
-    };
-    return kFields;
-}
+const Fields<Designator> kDesignatorFields = {
+    {"association", "Names the", "NAMES THE", kText,
+     [](const Designator& d) {
+         return TextOfCode(kAssociations, d.head.association >> 4 & 3, "reserved");
+     }},
+    {"type", "Type", "TYPE", kText,
+     [](const Designator& d) {
+         return TextOfCode(kDesignators, d.Type(), "type " + Hex(d.Type(), 1));
+     }},
+    {"identifier", "Identifier", "IDENTIFIER", kSerial.OrNull(), IdentifierValue},
+};
 
 }  // namespace
 
@@ -138,31 +132,28 @@ InquiryData DecodeInquiry(Bytes data) {
     return Padded<InquiryData>(Part(data, 0, InquiryLength(data)));
 }
 
-const Fields<InquiryData>& InquiryFields() {
-    const auto presence = [](const InquiryData& inquiry) {
-        const uint8_t code = inquiry.peripheral >> 5;
-        return Value::Text(TextOfCode(kQualifiers, code, "qualifier " + Hex(code, 1)))
-            .In(code == 0 ? Tone::Good : Tone::Warning);
-    };
-    const auto standard = [](const InquiryData& inquiry) {
-        return TextOfCode(kVersions, inquiry.version, Hex(inquiry.version, 2));
-    };
-    static const Fields<InquiryData> kFields = {
-        {"device_type", "Device type", kText,
-         [](const InquiryData& inquiry) { return DeviceTypeName(inquiry.peripheral); }},
-        {"qualifier", "Presence", kText, presence},
-        {"vendor", "Vendor", kText.OrNull(), TextOf<&InquiryData::vendor>},
-        {"product", "Product", kText.OrNull(), TextOf<&InquiryData::product>},
-        {"revision", "Revision", kText.OrNull(), TextOf<&InquiryData::revision>},
-        {"standard", "Standard", kText, standard},
-        {"removable", "Removable medium", kFlag, Bit<&InquiryData::removable, 0x80>},
-        {"command_queuing", "Command queuing", kFlag, Bit<&InquiryData::flags7, 0x02>},
-        {"multiple_ports", "Several ports", kFlag, Bit<&InquiryData::flags6, 0x10>},
-        {"asymmetric_access", "Asymmetric access", kFlag, Bit<&InquiryData::flags5, 0x30>},
-        {"protection", "Protection information", kFlag, Bit<&InquiryData::flags5, 0x01>},
-    };
-    return kFields;
-}
+const Fields<InquiryData> kInquiryFields = {
+    {"device_type", "Device type", kText,
+     [](const InquiryData& inquiry) { return DeviceTypeName(inquiry.peripheral); }},
+    {"qualifier", "Presence", kText,
+     [](const InquiryData& inquiry) {
+         const uint8_t code = inquiry.peripheral >> 5;
+         return Value(Value::Text(TextOfCode(kQualifiers, code, "qualifier " + Hex(code, 1)))
+                          .In(code == 0 ? Tone::Good : Tone::Warning));
+     }},
+    {"vendor", "Vendor", kText.OrNull(), TextOf<&InquiryData::vendor>},
+    {"product", "Product", kText.OrNull(), TextOf<&InquiryData::product>},
+    {"revision", "Revision", kText.OrNull(), TextOf<&InquiryData::revision>},
+    {"standard", "Standard", kText,
+     [](const InquiryData& inquiry) {
+         return TextOfCode(kVersions, inquiry.version, Hex(inquiry.version, 2));
+     }},
+    {"removable", "Removable medium", kFlag, Bit<&InquiryData::removable, 0x80>},
+    {"command_queuing", "Command queuing", kFlag, Bit<&InquiryData::flags7, 0x02>},
+    {"multiple_ports", "Several ports", kFlag, Bit<&InquiryData::flags6, 0x10>},
+    {"asymmetric_access", "Asymmetric access", kFlag, Bit<&InquiryData::flags5, 0x30>},
+    {"protection", "Protection information", kFlag, Bit<&InquiryData::flags5, 0x01>},
+};
 
 ScsiVpdPage DecodeScsiVpd(Bytes data) {
     ScsiVpdPage page{Padded<VpdPageHead>(data), {}, {}, {}};
@@ -177,21 +168,17 @@ ScsiVpdPage DecodeScsiVpd(Bytes data) {
     return page;
 }
 
-const Fields<ScsiVpdPage>& ScsiVpdFields() {
-    static const Fields<ScsiVpdPage> kFields = {
-        {"page", "Page", kText, [](const ScsiVpdPage& vpd) { return Hex(vpd.head.page, 2); }},
-        {"name", "Name", kText.OrNull(),
-         [](const ScsiVpdPage& vpd) { return VpdPageName(vpd.head.page); }},
-        {"device_type", "Device type", kText,
-         [](const ScsiVpdPage& vpd) { return DeviceTypeName(vpd.head.peripheral); }},
-        {"length", "Length", Integer("bytes"),
-         [](const ScsiVpdPage& vpd) { return BigEndian(vpd.head.length); }},
-        {"pages", "Pages", PageFields(), &ScsiVpdPage::pages, "no pages"},
-        {"serial", "Serial number", kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
-        {"identifiers", "Identifiers", DesignatorFields(), &ScsiVpdPage::identifiers,
-         "no identifiers"},
-    };
-    return kFields;
-}
+const Fields<ScsiVpdPage> kScsiVpdFields = {
+    {"page", "Page", kText, [](const ScsiVpdPage& vpd) { return Hex(vpd.head.page, 2); }},
+    {"name", "Name", kText.OrNull(),
+     [](const ScsiVpdPage& vpd) { return VpdPageName(vpd.head.page); }},
+    {"device_type", "Device type", kText,
+     [](const ScsiVpdPage& vpd) { return DeviceTypeName(vpd.head.peripheral); }},
+    {"length", "Length", Integer("bytes"),
+     [](const ScsiVpdPage& vpd) { return BigEndian(vpd.head.length); }},
+    {"pages", "Pages", kPageFields, &ScsiVpdPage::pages, "no pages"},
+    {"serial", "Serial number", kSerial.OrNull().OrAbsent(), &ScsiVpdPage::serial},
+    {"identifiers", "Identifiers", kDesignatorFields, &ScsiVpdPage::identifiers, "no identifiers"},
+};
 
 }  // namespace vxmgr

@@ -13,7 +13,7 @@ std::string VpdPageName(uint8_t page);
 
 // What the data claims to have; zero behind that.
 formats::InquiryData DecodeInquiry(Bytes data);
-const Fields<formats::InquiryData>& InquiryFields();
+extern const Fields<formats::InquiryData> kInquiryFields;
 
 struct Designator {
     formats::DesignatorHead head;
@@ -31,7 +31,7 @@ struct ScsiVpdPage {
     std::optional<std::vector<Designator>> identifiers;
 };
 ScsiVpdPage DecodeScsiVpd(Bytes data);
-const Fields<ScsiVpdPage>& ScsiVpdFields();
+extern const Fields<ScsiVpdPage> kScsiVpdFields;
 
 // How many bytes the data claims to have, its header with it.
 size_t VpdLength(Bytes data);

@@ -176,20 +176,17 @@ std::string SenseText(const Sense& sense) {
            " (" + Codes(sense) + ")" + (sense.deferred ? ", of an earlier command" : "");
 }
 
-const Fields<Sense>& SenseFields() {
-    static const Fields<Sense> kFields = {
-        {"key", "Sense key", Hexadecimal(1), &Sense::key},
-        {"key_name", "Key name", kText, [](const Sense& s) { return SenseKeyName(s.key); }},
-        {"asc", "Additional code", Hexadecimal(2), &Sense::code},
-        {"ascq", "Qualifier", Hexadecimal(2), &Sense::qualifier},
-        {"meaning", "Meaning", kText,
-         [](const Sense& s) { return AdditionalSenseText(s.code, s.qualifier); }},
-        {"deferred", "Of an earlier command", kFlag, &Sense::deferred},
-        {"format", "Format", kText,
-         [](const Sense& s) { return s.descriptorFormat ? "descriptor" : "fixed"; }},
-        {"information", "Information", Hexadecimal(8).OrNull(), &Sense::information},
-    };
-    return kFields;
-}
+const Fields<Sense> kSenseFields = {
+    {"key", "Sense key", Hexadecimal(1), &Sense::key},
+    {"key_name", "Key name", kText, [](const Sense& s) { return SenseKeyName(s.key); }},
+    {"asc", "Additional code", Hexadecimal(2), &Sense::code},
+    {"ascq", "Qualifier", Hexadecimal(2), &Sense::qualifier},
+    {"meaning", "Meaning", kText,
+     [](const Sense& s) { return AdditionalSenseText(s.code, s.qualifier); }},
+    {"deferred", "Of an earlier command", kFlag, &Sense::deferred},
+    {"format", "Format", kText,
+     [](const Sense& s) { return s.descriptorFormat ? "descriptor" : "fixed"; }},
+    {"information", "Information", Hexadecimal(8).OrNull(), &Sense::information},
+};
 
 }  // namespace vxmgr

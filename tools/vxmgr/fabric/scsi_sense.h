@@ -25,6 +25,6 @@ std::string AdditionalSenseText(uint8_t code, uint8_t qualifier);
 // "illegal request: invalid field in CDB (5/24/00)"
 std::string SenseText(const Sense& sense);
 
-const Fields<Sense>& SenseFields();
+extern const Fields<Sense> kSenseFields;
 
 }  // namespace vxmgr

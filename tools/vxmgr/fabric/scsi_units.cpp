@@ -43,19 +43,16 @@ bool NeedsLongForm(const Capacity& capacity) {
     return capacity.lastBlock == UINT32_MAX;
 }
 
-const Fields<Capacity>& CapacityFields() {
-    const auto total = [](const Capacity& capacity) {
-        const auto bytes = capacity.TotalBytes();
-        return bytes ? Value::Number(*bytes).Shown(SizeText(*bytes)) : Value();
-    };
-    static const Fields<Capacity> kFields = {
-        {"bytes", "Capacity", kCounter.OrNull(), total},
-        {"blocks", "Blocks", kCounter.OrNull(), &Capacity::Blocks},
-        {"block_size", "Block size", Integer("bytes"), &Capacity::blockBytes},
-        {"last_block", "Last block", kCounter, &Capacity::lastBlock},
-    };
-    return kFields;
-}
+const Fields<Capacity> kCapacityFields = {
+    {"bytes", "Capacity", kCounter.OrNull(),
+     [](const Capacity& capacity) {
+         const auto bytes = capacity.TotalBytes();
+         return bytes ? Value::Number(*bytes).Shown(SizeText(*bytes)) : Value();
+     }},
+    {"blocks", "Blocks", kCounter.OrNull(), &Capacity::Blocks},
+    {"block_size", "Block size", Integer("bytes"), &Capacity::blockBytes},
+    {"last_block", "Last block", kCounter, &Capacity::lastBlock},
+};
 
 uint64_t LunListLength(Bytes list) {
     return sizeof(LunListHead) + BigEndian(Padded<LunListHead>(list).length);
@@ -84,13 +81,10 @@ std::vector<LunEntry> DecodeLuns(Bytes list) {
     return entries;
 }
 
-const Fields<LunEntry>& LunEntryFields() {
-    static const Fields<LunEntry> kFields = {
-        {"lun", "LUN", "LUN", kInteger.OrNull(), &LunEntry::lun},
-        {"method", "Addressing", "ADDRESSING", kText.OrNull(), &LunEntry::method},
-        {"address", "Address", "ADDRESS", kText.OrNull(), &LunEntry::address},
-    };
-    return kFields;
-}
+const Fields<LunEntry> kLunEntryFields = {
+    {"lun", "LUN", "LUN", kInteger.OrNull(), &LunEntry::lun},
+    {"method", "Addressing", "ADDRESSING", kText.OrNull(), &LunEntry::method},
+    {"address", "Address", "ADDRESS", kText.OrNull(), &LunEntry::address},
+};
 
 }  // namespace vxmgr

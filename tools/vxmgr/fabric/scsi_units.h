@@ -19,7 +19,7 @@ std::optional<Capacity> DecodeCapacity10(Bytes data);
 std::optional<Capacity> DecodeCapacity16(Bytes data);
 bool NeedsLongForm(const Capacity& capacity);
 
-const Fields<Capacity>& CapacityFields();
+extern const Fields<Capacity> kCapacityFields;
 
 // The bytes that the whole list takes, its header with it.
 uint64_t LunListLength(Bytes list);
@@ -31,6 +31,6 @@ struct LunEntry {
     std::string address;  // sixteen digits
 };
 std::vector<LunEntry> DecodeLuns(Bytes list);
-const Fields<LunEntry>& LunEntryFields();
+extern const Fields<LunEntry> kLunEntryFields;
 
 }  // namespace vxmgr

@@ -123,15 +123,10 @@ std::vector<HbaAdapter> ReadAdapters(Invocation& invocation,
 
 using HbaAdapters = std::vector<HbaAdapter>;
 
-template <const Fields<HbaAdapter>& (*fields)(), ListLayout layout>
-const Fields<HbaAdapters>& HbaAdaptersFields() {
-    static const Fields<HbaAdapters> kFields = {
-        {"adapters", "Adapters", fields(), std::identity(), layout, "No adapters."},
-    };
-    return kFields;
-}
-constexpr auto HbaListFields = HbaAdaptersFields<HbaSummaryFields, ListLayout::Table>;
-constexpr auto HbaShowFields = HbaAdaptersFields<HbaDetailFields, ListLayout::Sections>;
+const auto kHbaListFields =
+    ListOf<HbaAdapters>("adapters", "Adapters", kHbaSummaryFields, "No adapters.");
+const auto kHbaShowFields = ListOf<HbaAdapters>("adapters", "Adapters", kHbaDetailFields,
+                                                ListLayout::Sections, "No adapters.");
 
 ExitCode Show(Invocation& invocation, HbaDepth depth, const Fields<HbaAdapters>& fields) {
     const auto file = OwnLibraryFile();
@@ -166,11 +161,11 @@ ExitCode Show(Invocation& invocation, HbaDepth depth, const Fields<HbaAdapters>&
 }
 
 ExitCode HbaList(Invocation& invocation) {
-    return Show(invocation, HbaDepth::Attributes, HbaListFields());
+    return Show(invocation, HbaDepth::Attributes, kHbaListFields);
 }
 
 ExitCode HbaShow(Invocation& invocation) {
-    return Show(invocation, HbaDepth::Everything, HbaShowFields());
+    return Show(invocation, HbaDepth::Everything, kHbaShowFields);
 }
 
 // The entry by which the common library of the standard HBA API finds this vendor's.
@@ -241,12 +236,12 @@ CommandRows HbaapiCommands() {
          .help = "list the adapters as the standard HBA API has them",
          .run = HbaList,
          .example = "hbaapi list",
-         .result = ShapeOf<HbaListFields>},
+         .result = ShapeOf<kHbaListFields>},
         {.path = "hbaapi show",
          .help = "show all that the standard HBA API tells",
          .run = HbaShow,
          .example = "hbaapi show -p scsi:3",
-         .result = ShapeOf<HbaShowFields>},
+         .result = ShapeOf<kHbaShowFields>},
         {.path = "hbaapi register",
          .risk = Risk::Reversible,
          .help = "have the common library of the HBA API find this one",

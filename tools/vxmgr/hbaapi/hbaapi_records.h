@@ -8,7 +8,7 @@ namespace vxmgr {
 
 std::string HbaSerial(const HbaAdapter& adapter);  // empty: none, or not known
 
-const Fields<HbaAdapter>& HbaSummaryFields();
-const Fields<HbaAdapter>& HbaDetailFields();
+extern const Fields<HbaAdapter> kHbaSummaryFields;
+extern const Fields<HbaAdapter> kHbaDetailFields;
 
 }  // namespace vxmgr

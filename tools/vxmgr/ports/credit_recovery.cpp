@@ -38,21 +38,17 @@ Value RecoveryNumber(const Recovery& recovery) {
 
 }  // namespace
 
-const Fields<Recovery>& CreditRecoveryFields() {
-    constexpr auto kNumber = kInteger.OrNull().Quiet();
-    constexpr auto kCount = kCounter.OrNull().Quiet();
-    static const Fields<Recovery> kFields = {
-        {"state", "State", Choice(kRecoveryStates).OrNull(), RecoveryState},
-        {"reason", "Why it is off", Choice(kRecoveryReasons).OrNull().Quiet(), RecoveryReason},
-        {"configured", "Own BB_SC_N", kNumber, RecoveryNumber<&Recovery::configured>},
-        {"attached", "Attached port's BB_SC_N", kNumber, RecoveryNumber<&Recovery::attached>},
-        {"negotiated", "Negotiated BB_SC_N", kNumber, RecoveryNumber<&Recovery::negotiated>,
-         "a BB_SC primitive every 2^N frames; 0: none"},
-        {"credits_recovered", "Credits recovered", kCount,
-         RecoveryNumber<&Recovery::creditsRecovered>},
-        {"frames_lost", "Frames lost", kCount, RecoveryNumber<&Recovery::framesLost>},
-    };
-    return kFields;
-}
+constexpr auto kNumber = kInteger.OrNull().Quiet();
+constexpr auto kCount = kCounter.OrNull().Quiet();
+const Fields<Recovery> kCreditRecoveryFields = {
+    {"state", "State", Choice(kRecoveryStates).OrNull(), RecoveryState},
+    {"reason", "Why it is off", Choice(kRecoveryReasons).OrNull().Quiet(), RecoveryReason},
+    {"configured", "Own BB_SC_N", kNumber, RecoveryNumber<&Recovery::configured>},
+    {"attached", "Attached port's BB_SC_N", kNumber, RecoveryNumber<&Recovery::attached>},
+    {"negotiated", "Negotiated BB_SC_N", kNumber, RecoveryNumber<&Recovery::negotiated>,
+     "a BB_SC primitive every 2^N frames; 0: none"},
+    {"credits_recovered", "Credits recovered", kCount, RecoveryNumber<&Recovery::creditsRecovered>},
+    {"frames_lost", "Frames lost", kCount, RecoveryNumber<&Recovery::framesLost>},
+};
 
 }  // namespace vxmgr

@@ -6,6 +6,6 @@
 
 namespace vxmgr {
 
-const Fields<HX_BBCR_DATA>& CreditRecoveryFields();
+extern const Fields<HX_BBCR_DATA> kCreditRecoveryFields;
 
 }  // namespace vxmgr

@@ -158,28 +158,24 @@ const Fields<RemoteRecord> kRemoteTransceiverFields = {
     {"state", "State", Choice(kLightStates), LightState, "the worst of the five quantities"},
 };
 
-const Fields<HX_SECURE_PORT>& SecurityFields() {
-    using Secure = HX_SECURE_PORT;
-    static const Fields<Secure> kFields = {
-        {"state", "State", Choice(kSecureStates).OrNull(),
-         [](const Secure& port) { return NameAt(kSecureStates, port.state); }},
-        {"authentication", "Authentication", Choice(kAuthentications).OrNull(),
-         [](const Secure& port) { return NameAt(kAuthentications, port.authentication); }},
-        {"encryption", "Encryption", Choice(kEncryptions).OrNull(),
-         [](const Secure& port) { return NameAt(kEncryptions, port.encryption); }},
-        {"encrypts_tx", "Encrypts what is sent", kFlag,
-         [](const Secure& port) { return (port.directions & HX_SECURE_TX) != 0; }},
-        {"encrypts_rx", "Encrypts what is received", kFlag,
-         [](const Secure& port) { return (port.directions & HX_SECURE_RX) != 0; }},
-        {"tx_bytes", "Bytes sent", kCounter, Packed<&Secure::txBytes>},
-        {"rx_bytes", "Bytes received", kCounter, Packed<&Secure::rxBytes>},
-        {"rekeys", "Rekeyed", kInteger, Packed<&Secure::rekeys>},
-        {"seconds_since_rekey", "Since then", Integer("s"), Packed<&Secure::secondsSinceRekey>},
-        {"failures", "Failures", kInteger, Packed<&Secure::failures>},
-        {"frames_refused", "Frames refused", kInteger, Packed<&Secure::framesRefused>},
-    };
-    return kFields;
-}
+const Fields<HX_SECURE_PORT> kSecurityFields = {
+    {"state", "State", Choice(kSecureStates).OrNull(),
+     [](const HX_SECURE_PORT& port) { return NameAt(kSecureStates, port.state); }},
+    {"authentication", "Authentication", Choice(kAuthentications).OrNull(),
+     [](const HX_SECURE_PORT& port) { return NameAt(kAuthentications, port.authentication); }},
+    {"encryption", "Encryption", Choice(kEncryptions).OrNull(),
+     [](const HX_SECURE_PORT& port) { return NameAt(kEncryptions, port.encryption); }},
+    {"encrypts_tx", "Encrypts what is sent", kFlag,
+     [](const HX_SECURE_PORT& port) { return (port.directions & HX_SECURE_TX) != 0; }},
+    {"encrypts_rx", "Encrypts what is received", kFlag,
+     [](const HX_SECURE_PORT& port) { return (port.directions & HX_SECURE_RX) != 0; }},
+    {"tx_bytes", "Bytes sent", kCounter, Packed<&HX_SECURE_PORT::txBytes>},
+    {"rx_bytes", "Bytes received", kCounter, Packed<&HX_SECURE_PORT::rxBytes>},
+    {"rekeys", "Rekeyed", kInteger, Packed<&HX_SECURE_PORT::rekeys>},
+    {"seconds_since_rekey", "Since then", Integer("s"), Packed<&HX_SECURE_PORT::secondsSinceRekey>},
+    {"failures", "Failures", kInteger, Packed<&HX_SECURE_PORT::failures>},
+    {"frames_refused", "Frames refused", kInteger, Packed<&HX_SECURE_PORT::framesRefused>},
+};
 
 const Fields<RemoteRow> kRemotePortRow = {
     {PortKeys(kPortIndex | kOldSerialKey), &RemoteRow::port},
@@ -219,17 +215,17 @@ const Fields<RemoteRow> kRemotePortRow = {
      "authenticated, and encrypted where that was agreed"},
     {"error_count", "Link errors", "ERRORS", kInteger.OrNull(), Of(&RemoteRow::Diagnosed, ErrorSum),
      "the sum of errors"},
-    {"errors", "Link errors", LinkErrorsFields(), Of(&RemoteRow::Diagnosed, ErrorsOf),
+    {"errors", "Link errors", kLinkErrorsFields, Of(&RemoteRow::Diagnosed, ErrorsOf),
      "of the remote port's own link, as it answered", kGroup.OrNull()},
     {"fec", "Forward error correction", kRemoteFecFields, &RemoteRow::Diagnosed, "",
      kGroup.OrNull()},
     {"transceiver", "Transceiver", kRemoteTransceiverFields, &RemoteRow::Diagnosed,
      "of the remote port; decimal numbers", kGroup.OrNull()},
-    {"security", "Security", SecurityFields(), &RemoteRow::Security,
+    {"security", "Security", kSecurityFields, &RemoteRow::Security,
      "null: neither authenticated nor encrypted", kGroup.OrNull()},
     {"symbolic_name", "Name", "NAME", kText.OrNull(),
      Of(&RemoteRow::Record, TextOf<&RemoteRecord::symbolicName>)},
-    {PortStatus(), &RemoteRow::port},
+    {kPortStatus, &RemoteRow::port},
 };
 const auto kRemotePortList =
     ListOf("remote_ports", "Remote ports", kRemotePortRow, "No remote ports.");

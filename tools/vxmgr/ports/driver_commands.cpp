@@ -68,39 +68,36 @@ std::string ServiceTitle(const Service& service) {
     return "Driver " + (service.name.empty() ? std::string("without a name") : service.name);
 }
 
-const Fields<Service>& ServiceFields() {
-    static const Fields<Service> kFields = {
-        ServiceTitle,
-        {
-            {"service", "Service", "SERVICE", kText.OrNull(), &Service::name},
-            {"version", "Version", "VERSION", kText.OrNull(), &Service::version},
-            {"scsi_ports", "SCSI ports", "SCSI PORTS", kText.OrNull(), ScsiPortsOf},
-            {"current_generation", "Current generation", "CURRENT", kFlag, IsCurrent},
-            {"model", "Miniport model", Hexadecimal(4).OrNull(),
-             Of(DriverOf, Packed<&Driver::driverModel>)},
-            {"model_revision", "Model revision", kInteger.OrNull(),
-             Of(DriverOf, Packed<&Driver::driverModelRevision>)},
-            {"interrupt_mode", "Interrupt mode", "INTERRUPTS", Choice(kInterruptModes).OrNull(),
-             Of(CurrentDriverOf,
-                [](const Driver& driver) { return InterruptModeValue(driver.interruptMode); })},
-            {"max_scatter_gather", "Scatter/gather elements", kInteger.OrNull(),
-             Of(DriverOf, Packed<&Driver::maxScatterGather>)},
-            {"max_transfer_length", "Largest transfer", Integer("bytes").OrNull(),
-             Of(DriverOf, Packed<&Driver::maxTransferLength>)},
-            {"max_queue_depth", "Queue depth", "QUEUE", kInteger.OrNull(),
-             Of(CurrentDriverOf, Packed<&Driver::maxQueueDepth>)},
-            {"number_of_ports", "Ports", "PORTS", kInteger.OrNull(),
-             Of(DriverOf, Packed<&Driver::numberOfPorts>)},
-            {"build", "Build", "BUILD", kText.OrNull(),
-             Of(CurrentDriverOf, TextOf<&Driver::buildText>)},
-            {"build_number", "Build number", kInteger.OrNull(),
-             Of(CurrentDriverOf, Packed<&Driver::buildNumber>)},
-        }};
-    return kFields;
-}
+const Fields<Service> kServiceFields = {
+    ServiceTitle,
+    {
+        {"service", "Service", "SERVICE", kText.OrNull(), &Service::name},
+        {"version", "Version", "VERSION", kText.OrNull(), &Service::version},
+        {"scsi_ports", "SCSI ports", "SCSI PORTS", kText.OrNull(), ScsiPortsOf},
+        {"current_generation", "Current generation", "CURRENT", kFlag, IsCurrent},
+        {"model", "Miniport model", Hexadecimal(4).OrNull(),
+         Of(DriverOf, Packed<&Driver::driverModel>)},
+        {"model_revision", "Model revision", kInteger.OrNull(),
+         Of(DriverOf, Packed<&Driver::driverModelRevision>)},
+        {"interrupt_mode", "Interrupt mode", "INTERRUPTS", Choice(kInterruptModes).OrNull(),
+         Of(CurrentDriverOf,
+            [](const Driver& driver) { return InterruptModeValue(driver.interruptMode); })},
+        {"max_scatter_gather", "Scatter/gather elements", kInteger.OrNull(),
+         Of(DriverOf, Packed<&Driver::maxScatterGather>)},
+        {"max_transfer_length", "Largest transfer", Integer("bytes").OrNull(),
+         Of(DriverOf, Packed<&Driver::maxTransferLength>)},
+        {"max_queue_depth", "Queue depth", "QUEUE", kInteger.OrNull(),
+         Of(CurrentDriverOf, Packed<&Driver::maxQueueDepth>)},
+        {"number_of_ports", "Ports", "PORTS", kInteger.OrNull(),
+         Of(DriverOf, Packed<&Driver::numberOfPorts>)},
+        {"build", "Build", "BUILD", kText.OrNull(),
+         Of(CurrentDriverOf, TextOf<&Driver::buildText>)},
+        {"build_number", "Build number", kInteger.OrNull(),
+         Of(CurrentDriverOf, Packed<&Driver::buildNumber>)},
+    }};
 
 const auto kServiceList =
-    ListOf("drivers", "Drivers", ServiceFields(), ListLayout::Sections, "No drivers.");
+    ListOf("drivers", "Drivers", kServiceFields, ListLayout::Sections, "No drivers.");
 
 // A parameter of a driver service; no value: it has none of that name.
 struct Parameter {
@@ -125,15 +122,12 @@ const Fields<Parameter> kParameterFields = {
 
 const auto kParameterList = ListOf("parameters", "Parameters", kParameterFields);
 
-const Fields<Parameter>& ChangeFields() {
-    static const Fields<Parameter> kFields = {
-        {"driver_service", "Driver service", kText.OrNull(), &Parameter::service},
-        {"name", "Parameter", kText, &Parameter::name},
-        {"previous", "Before", kText.OrNull(), ValueOrNull<&Parameter::previous>},
-        {"value", "Value", kText.OrNull(), ValueOrNull<&Parameter::value>},
-    };
-    return kFields;
-}
+const Fields<Parameter> kChangeFields = {
+    {"driver_service", "Driver service", kText.OrNull(), &Parameter::service},
+    {"name", "Parameter", kText, &Parameter::name},
+    {"previous", "Before", kText.OrNull(), ValueOrNull<&Parameter::previous>},
+    {"value", "Value", kText.OrNull(), ValueOrNull<&Parameter::value>},
+};
 
 Device OpenPortOf(Invocation& invocation, const Service& service) {
     Device device;
@@ -318,7 +312,7 @@ ExitCode DriverParameterSet(Invocation& invocation) {
                                "the parameter takes effect at the driver's next start"});
     }
     const auto after = ReadParameter(invocation, device, setting.name);
-    invocation.Result() = ChangeFields().Make({service.name, setting.name, after, before});
+    invocation.Result() = kChangeFields.Make({service.name, setting.name, after, before});
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -355,7 +349,7 @@ CommandRows DriverCommands() {
          .arguments = kSettingArguments,
          .run = DriverParameterSet,
          .example = "driver param set qdepth=32 -p scsi:3",
-         .result = ShapeOf<ChangeFields>},
+         .result = ShapeOf<kChangeFields>},
     };
     return kCommands;
 }

@@ -89,7 +89,7 @@ Fields<Port> SummaryFields(bool withAdapter) {
         {"scsi_port", "SCSI port", "SCSI", kInteger.OrNull(), &Port::scsiPort},
         {"adapter_serial", "Adapter serial", withAdapter ? "ADAPTER" : "", kSerial.OrNull(),
          &Port::Serial},
-        {PortSerialAlias(), std::identity()},
+        {kPortSerialAlias, std::identity()},
         {"model", "Model", withAdapter ? "MODEL" : "", kText.OrNull(), kNodeText<&Node::model>},
         {"port_wwn", "Port name", "PORT NAME", kWwn.OrNull(), PortNameOf},
         {"node_wwn", "Node name", kWwn.OrNull(), NodeNameOf},
@@ -101,7 +101,7 @@ Fields<Port> SummaryFields(bool withAdapter) {
         {"discovered_targets", "Targets", "TARGETS", kInteger.OrNull(),
          kPortNumber<&Properties::discoveredTargets>},
         {"firmware", "Firmware", "FIRMWARE", kText.OrNull(), FirmwareVersion},
-        {PortStatus(), std::identity()},
+        {kPortStatus, std::identity()},
     };
 }
 
@@ -206,15 +206,14 @@ const Fields<PortInDetail> kPortInDetailFields = {
     [](const PortInDetail& detail) { return "Port " + std::to_string(detail.port->index); },
     {
         {kDetailFields, &PortInDetail::port},
-        {"credit_recovery", "Credit recovery", CreditRecoveryFields(),
-         &PortInDetail::creditRecovery, "of buffer-to-buffer credits; null: not known",
-         kGroup.OrNull()},
+        {"credit_recovery", "Credit recovery", kCreditRecoveryFields, &PortInDetail::creditRecovery,
+         "of buffer-to-buffer credits; null: not known", kGroup.OrNull()},
     }};
 
 // What one port tells of its adapter.
 const Fields<Port> kSpeakerFields = {
     {"adapter_serial", "Serial number", "SERIAL", kSerial.OrNull(), &Port::Serial},
-    {PortSerialAlias(), std::identity()},
+    {kPortSerialAlias, std::identity()},
     {"manufacturer", "Manufacturer", kText.OrNull(), kNodeText<&Node::manufacturer>},
     {"model", "Model", "MODEL", kText.OrNull(), kNodeText<&Node::model>},
     {"model_description", "Description", "DESCRIPTION", kText.OrNull(),

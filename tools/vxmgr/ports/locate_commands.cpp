@@ -81,7 +81,7 @@ const Fields<std::vector<BeaconRow>>& BeaconList() {
          "lit at this moment"},
         {"outcome", "Outcome", changes ? "OUTCOME" : "", Choice(kLocateOutcomes).OrNull(),
          OutcomeOf, "null: nothing was to be changed"},
-        {PortStatus(), &BeaconRow::port},
+        {kPortStatus, &BeaconRow::port},
     };
     static const auto kFields = ListOf("beacons", "Beacons", kBeacon, "No ports.");
     return kFields;

@@ -34,7 +34,7 @@ const Fields<LockdownRow> kLockdownRow = {
             return lockdown.masked ? std::string() : HexDigits(BytesOf(lockdown.state));
         }),
      "what the firmware says of it: bytes whose meaning is its own; null with --redact"},
-    {PortStatus(), &LockdownRow::port},
+    {kPortStatus, &LockdownRow::port},
 };
 const auto kLockdownList = ListOf("lockdowns", "Lockdowns", kLockdownRow, "No ports.");
 

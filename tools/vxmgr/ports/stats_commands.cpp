@@ -55,7 +55,7 @@ Fields<Reading> ReadingFieldsWith(unsigned shown, bool ofTarget) {
                 {CounterFields(shown), &Reading::counters},
                 {"reset", "", kFlag.OrNull(), &Reading::reset,
                  "rows that keep coming: the counters were reset since the row before"},
-                {PortStatus(), &Reading::port},
+                {kPortStatus, &Reading::port},
             }};
 }
 
@@ -222,11 +222,11 @@ constexpr auto kBefore = [](const Clearing& clearing) { return clearing.before.*
 const Fields<Clearing> kClearingFields = {
     {PortKeys(kPortIndex | kAdapterSerial | kOldSerialKey), &Clearing::port},
     {"cleared", "Cleared", kFlag, &Clearing::cleared},
-    {"before", "Before", LinkFields(), kBefore<&PortCounters::link>,
+    {"before", "Before", kLinkFields, kBefore<&PortCounters::link>,
      "the counters before they were set to zero; null: they were not to be", kGroup.OrNull()},
-    {"private_before", "Driver's own counters before", PrivateFields(),
+    {"private_before", "Driver's own counters before", kPrivateFields,
      kBefore<&PortCounters::driver>, "the same of the driver's own", kGroup.OrNull()},
-    {"latency_before", "Latency before", LatencyFields(), kBefore<&PortCounters::latency>,
+    {"latency_before", "Latency before", kLatencyFields, kBefore<&PortCounters::latency>,
      "the same of the latencies", kGroup.OrNull()},
 };
 

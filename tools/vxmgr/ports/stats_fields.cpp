@@ -253,64 +253,54 @@ Fields<PortCounters> FieldsWith(unsigned shown) {
     rows.push_back(GroupRow("scm", "SAN congestion management", "SAN congestion management",
                             kScmFields, &PortCounters::scm, (shown & kScmKind) != 0));
     rows.push_back(GroupRow("private", "Driver's own counters", "what the driver counted by itself",
-                            PrivateFields(), &PortCounters::driver, (shown & kPrivateKind) != 0));
-    rows.push_back(GroupRow("latency", "Latency", "how long commands took", LatencyFields(),
+                            kPrivateFields, &PortCounters::driver, (shown & kPrivateKind) != 0));
+    rows.push_back(GroupRow("latency", "Latency", "how long commands took", kLatencyFields,
                             &PortCounters::latency, (shown & kLatencyKind) != 0));
     return rows;
 }
 
 }  // namespace
 
-const Fields<HX_PORT_STATISTICS>& LinkFields() {
-    static const Fields<HX_PORT_STATISTICS> kFields([] {
-        std::vector<FieldRow<HX_PORT_STATISTICS>> rows;
-        AddCounters(LinkCounters(), Itself<HX_PORT_STATISTICS>, true, &rows);
-        return rows;
-    }());
-    return kFields;
-}
+const Fields<HX_PORT_STATISTICS> kLinkFields([] {
+    std::vector<FieldRow<HX_PORT_STATISTICS>> rows;
+    AddCounters(LinkCounters(), Itself<HX_PORT_STATISTICS>, true, &rows);
+    return rows;
+}());
 
 // A driver may know fewer counters than there are today.
-const Fields<HX_PRIVATE_STATISTICS>& PrivateFields() {
-    using Private = HX_PRIVATE_STATISTICS;
-    static const Fields<Private> kFields([] {
-        std::vector<FieldRow<Private>> rows;
-        for (size_t i = 0; i < PrivateCounters().size(); ++i) {
-            const Counter<Private>& counter = PrivateCounters()[i];
-            const auto value = [i, &counter](const Private& record) {
-                return i <= record.counters ? CountValue(CounterOf(record, counter), counter.unit)
-                                            : Value();
-            };
-            rows.push_back({counter.key, counter.label, counter.column, kCounter.OrNull(), value,
-                            counter.label, counter.width});
-        }
-        return rows;
-    }());
-    return kFields;
-}
+const Fields<HX_PRIVATE_STATISTICS> kPrivateFields([] {
+    std::vector<FieldRow<HX_PRIVATE_STATISTICS>> rows;
+    for (size_t i = 0; i < PrivateCounters().size(); ++i) {
+        const Counter<HX_PRIVATE_STATISTICS>& counter = PrivateCounters()[i];
+        const auto value = [i, &counter](const HX_PRIVATE_STATISTICS& record) {
+            return i <= record.counters ? CountValue(CounterOf(record, counter), counter.unit)
+                                        : Value();
+        };
+        rows.push_back({counter.key, counter.label, counter.column, kCounter.OrNull(), value,
+                        counter.label, counter.width});
+    }
+    return rows;
+}());
 
-const Fields<Latency>& LatencyFields() {
-    static const Fields<Latency> kFields([] {
-        std::vector<FieldRow<Latency>> rows;
-        AddCounters(LatencyCounters(), Itself<Latency>, true, &rows);
-        rows.insert(
-            rows.end(),
-            {
-                {"read_count", "Reads", "READS", kCounter, CommandsOf<&Latency::reads>, "", 10},
-                {"write_count", "Writes", "WRITES", kCounter, CommandsOf<&Latency::writes>, "", 10},
-                {"read_average_us", "Average read", "AVERAGE READ", kInteger.OrNull(),
-                 AverageOf<&Latency::reads, &Latency::readTime>, "", 12},
-                {"write_average_us", "Average write", "AVERAGE WRITE", kInteger.OrNull(),
-                 AverageOf<&Latency::writes, &Latency::writeTime>, "", 13},
-                {"reads", "Reads by time", BucketFields<true>(), FilledBuckets<&Latency::reads>, "",
-                 kBucketsAbout},
-                {"writes", "Writes by time", BucketFields<false>(), FilledBuckets<&Latency::writes>,
-                 "", kBucketsAbout},
-            });
-        return rows;
-    }());
-    return kFields;
-}
+const Fields<Latency> kLatencyFields([] {
+    std::vector<FieldRow<Latency>> rows;
+    AddCounters(LatencyCounters(), Itself<Latency>, true, &rows);
+    rows.insert(
+        rows.end(),
+        {
+            {"read_count", "Reads", "READS", kCounter, CommandsOf<&Latency::reads>, "", 10},
+            {"write_count", "Writes", "WRITES", kCounter, CommandsOf<&Latency::writes>, "", 10},
+            {"read_average_us", "Average read", "AVERAGE READ", kInteger.OrNull(),
+             AverageOf<&Latency::reads, &Latency::readTime>, "", 12},
+            {"write_average_us", "Average write", "AVERAGE WRITE", kInteger.OrNull(),
+             AverageOf<&Latency::writes, &Latency::writeTime>, "", 13},
+            {"reads", "Reads by time", BucketFields<true>(), FilledBuckets<&Latency::reads>, "",
+             kBucketsAbout},
+            {"writes", "Writes by time", BucketFields<false>(), FilledBuckets<&Latency::writes>, "",
+             kBucketsAbout},
+        });
+    return rows;
+}());
 
 const Fields<PortCounters>& CounterFields(unsigned shown) {
     static std::mutex lock;  // rows are also made on the threads of ports

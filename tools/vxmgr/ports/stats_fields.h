@@ -18,8 +18,8 @@ enum StatsKind : unsigned {
 // that people see, as text and as columns; a group that is not among them is null.
 const Fields<PortCounters>& CounterFields(unsigned shown);
 
-const Fields<HX_PORT_STATISTICS>& LinkFields();
-const Fields<HX_PRIVATE_STATISTICS>& PrivateFields();
-const Fields<HX_PRIVATE_STATISTICS_EX>& LatencyFields();
+extern const Fields<HX_PORT_STATISTICS> kLinkFields;
+extern const Fields<HX_PRIVATE_STATISTICS> kPrivateFields;
+extern const Fields<HX_PRIVATE_STATISTICS_EX> kLatencyFields;
 
 }  // namespace vxmgr

@@ -46,8 +46,8 @@ struct NvramChanged {
 };
 
 const Fields<NvramChanged> kNvramChangeFields = {
-    {SettingsWrittenFields(), &NvramChanged::before},
-    {ChangeFields(), &NvramChanged::difference},
+    {kSettingsWrittenFields, &NvramChanged::before},
+    {kChangeFields, &NvramChanged::difference},
     {"stored", "Stored", kFlag, &NvramChanged::stored, "written and read back"},
     {"active", "In use", kFlag, &NvramChanged::active, "the firmware uses it"},
 };

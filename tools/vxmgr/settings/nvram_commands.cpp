@@ -1,4 +1,5 @@
 // nvram show, nvram get, nvram verify.
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/commands.h"
@@ -38,7 +39,7 @@ const Fields<PortNvram> kNvramShowFields = {
      "the name in the block"},
     {"node_wwn", "Node name", kWwn.OrNull(),
      [](const PortNvram& nvram) { return NameInBlock(nvram.map, nvram.bytes, "Node Name Byte"); }},
-    {"variables", "Variables", VariableFields(),
+    {"variables", "Variables", kVariableFields,
      [](const PortNvram& nvram) {
          std::vector<VariableRow> rows;
          for (const NvramVariable& variable : nvram.map.variables) {
@@ -57,8 +58,8 @@ struct ShownVariable {
 };
 
 const Fields<ShownVariable> kNvramGetFields = {
-    {VariableFields(), &ShownVariable::row},
-    {SettingsReadFields(), &ShownVariable::nvram},
+    {kVariableFields, &ShownVariable::row},
+    {kSettingsReadFields, &ShownVariable::nvram},
 };
 
 // What verifying one port found; empty fields could not be told.
@@ -76,37 +77,26 @@ struct Verified {
     }
 };
 
-const Fields<Verified>& VerifiedFields() {
-    using Field = std::optional<bool> Verified::*;
-    const auto sound = [](Field field) {
-        return [field](const Verified& one) {
-            return one.*field ? SoundValue(*(one.*field)) : Value();
-        };
-    };
-    static const Fields<Verified> kFields = {
-        {PortKeys(), &Verified::port},
-        {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &Verified::Serial},
-        {"kind", "Kind", "KIND", Choice(kNvramKinds).OrNull(),
-         [](const Verified& one) { return one.kind ? NameOf(*one.kind) : nullptr; }},
-        {"size", "Size", "SIZE", kInteger.OrNull(),
-         [](const Verified& one) {
-             return one.size == 0 ? Value() : Value::Number(one.size, "bytes");
-         }},
-        {"signature_good", "Signature", "SIGNATURE", kFlag.OrNull(), sound(&Verified::signature)},
-        {"checksum_good", "Checksum", "CHECKSUM", kFlag.OrNull(), sound(&Verified::checksum)},
-        {"verified", "Driver says", "DRIVER SAYS", kFlag.OrNull(), sound(&Verified::byDriver),
-         "what the driver says"},
-        {"other_bank_good", "Other bank", "OTHER BANK", kFlag.OrNull(), sound(&Verified::otherBank),
-         "null on chips with one bank"},
-        {"status", "Status", kText.OrNull(),
-         [](const Verified& one) { return StatusValue(one.status); }},
-    };
-    return kFields;
-}
-
-using VerifiedPorts = std::vector<Verified>;
-
-const auto kNvramVerifyFields = ListOf("ports", "Ports", VerifiedFields(), "no ports");
+const Fields<Verified> kVerifiedFields = {
+    {PortKeys(), &Verified::port},
+    {"serial", "Adapter", "ADAPTER", kSerial.OrNull(), &Verified::Serial},
+    {"kind", "Kind", "KIND", Choice(kNvramKinds).OrNull(),
+     [](const Verified& one) { return one.kind ? NameOf(*one.kind) : nullptr; }},
+    {"size", "Size", "SIZE", kInteger.OrNull(),
+     [](const Verified& one) {
+         return one.size == 0 ? Value() : Value::Number(one.size, "bytes");
+     }},
+    {"signature_good", "Signature", "SIGNATURE", kFlag.OrNull(),
+     Of(&Verified::signature, SoundValue)},
+    {"checksum_good", "Checksum", "CHECKSUM", kFlag.OrNull(), Of(&Verified::checksum, SoundValue)},
+    {"verified", "Driver says", "DRIVER SAYS", kFlag.OrNull(), Of(&Verified::byDriver, SoundValue),
+     "what the driver says"},
+    {"other_bank_good", "Other bank", "OTHER BANK", kFlag.OrNull(),
+     Of(&Verified::otherBank, SoundValue), "null on chips with one bank"},
+    {"status", "Status", kText.OrNull(),
+     [](const Verified& one) { return StatusValue(one.status); }},
+};
+const auto kNvramVerifyFields = ListOf("ports", "Ports", kVerifiedFields, "no ports");
 
 Verified Verify(Invocation& invocation, const PortSession& session) {
     const NvramMap map = LearnVariables(invocation, session);
@@ -160,7 +150,7 @@ ExitCode NvramGet(Invocation& invocation) {
 ExitCode NvramVerify(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> selected = SelectPorts(invocation, ports);
-    VerifiedPorts verifiedPorts;
+    std::vector<Verified> verifiedPorts;
     bool bad = false;
     const AskPort<Verified> verify = [&invocation](PortVisit& visit, Verified* verified) {
         if (visit.port.failure != HXMGT_SUCCESS) {

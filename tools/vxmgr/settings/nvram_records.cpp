@@ -55,23 +55,19 @@ std::string ShownValue(const NvramVariable& variable, uint32_t value) {
     return "\"" + FieldText(text, sizeof text) + "\"";
 }
 
-const Fields<VariableRow>& VariableFields() {
-    using Row = VariableRow;
-    static const Fields<Row> kFields = {
-        {"number", "Number", "NUMBER", kInteger,
-         [](const Row& row) { return row.variable->number; }},
-        {"name", "Name", "NAME", kText, [](const Row& row) { return row.variable->name; }},
-        {"value", "Value", "VALUE", kInteger.OrNull(),
-         [](const Row& row) { return VariableValue(*row.variable, row.value); }, kMaskedNote},
-        {"highest", "Highest", "HIGHEST", kInteger,
-         [](const Row& row) { return row.variable->Most(); }},
-        {"read_only", "Read-only", "READ-ONLY", kFlag,
-         [](const Row& row) { return !row.variable->Settable(); }},
-        {"description", "Description", "DESCRIPTION", kText,
-         [](const Row& row) { return row.variable->description; }},
-    };
-    return kFields;
-}
+const Fields<VariableRow> kVariableFields = {
+    {"number", "Number", "NUMBER", kInteger,
+     [](const VariableRow& row) { return row.variable->number; }},
+    {"name", "Name", "NAME", kText, [](const VariableRow& row) { return row.variable->name; }},
+    {"value", "Value", "VALUE", kInteger.OrNull(),
+     [](const VariableRow& row) { return VariableValue(*row.variable, row.value); }, kMaskedNote},
+    {"highest", "Highest", "HIGHEST", kInteger,
+     [](const VariableRow& row) { return row.variable->Most(); }},
+    {"read_only", "Read-only", "READ-ONLY", kFlag,
+     [](const VariableRow& row) { return !row.variable->Settable(); }},
+    {"description", "Description", "DESCRIPTION", kText,
+     [](const VariableRow& row) { return row.variable->description; }},
+};
 
 std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description) {
     Wwn name{};
@@ -84,18 +80,14 @@ std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* des
     return found == kNameBytes ? std::optional(name) : std::nullopt;
 }
 
-const Fields<NvramDifference>& ChangeFields() {
+const Fields<NvramDifference>& kChangeFields {
     static const auto kSides =
         SideFields({"before", "Before", "BEFORE"}, {"after", "After", "AFTER"});
     static const auto kFields = DifferenceFields(kSides, "no variable changes");
     return kFields;
 }
 
-const Fields<NvramDifference>& FileDiffFields() {
-    static const auto kSides =
-        SideFields({"adapter", "Adapter", "ADAPTER"}, {"file", "File", "FILE"});
-    static const auto kFields = DifferenceFields(kSides, "no variable differs");
-    return kFields;
-}
+const auto kFileSides = SideFields({"adapter", "Adapter", "ADAPTER"}, {"file", "File", "FILE"});
+const auto kFileDiffFields = DifferenceFields(kFileSides, "no variable differs");
 
 }  // namespace vxmgr

@@ -12,13 +12,13 @@ struct VariableRow {
     const NvramVariable* variable;
     uint32_t value;
 };
-const Fields<VariableRow>& VariableFields();
+extern const Fields<VariableRow> kVariableFields;
 
 // The name that eight variables make ("Port Name Byte"); nothing when the chip does not have them.
 std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* description);
 
 // List "changes" with columns for both sides, and how many bytes differ beside the variables.
-const Fields<NvramDifference>& ChangeFields();    // "before", "after"
-const Fields<NvramDifference>& FileDiffFields();  // "adapter", "file"
+extern const Fields<NvramDifference> kChangeFields;    // "before", "after"
+extern const Fields<NvramDifference> kFileDiffFields;  // "adapter", "file"
 
 }  // namespace vxmgr

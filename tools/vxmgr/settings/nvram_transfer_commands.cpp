@@ -24,8 +24,8 @@ struct NvramCompared {
 };
 
 const Fields<NvramCompared> kNvramDiffFields = {
-    {SettingsReadFields(), &NvramCompared::nvram},
-    {FileDiffFields(), &NvramCompared::difference},
+    {kSettingsReadFields, &NvramCompared::nvram},
+    {kFileDiffFields, &NvramCompared::difference},
     {"equal", "Equal", kFlag, &NvramCompared::equal, "byte for byte"},
 };
 

@@ -55,21 +55,15 @@ const char* PortSettings::Bank() const {
     return !bank ? nullptr : fromOther ? bank->Name() : bank->NameInUse();
 }
 
-const Fields<PortSettings>& SettingsReadFields() {
-    static const Fields<PortSettings> kFields = {
-        {PortKeys(), &PortSettings::ItsPort},
-        {"bank", "Bank", kBank, &PortSettings::Bank, "null on chips with one bank"},
-    };
-    return kFields;
-}
+const Fields<PortSettings> kSettingsReadFields = {
+    {PortKeys(), &PortSettings::ItsPort},
+    {"bank", "Bank", kBank, &PortSettings::Bank, "null on chips with one bank"},
+};
 
-const Fields<PortSettings>& SettingsWrittenFields() {
-    static const Fields<PortSettings> kFields = {
-        {PortKeys(), &PortSettings::ItsPort},
-        {"bank", "Goes to bank", kBank, &PortSettings::Target, "null on chips with one bank"},
-    };
-    return kFields;
-}
+const Fields<PortSettings> kSettingsWrittenFields = {
+    {PortKeys(), &PortSettings::ItsPort},
+    {"bank", "Goes to bank", kBank, &PortSettings::Target, "null on chips with one bank"},
+};
 
 PortSettings ReadSettings(Invocation& invocation, const PortSession& session, Settings settings,
                           const ReadBytes& readInUse, bool otherBank) {

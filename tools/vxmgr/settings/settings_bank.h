@@ -52,8 +52,8 @@ struct PortSettings {
 };
 
 // The keys of the port, and the bank that was read, or that a write goes to.
-const Fields<PortSettings>& SettingsReadFields();
-const Fields<PortSettings>& SettingsWrittenFields();
+extern const Fields<PortSettings> kSettingsReadFields;
+extern const Fields<PortSettings> kSettingsWrittenFields;
 
 // Reads the bank in use, or the other one. Ends the command, with what cannot be read, when it
 // cannot, or when the other one is wanted and there is none.

@@ -88,7 +88,7 @@ Value VpdChecksumValue(const ShownVpd& shown) {
 }
 
 const Fields<ShownVpd> kVpdShowFields = {
-    {SettingsReadFields(), &ShownVpd::settings},
+    {kSettingsReadFields, &ShownVpd::settings},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
     {"used", "Used", kInteger.OrNull(),
      [](const ShownVpd& shown) {
@@ -101,13 +101,13 @@ const Fields<ShownVpd> kVpdShowFields = {
 };
 
 const Fields<ShownVpd> kVpdReadFields = {
-    {SettingsReadFields(), &ShownVpd::settings},
+    {kSettingsReadFields, &ShownVpd::settings},
     {"file", "File", kText, &ShownVpd::file},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
 };
 
 const Fields<ShownVpd> kVpdWriteFields = {
-    {SettingsWrittenFields(), &ShownVpd::settings},
+    {kSettingsWrittenFields, &ShownVpd::settings},
     {"file", "File", kText, &ShownVpd::file},
     {"size", "Size", Integer("bytes"), &ShownVpd::Size},
     {"stored", "Stored", kFlag, &ShownVpd::stored, "written and read back"},

@@ -52,12 +52,12 @@ std::string ModuleTitle(const ShownModule& shown) {
 const Fields<ShownModule> kModuleFields(
     ModuleTitle, {
                      {PortKeys(kPortIndex | kAdapterSerial), &ShownModule::port},
-                     {"identity", "Identity", SfpIdentityFields(),
+                     {"identity", "Identity", kSfpIdentityFields,
                       [](const ShownModule& shown) { return &shown.module.identity; }, "", kGroup},
                      {"trouble", "Trouble", "TROUBLE", kText.OrNull(), ModuleTrouble,
                       "empty when all is well; null without diagnostics"},
                      {"flags", "State", kModuleFlagFields},
-                     {"readings", "Readings", ReadingFields(), &ShownModule::Rows, "no diagnostics",
+                     {"readings", "Readings", kReadingFields, &ShownModule::Rows, "no diagnostics",
                       "", "quantity"},
                  });
 
@@ -91,9 +91,9 @@ struct SfpMemory {
 
 const Fields<SfpMemory> kSfpDumpFields = {
     {PortKeys(), &SfpMemory::port},
-    {kSfpPages[0].name, "Page a0", HexRowFields(),
+    {kSfpPages[0].name, "Page a0", kHexRowFields,
      [](const SfpMemory& memory) { return memory.pages[0]; }, "no data"},
-    {kSfpPages[1].name, "Page a2", HexRowFields(),
+    {kSfpPages[1].name, "Page a2", kHexRowFields,
      [](const SfpMemory& memory) { return memory.pages[1]; }, "no data"},
 };
 

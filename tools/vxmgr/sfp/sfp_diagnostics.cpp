@@ -186,42 +186,36 @@ Value DecibelValue(const std::optional<double>& milliwatts) {
     return text.empty() ? Value() : Value::Text(text).Shown(text + " dBm");
 }
 
-const Fields<SfpReadingRow>& ReadingFields() {
-    using Row = SfpReadingRow;
-    const auto value = [](std::optional<double> SfpReading::*field) {
-        return [field](const Row& row) { return ReadingValue(row.quantity, row.reading->*field); };
-    };
-    static const Fields<Row> kFields = {
-        {"quantity", "Quantity", "QUANTITY", Choice(kQuantityKeys),
-         [](const Row& row) {
-             return Value::Text(kQuantityKeys[static_cast<size_t>(row.quantity)])
-                 .Shown(RowOf(row.quantity).name);
-         }},
-        {"unit", "Unit", kText, [](const Row& row) { return RowOf(row.quantity).unit; }},
-        {"value", "Value", "VALUE", kDecimal, value(&SfpReading::value), kDecimalNote},
-        {"dbm", "dBm", "POWER", kDecimal,
-         [](const Row& row) {
-             return IsPower(row.quantity) ? DecibelValue(row.reading->value) : Value();
-         },
-         kDecimalNote},
-        {"state", "State", "STATE", Choice(kStateNames),
-         [](const Row& row) {
-             const auto state = static_cast<size_t>(row.reading->state);
-             return Value::Text(kStateNames[state])
-                 .Shown(kStates[state].shown)
-                 .In(kStates[state].tone);
-         }},
-        {"low_alarm", "Low alarm", "LOW ALARM", kDecimal, value(&SfpReading::lowAlarm),
-         kDecimalNote},
-        {"low_warning", "Low warning", "LOW WARNING", kDecimal, value(&SfpReading::lowWarning),
-         kDecimalNote},
-        {"high_warning", "High warning", "HIGH WARNING", kDecimal, value(&SfpReading::highWarning),
-         kDecimalNote},
-        {"high_alarm", "High alarm", "HIGH ALARM", kDecimal, value(&SfpReading::highAlarm),
-         kDecimalNote},
-    };
-    return kFields;
-}
+template <auto field>
+constexpr auto kReadingOf =
+    [](const SfpReadingRow& row) { return ReadingValue(row.quantity, row.reading->*field); };
+const Fields<SfpReadingRow> kReadingFields = {
+    {"quantity", "Quantity", "QUANTITY", Choice(kQuantityKeys),
+     [](const SfpReadingRow& row) {
+         return Value::Text(kQuantityKeys[static_cast<size_t>(row.quantity)])
+             .Shown(RowOf(row.quantity).name);
+     }},
+    {"unit", "Unit", kText, [](const SfpReadingRow& row) { return RowOf(row.quantity).unit; }},
+    {"value", "Value", "VALUE", kDecimal, kReadingOf<&SfpReading::value>, kDecimalNote},
+    {"dbm", "dBm", "POWER", kDecimal,
+     [](const SfpReadingRow& row) {
+         return IsPower(row.quantity) ? DecibelValue(row.reading->value) : Value();
+     },
+     kDecimalNote},
+    {"state", "State", "STATE", Choice(kStateNames),
+     [](const SfpReadingRow& row) {
+         const auto state = static_cast<size_t>(row.reading->state);
+         return Value::Text(kStateNames[state]).Shown(kStates[state].shown).In(kStates[state].tone);
+     }},
+    {"low_alarm", "Low alarm", "LOW ALARM", kDecimal, kReadingOf<&SfpReading::lowAlarm>,
+     kDecimalNote},
+    {"low_warning", "Low warning", "LOW WARNING", kDecimal, kReadingOf<&SfpReading::lowWarning>,
+     kDecimalNote},
+    {"high_warning", "High warning", "HIGH WARNING", kDecimal, kReadingOf<&SfpReading::highWarning>,
+     kDecimalNote},
+    {"high_alarm", "High alarm", "HIGH ALARM", kDecimal, kReadingOf<&SfpReading::highAlarm>,
+     kDecimalNote},
+};
 
 std::vector<SfpReadingRow> ReadingRows(const SfpReadings& readings) {
     std::vector<SfpReadingRow> rows;

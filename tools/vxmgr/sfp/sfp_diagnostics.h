@@ -47,7 +47,7 @@ struct SfpReadingRow {
     SfpQuantity quantity;
     const SfpReading* reading;
 };
-const Fields<SfpReadingRow>& ReadingFields();
+extern const Fields<SfpReadingRow> kReadingFields;
 std::vector<SfpReadingRow> ReadingRows(const SfpReadings& readings);
 
 // "tx power low warning, signal lost"; empty when all is well.

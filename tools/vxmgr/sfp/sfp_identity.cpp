@@ -1,6 +1,7 @@
 #include "vxmgr/sfp/sfp_identity.h"
 
 #include "vxmgr/app/code_text.h"
+#include "vxmgr/app/getters.h"
 
 namespace vxmgr {
 namespace {
@@ -123,19 +124,16 @@ Value SingleModeValue(const Sfp& sfp) {
 }
 
 constexpr FieldType kLength = kInteger.OrNull();
-const Fields<Sfp>& LengthFields() {
-    static const Fields<Sfp> kFields = {
-        {"single_mode_m", "Single mode", kLength, SingleModeValue},
-        {"om1_m", "OM1", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm1, 10); }},
-        {"om2_m", "OM2", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm2, 10); }},
-        {"om3_m", "OM3", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm3, 10); }},
-        {"om4_m", "OM4", kLength,
-         [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? 0 : sfp.lengthOm4, 10); }},
-        {"copper_m", "Copper", kLength,
-         [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? sfp.lengthOm4 : 0, 1); }},
-    };
-    return kFields;
-}
+const Fields<Sfp> kLengthFields = {
+    {"single_mode_m", "Single mode", kLength, SingleModeValue},
+    {"om1_m", "OM1", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm1, 10); }},
+    {"om2_m", "OM2", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm2, 10); }},
+    {"om3_m", "OM3", kLength, [](const Sfp& sfp) { return LengthValue(sfp.lengthOm3, 10); }},
+    {"om4_m", "OM4", kLength,
+     [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? 0 : sfp.lengthOm4, 10); }},
+    {"copper_m", "Copper", kLength,
+     [](const Sfp& sfp) { return LengthValue(sfp.IsCopper() ? sfp.lengthOm4 : 0, 1); }},
+};
 
 // Tenths would be lost in whole gigabits: megabaud.
 Value RateValue(const Sfp& sfp) {
@@ -182,54 +180,47 @@ std::string SfpDate(const char (&date)[8]) {
     return "20" + text.substr(0, 2) + "-" + month + "-" + day;
 }
 
-const Fields<SfpIdentity>& SfpIdentityFields() {
-    static constexpr const char* kCalibrations[] = {"internal", "external"};
-    static constexpr const char* kPowerMeasures[] = {"amplitude", "average"};
-    const auto text = [](auto field) {
-        return [field](const Sfp& sfp) { return FieldText(sfp.*field, sizeof(sfp.*field)); };
-    };
-    static const Fields<Sfp> kFields = {
-        {"identifier", "Type", "TYPE", kText,
-         [](const Sfp& sfp) { return TextOrNumber(kIdentifiers, sfp.identifier, "type"); }},
-        {"connector", "Connector", kText,
-         [](const Sfp& sfp) { return TextOrNumber(kConnectors, sfp.connector, "connector"); }},
-        {"vendor", "Vendor", "VENDOR", kText.OrNull(), text(&Sfp::vendor)},
-        {"vendor_oui", "Vendor OUI", kText,
-         [](const Sfp& sfp) { return HexDigits(sfp.vendorOui); }},
-        {"part", "Part", "PART", kText.OrNull(), text(&Sfp::part)},
-        {"revision", "Revision", kText.OrNull(), text(&Sfp::revision)},
-        {"serial", "Serial", "SERIAL", kSerial.OrNull(), text(&Sfp::serial)},
-        {"date", "Made on", kText.OrNull(), [](const Sfp& sfp) { return SfpDate(sfp.date); }},
-        {"speeds_gbit", "Speeds", "SPEEDS", kText.OrNull(), SpeedsValue},
-        {"technology", "Technology", kText.OrNull(),
-         [](const Sfp& sfp) { return BitText(kTechnologies, sfp); }},
-        {"link_length", "Link length", kText.OrNull(),
-         [](const Sfp& sfp) { return BitText(kLinkLengths, sfp); }},
-        {"media", "Media", kText.OrNull(), [](const Sfp& sfp) { return BitText(kMedia, sfp); }},
-        {"ethernet", "Ethernet", kText.OrNull(),
-         [](const Sfp& sfp) { return BitText(kEthernet, sfp); }},
-        {"wavelength_nm", "Wavelength", kInteger.OrNull(), WavelengthValue},
-        {"encoding", "Encoding", kText,
-         [](const Sfp& sfp) { return TextOrNumber(kEncodings, sfp.encoding, "encoding"); }},
-        {"nominal_rate_mbd", "Nominal rate", kInteger.OrNull(), RateValue},
-        {"monitoring", "Diagnostics", kFlag, &Sfp::HasMonitoring},
-        {"calibration", "Calibration", Choice(kCalibrations).OrNull(),
-         [](const Sfp& sfp) {
-             return ChosenWhen(sfp.HasMonitoring(), kCalibrations, sfp.ExternallyCalibrated());
-         }},
-        {"power_measure", "Received power", Choice(kPowerMeasures).OrNull(),
-         [](const Sfp& sfp) {
-             return ChosenWhen(sfp.HasMonitoring(), kPowerMeasures, sfp.AveragePower());
-         }},
-        {"compliance", "SFF-8472 revision", kText,
-         [](const Sfp& sfp) { return TextOrNumber(kRevisions, sfp.compliance, "revision"); }},
-        {"base_checksum_good", "Base checksum", kFlag,
-         [](const Sfp& sfp) { return ChecksumValue(formats::BaseChecksumHolds(sfp)); }},
-        {"extended_checksum_good", "Ext. checksum", kFlag,
-         [](const Sfp& sfp) { return ChecksumValue(formats::ExtendedChecksumHolds(sfp)); }},
-        {"lengths", "Lengths", LengthFields()},
-    };
-    return kFields;
-}
+constexpr const char* kCalibrations[] = {"internal", "external"};
+constexpr const char* kPowerMeasures[] = {"amplitude", "average"};
+const Fields<Sfp> kSfpIdentityFields = {
+    {"identifier", "Type", "TYPE", kText,
+     [](const Sfp& sfp) { return TextOrNumber(kIdentifiers, sfp.identifier, "type"); }},
+    {"connector", "Connector", kText,
+     [](const Sfp& sfp) { return TextOrNumber(kConnectors, sfp.connector, "connector"); }},
+    {"vendor", "Vendor", "VENDOR", kText.OrNull(), TextOf<&Sfp::vendor>},
+    {"vendor_oui", "Vendor OUI", kText, [](const Sfp& sfp) { return HexDigits(sfp.vendorOui); }},
+    {"part", "Part", "PART", kText.OrNull(), TextOf<&Sfp::part>},
+    {"revision", "Revision", kText.OrNull(), TextOf<&Sfp::revision>},
+    {"serial", "Serial", "SERIAL", kSerial.OrNull(), TextOf<&Sfp::serial>},
+    {"date", "Made on", kText.OrNull(), [](const Sfp& sfp) { return SfpDate(sfp.date); }},
+    {"speeds_gbit", "Speeds", "SPEEDS", kText.OrNull(), SpeedsValue},
+    {"technology", "Technology", kText.OrNull(),
+     [](const Sfp& sfp) { return BitText(kTechnologies, sfp); }},
+    {"link_length", "Link length", kText.OrNull(),
+     [](const Sfp& sfp) { return BitText(kLinkLengths, sfp); }},
+    {"media", "Media", kText.OrNull(), [](const Sfp& sfp) { return BitText(kMedia, sfp); }},
+    {"ethernet", "Ethernet", kText.OrNull(),
+     [](const Sfp& sfp) { return BitText(kEthernet, sfp); }},
+    {"wavelength_nm", "Wavelength", kInteger.OrNull(), WavelengthValue},
+    {"encoding", "Encoding", kText,
+     [](const Sfp& sfp) { return TextOrNumber(kEncodings, sfp.encoding, "encoding"); }},
+    {"nominal_rate_mbd", "Nominal rate", kInteger.OrNull(), RateValue},
+    {"monitoring", "Diagnostics", kFlag, &Sfp::HasMonitoring},
+    {"calibration", "Calibration", Choice(kCalibrations).OrNull(),
+     [](const Sfp& sfp) {
+         return ChosenWhen(sfp.HasMonitoring(), kCalibrations, sfp.ExternallyCalibrated());
+     }},
+    {"power_measure", "Received power", Choice(kPowerMeasures).OrNull(),
+     [](const Sfp& sfp) {
+         return ChosenWhen(sfp.HasMonitoring(), kPowerMeasures, sfp.AveragePower());
+     }},
+    {"compliance", "SFF-8472 revision", kText,
+     [](const Sfp& sfp) { return TextOrNumber(kRevisions, sfp.compliance, "revision"); }},
+    {"base_checksum_good", "Base checksum", kFlag,
+     [](const Sfp& sfp) { return ChecksumValue(formats::BaseChecksumHolds(sfp)); }},
+    {"extended_checksum_good", "Ext. checksum", kFlag,
+     [](const Sfp& sfp) { return ChecksumValue(formats::ExtendedChecksumHolds(sfp)); }},
+    {"lengths", "Lengths", kLengthFields},
+};
 
 }  // namespace vxmgr

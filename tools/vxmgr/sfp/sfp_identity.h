@@ -14,6 +14,6 @@ using formats::SfpIdentity;
 // The year 20yy: "2024-01-31"; empty when it is no date.
 std::string SfpDate(const char (&date)[8]);
 
-const Fields<SfpIdentity>& SfpIdentityFields();
+extern const Fields<SfpIdentity> kSfpIdentityFields;
 
 }  // namespace vxmgr

@@ -80,7 +80,7 @@ const Fields<LaneRow> kLaneFields = {
     {"ctle_db", "Receive equaliser", "CTLE", kText.OrNull(), OfLane(CtleValue), "a decimal number"},
     {"dfe", "Decision feedback equaliser", FieldType{.array = true}, &LaneRow::Taps,
      "decimal numbers: steps of each tap"},
-    {PortStatus(), &LaneRow::port},
+    {kPortStatus, &LaneRow::port},
 };
 const auto kSerdesFields = ListOf("lanes", "Lanes", kLaneFields, "no lanes");
 

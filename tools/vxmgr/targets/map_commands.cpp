@@ -33,8 +33,8 @@ struct MapRow {
 
 const Fields<MapRow> kMapRow = {
     {PortKeys(kPortIndex | kScsiPort | kOldSerialKey), &MapRow::port},
-    {PlaceFields(), &MapRow::place},
-    {PortStatus(), &MapRow::port},
+    {kPlaceFields, &MapRow::place},
+    {kPortStatus, &MapRow::port},
 };
 const auto kMapList = ListOf("units", "Logical units", kMapRow, "no logical units",
                              "a row per volume; one for a logical unit without volumes");

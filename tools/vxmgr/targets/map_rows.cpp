@@ -72,36 +72,31 @@ const char* DeviceTypeText(uint32_t type) {
     return type != 0 && type <= std::size(kDeviceTypes) ? kDeviceTypes[type - 1] : nullptr;
 }
 
-const Fields<MappedPlace>& PlaceFields() {
-    using Place = MappedPlace;
-    using Unit = MappedUnit;
-    static const Fields<Place> kFields = {
-        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), Of(TargetOf, &Unit::portName)},
-        {"node_wwn", "Node name", kWwn.OrNull(),
-         Of(&Place::unit, [](const Unit& unit) { return NameIn(unit.nodeName); })},
-        {"port_id", "Port identifier", Hexadecimal(6).OrNull(), Of(TargetOf, &Unit::portId)},
-        {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&Place::unit, &Unit::bus)},
-        {"target", "Target", "ID", kInteger.OrNull(), Of(&Place::unit, &Unit::target)},
-        {"lun", "LUN", "LUN", kInteger.OrNull(), Of(&Place::unit, &Unit::lun)},
-        {"device", "Device", "DEVICE", kText.OrNull(), Of(DeviceOf, TextOf<&HX_OS_DEVICE::name>),
-         "as it is opened; null: the operating system has none"},
-        {"device_type", "Type", "TYPE", Choice(kDeviceTypes).OrNull(),
-         Of(DeviceOf, [](const HX_OS_DEVICE& device) { return DeviceTypeText(device.type); })},
-        {"disk", "Disk", kInteger.OrNull(), Of(DiskOf, Packed<&HX_OS_DEVICE::number>),
-         "number of a disk"},
-        {"volume", "Volume", kText.OrNull(), Of(&Place::volume, TextOf<&HX_VOLUME::name>),
-         "the volume's own name; null: no volume is on the device"},
-        {"mounted_at", "Mounted at", "MOUNTED AT", kText.OrNull(),
-         Of(&Place::volume, TextOf<&HX_VOLUME::path>), "the first place"},
-        {"bytes_on_disk", "Bytes on the disk", "BYTES", kInteger.OrNull(),
-         Of(&Place::volume, Packed<&HX_VOLUME::bytesOnDisk>)},
-        {"extents", "Extents", kInteger.OrNull(), Of(&Place::volume, Packed<&HX_VOLUME::extents>),
-         "stretches of disk that the volume consists of"},
-        {"extents_on_disk", "Extents on the disk", kInteger.OrNull(),
-         Of(&Place::volume, Packed<&HX_VOLUME::extentsOnDisk>)},
-    };
-    return kFields;
-}
+const Fields<MappedPlace> kPlaceFields = {
+    {"target_wwn", "Target", "TARGET", kWwn.OrNull(), Of(TargetOf, &MappedUnit::portName)},
+    {"node_wwn", "Node name", kWwn.OrNull(),
+     Of(&MappedPlace::unit, [](const MappedUnit& unit) { return NameIn(unit.nodeName); })},
+    {"port_id", "Port identifier", Hexadecimal(6).OrNull(), Of(TargetOf, &MappedUnit::portId)},
+    {"bus", "Bus", "BUS", kInteger.OrNull(), Of(&MappedPlace::unit, &MappedUnit::bus)},
+    {"target", "Target", "ID", kInteger.OrNull(), Of(&MappedPlace::unit, &MappedUnit::target)},
+    {"lun", "LUN", "LUN", kInteger.OrNull(), Of(&MappedPlace::unit, &MappedUnit::lun)},
+    {"device", "Device", "DEVICE", kText.OrNull(), Of(DeviceOf, TextOf<&HX_OS_DEVICE::name>),
+     "as it is opened; null: the operating system has none"},
+    {"device_type", "Type", "TYPE", Choice(kDeviceTypes).OrNull(),
+     Of(DeviceOf, [](const HX_OS_DEVICE& device) { return DeviceTypeText(device.type); })},
+    {"disk", "Disk", kInteger.OrNull(), Of(DiskOf, Packed<&HX_OS_DEVICE::number>),
+     "number of a disk"},
+    {"volume", "Volume", kText.OrNull(), Of(&MappedPlace::volume, TextOf<&HX_VOLUME::name>),
+     "the volume's own name; null: no volume is on the device"},
+    {"mounted_at", "Mounted at", "MOUNTED AT", kText.OrNull(),
+     Of(&MappedPlace::volume, TextOf<&HX_VOLUME::path>), "the first place"},
+    {"bytes_on_disk", "Bytes on the disk", "BYTES", kInteger.OrNull(),
+     Of(&MappedPlace::volume, Packed<&HX_VOLUME::bytesOnDisk>)},
+    {"extents", "Extents", kInteger.OrNull(), Of(&MappedPlace::volume, Packed<&HX_VOLUME::extents>),
+     "stretches of disk that the volume consists of"},
+    {"extents_on_disk", "Extents on the disk", kInteger.OrNull(),
+     Of(&MappedPlace::volume, Packed<&HX_VOLUME::extentsOnDisk>)},
+};
 
 std::vector<MappedPlace> PlacesOf(const MappedUnit& unit) {
     std::vector<MappedPlace> places;

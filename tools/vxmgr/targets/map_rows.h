@@ -34,7 +34,7 @@ struct MappedPlace {
     const MappedUnit* unit = nullptr;
     const HX_VOLUME* volume = nullptr;
 };
-const Fields<MappedPlace>& PlaceFields();
+extern const Fields<MappedPlace> kPlaceFields;
 
 // A place per volume, one for a unit without volumes.
 std::vector<MappedPlace> PlacesOf(const MappedUnit& unit);

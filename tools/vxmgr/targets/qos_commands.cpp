@@ -34,7 +34,7 @@ struct QosResult {
 template <bool before>
 const Fields<QosResult>& QosFields() {
     static const Fields<QosRow> kRows = {
-        {TargetRowHeadFields(), &QosRow::Head},
+        {kTargetRowHeadFields, &QosRow::Head},
         {"luns", "LUNs", "LUNS", kText.OrNull(),
          Of(&QosRow::run, [](const QosRun& run) { return RangeText(run.luns); }),
          "one LUN, or a range of LUNs that have the same level"},
@@ -46,7 +46,7 @@ const Fields<QosResult>& QosFields() {
          },
          "before a set"},
         {"in_force", "In force", "IN FORCE", kFlag.OrNull(), &QosRow::inForce},
-        {TargetRowStatus(), &QosRow::Head},
+        {kTargetRowStatus, &QosRow::Head},
     };
     static const Fields<QosResult> kFields = {
         {"enabled", "", kFlag.OrNull(), &QosResult::enabled,

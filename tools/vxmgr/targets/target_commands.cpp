@@ -82,7 +82,7 @@ const Fields<TargetRow> kTargetSummaryFields = {
     {"masked_stored", "Masked in the store", "MASKED STORED", kInteger.OrNull(),
      Of(&TargetRow::maskedStored, &LunSet::count),
      "number of masked LUNs; null when nothing is stored"},
-    {PortStatus(), &TargetRow::port},
+    {kPortStatus, &TargetRow::port},
 };
 
 std::string TargetTitle(const TargetRow& row) {
@@ -116,7 +116,7 @@ const Fields<TargetRow> kTargetDetailFields = {
          "LUNs as in 0-7,12; empty when none is masked"},
         {"masked_stored", "Masked in the store", kText.OrNull(),
          Of(&TargetRow::maskedStored, LunsValue)},
-        {PortStatus(), &TargetRow::port},
+        {kPortStatus, &TargetRow::port},
     }};
 
 template <const auto& target, ListLayout layout>
@@ -147,7 +147,7 @@ const Fields<LunRow> kLunFields = {
      Of(&LunRow::run, &LunRun::maskedLive)},
     {"masked_stored", "Masked in the store", "MASKED STORED", kFlag.OrNull(),
      Of(&LunRow::run, &LunRun::maskedStored), "null: no mask is stored"},
-    {PortStatus(), &LunRow::port},
+    {kPortStatus, &LunRow::port},
 };
 
 const auto kLunList = ListOf("luns", "LUNs", kLunFields, "no LUNs",

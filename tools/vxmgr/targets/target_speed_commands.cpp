@@ -38,7 +38,7 @@ template <bool setting>
 const Fields<std::vector<SpeedRow>>& SpeedList() {
     constexpr auto kGigabits = Integer("Gbit/s").OrNull();
     static const Fields<SpeedRow> kRows = {
-        {TargetRowHeadFields(), &SpeedRow::Head},
+        {kTargetRowHeadFields, &SpeedRow::Head},
         {"speed_gbit", "Speed", "SPEED", kGigabits, Of(&SpeedRow::now, kSpeedOf<&LinkSpeed::speed>),
          "at which frames go to the target"},
         {"previous_gbit", "Before", setting ? "BEFORE" : "", kGigabits,
@@ -49,7 +49,7 @@ const Fields<std::vector<SpeedRow>>& SpeedList() {
          Of(&SpeedRow::now, kSpeedOf<&LinkSpeed::portSpeed>), "of the port's link"},
         {"set", "Set", "SET", kFlag.OrNull(), Of(&SpeedRow::now, IsSet),
          "set by management; false: as negotiated"},
-        {TargetRowStatus(), &SpeedRow::Head},
+        {kTargetRowStatus, &SpeedRow::Head},
     };
     static const auto kFields = ListOf("speeds", "Speeds", kRows, "no targets");
     return kFields;

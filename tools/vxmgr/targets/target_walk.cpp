@@ -33,24 +33,18 @@ ExitCode CheckFound(Invocation& invocation, ExitCode exit, bool found) {
     return exit;
 }
 
-const Fields<TargetRowHead>& TargetRowHeadFields() {
-    static const Fields<TargetRowHead> kFields = {
-        {PortKeys(kPortIndex | kOldSerialKey), &TargetRowHead::port},
-        {"target_wwn", "Target", "TARGET", kWwn.OrNull(), &TargetRowHead::name,
-         "port name; null in the row of a port that failed, or knows no target"},
-    };
-    return kFields;
-}
+const Fields<TargetRowHead> kTargetRowHeadFields = {
+    {PortKeys(kPortIndex | kOldSerialKey), &TargetRowHead::port},
+    {"target_wwn", "Target", "TARGET", kWwn.OrNull(), &TargetRowHead::name,
+     "port name; null in the row of a port that failed, or knows no target"},
+};
 
-const Fields<TargetRowHead>& TargetRowStatus() {
-    static const Fields<TargetRowHead> kFields = {
-        {"status", "Status", kText.OrNull().Quiet(),
-         [](const TargetRowHead& row) {
-             return StatusValue(row.name ? row.status : row.port->failure);
-         },
-         "null, or the status that the target or its port failed with"}};
-    return kFields;
-}
+const Fields<TargetRowHead> kTargetRowStatus = {
+    {"status", "Status", kText.OrNull().Quiet(),
+     [](const TargetRowHead& row) {
+         return StatusValue(row.name ? row.status : row.port->failure);
+     },
+     "null, or the status that the target or its port failed with"}};
 
 OpenTarget OpenGivenTarget(Invocation& invocation) {
     const HX_SCSI_ADDRESS wanted = GivenAddress(invocation, "target");

@@ -67,8 +67,8 @@ struct TargetRowHead {
     std::optional<Wwn> name = std::nullopt;
     HX_STATUS status = HXMGT_SUCCESS;
 };
-const Fields<TargetRowHead>& TargetRowHeadFields();
-const Fields<TargetRowHead>& TargetRowStatus();
+extern const Fields<TargetRowHead> kTargetRowHeadFields;
+extern const Fields<TargetRowHead> kTargetRowStatus;
 
 // One target of the selected port, open.
 struct OpenTarget {
