@@ -56,7 +56,7 @@ Value FieldValue(const Field& field, const uint8_t* bytes) {
     }
 }
 
-Shape ShapeOf(FieldScope scope) {
+Shape ShapeOfScope(FieldScope scope) {
     Shape shape;
     for (const Field& field : ProfileFields()) {
         if (field.scope == scope) {
@@ -90,7 +90,7 @@ constexpr Level kTop[] = {{"adapters", "Adapters", FieldScope::Adapter, &kPorts}
                           {"targets", "Targets", FieldScope::Target, &kLuns}};
 
 FieldShape ListShape(const Level& level) {
-    Shape shape = ShapeOf(level.scope);
+    Shape shape = ShapeOfScope(level.scope);
     if (level.below != nullptr) {
         shape.push_back(ListShape(*level.below));
     }

@@ -1,8 +1,7 @@
 #include "vxmgr/hbaapi/hbaapi_library.h"
 
-#include <vector>
-
 #include "common/console.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 namespace {

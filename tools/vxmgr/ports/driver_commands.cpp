@@ -122,7 +122,7 @@ const Fields<Parameter> kParameterFields = {
 
 const auto kParameterList = ListOf("parameters", "Parameters", kParameterFields);
 
-const Fields<Parameter> kChangeFields = {
+const Fields<Parameter> kParameterChangeFields = {
     {"driver_service", "Driver service", kText.OrNull(), &Parameter::service},
     {"name", "Parameter", kText, &Parameter::name},
     {"previous", "Before", kText.OrNull(), ValueOrNull<&Parameter::previous>},
@@ -312,7 +312,7 @@ ExitCode DriverParameterSet(Invocation& invocation) {
                                "the parameter takes effect at the driver's next start"});
     }
     const auto after = ReadParameter(invocation, device, setting.name);
-    invocation.Result() = kChangeFields.Make({service.name, setting.name, after, before});
+    invocation.Result() = kParameterChangeFields.Make({service.name, setting.name, after, before});
     if (!needed) {
         invocation.Note("nothing to do");
     } else if (invocation.DryRun()) {
@@ -349,7 +349,7 @@ CommandRows DriverCommands() {
          .arguments = kSettingArguments,
          .run = DriverParameterSet,
          .example = "driver param set qdepth=32 -p scsi:3",
-         .result = ShapeOf<kChangeFields>},
+         .result = ShapeOf<kParameterChangeFields>},
     };
     return kCommands;
 }

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kLongestFile = size_t{1} << 20;
 constexpr uint32_t kKeepBlock = 0;  // mode of the library's reader: lines change the block at hand
 
-std::string_view TextOf(const std::vector<uint8_t>& bytes) {
+std::string_view AsText(const std::vector<uint8_t>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
@@ -105,7 +105,7 @@ class ScratchFile {
 std::string ModelText(Invocation& invocation, const PortNvram& nvram) {
     const ScratchFile model;
     SaveNvramText(invocation, nvram, model.Path());
-    return std::string(TextOf(LoadFile(invocation, model.Path(), kLongestFile)));
+    return std::string(AsText(LoadFile(invocation, model.Path(), kLongestFile)));
 }
 
 std::vector<uint8_t> ReadText(Invocation& invocation, const PortNvram& nvram,
@@ -158,8 +158,8 @@ std::vector<uint8_t> LoadNvramFile(Invocation& invocation, const PortNvram& nvra
     const std::string path = invocation.Given().Text("FILE");
     const std::vector<uint8_t> bytes = LoadFile(invocation, path, kLongestFile);
     try {
-        if (LooksLikeDocument(TextOf(bytes))) {
-            return BlockOfDocument(invocation, nvram, path, TextOf(bytes), use);
+        if (LooksLikeDocument(AsText(bytes))) {
+            return BlockOfDocument(invocation, nvram, path, AsText(bytes), use);
         }
         if (nvram.map.kind != NvramKind::Classic) {
             throw DocumentError{"it is no document, and this chip's blocks have no text form"};
@@ -168,7 +168,7 @@ std::vector<uint8_t> LoadNvramFile(Invocation& invocation, const PortNvram& nvra
             throw DocumentError{
                 "a text does not hold the whole block, and the port's own is damaged"};
         }
-        CheckNvramText(TextOf(bytes), ModelText(invocation, nvram));
+        CheckNvramText(AsText(bytes), ModelText(invocation, nvram));
         return BlockOfText(invocation, nvram, path, use);
     } catch (const DocumentError& error) {
         Refuse(invocation, path, error.text);

@@ -80,14 +80,10 @@ std::optional<Wwn> NameInBlock(const NvramMap& map, Bytes block, const char* des
     return found == kNameBytes ? std::optional(name) : std::nullopt;
 }
 
-const Fields<NvramDifference>& kChangeFields {
-    static const auto kSides =
-        SideFields({"before", "Before", "BEFORE"}, {"after", "After", "AFTER"});
-    static const auto kFields = DifferenceFields(kSides, "no variable changes");
-    return kFields;
-}
+const auto kChangeSides = SideFields({"before", "Before", "BEFORE"}, {"after", "After", "AFTER"});
+const Fields<NvramDifference> kChangeFields = DifferenceFields(kChangeSides, "no variable changes");
 
 const auto kFileSides = SideFields({"adapter", "Adapter", "ADAPTER"}, {"file", "File", "FILE"});
-const auto kFileDiffFields = DifferenceFields(kFileSides, "no variable differs");
+const Fields<NvramDifference> kFileDiffFields = DifferenceFields(kFileSides, "no variable differs");
 
 }  // namespace vxmgr
