@@ -166,7 +166,7 @@ TEST(ToolsHbaApi, EveryAnswerBecomesARecord) {
     EXPECT_EQ(Shown(detail, "management_udp_port"), "-");
     EXPECT_EQ(Shown(detail, "mapping_status"), "HBA_STATUS_OK");
     EXPECT_EQ(adapter.discovered.size(), 2u);
-    EXPECT_EQ(Shown(HbaSummaryFields().Make(adapter), "status"), "HBA_STATUS_OK");
+    EXPECT_EQ(Shown(kHbaSummaryFields.Make(adapter), "status"), "HBA_STATUS_OK");
 }
 
 TEST(ToolsHbaApi, FailingHandlersAreTold) {
@@ -182,7 +182,7 @@ TEST(ToolsHbaApi, FailingHandlersAreTold) {
     for (const auto& row : kRows) {
         const HbaAdapter adapter = ReadFake(row.library);
         EXPECT_TRUE(adapter.Failed()) << row.status;
-        EXPECT_EQ(Shown(HbaSummaryFields().Make(adapter), "status"), row.status);
+        EXPECT_EQ(Shown(kHbaSummaryFields.Make(adapter), "status"), row.status);
         EXPECT_EQ(Shown(kHbaDetailFields.Make(adapter), "status"), row.status);
     }
     const HbaAdapter noPort = ReadFake({.port = HBA_STATUS_ERROR});

@@ -71,7 +71,7 @@ TEST(ToolsMap, ARowPerVolumeAndOneWithout) {
     EXPECT_TRUE(unit.IsDisk(7));
     EXPECT_FALSE(unit.IsDisk(8));
     ASSERT_EQ(PlacesOf(unit).size(), 1u);
-    const tools::Record bare = PlaceFields().Make(PlacesOf(unit)[0]);
+    const tools::Record bare = kPlaceFields.Make(PlacesOf(unit)[0]);
     EXPECT_EQ(Shown(bare, "target_wwn"), "2b:00:02:45:4d:00:01:00");
     EXPECT_EQ(Shown(bare, "port_id"), "0x010203");
     EXPECT_EQ(Shown(bare, "disk"), "7");
@@ -79,10 +79,10 @@ TEST(ToolsMap, ARowPerVolumeAndOneWithout) {
     EXPECT_EQ(Shown(bare, "mounted_at"), "-");
     unit.volumes = {Volume("E:\\", 1ull << 40), Volume("", 5)};
     ASSERT_EQ(PlacesOf(unit).size(), 2u);
-    const tools::Record first = PlaceFields().Make(PlacesOf(unit)[0]);
+    const tools::Record first = kPlaceFields.Make(PlacesOf(unit)[0]);
     EXPECT_EQ(Shown(first, "mounted_at"), "E:\\");
     EXPECT_EQ(Shown(first, "bytes_on_disk"), "1099511627776");
-    const tools::Record second = PlaceFields().Make(PlacesOf(unit)[1]);
+    const tools::Record second = kPlaceFields.Make(PlacesOf(unit)[1]);
     EXPECT_EQ(Shown(second, "mounted_at"), "-");
     EXPECT_EQ(Shown(second, "volume"), "\\\\?\\Volume{1}\\");
 }
@@ -93,7 +93,7 @@ TEST(ToolsMap, WhatIsNotThereIsNull) {
     tape.type = HX_OS_DEVICE_TAPE;
     const MappedUnit unit = UnitOf(tape);
     EXPECT_FALSE(unit.IsDisk(7));
-    const tools::Record row = PlaceFields().Make({&unit});
+    const tools::Record row = kPlaceFields.Make({&unit});
     EXPECT_EQ(Shown(row, "device_type"), "tape");
     for (const char* key : {"disk", "target_wwn", "port_id", "volume"}) {
         EXPECT_EQ(Shown(row, key), "-") << key;
@@ -102,10 +102,10 @@ TEST(ToolsMap, WhatIsNotThereIsNull) {
     MappedUnit bare;
     bare.lun = 3;
     EXPECT_FALSE(bare.IsDisk(0));
-    EXPECT_EQ(Shown(PlaceFields().Make({&bare}), "lun"), "3");
-    EXPECT_EQ(Shown(PlaceFields().Make({&bare}), "device"), "-");
+    EXPECT_EQ(Shown(kPlaceFields.Make({&bare}), "lun"), "3");
+    EXPECT_EQ(Shown(kPlaceFields.Make({&bare}), "device"), "-");
     // A port that failed has the same columns.
-    const tools::Record failed = PlaceFields().Make({});
+    const tools::Record failed = kPlaceFields.Make({});
     EXPECT_EQ(Shown(failed, "lun"), "-");
     ASSERT_EQ(failed.Fields().size(), row.Fields().size());
 }

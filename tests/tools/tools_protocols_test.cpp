@@ -25,7 +25,7 @@ tools::Record InquiryRecord(Bytes data) {
     return kInquiryFields.Make(DecodeInquiry(data));
 }
 tools::Record VpdRecord(Bytes data) {
-    return ScsiVpdFields().Make(DecodeScsiVpd(data));
+    return kScsiVpdFields.Make(DecodeScsiVpd(data));
 }
 tools::Record NodeRecord(Bytes data) {
     return kNodeIdentificationFields.Make(DecodeNodeIdentification(data));

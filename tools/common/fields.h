@@ -249,12 +249,9 @@ class FieldRow : public AnyFieldRow {
                                                     const Fields<Part>& fields, Get get,
                                                     const char* about = "",
                                                     FieldType type = kGroup.OrAbsent())
-        : AnyFieldRow({.key = key,
-                       .label = label,
-                       .about = about,
-                       .kind = FieldKind::Group,
-                       .type = type},
-                      &AddGroup<Part, Get>) {
+        : AnyFieldRow(
+              {.key = key, .label = label, .about = about, .kind = FieldKind::Group, .type = type},
+              &AddGroup<Part, Get>) {
         Keep(get);
         KeepTable(fields);
     }

@@ -7,6 +7,7 @@
 #include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_journal.h"
 #include "vxmgr/update/update_progress.h"
+#include "vxmgr/update/update_record.h"
 
 namespace vxmgr {
 namespace {
@@ -151,5 +152,6 @@ int main() {
         .cause = vxmgr::CauseOf,
         .topics = vxmgr::kTopics,
     };
+    vxmgr::WhenSelected(vxmgr::WarnOfInterruption);
     return tools::RunTool(tool);
 }

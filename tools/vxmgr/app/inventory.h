@@ -75,6 +75,11 @@ std::vector<Port*> SelectPorts(Invocation& invocation, std::vector<Port>& ports)
 std::vector<const Adapter*> SelectAdapters(Invocation& invocation,
                                            const std::vector<Adapter>& adapters);
 
+// Has `listen` hear of each adapter that a command selects, once: so that rooms can speak up that
+// this one does not know. For main.
+using SelectionListener = void (*)(Invocation& invocation, const std::string& serial);
+void WhenSelected(SelectionListener listen);
+
 // The positions of the identities that the option selects, all of them without it; ends the command
 // likewise.
 std::vector<size_t> SelectPositions(Invocation& invocation, const char* option,

@@ -1,5 +1,6 @@
 // What -a and -p select.
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "common/console.h"
@@ -126,19 +127,35 @@ std::vector<const Adapter*> AdaptersOfOption(Invocation& invocation,
     return selected;
 }
 
+SelectionListener listener = nullptr;
+
+// A process runs one command, which may select more than once.
+void TellListener(Invocation& invocation, const std::vector<std::string>& serials) {
+    static std::set<std::string> told;
+    for (const std::string& serial : serials) {
+        if (listener != nullptr && !serial.empty() && told.insert(serial).second) {
+            listener(invocation, serial);
+        }
+    }
+}
+
 // A --confirm that names another adapter than those selected is a mistake whatever the command.
 template <typename Object>
-std::vector<const Object*> Confirmed(const Invocation& invocation,
-                                     std::vector<const Object*> selected) {
+std::vector<const Object*> Confirmed(Invocation& invocation, std::vector<const Object*> selected) {
     std::vector<std::string> serials;
     for (const Object* object : selected) {
         serials.push_back(object->Identity().serial);
     }
     invocation.CheckConfirmed(serials);
+    TellListener(invocation, serials);
     return selected;
 }
 
 }  // namespace
+
+void WhenSelected(SelectionListener listen) {
+    listener = listen;
+}
 
 std::optional<Selector> GivenSelector(Invocation& invocation, const char* option) {
     if (!invocation.Given().Has(option)) {

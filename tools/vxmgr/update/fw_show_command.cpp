@@ -4,6 +4,7 @@
 #include "vxmgr/app/values.h"
 #include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_messages.h"
+#include "vxmgr/update/update_record.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
@@ -19,6 +20,7 @@ struct CodeRow {
     StoredCode code;
     std::string running;
     CodeState state = StateOf(code, running);
+    std::optional<uint64_t> interruptedAt{};
 
     std::string Serial() const { return adapter->First().Serial(); }
 };
@@ -49,6 +51,8 @@ const tools::Fields<CodeRow>& CodeFields() {
         {"status", "Status", kText.OrNull(),
          [](const CodeRow& row) { return StatusValue(row.code.status); },
          "why the region could not be read"},
+        {"interrupted_at", "Interrupted at", kInteger.OrNull(), &CodeRow::interruptedAt,
+         "the byte at which an update of the region was interrupted"},
     };
     return kFields;
 }
@@ -97,9 +101,15 @@ void AddUnreadable(tools::Invocation& invocation, const Adapter& adapter,
 }
 
 void AddCode(tools::Invocation& invocation, const Adapter& adapter, const StoredCode& code,
-             FoundCode& found) {
-    const CodeRow& row = found.rows.emplace_back(
+             const std::optional<UpdateRecord>& record, FoundCode& found) {
+    static const std::vector<JournalRegion> kNoRegions;
+    CodeRow& row = found.rows.emplace_back(
         CodeRow{&adapter, code, RunningVersion(adapter.First(), code.region.code)});
+    for (const JournalRegion& region : record ? record->journal.regions : kNoRegions) {
+        if (region.code == code.region.code && region.step == RegionStep::Writing) {
+            row.interruptedAt = region.reached;
+        }
+    }
     const std::string object = adapter.First().Object();
     const std::string name = code.region.Name();
     if (row.state == CodeState::Pending) {
@@ -132,8 +142,9 @@ ExitCode FirmwareShow(tools::Invocation& invocation) {
             AddUnreadable(invocation, *selected[i], stored[i], found);
             continue;
         }
+        const auto record = InterruptedUpdate(invocation, selected[i]->First().Serial());
         for (const StoredCode& code : stored[i].answer) {
-            AddCode(invocation, *selected[i], code, found);
+            AddCode(invocation, *selected[i], code, record, found);
         }
     }
     invocation.Result() = FwShowFields().Make(found.rows);

@@ -36,7 +36,8 @@ const Fields<ProgressState>& ProgressFields() {
 }  // namespace
 
 Shape ProgressShape() {
-    return ProgressFields().ShapeOfAll();
+    static const auto kList = ListOf("progress", "Progress", ProgressFields());
+    return kList.ShapeOfAll();
 }
 
 void UpdateProgress::Begin(std::string step, uint64_t bytes, double seconds) {

@@ -208,17 +208,29 @@ const JournalRegion* UpdateRecord::StoppedAt() const {
     return nullptr;
 }
 
+namespace {
+
+// What a folder holds, when it can be believed to be of the adapter; warns else.
+std::optional<UpdateRecord> LoadOf(Invocation& invocation, const std::string& folder,
+                                   const std::string& serial) {
+    std::string why;
+    auto record = UpdateRecord::Load(folder, &why);
+    if (record && record->journal.serial != serial) {
+        why = "it is one of adapter " + record->journal.serial;
+        record.reset();
+    }
+    if (!record) {
+        invocation.Warn("the update in " + folder + " is passed over: " + why);
+    }
+    return record;
+}
+
+}  // namespace
+
 std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& serial) {
     std::vector<UpdateRecord> records;
     for (const std::string& folder : UpdateFolders(serial)) {
-        std::string why;
-        auto record = UpdateRecord::Load(folder, &why);
-        if (!record) {
-            invocation.Warn("the update in " + folder + " is passed over: " + why);
-        } else if (record->journal.serial != serial) {
-            invocation.Warn("the update in " + folder + " is passed over: it is one of adapter " +
-                            record->journal.serial);
-        } else {
+        if (auto record = LoadOf(invocation, folder, serial)) {
             records.push_back(std::move(*record));
         }
     }
@@ -226,14 +238,25 @@ std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& s
 }
 
 std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial) {
-    if (serial.empty()) {
-        return std::nullopt;
+    const std::vector<std::string> folders =
+        serial.empty() ? std::vector<std::string>() : UpdateFolders(serial);
+    for (size_t i = folders.size(); i-- != 0;) {
+        if (auto newest = LoadOf(invocation, folders[i], serial)) {
+            return newest->IsInterrupted() ? std::move(newest) : std::nullopt;
+        }
     }
-    std::vector<UpdateRecord> records = UpdatesOf(invocation, serial);
-    if (records.empty() || !records.back().IsInterrupted()) {
-        return std::nullopt;
+    return std::nullopt;
+}
+
+void WarnOfInterruption(Invocation& invocation, const std::string& serial) {
+    const std::string_view path = invocation.OwnCommand().path;
+    if (path == "fw update" || path == "fw restore" || path == "fw history") {
+        return;
     }
-    return std::move(records.back());
+    if (const auto record = InterruptedUpdate(invocation, serial)) {
+        invocation.Warn("adapter " + serial + ": " + DescribeInterruption(*record),
+                        std::string(kAfterInterruption) + " (-a serial:" + serial + ")");
+    }
 }
 
 std::string DescribeInterruption(const UpdateRecord& record) {

@@ -66,6 +66,9 @@ std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& s
 // The newest one, when it was interrupted.
 std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial);
 
+// Warns of it, unless the command deals with updates itself.
+void WarnOfInterruption(Invocation& invocation, const std::string& serial);
+
 // "an update was interrupted in region 1 (firmware) at byte 65536"
 std::string DescribeInterruption(const UpdateRecord& record);
 inline constexpr char kAfterInterruption[] =

@@ -38,7 +38,10 @@ const Fields<UpdateRegionResult>& UpdateRegionFields() {
         {"stored_version", "Stored", "STORED", kText.OrNull(), &Region::stored},
         {"image_version", "Image", "IMAGE", kText.OrNull(), &Region::wanted},
         {"size", "Size", "SIZE", kInteger,
-         [](const Region& region) { return SizeValue(region.size); }},
+         [](const Region& region) {
+             return Value::Number(region.size, "bytes")
+                 .Shown(std::to_string(region.size / 1024) + " KiB");
+         }},
         {"written_how", "Written", "WRITTEN", Choice(kWays),
          [](const Region& region) { return kWays[region.staged ? 1 : 0]; },
          "staged: the adapter checks the whole image before it takes effect, where it demands "
