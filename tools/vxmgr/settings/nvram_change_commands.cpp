@@ -195,8 +195,9 @@ ExitCode ChangeNvram(Invocation& invocation, const PortNvram& before, std::vecto
                           LinesOf(changed.difference));
             SaveBackup(invocation, before);
             invocation.CheckStop();
-            exit = WriteNvram(invocation, before, std::move(replaced), block) ? ExitCode::Cancelled
-                                                                              : ExitCode::Done;
+            exit = WriteNvram(invocation, before, std::move(replaced), block)
+                       ? ExitCodeOf(invocation.Stop().Reason())
+                       : ExitCode::Done;
             changed.stored = true;
             if (activate && exit == ExitCode::Done) {
                 exit = ActivateNvram(invocation, session, before.map.kind, block);

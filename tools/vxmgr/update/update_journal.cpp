@@ -12,6 +12,7 @@ namespace {
 constexpr const char* kJournalName[] = {"vxmgr.update"};
 constexpr int kJournalVersions[] = {1};
 constexpr uint64_t kMostRegionBytes = 256u << 20;
+constexpr uint64_t kMostRate = uint64_t{1} << 48;
 constexpr size_t kHashDigits = 64;
 
 template <class Record>
@@ -85,7 +86,7 @@ const StoredFields<UpdateJournal>& StoredHead() {
         TextField("library", &Journal::library, "version"),
         TextField("outcome", &Journal::outcome, "empty until it has ended"),
         TextField("backup", &Journal::backup, "folder of the contents; empty: this one"),
-        NumberField("write_rate", &Journal::writeRate, "bytes a second; 0: not known", UINT64_MAX),
+        NumberField("write_rate", &Journal::writeRate, "bytes a second; 0: not known", kMostRate),
     };
     return kRows;
 }
