@@ -14,7 +14,7 @@ show() {
     tr -d '\r' <build/demo.txt
 }
 
-show vxemu start --profile lab
+show vxemu start --profile lab --fresh
 show vxmgr version
 show vxmgr adapter list
 show vxmgr adapter show -a index:0

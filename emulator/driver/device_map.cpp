@@ -15,14 +15,14 @@ constexpr wchar_t kMarkValue[] = L"Emulated";
 NTSTATUS OpenMap(Key& map) {
     Key parent;
     ObjectName parentName(kMapParent);
-    OBJECT_ATTRIBUTES attributes = KeyAttributes(nullptr, parentName.Get());
+    OBJECT_ATTRIBUTES attributes = AttributesOf(nullptr, parentName.Get());
     NTSTATUS status = ZwCreateKey(parent.Receive(), KEY_READ | KEY_WRITE, &attributes, 0, nullptr,
                                   REG_OPTION_VOLATILE, nullptr);
     if (!NT_SUCCESS(status)) {
         return status;
     }
     ObjectName name(kMapKey);
-    attributes = KeyAttributes(parent.Get(), name.Get());
+    attributes = AttributesOf(parent.Get(), name.Get());
     return ZwCreateKey(map.Receive(), KEY_READ | KEY_WRITE, &attributes, 0, nullptr,
                        REG_OPTION_VOLATILE, nullptr);
 }
@@ -53,7 +53,7 @@ NTSTATUS SetText(HANDLE key, const wchar_t* name, const char* text) {
 bool WritePort(HANDLE map, uint32_t number, const char* driverName) {
     Key key;
     ObjectName name(kPortKeyPrefix, number);
-    OBJECT_ATTRIBUTES attributes = KeyAttributes(map, name.Get());
+    OBJECT_ATTRIBUTES attributes = AttributesOf(map, name.Get());
     const NTSTATUS status = ZwCreateKey(key.Receive(), KEY_READ | KEY_WRITE, &attributes, 0,
                                         nullptr, REG_OPTION_VOLATILE, nullptr);
     if (!NT_SUCCESS(status)) {
@@ -73,7 +73,7 @@ bool WritePort(HANDLE map, uint32_t number, const char* driverName) {
 void RemovePort(HANDLE map, uint32_t number) {
     Key key;
     ObjectName name(kPortKeyPrefix, number);
-    OBJECT_ATTRIBUTES attributes = KeyAttributes(map, name.Get());
+    OBJECT_ATTRIBUTES attributes = AttributesOf(map, name.Get());
     if (!NT_SUCCESS(ZwOpenKey(key.Receive(), KEY_READ | KEY_WRITE | DELETE, &attributes))) {
         return;
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "delayed_completion.h"
+#include "flash_files.h"
 #include "kernel.h"
 #include "locks.h"
 #include "model/access.h"
@@ -16,6 +17,7 @@ struct Shared {
     vxemu::AccessLocks<Resource, FastMutex> access;  // to the model
     bool stopping;  // written alone; requests are refused from now on
     DelayedCompletions delayed;
+    FlashFiles flashFiles;
     uint64_t mapped;   // bit n: the key of SCSI port n was written by this driver
     uint64_t devices;  // bit n: port n of the model has its device
     uint32_t portsMade;

@@ -58,6 +58,7 @@ void TearDown(DRIVER_OBJECT* object, Shared* shared) {
     UnmapPorts(*shared);
     RemoveDevices(object);
     vxemu::Model::Destroy(shared->model);
+    shared->flashFiles.Close();
     shared->access.Delete();
     Release(shared);
 }
@@ -78,8 +79,10 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
     vxemu::Profile* profile = nullptr;
     NTSTATUS status = LoadProfile(registryPath, &profile);
     if (NT_SUCCESS(status)) {
-        const vxemu::Host host = {shared,      AllocateForModel, ReleaseForModel,  Milliseconds,
-                                  EnterCommon, LeaveCommon,      RequestingProcess};
+        shared->flashFiles.Open(registryPath);
+        const vxemu::Host host = {
+            shared,      AllocateForModel, ReleaseForModel,   Milliseconds,
+            EnterCommon, LeaveCommon,      RequestingProcess, shared->flashFiles.Get()};
         shared->model = vxemu::Model::Create(host, *profile);
         Release(profile);
         status = STATUS_INSUFFICIENT_RESOURCES;

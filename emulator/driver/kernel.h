@@ -8,7 +8,7 @@
 #define InterlockedBitTestAndSet WdmInterlockedBitTestAndSet
 #define InterlockedBitTestAndReset WdmInterlockedBitTestAndReset
 #endif
-#include <ntddk.h>
+#include <ntifs.h>  // ntddk.h, and what files have beyond it
 #ifdef __MINGW32__
 #undef InterlockedBitTestAndSet
 #undef InterlockedBitTestAndReset
@@ -92,7 +92,7 @@ class Key {
     HANDLE handle_ = nullptr;
 };
 
-inline OBJECT_ATTRIBUTES KeyAttributes(HANDLE parent, UNICODE_STRING* name) {
+inline OBJECT_ATTRIBUTES AttributesOf(HANDLE parent, UNICODE_STRING* name) {
     OBJECT_ATTRIBUTES attributes;
     InitializeObjectAttributes(&attributes, name, OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE, parent,
                                nullptr);

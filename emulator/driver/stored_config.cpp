@@ -74,7 +74,7 @@ class Value {
 };
 
 bool OpenKey(HANDLE parent, ObjectName& name, Key& key) {
-    OBJECT_ATTRIBUTES attributes = KeyAttributes(parent, name.Get());
+    OBJECT_ATTRIBUTES attributes = AttributesOf(parent, name.Get());
     return NT_SUCCESS(ZwOpenKey(key.Receive(), KEY_READ, &attributes));
 }
 

@@ -11,14 +11,14 @@ constexpr wchar_t kProfileValue[] = L"Profile";
 // STATUS_OBJECT_NAME_NOT_FOUND when nothing is stored.
 NTSTATUS ReadStored(UNICODE_STRING* registryPath, vxemu::Profile& profile) {
     Key service;
-    OBJECT_ATTRIBUTES attributes = KeyAttributes(nullptr, registryPath);
+    OBJECT_ATTRIBUTES attributes = AttributesOf(nullptr, registryPath);
     NTSTATUS status = ZwOpenKey(service.Receive(), KEY_READ, &attributes);
     if (!NT_SUCCESS(status)) {
         return status;
     }
     Key parameters;
     ObjectName parametersName(kParametersKey);
-    attributes = KeyAttributes(service.Get(), parametersName.Get());
+    attributes = AttributesOf(service.Get(), parametersName.Get());
     status = ZwOpenKey(parameters.Receive(), KEY_READ, &attributes);
     if (!NT_SUCCESS(status)) {
         return status;

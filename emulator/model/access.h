@@ -18,7 +18,8 @@
 //
 // A request that runs alone needs no port's lock: no other holds one then. In the kernel the first
 // is an executive resource and the others are fast mutexes: requests come at PASSIVE_LEVEL, run at
-// APC_LEVEL and touch memory that is never paged out.
+// APC_LEVEL and touch memory that is never paged out. Those that run alone stay at PASSIVE_LEVEL,
+// as the files need in which the flash lasts.
 #pragma once
 
 #include <cstdint>

@@ -27,10 +27,7 @@ DriverStatus Reset(Exchange& exchange) {
     if (!exchange.Read(flags)) {
         return DriverStatus::InvalidParameter;
     }
-    Companion& companion = exchange.GetPort().flash->companion;
-    if (companion.stored != 0) {
-        companion.running = companion.stored;
-    }
+    StartCompanion(exchange.GetPort().flash->companion);
     exchange.Reply(flags);
     return DriverStatus::Success;
 }
@@ -69,8 +66,9 @@ DriverStatus Update(Exchange& exchange) {
         return DriverStatus::InvalidParameter;
     }
     companion.received = end;
-    if (last) {
+    if (SpendPower(*port.flash, segment.segmentSize) == segment.segmentSize && last) {
         companion.stored = segment.firmwareVersion;
+        NoteStored(port);
     }
     segment.exchangeAddress = kExchangeAddress;
     std::memcpy(exchange.Bytes(), &segment, std::min(exchange.Room(), uint32_t{sizeof segment}));

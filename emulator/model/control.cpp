@@ -302,6 +302,7 @@ constexpr ControlRow kControlRows[] = {
     {control::kFlashDump, &ControlRequest::DumpFlash},
     {control::kFlashCorrupt, &ControlRequest::CorruptFlash},
     {control::kPowerFail, &ControlRequest::FailPower},
+    {control::kFlashReset, &ControlRequest::ResetFlash},
     {control::kRaiseCounter, &ControlRequest::Raise},
     {control::kTraceStart, &ControlRequest::StartTrace},
     {control::kTraceStop, &ControlRequest::StopTrace},
@@ -316,7 +317,11 @@ Completion Model::Control(uint32_t code, uint8_t* buffer, uint32_t inputLength,
     for (const ControlRow& row : kControlRows) {
         if (row.code == code) {
             ControlRequest request(*this, buffer, inputLength, outputLength, returned);
-            return (request.*row.answer)();
+            const Completion completion = (request.*row.answer)();
+            for (uint32_t adapter = 0; adapter < profile_->adapterCount; ++adapter) {
+                KeepChanges(fabric_, flashes_[adapter]);
+            }
+            return completion;
         }
     }
     return Completion::Invalid;

@@ -8,6 +8,7 @@
 
 #include "model/faults.h"
 #include "model/profile/profile.h"
+#include "model/storage/flash_file.h"
 #include "model/storage/flash_regions.h"
 #include "model/trace.h"
 #include "properties/driver_replies.h"
@@ -15,7 +16,7 @@
 namespace vxemu {
 
 inline constexpr char kControlDeviceName[] = "vxemu";
-inline constexpr uint32_t kControlVersion = 4;  // raised with every change of a record
+inline constexpr uint32_t kControlVersion = 5;  // raised with every change of a record
 
 // A control code as the operating system builds it: unknown device type, read access for what
 // only asks and read and write access for what changes something, buffered.
@@ -49,6 +50,7 @@ inline constexpr uint32_t kTraceStart = ControlCode(31, true);     // TraceName 
 inline constexpr uint32_t kTraceStop = ControlCode(32, true);      // TraceStop / CountReply: 1 done
 inline constexpr uint32_t kAdapterAdd = ControlCode(33, true);     // AdapterRecord / ChangeReply
 inline constexpr uint32_t kAdapterRemove = ControlCode(34, true);  // PortSelector / ChangeReply
+inline constexpr uint32_t kFlashReset = ControlCode(40, true);     // PortSelector, or kAnyPort / -
 }  // namespace control
 
 #pragma pack(push, 1)
@@ -68,7 +70,8 @@ struct PortStatus {
     char serial[32];
     uint8_t portName[8];
     uint16_t deviceId;
-    uint8_t reserved2[6];
+    FlashKeep flash;  // whether what is written to it lasts
+    uint8_t reserved115[5];
 };
 static_assert(sizeof(PortStatus) == 120);
 static_assert(offsetof(PortStatus, requests) % 8 == 0);
@@ -194,7 +197,7 @@ struct FlashReport {
     uint8_t withoutPower;  // 1: the adapter does not answer until one of its ports is reset
     uint8_t failsSoon;     // 1: it will not, once bytesUntilFailure more are written
     uint8_t secondBank;    // 1: the port's settings in use are those of the second bank
-    uint8_t reserved;
+    FlashKeep keep;
     uint32_t bytesUntilFailure;
     uint32_t reserved20;
     FlashRegionStatus regions[kMaxFlashRegions];

@@ -42,6 +42,7 @@ class ControlRequest {
     Completion DumpFlash();
     Completion CorruptFlash();
     Completion FailPower();
+    Completion ResetFlash();
     Completion Raise();
     Completion StartTrace();
     Completion StopTrace();
@@ -62,6 +63,7 @@ class ControlRequest {
         CopyText(status.serial, port.adapter->serial);
         std::memcpy(status.portName, port.profile->portName, sizeof status.portName);
         status.deviceId = port.adapter->deviceId;
+        status.flash = port.flash->keeping.state;
     }
 
     template <typename Record>

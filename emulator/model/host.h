@@ -6,6 +6,8 @@
 
 namespace vxemu {
 
+struct HostFiles;
+
 struct Host {
     void* context;
     void* (*allocate)(void* context, size_t bytes);  // zeroed, or null
@@ -19,6 +21,9 @@ struct Host {
 
     // The process that the request at hand comes from; null where the host does not know.
     uint32_t (*process)(void* context) = nullptr;
+
+    // Where what the adapters store lasts; null where it goes with the model.
+    const HostFiles* files = nullptr;
 
     uint32_t Process() const { return process != nullptr ? process(context) : 0; }
     uint64_t Now() const { return milliseconds(context); }

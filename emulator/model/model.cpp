@@ -83,6 +83,9 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     model->fabric_.host = host;
     model->fabric_.profile = model->profile_;
     model->fabric_.ports = model->ports_;
+    for (uint32_t adapter = 0; adapter < profile.adapterCount; ++adapter) {
+        StartKeeping(model->fabric_, model->flashes_[adapter]);
+    }
     for (uint32_t index = 0; index < profile.portCount; ++index) {
         if (!model->StartPort(index, profile.ports[index].adapter)) {
             Destroy(model);
@@ -234,6 +237,7 @@ Completion Model::Serve(uint32_t port, uint8_t* buffer, uint32_t inputLength, ui
         answer();
     }
     CountTime(target);
+    KeepChanges(fabric_, *target.flash);
     if (target.flash->withoutPower) {
         *returned = 0;
         return Completion::NoDevice;

@@ -1,8 +1,8 @@
 // The emulated adapters: answers the requests of the driver interface for every port of a
 // profile, and the control requests of control.h. Plain C++ for three hosts (the kernel driver, a
 // test process on Windows, a native test): no platform call, no exception, no floating point, no
-// global mutable state, and memory from the host alone. The same profile and the same requests
-// give the same bytes.
+// global mutable state, and memory and files from the host alone. The same profile, the same
+// files and the same requests give the same bytes.
 //
 // The host sees to it that calls do not meet that must not: access.h says which, and how. A host
 // that lets one call run at a time has done enough.

@@ -8,6 +8,7 @@
 #include "model/event_queue.h"
 #include "model/health/port_health.h"
 #include "model/profile/profile.h"
+#include "model/storage/flash_keeping.h"
 
 namespace vxemu {
 
@@ -77,6 +78,9 @@ struct Port {
     bool nvramChanged;
     bool nvramWaits;  // in the bank that is not in use
     bool vpdWaits;
+    KeptPort kept;
+    bool eepromWritten;  // ever, and since it was last kept
+    bool eepromChanged;
 
     bool LinkUp() const { return profile->state == PortState::Online; }
 };

@@ -47,8 +47,7 @@ bool CopyToOtherBank(Port& port, const flash::PortRegionRules& rules) {
     const PlacedRegion to = SettingsRegion(port, rules, OtherBank(port));
     uint8_t block[kSettingsBytes];
     const uint32_t length = ReadRegion(port, from, block);
-    return !to || length != to.region->size ||
-           port.flash->memory.Write(port.fabric->host, to.start, block, length);
+    return !to || length != to.region->size || StoreBytes(port, to.start, block, length);
 }
 
 DriverStatus SwitchBank(Port& port) {
@@ -62,6 +61,7 @@ DriverStatus SwitchBank(Port& port) {
     port.secondBank = port.secondBank == 0 ? 1 : 0;
     port.nvramWaits = false;
     port.vpdWaits = false;
+    NoteStored(port);
     return DriverStatus::Success;
 }
 

@@ -23,8 +23,10 @@ set(VXEMU_MODEL_SOURCES
     emulator/model/storage/flash_boot_content.cpp
     emulator/model/storage/flash_content.cpp
     emulator/model/storage/flash_control_handlers.cpp
+    emulator/model/storage/flash_file.cpp
     emulator/model/storage/flash_firmware_content.cpp
     emulator/model/storage/flash_handlers.cpp
+    emulator/model/storage/flash_keeping.cpp
     emulator/model/storage/flash_memory.cpp
     emulator/model/storage/flash_regions.cpp
     emulator/model/storage/flash_report.cpp

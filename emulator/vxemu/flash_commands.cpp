@@ -1,4 +1,4 @@
-// flash show, dump, image, corrupt, power-fail; lockdown, bfs.
+// flash show, dump, image, corrupt, power-fail, reset; lockdown, bfs.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -82,6 +82,8 @@ const Fields<ShownFlash> kFlashFields = {
          return f.report->failsSoon != 0 ? std::optional(f.report->bytesUntilFailure)
                                          : std::nullopt;
      }},
+    {"flash_file", "File", Choice(kFlashFileStates),
+     [](const ShownFlash& f) { return FlashFileState(f.report->keep); }},
     {"bank", "Bank of NVRAM and VPD", kInteger,
      [](const ShownFlash& f) { return f.report->secondBank != 0 ? 2 : 1; }},
     {"regions", "Regions", kRegionFields,
@@ -256,6 +258,17 @@ ExitCode RunFlashPowerFail(Invocation& invocation) {
     return ExitCode::Done;
 }
 
+ExitCode RunFlashReset(Invocation& invocation) {
+    const PortSelector request = {RequirePortOrAll(invocation, invocation.Given().Text("PORT"))};
+    RunningDriver driver(invocation, true);
+    if (!invocation.DryRun()) {
+        driver.Send(control::kFlashReset, request, PortName(request.scsiPort));
+        invocation.Changed();
+    }
+    invocation.Result() = kPortNameFields.Make(request.scsiPort);
+    return ExitCode::Done;
+}
+
 ExitCode RunLockdown(Invocation& invocation) {
     return SetFlag(invocation, "lockdown", kLockdownFields);
 }
@@ -294,6 +307,7 @@ constexpr Argument kFlashPowerFail[] = {
     kPortArgument,
     NumberOption("--after-bytes", "N", "bytes that are still written (0)"),
 };
+constexpr Argument kFlashReset[] = {{.name = "PORT", .help = "scsi:N, N or all", .required = true}};
 constexpr Argument kSwitch[] = {
     kPortArgument,
     {.name = "STATE", .help = "on or off", .required = true, .choices = kOnOff},
@@ -336,6 +350,13 @@ CommandRows FlashCommands() {
          .run = RunFlashPowerFail,
          .example = "flash power-fail scsi:3 --after-bytes 70000",
          .result = ShapeOf<kPowerFailFields>},
+        {.path = "flash reset",
+         .risk = Risk::Reversible,
+         .help = "let the port's adapter, or all, store what it was delivered with",
+         .arguments = kFlashReset,
+         .run = RunFlashReset,
+         .example = "flash reset scsi:3",
+         .result = ShapeOf<kPortNameFields>},
         {.path = "lockdown",
          .risk = Risk::Reversible,
          .help = "let the adapter refuse every change of what it stores",

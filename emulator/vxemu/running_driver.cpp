@@ -83,8 +83,12 @@ uint32_t RequirePort(Invocation& invocation, const std::string& text) {
     return static_cast<uint32_t>(*number);
 }
 
+uint32_t RequirePortOrAll(Invocation& invocation, const std::string& text) {
+    return text == "all" ? kAnyPort : RequirePort(invocation, text);
+}
+
 std::string PortName(uint32_t scsiPort) {
-    return "scsi:" + std::to_string(scsiPort);
+    return scsiPort == kAnyPort ? "all" : "scsi:" + std::to_string(scsiPort);
 }
 
 void RequireProfileFile(Invocation& invocation, const std::string& path, Profile* profile) {

@@ -54,8 +54,9 @@ class RunningDriver {
     ControlDevice device_;
 };
 
-// A port as "scsi:N" or a bare number.
+// A port as "scsi:N" or a bare number; or "all", which is kAnyPort.
 uint32_t RequirePort(Invocation& invocation, const std::string& text);
+uint32_t RequirePortOrAll(Invocation& invocation, const std::string& text);
 std::string PortName(uint32_t scsiPort);
 
 // A built-in profile by its name, or a JSON file. *profile is filled, and valid.

@@ -8,6 +8,7 @@ constexpr wchar_t kDisplayName[] = L"Emulated Fibre Channel adapters";
 constexpr wchar_t kDriverFile[] = L"vxemu.sys";
 constexpr wchar_t kParametersKey[] = L"SYSTEM\\CurrentControlSet\\Services\\vxemu\\Parameters";
 constexpr wchar_t kProfileValue[] = L"Profile";
+constexpr wchar_t kFolderValue[] = L"FlashFolder";
 constexpr wchar_t kKernelPrefix[] = L"\\??\\";
 constexpr DWORD kPollMilliseconds = 50;
 
@@ -21,6 +22,11 @@ std::wstring DriverFile() {
 
 std::wstring ImagePath() {
     return kKernelPrefix + DriverFile();
+}
+
+uint32_t OpenParameters(frame::OwnedKey& key) {
+    return static_cast<uint32_t>(RegCreateKeyExW(HKEY_LOCAL_MACHINE, kParametersKey, 0, nullptr, 0,
+                                                 KEY_SET_VALUE, nullptr, key.Receive(), nullptr));
 }
 
 ServiceState StateOf(DWORD state) {
@@ -133,14 +139,26 @@ uint32_t DriverService::Uninstall() {
 
 uint32_t DriverService::StoreProfile(const Profile& profile) {
     frame::OwnedKey key;
-    LSTATUS error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, kParametersKey, 0, nullptr, 0,
-                                    KEY_SET_VALUE, nullptr, key.Receive(), nullptr);
+    const uint32_t error = OpenParameters(key);
+    return error != ERROR_SUCCESS ? error
+                                  : static_cast<uint32_t>(RegSetValueExW(
+                                        key.Get(), kProfileValue, 0, REG_BINARY,
+                                        reinterpret_cast<const BYTE*>(&profile), sizeof profile));
+}
+
+uint32_t DriverService::StoreFlashFolder(const std::wstring& folder) {
+    frame::OwnedKey key;
+    const uint32_t error = OpenParameters(key);
     if (error != ERROR_SUCCESS) {
-        return static_cast<uint32_t>(error);
+        return error;
     }
-    error = RegSetValueExW(key.Get(), kProfileValue, 0, REG_BINARY,
-                           reinterpret_cast<const BYTE*>(&profile), sizeof profile);
-    return static_cast<uint32_t>(error);
+    if (folder.empty()) {
+        return static_cast<uint32_t>(RegDeleteValueW(key.Get(), kFolderValue));
+    }
+    const std::wstring path = kKernelPrefix + folder;
+    return static_cast<uint32_t>(RegSetValueExW(
+        key.Get(), kFolderValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(path.c_str()),
+        static_cast<DWORD>((path.size() + 1) * sizeof path[0])));
 }
 
 uint32_t DriverService::Start() {

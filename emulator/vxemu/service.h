@@ -30,6 +30,9 @@ class DriverService {
     // Leaves the profile where the driver reads it at its start.
     uint32_t StoreProfile(const Profile& profile);
 
+    // Names the folder of MakeFlashFolder to the driver; an empty one is none.
+    uint32_t StoreFlashFolder(const std::wstring& folder);
+
     uint32_t Start();
     uint32_t Stop();
 

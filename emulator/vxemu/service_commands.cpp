@@ -5,6 +5,8 @@
 #include <memory>
 
 #include "commands.h"
+#include "common/console.h"
+#include "flash_folder.h"
 #include "port_rows.h"
 #include "running_driver.h"
 #include "service.h"
@@ -58,6 +60,26 @@ void Install(Invocation& invocation, DriverService& service) {
     Check(invocation, error, kService);
     if (changed) {
         invocation.Changed();
+    }
+}
+
+// Without a folder the adapters run all the same.
+void PrepareFolder(Invocation& invocation, DriverService& service) {
+    std::wstring folder;
+    uint32_t error = MakeFlashFolder(&folder);
+    if (error == ERROR_SUCCESS) {
+        error = service.StoreFlashFolder(folder);
+    } else {
+        service.StoreFlashFolder({});
+    }
+    if (error != ERROR_SUCCESS) {
+        const char* const hint = error == ERROR_INVALID_OWNER
+                                     ? "it belongs to somebody who is no administrator: remove it"
+                                     : "";
+        invocation.Warn("no folder for the flash of the adapters (" +
+                            console::SystemErrorText(error) +
+                            "): what is written to it goes with the driver",
+                        hint);
     }
 }
 
@@ -144,6 +166,7 @@ ExitCode RunStart(Invocation& invocation) {
     } else if (!invocation.DryRun()) {
         Install(invocation, service);
         Check(invocation, service.StoreProfile(*profile), "the profile could not be stored");
+        PrepareFolder(invocation, service);
         const uint32_t error = service.Start();
         if (error != ERROR_SUCCESS) {
             FailStart(invocation, error);
@@ -156,7 +179,13 @@ ExitCode RunStart(Invocation& invocation) {
     if (invocation.DryRun()) {
         started.state = before;
     } else {
+        if (invocation.Given().Has("fresh")) {
+            RunningDriver(invocation, true)
+                .Send(control::kFlashReset, PortSelector{kAnyPort}, "the flash");
+            invocation.Changed();
+        }
         started.running = RunningDriver(invocation, false).Status();
+        WarnOfFlash(invocation, *started.running);
     }
     invocation.Result() = kStartFields.Make(started);
     return ExitCode::Done;
@@ -176,7 +205,10 @@ ExitCode RunStop(Invocation& invocation) {
     return Report(invocation, ServiceState::Stopped);
 }
 
-constexpr Argument kStart[] = {TextOption("--profile", "P", "built-in profile or JSON file (lab)")};
+constexpr Argument kStart[] = {
+    TextOption("--profile", "P", "built-in profile or JSON file (lab)"),
+    FlagOption("--fresh", "forget what was written to the flash of these adapters before"),
+};
 
 }  // namespace
 

@@ -51,6 +51,7 @@ ExitCode RunStatus(Invocation& invocation) {
     }
     if (status.state == ServiceState::Running) {
         status.running = RunningDriver(invocation, false).Status();
+        WarnOfFlash(invocation, *status.running);
     }
     invocation.Result() = kStatusFields.Make(status);
     return ExitCode::Done;

@@ -62,6 +62,7 @@ struct TestHost {
     int blocks = 0;
     int failAt = -1;  // the allocation that finds no memory
     uint64_t clock = 1000;
+    const vxemu::HostFiles* files = nullptr;
 
     vxemu::Host Get() {
         return {this,
@@ -77,7 +78,11 @@ struct TestHost {
                     --static_cast<TestHost*>(context)->blocks;
                     std::free(block);
                 },
-                [](void* context) { return static_cast<TestHost*>(context)->clock; }};
+                [](void* context) { return static_cast<TestHost*>(context)->clock; },
+                nullptr,
+                nullptr,
+                nullptr,
+                files};
     }
 };
 

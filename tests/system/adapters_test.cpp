@@ -38,7 +38,7 @@ TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
         const char* place;
         json value;
     } kRows[] = {
-        {"start --profile lab", "/profile", "lab"},
+        {"start --profile lab --fresh", "/ports/0/flash_file", "kept"},
         {"install --dry-run", "/service", "running"},
         {"profile list", "/profiles/0/name", "lab"},
         {"profile show", "/adapters/0/ports/0/scsi_port", 3},
@@ -60,6 +60,7 @@ TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
         {"flash image scsi:3 1 \"" + file + "\" --as 9.13.00", "/version", "9.13.00"},
         {"flash corrupt scsi:3 1 0x100 --dry-run", "/at", 0x100},
         {"flash power-fail scsi:3 --after-bytes 9 --dry-run", "/after_bytes", 9},
+        {"flash reset all", "/port", "all"},
         {"lockdown scsi:3 off", "/lockdown", "off"},
         {"bfs scsi:3 off", "/boots_from_san", "off"},
         {"stop --dry-run", "/service", "running"},

@@ -21,8 +21,9 @@ class EmulatedDriver : public testing::Test {
     static void TearDownTestSuite() { StopDriver(); }
 
   protected:
+    // With the flash as delivered, whatever a test before has left.
     static void StartDriver(const std::string& profile = "lab") {
-        const support::Ended started = Vxemu("start --profile " + profile);
+        const support::Ended started = Vxemu("start --fresh --profile " + profile);
         ASSERT_EQ(0u, started.exit) << started.err;
     }
     static void StopDriver() { EXPECT_EQ(0u, Vxemu("stop").exit); }

@@ -316,6 +316,41 @@ TEST_F(SystemFlash, PowerCutLeavesTheOtherRegions) {
     }
 }
 
+TEST_F(SystemFlash, WhatWasWrittenOutlastsTheDriver) {
+    const auto restart = [] {
+        EXPECT_EQ(0u, Vxemu("stop").exit);
+        return VxemuDocument("start --profile lab");
+    };
+    const std::string image = Image("scsi:6", 1, "8.02.00");
+    EXPECT_EQ(
+        0, ExitOf("flash write 1 \"" + image + "\"" + kLargeRom + " --yes --confirm EMU7404A0002"));
+    EXPECT_EQ(0, ExitOf("nvram set login_timeout=77 -p scsi:3" + kYes));
+    EXPECT_EQ("8.01.02", Code(kLargeRom, 1)["running"]);
+    restart();
+    EXPECT_EQ("8.02.00", Code(kLargeRom, 1)["running"]);
+    EXPECT_EQ(77, Document("nvram get login_timeout -p scsi:3")["result"]["value"]);
+
+    // A file that somebody has damaged meanwhile is told of and left alone.
+    const fs::path file = fs::path(std::getenv("ProgramData")) / "vxemu" / "EMU7404A0002.flash";
+    EXPECT_EQ(0u, Vxemu("stop").exit);
+    {
+        std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+        stream.seekg(5000);
+        const int byte = stream.get();
+        stream.seekp(5000).put(static_cast<char>(byte ^ 1));
+    }
+    const json started = restart();
+    EXPECT_TRUE(
+        support::Has(started["messages"].dump(), "scsi:6: the file of its flash is damaged"))
+        << started;
+    EXPECT_EQ("damaged", PortStatus("scsi:6")["flash_file"]);
+    EXPECT_EQ("kept", PortStatus("scsi:3")["flash_file"]);
+    EXPECT_EQ("8.01.02", Code(kLargeRom, 1)["running"]);
+    EXPECT_EQ(0u, Vxemu("flash reset scsi:6").exit);
+    EXPECT_EQ("kept", PortStatus("scsi:6")["flash_file"]);
+    EXPECT_FALSE(fs::exists(file));
+}
+
 TEST_F(SystemFlash, WriteThatIsNotProvenIsToldSo) {
     // The read-back fails behind two looks of eight pieces each: before the question and behind it.
     Fault("scsi:3 --code FlashRead --sub 1 --after 16 --do status 11");

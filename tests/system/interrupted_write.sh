@@ -47,7 +47,7 @@ interrupt() {
     lock_is false || fail "the lock is still held"
 }
 
-emulator start --profile lab
+emulator start --profile lab --fresh
 interrupt 9.13.00 4000 1
 tr -d ' \r\n' <"$log/write.txt" | grep -q '"state":"new","verified":true' || fail "not finished"
 interrupt 9.14.00 8000 2

@@ -35,7 +35,7 @@ for sample in list_adapters standard_api watch_events; do
     build_sample "$sample"
 done
 
-emulator start --profile lab
+emulator start --profile lab --fresh
 run_sample list_adapters
 expect list_adapters '^4 adapters$' 1
 expect list_adapters 'serial +EMU7740A0001$' 2

@@ -29,6 +29,7 @@ Completion ControlRequest::ShowFlash() {
     reply.withoutPower = flash.withoutPower ? 1 : 0;
     reply.failsSoon = flash.failsSoon ? 1 : 0;
     reply.secondBank = port->secondBank;
+    reply.keep = flash.keeping.state;
     reply.bytesUntilFailure = flash.bytesUntilFailure;
     bool described = true;
     flash.memory.Regions().ForEach([&](const PlacedRegion& placed) {
@@ -71,12 +72,11 @@ Completion ControlRequest::CorruptFlash() {
     if (!placed) {
         return Completion::NoDevice;
     }
-    FlashMemory& memory = port->flash->memory;
     const uint32_t at = placed.start + request.offset;
     uint8_t byte;
-    memory.Read(at, &byte, sizeof byte);
+    port->flash->memory.Read(at, &byte, sizeof byte);
     byte = static_cast<uint8_t>(~byte);
-    return memory.Write(model_.host_, at, &byte, sizeof byte) ? ReplyCount(1) : Completion::Busy;
+    return StoreBytes(*port, at, &byte, sizeof byte) ? ReplyCount(1) : Completion::Busy;
 }
 
 Completion ControlRequest::FailPower() {
@@ -88,6 +88,23 @@ Completion ControlRequest::FailPower() {
     port->flash->failsSoon = true;
     port->flash->bytesUntilFailure = request.afterBytes;
     return Completion::Done;
+}
+
+// Of the port's adapter, or of all.
+Completion ControlRequest::ResetFlash() {
+    PortSelector request;
+    const Port* const port = TakeFor(request);
+    if (port == nullptr && (inputLength_ < sizeof request || request.scsiPort != kAnyPort)) {
+        return refusal_;
+    }
+    bool forgotten = true;
+    for (uint32_t at = 0; at < model_.profile_->adapterCount; ++at) {
+        Flash& flash = model_.flashes_[at];
+        if (port == nullptr || port->flash == &flash) {
+            forgotten = ForgetStored(model_.fabric_, flash) && forgotten;
+        }
+    }
+    return forgotten ? Completion::Done : Completion::Busy;
 }
 
 }  // namespace vxemu

@@ -39,11 +39,22 @@ WriteResult WriteFlash(Port& port, uint32_t offset, const uint8_t* bytes, uint32
         return result;
     }
     const uint32_t written = SpendPower(*port.flash, length);
-    if (!port.flash->memory.Write(port.fabric->host, offset, bytes, written)) {
+    if (!StoreBytes(port, offset, bytes, written)) {
         return {DriverStatus::OutOfMemory, 0};
     }
     NoteSettingsWritten(port, offset, written);
     return kAllowed;
+}
+
+bool StoreBytes(const Port& port, uint32_t offset, const uint8_t* bytes, uint32_t length) {
+    Flash& flash = *port.flash;
+    if (length != 0) {
+        if (!flash.memory.Write(port.fabric->host, offset, bytes, length)) {
+            return false;
+        }
+        KeepBytes(flash, offset, bytes, length);
+    }
+    return true;
 }
 
 uint32_t SpendPower(Flash& flash, uint32_t length) {
@@ -80,6 +91,7 @@ void DropStaging(const Host& host, Staging& staging) {
 }
 
 void ReleaseFlash(const Host& host, Flash& flash) {
+    flash.keeping.file.Close();
     DropStaging(host, flash.staging);
     flash.memory.Clear(host);
 }

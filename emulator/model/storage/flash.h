@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "model/storage/flash_keeping.h"
 #include "model/storage/flash_memory.h"
 #include "transport/ext_ioctl.h"
 
@@ -41,12 +42,19 @@ struct Companion {
 // A block of these comes zeroed from the host.
 struct Flash {
     FlashMemory memory;
+    FlashKeeping keeping;
     Staging staging;
     Companion companion;
     bool failsSoon;     // power is lost once bytesUntilFailure more bytes have been written
     bool withoutPower;  // no port of the adapter answers, until one is reset
     uint32_t bytesUntilFailure;
 };
+
+// The stored firmware runs from now on; one that came in part has to come anew.
+inline void StartCompanion(Companion& companion) {
+    companion = {companion.stored != 0 ? companion.stored : companion.running, companion.stored, 0,
+                 0};
+}
 
 // Detail status of a write that the adapter's firmware refuses.
 inline constexpr uint32_t kWriteRefused = 0x4006;
@@ -65,6 +73,9 @@ WriteResult CheckWrite(const Port& port, uint32_t offset, uint32_t length);
 
 // Writes a range that lies within the flash, unless CheckWrite objects.
 WriteResult WriteFlash(Port& port, uint32_t offset, const uint8_t* bytes, uint32_t length);
+
+// The same without a check, and without power that fails; false when there is no memory.
+bool StoreBytes(const Port& port, uint32_t offset, const uint8_t* bytes, uint32_t length);
 
 // Takes length bytes off what may still be written; returns how many of them are.
 uint32_t SpendPower(Flash& flash, uint32_t length);

@@ -70,8 +70,7 @@ bool FlashMemory::AddPage(const Host& host, uint32_t index) {
         return false;
     }
     const uint32_t offset = index * kFlashPageBytes;
-    PutFlash(origin_, regions_,
-             ByteWindow(offset, page, std::min(kFlashPageBytes, bytes_ - offset)));
+    PutFlash(origin_, regions_, ByteWindow(offset, page, BytesAt(offset)));
     pages_[index] = page;
     return true;
 }

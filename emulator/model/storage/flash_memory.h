@@ -16,6 +16,7 @@ class FlashMemory {
     void Start(const FlashOrigin& origin);
     void Clear(const Host& host);
 
+    const FlashOrigin& Origin() const { return origin_; }
     const FlashRegions& Regions() const { return regions_; }
     uint32_t Bytes() const { return bytes_; }
 
@@ -27,9 +28,25 @@ class FlashMemory {
     // Whether the range holds anything that was written.
     bool WasWritten(uint32_t offset, uint32_t length) const;
 
+    // Calls visit(offset, bytes, length) for each page that was written to, until it returns false.
+    template <typename Visit>
+    bool ForEachWritten(Visit visit) const {
+        for (uint32_t index = 0; pages_ != nullptr && index < PageCount(); ++index) {
+            const uint32_t offset = index * kFlashPageBytes;
+            if (pages_[index] != nullptr &&
+                !visit(offset, static_cast<const uint8_t*>(pages_[index]), BytesAt(offset))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
   private:
     uint8_t* PageAt(uint32_t index) const { return pages_ != nullptr ? pages_[index] : nullptr; }
     uint32_t PageCount() const { return (bytes_ + kFlashPageBytes - 1) / kFlashPageBytes; }
+    uint32_t BytesAt(uint32_t offset) const {
+        return bytes_ - offset < kFlashPageBytes ? bytes_ - offset : kFlashPageBytes;
+    }
     bool AddPage(const Host& host, uint32_t index);
 
     FlashOrigin origin_;

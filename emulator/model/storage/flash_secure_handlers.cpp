@@ -154,7 +154,7 @@ DriverStatus SecureFlashCommit(Exchange& exchange) {
     // The adapter switches to an image that it holds whole: no power cut falls into that.
     const PlacedRegion placed = port.flash->memory.Regions().WithCode(staging.region);
     const Host& host = port.fabric->host;
-    if (!port.flash->memory.Write(host, placed.start, staging.bytes, staging.size)) {
+    if (!StoreBytes(port, placed.start, staging.bytes, staging.size)) {
         return DriverStatus::OutOfMemory;
     }
     NoteSettingsWritten(port, placed.start, staging.size);

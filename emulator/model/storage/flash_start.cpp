@@ -83,6 +83,7 @@ void PowerCycle(Port& port) {
     flash.withoutPower = false;
     flash.failsSoon = false;
     DropStaging(port.fabric->host, flash.staging);
+    StartCompanion(flash.companion);
     const FlashRegions& regions = flash.memory.Regions();
     const PlacedRegion firmware = regions.WithContent(RegionContent::Firmware);
     if (WasWritten(port, firmware) && RunFirmware(port, firmware) == DriverStatus::FirmwareState) {

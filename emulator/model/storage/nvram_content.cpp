@@ -99,4 +99,10 @@ void ApplyNvram(std::span<const uint8_t> block, PortProfile& port) {
     }
 }
 
+void CopySettings(const PortProfile& from, PortProfile& port) {
+    for (const SettingRow& row : kSettings) {
+        port.*row.member = from.*row.member;
+    }
+}
+
 }  // namespace vxemu

@@ -49,4 +49,7 @@ bool NvramHolds(std::span<const uint8_t> block);
 // Gives the port the settings of a block: what the firmware does when it reads it.
 void ApplyNvram(std::span<const uint8_t> block, PortProfile& port);
 
+// Gives the port the settings of another, as far as a block would.
+void CopySettings(const PortProfile& from, PortProfile& port);
+
 }  // namespace vxemu

@@ -32,8 +32,7 @@ bool PutNvram(Exchange& exchange, uint32_t at, const uint8_t* bytes, uint32_t le
     if (eeprom == nullptr) {
         return false;
     }
-    std::memcpy(eeprom->nvram + at, bytes, length);
-    if (length != sizeof eeprom->nvram) {
+    if (WriteEeprom(port, eeprom->nvram + at, bytes, length) && length != sizeof eeprom->nvram) {
         formats::MakeChecksum(flash::BlockKind::Classic, eeprom->nvram);
     }
     port.nvramChanged = true;
@@ -126,7 +125,7 @@ DriverStatus VpdWrite(Exchange& exchange) {
         return DriverStatus::InvalidParameter;
     }
     if (!region) {
-        std::memcpy(eeprom->vpd, exchange.Bytes(), exchange.InputLength());
+        WriteEeprom(port, eeprom->vpd, exchange.Bytes(), exchange.InputLength());
     }
     exchange.KeepReply(0);
     return DriverStatus::Success;

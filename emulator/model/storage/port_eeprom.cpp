@@ -4,7 +4,7 @@
 
 #include "flash/version_text.h"
 #include "model/fabric/fabric.h"
-#include "model/storage/flash_content.h"
+#include "model/storage/flash.h"
 #include "model/storage/nvram_content.h"
 #include "model/storage/vpd_content.h"
 #include "properties/chip_families.h"
@@ -48,24 +48,37 @@ void PutVersionRecords(const AdapterProfile& adapter, uint8_t (&records)[kVersio
 
 }  // namespace
 
+void FillEeprom(const AdapterProfile& adapter, const PortProfile& port, PortEeprom& eeprom) {
+    FillNvram(adapter, port, flash::BlockKind::Classic, eeprom.nvram);
+    FillVpd(adapter, eeprom.vpd, sizeof eeprom.vpd);
+    FillTransceiver(adapter, port, eeprom.identity);
+    FillTransceiver(eeprom.diagnostics);
+    PutVersionRecords(adapter, eeprom.versionRecords);
+    eeprom.control = kControlIdle;
+}
+
 PortEeprom* EepromOf(Port& port) {
-    if (port.eeprom != nullptr) {
-        return port.eeprom;
+    if (port.eeprom == nullptr) {
+        const Host& host = port.fabric->host;
+        port.eeprom = static_cast<PortEeprom*>(host.allocate(host.context, sizeof(PortEeprom)));
+        if (port.eeprom != nullptr) {
+            FillEeprom(*port.adapter, *port.profile, *port.eeprom);
+        }
     }
-    const Host& host = port.fabric->host;
-    auto* eeprom = static_cast<PortEeprom*>(host.allocate(host.context, sizeof(PortEeprom)));
-    if (eeprom == nullptr) {
-        return nullptr;
-    }
-    const AdapterProfile& adapter = *port.adapter;
-    FillNvram(adapter, *port.profile, flash::BlockKind::Classic, eeprom->nvram);
-    FillVpd(adapter, eeprom->vpd, sizeof eeprom->vpd);
-    FillTransceiver(adapter, *port.profile, eeprom->identity);
-    FillTransceiver(eeprom->diagnostics);
-    PutVersionRecords(adapter, eeprom->versionRecords);
-    eeprom->control = kControlIdle;
-    port.eeprom = eeprom;
-    return eeprom;
+    return port.eeprom;
+}
+
+bool WriteEeprom(Port& port, uint8_t* place, const void* bytes, uint32_t length) {
+    const uint32_t written = SpendPower(*port.flash, length);
+    std::memcpy(place, bytes, written);
+    NoteEepromWritten(port);
+    return written == length;
+}
+
+void NoteEepromWritten(Port& port) {
+    port.eepromWritten = true;
+    port.eepromChanged = true;
+    NoteStored(port);
 }
 
 }  // namespace vxemu

@@ -28,4 +28,11 @@ struct Port;
 // The port's own, made at the first call; null when there is no memory.
 PortEeprom* EepromOf(Port& port);
 
+// Writes to it, as far as power lasts; false when that was not all. The range lies within it.
+bool WriteEeprom(Port& port, uint8_t* place, const void* bytes, uint32_t length);
+void NoteEepromWritten(Port& port);
+
+// What a port is delivered with.
+void FillEeprom(const AdapterProfile& adapter, const PortProfile& port, PortEeprom& eeprom);
+
 }  // namespace vxemu

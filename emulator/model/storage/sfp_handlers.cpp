@@ -115,14 +115,17 @@ flash::TransceiverResult LoadPiece(Port& port, const flash::TransceiverLoadRecor
         return flash::TransceiverResult::Incompatible;
     }
     std::memcpy(staging.bytes + staging.received, data, record.length);
-    staging.received += record.length;
-    if (!last) {
+    staging.received += SpendPower(*port.flash, record.length);
+    if (staging.received != staging.size) {
         return kAccepted;
     }
     const std::span<const uint8_t> image(staging.bytes, staging.size);
     PortEeprom* eeprom = EepromOf(port);
-    return eeprom != nullptr && InstallTransceiverFirmware(image, eeprom->identity) ? kAccepted
-                                                                                    : kStopped;
+    if (eeprom == nullptr || !InstallTransceiverFirmware(image, eeprom->identity)) {
+        return kStopped;
+    }
+    NoteEepromWritten(port);
+    return kAccepted;
 }
 
 DriverStatus I2cRead(Exchange& exchange) {
@@ -136,7 +139,7 @@ DriverStatus I2cRead(Exchange& exchange) {
 }
 
 DriverStatus I2cWrite(Exchange& exchange) {
-    const Port& port = exchange.GetPort();
+    Port& port = exchange.GetPort();
     if (const WriteResult result = CheckWrite(port); result.status != DriverStatus::Success) {
         return result.status;
     }
@@ -146,7 +149,7 @@ DriverStatus I2cWrite(Exchange& exchange) {
                             return Refuse(exchange, record, kBadParameter, kProtected);
                         }
                         if ((record.options & flash::kTwoWireNoData) == 0) {
-                            std::memcpy(bytes, record.data, record.length);
+                            WriteEeprom(port, bytes, record.data, record.length);
                         }
                         exchange.Reply(record);
                         return DriverStatus::Success;
