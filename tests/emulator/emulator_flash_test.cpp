@@ -276,6 +276,18 @@ TEST_F(EmulatorFlash, ClassicChipIsReadAndWrittenAsAWhole) {
     EXPECT_EQ(Ask(port, LockdownState, 64, Bytes(64)).Status(), InvalidRequest);
 }
 
+// What a write leaves whose power fails after cut bytes: up to there it is done, and what it has
+// yet to write of the page under way is erased.
+void CutOff(Bytes& content, uint32_t start, size_t offset, const Bytes& written, uint32_t cut) {
+    const auto place = content.begin() + static_cast<ptrdiff_t>(offset);
+    std::copy_n(written.begin(), cut, place);
+    const uint32_t inPage = (start + static_cast<uint32_t>(offset) + cut) % 4096;
+    if (cut != 0 && inPage != 0) {
+        const size_t erased = std::min<size_t>(4096 - inPage, written.size() - cut);
+        std::fill_n(place + cut, erased, uint8_t{0xFF});
+    }
+}
+
 // Wherever the power goes, the other regions are whole and the adapter comes back.
 TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
     const auto before = ReadAll(kNewest);
@@ -295,7 +307,7 @@ TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
         EXPECT_EQ(Ask(1, DriverProperties, 200).completion, NoDevice);
         EXPECT_EQ(Ask(kLargeRom, DriverProperties, 200).completion, Done);
         Reset(4);
-        std::copy_n(image.begin(), cut, expected[kFirmware].begin());
+        CutOff(expected[kFirmware], StatusOf(3, kFirmware).start, 0, image, cut);
         EXPECT_EQ(ReadAll(kNewest), expected);
         // Nothing written: nothing to notice. The image is damaged otherwise, unless all that
         // differs had been written.
@@ -317,6 +329,61 @@ TEST_F(EmulatorFlash, PowerFailsDuringAnUpdate) {
     EXPECT_EQ(WriteRegion(kNewest, 102, Bytes(1)).completion, NoDevice);
     EXPECT_EQ(Report(4)->withoutPower, 1);
     EXPECT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{5, 1}), NoDevice);
+}
+
+// Chips without regions, with them, with two banks, with secure updates: all in the same way.
+TEST_F(EmulatorFlash, PowerFailsOnEveryChip) {
+    Start("full");
+    const auto profile = MakeProfile("full");
+    ForEachChip([&](uint32_t port, const properties::Chip& chip) {
+        const uint32_t scsiPort = profile->ports[port].scsiPort;
+        const auto fail = [&](uint32_t afterBytes) {
+            ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{scsiPort, afterBytes}),
+                      Done);
+        };
+        const auto isOff = [&](const Answer& answer) {
+            EXPECT_EQ(answer.completion, NoDevice);
+            EXPECT_EQ(Ask(port, DriverProperties, 200).completion, NoDevice);
+            EXPECT_EQ(Report(scsiPort)->withoutPower, 1);
+            Reset(scsiPort);
+            EXPECT_EQ(Ask(port, DriverProperties, 200).completion, Done);
+        };
+        auto expected = ReadAll(port);
+        const uint16_t code = Layout(port)[0].code;
+        // In the second of the chunks, and in its second page.
+        const Bytes image(131072, 0x3C);
+        fail(65536 + 5000);
+        isOff(WriteRegion(port, code, image));
+        CutOff(expected[code], 0, 0, image, 65536 + 5000);
+        // The settings of the port: in a region, which shares its page with others.
+        if (chip.Has(properties::ChipTrait::Newer)) {
+            const auto nvram =
+                flash::RegionOfPort(flash::kNvramRegions, {chip, 0, 0, 0}, flash::Bank::First);
+            const auto region = static_cast<uint16_t>(*nvram);
+            const Bytes block(512, 0x3D);
+            fail(100);
+            isOff(WriteRegion(port, region, block));
+            CutOff(expected[region], StatusOf(scsiPort, region).start, 0, block, 100);
+        }
+        EXPECT_EQ(ReadAll(port), expected);
+        // By byte offset.
+        const Bytes piece(1024, 0x3E);
+        fail(300);
+        isOff(WriteAt(port, 8192 - 512, piece, 1024));
+        CutOff(expected[code], 0, 8192 - 512, piece, 300);
+        fail(512);
+        isOff(WriteAt(port, 8192 - 512, piece, 1024));
+        CutOff(expected[code], 0, 8192 - 512, piece, 512);
+        EXPECT_EQ(ReadAll(port), expected);
+    });
+    // Memory of the port's own, which needs no erasing.
+    StartClassic();
+    Bytes block = Ask(kLegacy, {NvramRead.code, 0}, 256).data;
+    ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{9, 100}), Done);
+    EXPECT_EQ(Ask(kLegacy, {NvramWrite.code, 0}, 0, Bytes(256, 0x3F)).completion, NoDevice);
+    Reset(9);
+    std::fill_n(block.begin(), 100, uint8_t{0x3F});
+    EXPECT_EQ(Ask(kLegacy, {NvramRead.code, 0}, 256).data, block);
 }
 
 TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {

@@ -1,6 +1,7 @@
 #include "model/storage/flash.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "model/fabric/fabric.h"
@@ -13,6 +14,21 @@ using transport::DriverStatus;
 
 constexpr WriteResult kAllowed = {DriverStatus::Success, 0};
 constexpr WriteResult kRefused = {DriverStatus::MailboxFailed, kWriteRefused};
+
+constexpr std::array<uint8_t, kFlashPageBytes> kErasedPage = [] {
+    std::array<uint8_t, kFlashPageBytes> page{};
+    page.fill(0xFF);
+    return page;
+}();
+
+// A page is erased before its first byte is written: where power fails within one, what was still
+// to come of it is gone. Neither the pages behind it have been begun, nor what a write does not
+// cover.
+bool LeaveUnfinished(const Port& port, uint32_t written, uint32_t end) {
+    const uint32_t inPage = written % kFlashPageBytes;
+    const uint32_t erased = std::min(end - written, kFlashPageBytes - inPage);
+    return inPage == 0 || StoreBytes(port, written, kErasedPage.data(), erased);
+}
 
 }  // namespace
 
@@ -39,7 +55,8 @@ WriteResult WriteFlash(Port& port, uint32_t offset, const uint8_t* bytes, uint32
         return result;
     }
     const uint32_t written = SpendPower(*port.flash, length);
-    if (!StoreBytes(port, offset, bytes, written)) {
+    if (!StoreBytes(port, offset, bytes, written) ||
+        (written != 0 && !LeaveUnfinished(port, offset + written, offset + length))) {
         return {DriverStatus::OutOfMemory, 0};
     }
     NoteSettingsWritten(port, offset, written);
