@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "model/faults.h"
 #include "model/port.h"
 #include "transport/ext_ioctl.h"
 
@@ -71,6 +72,14 @@ class Exchange {
     uint32_t Detail() const { return detail_; }
     void SetDetail(uint32_t detail) { detail_ = detail; }
 
+    // What goes wrong with the request, for those that fail in a way of their own.
+    bool Meets(FaultKind fault) const { return fault_ == fault; }
+    void SetFault(FaultKind fault) { fault_ = fault; }
+
+    // Where in something larger the reply begins.
+    uint32_t Place() const { return place_; }
+    void SetPlace(uint32_t place) { place_ = place; }
+
   private:
     static constexpr transport::ExtIoctl kNoExt = {};
 
@@ -80,6 +89,8 @@ class Exchange {
     uint32_t room_;
     uint32_t replyLength_ = 0;
     uint32_t detail_ = 0;
+    uint32_t place_ = 0;
+    FaultKind fault_ = FaultKind::None;
     const transport::ExtIoctl* ext_ = &kNoExt;
 };
 

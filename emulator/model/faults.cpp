@@ -1,7 +1,6 @@
 #include "model/faults.h"
 
 #include "model/profile/profile.h"
-#include "transport/ext_ioctl.h"
 
 namespace vxemu {
 namespace {
@@ -13,6 +12,15 @@ bool Matches(const FaultRule& rule, uint32_t scsiPort, uint32_t code, uint32_t s
 }
 
 }  // namespace
+
+const BoundFault* FindBound(FaultKind kind) {
+    for (const BoundFault& row : kBoundFaults) {
+        if (row.kind == kind) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
 
 bool FaultRuleValid(const FaultRule& rule) {
     if (rule.port != kAnyPort && rule.port > kMaxScsiPort) {
@@ -26,7 +34,13 @@ bool FaultRuleValid(const FaultRule& rule) {
         case FaultKind::Status:
         case FaultKind::Short:
         case FaultKind::Long:
+        case FaultKind::CorruptByte:
             return true;
+        case FaultKind::BadSignature:
+        case FaultKind::OldVersion:
+        case FaultKind::WrongBank:
+        case FaultKind::NoReturn:
+            return rule.code == FindBound(rule.kind)->command.code;
         case FaultKind::Detail:
             return rule.status == static_cast<uint32_t>(transport::DriverStatus::MailboxFailed) ||
                    rule.status == static_cast<uint32_t>(transport::DriverStatus::ScsiStatus);

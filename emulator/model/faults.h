@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "transport/ext_ioctl.h"
+
 namespace vxemu {
 
 inline constexpr uint32_t kAnyPort = 0xFFFFFFFF;
@@ -26,6 +28,14 @@ enum class FaultKind : uint32_t {
     Corrupt = 7,    // every byte of the reply data is inverted
     Hang = 8,       // the answer comes `value` milliseconds late
     Forget = 9,     // answered as ever, but what the port keeps of its own stays as it was
+    // One byte of the reply data is inverted: the one at `value`, or, of a piece of the flash or of
+    // a region, the one that stands there at `value`.
+    CorruptByte = 14,
+    // What only certain requests can meet (kBoundFaults).
+    BadSignature = 10,  // the image of a secure update does not count as signed
+    OldVersion = 11,    // the firmware restarts, but it is the old one
+    WrongBank = 12,     // the bank in use is the other one than it should be
+    NoReturn = 13,      // no port of the adapter answers any more, until one is reset
 };
 inline constexpr uint32_t kLyingLength = 0x7FFFFFFF;
 
@@ -59,6 +69,21 @@ struct FaultAction {
     uint32_t value = 0;
     uint32_t status = 0;
 };
+
+// A kind of fault that only a request with this code can meet.
+struct BoundFault {
+    FaultKind kind;
+    transport::Command command;
+};
+inline constexpr BoundFault kBoundFaults[] = {
+    {FaultKind::BadSignature, transport::command::SecureFlashVerify},
+    {FaultKind::OldVersion, transport::command::RestartFirmware},
+    {FaultKind::WrongBank, transport::command::RestartFirmware},
+    {FaultKind::NoReturn, transport::command::RestartFirmware},
+};
+
+// The request that a kind of fault is bound to, or null.
+const BoundFault* FindBound(FaultKind kind);
 
 bool FaultRuleValid(const FaultRule& rule);
 

@@ -26,9 +26,16 @@ bool IsSignature(const char (&text)[sizeof transport::kSignature]) {
     return std::memcmp(text, transport::kSignature, sizeof text) == 0;
 }
 
-void Corrupt(uint8_t* bytes, uint32_t length) {
+// What is left of the reply's bytes, the first of which stands at the place.
+void Corrupt(FaultAction fault, uint32_t place, uint8_t* bytes, uint32_t length) {
+    const bool one = fault.kind == FaultKind::CorruptByte;
+    if (!one && fault.kind != FaultKind::Corrupt) {
+        return;
+    }
     for (uint32_t at = 0; at < length; ++at) {
-        bytes[at] = static_cast<uint8_t>(~bytes[at]);
+        if (!one || place + at == fault.value) {
+            bytes[at] = static_cast<uint8_t>(~bytes[at]);
+        }
     }
 }
 
@@ -279,14 +286,13 @@ Completion Model::AnswerExtended(Port& port, uint8_t* buffer, uint32_t inputLeng
 
     Exchange exchange(port, data, inputLength - kEnvelope, room);
     exchange.SetExt(request.ext);
+    exchange.SetFault(fault.kind);
     DriverStatus status = found.row != nullptr ? found.row->handle(exchange) : found.status;
     if (status == DriverStatus::Success && !exchange.Fits()) {
         status = DriverStatus::BufferTooSmall;
     }
     const uint32_t filled = Min(exchange.ReplyLength(), room);
-    if (fault.kind == FaultKind::Corrupt) {
-        Corrupt(data, filled);
-    }
+    Corrupt(fault, exchange.Place(), data, filled);
     request.ext.status = static_cast<uint32_t>(status);
     request.ext.detailStatus = exchange.Detail();
     request.ext.responseLen = ReportedLength(exchange.ReplyLength(), fault);
@@ -312,9 +318,7 @@ Completion Model::AnswerPlain(Port& port, uint8_t* buffer, uint32_t inputLength,
     if (!exchange.Fits()) {
         return Completion::ShortBuffer;
     }
-    if (fault.kind == FaultKind::Corrupt) {
-        Corrupt(data, exchange.ReplyLength());
-    }
+    Corrupt(fault, exchange.Place(), data, exchange.ReplyLength());
     *returned =
         kEnvelope + Min(ReportedLength(exchange.ReplyLength(), fault), outputLength - kEnvelope);
     return Completion::Done;

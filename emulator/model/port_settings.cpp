@@ -144,4 +144,16 @@ DriverStatus TakeOverSettings(Port& port) {
     return DriverStatus::Success;
 }
 
+void UseOtherBank(Port& port) {
+    if (!IsBanked(port)) {
+        return;
+    }
+    port.secondBank = port.secondBank == 0 ? 1 : 0;
+    port.nvramWaits = false;
+    port.vpdWaits = false;
+    port.nvramChanged = true;
+    TakeOverSettings(port);
+    NoteStored(port);
+}
+
 }  // namespace vxemu

@@ -31,4 +31,8 @@ void NoteSettingsWritten(Port& port, uint32_t offset, uint32_t length);
 // takes over the NVRAM. NvramChecksum, and nothing changed, when that does not hold.
 transport::DriverStatus TakeOverSettings(Port& port);
 
+// What it does when it errs: the bank that is not in use is, whatever stands there. Nothing on
+// chips with one bank.
+void UseOtherBank(Port& port);
+
 }  // namespace vxemu

@@ -21,8 +21,7 @@ Value Times(const FaultRule& rule) {
 }
 
 const Fields<FaultRule> kRuleFields = {
-    {"port", "Port", "PORT", kText,
-     [](const FaultRule& r) { return r.port == kAnyPort ? "all" : PortName(r.port); }},
+    {"port", "Port", "PORT", kText, [](const FaultRule& r) { return PortName(r.port); }},
     {"request", "Request", "REQUEST", kText, FormatFaultCode},
     {"code", "Code", kText.OrNull(), Code},
     {"sub_code", "Sub-code", "SUB", kInteger.OrNull(), SubCode},
@@ -52,10 +51,7 @@ const Fields<uint32_t> kRemovedFields = {
 FaultRule RequireRule(Invocation& invocation) {
     const Options& given = invocation.Given();
     FaultRule rule = {kAnyPort, kAnyCode, kAnySubCode, 0, 0, FaultKind::None, 0, 0};
-    const std::string port = given.Text("PORT");
-    if (port != "all") {
-        rule.port = RequirePort(invocation, port);
-    }
+    rule.port = RequirePortOrAll(invocation, given.Text("PORT"));
     const std::string code = given.Text("code", "any");
     if (code != "any" && !ParseFaultCode(code, &rule)) {
         invocation.Fail(ExitCode::Usage, "\"" + code + "\" is not a request",
@@ -129,7 +125,8 @@ ExitCode RunFaultClear(Invocation& invocation) {
 constexpr Argument kFaultAdd[] = {
     {.name = "PORT", .help = "scsi:N, N or all", .required = true},
     {"VALUE", ArgumentKind::Text, "",
-     "milliseconds, status, detail or bytes of the action; a detail may name its driver status: "
+     "milliseconds, status, detail, bytes or place of the action; a detail may name its driver "
+     "status: "
      "11:0x4005"},
     TextOption("--code", "C", "command code or name of the request (any)"),
     NumberOption("--sub", "S", "sub-code (any)", 0, 0xFFFF),
@@ -137,8 +134,8 @@ constexpr Argument kFaultAdd[] = {
     NumberOption("--times", "N", "act N times; 0 = always (0)"),
     {.name = "--do",
      .valueName = "ACTION",
-     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length, corrupt or "
-             "forget",
+     .help = "busy, hang MS, status S, detail D, short N, long N, lie-length, corrupt, "
+             "forget, corrupt-byte AT, bad-signature, old-version, wrong-bank or no-return",
      .required = true},
 };
 constexpr Argument kFaultClear[] = {{.name = "ID",

@@ -25,6 +25,11 @@ constexpr KindRow kKinds[] = {
     {FaultKind::LieLength, "lie-length", nullptr, 0, 0},
     {FaultKind::Corrupt, "corrupt", nullptr, 0, 0},
     {FaultKind::Forget, "forget", nullptr, 0, 0},
+    {FaultKind::CorruptByte, "corrupt-byte", "AT", 0, 0xFFFFFFFF},
+    {FaultKind::BadSignature, "bad-signature", nullptr, 0, 0},
+    {FaultKind::OldVersion, "old-version", nullptr, 0, 0},
+    {FaultKind::WrongBank, "wrong-bank", nullptr, 0, 0},
+    {FaultKind::NoReturn, "no-return", nullptr, 0, 0},
 };
 
 constexpr uint32_t kHighestScsiStatus = 0xFF;
@@ -51,6 +56,18 @@ bool ParseFaultAction(std::string_view kind, std::string_view value, FaultRule* 
         rule->kind = row.kind;
         rule->value = 0;
         rule->status = 0;
+        if (const BoundFault* bound = FindBound(row.kind)) {
+            if (rule->code == kAnyCode) {
+                rule->code = bound->command.code;
+                rule->subCode = bound->command.subCode;
+            } else if (rule->code != bound->command.code) {
+                FaultRule request = *rule;
+                request.code = bound->command.code;
+                request.subCode = bound->command.subCode;
+                *error = std::string(kind) + " is a fault of " + FormatFaultCode(request);
+                return false;
+            }
+        }
         if (row.value == nullptr) {
             *error = std::string(kind) + " takes no value";
             return value.empty();

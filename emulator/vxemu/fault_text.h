@@ -9,8 +9,9 @@
 namespace vxemu {
 
 // Sets kind, value and status of the rule from the words of --do: "busy", "hang" and "500",
-// "detail" and "11:0x4005" (a bare detail below 256 is a SCSI status, any other a mailbox code).
-// False with a sentence in *error.
+// "detail" and "11:0x4005" (a bare detail below 256 is a SCSI status, any other a mailbox code). A
+// kind that only one request can meet sets that as well, in a rule for any. False with a sentence
+// in *error.
 bool ParseFaultAction(std::string_view kind, std::string_view value, FaultRule* rule,
                       std::string* error);
 

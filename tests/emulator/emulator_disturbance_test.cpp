@@ -133,6 +133,9 @@ TEST_F(EmulatorDisturbance, FaultRulesThatAreRefused) {
         {64, 0, 0, 0, 0, FaultKind::Busy, 0, 0},
         {3, 0, 0, 0, 0, FaultKind::Detail, 2, 14},
         {3, 0, 0, 0, 0, FaultKind::Hang, vxemu::kMaxHangMilliseconds + 1, 0},
+        {3, kAnyCode, kAnySubCode, 0, 0, FaultKind::OldVersion, 0, 0},
+        {3, SecureFlashCommit.code, 0, 0, 0, FaultKind::BadSignature, 0, 0},
+        {3, NodeProperties.code, 1, 0, 0, FaultKind::NoReturn, 0, 0},
     };
     for (const FaultRule& rule : refused) {
         EXPECT_EQ(Control(control::kFaultAdd, rule), ShortBuffer);

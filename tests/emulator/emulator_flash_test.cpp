@@ -386,6 +386,60 @@ TEST_F(EmulatorFlash, PowerFailsOnEveryChip) {
     EXPECT_EQ(Ask(kLegacy, {NvramRead.code, 0}, 256).data, block);
 }
 
+TEST_F(EmulatorFlash, ActivationsThatGoWrong) {
+    using enum vxemu::FaultKind;
+    const auto image = WithVersion(ReadRegion(kNewest, kFirmware), 9, 13, 4, 0x7740);
+    const auto add = [&](FaultKind kind, uint32_t times) {
+        AddFault({3, RestartFirmware.code, 0, 0, times, kind, kind == Hang ? 700u : 0, 0});
+    };
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, image).Status(), Success);
+    add(OldVersion, 2);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), image);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.12.01");
+    // It comes late, and not at all: then as a power cycle has it.
+    add(Hang, 1);
+    const Answer late =
+        Ask(kNewest, RestartFirmware, 0, {static_cast<uint8_t>(flash::Restart::Activate)});
+    EXPECT_EQ(late.delay, 700u);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.13.04");
+    EXPECT_EQ(WriteRegion(kNewest, kFirmware, WithVersion(image, 9, 14, 0, 0x7740)).Status(),
+              Success);
+    add(NoReturn, 1);
+    EXPECT_EQ(Ask(kNewest, RestartFirmware, 0, {static_cast<uint8_t>(flash::Restart::Activate)})
+                  .completion,
+              NoDevice);
+    EXPECT_EQ(Ask(1, DriverProperties, 200).completion, NoDevice);
+    EXPECT_EQ(Ask(kLargeRom, DriverProperties, 200).completion, Done);
+    Reset(4);
+    EXPECT_EQ(RunningFirmware(kNewest), "9.14.00");
+}
+
+TEST_F(EmulatorFlash, ReadBackIsWrongInOneByte) {
+    const Bytes before = ReadRegion(kNewest, kFirmware);
+    const uint32_t id =
+        AddFault({3, FlashRead.code, kFirmware, 0, 0, FaultKind::CorruptByte, 70000, 0});
+    Bytes expected = before;
+    expected[70000] ^= 0xFF;
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), expected);
+    EXPECT_EQ(ReadRegion(1, kFirmware), before) << "another port";
+    Control(control::kFaultClear, FaultClear{id});
+    EXPECT_EQ(ReadRegion(kNewest, kFirmware), before) << "the flash itself is sound";
+    // By byte offset it is a place in the flash; elsewhere one in the reply.
+    AddFault({3, kAnyCode, kAnySubCode, 0, 0, FaultKind::CorruptByte, 260, 0});
+    const Bytes boot = ReadRegion(1, kBoot);
+    const Bytes piece = ReadAt(kNewest, 256, 16, 16).data;
+    ASSERT_EQ(piece.size(), 16u);
+    EXPECT_EQ(piece[4], boot[260] ^ 0xFF);
+    EXPECT_EQ(piece[3], boot[259]);
+    EXPECT_EQ(ReadAt(kNewest, 512, 16, 16).data, Bytes(boot.begin() + 512, boot.begin() + 528));
+    const Bytes node = Ask(kNewest, NodeProperties, 696).data;
+    const Bytes sound = Ask(1, NodeProperties, 696).data;
+    EXPECT_EQ(node[260], sound[260] ^ 0xFF);
+}
+
 TEST_F(EmulatorFlash, WrittenFirmwareRunsAfterItsActivation) {
     const Bytes factory = ReadRegion(kNewest, kFirmware);
     const Bytes image = WithVersion(factory, 9, 13, 4, 0x7740);
@@ -538,6 +592,11 @@ TEST_F(EmulatorSecureUpdate, RefusedImagesLeaveEverythingAsItWas) {
     EXPECT_EQ(WriteChunk(kNewest, kFirmware, 64, 0, Bytes(65536)).Status(), Success);
     EXPECT_EQ(Step(SecureFlashVerify), Success);
     EXPECT_EQ(Result(), 3u);
+    // One that nothing is wrong with, but for the adapter.
+    AddFault({3, SecureFlashVerify.code, 0, 0, 1, FaultKind::BadSignature, 0, 0});
+    EXPECT_EQ(Try(kFirmware, image), 1u);
+    EXPECT_EQ(Step(SecureFlashCommit), InvalidRequest);
+    EXPECT_EQ(Try(kFirmware, image), 0u);
     EXPECT_EQ(Step(SecureFlashAbort), Success);
     EXPECT_EQ(Step(SecureFlashVerify), InvalidRequest);
     EXPECT_EQ(Announce(kFirmware, image), InvalidRequest);

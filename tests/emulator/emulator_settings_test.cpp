@@ -82,6 +82,30 @@ TEST_F(EmulatorSettings, WrittenBankIsTakenOverByAReload) {
     EXPECT_EQ(Throttle(kNewest), 78) << "a start reads the settings as well";
 }
 
+TEST_F(EmulatorSettings, WrongBankIsInUseAfterARestart) {
+    const Bytes first = ReadRegion(kNewest, 21);
+    const auto wrong = [&](uint32_t times) {
+        AddFault({3, RestartFirmware.code, 0, 0, times, FaultKind::WrongBank, 0, 0});
+    };
+    // It does not switch, or back again: what was written is there and not in use.
+    EXPECT_EQ(WriteRegion(kNewest, 269, WithThrottle(first, 77)).Status(), Success);
+    wrong(1);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::ReloadNvram), Success);
+    EXPECT_EQ(ActiveBank(kNewest), 1);
+    EXPECT_EQ(Nvram(kNewest, 1, 512), first);
+    EXPECT_EQ(Throttle(kNewest), 65535);
+    EXPECT_EQ(ReadRegion(kNewest, 269), WithThrottle(first, 77));
+    // It switches where nothing was to be taken over.
+    wrong(1);
+    EXPECT_EQ(Restart(kNewest, flash::Restart::Activate), Success);
+    EXPECT_EQ(ActiveBank(kNewest), 2);
+    EXPECT_EQ(Throttle(kNewest), 77);
+    EXPECT_EQ(ActiveBank(1), 1);
+    AddFault({6, RestartFirmware.code, 0, 0, 0, FaultKind::WrongBank, 0, 0});
+    EXPECT_EQ(Restart(kLargeRom, flash::Restart::ReloadNvram), Success);
+    EXPECT_EQ(Report(6)->secondBank, 0) << "a chip with one bank";
+}
+
 TEST_F(EmulatorSettings, LargeRomPortHasItsBlockInTheFlash) {
     const Bytes block = ReadRegion(kLargeRom, 21);
     EXPECT_EQ(Nvram(kLargeRom, 0, 512), block);

@@ -261,6 +261,10 @@ TEST(EmulatorFaultText, ActionsBothWays) {
         {"long", "4294967295", "long 4294967295"},
         {"lie-length", "", "lie-length"},
         {"corrupt", "", "corrupt"},
+        {"corrupt-byte", "0x1000", "corrupt-byte 4096"},
+        {"corrupt-byte", "", nullptr},
+        {"wrong-bank", "", "wrong-bank"},
+        {"old-version", "9.12", nullptr},
         {"explode", "", nullptr},
     };
     for (const Case& test : cases) {
@@ -274,6 +278,15 @@ TEST(EmulatorFaultText, ActionsBothWays) {
             EXPECT_NE(error, "");
         }
     }
+}
+
+TEST(EmulatorFaultText, KindsOfOneRequest) {
+    FaultRule rule = {3, 0, vxemu::kAnySubCode, 0, 0, FaultKind::None, 0, 0};
+    std::string error;
+    ASSERT_TRUE(vxemu::ParseFaultAction("bad-signature", "", &rule, &error)) << error;
+    EXPECT_EQ(vxemu::FormatFaultCode(rule), "SecureFlashVerify");
+    EXPECT_FALSE(vxemu::ParseFaultAction("no-return", "", &rule, &error));
+    EXPECT_EQ(error, "no-return is a fault of RestartFirmware");
 }
 
 TEST(EmulatorFaultText, RequestsByNameOrCode) {

@@ -61,6 +61,7 @@ TEST_F(SystemAdapters, TheControlToolTellsWhatItDid) {
         {"flash corrupt scsi:3 1 0x100 --dry-run", "/at", 0x100},
         {"flash power-fail scsi:3 --after-bytes 9 --dry-run", "/after_bytes", 9},
         {"flash reset all", "/port", "all"},
+        {"fault add scsi:3 --do wrong-bank --dry-run", "/request", "RestartFirmware"},
         {"lockdown scsi:3 off", "/lockdown", "off"},
         {"bfs scsi:3 off", "/boots_from_san", "off"},
         {"stop --dry-run", "/service", "running"},

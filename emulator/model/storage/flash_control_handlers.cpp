@@ -30,6 +30,23 @@ constexpr RestartRow kRestarts[] = {
     {flash::Restart::ReloadNvram, TakeOverSettings},
 };
 
+// A restart, and what may go wrong with it.
+DriverStatus Run(const Exchange& exchange, const RestartRow& row) {
+    Port& port = exchange.GetPort();
+    const AdapterProfile before = *port.adapter;
+    const DriverStatus status = row.run(port);
+    if (exchange.Meets(FaultKind::OldVersion)) {
+        *port.adapter = before;
+    }
+    if (exchange.Meets(FaultKind::WrongBank)) {
+        UseOtherBank(port);
+    }
+    if (exchange.Meets(FaultKind::NoReturn)) {
+        port.flash->withoutPower = true;
+    }
+    return status;
+}
+
 DriverStatus ActiveRegions(Exchange& exchange) {
     const Port& port = exchange.GetPort();
     if (!HasSecureFlash(port)) {
@@ -84,7 +101,7 @@ DriverStatus RestartFirmware(Exchange& exchange) {
     }
     for (const RestartRow& row : kRestarts) {
         if (row.kind == kind) {
-            return row.run(port);
+            return Run(exchange, row);
         }
     }
     return DriverStatus::InvalidParameter;

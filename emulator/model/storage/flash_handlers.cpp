@@ -143,7 +143,13 @@ DriverStatus FlashRead(Exchange& exchange) {
         return OptionRomReadOld(exchange);
     }
     const std::optional<Range> range = RangeOf(exchange);
-    return range ? Read(exchange, *range) : DriverStatus::InvalidParameter;
+    if (!range) {
+        return DriverStatus::InvalidParameter;
+    }
+    const PlacedRegion placed =
+        exchange.GetPort().flash->memory.Regions().WithCode(exchange.Ext().subCode);
+    exchange.SetPlace(range->start - placed.start);
+    return Read(exchange, *range);
 }
 
 DriverStatus FlashWrite(Exchange& exchange) {

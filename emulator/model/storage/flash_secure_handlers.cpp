@@ -120,7 +120,10 @@ DriverStatus SecureFlashVerify(Exchange& exchange) {
     if (staging.use != StagingUse::SecureUpdate || staging.stage != SecureStage::Announced) {
         return DriverStatus::InvalidRequest;
     }
-    staging.result = static_cast<uint32_t>(Verify(exchange.GetPort()));
+    const flash::SecureResult result = exchange.Meets(FaultKind::BadSignature)
+                                           ? flash::SecureResult::SignatureRefused
+                                           : Verify(exchange.GetPort());
+    staging.result = static_cast<uint32_t>(result);
     staging.stage = SecureStage::Verified;
     return DriverStatus::Success;
 }
