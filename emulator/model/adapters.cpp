@@ -18,7 +18,7 @@ void DropPortsOf(Profile& profile, uint32_t adapter) {
 
 }  // namespace
 
-bool Model::StartPort(uint32_t index, uint32_t slot) {
+bool Model::MakePort(uint32_t index, uint32_t slot) {
     auto* block = static_cast<PortBlock*>(host_.allocate(host_.context, sizeof(PortBlock)));
     if (block == nullptr) {
         return false;
@@ -37,11 +37,20 @@ bool Model::StartPort(uint32_t index, uint32_t slot) {
         ++place;  // the profile has no more ports than there are places
     }
     ports_[place] = &port;
-    StartCounters(port);
-    StartSignals(port);
-    NoteLink(port);
-    StartAttachments(port);
     return true;
+}
+
+void Model::StartAdapter(uint32_t slot) {
+    Flash& flash = flashes_[slot];
+    StartKeeping(fabric_, flash);
+    ForEachHostPort(fabric_, [&](Port& port) {
+        if (port.flash == &flash) {
+            StartCounters(port);
+            StartSignals(port);
+            NoteLink(port);
+            StartAttachments(port);
+        }
+    });
 }
 
 // Those behind it in the profile move up.
@@ -119,11 +128,12 @@ Completion Model::AddAdapter(const AdapterRecord& added, ProfileError* error) {
     }
     flashes_[slot].memory.Start({origin_, slot});
     for (uint32_t at = profile.portCount - added.portCount; at < profile.portCount; ++at) {
-        if (!StartPort(at, slot)) {
+        if (!MakePort(at, slot)) {
             DropAdapter(adapter, slot);
             return Completion::Busy;
         }
     }
+    StartAdapter(slot);
     return Completion::Done;
 }
 

@@ -90,14 +90,14 @@ Model* Model::Create(const Host& host, const Profile& profile) {
     model->fabric_.host = host;
     model->fabric_.profile = model->profile_;
     model->fabric_.ports = model->ports_;
-    for (uint32_t adapter = 0; adapter < profile.adapterCount; ++adapter) {
-        StartKeeping(model->fabric_, model->flashes_[adapter]);
-    }
     for (uint32_t index = 0; index < profile.portCount; ++index) {
-        if (!model->StartPort(index, profile.ports[index].adapter)) {
+        if (!model->MakePort(index, profile.ports[index].adapter)) {
             Destroy(model);
             return nullptr;
         }
+    }
+    for (uint32_t adapter = 0; adapter < profile.adapterCount; ++adapter) {
+        model->StartAdapter(adapter);
     }
     model->startTime_ = host.Now();
     return model;

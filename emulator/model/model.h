@@ -94,7 +94,9 @@ class Model {
     Completion AddAdapter(const AdapterRecord& added, ProfileError* error);
 
     // Gives a port of the profile its state; false when memory is missing. slot: the adapter's.
-    bool StartPort(uint32_t index, uint32_t slot);
+    bool MakePort(uint32_t index, uint32_t slot);
+    // What the adapter stores first, then its ports.
+    void StartAdapter(uint32_t slot);
     void DropPort(const PortProfile* gone);
     void DropAdapter(const Port& port);
     void DropAdapter(uint32_t adapter, uint32_t slot);

@@ -24,13 +24,20 @@ FlashFileName NameOf(const Flash& flash, const char* suffix = "") {
     return FlashFileName(DeliveredAs(flash).serial, suffix);
 }
 
+// Both keep the adapter's ports in the same order.
 template <typename Visit>
 void ForEachPortOf(const Fabric& fabric, const Flash& flash, Visit visit) {
-    for (uint32_t at = 0; at < fabric.profile->portCount; ++at) {
-        if (fabric.ports[at].flash == &flash) {
-            visit(fabric.ports[at], flash.memory.Origin().profile->ports[at]);
+    const FlashOrigin& origin = flash.memory.Origin();
+    const PortProfile* delivered = origin.profile->ports;
+    const PortProfile* const end = delivered + origin.profile->portCount;
+    ForEachHostPort(fabric, [&](Port& port) {
+        while (port.flash == &flash && delivered != end && delivered->adapter != origin.adapter) {
+            ++delivered;
         }
-    }
+        if (port.flash == &flash && delivered != end) {
+            visit(port, *delivered++);
+        }
+    });
 }
 
 KeptPort StateOf(const Port& port) {
