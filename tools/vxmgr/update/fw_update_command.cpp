@@ -106,8 +106,9 @@ class AdapterUpdate : UpdateTask {
         }
         result_.command = Command(files);
         // Firmware comes last: where its write restarts the ports, they start all of it.
-        std::ranges::stable_partition(
-            plans_, [](const UpdatePlan& plan) { return plan.region.code != HX_REGION_FIRMWARE; });
+        std::stable_partition(plans_.begin(), plans_.end(), [](const UpdatePlan& plan) {
+            return plan.region.code != HX_REGION_FIRMWARE;
+        });
         for (const UpdatePlan& plan : plans_) {
             result_.regions.push_back(Row(plan));
         }
