@@ -376,8 +376,19 @@ TEST_F(EmulatorFlash, PowerFailsOnEveryChip) {
         CutOff(expected[code], 0, 8192 - 512, piece, 512);
         EXPECT_EQ(ReadAll(port), expected);
     });
-    // Memory of the port's own, which needs no erasing.
+    // A flash that is written as a whole.
     StartClassic();
+    Bytes rom = ReadRegion(kLegacy, 255);
+    const Bytes image(131072, 0x3C);
+    for (const auto& [write, cut] :
+         {std::pair{OptionRomWriteOld, 70000u}, std::pair{Command{FlashWrite.code, 0}, 131071u}}) {
+        ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{9, cut}), Done);
+        EXPECT_EQ(Ask(kLegacy, write, 0, image).completion, NoDevice);
+        Reset(9);
+        CutOff(rom, 0, 0, image, cut);
+        EXPECT_EQ(ReadRegion(kLegacy, 255), rom);
+    }
+    // Memory of the port's own, which needs no erasing.
     Bytes block = Ask(kLegacy, {NvramRead.code, 0}, 256).data;
     ASSERT_EQ(Control(control::kPowerFail, vxemu::PowerFailRequest{9, 100}), Done);
     EXPECT_EQ(Ask(kLegacy, {NvramWrite.code, 0}, 0, Bytes(256, 0x3F)).completion, NoDevice);

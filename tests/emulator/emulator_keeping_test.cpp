@@ -194,7 +194,8 @@ TEST_F(EmulatorKeeping, HostsThatAreKilledLoseNothing) {
             ++answered;
         }
         const size_t size = count < changes.size() ? changes[count].bytes.size() : 0;
-        for (const size_t bytes : std::set<size_t>{0, 1, size / 2, size - (size != 0)}) {
+        for (const size_t bytes :
+             std::set<size_t>{0, std::min(size, size_t{1}), size / 2, size - (size != 0)}) {
             SCOPED_TRACE(std::to_string(count) + " changes and " + std::to_string(bytes));
             support::Disk left(changes, count, bytes);
             host_.files = left.Files();
