@@ -95,11 +95,29 @@ class RegionsRun {
                Sha256Of(now) == hash;
     }
 
+    // Whether a region is about to be written over for the first time: what was kept of it has to
+    // be what it holds, or nothing could bring that back.
+    bool MustHoldOld(const JournalRegion& region) const {
+        return which_ == Contents::New && region.step == RegionStep::Waiting &&
+               !region.oldHash.empty();
+    }
+
     // begun: it may have been written in part, so that what it holds is no source of anything.
     void Write(JournalRegion& region, Group companions, bool begun) {
         const FlashRegion& place = RegionOf(layout_, region, session_.Object());
         const std::vector<uint8_t> target = record_.Get(invocation_, region, which_);
-        PlaceWrite write = RegionWrite(session_, layout_, place, target, {});
+        PlaceWrite write =
+            RegionWrite(session_, layout_, place, target,
+                        MustHoldOld(region) ? record_.Get(invocation_, region, Contents::Old)
+                                            : std::vector<uint8_t>());
+        write.check = [&] {
+            for (const JournalRegion& companion : companions) {
+                if (MustHoldOld(companion) && !HoldsOf(companion, companion.oldHash) &&
+                    !Holds(companion)) {
+                    FailChangedMeanwhile(write, session_.First());
+                }
+            }
+        };
         WriteStep step = WriteStep::Checking;
         write.begins = [&](WriteStep next) {
             step = next;

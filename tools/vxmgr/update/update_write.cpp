@@ -151,7 +151,7 @@ std::optional<tools::CommandError> Judge(const PlaceWrite& write, const WriteOut
 
 void FailChangedMeanwhile(const PlaceWrite& write, const Port& port) {
     FailAt(port.Object(), ExitCode::Refused,
-           "another program changed " + write.what + " meanwhile; nothing was written",
+           "another program changed " + write.what + " meanwhile; nothing was written to it",
            write.lookAgain);
 }
 
