@@ -214,10 +214,7 @@ class AdapterRestore : UpdateTask {
     ExitCode Run() {
         const std::string from = given_.Text("FROM");
         UpdateRecord source = RecordOf(invocation_, session_, from);
-        if (source.journal.chip != result_.chip) {
-            Refuse("the backup is of chip " + source.journal.chip + ", this is " + result_.chip,
-                   "");
-        }
+        CheckChip(source);
         result_.folder = source.Folder();
         result_.command = "vxmgr fw restore " + QuotedPath(from) + " -a serial:" + session_.serial;
         AddRows(source, Contents::Old);

@@ -5,6 +5,7 @@
 #include "vxmgr/update/commands.h"
 #include "vxmgr/update/update_folder.h"
 #include "vxmgr/update/update_lock.h"
+#include "vxmgr/update/update_region.h"
 #include "vxmgr/update/update_task.h"
 
 namespace vxmgr {
@@ -70,6 +71,7 @@ class AdapterUpdate : UpdateTask {
                              " was interrupted");
             return ExitCode::Done;
         }
+        CheckChip(*record);
         result_.folder = record->Folder();
         result_.command = Command("--resume");
         AddRows(*record, Contents::New);
@@ -101,8 +103,11 @@ class AdapterUpdate : UpdateTask {
             }
         }
         for (const char* const option :
-             {"allow-older", "allow-same", "allow-boot-from-san", "no-activate"}) {
+             {"allow-older", "allow-same", "allow-boot-from-san", "no-activate", "skip-backup"}) {
             files += given_.Has(option) ? " --" + std::string(option) : "";
+        }
+        if (given_.Has("backup")) {
+            files += " --backup " + QuotedPath(given_.Text("backup"));
         }
         result_.command = Command(files);
         // Firmware comes last: where its write restarts the ports, they start all of it.
@@ -123,19 +128,13 @@ class AdapterUpdate : UpdateTask {
                                .stored = plan.stored,
                                .wanted = plan.image.version,
                                .size = plan.bytes.size(),
-                               .staged = (plan.region.flags & HX_REGION_FLAG_SECURE) != 0};
+                               .staged = IsStaged(plan.region)};
         if (IsThere(plan)) {
             row.outcome = RegionOutcome::Nothing;
             return row;
         }
         row.reset = Restart();
-        row.unsafe =
-            plan.region.code != HX_REGION_FIRMWARE
-                ? "a power cut leaves half of the boot code: the host cannot boot through it then"
-            : row.staged
-                ? "a power cut leaves half of the firmware, unless the adapter demands secure "
-                  "updates: then it keeps the old one"
-                : "a power cut leaves half of the firmware: the adapter starts without it then";
+        row.unsafe = HarmOfPowerCut(plan.region);
         return row;
     }
 

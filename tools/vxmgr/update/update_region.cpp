@@ -43,4 +43,17 @@ PlaceWrite RegionWrite(const AdapterSession& session, const FlashLayout& layout,
     };
 }
 
+std::string HarmOfPowerCut(const FlashRegion& region) {
+    if (region.code != HX_REGION_FIRMWARE) {
+        return RegionKindOf(region.code) == RegionKind::BootCode
+                   ? "a power cut leaves half of the boot code: the host cannot boot through it "
+                     "then"
+                   : "a power cut leaves half of the region";
+    }
+    return IsStaged(region)
+               ? "a power cut leaves half of the firmware, unless the adapter demands secure "
+                 "updates: then it keeps the old one"
+               : "a power cut leaves half of the firmware: the adapter starts without it then";
+}
+
 }  // namespace vxmgr

@@ -5,6 +5,7 @@
 #include "vxmgr/flash/flash_regions.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
+#include "vxmgr/update/update_region.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
@@ -43,6 +44,13 @@ void UpdateTask::Refuse(const std::string& text, const std::string& hint) {
     FailAt(session_.Object(), ExitCode::Refused, text + ", nothing was written", hint);
 }
 
+void UpdateTask::CheckChip(const UpdateRecord& record) {
+    if (record.journal.chip != result_.chip) {
+        Refuse("what was kept is of chip " + record.journal.chip + ", this is " + result_.chip,
+               "`fw history` lists what there is");
+    }
+}
+
 void UpdateTask::CheckBoot() {
     for (size_t i = 0; i < outlooks_.size(); ++i) {
         if (outlooks_[i].bootsFromSan.value_or(false) && !given_.Has("allow-boot-from-san")) {
@@ -61,12 +69,15 @@ bool UpdateTask::StartsOnline() const {
 void UpdateTask::AddRows(const UpdateRecord& record, Contents which) {
     for (const JournalRegion& region : record.journal.regions) {
         const bool back = which == Contents::Old;
+        const FlashRegion* const place = layout_.Find(region.code);
         result_.regions.push_back({.code = region.code,
                                    .file = region.image,
                                    .running = RunningVersion(session_.First(), region.code),
                                    .stored = back ? region.after : region.before,
                                    .wanted = back ? region.before : region.after,
                                    .size = region.size,
+                                   .staged = place != nullptr && IsStaged(*place),
+                                   .unsafe = place != nullptr ? HarmOfPowerCut(*place) : "",
                                    .reset = Restart()});
     }
 }

@@ -18,6 +18,8 @@ class UpdateTask {
 
     // Ends the command: nothing was written.
     [[noreturn]] void Refuse(const std::string& text, const std::string& hint);
+    // Refuses a record of another chip: the adapter's number may have come to another card.
+    void CheckChip(const UpdateRecord& record);
     // Refuses when the host boots through the adapter and nobody has allowed that.
     void CheckBoot();
     // Whether what is stored can be started while the host runs.
