@@ -116,6 +116,12 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
     return folder + "\\" + name;
 }
 
+std::string AbsolutePath(const std::string& path) {
+    std::error_code error;
+    const fs::path absolute = fs::absolute(PathOf(path), error);
+    return error ? path : tools::console::ToUtf8(absolute.wstring());
+}
+
 std::string QuotedPath(const std::string& path) {
     return path.find(' ') == std::string::npos ? path : "\"" + path + "\"";
 }
@@ -155,7 +161,11 @@ std::vector<std::string> UpdateFolders(const std::string& serial) {
     const std::string own = UpdatesFolderOf(serial);
     std::vector<std::string> paths;
     for (const std::string& name : FoldersIn(own)) {
-        paths.push_back(JoinPath(own, name));
+        const std::string path = JoinPath(own, name);
+        std::error_code ignored;
+        if (fs::exists(PathOf(JoinPath(path, kJournalFile)), ignored)) {
+            paths.push_back(path);
+        }
     }
     return paths;
 }

@@ -15,6 +15,7 @@ std::string UpdatesFolder();                             // of the machine
 std::string UpdatesFolderOf(const std::string& serial);  // of an adapter
 std::string QuotedPath(const std::string& path);         // as a shell wants it
 std::string JoinPath(const std::string& folder, const std::string& name);
+std::string AbsolutePath(const std::string& path);
 
 // Makes the adapter's folder, and in it a new one that is named after the time. Ends the command
 // when it cannot, or when one of the folders belongs to somebody else.
@@ -23,7 +24,10 @@ std::string MakeUpdateFolder(Invocation& invocation, const std::string& serial);
 // A folder that was not there, or is empty. A Windows error code, or 0.
 uint32_t MakeNewFolder(const std::string& path);
 
-// The folders of an adapter's updates, the newest last; none when there are none.
+// Of each update. Before it is there, nothing is written to an adapter.
+inline constexpr char kJournalFile[] = "journal.json";
+
+// The folders of an adapter's updates that have a journal, the newest last.
 std::vector<std::string> UpdateFolders(const std::string& serial);
 std::vector<std::string> AdaptersWithUpdates();  // their folders' names
 

@@ -18,7 +18,6 @@
 namespace vxmgr {
 namespace {
 
-constexpr char kJournalFile[] = "journal.json";
 constexpr size_t kMostJournalBytes = 1u << 20;
 
 uint64_t Ticks(const FILETIME& time) {
@@ -73,7 +72,7 @@ UpdateRecord::UpdateRecord(Invocation& invocation, const AdapterSession& session
     : journal(NewJournal(session, kind)) {
     folder_ = MakeUpdateFolder(invocation, session.serial);
     if (!backup.empty()) {
-        journal.backup = JoinPath(backup, Name());
+        journal.backup = JoinPath(AbsolutePath(backup), Name());
         if (const uint32_t error = tools::console::MakeFolder(journal.backup); error != 0) {
             invocation.Fail(error, "the folder " + journal.backup + " cannot be made");
         }
@@ -126,14 +125,14 @@ void UpdateRecord::Adopt() {
     journal.library = LibraryVersion();
 }
 
-bool UpdateRecord::TrySave() {
+uint32_t UpdateRecord::Store() {
     journal.changed = Now();
-    return SaveDurably(JoinPath(folder_, kJournalFile), BytesOfText(JournalDocument(journal))) == 0;
+    return SaveDurably(JoinPath(folder_, kJournalFile), BytesOfText(JournalDocument(journal)));
 }
 
 void UpdateRecord::Save(Invocation& invocation) {
-    if (!TrySave()) {
-        invocation.Fail(GetLastError(),
+    if (const uint32_t error = Store(); error != 0) {
+        invocation.Fail(error,
                         "the journal in " + folder_ + " cannot be written, the update ends here");
     }
 }
@@ -159,7 +158,7 @@ std::vector<uint8_t> UpdateRecord::Get(Invocation& invocation, const JournalRegi
     const std::string path = PathOf(region, which);
     const auto refuse = [&](const std::string& text) {
         invocation.Fail(ExitCode::Refused, path + " " + text + ": nothing is written from it",
-                        "`fw history` lists other updates; `fw update FILE` writes an image anew");
+                        "`fw restore DIR` takes what `fw backup` kept, `flash write` an image");
     };
     std::vector<uint8_t> bytes;
     if (hash.empty()) {
@@ -172,7 +171,7 @@ std::vector<uint8_t> UpdateRecord::Get(Invocation& invocation, const JournalRegi
             refuse("belongs to neither the administrators nor you");
             break;
         default:
-            invocation.Fail(error, path + " cannot be read");
+            refuse("cannot be read (" + tools::console::SystemErrorText(error) + ")");
     }
     if (bytes.size() != region.size || Sha256Of(bytes) != hash) {
         refuse("is not what the journal says");

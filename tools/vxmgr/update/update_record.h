@@ -34,7 +34,7 @@ class UpdateRecord {
     // Ends the command when the disk does not take it.
     void Save(Invocation& invocation);
     // The same in the middle of a write, which goes on whatever becomes of the journal.
-    bool TrySave();
+    bool TrySave() { return Store() == 0; }
     // Takes a journal of an earlier process over.
     void Adopt();
 
@@ -56,6 +56,7 @@ class UpdateRecord {
     UpdateRecord() = default;
 
     std::string PathOf(const JournalRegion& region, Contents which) const;
+    uint32_t Store();  // a Windows error code, or 0
 
     std::string folder_;
 };
