@@ -98,7 +98,7 @@ class FreshDriver : public EmulatedDriver {
     void SetUp() override {
         std::filesystem::remove_all(folder_);
         std::filesystem::create_directories(folder_);
-        StartDriver();
+        StartDriver(profile_);
     }
     void TearDown() override {
         EmulatedDriver::TearDown();
@@ -115,6 +115,7 @@ class FreshDriver : public EmulatedDriver {
     std::string Quoted(const std::string& name) const { return " \"" + File(name) + "\""; }
 
     const std::filesystem::path folder_ = support::ScratchPath("-files");
+    std::string profile_ = "lab";
 };
 
 }  // namespace system_test

@@ -14,6 +14,7 @@ namespace system_test {
 
 namespace fs = std::filesystem;
 using Data = std::vector<char>;
+using Regions = std::map<std::string, Data>;
 
 class FlashFixture : public FreshDriver {
   protected:
@@ -36,11 +37,11 @@ class FlashFixture : public FreshDriver {
         return file;
     }
 
-    // Every region of the banked adapter, by file name.
-    std::map<std::string, Data> AllRegions(const std::string& name) {
+    // Every region of an adapter, by file name.
+    Regions AllRegions(const std::string& name, const std::string& adapter = kBanked) {
         const fs::path folder = folder_ / name;
-        EXPECT_EQ(0, ExitOf("flash read all \"" + folder.string() + "\"" + kBanked));
-        std::map<std::string, Data> regions;
+        EXPECT_EQ(0, ExitOf("flash read all \"" + folder.string() + "\"" + adapter));
+        Regions regions;
         for (const auto& entry : fs::directory_iterator(folder)) {
             regions[entry.path().filename().string()] = BytesOf(entry.path());
         }
