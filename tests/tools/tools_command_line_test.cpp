@@ -315,8 +315,8 @@ TEST(ToolsStop, WhatIsHeldIsFinishedFirst) {
     std::thread worker([&] {
         EXPECT_TRUE(hold->IsStopping());
         std::this_thread::sleep_for(milliseconds(100));  // longer than the grace
+        stop.Finish();  // without a grace nobody waits between the two
         hold.reset();
-        stop.Finish();
     });
     EXPECT_TRUE(stop.WaitForEnd(milliseconds(0)));
     worker.join();
