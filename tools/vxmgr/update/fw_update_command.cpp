@@ -116,6 +116,7 @@ class AdapterUpdate : UpdateTask {
         });
         for (const UpdatePlan& plan : plans_) {
             result_.regions.push_back(Row(plan));
+            AddHarm(result_.regions.back());
         }
     }
 
@@ -178,7 +179,7 @@ class AdapterUpdate : UpdateTask {
             if (row.outcome == RegionOutcome::Planned) {
                 lines.push_back("  " + RegionName(row.code) + ": " +
                                 (row.stored.empty() ? "without a version" : row.stored) + " -> " +
-                                row.wanted + ", " + row.file + "; " + row.unsafe);
+                                row.wanted + ", " + row.file);
             }
         }
         Confirm("Update the adapter:", lines);

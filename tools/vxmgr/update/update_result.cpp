@@ -11,6 +11,11 @@ namespace {
 constexpr const char* kWays[] = {"in_place", "staged"};
 constexpr const char* kResets[] = {"none", "ports", "host"};
 
+// Sentences: with more than a comma between them, for people.
+Value Lines(const std::vector<std::string>& texts) {
+    return texts.empty() ? Value::Texts({}) : Value::Texts(texts).Shown(TextsJoined(texts, "; "));
+}
+
 Value RegionOutcomeValue(const UpdateRegionResult& region) {
     constexpr Tone kTones[] = {Tone::Plain, Tone::Plain, Tone::Good, Tone::Bad, Tone::Warning};
     const auto place = static_cast<size_t>(region.outcome);
@@ -30,7 +35,7 @@ const Fields<UpdateRegionResult>& UpdateRegionFields() {
         {"region", "", kInteger, &Region::code},
         {"region_key", "Region", "REGION", kText,
          [](const Region& region) { return RegionKey(region.code); }},
-        {"file", "File", kText.OrNull(), &Region::file,
+        {"file", "File", "FILE", kText.OrNull(), &Region::file,
          "null: written along with the region before it"},
         {"content", "Content", kText.OrNull(), &Region::content},
         {"image_chips", "Image is for", kText.OrNull(), &Region::chips},
@@ -66,9 +71,11 @@ const Fields<UpdateResult>& UpdateFields() {
             {"model", "Model", kText.OrNull(), &Result::model},
             {"chip", "Chip", kText.OrNull(), &Result::chip},
             {"ports", "Ports", kText, &Result::ports},
-            {"volumes", "Behind them", FieldType{.quiet = true, .array = true}, &Result::volumes,
+            {"volumes", "Behind them", FieldType{.quiet = true, .array = true},
+             [](const Result& result) { return Lines(result.volumes); },
              "disks and volumes that the ports lead to"},
-            {"warnings", "Warnings", FieldType{.quiet = true, .array = true}, &Result::warnings},
+            {"warnings", "To weigh", FieldType{.quiet = true, .array = true},
+             [](const Result& result) { return Lines(result.warnings); }},
             {"running_before", "Firmware before", "BEFORE", kText.OrNull(), &Result::before},
             {"running_after", "Firmware now", "NOW", kText.OrNull(), &Result::after,
              "null: nothing was written, or it is not known"},

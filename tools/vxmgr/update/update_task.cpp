@@ -79,6 +79,13 @@ void UpdateTask::AddRows(const UpdateRecord& record, Contents which) {
                                    .staged = place != nullptr && IsStaged(*place),
                                    .unsafe = place != nullptr ? HarmOfPowerCut(*place) : "",
                                    .reset = Restart()});
+        AddHarm(result_.regions.back());
+    }
+}
+
+void UpdateTask::AddHarm(const UpdateRegionResult& row) {
+    if (!row.unsafe.empty()) {
+        result_.warnings.push_back(RegionName(row.code) + ": " + row.unsafe);
     }
 }
 

@@ -26,6 +26,9 @@ class UpdateTask {
     bool StartsOnline() const;
     std::string Restart() const { return StartsOnline() ? "ports" : "host"; }
 
+    // What a power cut does to a region that is to be written is something to weigh.
+    void AddHarm(const UpdateRegionResult& row);
+
     // Rows of the result for the regions of a record.
     void AddRows(const UpdateRecord& record, Contents which);
 
