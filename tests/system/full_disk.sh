@@ -50,7 +50,7 @@ bring_back() {
     holds old
 }
 
-emulator start --profile lab
+emulator start --profile lab --fresh
 for region in 7 1; do
     emulator flash dump scsi:3 $region "$log/old-$region"
 done

@@ -402,11 +402,45 @@ TEST_F(SystemUpdate, FailuresOfTheDeviceAreTold) {
     EXPECT_EQ("failed", Only(failed)["outcome"]);
     EXPECT_EQ(0, Update("--resume")["exit"]);
 
+    // Nothing of it was taken: there is nothing to finish.
+    Fault("scsi:3 --code FlashWrite --times 1 --do status 11");
+    EXPECT_EQ(1, Update("\"" + Image(kAdapter.port, 7, "4.01") + "\"")["exit"]);
+    EXPECT_EQ("nothing_to_do", Only(Update("--resume"))["outcome"]);
+
     // What cannot be read cannot be kept.
     Fault("scsi:3 --code FlashRead --sub 7 --do status 11");
     const std::string boot = " \"" + Image(kAdapter.port, 7, "3.98") + "\" --allow-older";
     EXPECT_EQ(8, Update(boot)["exit"]);
     EXPECT_EQ("9.20.00", Code(kBanked, 1)["running"]);
+    ASSERT_EQ(0u, Vxemu("fault clear").exit);
+    EXPECT_EQ(0, Restore("latest")["exit"]);
+    EXPECT_TRUE(before_ == Now());
+}
+
+TEST_F(SystemUpdate, StartsThatGoWrongAreTold) {
+    const struct {
+        const char* fault;
+        int exit;
+        bool written;
+    } kRows[] = {
+        {"RestartFirmware --do old-version", 9, true},
+        {"RestartFirmware --do no-return", 3, true},
+        {"SecureFlashVerify --do bad-signature", 8, false},
+    };
+    ASSERT_EQ(0u, Vxemu("adapter set scsi:3 secure_updates=yes").exit);
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        Fault("all --code " + std::string(row.fault));
+        const json document = Update("\"" + Image(kAdapter.port, 1, "9.20.00") + "\"");
+        EXPECT_EQ(row.exit, document["exit"]) << document.dump();
+        EXPECT_EQ("failed", Only(document)["outcome"]);
+        ASSERT_EQ(0u, Vxemu("fault clear").exit);
+        ASSERT_EQ(0u, Vxemu("reset scsi:3").exit);
+        EXPECT_EQ(row.written, Now()[kCode] != before_[kCode]);
+        Restore("latest");
+        EXPECT_TRUE(before_ == Now());
+        EXPECT_EQ("9.12.01", Code(kBanked, 1)["running"]);
+    }
 }
 
 }  // namespace

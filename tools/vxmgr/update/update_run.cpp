@@ -95,24 +95,22 @@ class RegionsRun {
                Sha256Of(now) == hash;
     }
 
-    // Whether a region is about to be written over for the first time: what was kept of it has to
-    // be what it holds, or nothing could bring that back.
-    bool MustHoldOld(const JournalRegion& region) const {
-        return which_ == Contents::New && region.step == RegionStep::Waiting &&
-               !region.oldHash.empty();
-    }
-
     // begun: it may have been written in part, so that what it holds is no source of anything.
     void Write(JournalRegion& region, Group companions, bool begun) {
         const FlashRegion& place = RegionOf(layout_, region, session_.Object());
         const std::vector<uint8_t> target = record_.Get(invocation_, region, which_);
-        PlaceWrite write =
-            RegionWrite(session_, layout_, place, target,
-                        MustHoldOld(region) ? record_.Get(invocation_, region, Contents::Old)
-                                            : std::vector<uint8_t>());
+        // Written over for the first time: what was kept has to be what there is, or nothing could
+        // bring that back.
+        const bool first =
+            which_ == Contents::New && region.step == RegionStep::Waiting && !region.IsCompanion();
+        std::vector<uint8_t> kept;
+        if (first && !region.oldHash.empty()) {
+            kept = record_.Get(invocation_, region, Contents::Old);
+        }
+        PlaceWrite write = RegionWrite(session_, layout_, place, target, std::move(kept));
         write.check = [&] {
             for (const JournalRegion& companion : companions) {
-                if (MustHoldOld(companion) && !HoldsOf(companion, companion.oldHash) &&
+                if (first && !companion.oldHash.empty() && !HoldsOf(companion, companion.oldHash) &&
                     !Holds(companion)) {
                     FailChangedMeanwhile(write, session_.First());
                 }
@@ -137,6 +135,10 @@ class RegionsRun {
         const WriteOutcome outcome =
             WritePlace(invocation_, session_.Handle(), session_.First(), write);
         if (outcome.trouble) {
+            if (first && outcome.state == PlaceState::Old) {
+                region.step = RegionStep::Waiting;  // nothing of it was written
+                region.reached = 0;
+            }
             Fail(*outcome.trouble);
         }
     }
