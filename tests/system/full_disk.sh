@@ -74,6 +74,8 @@ for limit in ${long:+1 2 3 64 255} 4 ${long:+257 300 400} 511; do
     ) </dev/null 2>&1 | cat >"$log/full.txt" && fail "limit of $limit KiB: done all the same"
     holds old
     manager fw update --resume || fail "limit of $limit KiB: something is left to be finished"
+    grep -q '"severity": "warning"' "$log/manager.txt" &&
+        fail "limit of $limit KiB: what was not begun is told of for ever"
     holds old
     manager "${update[@]}" || fail "limit of $limit KiB: cannot be updated behind it"
     bring_back
