@@ -26,6 +26,17 @@ CommandRows BindStoreCommands();
 CommandRows LunmaskCommands();
 CommandRows LunmaskTransferCommands();
 
+CommandRows FwShowCommands();
+CommandRows FwInspectCommands();
+CommandRows FwUpdateCommands();
+CommandRows FwActivateCommands();
+CommandRows FwRestoreCommands();
+
+CommandRows FlashLayoutCommands();
+CommandRows FlashReadCommands();
+CommandRows FlashWriteCommands();
+CommandRows FlashLockCommands();
+
 CommandRows NvramCommands();
 CommandRows NvramChangeCommands();
 CommandRows NvramActivateCommands();

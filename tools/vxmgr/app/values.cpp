@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "vxmgr/app/size_text.h"
+
 namespace vxmgr {
 namespace {
 
@@ -40,6 +42,10 @@ Value FieldValue(const char* field, size_t size) {
 
 Value HexValue(uint64_t value, int digits) {
     return Value::Text(Hex(value, digits));
+}
+
+Value SizeValue(uint64_t bytes) {
+    return Value::Number(bytes, "bytes").Shown(SizeText(bytes));
 }
 
 Value StatusValue(HX_STATUS status) {

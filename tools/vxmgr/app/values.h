@@ -7,6 +7,11 @@ namespace vxmgr {
 
 Value FieldValue(const char* field, size_t size);  // null when empty
 Value HexValue(uint64_t value, int digits);
+Value SizeValue(uint64_t bytes);  // "2.20 TB (2.00 TiB)" for people
+
+// The size that a member of a row gives.
+template <auto member>
+inline constexpr auto SizeOf = [](const auto& row) { return SizeValue(std::invoke(member, row)); };
 
 // What the values with names can be.
 inline constexpr const char* kPortStates[] = {"online", "offline", "link_down", "disabled"};

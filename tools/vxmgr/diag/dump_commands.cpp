@@ -26,10 +26,6 @@ bool HasNone(HX_STATUS status) {
     return status == HXMGT_NO_FIRMWARE_DUMP || ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
-Value DumpSizeValue(uint64_t size) {
-    return Value::Number(size, "bytes").Shown(SizeText(size));
-}
-
 struct DumpSize {
     const DumpKind* kind = nullptr;
     HX_STATUS status = HXMGT_SUCCESS;
@@ -79,7 +75,7 @@ const Fields<DumpRow> kDumpFields = {
     {"what", "Of", "OF", kText, [](const DumpRow& row) { return row.kind->what; }},
     {"state", "State", "STATE", Choice(kDumpStates), DumpStateValue},
     {"size", "Size", "SIZE", kInteger.OrNull(),
-     [](const DumpRow& row) { return row.IsPresent() ? DumpSizeValue(row.bytes) : Value(); }},
+     [](const DumpRow& row) { return row.IsPresent() ? SizeValue(row.bytes) : Value(); }},
     {"status", "Status", kText.OrNull(),
      [](const DumpRow& row) { return HasNone(row.status) ? Value() : StatusValue(row.status); }},
 };
@@ -96,8 +92,7 @@ const Fields<SavedDump> kSavedDumpFields = {
     {PortKeys(), &SavedDump::port},
     {"kind", "Kind", kText, [](const SavedDump& saved) { return saved.kind->name; }},
     {"file", "File", kText, &SavedDump::file},
-    {"size", "Size", kInteger.OrNull(),
-     [](const SavedDump& saved) { return DumpSizeValue(saved.size); }},
+    {"size", "Size", kInteger.OrNull(), SizeOf<&SavedDump::size>},
 };
 
 struct DumpTaken {

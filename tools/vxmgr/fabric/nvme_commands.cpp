@@ -8,7 +8,6 @@
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/app/read_list.h"
-#include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/commands.h"
 #include "vxmgr/targets/target_known.h"
@@ -40,7 +39,7 @@ std::optional<uint64_t> BytesIn(const NvmeNamespace& one, uint64_t blocks) {
 
 // A number of bytes as people read it.
 Value SizeIn(std::optional<uint64_t> bytes) {
-    return bytes ? Value::Number(*bytes, "bytes").Shown(SizeText(*bytes)) : Value();
+    return bytes ? SizeValue(*bytes) : Value();
 }
 
 template <auto blocks>

@@ -1,9 +1,6 @@
 // A firmware image: two segments of big-endian words, each of which adds up to 0.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "formats/firmware_image.h"
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/flash/flash_rom.h"

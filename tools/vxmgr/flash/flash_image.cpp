@@ -4,10 +4,8 @@
 #include <array>
 #include <charconv>
 
-#include "common/text.h"
 #include "formats/nvram_block.h"
 #include "formats/vpd_tags.h"
-#include "vxmgr/app/size_text.h"
 
 namespace vxmgr {
 namespace {
@@ -28,8 +26,7 @@ bool BeginsVpd(Bytes bytes) {
 }
 
 bool IsErased(Bytes bytes) {
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](uint8_t byte) { return byte == kErasedByte; });
+    return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == kErasedByte; });
 }
 
 struct StartRow {
@@ -52,7 +49,7 @@ ImageKind KindOf(Bytes bytes) {
 }
 
 void AddChip(ImageInfo& info, uint16_t device) {
-    if (std::find(info.chips.begin(), info.chips.end(), device) == info.chips.end()) {
+    if (std::ranges::find(info.chips, device) == info.chips.end()) {
         info.chips.push_back(device);
     }
 }
@@ -96,7 +93,7 @@ void InspectNvram(Bytes bytes, ImageInfo& info) {
 using Numbers = std::array<uint32_t, 4>;
 
 std::optional<Numbers> NumbersOf(std::string_view text) {
-    const std::vector<std::string> parts = tools::Split(text, '.');
+    const std::vector<std::string> parts = Split(text, '.');
     Numbers numbers{};
     if (parts.empty() || parts.size() > numbers.size()) {
         return std::nullopt;
@@ -117,12 +114,8 @@ const char* KindName(ImageKind kind) {
     return kKindNames[static_cast<size_t>(kind)];
 }
 
-tools::Value KindValue(ImageKind kind) {
-    return tools::Value::Text(kImageKinds[static_cast<size_t>(kind)]).Shown(KindName(kind));
-}
-
-tools::Value SizeValue(uint64_t bytes) {
-    return tools::Value::Number(bytes, "bytes").Shown(SizeText(bytes));
+Value KindValue(ImageKind kind) {
+    return Value::Text(kImageKinds[static_cast<size_t>(kind)]).Shown(KindName(kind));
 }
 
 ImageInfo InspectImage(Bytes bytes) {

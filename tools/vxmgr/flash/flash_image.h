@@ -2,13 +2,7 @@
 #pragma once
 
 #include <compare>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "common/fields.h"
 #include "vxmgr/app/bytes.h"
 #include "vxmgr/flash/flash_firmware.h"
 #include "vxmgr/flash/flash_rom.h"
@@ -22,8 +16,7 @@ const char* KindName(ImageKind kind);  // "boot code"
 // In results.
 inline constexpr const char* kImageKinds[] = {"unknown",  "erased", "boot_code",
                                               "firmware", "nvram",  "vpd"};
-tools::Value KindValue(ImageKind kind);
-tools::Value SizeValue(uint64_t bytes);
+Value KindValue(ImageKind kind);
 
 struct ImageInfo {
     ImageKind kind = ImageKind::Unknown;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "common/text.h"
 #include "vxmgr/flash/flash_regions.h"
 
 namespace vxmgr {
@@ -77,14 +76,14 @@ class Checker {
     }
 
     bool IsFor(const std::vector<uint16_t>& chips) const {
-        return std::find(chips.begin(), chips.end(), target_.deviceId) != chips.end();
+        return std::ranges::find(chips, target_.deviceId) != chips.end();
     }
 
     void CheckChip() {
-        const std::string chip = tools::Hex(target_.deviceId, 4);
+        const std::string chip = Hex(target_.deviceId, 4);
         if (image_.vendorId != 0 && image_.vendorId != target_.vendorId) {
-            Refuse("the image is for adapters of vendor " + tools::Hex(image_.vendorId, 4) +
-                   ", this is one of " + tools::Hex(target_.vendorId, 4));
+            Refuse("the image is for adapters of vendor " + Hex(image_.vendorId, 4) +
+                   ", this is one of " + Hex(target_.vendorId, 4));
         }
         if (!image_.chips.empty() && !IsFor(image_.chips)) {
             Refuse("the image is for " + ChipsText(image_.chips) + ", the adapter's chip is " +
@@ -128,17 +127,12 @@ std::vector<Finding> CheckImage(const ImageInfo& image, const ImageTarget& targe
 }
 
 const Finding* FirstRefusal(const std::vector<Finding>& findings) {
-    const auto found = std::find_if(findings.begin(), findings.end(),
-                                    [](const Finding& finding) { return finding.refuses; });
+    const auto found = std::ranges::find_if(findings, &Finding::refuses);
     return found == findings.end() ? nullptr : &*found;
 }
 
 std::string ChipsText(const std::vector<uint16_t>& chips) {
-    std::string text;
-    for (const uint16_t chip : chips) {
-        text += (text.empty() ? "" : " ") + tools::Hex(chip, 4);
-    }
-    return text;
+    return TextsJoined(chips, " ", [](uint16_t chip) { return Hex(chip, 4); });
 }
 
 }  // namespace vxmgr

@@ -1,10 +1,6 @@
 // Whether an image may be written to a region of an adapter.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "vxmgr/flash/flash_image.h"
 
 namespace vxmgr {

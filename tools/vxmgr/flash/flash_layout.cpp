@@ -3,20 +3,17 @@
 #include <algorithm>
 #include <memory>
 
-#include "common/status_codes.h"
 #include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 constexpr uint32_t kWholeBytes = 128 * 1024;  // flash of a chip without regions
 constexpr uint32_t kKib = 1024;
 constexpr uint32_t kMostRegionBytes = 256u << 20;  // more is no size, but a driver's mistake
 
 bool IsUnknown(HX_STATUS status) {
-    return tools::ExitCodeOf(status) == ExitCode::NotSupported;
+    return ExitCodeOf(status) == ExitCode::NotSupported;
 }
 
 template <typename Table>
@@ -61,8 +58,7 @@ HX_STATUS ProbeWholeFlash(uint32_t handle, FlashLayout* layout) {
 }  // namespace
 
 const FlashRegion* FlashLayout::Find(uint32_t code) const {
-    const auto found = std::find_if(regions.begin(), regions.end(),
-                                    [&](const FlashRegion& one) { return one.code == code; });
+    const auto found = std::ranges::find(regions, code, &FlashRegion::code);
     return found == regions.end() ? nullptr : &*found;
 }
 
@@ -75,13 +71,12 @@ HX_STATUS QueryFlashLayout(uint32_t handle, FlashLayout* layout) {
     if (status != HXMGT_SUCCESS && !IsUnknown(status)) {
         return status;
     }
-    const bool hasRegions =
-        std::any_of(layout->regions.begin(), layout->regions.end(),
-                    [](const FlashRegion& region) { return region.code != kWholeFlash; });
+    const bool hasRegions = std::ranges::any_of(
+        layout->regions, [](uint32_t code) { return code != kWholeFlash; }, &FlashRegion::code);
     return hasRegions ? HX_STATUS{HXMGT_SUCCESS} : ProbeWholeFlash(handle, layout);
 }
 
-FlashLayout ReadFlashLayout(tools::Invocation& invocation, const Port& port, uint32_t handle) {
+FlashLayout ReadFlashLayout(Invocation& invocation, const Port& port, uint32_t handle) {
     FlashLayout layout;
     const HX_STATUS status = QueryFlashLayout(handle, &layout);
     if (IsUnknown(status)) {
@@ -89,13 +84,11 @@ FlashLayout ReadFlashLayout(tools::Invocation& invocation, const Port& port, uin
                "the driver gives no access to the flash of this adapter",
                "drivers from 7.05.03 on may: see `driver show`", status);
     }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the layout of the flash cannot be read", port.Object());
-    }
+    invocation.Require(status, "the layout of the flash cannot be read", port.Object());
     return layout;
 }
 
-const FlashRegion& GivenRegion(tools::Invocation& invocation, const FlashLayout& layout,
+const FlashRegion& GivenRegion(Invocation& invocation, const FlashLayout& layout,
                                const std::string& text) {
     for (const FlashRegion& region : layout.regions) {
         if (MeansRegion(text, region.code)) {

@@ -1,11 +1,6 @@
 // The flash of an adapter: its regions, and moving the bytes of one.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/flash/flash_regions.h"
 
@@ -31,10 +26,10 @@ struct FlashLayout {
 HX_STATUS QueryFlashLayout(uint32_t handle, FlashLayout* layout);
 
 // Ends the command when the adapter does not tell.
-FlashLayout ReadFlashLayout(tools::Invocation& invocation, const Port& port, uint32_t handle);
+FlashLayout ReadFlashLayout(Invocation& invocation, const Port& port, uint32_t handle);
 
 // The region that a text of the command line means; ends the command when there is none.
-const FlashRegion& GivenRegion(tools::Invocation& invocation, const FlashLayout& layout,
+const FlashRegion& GivenRegion(Invocation& invocation, const FlashLayout& layout,
                                const std::string& text);
 
 HX_STATUS ReadRegion(uint32_t handle, const FlashLayout& layout, const FlashRegion& region,

@@ -1,30 +1,22 @@
 // flash lock show|release
 #include <algorithm>
 
-#include "common/fields.h"
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/inventory.h"
-#include "vxmgr/flash/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/flash/flash_lock_view.h"
 #include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kSerial;
-using tools::Tone;
-using tools::Value;
-
-constexpr tools::Argument kReleaseArguments[] = {
+constexpr Argument kReleaseArguments[] = {
     {.name = "--owner-pid",
-     .kind = tools::ArgumentKind::Number,
+     .kind = ArgumentKind::Number,
      .valueName = "N",
      .help = "process that held the lock when it ended",
      .required = true,
-     .least = 1,
-     .most = UINT32_MAX},
+     .least = 1},
 };
 
 // One lock of the list: of an adapter of this machine, or of one that has gone.
@@ -34,62 +26,47 @@ struct LockRow {
     LockState state{};
     bool released = false;
 
-    std::optional<uint32_t> AdapterIndex() const {
-        return adapter != nullptr ? std::optional(adapter->index) : std::nullopt;
-    }
     // Null for a lock that nobody holds.
     Value WhenHeld(Value value) const { return state.held ? std::move(value) : Value(); }
 };
 
-const tools::Fields<LockRow>& LockFields() {
-    static const tools::Fields<LockRow> kFields = {
-        {"adapter", "Adapter", "ADAPTER", kInteger.OrNull(), &LockRow::AdapterIndex,
-         "null: the adapter is not there"},
-        {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
-        {"serial", "Serial", "SERIAL", kSerial.OrNull(), &LockRow::serial},
-        {"held", "Lock", "LOCK", kFlag,
-         [](const LockRow& row) {
-             return Value::Flag(row.state.held)
-                 .Shown(row.state.held ? "held" : "free")
-                 .In(row.state.held ? Tone::Warning : Tone::Plain);
-         }},
-        {"owner_pid", "Owner", "OWNER", kInteger.OrNull(),
-         [](const LockRow& row) { return row.WhenHeld(Value::Number(row.state.owner)); }},
-        {"owner_lives", "Owner lives", "LIVES", kFlag.OrNull(),
-         [](const LockRow& row) {
-             return row.WhenHeld(Value::Flag(row.state.ownerLives)
-                                     .In(row.state.ownerLives ? Tone::Plain : Tone::Bad));
-         }},
-        {"held_seconds", "Held for", "HELD FOR", kInteger.OrNull(),
-         [](const LockRow& row) {
-             return row.WhenHeld(Value::Number(row.state.heldSeconds, "s"));
-         }},
-        {"expired", "Time over", "TIME OVER", kFlag.OrNull(),
-         [](const LockRow& row) { return row.WhenHeld(Value::Flag(row.state.expired)); },
-         "held for so long that anybody may take it over"},
-    };
-    return kFields;
-}
+const Fields<LockRow> kLockFields = {
+    {"adapter", "Adapter", "ADAPTER", kInteger.OrNull(), Of(&LockRow::adapter, &Adapter::index),
+     "null: the adapter is not there"},
+    {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
+    {"serial", "Serial", "SERIAL", kSerial.OrNull(), &LockRow::serial},
+    {"held", "Lock", "LOCK", kFlag,
+     [](const LockRow& row) {
+         return Value::Flag(row.state.held)
+             .Shown(row.state.held ? "held" : "free")
+             .In(row.state.held ? Tone::Warning : Tone::Plain);
+     }},
+    {"owner_pid", "Owner", "OWNER", kInteger.OrNull(),
+     [](const LockRow& row) { return row.WhenHeld(Value::Number(row.state.owner)); }},
+    {"owner_lives", "Owner lives", "LIVES", kFlag.OrNull(),
+     [](const LockRow& row) {
+         return row.WhenHeld(
+             Value::Flag(row.state.ownerLives).In(row.state.ownerLives ? Tone::Plain : Tone::Bad));
+     }},
+    {"held_seconds", "Held for", "HELD FOR", kInteger.OrNull(),
+     [](const LockRow& row) { return row.WhenHeld(Value::Number(row.state.heldSeconds, "s")); }},
+    {"expired", "Time over", "TIME OVER", kFlag.OrNull(),
+     [](const LockRow& row) { return row.WhenHeld(Value::Flag(row.state.expired)); },
+     "held for so long that anybody may take it over"},
+};
+
+const auto kLockShowFields = ListOf("locks", "Update locks", kLockFields, "No adapters.");
+
+const Fields<LockRow> kLockReleaseFields = {
+    {"serial", "Adapter", kSerial.OrNull(), &LockRow::serial},
+    {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
+    {"owner_pid", "Owner", kInteger, [](const LockRow& row) { return row.state.owner; }},
+    {"held_seconds", "Held for", Integer("s"),
+     [](const LockRow& row) { return row.state.heldSeconds; }},
+    {"released", "Released", kFlag, &LockRow::released},
+};
 
 using LockRows = std::vector<LockRow>;
-
-const tools::Fields<LockRows>& LockShowFields() {
-    static const auto kFields = tools::ListOf<LockRows>("locks", "Update locks", LockFields(),
-                                                        tools::ListLayout::Table, "No adapters.");
-    return kFields;
-}
-
-const tools::Fields<LockRow>& LockReleaseFields() {
-    static const tools::Fields<LockRow> kFields = {
-        {"serial", "Adapter", kSerial.OrNull(), &LockRow::serial},
-        {"adapter_serial", "", kSerial.OrNull(), &LockRow::serial},
-        {"owner_pid", "Owner", kInteger, [](const LockRow& row) { return row.state.owner; }},
-        {"held_seconds", "Held for", tools::Integer("s"),
-         [](const LockRow& row) { return row.state.heldSeconds; }},
-        {"released", "Released", kFlag, &LockRow::released},
-    };
-    return kFields;
-}
 
 LockRows LocksOf(const FlashLockArea& table, const std::vector<const Adapter*>& adapters) {
     LockRows rows;
@@ -107,9 +84,8 @@ LockRows LocksOf(const FlashLockArea& table, const std::vector<const Adapter*>& 
 void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters, LockRows& rows) {
     for (const FlashLock& record : table.locks) {
         const std::string serial = SerialOf(record);
-        const bool known = std::any_of(adapters.begin(), adapters.end(), [&](const Adapter& one) {
-            return one.First().Serial() == serial;
-        });
+        const bool known = std::ranges::any_of(
+            adapters, [&](const Adapter& one) { return one.First().Serial() == serial; });
         if (!serial.empty() && record.owner != 0 && !known) {
             rows.push_back({nullptr, serial, StateOf(record)});
         }
@@ -117,8 +93,7 @@ void AddGone(const FlashLockArea& table, const std::vector<Adapter>& adapters, L
 }
 
 // The lock that the process left behind on a selected adapter.
-LockRow LeftBehind(tools::Invocation& invocation, uint32_t owner,
-                   const std::vector<Adapter>& adapters) {
+LockRow LeftBehind(Invocation& invocation, uint32_t owner, const std::vector<Adapter>& adapters) {
     const auto table = ReadLockTable(invocation);
     for (const LockRow& row : LocksOf(*table, SelectAdapters(invocation, adapters))) {
         if (!row.state.held || row.state.owner != owner) {
@@ -136,16 +111,16 @@ LockRow LeftBehind(tools::Invocation& invocation, uint32_t owner,
                     "`flash lock show` lists the locks and their owners");
 }
 
-uint32_t GivenOwner(tools::Invocation& invocation) {
+uint32_t GivenOwner(Invocation& invocation) {
     return static_cast<uint32_t>(invocation.Given().Number("owner-pid").value_or(0));
 }
 
-void ShowRelease(tools::Invocation& invocation, LockRow& lock, bool released) {
+void ShowRelease(Invocation& invocation, LockRow& lock, bool released) {
     lock.released = released;
-    invocation.Result() = LockReleaseFields().Make(lock);
+    invocation.Result() = kLockReleaseFields.Make(lock);
 }
 
-ExitCode FlashLockShow(tools::Invocation& invocation) {
+ExitCode FlashLockShow(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
@@ -162,19 +137,18 @@ ExitCode FlashLockShow(tools::Invocation& invocation) {
                                 "` frees it");
         }
     }
-    invocation.Result() = LockShowFields().Make(locks);
+    invocation.Result() = kLockShowFields.Make(locks);
     return ExitCode::Done;
 }
 
-ExitCode FlashLockRelease(tools::Invocation& invocation) {
+ExitCode FlashLockRelease(Invocation& invocation) {
     const uint32_t owner = GivenOwner(invocation);
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     LockRow lock = LeftBehind(invocation, owner, adapters);
     if (invocation.DryRun()) {
         ShowRelease(invocation, lock, false);
-        invocation.Note("dry run: the lock would be released");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the lock would be released");
     }
     const ExitCode ended = EndLockInChild(invocation, lock.adapter->First().index, owner);
     const auto table = ReadLockTable(invocation);
@@ -193,7 +167,7 @@ ExitCode FlashLockRelease(tools::Invocation& invocation) {
     return ExitCode::Done;
 }
 
-ExitCode FlashLockEnd(tools::Invocation& invocation) {
+ExitCode FlashLockEnd(Invocation& invocation) {
     const uint32_t owner = GivenOwner(invocation);
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
@@ -206,44 +180,33 @@ ExitCode FlashLockEnd(tools::Invocation& invocation) {
         status = HXEndFlashUpdate(device.Handle(), 0, owner);
     }
     ShowRelease(invocation, lock, status == HXMGT_SUCCESS);
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the lock cannot be released", lock.adapter->First().Object());
-    }
+    invocation.Require(status, "the lock cannot be released", lock.adapter->First().Object());
     return ExitCode::Done;
 }
 
 }  // namespace
 
-tools::CommandRows FlashLockCommands() {
-    static const tools::Command kCommands[] = {
-        {
-            .path = "flash lock show",
-            .risk = tools::Risk::Reads,
-            .help = "which processes hold update locks",
-            .schema = "flash.lock.show",
-            .run = FlashLockShow,
-            .example = "flash lock show",
-            .result = tools::ShapeOf<LockShowFields>,
-        },
-        {
-            .path = "flash lock release",
-            .risk = tools::Risk::Reversible,
-            .help = "give back the lock of a process that has ended",
-            .schema = "flash.lock.release",
-            .arguments = kReleaseArguments,
-            .run = FlashLockRelease,
-            .example = "flash lock release --owner-pid 1424",
-            .result = tools::ShapeOf<LockReleaseFields>,
-        },
-        {
-            .path = kLockEndCommand,
-            .risk = tools::Risk::Reversible,
-            .help = "what `flash lock release` starts",
-            .schema = "flash.lock.release",
-            .arguments = kReleaseArguments,
-            .run = FlashLockEnd,
-            .hidden = true,
-        },
+CommandRows FlashLockCommands() {
+    static const Command kCommands[] = {
+        {.path = "flash lock show",
+         .help = "which processes hold update locks",
+         .run = FlashLockShow,
+         .example = "flash lock show",
+         .result = ShapeOf<kLockShowFields>},
+        {.path = "flash lock release",
+         .risk = Risk::Reversible,
+         .help = "give back the lock of a process that has ended",
+         .arguments = kReleaseArguments,
+         .run = FlashLockRelease,
+         .example = "flash lock release --owner-pid 1424",
+         .result = ShapeOf<kLockReleaseFields>},
+        {.path = kLockEndCommand,
+         .risk = Risk::Reversible,
+         .help = "what `flash lock release` starts",
+         .schema = "flash.lock.release",
+         .arguments = kReleaseArguments,
+         .run = FlashLockEnd,
+         .hidden = true},
     };
     return kCommands;
 }

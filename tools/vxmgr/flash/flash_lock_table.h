@@ -1,10 +1,8 @@
 // The update locks of all adapters, as the library shares them between processes.
 #pragma once
 
-#include <string>
-
-#include "common/text.h"
 #include "formats/flash_lock.h"
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 
@@ -14,7 +12,7 @@ using formats::FlashLockArea;
 // Empty: not in use.
 inline std::string SerialOf(const FlashLock& record) {
     return record.serial[0] == 0 ? std::string()
-                                 : tools::FieldText(record.serial + 1, sizeof record.serial - 1);
+                                 : FieldText(record.serial + 1, sizeof record.serial - 1);
 }
 
 // The record of an adapter, or null when it has none yet.

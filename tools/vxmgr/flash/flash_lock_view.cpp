@@ -3,14 +3,11 @@
 #include <windows.h>
 
 #include <cstring>
-#include <string>
 
 #include "frame/owned.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 constexpr uint64_t kTicksPerMs = 10000;  // of a FILETIME
 
@@ -64,7 +61,7 @@ std::wstring Widened(const std::string& ascii) {
 
 }  // namespace
 
-std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation) {
+std::unique_ptr<FlashLockArea> ReadLockTable(Invocation& invocation) {
     auto table = CopyLockTable();
     if (table == nullptr) {
         invocation.Fail(static_cast<uint32_t>(GetLastError()),
@@ -102,7 +99,7 @@ LockState StateOf(const FlashLock& record) {
     return state;
 }
 
-ExitCode EndLockInChild(tools::Invocation& invocation, uint32_t portIndex, uint32_t owner) {
+ExitCode EndLockInChild(Invocation& invocation, uint32_t portIndex, uint32_t owner) {
     const std::wstring program = OwnProgram();
     std::wstring line = L"\"" + program + L"\" " +
                         Widened(std::string(kLockEndCommand) + " --quiet --owner-pid " +
@@ -128,7 +125,7 @@ ExitCode EndLockInChild(tools::Invocation& invocation, uint32_t portIndex, uint3
     } else {
         GetExitCodeProcess(process.hProcess, &exit);
     }
-    const tools::ExitCodeRow* row = tools::FindExitCode(static_cast<int>(exit));
+    const ExitCodeRow* row = FindExitCode(static_cast<int>(exit));
     return row == nullptr ? ExitCode::Internal : row->code;
 }
 

@@ -2,16 +2,14 @@
 // back.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 
-#include "common/invocation.h"
 #include "vxmgr/flash/flash_lock_table.h"
 
 namespace vxmgr {
 
 // A copy of the table; ends the command when it cannot be read.
-std::unique_ptr<FlashLockArea> ReadLockTable(tools::Invocation& invocation);
+std::unique_ptr<FlashLockArea> ReadLockTable(Invocation& invocation);
 
 // The same; null when it cannot be read.
 std::unique_ptr<FlashLockArea> CopyLockTable();
@@ -32,6 +30,6 @@ inline constexpr const char* kLockEndCommand = "flash lock end";
 // The call that ends a lock also terminates and closes the thread whose handle its record keeps.
 // That handle was the owner's: here the number may stand for anything. So it is made by a process
 // that has nothing to lose. Returns that process's exit code.
-tools::ExitCode EndLockInChild(tools::Invocation& invocation, uint32_t portIndex, uint32_t owner);
+ExitCode EndLockInChild(Invocation& invocation, uint32_t portIndex, uint32_t owner);
 
 }  // namespace vxmgr

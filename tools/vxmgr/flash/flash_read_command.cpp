@@ -5,7 +5,7 @@
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/flash/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"
 #include "vxmgr/update/update_adapter.h"
@@ -15,30 +15,17 @@ namespace vxmgr {
 namespace {
 
 namespace fs = std::filesystem;
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
-using tools::Value;
 
 constexpr uint64_t kMostBytes = 64u << 20;
 constexpr const char* kAll = "all";
 
-constexpr tools::Argument kReadArguments[] = {
+constexpr Argument kReadArguments[] = {
     {.name = "REGION",
      .help = "region by key or code, or all; with --offset the file to write",
      .required = true},
     {.name = "FILE", .help = "the file to write; with all, the folder"},
-    {.name = "--offset",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "read from this byte of the flash on"},
-    {.name = "--length",
-     .kind = ArgumentKind::Number,
-     .valueName = "N",
-     .help = "bytes to read from --offset",
-     .least = 1,
-     .most = kMostBytes},
+    NumberOption("--offset", "N", "read from this byte of the flash on"),
+    NumberOption("--length", "N", "bytes to read from --offset", 1, kMostBytes),
 };
 
 // What was read and saved, or why not.
@@ -51,24 +38,20 @@ struct SavedRegion : FlashRegion {
 };
 using SavedRegions = std::vector<SavedRegion>;
 
-const tools::Fields<SavedRegion>& SavedRegionFields() {
-    using Saved = SavedRegion;
-    static const tools::Fields<Saved> kFields = {
-        {"code", "Region", "CODE", kInteger, &Saved::code},
-        {"key", "Key", "KEY", kText, &Saved::Key},
-        {"content", "Content", "CONTENT", tools::Choice(kImageKinds).OrNull(),
-         [](const Saved& one) { return one.IsSaved() ? KindValue(one.image.kind) : Value(); }},
-        {"version", "Version", "VERSION", kText.OrNull(),
-         [](const Saved& one) { return one.image.version; }},
-        {"size", "Size", "SIZE", kInteger, [](const Saved& one) { return SizeValue(one.size); }},
-        {"file", "File", "FILE", kText.OrNull(),
-         [](const Saved& one) { return one.IsSaved() ? one.file : std::string(); },
-         "null when the region could not be read"},
-        {"status", "Status", "STATUS", kText.OrNull(),
-         [](const Saved& one) { return StatusValue(one.status); }},
-    };
-    return kFields;
-}
+const Fields<SavedRegion> kSavedRegionFields = {
+    {"code", "Region", "CODE", kInteger, &SavedRegion::code},
+    {"key", "Key", "KEY", kText, &SavedRegion::Key},
+    {"content", "Content", "CONTENT", Choice(kImageKinds).OrNull(),
+     [](const SavedRegion& one) { return one.IsSaved() ? KindValue(one.image.kind) : Value(); }},
+    {"version", "Version", "VERSION", kText.OrNull(),
+     [](const SavedRegion& one) { return one.image.version; }},
+    {"size", "Size", "SIZE", kInteger, SizeOf<&SavedRegion::size>},
+    {"file", "File", "FILE", kText.OrNull(),
+     [](const SavedRegion& one) { return one.IsSaved() ? one.file : std::string(); },
+     "null when the region could not be read"},
+    {"status", "Status", "STATUS", kText.OrNull(),
+     [](const SavedRegion& one) { return StatusValue(one.status); }},
+};
 
 // A part of the flash that has no name.
 struct SavedRange {
@@ -77,16 +60,11 @@ struct SavedRange {
     std::string file;
 };
 
-const tools::Fields<SavedRange>& RangeFields() {
-    static const tools::Fields<SavedRange> kFields = {
-        {"offset", "Offset", kText, [](const SavedRange& one) { return HexValue(one.offset, 8); },
-         "with --offset"},
-        {"size", "Size", kInteger, [](const SavedRange& one) { return SizeValue(one.length); },
-         "with --offset"},
-        {"file", "File", kText, &SavedRange::file, "with --offset"},
-    };
-    return kFields;
-}
+const Fields<SavedRange> kRangeFields = {
+    {"offset", "Offset", Hexadecimal(8), &SavedRange::offset, "with --offset"},
+    {"size", "Size", kInteger, SizeOf<&SavedRange::length>, "with --offset"},
+    {"file", "File", kText, &SavedRange::file, "with --offset"},
+};
 
 struct FlashSaved {
     const AdapterSession* session;
@@ -94,18 +72,15 @@ struct FlashSaved {
     std::optional<SavedRange> range{};
 };
 
-const tools::Fields<FlashSaved>& FlashReadFields() {
-    static const tools::Fields<FlashSaved> kFields = {
-        {SessionFields(), &FlashSaved::session},
-        {"regions", "Regions", SavedRegionFields(), &FlashSaved::regions, tools::ListLayout::Table,
-         "no regions", "without --offset"},
-        {RangeFields(), &FlashSaved::range},
-    };
-    return kFields;
-}
+const Fields<FlashSaved> kFlashReadFields = {
+    {kSessionFields, &FlashSaved::session},
+    {"regions", "Regions", kSavedRegionFields, &FlashSaved::regions, "no regions",
+     "without --offset"},
+    {kRangeFields, &FlashSaved::range},
+};
 
-void SaveRegion(tools::Invocation& invocation, const AdapterSession& session,
-                const FlashLayout& layout, SavedRegion& saved) {
+void SaveRegion(Invocation& invocation, const AdapterSession& session, const FlashLayout& layout,
+                SavedRegion& saved) {
     invocation.CheckStop();
     invocation.Progress("reading region " + std::to_string(saved.code) + ", " +
                         SizeText(saved.size));
@@ -124,7 +99,7 @@ std::string FileNameOf(const FlashRegion& region) {
     return std::string(code) + "-" + RegionKey(region.code) + ".bin";
 }
 
-void MakeFolder(tools::Invocation& invocation, const std::string& folder) {
+void MakeFolder(Invocation& invocation, const std::string& folder) {
     const fs::path path(std::u8string(folder.begin(), folder.end()));
     std::error_code error;
     fs::create_directories(path, error);
@@ -134,7 +109,7 @@ void MakeFolder(tools::Invocation& invocation, const std::string& folder) {
     }
 }
 
-SavedRegions WhatToRead(tools::Invocation& invocation, const FlashLayout& layout,
+SavedRegions WhatToRead(Invocation& invocation, const FlashLayout& layout,
                         const std::string& region, const std::string& path) {
     if (region != kAll) {
         return {{GivenRegion(invocation, layout, region), path}};
@@ -147,8 +122,7 @@ SavedRegions WhatToRead(tools::Invocation& invocation, const FlashLayout& layout
     return all;
 }
 
-ExitCode ReadRegions(tools::Invocation& invocation, const std::string& region,
-                     const std::string& path) {
+ExitCode ReadRegions(Invocation& invocation, const std::string& region, const std::string& path) {
     const AdapterSession session = OpenSelectedAdapter(invocation);
     const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
     FailureTally failed;
@@ -161,11 +135,11 @@ ExitCode ReadRegions(tools::Invocation& invocation, const std::string& region,
                                          session.Object()));
         }
     }
-    invocation.Result() = FlashReadFields().Make({&session, wanted});
+    invocation.Result() = kFlashReadFields.Make({&session, wanted});
     return failed.Of(wanted.size());
 }
 
-ExitCode ReadRange(tools::Invocation& invocation, uint32_t offset, uint32_t length,
+ExitCode ReadRange(Invocation& invocation, uint32_t offset, uint32_t length,
                    const std::string& path) {
     const AdapterSession session = OpenSelectedAdapter(invocation);
     std::vector<uint8_t> bytes(length);
@@ -177,16 +151,14 @@ ExitCode ReadRange(tools::Invocation& invocation, uint32_t offset, uint32_t leng
                "newer chips are read from multiples of 256 on; `flash layout` shows the size",
                status);
     }
-    if (status != HXMGT_SUCCESS) {
-        invocation.Fail(status, "the flash cannot be read", session.Object());
-    }
+    invocation.Require(status, "the flash cannot be read", session.Object());
     SaveFile(invocation, path, bytes);
     invocation.Result() =
-        FlashReadFields().Make({&session, std::nullopt, SavedRange{offset, length, path}});
+        kFlashReadFields.Make({&session, std::nullopt, SavedRange{offset, length, path}});
     return ExitCode::Done;
 }
 
-ExitCode FlashRead(tools::Invocation& invocation) {
+ExitCode FlashRead(Invocation& invocation) {
     const auto& given = invocation.Given();
     const auto offset = given.Number("offset");
     const auto length = given.Number("length");
@@ -208,18 +180,14 @@ ExitCode FlashRead(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows FlashReadCommands() {
-    static const tools::Command kCommands[] = {
-        {
-            .path = "flash read",
-            .risk = tools::Risk::Reads,
-            .help = "save a region, all of them, or a range of bytes",
-            .schema = "flash.read",
-            .arguments = kReadArguments,
-            .run = FlashRead,
-            .example = "flash read boot boot.bin -a serial:EMU7740A0001",
-            .result = tools::ShapeOf<FlashReadFields>,
-        },
+CommandRows FlashReadCommands() {
+    static const Command kCommands[] = {
+        {.path = "flash read",
+         .help = "save a region, all of them, or a range of bytes",
+         .arguments = kReadArguments,
+         .run = FlashRead,
+         .example = "flash read boot boot.bin -a serial:EMU7740A0001",
+         .result = ShapeOf<kFlashReadFields>},
     };
     return kCommands;
 }

@@ -1,6 +1,7 @@
 #include "vxmgr/flash/flash_regions.h"
 
-#include "common/text.h"
+#include <algorithm>
+#include <iterator>
 
 namespace vxmgr {
 namespace {
@@ -43,12 +44,8 @@ constexpr RegionRow kRegions[] = {
 };
 
 const RegionRow* FindRow(uint32_t code) {
-    for (const RegionRow& row : kRegions) {
-        if (row.code == code) {
-            return &row;
-        }
-    }
-    return nullptr;
+    const auto* const row = std::ranges::find(kRegions, code, &RegionRow::code);
+    return row == std::end(kRegions) ? nullptr : row;
 }
 
 }  // namespace
@@ -74,10 +71,10 @@ bool RestartsPorts(uint32_t code) {
 }
 
 bool MeansRegion(std::string_view text, uint32_t code) {
-    if (const auto number = tools::ParseNumber(text)) {
+    if (const auto number = ParseNumber(text)) {
         return *number == code;
     }
-    return tools::EqualIgnoringCase(text, RegionKey(code));
+    return EqualIgnoringCase(text, RegionKey(code));
 }
 
 }  // namespace vxmgr

@@ -1,9 +1,7 @@
 // The regions of a flash by code: how they are called and what they hold. One table.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
+#include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {
 

@@ -86,12 +86,8 @@ std::string DecodeRom(Bytes bytes, size_t offset, RomImage* image) {
 }  // namespace
 
 const RomImage* RomChain::Bios() const {
-    for (const RomImage& image : images) {
-        if (image.codeType == kBiosCode) {
-            return &image;
-        }
-    }
-    return nullptr;
+    const auto found = std::ranges::find(images, kBiosCode, &RomImage::codeType);
+    return found == images.end() ? nullptr : &*found;
 }
 
 std::string CodeTypeName(uint8_t codeType) {

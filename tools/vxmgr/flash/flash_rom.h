@@ -2,9 +2,6 @@
 // region holds it.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "formats/rom_image.h"
 #include "vxmgr/app/bytes.h"
 

@@ -1,5 +1,5 @@
 // flash write
-#include "vxmgr/flash/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/update/update_plan.h"
 #include "vxmgr/update/update_region.h"
 #include "vxmgr/update/update_stored.h"
@@ -8,22 +8,12 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kFlag;
-
-constexpr tools::Argument kWriteArguments[] = {
+constexpr Argument kWriteArguments[] = {
     {.name = "REGION", .help = "region by key or code", .required = true},
     {.name = "FILE", .help = "the image", .required = true},
-    {.name = "--pad",
-     .kind = ArgumentKind::Flag,
-     .help = "fill a shorter image up to the region's size with 0xff"},
-    {.name = "--allow-older",
-     .kind = ArgumentKind::Flag,
-     .help = "write an older version than there is"},
-    {.name = "--allow-same",
-     .kind = ArgumentKind::Flag,
-     .help = "write what the region holds already"},
+    FlagOption("--pad", "fill a shorter image up to the region's size with 0xff"),
+    FlagOption("--allow-older", "write an older version than there is"),
+    FlagOption("--allow-same", "write what the region holds already"),
 };
 
 // What came of it, known only at the end.
@@ -34,36 +24,29 @@ struct FlashWriteEnd {
     std::string running;
 };
 
-const tools::Fields<FlashWriteEnd>& FlashWriteEndFields() {
-    using End = FlashWriteEnd;
-    static const tools::Fields<End> kFields = {
-        {"written", "Written", kFlag.OrNull(), &End::written,
-         "null: the adapter does not answer, so that nobody knows"},
-        {"state", "Region holds", tools::Choice(kPlaceStates).OrNull(),
-         [](const End& end) {
-             return end.state ? kPlaceStates[static_cast<size_t>(*end.state)] : nullptr;
-         },
-         "what the region held when it was read back: its old contents, the image, a mixture, or "
-         "not known; null when nothing was to be written"},
-        {"verified", "Verified", kFlag.OrNull(), &End::verified,
-         "null when nothing was written or the region could not be read back"},
-        {"running_after", "Running now", tools::kText.OrNull(), &End::running},
-    };
-    return kFields;
-}
+const Fields<FlashWriteEnd> kFlashWriteEndFields = {
+    {"written", "Written", kFlag.OrNull(), &FlashWriteEnd::written,
+     "null: the adapter does not answer, so that nobody knows"},
+    {"state", "Region holds", Choice(kPlaceStates).OrNull(),
+     [](const FlashWriteEnd& end) {
+         return end.state ? kPlaceStates[static_cast<size_t>(*end.state)] : nullptr;
+     },
+     "what the region held when it was read back: its old contents, the image, a mixture, or "
+     "not known; null when nothing was to be written"},
+    {"verified", "Verified", kFlag.OrNull(), &FlashWriteEnd::verified,
+     "null when nothing was written or the region could not be read back"},
+    {"running_after", "Running now", kText.OrNull(), &FlashWriteEnd::running},
+};
 
 struct FlashWritten {
     const UpdatePlan* plan;
     std::optional<FlashWriteEnd> end;
 };
 
-const tools::Fields<FlashWritten>& FlashWriteFields() {
-    static const tools::Fields<FlashWritten> kFields = {
-        {PlanFields(), &FlashWritten::plan},
-        {FlashWriteEndFields(), &FlashWritten::end},
-    };
-    return kFields;
-}
+const Fields<FlashWritten> kFlashWriteFields = {
+    {kPlanFields, &FlashWritten::plan},
+    {kFlashWriteEndFields, &FlashWritten::end},
+};
 
 // Whether what was written has still to be started.
 bool IsPending(const UpdatePlan& plan, const WriteOutcome& outcome, const std::string& running) {
@@ -88,7 +71,7 @@ FlashWriteEnd EndOf(const WriteOutcome& outcome, const std::string& running) {
     return end;
 }
 
-ExitCode WriteImage(tools::Invocation& invocation, AdapterSession& session, const UpdatePlan& plan,
+ExitCode WriteImage(Invocation& invocation, AdapterSession& session, const UpdatePlan& plan,
                     FlashWritten& result) {
     PlaceWrite write = RegionWrite(session, plan.layout, plan.region, plan.bytes, plan.before);
     const WriteOutcome outcome = WritePlace(invocation, session.Handle(), session.First(), write);
@@ -115,25 +98,23 @@ ExitCode WriteImage(tools::Invocation& invocation, AdapterSession& session, cons
     return outcome.trouble ? outcome.trouble->exit : ExitCode::Done;
 }
 
-ExitCode FlashWrite(tools::Invocation& invocation) {
+ExitCode FlashWrite(Invocation& invocation) {
     const auto& given = invocation.Given();
     AdapterSession session = OpenSelectedAdapter(invocation);
     const UpdatePlan plan = PlanUpdate(
         invocation, session, LookBeforeUpdate(invocation, session),
         {given.Text("FILE"), given.Text("REGION"), given.Has("pad"), {given.Has("allow-older")}});
-    tools::GrowingResult result(invocation.Result(), FlashWriteFields(),
-                                {&plan, FlashWriteEnd{.running = plan.running}});
+    GrowingResult result(invocation.Result(), kFlashWriteFields,
+                         {&plan, FlashWriteEnd{.running = plan.running}});
     if (const ExitCode exit = ReportFindings(invocation, plan); exit != ExitCode::Done) {
         return exit;
     }
     if (plan.same && !given.Has("allow-same")) {
-        invocation.Note("nothing to do: the region holds these bytes already",
-                        "--allow-same writes them all the same");
-        return ExitCode::Done;
+        return invocation.DoneWith("nothing to do: the region holds these bytes already",
+                                   "--allow-same writes them all the same");
     }
     if (invocation.DryRun()) {
-        invocation.Note("dry run: the image would be written");
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: the image would be written");
     }
     result.end.reset();
     invocation.Confirm(QuestionAbout(plan));
@@ -143,18 +124,15 @@ ExitCode FlashWrite(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows FlashWriteCommands() {
-    static const tools::Command kCommands[] = {
-        {
-            .path = "flash write",
-            .risk = tools::Risk::Irrecoverable,
-            .help = "write a region, and prove that it was",
-            .schema = "flash.write",
-            .arguments = kWriteArguments,
-            .run = FlashWrite,
-            .example = "flash write boot boot-362.bin -a serial:EMU7740A0001",
-            .result = tools::ShapeOf<FlashWriteFields>,
-        },
+CommandRows FlashWriteCommands() {
+    static const Command kCommands[] = {
+        {.path = "flash write",
+         .risk = Risk::Irrecoverable,
+         .help = "write a region, and prove that it was",
+         .arguments = kWriteArguments,
+         .run = FlashWrite,
+         .example = "flash write boot boot-362.bin -a serial:EMU7740A0001",
+         .result = ShapeOf<kFlashWriteFields>},
     };
     return kCommands;
 }

@@ -1,7 +1,7 @@
 // fw activate
 #include <functional>
 
-#include "vxmgr/update/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/update/update_activation.h"
 #include "vxmgr/update/update_checks.h"
 #include "vxmgr/update/update_messages.h"
@@ -10,26 +10,18 @@
 namespace vxmgr {
 namespace {
 
-using tools::ArgumentKind;
-using tools::ExitCode;
-using tools::kText;
-
-constexpr tools::Argument kActivateArguments[] = {
-    {.name = "--settings",
-     .kind = ArgumentKind::Flag,
-     .help = "have the settings (NVRAM) taken over alone, and the firmware started with them"},
-    {.name = "--limit",
-     .kind = ArgumentKind::Number,
-     .valueName = "S",
-     .help = "seconds that one port may take; the next ones are left alone then (60; 0: any time)",
-     .most = 3600},
-    {.name = "--allow-same",
-     .kind = ArgumentKind::Flag,
-     .help = "also when the stored versions run already"},
+constexpr Argument kActivateArguments[] = {
+    FlagOption("--settings",
+               "have the settings (NVRAM) taken over alone, and the firmware started with them"),
+    NumberOption(
+        "--limit", "S",
+        "seconds that one port may take; the next ones are left alone then (60; 0: any time)", 0,
+        3600),
+    FlagOption("--allow-same", "also when the stored versions run already"),
 };
 
 // Ends the command when the firmware of these ports cannot be restarted under a running host.
-void CheckRestart(tools::Invocation& invocation, const AdapterSession& session, bool online) {
+void CheckRestart(Invocation& invocation, const AdapterSession& session, bool online) {
     for (size_t i = 0; i < session.ports.size(); ++i) {
         const Port& port = session.ports[i];
         const UpdateOutlook outlook =
@@ -54,7 +46,7 @@ struct StoredFirmware {
     bool pending = false;
 };
 
-StoredFirmware LookAtStored(tools::Invocation& invocation, const AdapterSession& session) {
+StoredFirmware LookAtStored(Invocation& invocation, const AdapterSession& session) {
     const FlashLayout layout = ReadFlashLayout(invocation, session.First(), session.Handle());
     StoredFirmware stored;
     for (const uint32_t code : {uint32_t{HX_REGION_FIRMWARE}, BootRegionOf(layout)}) {
@@ -64,9 +56,7 @@ StoredFirmware LookAtStored(tools::Invocation& invocation, const AdapterSession&
         }
         invocation.CheckStop();
         const StoredCode found = ReadStored(session.Handle(), layout, *region);
-        if (found.status != HXMGT_SUCCESS) {
-            invocation.Fail(found.status, region->Name() + " cannot be read", session.Object());
-        }
+        invocation.Require(found.status, region->Name() + " cannot be read", session.Object());
         const CodeState state = StateOf(found, RunningVersion(session.First(), code));
         if (state == CodeState::Damaged) {
             FailAt(session.Object(), ExitCode::Refused,
@@ -100,26 +90,19 @@ struct Activation {
     void End(bool activated) { end = {activated, RunningFirmware(session->First())}; }
 };
 
-const tools::Fields<ActivationEnd>& ActivationEndFields() {
-    static const tools::Fields<ActivationEnd> kFields = {
-        {"activated", "Activated", tools::kFlag, &ActivationEnd::activated},
-        {"after", "Firmware now", kText.OrNull(), &ActivationEnd::after},
-    };
-    return kFields;
-}
+const Fields<ActivationEnd> kActivationEndFields = {
+    {"activated", "Activated", kFlag, &ActivationEnd::activated},
+    {"after", "Firmware now", kText.OrNull(), &ActivationEnd::after},
+};
 
-const tools::Fields<Activation>& ActivationFields() {
-    static const tools::Fields<Activation> kFields = {
-        {SessionFields(), &Activation::session},
-        {"ports", "Ports", tools::kInteger,
-         [](const Activation& one) { return one.session->ports.size(); },
-         "ports whose firmware was restarted, or would be"},
-        {"before", "Firmware before", kText.OrNull(), &Activation::before},
-        {"stored", "Stored firmware", kText.OrNull(), &Activation::stored, "null with --settings"},
-        {ActivationEndFields(), &Activation::end},
-    };
-    return kFields;
-}
+const Fields<Activation> kActivationFields = {
+    {kSessionFields, &Activation::session},
+    {"ports", "Ports", kInteger, [](const Activation& one) { return one.session->ports.size(); },
+     "ports whose firmware was restarted, or would be"},
+    {"before", "Firmware before", kText.OrNull(), &Activation::before},
+    {"stored", "Stored firmware", kText.OrNull(), &Activation::stored, "null with --settings"},
+    {kActivationEndFields, &Activation::end},
+};
 
 // Has every open port read its settings anew; the first failure ends it.
 HX_STATUS ReloadSettings(const AdapterSession& session) {
@@ -140,7 +123,7 @@ struct RestartWay {
     std::function<HX_STATUS()> start;
 };
 
-ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const RestartWay& way,
+ExitCode ReportStatus(Invocation& invocation, HX_STATUS status, const RestartWay& way,
                       const std::string& object) {
     if (way.version.empty()) {
         return invocation.Report(status, "the settings were not taken over", object);
@@ -163,21 +146,19 @@ ExitCode ReportStatus(tools::Invocation& invocation, HX_STATUS status, const Res
 }
 
 // Asks, restarts under the lock and looks at what runs then; Ctrl-C waits for the end.
-ExitCode RestartPorts(tools::Invocation& invocation, AdapterSession& session, Activation& result,
+ExitCode RestartPorts(Invocation& invocation, AdapterSession& session, Activation& result,
                       const RestartWay& way) {
     if (invocation.DryRun()) {
         result.End(false);
-        invocation.Note("dry run: " + way.outlook);
-        return ExitCode::Done;
+        return invocation.DoneWith("dry run: " + way.outlook);
     }
-    tools::Question question = QuestionAbout(session, way.question);
+    Question question = QuestionAbout(session, way.question);
     question.lines.push_back(
         "The firmware of these ports restarts: their links go down, and I/O through them stops "
         "until they are back.");
     invocation.Confirm(question);
     invocation.CheckStop();
-    const auto [status, runs] =
-        RestartUnderLock(invocation, session, way.version, [&way] { return way.start(); });
+    const auto [status, runs] = RestartUnderLock(invocation, session, way.version, way.start);
     result.End(runs);
     invocation.CheckStop();
     if (status != HXMGT_SUCCESS) {
@@ -192,15 +173,14 @@ ExitCode RestartPorts(tools::Invocation& invocation, AdapterSession& session, Ac
     return runs ? ExitCode::Done : ExitCode::NotProven;
 }
 
-ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session) {
+ExitCode ActivateFirmware(Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, true);
     const StoredFirmware stored = LookAtStored(invocation, session);
     const std::string& version = stored.version;
-    tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session, version});
+    GrowingResult result(invocation.Result(), kActivationFields, {&session, version});
     if (!stored.pending && !invocation.Given().Has("allow-same")) {
         result.End(false);
-        invocation.Note("nothing to do: the stored versions run");
-        return ExitCode::Done;
+        return invocation.DoneWith("nothing to do: the stored versions run");
     }
     const auto limit =
         static_cast<uint32_t>(invocation.Given().Number("limit").value_or(kActivationSeconds));
@@ -211,15 +191,15 @@ ExitCode ActivateFirmware(tools::Invocation& invocation, AdapterSession& session
          [&session, limit] { return NoteAndActivate(session, limit); }});
 }
 
-ExitCode ActivateSettings(tools::Invocation& invocation, AdapterSession& session) {
+ExitCode ActivateSettings(Invocation& invocation, AdapterSession& session) {
     CheckRestart(invocation, session, false);
-    tools::GrowingResult result(invocation.Result(), ActivationFields(), {&session});
+    GrowingResult result(invocation.Result(), kActivationFields, {&session});
     return RestartPorts(invocation, session, result,
                         {"Take over the stored settings.", "the settings would be taken over", "",
                          [&session] { return ReloadSettings(session); }});
 }
 
-ExitCode FirmwareActivate(tools::Invocation& invocation) {
+ExitCode FirmwareActivate(Invocation& invocation) {
     AdapterSession session = OpenSelectedAdapter(invocation);
     return invocation.Given().Has("settings") ? ActivateSettings(invocation, session)
                                               : ActivateFirmware(invocation, session);
@@ -227,18 +207,15 @@ ExitCode FirmwareActivate(tools::Invocation& invocation) {
 
 }  // namespace
 
-tools::CommandRows FwActivateCommands() {
-    static const tools::Command kCommands[] = {
-        {
-            .path = "fw activate",
-            .risk = tools::Risk::InterruptsIo,
-            .help = "start the stored firmware while the host runs",
-            .schema = "fw.activate",
-            .arguments = kActivateArguments,
-            .run = FirmwareActivate,
-            .example = "fw activate -a serial:EMU7740A0001",
-            .result = tools::ShapeOf<ActivationFields>,
-        },
+CommandRows FwActivateCommands() {
+    static const Command kCommands[] = {
+        {.path = "fw activate",
+         .risk = Risk::InterruptsIo,
+         .help = "start the stored firmware while the host runs",
+         .arguments = kActivateArguments,
+         .run = FirmwareActivate,
+         .example = "fw activate -a serial:EMU7740A0001",
+         .result = ShapeOf<kActivationFields>},
     };
     return kCommands;
 }

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "formats/rom_image.h"
-#include "vxmgr/update/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/update/update_folder.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_messages.h"
@@ -40,7 +40,7 @@ struct Verified {
 
 const Fields<Verified>& VerifyFields() {
     static const Fields<Verified> kFields = {
-        {PlanFields(), &Verified::plan},
+        {kPlanFields, &Verified::plan},
         {"verified", "Stored as it is", kFlag, &Verified::IsStored},
         {"differences", "Bytes that differ", kInteger, &Verified::differences},
         {"first_difference", "First of them", kInteger.OrNull(), &Verified::first},

@@ -1,18 +1,14 @@
 // fw show
-#include "common/status_codes.h"
+#include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/app/values.h"
-#include "vxmgr/update/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_record.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
-using tools::kInteger;
-using tools::kText;
 
 // What is known of one region with code.
 struct CodeRow {
@@ -25,45 +21,34 @@ struct CodeRow {
     std::string Serial() const { return adapter->First().Serial(); }
 };
 
-tools::Value CodeStateValue(const CodeRow& row) {
-    using tools::Tone;
+Value CodeStateValue(const CodeRow& row) {
     constexpr Tone kTones[] = {Tone::Plain, Tone::Good, Tone::Warning, Tone::Bad, Tone::Plain};
     const auto state = static_cast<size_t>(row.state);
-    return tools::Value::Text(kCodeStates[state]).In(kTones[state]);
+    return Value::Text(kCodeStates[state]).In(kTones[state]);
 }
 
-const tools::Fields<CodeRow>& CodeFields() {
-    static const tools::Fields<CodeRow> kFields = {
-        {"adapter", "Adapter", "ADAPTER", kInteger,
-         [](const CodeRow& row) { return row.adapter->index; }},
-        {"serial", "Serial", "SERIAL", tools::kSerial.OrNull(), &CodeRow::Serial},
-        {"adapter_serial", "", tools::kSerial.OrNull(), &CodeRow::Serial},
-        {"region", "Region", "REGION", kInteger,
-         [](const CodeRow& row) { return row.code.region.code; }},
-        {"name", "Code", "CODE", kText, [](const CodeRow& row) { return row.code.region.Name(); }},
-        {"running", "Running", "RUNNING", kText.OrNull(), &CodeRow::running,
-         "version that was started from the region; null: none is"},
-        {"stored", "Stored", "STORED", kText.OrNull(),
-         [](const CodeRow& row) { return row.code.image.version; }},
-        {"state", "State", "STATE", tools::Choice(kCodeStates), CodeStateValue},
-        {"problem", "Problem", kText.OrNull(),
-         [](const CodeRow& row) { return row.code.image.problem; }, "why it is damaged"},
-        {"status", "Status", kText.OrNull(),
-         [](const CodeRow& row) { return StatusValue(row.code.status); },
-         "why the region could not be read"},
-        {"interrupted_at", "Interrupted at", kInteger.OrNull(), &CodeRow::interruptedAt,
-         "the byte at which an update of the region was interrupted"},
-    };
-    return kFields;
-}
+const Fields<CodeRow> kCodeFields = {
+    {"adapter", "Adapter", "ADAPTER", kInteger, Of(&CodeRow::adapter, &Adapter::index)},
+    {"serial", "Serial", "SERIAL", kSerial.OrNull(), &CodeRow::Serial},
+    {"adapter_serial", "", kSerial.OrNull(), &CodeRow::Serial},
+    {"region", "Region", "REGION", kInteger,
+     [](const CodeRow& row) { return row.code.region.code; }},
+    {"name", "Code", "CODE", kText, [](const CodeRow& row) { return row.code.region.Name(); }},
+    {"running", "Running", "RUNNING", kText.OrNull(), &CodeRow::running,
+     "version that was started from the region; null: none is"},
+    {"stored", "Stored", "STORED", kText.OrNull(),
+     [](const CodeRow& row) { return row.code.image.version; }},
+    {"state", "State", "STATE", Choice(kCodeStates), CodeStateValue},
+    {"problem", "Problem", kText.OrNull(),
+     [](const CodeRow& row) { return row.code.image.problem; }, "why it is damaged"},
+    {"status", "Status", kText.OrNull(),
+     [](const CodeRow& row) { return StatusValue(row.code.status); },
+     "why the region could not be read"},
+    {"interrupted_at", "Interrupted at", kInteger.OrNull(), &CodeRow::interruptedAt,
+     "the byte at which an update of the region was interrupted"},
+};
 
-using CodeRows = std::vector<CodeRow>;
-
-const tools::Fields<CodeRows>& FwShowFields() {
-    static const auto kFields = tools::ListOf<CodeRows>(
-        "code", "Firmware and boot code", CodeFields(), tools::ListLayout::Table, "No adapters.");
-    return kFields;
-}
+const auto kFwShowFields = ListOf("code", "Firmware and boot code", kCodeFields, "No adapters.");
 
 // Whole regions are read at once.
 constexpr std::chrono::seconds kRegionTime{60};
@@ -80,19 +65,19 @@ HX_STATUS AskStoredCode(PortVisit& visit, std::vector<StoredCode>* stored) {
 }
 
 struct FoundCode {
-    CodeRows rows;
+    std::vector<CodeRow> rows;
     FailureTally failed;  // adapters and regions that cannot be read
     bool damaged = false;
 };
 
 // The running versions alone: the driver gives no access to the flash, or it failed.
-void AddUnreadable(tools::Invocation& invocation, const Adapter& adapter,
+void AddUnreadable(Invocation& invocation, const Adapter& adapter,
                    const PortAnswer<std::vector<StoredCode>>& stored, FoundCode& found) {
     for (const uint32_t region : {uint32_t{HX_REGION_FIRMWARE}, uint32_t{HX_REGION_BOOT_CODE}}) {
         const StoredCode none{{.code = region}, stored.status, {}};
         found.rows.push_back({&adapter, none, RunningVersion(adapter.First(), region)});
     }
-    if (tools::ExitCodeOf(stored.status) == ExitCode::NotSupported) {
+    if (ExitCodeOf(stored.status) == ExitCode::NotSupported) {
         invocation.Note("adapter " + std::to_string(adapter.index) +
                         ": its driver gives no access to the flash, stored versions are not known");
         return;
@@ -100,7 +85,7 @@ void AddUnreadable(tools::Invocation& invocation, const Adapter& adapter,
     found.failed.Add(invocation.Report(stored.status, stored.query, stored.port->Object()));
 }
 
-void AddCode(tools::Invocation& invocation, const Adapter& adapter, const StoredCode& code,
+void AddCode(Invocation& invocation, const Adapter& adapter, const StoredCode& code,
              const std::optional<UpdateRecord>& record, FoundCode& found) {
     static const std::vector<JournalRegion> kNoRegions;
     CodeRow& row = found.rows.emplace_back(
@@ -113,7 +98,7 @@ void AddCode(tools::Invocation& invocation, const Adapter& adapter, const Stored
     const std::string object = adapter.First().Object();
     const std::string name = code.region.Name();
     if (row.state == CodeState::Pending) {
-        invocation.Add({tools::Severity::Info,
+        invocation.Add({Severity::Info,
                         name + " " + code.image.version + " is stored and starts next",
                         "see `fw activate`",
                         object,
@@ -127,7 +112,7 @@ void AddCode(tools::Invocation& invocation, const Adapter& adapter, const Stored
     }
 }
 
-ExitCode FirmwareShow(tools::Invocation& invocation) {
+ExitCode FirmwareShow(Invocation& invocation) {
     std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
@@ -147,23 +132,19 @@ ExitCode FirmwareShow(tools::Invocation& invocation) {
             AddCode(invocation, *selected[i], code, record, found);
         }
     }
-    invocation.Result() = FwShowFields().Make(found.rows);
+    invocation.Result() = kFwShowFields.Make(found.rows);
     return found.damaged ? ExitCode::Failed : found.failed.Of(selected.size());
 }
 
 }  // namespace
 
-tools::CommandRows FwShowCommands() {
-    static const tools::Command kCommands[] = {
-        {
-            .path = "fw show",
-            .risk = tools::Risk::Reads,
-            .help = "which firmware and boot code run, are stored, and start next",
-            .schema = "fw.show",
-            .run = FirmwareShow,
-            .example = "fw show",
-            .result = tools::ShapeOf<FwShowFields>,
-        },
+CommandRows FwShowCommands() {
+    static const Command kCommands[] = {
+        {.path = "fw show",
+         .help = "which firmware and boot code run, are stored, and start next",
+         .run = FirmwareShow,
+         .example = "fw show",
+         .result = ShapeOf<kFwShowFields>},
     };
     return kCommands;
 }

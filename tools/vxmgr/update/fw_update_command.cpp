@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <set>
 
-#include "vxmgr/update/commands.h"
+#include "vxmgr/commands.h"
 #include "vxmgr/update/update_folder.h"
 #include "vxmgr/update/update_lock.h"
 #include "vxmgr/update/update_region.h"

@@ -14,15 +14,13 @@ constexpr std::chrono::milliseconds kBetweenTries{500};
 
 // Reads versions until all ports report the one that is expected. False when the time is over, or
 // the command is to end.
-bool WaitForFirmware(tools::Invocation& invocation, AdapterSession& session,
-                     const std::string& version) {
+bool WaitForFirmware(Invocation& invocation, AdapterSession& session, const std::string& version) {
     for (int i = 0; i < kVersionTries; ++i) {
         session.Refresh();
-        const bool all =
-            std::all_of(session.ports.begin(), session.ports.end(), [&](const Port& port) {
-                const auto order = CompareVersions(RunningFirmware(port), version);
-                return order && *order == 0;
-            });
+        const bool all = std::ranges::all_of(session.ports, [&](const Port& port) {
+            const auto order = CompareVersions(RunningFirmware(port), version);
+            return order && *order == 0;
+        });
         if (all || invocation.Stop().WaitFor(kBetweenTries)) {
             return all;
         }
@@ -43,11 +41,11 @@ HX_STATUS NoteAndActivate(const AdapterSession& session, uint32_t limitSeconds) 
     return HXOnlineActivateFlashUpdate(session.Handle());
 }
 
-Restarted RestartUnderLock(tools::Invocation& invocation, AdapterSession& session,
+Restarted RestartUnderLock(Invocation& invocation, AdapterSession& session,
                            const std::string& version, const std::function<HX_STATUS()>& start) {
     HX_STATUS status = HXMGT_SUCCESS;
     {
-        const tools::StopHold hold(invocation.Stop(), "the restart");
+        const StopHold hold(invocation.Stop(), "the restart");
         const UpdateLock lock(invocation, session.Handle(), session.First());
         invocation.Progress("restarting the firmware of " + std::to_string(session.ports.size()) +
                             " ports");

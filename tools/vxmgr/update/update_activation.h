@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 #include "vxmgr/update/update_adapter.h"
 
@@ -21,7 +20,7 @@ struct Restarted {
 
 // Restarts the firmware of the adapter under its update lock; a stop waits for the end. version:
 // what has to run afterwards; empty: any. The session is read anew.
-Restarted RestartUnderLock(tools::Invocation& invocation, AdapterSession& session,
+Restarted RestartUnderLock(Invocation& invocation, AdapterSession& session,
                            const std::string& version, const std::function<HX_STATUS()>& start);
 
 }  // namespace vxmgr

@@ -1,15 +1,12 @@
 #include "vxmgr/update/update_adapter.h"
 
-#include "common/text.h"
 #include "vxmgr/targets/map_behind.h"
 #include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
 
-using tools::ExitCode;
-
-std::vector<const Adapter*> SelectAtMost(tools::Invocation& invocation,
+std::vector<const Adapter*> SelectAtMost(Invocation& invocation,
                                          const std::vector<Adapter>& adapters, size_t most) {
     const std::vector<const Adapter*> selected = SelectAdapters(invocation, adapters);
     if (selected.empty()) {
@@ -26,7 +23,7 @@ std::vector<const Adapter*> SelectAtMost(tools::Invocation& invocation,
 
 template <size_t size>
 std::string NodeText(const Port& port, char (HX_NODE_PROPERTY::*field)[size]) {
-    return port.node ? tools::FieldText((*port.node).*field, size) : std::string();
+    return port.node ? FieldText((*port.node).*field, size) : std::string();
 }
 
 // The properties; empty when the query fails.
@@ -46,26 +43,23 @@ void AdapterSession::Refresh() {
     }
 }
 
-const tools::Fields<AdapterSession>& SessionFields() {
-    static const tools::Fields<AdapterSession> kFields = {
-        {"serial", "Adapter", tools::kSerial.OrNull(), &AdapterSession::serial},
-        {"adapter_serial", "", tools::kSerial.OrNull(), &AdapterSession::serial},
-    };
-    return kFields;
-}
+const Fields<AdapterSession> kSessionFields = {
+    {"serial", "Adapter", kSerial.OrNull(), &AdapterSession::serial},
+    {"adapter_serial", "", kSerial.OrNull(), &AdapterSession::serial},
+};
 
-AdapterSession OpenSelectedAdapter(tools::Invocation& invocation) {
+AdapterSession OpenSelectedAdapter(Invocation& invocation) {
     const std::vector<Port> ports = ReadPorts(invocation);
     const std::vector<Adapter> adapters = GroupAdapters(ports);
     return OpenAdapter(invocation, *SelectAtMost(invocation, adapters, 1).front());
 }
 
-std::vector<const Adapter*> SelectSomeAdapters(tools::Invocation& invocation,
+std::vector<const Adapter*> SelectSomeAdapters(Invocation& invocation,
                                                const std::vector<Adapter>& adapters) {
     return SelectAtMost(invocation, adapters, invocation.Given().Has("adapter") ? SIZE_MAX : 1);
 }
 
-AdapterSession OpenAdapter(tools::Invocation& invocation, const Adapter& adapter) {
+AdapterSession OpenAdapter(Invocation& invocation, const Adapter& adapter) {
     AdapterSession session;
     HX_STATUS failure = HXMGT_SUCCESS;
     std::string failed;
@@ -110,15 +104,15 @@ std::string ChipTextOf(const AdapterSession& session) {
     return chip ? Hex(chip->deviceId, 4) : std::string();
 }
 
-tools::Question QuestionAbout(const AdapterSession& session, const std::string& action) {
-    tools::Question question;
+Question QuestionAbout(const AdapterSession& session, const std::string& action) {
+    Question question;
     question.serial = session.serial;
     question.lines = {action,
                       "  adapter serial " + session.serial + ", model " + ModelOf(session.First())};
     for (const Port& port : session.ports) {
         std::string line = "  port " + std::to_string(port.index);
         if (port.port) {
-            line += ", " + tools::Wwn::Of(port.port->portName).Colons();
+            line += ", " + Wwn::Of(port.port->portName).Colons();
         }
         question.lines.push_back(line + ", firmware " + RunningFirmware(port));
     }

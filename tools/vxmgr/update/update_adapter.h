@@ -2,10 +2,6 @@
 // with, as these belong to the adapter.
 #pragma once
 
-#include <string>
-#include <vector>
-
-#include "common/fields.h"
 #include "vxmgr/app/inventory.h"
 
 namespace vxmgr {
@@ -24,18 +20,18 @@ struct AdapterSession {
 };
 
 // "serial", with which the result of each of these commands begins.
-const tools::Fields<AdapterSession>& SessionFields();
+extern const Fields<AdapterSession> kSessionFields;
 
 // Ends the command unless exactly one adapter is selected and one of its ports can be opened. A
 // port that cannot be is left out with a warning: the library restarts open ports alone.
-AdapterSession OpenSelectedAdapter(tools::Invocation& invocation);
+AdapterSession OpenSelectedAdapter(Invocation& invocation);
 
 // What -a selects, several too; without it there must be one alone. Ends the command otherwise.
-std::vector<const Adapter*> SelectSomeAdapters(tools::Invocation& invocation,
+std::vector<const Adapter*> SelectSomeAdapters(Invocation& invocation,
                                                const std::vector<Adapter>& adapters);
 
 // The same for one that was selected among others.
-AdapterSession OpenAdapter(tools::Invocation& invocation, const Adapter& adapter);
+AdapterSession OpenAdapter(Invocation& invocation, const Adapter& adapter);
 
 std::string RunningFirmware(const Port& port);  // empty: not known
 std::string RunningBootCode(const Port& port);
@@ -44,6 +40,6 @@ std::string ChipTextOf(const AdapterSession& session);  // "0x7740"; empty: not 
 
 // A question about the adapter: the action, serial number, model, ports, and which volumes are
 // behind them. The session has to live until the question is asked.
-tools::Question QuestionAbout(const AdapterSession& session, const std::string& action);
+Question QuestionAbout(const AdapterSession& session, const std::string& action);
 
 }  // namespace vxmgr

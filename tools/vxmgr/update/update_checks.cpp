@@ -1,12 +1,9 @@
 #include "vxmgr/update/update_checks.h"
 
-#include "common/status_codes.h"
 #include "vxmgr/update/update_messages.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 constexpr size_t kLockdownBytes = 64;
 
@@ -22,7 +19,7 @@ void CheckLockdown(const Port& port, uint32_t handle) {
 }
 
 // The library asks for the update lock only of callers that know the adapter's capabilities.
-bool AskCapabilities(tools::Invocation& invocation, const Port& port, uint32_t handle) {
+bool AskCapabilities(Invocation& invocation, const Port& port, uint32_t handle) {
     uint64_t capabilities = 0;
     const HX_STATUS status = HXGetFlashUpdateCapabilities(handle, 0, &capabilities);
     if (status != HXMGT_SUCCESS && status != HXMGT_NOT_SUPPORTED) {
@@ -31,7 +28,7 @@ bool AskCapabilities(tools::Invocation& invocation, const Port& port, uint32_t h
     return capabilities != 0;
 }
 
-void CheckBanks(tools::Invocation& invocation, const Port& port, uint32_t handle) {
+void CheckBanks(Invocation& invocation, const Port& port, uint32_t handle) {
     bool second = false;
     const HX_STATUS status = AskSecondBank(handle, &second);
     if (status == HXMGT_PORT_DISABLED) {
@@ -39,7 +36,7 @@ void CheckBanks(tools::Invocation& invocation, const Port& port, uint32_t handle
                "the port is disabled: it does not tell which banks are in use, nothing was written",
                "enable the port, then try again", status);
     }
-    if (status != HXMGT_SUCCESS && tools::ExitCodeOf(status) != ExitCode::NotSupported) {
+    if (status != HXMGT_SUCCESS && ExitCodeOf(status) != ExitCode::NotSupported) {
         invocation.Fail(status, "active regions", port.Object());
     }
 }
@@ -69,7 +66,7 @@ HX_STATUS AskSecondBank(uint32_t handle, bool* second) {
     return status;
 }
 
-UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, uint32_t handle) {
+UpdateOutlook LookBeforeUpdate(Invocation& invocation, const Port& port, uint32_t handle) {
     UpdateOutlook outlook;
     if (!port.IsCurrentGeneration()) {
         return outlook;  // older drivers know none of the questions
@@ -93,8 +90,7 @@ UpdateOutlook LookBeforeUpdate(tools::Invocation& invocation, const Port& port, 
     return outlook;
 }
 
-std::vector<UpdateOutlook> LookBeforeUpdate(tools::Invocation& invocation,
-                                            const AdapterSession& session) {
+std::vector<UpdateOutlook> LookBeforeUpdate(Invocation& invocation, const AdapterSession& session) {
     std::vector<UpdateOutlook> outlooks;
     for (size_t i = 0; i < session.ports.size(); ++i) {
         outlooks.push_back(
@@ -103,10 +99,10 @@ std::vector<UpdateOutlook> LookBeforeUpdate(tools::Invocation& invocation,
     return outlooks;
 }
 
-void ConfirmUpdate(tools::Invocation& invocation, const PortSession& session,
-                   const UpdateOutlook& outlook, const std::string& action,
-                   const std::string& consequence, const std::vector<std::string>& lines) {
-    tools::Question question = QuestionAbout(session, action, consequence);
+void ConfirmUpdate(Invocation& invocation, const PortSession& session, const UpdateOutlook& outlook,
+                   const std::string& action, const std::string& consequence,
+                   const std::vector<std::string>& lines) {
+    Question question = QuestionAbout(session, action, consequence);
     for (const auto* const more : {&lines, &outlook.warnings}) {
         question.lines.insert(question.lines.end(), more->begin(), more->end());
     }

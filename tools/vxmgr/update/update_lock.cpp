@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cctype>
-#include <optional>
 
 #include "frame/owned.h"
 #include "vxmgr/flash/flash_lock_view.h"
@@ -14,8 +13,6 @@
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
 
 // Whoever may write to an adapter: the system and administrators.
 constexpr char kSecurity[] = "D:(A;;GA;;;SY)(A;;GA;;;BA)";
@@ -40,7 +37,7 @@ HANDLE MakeMutex(const std::string& name) {
     return CreateMutexA(&attributes, FALSE, name.c_str());
 }
 
-std::shared_ptr<void> TakeGuard(tools::Invocation& invocation, const Port& port) {
+std::shared_ptr<void> TakeGuard(Invocation& invocation, const Port& port) {
     const std::string serial = port.Serial();
     if (serial.empty()) {
         return nullptr;
@@ -65,7 +62,7 @@ std::shared_ptr<void> TakeGuard(tools::Invocation& invocation, const Port& port)
 
 }  // namespace
 
-UpdateGuard::UpdateGuard(tools::Invocation& invocation, const Port& port)
+UpdateGuard::UpdateGuard(Invocation& invocation, const Port& port)
     : mutex_(TakeGuard(invocation, port)) {}
 
 struct UpdateLock::Held {
@@ -86,8 +83,7 @@ struct UpdateLock::Held {
         return found != nullptr ? std::optional(*found) : std::nullopt;
     }
 
-    static std::shared_ptr<Held> Take(tools::Invocation& invocation, uint32_t handle,
-                                      const Port& port) {
+    static std::shared_ptr<Held> Take(Invocation& invocation, uint32_t handle, const Port& port) {
         const std::string object = port.Object();
         auto lock = std::make_shared<Held>();
         lock->handle = handle;
@@ -102,9 +98,7 @@ struct UpdateLock::Held {
                    "there is no update lock for this adapter, nothing was written",
                    "its serial number cannot be read, or 256 adapters have one", status);
         }
-        if (status != HXMGT_SUCCESS) {
-            invocation.Fail(status, "the update lock cannot be taken", object);
-        }
+        invocation.Require(status, "the update lock cannot be taken", object);
         lock->serial = port.Serial();
         if (const auto shared = lock->Shared()) {
             lock->startTick = shared->startTick;
@@ -113,7 +107,7 @@ struct UpdateLock::Held {
     }
 };
 
-UpdateLock::UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port)
+UpdateLock::UpdateLock(Invocation& invocation, uint32_t handle, const Port& port)
     : invocation_(invocation),
       object_(port.Object()),
       guard_(invocation, port),

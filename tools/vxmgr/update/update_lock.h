@@ -3,9 +3,7 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
-#include "common/invocation.h"
 #include "vxmgr/app/port_session.h"
 
 namespace vxmgr {
@@ -15,7 +13,7 @@ namespace vxmgr {
 // that has one may have more of the same adapter.
 class UpdateGuard {
   public:
-    UpdateGuard(tools::Invocation& invocation, const Port& port);
+    UpdateGuard(Invocation& invocation, const Port& port);
 
   private:
     // Empty for an adapter without a serial number: the library has no lock for it either.
@@ -28,8 +26,8 @@ class UpdateGuard {
 // after 15 minutes: hold it for one region at a time. Belongs to the thread that made it.
 class UpdateLock {
   public:
-    UpdateLock(tools::Invocation& invocation, uint32_t handle, const Port& port);
-    UpdateLock(tools::Invocation& invocation, const PortSession& session)
+    UpdateLock(Invocation& invocation, uint32_t handle, const Port& port);
+    UpdateLock(Invocation& invocation, const PortSession& session)
         : UpdateLock(invocation, session.Handle(), session.port) {}
     ~UpdateLock();
     UpdateLock(const UpdateLock&) = delete;
@@ -41,13 +39,13 @@ class UpdateLock {
   private:
     struct Held;  // the library's lock
 
-    tools::Invocation& invocation_;
+    Invocation& invocation_;
     const std::string object_;
     // Held around the library's lock: that one is looked at and taken in two steps, and goes to
     // anybody after 15 minutes.
     const UpdateGuard guard_;
     const std::shared_ptr<Held> lock_;  // shared with the hook, which may outlive the scope
-    const tools::AbandonHooks::Registration hook_;
+    const AbandonHooks::Registration hook_;
 };
 
 }  // namespace vxmgr

@@ -5,16 +5,12 @@
 
 #include "vxmgr/app/files.h"
 #include "vxmgr/app/size_text.h"
+#include "vxmgr/app/values.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_stored.h"
 
 namespace vxmgr {
 namespace {
-
-using tools::ExitCode;
-using tools::kFlag;
-using tools::kInteger;
-using tools::kText;
 
 constexpr uint64_t kMostImageBytes = 64u << 20;
 constexpr uint8_t kErased = 0xFF;
@@ -28,7 +24,7 @@ constexpr PlaceRow kPlaces[] = {
     {ImageKind::Firmware, [](const FlashLayout&) { return uint32_t{HX_REGION_FIRMWARE}; }},
 };
 
-const FlashRegion& RegionForImage(tools::Invocation& invocation, const FlashLayout& layout,
+const FlashRegion& RegionForImage(Invocation& invocation, const FlashLayout& layout,
                                   const ImageInfo& image) {
     for (const PlaceRow& row : kPlaces) {
         if (row.kind != image.kind) {
@@ -58,7 +54,7 @@ ImageTarget TargetOf(const UpdatePlan& plan) {
             plan.stored};
 }
 
-void ReadBefore(tools::Invocation& invocation, UpdatePlan& plan) {
+void ReadBefore(Invocation& invocation, UpdatePlan& plan) {
     using Clock = std::chrono::steady_clock;
     const AdapterSession& session = *plan.session;
     const auto start = Clock::now();
@@ -76,7 +72,7 @@ void ReadBefore(tools::Invocation& invocation, UpdatePlan& plan) {
 
 }  // namespace
 
-std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string& path) {
+std::vector<uint8_t> ReadImage(Invocation& invocation, const std::string& path) {
     const uint64_t size = FileSize(path);
     if (size > kMostImageBytes) {
         invocation.Fail(ExitCode::Refused, path + " is too large for an image: " + SizeText(size));
@@ -88,7 +84,7 @@ std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string&
     return bytes;
 }
 
-UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
+UpdatePlan PlanUpdate(Invocation& invocation, const AdapterSession& session,
                       const std::vector<UpdateOutlook>& outlooks, const UpdateGiven& given) {
     UpdatePlan plan;
     plan.session = &session;
@@ -119,7 +115,7 @@ UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& sessi
     return plan;
 }
 
-ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan) {
+ExitCode ReportFindings(Invocation& invocation, const UpdatePlan& plan) {
     for (const Finding& finding : plan.findings) {
         finding.refuses ? Complain(invocation, {}, finding.text, finding.hint)
                         : invocation.Warn(finding.text, finding.hint);
@@ -127,46 +123,43 @@ ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan) {
     return FirstRefusal(plan.findings) != nullptr ? ExitCode::Refused : ExitCode::Done;
 }
 
-const tools::Fields<UpdatePlan>& PlanFields() {
-    using Plan = UpdatePlan;
-    static const tools::Fields<Plan> kFields = {
-        {SessionFields(), &Plan::session},
-        {"chip", "Chip", kText.OrNull(),
-         [](const Plan& plan) {
-             const auto& chip = plan.session->First().chip;
-             return chip ? ChipsText({chip->deviceId}) : std::string();
-         },
-         "PCI device ID"},
-        {"region", "Region", kInteger, [](const Plan& plan) { return plan.region.code; }},
-        {"region_key", "Region key", kText, [](const Plan& plan) { return plan.region.Key(); }},
-        {"region_name", "Region name", kText, [](const Plan& plan) { return plan.region.Name(); }},
-        {"file", "File", kText, &Plan::file},
-        {"size", "Size", kInteger, [](const Plan& plan) { return SizeValue(plan.bytes.size()); },
-         "bytes, filled up when --pad was given"},
-        {"content", "Content", tools::Choice(kImageKinds),
-         [](const Plan& plan) { return KindValue(plan.image.kind); }},
-        {"image_chips", "Image is for", kText.OrNull(),
-         [](const Plan& plan) { return ChipsText(plan.image.chips); },
-         "PCI device IDs that the image is for, with blanks between them; null: it does not tell"},
-        {"image_version", "Image version", kText.OrNull(),
-         [](const Plan& plan) { return plan.image.version; }},
-        {"stored_version", "Stored version", kText.OrNull(), &Plan::stored,
-         "of what the region holds; null when that is damaged or has none"},
-        {"running_version", "Running version", kText.OrNull(), &Plan::running,
-         "of what was started from the region"},
-        {"same_content", "Stored already", kFlag, &Plan::same,
-         "the region holds these bytes already"},
-        {"may_restart_ports", "May restart ports", kFlag, &Plan::mayRestart,
-         "the firmware of all ports of the adapter may restart with the update"},
-    };
-    return kFields;
-}
+const Fields<UpdatePlan> kPlanFields = {
+    {kSessionFields, &UpdatePlan::session},
+    {"chip", "Chip", kText.OrNull(),
+     [](const UpdatePlan& plan) {
+         const auto& chip = plan.session->First().chip;
+         return chip ? ChipsText({chip->deviceId}) : std::string();
+     },
+     "PCI device ID"},
+    {"region", "Region", kInteger, [](const UpdatePlan& plan) { return plan.region.code; }},
+    {"region_key", "Region key", kText, [](const UpdatePlan& plan) { return plan.region.Key(); }},
+    {"region_name", "Region name", kText,
+     [](const UpdatePlan& plan) { return plan.region.Name(); }},
+    {"file", "File", kText, &UpdatePlan::file},
+    {"size", "Size", kInteger, [](const UpdatePlan& plan) { return SizeValue(plan.bytes.size()); },
+     "bytes, filled up when --pad was given"},
+    {"content", "Content", Choice(kImageKinds),
+     [](const UpdatePlan& plan) { return KindValue(plan.image.kind); }},
+    {"image_chips", "Image is for", kText.OrNull(),
+     [](const UpdatePlan& plan) { return ChipsText(plan.image.chips); },
+     "PCI device IDs that the image is for, with blanks between them; null: it does not tell"},
+    {"image_version", "Image version", kText.OrNull(),
+     [](const UpdatePlan& plan) { return plan.image.version; }},
+    {"stored_version", "Stored version", kText.OrNull(), &UpdatePlan::stored,
+     "of what the region holds; null when that is damaged or has none"},
+    {"running_version", "Running version", kText.OrNull(), &UpdatePlan::running,
+     "of what was started from the region"},
+    {"same_content", "Stored already", kFlag, &UpdatePlan::same,
+     "the region holds these bytes already"},
+    {"may_restart_ports", "May restart ports", kFlag, &UpdatePlan::mayRestart,
+     "the firmware of all ports of the adapter may restart with the update"},
+};
 
-tools::Question QuestionAbout(const UpdatePlan& plan) {
+Question QuestionAbout(const UpdatePlan& plan) {
     const auto shown = [](const std::string& version) {
         return version.empty() ? std::string("without a version") : version;
     };
-    tools::Question question =
+    Question question =
         QuestionAbout(*plan.session, "Write " + plan.file + " (" + KindName(plan.image.kind) +
                                          ", " + shown(plan.image.version) + ") to region " +
                                          std::to_string(plan.region.code) + ", " +

@@ -1,9 +1,6 @@
 // An update that may be made: image, region and adapter looked at together, nothing written.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "vxmgr/flash/flash_image_check.h"
 #include "vxmgr/flash/flash_layout.h"
 #include "vxmgr/update/update_adapter.h"
@@ -37,18 +34,18 @@ struct UpdatePlan {
 };
 
 // An image file of a plausible size.
-std::vector<uint8_t> ReadImage(tools::Invocation& invocation, const std::string& path);
+std::vector<uint8_t> ReadImage(Invocation& invocation, const std::string& path);
 
 // Ends the command when the adapter has no such region. outlooks: of its ports. The session has to
 // live as long as the plan.
-UpdatePlan PlanUpdate(tools::Invocation& invocation, const AdapterSession& session,
+UpdatePlan PlanUpdate(Invocation& invocation, const AdapterSession& session,
                       const std::vector<UpdateOutlook>& outlooks, const UpdateGiven& given);
 
 // Tells the findings; Refused when one of them forbids the update.
-tools::ExitCode ReportFindings(tools::Invocation& invocation, const UpdatePlan& plan);
+ExitCode ReportFindings(Invocation& invocation, const UpdatePlan& plan);
 
-const tools::Fields<UpdatePlan>& PlanFields();
+extern const Fields<UpdatePlan> kPlanFields;
 
-tools::Question QuestionAbout(const UpdatePlan& plan);
+Question QuestionAbout(const UpdatePlan& plan);
 
 }  // namespace vxmgr

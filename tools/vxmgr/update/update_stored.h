@@ -2,9 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_layout.h"
