@@ -11,20 +11,22 @@ namespace {
 
 constexpr uint32_t kKib = 1024;
 constexpr uint32_t kChunk = 64 * kKib;
+constexpr int kBootCopy = 17;  // written along with boot code
 
 struct FlashKind {
     const char* name;
     Updated adapter;
     uint32_t written;  // bytes that an update writes
+    uint32_t used;     // bytes of the flash before what no adapter uses
 };
 const FlashKind kKinds[] = {
-    {"classic", {"scsi:20", "E00001", {255}}, 128 * kKib},
-    {"large ROM", {"scsi:21", "EMU7404F0002", {7, 1}}, 448 * kKib},
-    {"large ROM, second", {"scsi:22", "EMU7502F0003", {7, 1}}, 640 * kKib},
-    {"regions", {"scsi:23", "EMU7601F0004", {7, 1}}, 768 * kKib},
-    {"secure", {"scsi:24", "EMU7700F0005", {7, 1}}, 768 * kKib},
-    {"banked", {"scsi:25", "EMU7740F0006", {7, 1}}, 768 * kKib},
-    {"banked, staged", {"scsi:26", "EMU7740F0007", {7, 1}}, 768 * kKib},
+    {"classic", {"scsi:20", "E00001", {255}}, 128 * kKib, 128 * kKib},
+    {"large ROM", {"scsi:21", "EMU7404F0002", {7, 1}}, 448 * kKib, 512 * kKib},
+    {"large ROM, second", {"scsi:22", "EMU7502F0003", {7, 1}}, 640 * kKib, 768 * kKib},
+    {"regions", {"scsi:23", "EMU7601F0004", {7, 1}}, 768 * kKib, 1024 * kKib},
+    {"secure", {"scsi:24", "EMU7700F0005", {7, 1}}, 768 * kKib, 1280 * kKib},
+    {"banked", {"scsi:25", "EMU7740F0006", {7, 1}}, 768 * kKib, 1280 * kKib},
+    {"banked, staged", {"scsi:26", "EMU7740F0007", {7, 1}}, 768 * kKib, 1280 * kKib},
 };
 
 bool IsLong() {
@@ -116,9 +118,26 @@ class SystemReliability : public UpdateFixture {
     int Update() { return Exit("fw update" + files_ + kind_->adapter.Sure()); }
     int Resume() { return Exit("fw update --resume" + kind_->adapter.Sure()); }
     int Restore() { return Exit("fw restore latest" + kind_->adapter.Sure()); }
+    // All regions; in the short form in one piece, without the large ones that nothing uses.
     Regions Look() {
         fs::remove_all(File("look"));
-        return AllRegions("look", kind_->adapter.Selected());
+        if (IsLong()) {
+            return AllRegions("look", kind_->adapter.Selected());
+        }
+        EXPECT_EQ(0, Exit("flash read" + Quoted("look") + " --offset 0 --length " +
+                          std::to_string(kind_->used) + kind_->adapter.Selected()));
+        return {{"", BytesOf(File("look"))}};
+    }
+    // What it is with the regions of the update as they were before.
+    Regions WithOldCode(Regions now) const {
+        for (auto& [file, bytes] : now) {
+            const int code = std::atoi(file.c_str());
+            const std::vector<int>& codes = kind_->adapter.codes;
+            if (code == kBootCopy || std::find(codes.begin(), codes.end(), code) != codes.end()) {
+                bytes = before_.at(file);
+            }
+        }
+        return now;
     }
 
     void Arm(uint32_t bytes) {
@@ -206,17 +225,9 @@ TEST_F(SystemReliability, PowerCutsAreUndoneAndFinished) {
             if (IsLong() || other) {
                 Count(undone, name, [&] {
                     CutUpdate(cut);
-                    Regions now = Look();
-                    for (const int code : kind.adapter.codes) {
-                        char prefix[8];
-                        std::snprintf(prefix, sizeof prefix, "%03d-", code);
-                        for (auto& [file, bytes] : now) {
-                            if (file.starts_with(prefix) || file.starts_with("017-")) {
-                                bytes = before_[file];
-                            }
-                        }
+                    if (IsLong()) {
+                        EXPECT_TRUE(before_ == WithOldCode(Look())) << "other regions changed";
                     }
-                    EXPECT_TRUE(before_ == now) << "other regions changed";
                     BringBack();
                 });
             }

@@ -388,8 +388,8 @@ TEST_F(SystemUpdate, OneAdapterAfterTheOther) {
 }
 
 TEST_F(SystemUpdate, FailuresOfTheDeviceAreTold) {
-    // Behind the plan's look at both regions the first read-back lies.
-    Fault("scsi:3 --code FlashRead --sub 7 --after 12 --do corrupt");
+    // Behind four looks of four pieces each the read-back lies.
+    Fault("scsi:3 --code FlashRead --sub 7 --after 16 --do corrupt");
     EXPECT_EQ(1, Update(files_)["exit"]);
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
     EXPECT_EQ(0, Restore("latest")["exit"]);

@@ -48,6 +48,9 @@ class RegionsRun {
 
     void Run() {
         std::vector<JournalRegion>& regions = record_.journal.regions;
+        if (which_ == Contents::New && !record_.HasBegun()) {
+            ProveKept();
+        }
         for (size_t first = 0; first < regions.size();) {
             size_t end = first + 1;
             while (end < regions.size() && regions[end].IsCompanion()) {
@@ -60,6 +63,24 @@ class RegionsRun {
 
   private:
     using Group = std::span<JournalRegion>;  // a region, and those that are written along with it
+
+    // Before anything is written all that was kept is compared with what there is: bytes that the
+    // adapter gave wrong once would else come back to it with a restore.
+    void ProveKept() {
+        for (const JournalRegion& region : record_.journal.regions) {
+            invocation_.CheckStop();
+            if (!region.oldHash.empty() && !HoldsOf(region, region.oldHash) && !Holds(region)) {
+                record_.journal.phase = UpdatePhase::Failed;
+                record_.journal.outcome = "what was kept was not what there is";
+                record_.TrySave();
+                FailAt(session_.Object(), ExitCode::Refused,
+                       "region " + std::to_string(region.code) + " (" + RegionName(region.code) +
+                           ") no longer holds what was kept of it: another program changed it, or "
+                           "the adapter reads wrong; nothing was written",
+                       "look at it again with `fw check`");
+            }
+        }
+    }
 
     void Bring(Group group) {
         JournalRegion& leader = group.front();
