@@ -30,7 +30,7 @@ sed '/^| Flash/,$d' docs/reliability.md >build/reliability.md
     cat build/reliability.md
     echo "$rows"
     echo
-    echo "Measured on $(date -u +%Y-%m-%d) on $(nproc) cores, under $(wine --version)."
+    echo "Measured on $(date -u +%Y-%m-%d) on $(nproc) cores, under $(wine --version 2>/dev/null)."
 } >docs/reliability.md
 echo "$rows"
 [ -z "$failed" ]
