@@ -4,7 +4,7 @@
 #include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
-#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/app/document.h"
 #include "vxmgr/update/update_journal.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // bind add, remove, swap, apply.
 #include <algorithm>
 
+#include "vxmgr/app/document.h"
 #include "vxmgr/bindings/bind_edit.h"
-#include "vxmgr/bindings/store_document.h"
 #include "vxmgr/bindings/store_live.h"
 #include "vxmgr/bindings/store_steps.h"
 #include "vxmgr/commands.h"

@@ -1,8 +1,8 @@
 #include "vxmgr/bindings/store_difference.h"
 
+#include "vxmgr/app/document.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
-#include "vxmgr/bindings/store_document.h"
 
 namespace vxmgr {
 namespace {

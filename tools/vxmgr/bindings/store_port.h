@@ -4,10 +4,10 @@
 
 #include <memory>
 
+#include "vxmgr/app/document.h"
 #include "vxmgr/app/port_session.h"
 #include "vxmgr/app/port_walk.h"
 #include "vxmgr/bindings/store_blocks.h"
-#include "vxmgr/bindings/store_document.h"
 #include "vxmgr/targets/target_known.h"
 
 namespace vxmgr {

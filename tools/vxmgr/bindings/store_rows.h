@@ -9,8 +9,8 @@
 #include <set>
 
 #include "common/json_document.h"
+#include "vxmgr/app/document.h"
 #include "vxmgr/bindings/store_blocks.h"
-#include "vxmgr/bindings/store_document.h"
 
 namespace vxmgr {
 

@@ -2,7 +2,7 @@
 // nobody touched gives the very bytes back. Free of platform headers.
 #pragma once
 
-#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/app/document.h"
 #include "vxmgr/settings/nvram_fields.h"
 
 namespace vxmgr {

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <map>
 
-#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/app/document.h"
 
 namespace vxmgr {
 namespace {

@@ -1,4 +1,4 @@
-#include "vxmgr/bindings/store_document.h"
+#include "vxmgr/app/document.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
