@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "require.h"
-#include "vxmgr/app/document.h"
+#include "vxmgr/bindings/store_documents.h"
 #include "vxmgr/update/update_journal.h"
 
 namespace {

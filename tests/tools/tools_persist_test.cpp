@@ -8,11 +8,11 @@
 #include "support/document.h"
 #include "support/has.h"
 #include "support/json_schema.h"
-#include "vxmgr/app/document.h"
 #include "vxmgr/bindings/bind_edit.h"
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_blocks.h"
 #include "vxmgr/bindings/store_difference.h"
+#include "vxmgr/bindings/store_documents.h"
 #include "vxmgr/targets/qos_levels.h"
 #include "vxmgr/targets/target_luns.h"
 

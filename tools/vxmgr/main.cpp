@@ -1,6 +1,6 @@
 // vxmgr: the command-line manager of the adapters, over the management library's public interface.
-#include "vxmgr/app/document.h"
 #include "vxmgr/app/library.h"
+#include "vxmgr/bindings/store_documents.h"
 #include "vxmgr/commands.h"
 #include "vxmgr/settings/nvram_document.h"
 #include "vxmgr/update/update_journal.h"

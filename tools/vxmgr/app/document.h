@@ -1,10 +1,9 @@
-// The documents that stored data is exported to and imported from: JSON, read strictly. Whatever is
-// wrong throws DocumentError with the place in the document.
+// Documents that are written and read again, such as exports of stored data: JSON, read strictly.
+// Whatever is wrong throws DocumentError with the place in the document.
 #pragma once
 
 #include <memory>
 
-#include "hxmgtapi.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {
@@ -56,17 +55,5 @@ class DocumentObject {
 using DocumentKind = std::span<const char* const, 1>;
 Fields<DocumentPort> DocumentHeadFields(DocumentKind kind);
 DocumentPort ReadDocumentHead(const DocumentObject& document, DocumentKind kind);
-
-// A port's bound targets. The document holds every byte of the block: what is zero and has no name
-// of its own is left out. Reading throws DocumentError.
-Shape BindDocumentShape();
-std::string BindDocument(const DocumentPort& port, const HX_TARGET_DATA& block);
-DocumentPort ReadBindDocument(std::string_view text, HX_TARGET_DATA* block);
-
-// A port's LUN masks, with every byte that is stored. Masks are ranges of LUNs; the other bits of
-// the LUN bytes come as runs of equal bytes.
-Shape LunMaskDocumentShape();
-std::string LunMaskDocument(const DocumentPort& port, const HX_LUN_DATA& block);
-DocumentPort ReadLunMaskDocument(std::string_view text, HX_LUN_DATA* block);
 
 }  // namespace vxmgr

@@ -1,4 +1,4 @@
-#include "vxmgr/app/document.h"
+#include "vxmgr/bindings/store_documents.h"
 
 #include "vxmgr/bindings/lunmask_luns.h"
 #include "vxmgr/bindings/store_rows.h"

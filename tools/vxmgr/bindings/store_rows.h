@@ -4,35 +4,17 @@
 // the pen makes one.
 #pragma once
 
-#include <functional>
-#include <limits>
 #include <set>
 
 #include "common/json_document.h"
-#include "vxmgr/app/document.h"
+#include "vxmgr/app/document_fields.h"
 #include "vxmgr/bindings/store_blocks.h"
 
 namespace vxmgr {
 
-template <class Record>
-struct StoredField {
-    FieldRow<Record> written;
-    std::function<void(const DocumentObject& object, Record& record)> read;
-};
-template <class Record>
-using StoredFields = std::vector<StoredField<Record>>;
-
-template <class Record, class Number>
-StoredField<Record> NumberField(const char* key, Number Record::*member, const char* about = "",
-                                uint64_t most = std::numeric_limits<Number>::max()) {
-    return {{key, "", kInteger, member, about}, [=](const DocumentObject& object, Record& record) {
-                record.*member = static_cast<Number>(object.Number(key, most));
-            }};
-}
-
 // Reserved bytes: the key is left out when they are all zero.
 template <class Record, class Member>
-StoredField<Record> BytesField(const char* key, Member Record::*member) {
+DocumentField<Record> BytesField(const char* key, Member Record::*member) {
     static const std::string kAbout = std::to_string(sizeof(Member)) +
                                       " reserved bytes in hexadecimal digits; left out when zero";
     const auto digits = [member](const Record& record) {
@@ -44,22 +26,13 @@ StoredField<Record> BytesField(const char* key, Member Record::*member) {
             }};
 }
 
-template <class Record>
-Fields<Record> WrittenFields(const StoredFields<Record>& fields) {
-    std::vector<FieldRow<Record>> rows;
-    for (const StoredField<Record>& field : fields) {
-        rows.push_back(field.written);
-    }
-    return rows;
-}
-
 template <class Block>
 class StoredDocument {
   public:
     using Row = std::remove_cvref_t<decltype(SlotsOf(std::declval<Block&>()).front())>;
 
     // usable: how many slots a document may fill, once the members of the block are read.
-    StoredDocument(DocumentKind kind, StoredFields<Block> block, StoredFields<Row> row,
+    StoredDocument(DocumentKind kind, DocumentFields<Block> block, DocumentFields<Row> row,
                    size_t (*usable)(const Block& block))
         : kind_(kind),
           blockFields_(std::move(block)),
@@ -103,7 +76,7 @@ class StoredDocument {
         DocumentPort port = ReadDocumentHead(document, kind_);
         document.Close(whole_.ShapeOfAll());
         std::memset(block, 0, sizeof *block);
-        for (const StoredField<Block>& field : blockFields_) {
+        for (const DocumentField<Block>& field : blockFields_) {
             field.read(document, *block);
         }
         std::set<uint64_t> usedSlots;
@@ -123,7 +96,7 @@ class StoredDocument {
             if (!IsFree(row) && !portName.IsZero() && !usedNames.insert(portName.Digits()).second) {
                 object.Fail("target_wwn", portName.Digits() + " stands twice");
             }
-            for (const StoredField<Row>& field : rowFields_) {
+            for (const DocumentField<Row>& field : rowFields_) {
                 field.read(object, row);
             }
         }
@@ -162,8 +135,8 @@ class StoredDocument {
     }
 
     const DocumentKind kind_;
-    const StoredFields<Block> blockFields_;
-    const StoredFields<Row> rowFields_;
+    const DocumentFields<Block> blockFields_;
+    const DocumentFields<Row> rowFields_;
     size_t (*const usable_)(const Block& block);
     const Fields<DocumentPort> head_;
     const Fields<Block> block_;

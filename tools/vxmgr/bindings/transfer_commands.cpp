@@ -1,7 +1,7 @@
 // bind export, import; lunmask export, import: the same for both kinds of stored data.
-#include "vxmgr/app/document.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/bindings/store_difference.h"
+#include "vxmgr/bindings/store_documents.h"
 #include "vxmgr/bindings/store_live.h"
 #include "vxmgr/commands.h"
 #include "vxmgr/targets/target_records.h"

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "common/json_document.h"
-#include "vxmgr/bindings/store_rows.h"
+#include "vxmgr/app/document_fields.h"
 
 namespace vxmgr {
 namespace {
@@ -16,16 +16,16 @@ constexpr uint64_t kMostRate = uint64_t{1} << 48;
 constexpr size_t kHashDigits = 64;
 
 template <class Record>
-StoredField<Record> TextField(const char* key, std::string Record::*member,
-                              const char* about = "") {
+DocumentField<Record> TextField(const char* key, std::string Record::*member,
+                                const char* about = "") {
     return {{key, "", kText, member, about}, [=](const DocumentObject& object, Record& record) {
                 record.*member = object.Text(key);
             }};
 }
 
 template <class Record, class Choice, size_t count>
-StoredField<Record> ChoiceField(const char* key, Choice Record::*member,
-                                const char* const (&names)[count]) {
+DocumentField<Record> ChoiceField(const char* key, Choice Record::*member,
+                                  const char* const (&names)[count]) {
     return {{key, "", tools::Choice(names),
              [member, &names](const Record& record) {
                  return names[static_cast<size_t>(record.*member)];
@@ -40,8 +40,8 @@ StoredField<Record> ChoiceField(const char* key, Choice Record::*member,
             }};
 }
 
-StoredField<JournalRegion> HashField(const char* key, std::string JournalRegion::*member,
-                                     const char* about) {
+DocumentField<JournalRegion> HashField(const char* key, std::string JournalRegion::*member,
+                                       const char* about) {
     return {{key, "", kText, member, about},
             [=](const DocumentObject& object, JournalRegion& region) {
                 region.*member = object.Text(key);
@@ -53,9 +53,9 @@ StoredField<JournalRegion> HashField(const char* key, std::string JournalRegion:
             }};
 }
 
-const StoredFields<JournalRegion>& StoredRegion() {
+const DocumentFields<JournalRegion>& StoredRegion() {
     using Region = JournalRegion;
-    static const StoredFields<Region> kRows = {
+    static const DocumentFields<Region> kRows = {
         NumberField("region", &Region::code, "code of the region", UINT16_MAX),
         NumberField("size", &Region::size, "bytes", kMostRegionBytes),
         TextField("image", &Region::image, "file; empty: written along with another region"),
@@ -69,9 +69,9 @@ const StoredFields<JournalRegion>& StoredRegion() {
     return kRows;
 }
 
-const StoredFields<UpdateJournal>& StoredHead() {
+const DocumentFields<UpdateJournal>& StoredHead() {
     using Journal = UpdateJournal;
-    static const StoredFields<Journal> kRows = {
+    static const DocumentFields<Journal> kRows = {
         ChoiceField("kind", &Journal::kind, kUpdateKinds),
         ChoiceField("phase", &Journal::phase, kUpdatePhases),
         TextField("serial", &Journal::serial),
@@ -109,8 +109,9 @@ const Fields<UpdateJournal>& JournalFields() {
 }
 
 template <class Record>
-void ReadFields(const DocumentObject& object, const StoredFields<Record>& fields, Record& record) {
-    for (const StoredField<Record>& field : fields) {
+void ReadFields(const DocumentObject& object, const DocumentFields<Record>& fields,
+                Record& record) {
+    for (const DocumentField<Record>& field : fields) {
         field.read(object, record);
     }
 }
