@@ -8,8 +8,8 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# A private Wine prefix inside the build folder, without a display. Its name may have a suffix: a
-# second machine (tests/on_machine.sh).
+# A private Wine prefix inside the build folder, without a display. Its name may have a suffix:
+# another machine (tests/on_machine.sh), which begins as a copy of the first.
 wine_start() {
     export WINEPREFIX=$root/build/wine${1:-}
     export WINEDEBUG=-all
@@ -18,7 +18,11 @@ wine_start() {
     unset DISPLAY
     mkdir -p "$WINEPREFIX"
     wineserver=$(command -v wineserver || ls /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver 2>/dev/null | head -n 1)
-    if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    if [ -e "$WINEPREFIX/system.reg" ]; then
+        :
+    elif [ -e "$root/build/wine/system.reg" ]; then
+        cp -a "$root/build/wine/." "$WINEPREFIX"
+    else
         echo "Making a Wine prefix (once, about ten seconds)"
         wine wineboot --init >/dev/null 2>&1
         "$wineserver" -w

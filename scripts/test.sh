@@ -38,6 +38,11 @@ cmake --preset native >/dev/null
 cmake --build --preset native -- --quiet
 ctest --preset native --output-on-failure
 
-wine_start -2
+machines=3
 wine_start
-ctest --test-dir build/mingw --output-on-failure --parallel 2 "$@"
+for ((i = 2; i <= machines; ++i)); do wine_start -$i; done
+export WINEPREFIX=$root/build/wine
+printf -v ids '{"id":"%d"},' $(seq "$machines")
+echo '{"version":{"major":1,"minor":0},"local":[{"machines":['"${ids%,}"']}]}' >build/machines.json
+ctest --test-dir build/mingw --output-on-failure --resource-spec-file "$PWD/build/machines.json" \
+    --parallel "$machines" "$@"

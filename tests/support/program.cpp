@@ -113,10 +113,13 @@ std::string ScratchPath(const std::string& suffix) {
 }
 
 std::string TextOfFile(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
+    // In one piece: a stream's own buffer makes a call of every 512 bytes, which Wine takes long
+    // for.
+    std::ifstream stream(path, std::ios::binary | std::ios::ate);
+    std::string text(stream ? static_cast<size_t>(stream.tellg()) : 0, '\0');
+    stream.seekg(0);
+    stream.read(text.data(), std::ssize(text));
+    return text;
 }
 
 Program::Program(const std::string& name, const std::string& arguments)

@@ -23,8 +23,8 @@ class FlashFixture : public FreshDriver {
     static inline const std::string kYes = " --yes --confirm EMU7740A0001";
 
     static Data BytesOf(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        const std::string text = support::TextOfFile(path.string());
+        return {text.begin(), text.end()};
     }
 
     // An image of a version for a region of the port's adapter, as the emulator makes it.

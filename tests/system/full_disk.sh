@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # A disk that takes no more: before an update writes anything, then while it writes. A limit on the
-# size of files stands for the disk. Usage: full_disk.sh BIN; VXMGMT_RELIABILITY=1 for the long form,
-# which adds its rows to the file VXMGMT_RELIABILITY_ROWS.
+# size of files stands for the disk. Then a folder for journals that is somebody else's, or takes
+# nothing. Usage: full_disk.sh BIN; VXMGMT_RELIABILITY=1 for the long form, which adds its rows to
+# the file VXMGMT_RELIABILITY_ROWS.
 set -euo pipefail
 bin=$1
 log=$(mktemp -d)
@@ -106,4 +107,51 @@ for write in ${long:+0 1 2} 3 ${long:+4 5 6 7 8 9} 10 ${long:+11}; do
     bring_back
 done
 row "disk full in the middle"
+
+# Folders that an update must not trust, or cannot use: refused before the first byte, in words.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+# refused EXIT TEXT
+refused() {
+    cases=$((cases + 1))
+    local exit=0
+    manager "${update[@]}" || exit=$?
+    [ "$exit" -eq "$1" ] || fail "$2: exit $exit instead of $1"
+    grep -q "$2" "$log/manager.txt" || fail "$2: is not said"
+    holds old
+}
+updates=${WINEPREFIX:-$HOME/.wine}/drive_c/ProgramData/vxmgr/updates
+owner=$(stat -c %u:%g "$updates")
+mine=$updates/$serial
+
+as_root chown 1:1 "$mine"
+refused 8 "belongs to neither the administrators nor you"
+as_root chown -R "$owner" "$mine"
+
+# An update that was cut off: what it left is not believed once it is somebody else's.
+emulator flash power-fail scsi:3 --after-bytes 100000
+manager "${update[@]}" && fail "done without power"
+emulator reset scsi:3
+journal=$(find "$mine" -name journal.json | sort | tail -n 1)
+for changed in "$journal" "$(dirname "$journal")/region-7.old" "$(dirname "$journal")"; do
+    cases=$((cases + 1))
+    as_root chown 1:1 "$changed"
+    manager fw restore latest && fail "written from $(basename "$changed") of somebody else"
+    grep -q "belongs to neither the administrators nor you" "$log/manager.txt" ||
+        fail "that $(basename "$changed") is of somebody else is not said"
+    as_root chown "$owner" "$changed"
+done
+bring_back
+
+rm -rf "$mine"
+touch "$mine"
+refused 3 "cannot be made"
+rm "$mine"
+# A folder that takes nothing: by its mode, or for root, whom modes do not stop, by its mount.
+mkdir "$mine"
+if [ "$(id -u)" -eq 0 ]; then mount -t tmpfs -o ro none "$mine"; else chmod a-w "$mine"; fi
+refused 5 "cannot be made"
+if [ "$(id -u)" -eq 0 ]; then umount "$mine"; else chmod u+w "$mine"; fi
+row "folder of somebody else, or read-only"
 [ "$failed" -eq 0 ]

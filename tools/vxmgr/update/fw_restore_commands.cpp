@@ -159,6 +159,15 @@ ExitCode FirmwareBackup(Invocation& invocation) {
         if (status != HXMGT_SUCCESS) {
             invocation.Fail(status, "region " + place.Name() + " cannot be read", session.Object());
         }
+        std::vector<uint8_t> again;
+        if (ReadRegion(session.Handle(), layout, place, &again) != HXMGT_SUCCESS ||
+            again != bytes) {
+            FailAt(session.Object(), ExitCode::Failed,
+                   "region " + place.Name() +
+                       " reads differently each time: another program writes to it, or the adapter "
+                       "reads wrong; there is no backup",
+                   "try again; `flash lock show` tells who writes");
+        }
         JournalRegion& region = record.journal.regions.emplace_back();
         region.code = place.code;
         region.size = place.size;
@@ -180,6 +189,7 @@ ExitCode FirmwareBackup(Invocation& invocation) {
 UpdateRecord RecordOf(Invocation& invocation, const AdapterSession& session,
                       const std::string& from) {
     if (from == kLatest) {
+        RequireBelievable(invocation, session.serial);
         std::vector<UpdateRecord> records = UpdatesOf(invocation, session.serial);
         // An update that wrote nothing has nothing to bring back.
         std::erase_if(records, [](const UpdateRecord& record) {

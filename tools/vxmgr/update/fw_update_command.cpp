@@ -17,7 +17,7 @@ constexpr Argument kUpdateArguments[] = {
      .repeated = true},
     FlagOption("--resume", "finish the update that was interrupted"),
     FlagOption("--allow-older", "write an older version than there is"),
-    FlagOption("--allow-same", "write a version that is stored already"),
+    FlagOption("--allow-same", "write a version that is stored already, where its bytes differ"),
     FlagOption("--allow-boot-from-san", "also when the host boots through the adapter"),
     FlagOption("--no-activate", "leave what is written to be started later"),
     TextOption("--backup", "DIR", "where the old contents are kept (this machine's program data)"),
@@ -47,7 +47,8 @@ class AdapterUpdate : UpdateTask {
         if (plans_.empty()) {
             result_.outcome = AdapterOutcome::Nothing;
             invocation_.Note("nothing to do: adapter " + session_.serial + " holds these versions",
-                             "`fw show` tells whether they run; --allow-same writes them again");
+                             "`fw show` tells whether they run; --allow-same writes what differs "
+                             "in spite of its version");
             return ExitCode::Done;
         }
         CheckBoot();
@@ -64,8 +65,10 @@ class AdapterUpdate : UpdateTask {
     }
 
     ExitCode Resume() {
+        RequireBelievable(invocation_, session_.serial);
         auto record = InterruptedUpdate(invocation_, session_.serial);
         if (!record) {
+            const UpdateGuard idle(invocation_, session_.First());  // or ends here, busy
             result_.outcome = AdapterOutcome::Nothing;
             invocation_.Note("nothing to do: no update of adapter " + session_.serial +
                              " was interrupted");
@@ -83,6 +86,11 @@ class AdapterUpdate : UpdateTask {
         }
         Confirm("Finish it: " + DescribeInterruption(*record) + ".", {});
         const UpdateGuard guard(invocation_, session_.First());
+        record = InterruptedUpdate(invocation_, session_.serial);
+        if (!record) {
+            Refuse("another program has taken the update up in the meantime",
+                   "`fw history` tells how it ended");
+        }
         return Execute(*record, Contents::New);
     }
 
@@ -141,7 +149,7 @@ class AdapterUpdate : UpdateTask {
 
     bool IsThere(const UpdatePlan& plan) const {
         const auto order = CompareVersions(plan.image.version, plan.stored);
-        return !given_.Has("allow-same") && (plan.same || (order && *order == 0));
+        return plan.same || (!given_.Has("allow-same") && order && *order == 0);
     }
 
     ExitCode ReportAll() {

@@ -209,15 +209,22 @@ const JournalRegion* UpdateRecord::StoppedAt() const {
 
 namespace {
 
-// What a folder holds, when it can be believed to be of the adapter; warns else.
+// What a folder holds, when it can be believed to be of the adapter; else why not.
+std::optional<UpdateRecord> LoadOf(const std::string& folder, const std::string& serial,
+                                   std::string* why) {
+    auto record = UpdateRecord::Load(folder, why);
+    if (record && record->journal.serial != serial) {
+        *why = "it is one of adapter " + record->journal.serial;
+        record.reset();
+    }
+    return record;
+}
+
+// The same; warns.
 std::optional<UpdateRecord> LoadOf(Invocation& invocation, const std::string& folder,
                                    const std::string& serial) {
     std::string why;
-    auto record = UpdateRecord::Load(folder, &why);
-    if (record && record->journal.serial != serial) {
-        why = "it is one of adapter " + record->journal.serial;
-        record.reset();
-    }
+    auto record = LoadOf(folder, serial, &why);
     if (!record) {
         invocation.Warn("the update in " + folder + " is passed over: " + why);
     }
@@ -245,6 +252,18 @@ std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std:
         }
     }
     return std::nullopt;
+}
+
+void RequireBelievable(Invocation& invocation, const std::string& serial) {
+    const std::vector<std::string> folders = UpdateFolders(serial);
+    std::string why;
+    if (!folders.empty() && !LoadOf(folders.back(), serial, &why)) {
+        invocation.Fail(ExitCode::Refused,
+                        "what the last update in " + folders.back() +
+                            " left cannot be believed: " + why + "; nothing was written",
+                        "`fw show` tells what the adapter holds, `fw restore DIR` takes what an "
+                        "older update or `fw backup` kept");
+    }
 }
 
 void WarnOfInterruption(Invocation& invocation, const std::string& serial) {

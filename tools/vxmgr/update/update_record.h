@@ -67,6 +67,10 @@ std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& s
 // The newest one, when it was interrupted.
 std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial);
 
+// Ends the command when the newest one cannot be believed: what it left is not known then, and an
+// older one does not tell.
+void RequireBelievable(Invocation& invocation, const std::string& serial);
+
 // Warns of it, unless the command deals with updates itself.
 void WarnOfInterruption(Invocation& invocation, const std::string& serial);
 
