@@ -7,6 +7,10 @@ endif()
 if(VXMGMT_LLD AND CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     add_link_options("SHELL:-wrapper ${CMAKE_CURRENT_LIST_DIR}/link-with-lld.sh")
 endif()
+# What a smashed stack ends in; the driver brings its own.
+if(MINGW)
+    add_link_options(-fstack-protector-strong)
+endif()
 # Wine maps what lies on pages of a file and copies everything else, debug information too, at every
 # start of a program.
 if(CMAKE_CROSSCOMPILING)

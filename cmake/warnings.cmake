@@ -25,6 +25,9 @@ function(vxmgmt_strict target level)
                                                  -Wall -Wextra -Wpedantic -Wshadow -Werror
                                $<$<CXX_COMPILER_ID:Clang>:-Wno-missing-braces>)
     endif()
+    if(MINGW AND NOT level STREQUAL TEST)
+        target_compile_options(${target} PRIVATE -fstack-protector-strong)
+    endif()
     if(WIN32)
         target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX
                                                      _WIN32_WINNT=0x0601)

@@ -100,7 +100,10 @@ NTSTATUS Start(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
 }  // namespace
 }  // namespace driver
 
-extern "C" NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
+// Not checked itself: it changes the word that the checks compare with.
+extern "C" __attribute__((no_stack_protector)) NTSTATUS NTAPI
+DriverEntry(DRIVER_OBJECT* object, UNICODE_STRING* registryPath) {
+    driver::SeedStackGuard();
     object->MajorFunction[IRP_MJ_CREATE] = driver::OpenOrClose;
     object->MajorFunction[IRP_MJ_CLOSE] = driver::OpenOrClose;
     object->MajorFunction[IRP_MJ_DEVICE_CONTROL] = driver::DeviceControl;

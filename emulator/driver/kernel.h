@@ -21,6 +21,9 @@ namespace driver {
 
 inline constexpr ULONG kPoolTag = 0x656D7876;  // "vxme"
 
+// Before anything else: the word of the stack checks becomes one that nobody knows.
+void SeedStackGuard();
+
 // Zeroed memory that is never paged out, or null.
 void* Allocate(size_t bytes);
 void Release(void* block);

@@ -44,7 +44,7 @@ int main() {
     const std::vector<tools::Command> commands = tools::Joined(vxemu::kFiles);
     const tools::Tool tool{
         .name = "vxemu",
-        .version = "1.0.0",
+        .version = tools::kToolVersion,
         .summary = "Control of the emulated Fibre Channel adapters.",
         .commands = commands,
         .groups = vxemu::kGroups,

@@ -11,6 +11,9 @@ namespace {
 
 constexpr size_t kLongestDeviceName = 255;
 constexpr char kDevicePrefix[] = "\\\\.\\";
+static_assert(HX_VERSION_PACKED == VXMGMT_BUILD_VERSION,
+              "the header and the build name one version");
+
 constexpr size_t kWsprintfRoom = 1025;  // wsprintfA writes at most 1024 characters
 
 }  // namespace

@@ -16,6 +16,8 @@ struct FieldShape;
 using Shape = std::vector<FieldShape>;
 class Invocation;
 
+inline constexpr char kToolVersion[] = VXMGMT_TOOL_VERSION;
+
 // How much a command can break, and what it asks before it starts.
 enum class Risk : uint8_t {
     Reads = 0,          // changes nothing

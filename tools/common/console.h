@@ -9,6 +9,10 @@
 
 namespace tools::console {
 
+// Libraries that are loaded from now on come from the system's folder or the program's, and from
+// nowhere else unless their whole path is given.
+void TrustOwnFoldersAlone();
+
 std::vector<std::string> CommandLineWords();  // with the program's name first
 
 bool IsConsole(std::FILE* stream);

@@ -177,6 +177,11 @@ std::string SystemErrorText(uint32_t code) {
     return length == 0 ? WindowsText(code) : ToUtf8(buffer, static_cast<int>(length));
 }
 
+void TrustOwnFoldersAlone() {
+    SetDllDirectoryW(L"");  // not the current folder
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+}
+
 void OnInterrupt(void (*notify)(bool closing)) {
     interruptNotify = notify;
     SetConsoleCtrlHandler(HandleControl, TRUE);

@@ -298,6 +298,7 @@ class Run {
 }  // namespace
 
 int RunTool(const Tool& own) {
+    console::TrustOwnFoldersAlone();
     std::vector<Command> commands(own.commands.begin(), own.commands.end());
     commands.insert(commands.end(), BuiltinCommands().begin(), BuiltinCommands().end());
     Tool tool = own;

@@ -139,7 +139,7 @@ int main() {
     const std::vector<tools::Command> commands = tools::Joined(vxmgr::kFiles);
     const tools::Tool tool{
         .name = "vxmgr",
-        .version = vxmgr::kToolVersion,
+        .version = tools::kToolVersion,
         .summary = "Manages Fibre Channel host bus adapters.",
         .commands = commands,
         .groups = vxmgr::kGroups,

@@ -9,7 +9,6 @@
 
 namespace vxmgr {
 
-inline constexpr char kToolVersion[] = "1.0.0";
 std::string LibraryVersion();                // "1.28.0.197"
 std::string StatusMessage(uint32_t status);  // the library's text for any status
 

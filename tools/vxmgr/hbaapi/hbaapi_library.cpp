@@ -75,7 +75,9 @@ VendorLibrary::~VendorLibrary() {
 }
 
 bool VendorLibrary::Load(const std::string& file, std::string* error) {
-    module_ = LoadLibraryW(console::ToWide(file).c_str());
+    // What it needs itself may lie beside it.
+    module_ = LoadLibraryExW(console::ToWide(file).c_str(), nullptr,
+                             LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     if (module_ == nullptr) {
         *error = file + ": " + console::SystemErrorText(GetLastError());
         return false;
