@@ -50,7 +50,7 @@ void InspectFlash(Bytes bytes) {
 
 void DecodeTransceiver(Bytes bytes) {
     const auto identity = vxmgr::Padded<vxmgr::SfpIdentity>(bytes);
-    vxmgr::SfpIdentityFields().Make(identity);
+    vxmgr::kSfpIdentityFields.Make(identity);
 }
 
 }  // namespace
