@@ -11,6 +11,15 @@ endif()
 if(MINGW)
     add_link_options(-fstack-protector-strong)
 endif()
+# The same sources give the same bytes: no file tells when or, for packages, where it was made.
+option(VXMGMT_ANYWHERE "Leave the folders of sources and build out of what is built" OFF)
+if(MINGW)
+    add_link_options(-Wl,--no-insert-timestamp)
+endif()
+if(VXMGMT_ANYWHERE)
+    add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build
+                        -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+endif()
 # Wine maps what lies on pages of a file and copies everything else, debug information too, at every
 # start of a program.
 if(CMAKE_CROSSCOMPILING)

@@ -10,9 +10,16 @@ packages=(
     procps                                     # pkill, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
-if [ "${1:-}" = --fuzz ]; then
-    packages+=(clang libclang-rt-dev)
-fi
+case ${1:-} in
+--fuzz) packages+=(clang libclang-rt-dev) ;;
+--package)
+    packages+=(
+        git python3 zip unzip              # what is staged, and archives
+        wixl msitools osslsigncode openssl # the installer, signatures
+        cmark-gfm                          # manuals as pages
+    )
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
