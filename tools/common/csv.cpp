@@ -34,6 +34,7 @@ std::string CsvValues(const std::vector<FlatField>& fields, Redactor& redactor) 
         std::string operator()(const std::vector<std::string>& texts) const {
             return TextsJoined(texts, ",");
         }
+        std::string operator()(const JsonText& json) const { return json.text; }
     };
     std::vector<std::string> cells;
     for (const FlatField& flat : fields) {

@@ -17,6 +17,11 @@ enum class Tone : uint8_t { Plain, Good, Warning, Bad };
 // What --redact masks.
 enum class Secret : uint8_t { None, Wwn, Serial };
 
+// A whole document that stands in another one: nothing in it is masked once more.
+struct JsonText {
+    std::string text;
+};
+
 class Value {
   public:
     Value() = default;  // null: not supported, or not known
@@ -28,13 +33,14 @@ class Value {
     static Value Texts(std::vector<std::string> texts);
     static Value Name(const tools::Wwn& wwn);
     static Value Serial(std::string serial);
+    static Value Document(std::string json);
 
     // What people read instead of the plain form.
     Value&& Shown(std::string text) &&;
     Value&& In(Tone tone) &&;
 
-    using Data =
-        std::variant<std::monostate, bool, uint64_t, std::string, std::vector<std::string>>;
+    using Data = std::variant<std::monostate, bool, uint64_t, std::string, std::vector<std::string>,
+                              JsonText>;
     const Data& Content() const { return data_; }
     bool IsNull() const { return std::holds_alternative<std::monostate>(data_); }
     bool IsNumber() const { return std::holds_alternative<uint64_t>(data_); }
