@@ -34,6 +34,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/store_blocks.cpp
     tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/bindings/store_document.cpp
+    tools/vxmgr/support/batch_lines.cpp
     tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
