@@ -8,10 +8,10 @@
 #include "common/console.h"
 #include "frame/owned.h"
 #include "vxmgr/app/library.h"
+#include "vxmgr/app/sha256.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/bindings/store_document.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/update/sha256.h"
 #include "vxmgr/update/update_folder.h"
 #include "vxmgr/update/update_messages.h"
 
