@@ -1,6 +1,7 @@
 // A command that runs inside another one. It shares what belongs to the whole process: the requests
 // to stop, what has to be put back, and the pseudonyms of --redact, so that a name has one mask
-// throughout. The outer command's --redact, --trace, --timeout, --quiet, --verbose, --no-color and
+// throughout. Several may run at a time, for documents. The outer command's --redact, --trace,
+// --timeout, --quiet, --verbose, --no-color and
 // --wide hold for it as well; it asks nobody a question.
 #pragma once
 

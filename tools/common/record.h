@@ -15,7 +15,7 @@ namespace tools {
 enum class Tone : uint8_t { Plain, Good, Warning, Bad };
 
 // What --redact masks.
-enum class Secret : uint8_t { None, Wwn, Serial };
+enum class Secret : uint8_t { None, Wwn, Serial, Nqn, Host };
 
 // A whole document that stands in another one: nothing in it is masked once more.
 struct JsonText {

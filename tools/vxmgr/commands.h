@@ -61,5 +61,7 @@ CommandRows NvmeCommands();
 CommandRows HbaapiCommands();
 
 CommandRows BatchCommands();
+CommandRows CollectCommands();
+CommandRows ReportCommands();
 
 }  // namespace vxmgr

@@ -35,6 +35,18 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/bindings/store_document.cpp
     tools/vxmgr/support/batch_lines.cpp
+    tools/vxmgr/support/html.cpp
+    tools/vxmgr/support/report_charts.cpp
+    tools/vxmgr/support/report_code.cpp
+    tools/vxmgr/support/report_documents.cpp
+    tools/vxmgr/support/report_events.cpp
+    tools/vxmgr/support/report_health.cpp
+    tools/vxmgr/support/report_page.cpp
+    tools/vxmgr/support/report_parts.cpp
+    tools/vxmgr/support/report_ports.cpp
+    tools/vxmgr/support/report_tree.cpp
+    tools/vxmgr/support/trace_text.cpp
+    tools/vxmgr/support/zip.cpp
     tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
