@@ -6,7 +6,7 @@ packages=(
     cmake ninja-build g++ lld
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
-    libz-mingw-w64-dev zlib1g-dev unzip        # bundles for support, and their test
+    libz-mingw-w64-dev zlib1g-dev unzip python3  # bundles for support, and their test
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
     clang-format cppcheck                      # scripts/check.sh
@@ -15,7 +15,7 @@ if [ "${1:-}" = --fuzz ]; then
     packages+=(clang libclang-rt-dev)
 fi
 if [ "${1:-}" = --browser ]; then
-    packages+=(chromium python3)
+    packages+=(chromium)
 fi
 
 missing=()

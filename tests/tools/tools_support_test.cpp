@@ -2,7 +2,6 @@
 // names do nothing in, and names that are masked everywhere.
 #include <gtest/gtest.h>
 
-#include "common/csv.h"
 #include "common/redaction.h"
 #include "support/has.h"
 #include "vxmgr/support/batch_lines.h"
@@ -144,26 +143,6 @@ TEST(SupportReport, NamesDoNothingInAPage) {
     none.Add("health", R"({"result":{"checks":17,"state":[]}})");
     none.Add("samples", R"({"result":{"readings":[{"time":"now","tx_frames":1},3,null]}})");
     EXPECT_TRUE(Has(ReportPage({}, none), "</html>"));
-}
-
-TEST(SupportCsv, NoCellIsAFormula) {
-    const struct {
-        const char* given;
-        const char* cell;
-    } kRows[] = {
-        {"=cmd|' /C calc'!A0", "'=cmd|' /C calc'!A0"},
-        {"@SUM(A1)", "'@SUM(A1)"},
-        {"+1+1", "'+1+1"},
-        {"-2.5", "-2.5"},
-        {"+3", "+3"},
-        {"-", "'-"},
-        {"-1.2.3", "'-1.2.3"},
-        {"=a,b", "\"'=a,b\""},
-        {"\t=x", "'\t=x"},
-    };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(row.cell, tools::CsvCell(row.given));
-    }
 }
 
 TEST(SupportRedaction, NamesHaveOneMaskEach) {

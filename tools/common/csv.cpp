@@ -9,14 +9,6 @@
 namespace tools {
 namespace {
 
-// "-12.5": its sign makes it no formula.
-bool IsPlainNumber(std::string_view text) {
-    text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
-    return !text.empty() && text.front() != '.' &&
-           text.find_first_not_of("0123456789.") == std::string_view::npos &&
-           std::ranges::count(text, '.') <= 1;
-}
-
 std::string CsvText(const std::vector<std::string>& cells) {
     std::string line;
     for (size_t i = 0; i < cells.size(); ++i) {
@@ -93,13 +85,7 @@ std::string CsvLine(const Record& row, Redactor& redactor) {
     return CsvValues(Flatten(row), redactor);
 }
 
-std::string CsvCell(const std::string& given) {
-    // A spreadsheet would take these for the beginning of a formula, and names come from the
-    // fabric.
-    constexpr std::string_view kFormula = "=+-@\t\r";
-    const bool formula = !given.empty() && kFormula.find(given.front()) != std::string_view::npos &&
-                         !IsPlainNumber(given);
-    const std::string text = formula ? "'" + given : given;
+std::string CsvCell(const std::string& text) {
     const bool blankAtEdge = !text.empty() && (text.front() == ' ' || text.back() == ' ');
     if (!blankAtEdge && text.find_first_of("\",\r\n") == std::string::npos) {
         return text;
