@@ -29,6 +29,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/fabric/scsi_units.cpp
     tools/vxmgr/sfp/sfp_diagnostics.cpp
     tools/vxmgr/sfp/sfp_identity.cpp
+    tools/vxmgr/ports/event_kinds.cpp
     tools/vxmgr/ports/stats_counters.cpp
     tools/vxmgr/ports/stats_fields.cpp
     tools/vxmgr/bindings/store_blocks.cpp
