@@ -61,5 +61,6 @@ CommandRows NvmeCommands();
 CommandRows HbaapiCommands();
 
 CommandRows TreeCommands();
+CommandRows TopCommands();
 
 }  // namespace vxmgr

@@ -39,4 +39,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
     tools/vxmgr/update/update_journal.cpp
+    tools/vxmgr/views/port_trend.cpp
+    tools/vxmgr/views/top_screen.cpp
+    tools/vxmgr/views/top_view.cpp
 )
