@@ -8,6 +8,7 @@ packages=(
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
+    tmux                                       # a terminal, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
 if [ "${1:-}" = --fuzz ]; then

@@ -25,6 +25,7 @@ const char* FailedFetch(HX_STATUS status) {
 
 void AllDeliveries::Add(const std::shared_ptr<Delivery>& delivery) {
     const std::lock_guard guard(lock_);
+    std::erase_if(deliveries_, [](const auto& one) { return one.expired(); });
     deliveries_.push_back(delivery);
 }
 

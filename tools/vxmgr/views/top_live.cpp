@@ -56,8 +56,7 @@ bool FetchEvents(TopBoard& board, size_t place, const Port& port, Delivery& deli
         status = delivery.Read(events, &count);
         failed = FailedFetch(status);
         for (uint32_t i = 0; i < count && i < kEventsPerRead; ++i) {
-            board.Tell(port, EventName(events[i]) + ", " + EventMeaning(events[i]),
-                       ToneOf(events[i]));
+            board.Tell(port, EventMeaning(events[i]), ToneOf(events[i]));
         }
         if (count >= kFullRead) {
             board.Tell(port, kEventsLost, Tone::Warning);

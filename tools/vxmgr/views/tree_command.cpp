@@ -44,6 +44,9 @@ AskPort<TreeTargets> TargetsBehind(const std::optional<HX_SCSI_ADDRESS>& wanted,
         visit.query = "known targets";
         std::vector<KnownTarget> known;
         const HX_STATUS status = ReadKnownTargets(visit.port, visit.Handle(), &known);
+        if (status != HXMGT_SUCCESS) {
+            return status;
+        }
         visit.query = "logical units of targets";
         HX_STATUS trouble = HXMGT_SUCCESS;
         for (const KnownTarget* target : WantedOf(known, wanted)) {
@@ -56,7 +59,7 @@ AskPort<TreeTargets> TargetsBehind(const std::optional<HX_SCSI_ADDRESS>& wanted,
         // Of an adapter that was pulled meanwhile, all targets seem to be away.
         const bool gone =
             trouble != HXMGT_SUCCESS && CauseOf(trouble, visit.port.Object()) == kWentAway;
-        return gone ? HX_STATUS{kWentAway} : status;
+        return gone ? HX_STATUS{kWentAway} : HX_STATUS{HXMGT_SUCCESS};
     };
 }
 
