@@ -9,6 +9,7 @@ packages=(
     libz-mingw-w64-dev zlib1g-dev unzip python3  # bundles for support, and their test
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
+    tmux                                       # a terminal, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
 if [ "${1:-}" = --fuzz ]; then

@@ -21,6 +21,13 @@ size_t WidthOf(const CommandLine& line, const Output& output, bool color) {
     return width > 1 && !color ? width - 1 : width;
 }
 
+// A console that shows colours has the characters that lines are drawn with, whatever its code
+// page. What reads a file or a pipe may not: it gets nothing but what names are made of beside
+// ASCII.
+bool DrawsLines(const Output& output) {
+    return output.IsStdout() && console::IsConsole(stdout) && console::EnableColor(stdout);
+}
+
 bool WantsColor(const CommandLine& line, std::FILE* stream) {
     return !line.options.Has("no-color") && !console::HasEnvironment("NO_COLOR") &&
            console::IsConsole(stream) && console::EnableColor(stream);
@@ -60,7 +67,8 @@ Invocation::Invocation(const Tool& tool, const CommandLine& line, Output& output
       redactor_(names),
       color_(output.IsStdout() && WantsColor(line, stdout)),
       colorErrors_(WantsColor(line, stderr)),
-      width_(WidthOf(line, output, color_)) {}
+      width_(WidthOf(line, output, color_)),
+      lines_(DrawsLines(output)) {}
 
 Invocation::Invocation(Invocation& outer, const CommandLine& line)
     : tool_(outer.tool_),
@@ -263,6 +271,12 @@ void Invocation::Print(const std::string& text) {
     if (!output_.Write(text)) {
         CheckStop();
         Fail(ExitCode::Failed, "the result cannot be written: its reader is gone or the disk full");
+    }
+}
+
+void Invocation::RepeatHeading() {
+    if (!IsJson(line_.mode) && line_.mode != OutputMode::Csv) {
+        output_.Write("\n" + StreamHeader(result_.MainList()->prototype.front(), Style()));
     }
 }
 

@@ -43,6 +43,8 @@ class Invocation {
     const CommandLine& GivenLine() const { return line_; }
     const Options& Given() const { return line_.options; }
     OutputMode Mode() const { return line_.mode; }
+    // Whether the result goes to stdout as text, so that a console may be drawn on instead.
+    bool HasScreen() const { return Mode() == OutputMode::Text && output_.IsStdout(); }
     bool DryRun() const { return Given().Has("dry-run"); }
     bool Quiet() const { return Given().Has("quiet"); }
     bool Verbose() const { return Given().Has("verbose"); }
@@ -96,6 +98,8 @@ class Invocation {
     // Lists whose rows appear while the command runs. All rows have the prototype's fields.
     void BeginStream(std::string key, std::string label, Record prototype, std::string emptyText);
     void Stream(Record row);
+    // The heading once more, behind an empty line; in the modes for people alone.
+    void RepeatHeading();
 
     // Between steps: throws Stopped when the user or the time limit ends the command.
     void CheckStop();
@@ -111,7 +115,7 @@ class Invocation {
     std::vector<Pending> PendingActions();
     bool HasChanged();
     size_t RowsSent();
-    RenderStyle Style() { return {color_, &redactor_, width_}; }
+    RenderStyle Style() { return {color_, &redactor_, width_, lines_}; }
 
   private:
     Answers GivenAnswers() const;
@@ -129,6 +133,7 @@ class Invocation {
     bool color_ = false;
     bool colorErrors_ = false;
     size_t width_ = 0;
+    bool lines_ = false;
     Record result_;
     std::set<std::string> done_;
 

@@ -60,8 +60,9 @@ class Record;
 enum class FieldKind : uint8_t { Value, Group, List, Raw };
 
 // How a list appears in text mode. Inner: as a table of the first lists inside its elements, each
-// row behind what its element has; an element whose list is empty has a row of its own.
-enum class ListLayout : uint8_t { Table, Sections, Inner };
+// row behind what its element has; an element whose list is empty has a row of its own. Tree: as
+// tree.h says.
+enum class ListLayout : uint8_t { Table, Sections, Inner, Tree };
 
 struct Field {
     FieldKind kind = FieldKind::Value;

@@ -60,6 +60,8 @@ CommandRows NvmeCommands();
 
 CommandRows HbaapiCommands();
 
+CommandRows TreeCommands();
+CommandRows TopCommands();
 CommandRows BatchCommands();
 CommandRows CollectCommands();
 CommandRows ReportCommands();

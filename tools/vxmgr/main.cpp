@@ -132,6 +132,8 @@ constexpr CommandRows (*kFiles[])() = {
     DumpCommands,
     DriverCommands,
     HbaapiCommands,
+    TreeCommands,
+    TopCommands,
     ReportCommands,
     CollectCommands,
     BatchCommands,

@@ -29,6 +29,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/fabric/scsi_units.cpp
     tools/vxmgr/sfp/sfp_diagnostics.cpp
     tools/vxmgr/sfp/sfp_identity.cpp
+    tools/vxmgr/ports/event_kinds.cpp
     tools/vxmgr/ports/stats_counters.cpp
     tools/vxmgr/ports/stats_fields.cpp
     tools/vxmgr/bindings/store_blocks.cpp
@@ -51,4 +52,7 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/targets/target_luns.cpp
     tools/vxmgr/settings/vpd_pci.cpp
     tools/vxmgr/update/update_journal.cpp
+    tools/vxmgr/views/port_trend.cpp
+    tools/vxmgr/views/top_screen.cpp
+    tools/vxmgr/views/top_view.cpp
 )
