@@ -166,7 +166,9 @@ class Run {
 
   private:
     bool OpenOutput() {
-        const uint32_t error = output_.Open(line_.out);
+        const bool whole = line_.command != nullptr && line_.command->wholeFile;
+        const uint32_t error =
+            output_.Open(line_.out, whole ? Output::Appears::AtOnce : Output::Appears::AsItComes);
         if (error == 0) {
             return true;
         }
