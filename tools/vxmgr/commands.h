@@ -60,4 +60,6 @@ CommandRows NvmeCommands();
 
 CommandRows HbaapiCommands();
 
+CommandRows HealthCommands();
+
 }  // namespace vxmgr

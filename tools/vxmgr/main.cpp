@@ -130,6 +130,7 @@ constexpr CommandRows (*kFiles[])() = {
     DumpCommands,
     DriverCommands,
     HbaapiCommands,
+    HealthCommands,
 };
 
 }  // namespace
