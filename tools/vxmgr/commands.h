@@ -61,5 +61,6 @@ CommandRows NvmeCommands();
 CommandRows HbaapiCommands();
 
 CommandRows HealthCommands();
+CommandRows MetricsCommands();
 
 }  // namespace vxmgr

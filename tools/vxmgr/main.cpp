@@ -131,6 +131,7 @@ constexpr CommandRows (*kFiles[])() = {
     DriverCommands,
     HbaapiCommands,
     HealthCommands,
+    MetricsCommands,
 };
 
 }  // namespace

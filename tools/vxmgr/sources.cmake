@@ -17,6 +17,10 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/health/health_link_checks.cpp
     tools/vxmgr/health/health_stored_checks.cpp
     tools/vxmgr/health/health_transceiver_checks.cpp
+    tools/vxmgr/health/metrics_counters.cpp
+    tools/vxmgr/health/metrics_states.cpp
+    tools/vxmgr/health/metrics_table.cpp
+    tools/vxmgr/health/metrics_text.cpp
     tools/vxmgr/hbaapi/hbaapi_reader.cpp
     tools/vxmgr/hbaapi/hbaapi_records.cpp
     tools/vxmgr/hbaapi/hbaapi_texts.cpp
