@@ -10,9 +10,11 @@ packages=(
     procps                                     # pkill, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
-if [ "${1:-}" = --fuzz ]; then
-    packages+=(clang libclang-rt-dev)
-fi
+case "${1:-}" in
+    --fuzz) packages+=(clang libclang-rt-dev) ;;
+    # scripts/monitoring_test.sh
+    --monitoring) packages+=(prometheus prometheus-node-exporter python3-prometheus-client curl) ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
