@@ -70,8 +70,8 @@ run vxemu.exe fault clear >/dev/null </dev/null
 run vxmgr.exe metrics --format openmetrics </dev/null >"$work/openmetrics.txt"
 promtool check metrics <"$prom"
 [ "$(tail -n 1 "$prom")" = "# EOF" ] || fail "the file does not end with # EOF"
-# A parser that takes the standard at its word.
-python3 - "$work/openmetrics.txt" <<'PYTHON'
+# A parser that takes the standard at its word; it belongs to the Python of the system.
+/usr/bin/python3 - "$work/openmetrics.txt" <<'PYTHON'
 import sys
 from prometheus_client.openmetrics.parser import text_string_to_metric_families as parse
 families = list(parse(open(sys.argv[1]).read()))

@@ -185,10 +185,11 @@ TEST_F(SystemHealth, FindsWhatIsWrongWithTheFlash) {
          "flash corrupt 3 20 0x8"},
         {"firmware", "flash corrupt 3 1 0x1000", {"0:code:critical"}, "flash corrupt 3 1 0x1000"},
         {"boot code", "flash corrupt 6 7 0x100", {"2:code:critical"}, "flash corrupt 6 7 0x100"},
+        // A host that starts through the adapter keeps what is written from being started.
         {"not active",
-         "vxmgr fw update --no-activate \"" + image + "\"" + kBanked + kYes,
+         "bfs 3 on;vxmgr flash write 1 \"" + image + "\"" + kBanked + kYes,
          {"0:pending:warning"},
-         "flash reset 3"},
+         "bfs 3 off;flash reset 3"},
     });
     // The power fails in the middle of an update.
     Do("flash power-fail 3 --after-bytes 70000");

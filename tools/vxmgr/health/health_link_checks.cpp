@@ -9,7 +9,7 @@ bool JudgeLink(const HealthReading& reading, HealthFinding* finding) {
     if (!reading.answers) {
         finding->status = reading.failure;
         finding->value = "no answer";
-        SetState(finding, HealthState::Critical, "the driver does not answer for the port");
+        SetState(finding, HealthState::Critical, reading.silence);
         return true;
     }
     if (!reading.link) {

@@ -88,9 +88,10 @@ std::vector<PortHealth> ReadHealth(Invocation& invocation, std::vector<Port>& po
         Port& port = *one.port;
         // One that cannot be opened any more answers as little as one that never did.
         if (one.status != HXMGT_SUCCESS) {
+            port.failedQuery =
+                port.answers ? port.Name() + " cannot be opened any more" : one.query;
             port.answers = false;
             port.failure = one.status;
-            port.failedQuery = one.query;
             one.answer = {};
         }
         AddInventory(port, &one.answer);

@@ -93,6 +93,7 @@ struct AdapterReading {
 struct HealthReading {
     bool answers = true;
     HX_STATUS failure = HXMGT_SUCCESS;  // of a port that does not answer
+    std::string silence;                // the same in words
     std::array<HX_STATUS, kHealthQuestions> statuses = NothingAsked();
 
     std::optional<LinkReading> link;

@@ -201,6 +201,9 @@ void AddInventory(const Port& port, HealthReading* reading) {
     reading->answers = port.answers;
     reading->failure = port.answers ? HX_STATUS{HXMGT_SUCCESS} : port.failure;
     reading->StatusOf(HealthQuestion::Properties) = port.failure;
+    if (!port.answers) {
+        reading->silence = port.failedQuery;
+    }
     if (!port.answers || !port.port) {
         return;
     }
