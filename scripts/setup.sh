@@ -12,12 +12,12 @@ packages=(
     tmux                                       # a terminal, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
-if [ "${1:-}" = --fuzz ]; then
-    packages+=(clang libclang-rt-dev)
-fi
-if [ "${1:-}" = --browser ]; then
-    packages+=(chromium)
-fi
+case "${1:-}" in
+    --fuzz) packages+=(clang libclang-rt-dev) ;;
+    # scripts/monitoring_test.sh
+    --monitoring) packages+=(prometheus prometheus-node-exporter python3-prometheus-client curl) ;;
+    --browser) packages+=(chromium) ;;  # scripts/report_test.sh
+esac
 
 missing=()
 for package in "${packages[@]}"; do

@@ -77,7 +77,9 @@ class Run {
   private:
     // An output that cannot be opened becomes the line's error.
     void OpenOutput() {
-        const uint32_t error = output_.Open(line_.out);
+        const bool whole = line_.command != nullptr && line_.command->wholeFile;
+        const uint32_t error =
+            output_.Open(line_.out, whole ? Output::Appears::AtOnce : Output::Appears::AsItComes);
         outputOpen_ = error == 0;
         if (outputOpen_) {
             return;

@@ -60,6 +60,8 @@ CommandRows NvmeCommands();
 
 CommandRows HbaapiCommands();
 
+CommandRows HealthCommands();
+CommandRows MetricsCommands();
 CommandRows TreeCommands();
 CommandRows TopCommands();
 CommandRows BatchCommands();

@@ -132,6 +132,8 @@ constexpr CommandRows (*kFiles[])() = {
     DumpCommands,
     DriverCommands,
     HbaapiCommands,
+    HealthCommands,
+    MetricsCommands,
     TreeCommands,
     TopCommands,
     ReportCommands,

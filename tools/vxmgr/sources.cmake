@@ -12,6 +12,15 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/flash/flash_image_check.cpp
     tools/vxmgr/flash/flash_regions.cpp
     tools/vxmgr/flash/flash_rom.cpp
+    tools/vxmgr/health/health_checks.cpp
+    tools/vxmgr/health/health_fabric_checks.cpp
+    tools/vxmgr/health/health_link_checks.cpp
+    tools/vxmgr/health/health_stored_checks.cpp
+    tools/vxmgr/health/health_transceiver_checks.cpp
+    tools/vxmgr/health/metrics_counters.cpp
+    tools/vxmgr/health/metrics_states.cpp
+    tools/vxmgr/health/metrics_table.cpp
+    tools/vxmgr/health/metrics_text.cpp
     tools/vxmgr/hbaapi/hbaapi_reader.cpp
     tools/vxmgr/hbaapi/hbaapi_records.cpp
     tools/vxmgr/hbaapi/hbaapi_texts.cpp
