@@ -6,20 +6,25 @@ packages=(
     cmake ninja-build g++ lld
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
+    libz-mingw-w64-dev zlib1g-dev unzip python3  # bundles for support, and their test
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
+    tmux                                       # a terminal, for a system test
     clang-format cppcheck                      # scripts/check.sh
 )
 case ${1:-} in
 --fuzz) packages+=(clang libclang-rt-dev) ;;
 --package)
     packages+=(
-        git python3 zip unzip              # what is staged, and archives
+        git zip                            # what is staged, and archives
         llvm lld                           # the import library of other compilers
         wixl msitools osslsigncode openssl # the installer, signatures
         cmark-gfm                          # manuals as pages
     )
     ;;
+# scripts/monitoring_test.sh
+--monitoring) packages+=(prometheus prometheus-node-exporter python3-prometheus-client curl) ;;
+--browser) packages+=(chromium) ;; # scripts/report_test.sh
 esac
 
 missing=()

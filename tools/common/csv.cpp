@@ -5,6 +5,7 @@
 #include "flatten.h"
 #include "redaction.h"
 #include "text.h"
+#include "tree.h"
 
 namespace tools {
 namespace {
@@ -25,6 +26,18 @@ std::string CsvNames(const std::vector<FlatField>& columns) {
     return CsvText(names);
 }
 
+// Spreadsheets take a text that begins so for a formula, and names come from anybody.
+std::string NoFormula(const std::string& text) {
+    constexpr std::string_view kBegins = "=+-@\t\r";
+    if (text.empty() || kBegins.find(text.front()) == std::string_view::npos) {
+        return text;
+    }
+    const bool isSigned = text.front() == '+' || text.front() == '-';
+    const bool isNumber = isSigned && text.size() > 1 &&
+                          text.find_first_not_of("0123456789.", 1) == std::string::npos;
+    return isNumber ? text : "'" + text;
+}
+
 std::string CsvValues(const std::vector<FlatField>& fields, Redactor& redactor) {
     struct Plain {
         std::string operator()(std::monostate) const { return {}; }
@@ -34,13 +47,15 @@ std::string CsvValues(const std::vector<FlatField>& fields, Redactor& redactor) 
         std::string operator()(const std::vector<std::string>& texts) const {
             return TextsJoined(texts, ",");
         }
+        std::string operator()(const JsonText& json) const { return json.text; }
     };
     std::vector<std::string> cells;
     for (const FlatField& flat : fields) {
         const Value& value = flat.field->value;
         const std::string plain = std::visit(Plain(), value.Content());
-        cells.push_back(value.SecretOf() == Secret::None ? redactor.Clean(plain)
-                                                         : redactor.Mask(value.SecretOf(), plain));
+        const bool isSecret = value.SecretOf() != Secret::None;
+        cells.push_back(
+            NoFormula(isSecret ? redactor.Mask(value.SecretOf(), plain) : redactor.Clean(plain)));
     }
     return CsvText(cells);
 }
@@ -52,10 +67,11 @@ std::string RenderCsv(const Record& result, Redactor& redactor) {
     if (lists.empty()) {
         return CsvHeader(result) + CsvLine(result, redactor);
     }
-    const Field& list = *lists.front();
-    if (list.streamed) {
+    if (lists.front()->streamed) {
         return {};
     }
+    const bool isTree = lists.front()->layout == ListLayout::Tree;
+    const Field list = isTree ? LeavesOf(*lists.front()) : *lists.front();
     std::vector<FlatField> columns = Flatten(list.prototype.front());
     std::vector<FlatField> beside;
     for (const FlatField& flat : FlattenBesideLists(result)) {

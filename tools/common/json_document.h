@@ -34,6 +34,9 @@ Shape EnvelopeShape();
 // A record by itself, with nothing masked.
 std::string RecordDocument(const Record& record);
 
+// One document on one line.
+std::string EnvelopeLine(const Envelope& envelope, Redactor& redactor);
+
 // One document, indented, with a line end.
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor);
 

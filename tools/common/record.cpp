@@ -56,6 +56,12 @@ Value Value::Serial(std::string serial) {
     return value;
 }
 
+Value Value::Document(std::string json) {
+    Value value;
+    value.data_ = JsonText{std::move(json)};
+    return value;
+}
+
 Value&& Value::Shown(std::string text) && {
     shown_ = std::move(text);
     return std::move(*this);

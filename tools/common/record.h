@@ -15,7 +15,12 @@ namespace tools {
 enum class Tone : uint8_t { Plain, Good, Warning, Bad };
 
 // What --redact masks.
-enum class Secret : uint8_t { None, Wwn, Serial };
+enum class Secret : uint8_t { None, Wwn, Serial, Nqn, Host };
+
+// A whole document that stands in another one: nothing in it is masked once more.
+struct JsonText {
+    std::string text;
+};
 
 class Value {
   public:
@@ -28,13 +33,14 @@ class Value {
     static Value Texts(std::vector<std::string> texts);
     static Value Name(const tools::Wwn& wwn);
     static Value Serial(std::string serial);
+    static Value Document(std::string json);
 
     // What people read instead of the plain form.
     Value&& Shown(std::string text) &&;
     Value&& In(Tone tone) &&;
 
-    using Data =
-        std::variant<std::monostate, bool, uint64_t, std::string, std::vector<std::string>>;
+    using Data = std::variant<std::monostate, bool, uint64_t, std::string, std::vector<std::string>,
+                              JsonText>;
     const Data& Content() const { return data_; }
     bool IsNull() const { return std::holds_alternative<std::monostate>(data_); }
     bool IsNumber() const { return std::holds_alternative<uint64_t>(data_); }
@@ -54,8 +60,9 @@ class Record;
 enum class FieldKind : uint8_t { Value, Group, List, Raw };
 
 // How a list appears in text mode. Inner: as a table of the first lists inside its elements, each
-// row behind what its element has; an element whose list is empty has a row of its own.
-enum class ListLayout : uint8_t { Table, Sections, Inner };
+// row behind what its element has; an element whose list is empty has a row of its own. Tree: as
+// tree.h says.
+enum class ListLayout : uint8_t { Table, Sections, Inner, Tree };
 
 struct Field {
     FieldKind kind = FieldKind::Value;

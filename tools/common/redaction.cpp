@@ -1,5 +1,7 @@
 #include "redaction.h"
 
+#include <algorithm>
+
 #include "text.h"
 
 namespace tools {
@@ -7,6 +9,22 @@ namespace {
 
 constexpr size_t kShortestSecret = 4;  // anything shorter would tear words apart
 constexpr std::string_view kSerialPrefix = "serial:";
+constexpr std::string_view kNqnPrefix = "nqn.";
+// What ends such a name in running text.
+constexpr std::string_view kEnds = " \t\r\n\"',;()<>";
+
+const char* NameOf(Secret secret) {
+    switch (secret) {
+        case Secret::Wwn:
+            return "wwn-";
+        case Secret::Nqn:
+            return "nqn-";
+        case Secret::Host:
+            return "host-";
+        default:
+            return "serial-";
+    }
+}
 
 }  // namespace
 
@@ -20,11 +38,11 @@ std::string Redactor::Mask(Secret secret, const std::string& text) {
 
 std::string Redactor::Pseudonym(Secret secret, const std::string& text) {
     const auto wwn = Wwn::Parse(text);
-    const bool isWwn = secret == Secret::Wwn || wwn.has_value();
+    const Secret kind = wwn ? Secret::Wwn : secret;
     const std::string key = wwn ? wwn->Digits() : Lowercase(text);
     std::string& name = pseudonyms_[key];
     if (name.empty()) {
-        name = isWwn ? "wwn-" + std::to_string(++wwns_) : "serial-" + std::to_string(++serials_);
+        name = NameOf(kind) + std::to_string(++numbers_[kind]);
     }
     return name;
 }
@@ -44,6 +62,13 @@ std::string Redactor::Clean(std::string text) {
         if (const size_t length = Wwn::LengthAt(text, position); length != 0) {
             result += Pseudonym(Secret::Wwn, text.substr(position, length));
             position += length;
+            continue;
+        }
+        if (EqualIgnoringCase(std::string_view(text).substr(position, kNqnPrefix.size()),
+                              kNqnPrefix)) {
+            const size_t end = std::min(text.find_first_of(kEnds, position), text.size());
+            result += Pseudonym(Secret::Nqn, text.substr(position, end - position));
+            position = end;
             continue;
         }
         if (EqualIgnoringCase(std::string_view(text).substr(position, kSerialPrefix.size()),

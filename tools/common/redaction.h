@@ -1,5 +1,6 @@
-// --redact: world wide names and serial numbers become pseudonyms. The same name gets the same
-// pseudonym throughout a document, so that a reader still sees what belongs together.
+// --redact: world wide names, serial numbers, NVMe qualified names, and the host's name where it
+// was told, become pseudonyms. The same name gets the same pseudonym throughout a document, so that
+// a reader still sees what belongs together.
 #pragma once
 
 #include <map>
@@ -20,7 +21,8 @@ class Redactor {
     // The pseudonym of a secret ("wwn-1"), or the text itself when redaction is off.
     std::string Mask(Secret secret, const std::string& text);
 
-    // Running text: names in any notation, "serial:..." and every secret met so far are replaced.
+    // Running text: names in any notation, "serial:...", "nqn...." and every secret met so far are
+    // replaced.
     std::string Clean(std::string text);
 
   private:
@@ -29,8 +31,7 @@ class Redactor {
     const bool enabled_;
     std::mutex lock_;
     std::map<std::string, std::string, std::less<>> pseudonyms_;
-    int wwns_ = 0;
-    int serials_ = 0;
+    std::map<Secret, int> numbers_;
 };
 
 }  // namespace tools

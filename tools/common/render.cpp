@@ -6,6 +6,7 @@
 #include "redaction.h"
 #include "table.h"
 #include "text.h"
+#include "tree.h"
 
 namespace tools {
 namespace {
@@ -19,12 +20,8 @@ const char* ColorOf(Tone tone) {
     return kColors[static_cast<int>(tone)];
 }
 
-std::string Painted(const std::string& text, const char* color, bool enabled) {
+std::string Colored(const std::string& text, const char* color, bool enabled) {
     return enabled && *color != '\0' ? color + text + kReset : text;
-}
-
-std::string Heading(const std::string& text, const RenderStyle& style) {
-    return Painted(text, kBold, style.color);
 }
 
 struct Column {
@@ -85,7 +82,7 @@ std::string TableLine(const std::vector<TableCell>& cells, const TableLayout& la
         const std::string padded = cell.right ? PadLeft(text, width)
                                    : last     ? text
                                               : PadRight(text, width);
-        line += Painted(padded, ColorOf(cell.tone), style.color);
+        line += Painted(padded, cell.tone, style);
         line += last ? "\n" : std::string(layout.gap, ' ');
     }
     return line;
@@ -208,6 +205,9 @@ std::string ListText(const Field& field, const RenderStyle& style) {
     if (field.layout == ListLayout::Inner) {
         return InnerTable(field, style);
     }
+    if (field.layout == ListLayout::Tree) {
+        return TreeText(field, style);
+    }
     std::string text;
     for (const Record& record : field.records) {
         if (!text.empty()) {
@@ -231,10 +231,10 @@ std::string Sections(const Record& record, size_t indent, size_t width, const Re
                 if (field.label.empty()) {
                     break;
                 }
-                text += margin + PadRight(field.label, width - indent) + "  " +
-                        Painted(ShownText(field.value, *style.redactor),
-                                ColorOf(field.value.ToneOf()), style.color) +
-                        "\n";
+                text +=
+                    margin + PadRight(field.label, width - indent) + "  " +
+                    Painted(ShownText(field.value, *style.redactor), field.value.ToneOf(), style) +
+                    "\n";
                 break;
             case FieldKind::Group:
                 text += (text.empty() && indent == 0 ? "" : "\n") + margin +
@@ -279,6 +279,10 @@ std::string FieldsAsTable(const Record& record, bool besideLists, const RenderSt
 std::string ListAsTables(const Field& list, const RenderStyle& style) {
     if (list.layout == ListLayout::Inner && !list.records.empty()) {
         return InnerTable(list, style);
+    }
+    if (list.layout == ListLayout::Tree) {
+        const Field leaves = LeavesOf(list);
+        return Rows(ColumnsOf(leaves.prototype.front()), leaves.records, style);
     }
     const Record& prototype = list.prototype.front();
     const std::vector<Column> columns = ColumnsOf(prototype);
@@ -333,6 +337,14 @@ std::string ShownText(const Value& value, Redactor& redactor) {
     }
     return value.SecretOf() == Secret::None ? redactor.Clean(value.Shown())
                                             : redactor.Mask(value.SecretOf(), value.Shown());
+}
+
+std::string Painted(const std::string& text, Tone tone, const RenderStyle& style) {
+    return Colored(text, ColorOf(tone), style.color);
+}
+
+std::string Heading(const std::string& text, const RenderStyle& style) {
+    return Colored(text, kBold, style.color);
 }
 
 std::string RenderText(const Record& result, const RenderStyle& style) {

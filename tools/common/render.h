@@ -14,10 +14,15 @@ struct RenderStyle {
     bool color = false;
     Redactor* redactor = nullptr;  // never null when rendering
     size_t width = 0;              // cells of a line that tables shorten themselves to; 0: any
+    bool lines = false;            // trees have drawn lines, not such of ASCII characters
 };
 
 // What a person reads for the value.
 std::string ShownText(const Value& value, Redactor& redactor);
+
+// The text in its tone's colour, or as a heading.
+std::string Painted(const std::string& text, Tone tone, const RenderStyle& style);
+std::string Heading(const std::string& text, const RenderStyle& style);
 
 std::string RenderText(const Record& result, const RenderStyle& style);
 

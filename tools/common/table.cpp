@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "text.h"
+#include "unicode.h"
 
 namespace tools {
 namespace {
@@ -70,10 +71,12 @@ std::string Shortened(const std::string& text, size_t width) {
     if (DisplayWidth(text) <= width || width == 0) {
         return text;
     }
+    // The last cell is the ellipsis's.
     size_t end = 0;
-    for (size_t cells = 0; end < text.size(); ++end) {
-        const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0) != 0x80;
-        if (begins && ++cells == width) {
+    std::string_view rest = text;
+    for (size_t cells = 0; !rest.empty(); end = text.size() - rest.size()) {
+        cells += CellsOf(TakeCharacter(rest));
+        if (cells >= width) {
             break;
         }
     }

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
+
+#include "unicode.h"
 
 namespace tools {
 namespace {
@@ -104,10 +107,12 @@ std::optional<uint64_t> ParseNumber(std::string_view text) {
 }
 
 std::string FieldText(const char* field, size_t size) {
+    std::string_view rest(field, strnlen(field, size));
     std::string text;
-    for (size_t i = 0; i < size && field[i] != '\0'; ++i) {
-        const bool printable = field[i] >= ' ' && field[i] <= '~';
-        text += printable ? field[i] : '?';
+    while (!rest.empty()) {
+        const std::string_view before = rest;
+        const bool printable = IsPrintable(TakeCharacter(rest));
+        text += printable ? before.substr(0, before.size() - rest.size()) : "?";
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
@@ -115,9 +120,8 @@ std::string FieldText(const char* field, size_t size) {
 
 size_t DisplayWidth(std::string_view text) {
     size_t width = 0;
-    for (const char c : text) {
-        const bool continuation = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-        width += continuation ? 0 : 1;
+    while (!text.empty()) {
+        width += CellsOf(TakeCharacter(text));
     }
     return width;
 }

@@ -40,10 +40,11 @@ std::string Hex(uint64_t value, int digits);
 std::optional<uint64_t> ParseNumber(std::string_view text);
 
 // A text field of a driver or firmware: ends at its first zero or at its size, trailing blanks go,
-// and anything that a terminal or a JSON reader could stumble over becomes '?'.
+// and anything that a terminal or a JSON reader could stumble over becomes '?': what is no valid
+// UTF-8, controls, and what turns the direction of a line. Letters of any script stay.
 std::string FieldText(const char* field, size_t size);
 
-// The number of character cells that valid UTF-8 text takes (combining marks are not looked at).
+// The number of a console's cells that UTF-8 text takes.
 size_t DisplayWidth(std::string_view text);
 
 // The candidate that the word was most likely meant to be, or empty: one slip in a short word, two

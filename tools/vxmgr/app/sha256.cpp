@@ -1,4 +1,4 @@
-#include "vxmgr/update/sha256.h"
+#include "vxmgr/app/sha256.h"
 
 #include <windows.h>
 
