@@ -232,6 +232,16 @@ TEST_F(SystemHealth, MetricsAppearAtOnceOrNotAtAll) {
     EXPECT_NE(std::string::npos, second.find(",scsi_port=\"4\",check=\"link\"} 2\n"));
     EXPECT_FALSE(std::filesystem::exists(file + ".part"));
 
+    // A reader that lets nobody in is waited for, then told of.
+    const HANDLE held =
+        CreateFileA(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const support::Ended refused = Vxmgr("metrics -p scsi:3" + out);
+    CloseHandle(held);
+    EXPECT_EQ(1u, refused.exit);
+    EXPECT_NE(std::string::npos, refused.err.find("was not written: ")) << refused.err;
+    EXPECT_EQ(second, support::TextOfFile(file));
+    EXPECT_FALSE(std::filesystem::exists(file + ".part"));
+
     // Whatever an adapter says of itself stays inside its label.
     ASSERT_EQ(0u, Vxemu("fault clear").exit);
     Do("adapter set 6 \"model=a\\b} 1{\"");

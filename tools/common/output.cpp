@@ -57,8 +57,11 @@ void Output::CloseFile() {
     if (temporary_.empty()) {
         return;
     }
-    if (failed_ || !wrote_ || console::Replace(temporary_, path_) != 0) {
-        failed_ = failed_ || wrote_;
+    if (!failed_ && wrote_) {
+        error_ = console::Replace(temporary_, path_);
+        failed_ = error_ != 0;
+    }
+    if (failed_ || !wrote_) {
         console::Remove(temporary_);
     }
 }

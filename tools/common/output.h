@@ -30,6 +30,9 @@ class Output {
     // Lets this last text through and nothing after it. False when any write failed.
     bool Close(const std::string& last);
 
+    // After that: why the file did not get its name. A Windows error code, or 0.
+    uint32_t Error() const { return error_; }
+
   private:
     bool WriteLocked(const std::string& text);
     void CloseFile();
@@ -39,6 +42,7 @@ class Output {
     std::string path_;       // of a file that appears at once
     std::string temporary_;  // its name until then
     bool wrote_ = false;
+    uint32_t error_ = 0;
     bool closed_ = false;
     bool failed_ = false;
 };

@@ -119,8 +119,20 @@ class Run {
     }
 
     // A result that did not reach its reader is a failure, whatever the command did.
-    static ExitCode Written(bool written, ExitCode exit) {
-        return !written && exit == ExitCode::Done ? ExitCode::Failed : exit;
+    ExitCode Written(bool written, ExitCode exit) {
+        if (written) {
+            return exit;
+        }
+        if (!line_.out.empty() && line_.out != "-") {
+            const uint32_t error = output_.Error();
+            Redactor redactor(false);
+            const Message message = ErrorMessage(
+                "--out " + line_.out + " was not written: " +
+                    (error != 0 ? console::SystemErrorText(error) : "is the disk full?"),
+                "");
+            console::Write(stderr, MessageText(tool_, message, redactor, false));
+        }
+        return exit == ExitCode::Done ? ExitCode::Failed : exit;
     }
 
     ExitCode RunCommand() {
