@@ -1,6 +1,8 @@
 // The live screen of the ports: what counters make over time, keys, and every line of the screen.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/has.h"
 #include "tools/common/unicode.h"
 #include "tools/vxmgr/views/top_screen.h"
@@ -172,6 +174,14 @@ TEST_F(ToolsTopScreen, FitsEverySize) {
                 }
             }
         }
+    }
+    for (const bool colors : {true, false}) {
+        bool any = false;
+        for (const ScreenLine& line : DrawTop(picture_, view_, {{80, 25}, true, colors})) {
+            any = any || std::ranges::any_of(
+                             line, [](const ScreenSpan& span) { return span.tone != Tone::Plain; });
+        }
+        EXPECT_EQ(any, colors);
     }
     const auto narrow = Lines(40, 12);
     EXPECT_EQ(narrow[1], "PORT STATE      TX MB/S  RX MB/S  ERRORS");

@@ -256,7 +256,8 @@ std::optional<ScreenKey> Screen::Wait(milliseconds time) {
         }
         char32_t character = unit;
         if (unit >= 0xDC00 && unit <= 0xDFFF) {
-            character = 0x10000 + ((char32_t{console.firstHalf} & 0x3FF) << 10) + (unit & 0x3FF);
+            const uint32_t high = console.firstHalf & 0x3FF;
+            character = 0x10000 + (high << 10) + (unit & 0x3FF);
         }
         if (IsPrintable(character)) {
             return ScreenKey{ScreenKey::Kind::Character, character};

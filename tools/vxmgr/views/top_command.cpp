@@ -157,11 +157,12 @@ ExitCode Top(Invocation& invocation) {
 }
 
 std::string TopNotes() {
-    return "On a console it is a screen that is drawn anew all the time; behind it the console\n"
-           "is as it was. Keys: q or Esc leaves, p or a blank pauses, / takes a text that ports\n"
-           "have to have, the arrows < and > choose the column to sort by and o its order, up\n"
-           "and down move the list, ? tells more. Anywhere else, and with -o table, it prints a\n"
-           "table or rows for each interval; the first when the first interval is over.\n";
+    return "On a console it is a screen that is drawn anew all the time; behind it the console is "
+           "as "
+           "it was. Keys: q or Esc leaves, p or a blank pauses, / takes a text that ports have to "
+           "have, the arrows to the left and right choose the column to sort by and o its order, "
+           "those up and down move the list, ? tells more. Anywhere else, and with -o table, it "
+           "prints a table or rows for each interval; the first when the first interval is over.";
 }
 
 }  // namespace

@@ -100,7 +100,9 @@ class TopLoop {
             if (!view_.Paused()) {
                 picture_ = board_.Picture(invocation_.Names());
             }
-            screen_.Show(DrawTop(picture_, view_, {screen_.Size(), screen_.DrawsBlocks()}));
+            screen_.Show(
+                DrawTop(picture_, view_,
+                        {screen_.Size(), screen_.DrawsBlocks(), invocation_.Style().color}));
             const auto left =
                 until ? std::chrono::ceil<milliseconds>(*until - LiveClock::now()) : kRedraw;
             const auto key = screen_.Wait(std::clamp(left, milliseconds(0), kRedraw));

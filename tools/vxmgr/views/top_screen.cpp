@@ -278,6 +278,9 @@ std::vector<ScreenLine> DrawTop(const TopPicture& picture, TopView& view, const 
     lines.resize(std::min(lines.size(), look.size.rows));
     for (ScreenLine& line : lines) {
         line = Limited(std::move(line), width);
+        for (ScreenSpan& span : line) {
+            span.tone = look.colors ? span.tone : Tone::Plain;
+        }
     }
     return lines;
 }

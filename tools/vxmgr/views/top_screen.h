@@ -8,6 +8,7 @@ namespace vxmgr {
 struct TopLook {
     ScreenSize size{};
     bool blocks = true;  // there is more than ASCII to draw with
+    bool colors = true;
 };
 
 // As many lines as the screen has, none wider than it is. A screen that is too narrow has fewer

@@ -22,8 +22,8 @@ SharedDevices DevicesOfSystem(Invocation& invocation) {
     std::vector<PortQuestion<HX_STATUS>> questions{
         {"the system's list of devices",
          [devices](PortTask&, HX_STATUS& status) { status = devices->Read(); }}};
-    const HX_STATUS status =
-        AskSideBySide(invocation, std::move(questions)).front().value_or(HXMGT_TIMED_OUT);
+    const auto answers = AskSideBySide(invocation, std::move(questions));
+    const HX_STATUS status = answers.front().value_or(HXMGT_TIMED_OUT);
     if (status != HXMGT_SUCCESS) {
         invocation.Add({Severity::Warning,
                         "disks and volumes are left out, as the system's devices cannot be "
@@ -50,7 +50,8 @@ AskPort<TreeTargets> TargetsBehind(const std::optional<HX_SCSI_ADDRESS>& wanted,
         visit.query = "logical units of targets";
         HX_STATUS trouble = HXMGT_SUCCESS;
         for (const KnownTarget* target : WantedOf(known, wanted)) {
-            TreeTarget& node = targets->emplace_back(TreeTarget{*target});
+            targets->push_back({*target});
+            TreeTarget& node = targets->back();
             node.status = AddUnits(visit, *target, *devices, &node.units);
             trouble = node.status != HXMGT_SUCCESS ? node.status
                       : target->present            ? trouble
