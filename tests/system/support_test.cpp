@@ -1,4 +1,6 @@
 // Commands in a batch, reports and files for support, with ports that do not answer.
+#include <algorithm>
+
 #include "emulated_driver.h"
 
 namespace system_test {
