@@ -11,8 +11,10 @@ wine_start
 trap 'run vxemu.exe stop >/dev/null 2>&1 </dev/null || true; wine_stop' EXIT
 
 run vxemu.exe start --profile lab --fresh >/dev/null </dev/null
-run vxemu.exe target set 3 0:0 "name=<script>hostile=1</script>" >/dev/null </dev/null
-# What there is to see: errors, an event, a transceiver that is too hot.
+run vxemu.exe target set 2b:00:02:45:4d:00:01:00 \
+    "symbolic_name=<script>hostile=1</script>" >/dev/null </dev/null
+# What there is to see: too little light, errors, events.
+run vxemu.exe port set scsi:4 received_power=30 >/dev/null </dev/null
 (
     sleep 3
     run vxemu.exe stats bump 3 invalid_crcs 4

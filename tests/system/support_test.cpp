@@ -1,4 +1,6 @@
 // Commands in a batch, reports and files for support, with ports that do not answer.
+#include <algorithm>
+
 #include "emulated_driver.h"
 
 namespace system_test {
@@ -77,17 +79,17 @@ TEST_F(SystemSupport, AReportShowsThePorts) {
 }
 
 TEST_F(SystemSupport, WhatDoesNotAnswerIsWaitedForOnce) {
-    Fault("scsi:4 --do hang 20000");
+    Fault("scsi:4 --do hang 12000");
     const ULONGLONG start = GetTickCount64();
-    const json report = Document("--timeout 3 report" + Quoted("r.html"));
+    const json report = Document("--timeout 2 report" + Quoted("r.html"));
     EXPECT_EQ(11, report["exit"]);
-    EXPECT_LT(GetTickCount64() - start, 15000u);
+    EXPECT_LT(GetTickCount64() - start, 12000u);
     EXPECT_NE(std::string::npos, support::TextOfFile(File("r.html")).find("Not answering"));
 }
 
 TEST_F(SystemSupport, ACollectionGoesOnWithoutAPort) {
-    Fault("scsi:4 --do hang 30000");
-    const json collected = Document("collect" + Quoted("c.zip"));
+    Fault("scsi:4 --do hang 12000");
+    const json collected = Document("--timeout 2 collect" + Quoted("c.zip"));
     EXPECT_EQ(11, collected["exit"]);
     EXPECT_LT(30, collected["result"]["members"].number());
     EXPECT_TRUE(support::Has(collected["result"]["errors"].dump(), "is not answering"));

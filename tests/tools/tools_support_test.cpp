@@ -99,7 +99,7 @@ TEST(SupportReport, NamesDoNothingInAPage) {
                       "\"normal\"},{" +
                       port + ",\"check\":\"" + hostile + "\",\"state\":\"critical\",\"detail\":\"" +
                       hostile + "\"}]}");
-    add("tree", "{\"adapters\":[{\"serial\":\"" + hostile +
+    add("tree", "{\"adapters\":[{\"adapter_serial\":\"" + hostile +
                     "\",\"ports\":[{\"port\":0,\"answers\":"
                     "false,\"targets\":[{\"target_wwn\":\"2b\",\"symbolic_name\":\"" +
                     hostile + "\",\"luns\":[]}]}]}]}");
@@ -128,7 +128,7 @@ TEST(SupportReport, NamesDoNothingInAPage) {
     }
     for (const char* shown :
          {"&lt;script&gt;alert(1)", "id=\"health\"", "id=\"tree\"", "id=\"port-0\"",
-          "not answering",
+          "Not answering",
           "aria-label=\"Port 0 (scsi:3): traffic in MB/s. sent: from 1 to 2, last 2.",
           "21:00:02:45:4d:00:01:00", "23:59:58", "Exit"}) {
         EXPECT_TRUE(Has(page, shown).operator bool()) << shown;

@@ -153,7 +153,7 @@ void Invocation::Require(uint32_t status, const std::string& text,
 }
 
 void Invocation::Progress(const std::string& text) {
-    if (!TellsNow() && outer_ != nullptr) {
+    if (!TellsNow() && outer_ != nullptr && !Quiet()) {
         outer_->Progress(text);  // its user waits for this command as well
     } else if (TellsNow() && !Quiet()) {
         const std::lock_guard guard(lock_);

@@ -125,12 +125,11 @@ class Run {
         }
         if (!line_.out.empty() && line_.out != "-") {
             const uint32_t error = output_.Error();
-            Redactor redactor(false);
-            const Message message = ErrorMessage(
-                "--out " + line_.out + " was not written: " +
-                    (error != 0 ? console::SystemErrorText(error) : "is the disk full?"),
-                "");
-            console::Write(stderr, MessageText(tool_, message, redactor, false));
+            const std::string why =
+                error != 0 ? console::SystemErrorText(error) : "is the disk full?";
+            const Message message = {
+                Severity::Error, "--out " + line_.out + " was not written: " + why, "", {}, {}};
+            console::Write(stderr, MessageText(tool_, message, names_, false));
         }
         return exit == ExitCode::Done ? ExitCode::Failed : exit;
     }

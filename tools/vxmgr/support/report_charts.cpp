@@ -31,6 +31,12 @@ std::string Coordinate(double value) {
     return ShownNumber(value, 1);
 }
 
+// With as many digits as a part of a whole of this size needs.
+std::string ShownPart(double value, double whole) {
+    const double magnitude = std::floor(std::log10(whole > 0 ? whole : 1));
+    return ShownNumber(value, std::clamp(static_cast<int>(2 - magnitude), 0, 9));
+}
+
 // The end of an axis that holds the value and can be divided evenly: 1, 2 or 5 times a power of 10.
 double RoundedUp(double value) {
     if (value <= 0) {
@@ -78,8 +84,9 @@ class ChartDrawing {
         std::string text = chart_.title + " in " + chart_.unit + ".";
         for (const ChartSeries& series : chart_.series) {
             const auto [least, most] = std::ranges::minmax_element(series.values);
-            text += std::string(" ") + series.name + ": from " + ShownNumber(*least, 2) + " to " +
-                    ShownNumber(*most, 2) + ", last " + ShownNumber(series.values.back(), 2) + ".";
+            text += std::string(" ") + series.name + ": from " + ShownPart(*least, top_) + " to " +
+                    ShownPart(*most, top_) + ", last " + ShownPart(series.values.back(), top_) +
+                    ".";
         }
         return text;
     }
@@ -112,7 +119,7 @@ class ChartDrawing {
                        {"y2", y}},
                       "");
             if (i % 2 == 0) {
-                Label(kLeft - 6, Y(value) + 4, "end", ShownNumber(value, 3));
+                Label(kLeft - 6, Y(value) + 4, "end", ShownPart(value, top_));
             }
         }
         Label(kLeft, kBottom + 18, "start", ClockText(chart_.times.front()));
@@ -134,7 +141,7 @@ class ChartDrawing {
                                                  {"cy", Coordinate(Y(series.values[i]))},
                                                  {"r", "2.5"}});
             html_.Add("title", std::string(series.name) + " " + ClockText(chart_.times[i]) + ": " +
-                                   ShownNumber(series.values[i], 3) + " " + chart_.unit);
+                                   ShownPart(series.values[i], top_) + " " + chart_.unit);
         }
     }
 

@@ -85,7 +85,7 @@ void AddDumps(Html& html, const ReportJson& dumps) {
     ReportTable table{"Firmware dumps that wait", {"Kind", "Port", "State", "Bytes"}};
     for (const ReportJson& row : dumps) {
         const std::string state = ShownAt(row, "state");
-        if (!state.empty() && state != "none") {
+        if (state == "present" || state == "failed") {
             table.rows.push_back({{ShownAt(row, "what")},
                                   {PortTitle(row)},
                                   {state, Wellness::Warning},
@@ -126,9 +126,10 @@ void AddSources(Html& html, const ReportDocuments& documents) {
                         ShownAt(message, "text");
             }
             const std::string exit = ShownAt(entry.envelope, "exit");
-            table.rows.push_back({{entry.command},
-                                  {exit, exit == "0" ? Wellness::Good : Wellness::Warning},
-                                  {said}});
+            table.rows.push_back(
+                {{entry.command == "samples" ? "port stats (samples)" : entry.command},
+                 {exit, exit == "0" ? Wellness::Good : Wellness::Warning},
+                 {said}});
         }
         AddTable(html, table);
     });

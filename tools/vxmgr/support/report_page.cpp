@@ -51,7 +51,7 @@ std::vector<Tile> TilesOf(const ReportDocuments& documents) {
     std::vector<Tile> tiles;
     const std::string health = ShownAt(documents.Result("health"), "state");
     if (!health.empty()) {
-        tiles.push_back({health, "health", WellnessOf(health)});
+        tiles.push_back({LabelOf(health), "health", WellnessOf(health)});
     }
     const ReportJson& adapters = documents.List("adapter list", "adapters");
     tiles.push_back(

@@ -93,6 +93,8 @@ void AddTable(Html& html, const ReportTable& table) {
                                       : html.In("td", {{"class", kind}});
             if (cell.badge != Wellness::Plain && !cell.text.empty()) {
                 AddBadge(html, cell.badge, cell.text);
+            } else if (!cell.leadsTo.empty()) {
+                html.Add("a", {{"href", "#" + cell.leadsTo}}, cell.text);
             } else {
                 html.Text(cell.text.empty() ? "\u2013" : cell.text);
             }

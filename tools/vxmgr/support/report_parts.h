@@ -27,6 +27,7 @@ struct ReportCell {
     std::string text;
     Wellness badge = Wellness::Plain;  // other than Plain: the text is a state
     bool isNumber = false;
+    std::string leadsTo = {};  // the id of a place in the page
 };
 struct ReportTable {
     std::string caption;

@@ -258,7 +258,7 @@ ReportTable Overview(const ReportJson& ports, const ReportDocuments& documents) 
                 temperature = ShownAt(reading, "value", ShownAt(reading, "unit"));
             }
         }
-        table.rows.push_back({{PortTitle(port)},
+        table.rows.push_back({{PortTitle(port), Wellness::Plain, false, PortAnchor(number)},
                               {LabelOf(state), WellnessOf(state)},
                               {ShownAt(port, "adapter_serial")},
                               {ShownWwn(port, "port_wwn")},

@@ -72,6 +72,7 @@ nav a:hover { background: var(--wash); }
 
 .badge {
   display: inline-flex; align-items: center; gap: .35em; padding: .05em .6em; border-radius: 99px;
+  vertical-align: middle;
   font-size: .85em; font-weight: 600; white-space: nowrap; unicode-bidi: isolate;
   color: var(--unknown); background: var(--unknown-wash);
 }
@@ -89,7 +90,7 @@ table { width: 100%; border-collapse: collapse; font-size: .9rem; }
 caption { padding: .8rem 1rem .4rem; text-align: left; font-weight: 650; }
 th, td { padding: .45rem 1rem; text-align: left; vertical-align: top; border-top: 1px solid var(--rule); unicode-bidi: isolate; }
 thead th { border-top: 0; color: var(--soft); font-size: .78rem; font-weight: 600; white-space: nowrap; }
-tbody th { font-weight: 600; }
+tbody th { font-weight: 600; white-space: nowrap; }
 .number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap; }
 tbody tr:hover { background: var(--wash); }
 
@@ -119,6 +120,7 @@ summary { cursor: pointer; color: var(--accent); unicode-bidi: isolate; }
 .tree { padding: 1rem 1.2rem; background: var(--paper); border: 1px solid var(--rule); border-radius: 12px; box-shadow: var(--shadow); }
 .tree li { padding: .1rem 0; overflow-wrap: anywhere; unicode-bidi: isolate; }
 .tree details { margin: 0; }
+.tree li:not(:has(> details)) { padding-left: 1rem; }
 .tree summary { color: inherit; }
 .tree .kind { color: var(--soft); font-size: .78rem; }
 

@@ -20,15 +20,16 @@ std::string Joined(std::initializer_list<std::string> texts) {
     return joined;
 }
 
-std::string Disk(const ReportJson& lun) {
+std::string DeviceText(const ReportJson& lun) {
     const std::string disk = ShownAt(lun, "disk");
-    return disk.empty() ? ShownAt(lun, "device") : "disk " + disk;
+    return disk.empty() ? Joined({ShownAt(lun, "device_type"), ShownAt(lun, "device")})
+                        : "disk " + disk;
 }
 
 constexpr TreeLevel kLevels[] = {
-    {"adapters", "Adapter", [](const ReportJson& node) { return ShownAt(node, "serial"); },
+    {"adapters", "Adapter", [](const ReportJson& node) { return ShownAt(node, "adapter_serial"); },
      [](const ReportJson& node) { return ShownAt(node, "model"); }},
-    {"ports", "Port", [](const ReportJson& node) { return ShownAt(node, "port"); },
+    {"ports", "", PortTitle,
      [](const ReportJson& node) {
          return Joined({ShownWwn(node, "port_wwn"), ShownAt(node, "speed_gbit", "Gbit/s")});
      }},
@@ -36,10 +37,7 @@ constexpr TreeLevel kLevels[] = {
      [](const ReportJson& node) {
          return Joined({ShownAt(node, "symbolic_name"), ShownAt(node, "port_id")});
      }},
-    {"luns", "LUN", [](const ReportJson& node) { return ShownAt(node, "lun"); },
-     [](const ReportJson& node) {
-         return Joined({ShownAt(node, "device_type"), Disk(node)});
-     }},
+    {"luns", "LUN", [](const ReportJson& node) { return ShownAt(node, "lun"); }, DeviceText},
     {"volumes", "Volume",
      [](const ReportJson& node) {
          const std::string mounted = ShownAt(node, "mount_points");
@@ -55,12 +53,12 @@ void AddState(Html& html, const ReportJson& node) {
     const ReportJson& present = ValueAt(node, "present");
     const std::string state = ShownAt(node, "state");
     if (answers.is_boolean() && !answers.get<bool>()) {
-        AddBadge(html, Wellness::Critical, "not answering");
+        AddBadge(html, Wellness::Critical, "Not answering");
     } else if (!state.empty()) {
-        AddBadge(html, WellnessOf(state), state);
+        AddBadge(html, WellnessOf(state), LabelOf(state));
     } else if (present.is_boolean()) {
         AddBadge(html, present.get<bool>() ? Wellness::Good : Wellness::Warning,
-                 present.get<bool>() ? "reached" : "not reached");
+                 present.get<bool>() ? "Reached" : "Away");
     }
 }
 
