@@ -8,6 +8,7 @@ packages=(
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
+    pkgconf                                    # the guide's programs find the library by it
     clang-format cppcheck                      # scripts/check.sh
 )
 case ${1:-} in
