@@ -46,9 +46,9 @@ if command -v clang >/dev/null && command -v lld-link >/dev/null && [ -e "$build
     echo 'typedef struct FILE FILE;' >"$work/msvc/stdio.h"
     clang --target=x86_64-pc-windows-msvc -ffreestanding -Wall -Wextra -Werror -O1 \
         -isystem "$work/msvc" -I "$work/installed/include" -c "$source/tests/system/msvc_program.c" \
-        -o "$work/msvc.obj" >"$work/log" 2>&1 &&
-        lld-link /nologo /entry:start /subsystem:console /nodefaultlib "/out:$work/msvc.exe" \
-            "$work/msvc.obj" "$work/installed/lib/vxmgmt.lib" >>"$work/log" 2>&1 || fail "link msvc"
+        -o "$work/msvc.obj" >"$work/log" 2>&1 || fail "compile msvc_program.c"
+    lld-link /nologo /entry:start /subsystem:console /nodefaultlib "/out:$work/msvc.exe" \
+        "$work/msvc.obj" "$work/installed/lib/vxmgmt.lib" >"$work/log" 2>&1 || fail "lld-link"
     adapters=0
     wine "$work/msvc.exe" >"$work/log" 2>&1 </dev/null || adapters=$?
     [ "$adapters" -eq 4 ] || fail "the program of Visual Studio's conventions found $adapters ports"
