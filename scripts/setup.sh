@@ -10,6 +10,7 @@ packages=(
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
     tmux                                       # a terminal, for a system test
+    pkgconf                                    # the guide's programs find the library by it
     clang-format cppcheck                      # scripts/check.sh
 )
 case ${1:-} in
