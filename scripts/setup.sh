@@ -3,7 +3,7 @@
 source "$(dirname "$0")/common.sh"
 
 packages=(
-    cmake ninja-build g++ lld
+    cmake ninja-build g++ lld llvm
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
     libz-mingw-w64-dev zlib1g-dev unzip python3  # bundles for support, and their test
@@ -18,7 +18,6 @@ case ${1:-} in
 --package)
     packages+=(
         git zip                            # what is staged, and archives
-        llvm lld                           # the import library of other compilers
         wixl msitools osslsigncode openssl # the installer, signatures
         cmark-gfm                          # manuals as pages
     )
