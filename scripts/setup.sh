@@ -18,7 +18,8 @@ case ${1:-} in
 --package)
     packages+=(
         git zip                            # what is staged, and archives
-        wixl msitools osslsigncode openssl # the installer, signatures
+        wixl msitools faketime             # the installer
+        osslsigncode openssl               # signatures
         cmark-gfm                          # manuals as pages
     )
     ;;
