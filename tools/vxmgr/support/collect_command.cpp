@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 
 #include "common/console.h"
 #include "common/json_document.h"
@@ -92,8 +93,7 @@ ZipTime LocalTime() {
 // the file that the user gave.
 class Traces {
   public:
-    explicit Traces(Invocation& invocation)
-        : invocation_(invocation), given_(invocation.Given().Text("trace")) {
+    explicit Traces(Invocation& invocation) : given_(invocation.Given().Text("trace")) {
         if (!given_.empty()) {
             begin_ = FileSize(given_);
             return;
@@ -137,16 +137,20 @@ class Traces {
     }
 
   private:
-    std::string TextOf(const std::string& path, uint64_t begin) const {
-        constexpr size_t kMost = size_t{64} << 20;
-        if (FileSize(path) <= begin) {
+    static std::string TextOf(const std::string& path, uint64_t begin) {
+        constexpr uint64_t kMost = uint64_t{64} << 20;
+        const uint64_t size = FileSize(path);
+        if (size <= begin) {
             return {};
         }
-        const std::vector<uint8_t> bytes = LoadFile(invocation_, path, begin + kMost);
-        return {bytes.begin() + static_cast<ptrdiff_t>(begin), bytes.end()};
+        std::ifstream file(fs::path(console::ToWide(path)), std::ios::binary);
+        file.seekg(static_cast<std::streamoff>(begin));
+        std::string text(std::min(size - begin, kMost), '\0');
+        file.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<size_t>(file.gcount()));
+        return text;
     }
 
-    Invocation& invocation_;
     const std::string given_;
     uint64_t begin_ = 0;
     fs::path folder_;
