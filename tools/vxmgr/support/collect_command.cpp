@@ -32,9 +32,14 @@ const Fields<CollectedMember> kCollectedMemberFields = {
     {"milliseconds", "Milliseconds", kInteger.OrNull(), &CollectedMember::milliseconds,
      "that the command took"},
 };
-const Fields<CollectProblem> kCollectProblemFields = {
-    {"what", "What", "WHAT", kText, &CollectProblem::what},
+const Fields<CollectProblem> kCollectErrorFields = {
+    {"what", "Not collected, or not whole", "NOT COLLECTED, OR NOT WHOLE", kText,
+     &CollectProblem::what},
     {"exit", "Exit code", "EXIT", kInteger.OrNull(), &CollectProblem::exit, "of a command"},
+    {"text", "Why", "WHY", kText, &CollectProblem::text},
+};
+const Fields<CollectProblem> kCollectLeftOutFields = {
+    {"what", "Left out", "LEFT OUT", kText, &CollectProblem::what},
     {"text", "Why", "WHY", kText, &CollectProblem::text},
 };
 const Fields<CollectManifest> kCollectManifestFields = {
@@ -46,8 +51,8 @@ const Fields<CollectManifest> kCollectManifestFields = {
     {"redacted", "", kFlag, &CollectManifest::redacted,
      "names and serial numbers are pseudonyms, the same throughout the file"},
     {"members", "", kCollectedMemberFields, &CollectManifest::members},
-    {"errors", "", kCollectProblemFields, &CollectManifest::errors},
-    {"left_out", "", kCollectProblemFields, &CollectManifest::leftOut},
+    {"errors", "", kCollectErrorFields, &CollectManifest::errors},
+    {"left_out", "", kCollectLeftOutFields, &CollectManifest::leftOut},
 };
 
 Shape CollectManifestShape() {
@@ -74,8 +79,8 @@ const Fields<Collected> kCollectFields = {
     {"file", "File", kText, &Collected::file},
     {"size", "Size", kInteger.OrNull(), &Collected::size, "bytes; null: a dry run"},
     {"members", "Members", kInteger, &Collected::members},
-    {"errors", "Not collected, or not whole", kCollectProblemFields, &Collected::errors},
-    {"left_out", "Left out", kCollectProblemFields, &Collected::leftOut},
+    {"errors", "Errors", kCollectErrorFields, &Collected::errors, "Nothing failed."},
+    {"left_out", "Left out", kCollectLeftOutFields, &Collected::leftOut},
 };
 
 std::span<const uint8_t> BytesOf(const std::string& text) {
@@ -311,7 +316,8 @@ ExitCode Collect(Invocation& invocation) {
 }
 
 std::string CollectNotes() {
-    return "The file has the documents of all commands that only read, in `documents`; a report to "
+    return "The file has the documents of the commands that only read adapters, in `documents`; a "
+           "report to "
            "look at; the library's trace of the collection; and a manifest with the SHA-256 of "
            "each member, and what could not be had. A port that does not answer is left behind "
            "(exit code 11).\n"
