@@ -34,11 +34,15 @@ shows() {
     fail "no \"$1\""
 }
 # begin COLUMNS ROWS ARGUMENTS: the program on a terminal of this size; its exit code goes to a file.
+# Wine's own console gives the terminal back a moment behind the program's end.
 begin() {
     rm -f "$log/exit" "$log/before" "$log/after"
     terminal new-session -d -x "$1" -y "$2" \
         "stty -a >$log/before; wine $bin/vxmgr.exe top --interval 1 ${*:3}; echo \$? >$log/exit
-         stty -a >$log/after; cat"
+         for _ in \$(seq 50); do
+             stty -a >$log/now; cmp -s $log/before $log/now && break; sleep 0.2
+         done
+         mv $log/now $log/after; cat"
     shows "^PORT"
 }
 # ends CODE: the program, and the terminal is what it was, with a cursor and without the screen

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 
 #include "common/console.h"
 #include "common/json_document.h"
@@ -31,9 +32,14 @@ const Fields<CollectedMember> kCollectedMemberFields = {
     {"milliseconds", "Milliseconds", kInteger.OrNull(), &CollectedMember::milliseconds,
      "that the command took"},
 };
-const Fields<CollectProblem> kCollectProblemFields = {
-    {"what", "What", "WHAT", kText, &CollectProblem::what},
+const Fields<CollectProblem> kCollectErrorFields = {
+    {"what", "Not collected, or not whole", "NOT COLLECTED, OR NOT WHOLE", kText,
+     &CollectProblem::what},
     {"exit", "Exit code", "EXIT", kInteger.OrNull(), &CollectProblem::exit, "of a command"},
+    {"text", "Why", "WHY", kText, &CollectProblem::text},
+};
+const Fields<CollectProblem> kCollectLeftOutFields = {
+    {"what", "Left out", "LEFT OUT", kText, &CollectProblem::what},
     {"text", "Why", "WHY", kText, &CollectProblem::text},
 };
 const Fields<CollectManifest> kCollectManifestFields = {
@@ -45,8 +51,8 @@ const Fields<CollectManifest> kCollectManifestFields = {
     {"redacted", "", kFlag, &CollectManifest::redacted,
      "names and serial numbers are pseudonyms, the same throughout the file"},
     {"members", "", kCollectedMemberFields, &CollectManifest::members},
-    {"errors", "", kCollectProblemFields, &CollectManifest::errors},
-    {"left_out", "", kCollectProblemFields, &CollectManifest::leftOut},
+    {"errors", "", kCollectErrorFields, &CollectManifest::errors},
+    {"left_out", "", kCollectLeftOutFields, &CollectManifest::leftOut},
 };
 
 Shape CollectManifestShape() {
@@ -73,8 +79,8 @@ const Fields<Collected> kCollectFields = {
     {"file", "File", kText, &Collected::file},
     {"size", "Size", kInteger.OrNull(), &Collected::size, "bytes; null: a dry run"},
     {"members", "Members", kInteger, &Collected::members},
-    {"errors", "Not collected, or not whole", kCollectProblemFields, &Collected::errors},
-    {"left_out", "Left out", kCollectProblemFields, &Collected::leftOut},
+    {"errors", "Errors", kCollectErrorFields, &Collected::errors, "Nothing failed."},
+    {"left_out", "Left out", kCollectLeftOutFields, &Collected::leftOut},
 };
 
 std::span<const uint8_t> BytesOf(const std::string& text) {
@@ -92,8 +98,7 @@ ZipTime LocalTime() {
 // the file that the user gave.
 class Traces {
   public:
-    explicit Traces(Invocation& invocation)
-        : invocation_(invocation), given_(invocation.Given().Text("trace")) {
+    explicit Traces(Invocation& invocation) : given_(invocation.Given().Text("trace")) {
         if (!given_.empty()) {
             begin_ = FileSize(given_);
             return;
@@ -137,16 +142,20 @@ class Traces {
     }
 
   private:
-    std::string TextOf(const std::string& path, uint64_t begin) const {
-        constexpr size_t kMost = size_t{64} << 20;
-        if (FileSize(path) <= begin) {
+    static std::string TextOf(const std::string& path, uint64_t begin) {
+        constexpr uint64_t kMost = uint64_t{64} << 20;
+        const uint64_t size = FileSize(path);
+        if (size <= begin) {
             return {};
         }
-        const std::vector<uint8_t> bytes = LoadFile(invocation_, path, begin + kMost);
-        return {bytes.begin() + static_cast<ptrdiff_t>(begin), bytes.end()};
+        std::ifstream file(fs::path(console::ToWide(path)), std::ios::binary);
+        file.seekg(static_cast<std::streamoff>(begin));
+        std::string text(std::min(size - begin, kMost), '\0');
+        file.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<size_t>(file.gcount()));
+        return text;
     }
 
-    Invocation& invocation_;
     const std::string given_;
     uint64_t begin_ = 0;
     fs::path folder_;
@@ -307,7 +316,8 @@ ExitCode Collect(Invocation& invocation) {
 }
 
 std::string CollectNotes() {
-    return "The file has the documents of all commands that only read, in `documents`; a report to "
+    return "The file has the documents of the commands that only read adapters, in `documents`; a "
+           "report to "
            "look at; the library's trace of the collection; and a manifest with the SHA-256 of "
            "each member, and what could not be had. A port that does not answer is left behind "
            "(exit code 11).\n"

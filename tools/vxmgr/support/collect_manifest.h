@@ -36,8 +36,6 @@ struct CollectManifest {
     std::vector<CollectProblem> leftOut;
 };
 
-extern const Fields<CollectProblem> kCollectProblemFields;
-extern const Fields<CollectManifest> kCollectManifestFields;
 Shape CollectManifestShape();
 
 }  // namespace vxmgr

@@ -1,7 +1,6 @@
 #include "vxmgr/support/snapshot.h"
 
 #include <algorithm>
-#include <iterator>
 #include <thread>
 
 #include "vxmgr/app/host_name.h"
@@ -42,10 +41,9 @@ constexpr SnapshotRow kRows[] = {
     {.command = "npiv list"},
     {.command = "nvme list", .options = "--namespaces"},
     {.command = "dump list", .inReport = true},
-    {.command = "hbaapi list", .taking = Taking::OpensByItself},
-    {.command = "nvram show", .taking = Taking::OfEachPort},
-    {.command = "vpd show", .taking = Taking::OfEachPort},
-    {.command = "flash layout", .taking = Taking::OfEachPort},
+    {.command = "nvram show", .ofEachPort = true},
+    {.command = "vpd show", .ofEachPort = true},
+    {.command = "flash layout", .ofEachPort = true},
 };
 
 // What a command about one port may take as a whole; it asks several times.
@@ -104,11 +102,13 @@ TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string 
             static_cast<uint64_t>(time.count())};
 }
 
-// The documents about each port: one port after the other's, the ports side by side.
+// More threads than these keep each other waiting.
+constexpr size_t kPortsAtATime = 4;
+
+// The documents about each port, some ports side by side.
 std::vector<TakenDocument> TakeOfPorts(Invocation& invocation, const std::vector<SnapshotRow>& rows,
-                                       std::vector<Port*> ports) {
+                                       std::span<Port* const> ports) {
     using Made = std::vector<TakenDocument>;
-    std::erase_if(ports, [](const Port* port) { return !port->answers; });
     std::vector<PortQuestion<Made>> questions;
     for (const Port* port : ports) {
         const auto take = [&invocation, rows, own = *port](PortTask& task, Made& made) {
@@ -153,9 +153,9 @@ bool IsGoodEnding(ExitCode exit) {
 }
 
 std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
-    std::optional<OpenPortsMemory> open(plan.traceFolder);
+    const OpenPortsMemory open(plan.traceFolder);
     std::vector<Port> ports = ReadPorts(invocation);
-    const std::vector<Port*> selected = SelectPorts(invocation, ports);
+    std::vector<Port*> selected = SelectPorts(invocation, ports);
     std::vector<TakenDocument> documents;
     const auto take = [&](const SnapshotRow& row) {
         std::vector<std::string> words = WordsOf(row);
@@ -166,21 +166,22 @@ std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPl
         documents.push_back(Taken(invocation, row, MemberName(row.command), nested));
         invocation.CheckStop();
     };
-    const std::vector<SnapshotRow> rows = KnownRows(invocation, plan.forReport);
-    const auto those = [&](Taking how) {
-        std::vector<SnapshotRow> some;
-        std::ranges::copy_if(rows, std::back_inserter(some),
-                             [&](const SnapshotRow& row) { return row.taking == how; });
-        return some;
-    };
-    std::ranges::for_each(those(Taking::OfAll), take);
-    invocation.ProgressLine("");
-    for (TakenDocument& document : TakeOfPorts(invocation, those(Taking::OfEachPort), selected)) {
-        documents.push_back(std::move(document));
+    std::vector<SnapshotRow> ofEachPort;
+    for (const SnapshotRow& row : KnownRows(invocation, plan.forReport)) {
+        if (row.ofEachPort) {
+            ofEachPort.push_back(row);
+        } else {
+            take(row);
+        }
     }
-    open.reset();
-    std::ranges::for_each(those(Taking::OpensByItself), take);
     invocation.ProgressLine("");
+    std::erase_if(selected, [](const Port* port) { return !port->answers; });
+    for (size_t i = 0; i < selected.size() && !ofEachPort.empty(); i += kPortsAtATime) {
+        const std::span some(selected.data() + i, std::min(kPortsAtATime, selected.size() - i));
+        for (TakenDocument& document : TakeOfPorts(invocation, ofEachPort, some)) {
+            documents.push_back(std::move(document));
+        }
+    }
     return documents;
 }
 

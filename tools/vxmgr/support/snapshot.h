@@ -9,16 +9,10 @@
 
 namespace vxmgr {
 
-enum class Taking : uint8_t {
-    OfAll,          // once
-    OfEachPort,     // the command is about one port
-    OpensByItself,  // once; it opens adapters beside those that the others have open
-};
-
 struct SnapshotRow {
     const char* command;
     const char* options = "";  // behind it
-    Taking taking = Taking::OfAll;
+    bool ofEachPort = false;   // it is about one port: run for each
     bool inReport = false;
 };
 
