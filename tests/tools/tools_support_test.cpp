@@ -2,7 +2,7 @@
 // names do nothing in, and names that are masked everywhere.
 #include <gtest/gtest.h>
 
-#include "common/redaction.h"
+#include "records/redaction.h"
 #include "support/has.h"
 #include "vxmgr/support/batch_lines.h"
 #include "vxmgr/support/html.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "support/has.h"
-#include "tools/common/unicode.h"
+#include "tools/records/unicode.h"
 #include "tools/vxmgr/views/top_screen.h"
 
 namespace {

@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "support/has.h"
-#include "tools/common/csv.h"
-#include "tools/common/fields.h"
-#include "tools/common/redaction.h"
-#include "tools/common/render.h"
-#include "tools/common/table.h"
-#include "tools/common/text.h"
-#include "tools/common/unicode.h"
+#include "tools/records/csv.h"
+#include "tools/records/fields.h"
+#include "tools/records/redaction.h"
+#include "tools/records/render.h"
+#include "tools/records/table.h"
+#include "tools/records/text.h"
+#include "tools/records/unicode.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "help.h"
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {

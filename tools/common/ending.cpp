@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "csv.h"
+#include "records/csv.h"
 
 namespace tools {
 namespace {

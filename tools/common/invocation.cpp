@@ -4,11 +4,11 @@
 
 #include "confirm.h"
 #include "console.h"
-#include "csv.h"
 #include "hxstatus.h"
 #include "json_document.h"
+#include "records/csv.h"
+#include "records/text.h"
 #include "status_codes.h"
-#include "text.h"
 
 namespace tools {
 namespace {

@@ -14,9 +14,9 @@
 #include "command_line.h"
 #include "message.h"
 #include "output.h"
-#include "record.h"
-#include "redaction.h"
-#include "render.h"
+#include "records/record.h"
+#include "records/redaction.h"
+#include "records/render.h"
 #include "stop.h"
 
 namespace tools {

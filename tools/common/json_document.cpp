@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "redaction.h"
+#include "records/redaction.h"
+#include "records/text.h"
 #include "status_codes.h"
-#include "text.h"
 
 namespace tools {
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "fields.h"
 #include "message.h"
-#include "record.h"
+#include "records/fields.h"
+#include "records/record.h"
 
 namespace tools {
 

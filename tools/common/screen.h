@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "record.h"
+#include "records/record.h"
 
 namespace tools {
 

@@ -9,9 +9,9 @@
 
 #include "console.h"
 #include "frame/owned.h"
+#include "records/text.h"
+#include "records/unicode.h"
 #include "screen.h"
-#include "text.h"
-#include "unicode.h"
 
 namespace tools {
 namespace {

@@ -3,7 +3,7 @@
 // family, without "_total" or "_info". Free of platform headers.
 #pragma once
 
-#include "common/redaction.h"
+#include "records/redaction.h"
 #include "vxmgr/app/vocabulary.h"
 
 namespace vxmgr {

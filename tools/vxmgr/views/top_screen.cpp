@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "common/table.h"
+#include "records/table.h"
 
 namespace vxmgr {
 namespace {

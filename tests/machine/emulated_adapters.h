@@ -7,9 +7,9 @@
 #include <mutex>
 #include <vector>
 
+#include "machine/fake_system.h"
 #include "model/control.h"
 #include "model/model.h"
-#include "support/fake_system.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/import_redirection.h"
+#include "machine/import_redirection.h"
 
 #include <cstdint>
 #include <cstdio>

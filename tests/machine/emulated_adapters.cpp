@@ -1,4 +1,4 @@
-#include "support/emulated_adapters.h"
+#include "machine/emulated_adapters.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "machine/fake_system.h"
 #include "properties/driver_replies.h"
-#include "support/fake_system.h"
 #include "transport/ext_ioctl.h"
 
 namespace support {

@@ -1,4 +1,4 @@
-#include "support/event_peer.h"
+#include "machine/event_peer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -8,8 +8,8 @@
 #include <sstream>
 #include <utility>
 
-#include "support/flash_peer.h"
-#include "support/private_library.h"
+#include "machine/flash_peer.h"
+#include "machine/private_library.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/api_calls.h"
+#include "machine/api_calls.h"
 
 #include <algorithm>
 #include <cstring>

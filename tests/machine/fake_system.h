@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "support/import_redirection.h"
+#include "machine/import_redirection.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/flash_peer.h"
+#include "machine/flash_peer.h"
 
 #include <atomic>
 #include <utility>

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "hxmapping.h"
-#include "support/fake_system.h"
+#include "machine/fake_system.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/system_devices.h"
+#include "machine/system_devices.h"
 
 #include <winioctl.h>
 

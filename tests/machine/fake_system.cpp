@@ -1,4 +1,4 @@
-#include "support/fake_system.h"
+#include "machine/fake_system.h"
 
 namespace support {
 

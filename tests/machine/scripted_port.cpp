@@ -1,4 +1,4 @@
-#include "support/scripted_port.h"
+#include "machine/scripted_port.h"
 
 #include <winioctl.h>
 

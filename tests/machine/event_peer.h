@@ -10,9 +10,9 @@
 
 #include "frame/shared_area.h"
 #include "hxmgtapi.h"
-#include "support/fake_system.h"
+#include "machine/fake_system.h"
+#include "machine/scripted_port.h"
 #include "support/program.h"
-#include "support/scripted_port.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/scratch_registry.h"
+#include "machine/scratch_registry.h"
 
 #include <cstdio>
 

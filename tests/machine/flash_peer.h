@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "support/event_peer.h"
-#include "support/import_redirection.h"
-#include "support/scripted_port.h"
+#include "machine/event_peer.h"
+#include "machine/import_redirection.h"
+#include "machine/scripted_port.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/private_library.h"
+#include "machine/private_library.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <sstream>
 #include <utility>
 
-#include "support/event_peer.h"
-#include "support/import_redirection.h"
+#include "machine/event_peer.h"
+#include "machine/import_redirection.h"
 
 namespace support {
 
