@@ -182,7 +182,7 @@ class Collector {
         for (const TakenDocument& document : documents) {
             AddMember("documents/" + document.member + ".json", BytesOf(document.text),
                       document.words, Number(document.exit), document.milliseconds);
-            if (!IsGoodEnding(document.exit)) {
+            if (!document.good) {
                 manifest_.errors.push_back(
                     {document.words, Number(document.exit), WhatItSaid(document.text)});
             }

@@ -26,10 +26,9 @@ struct TakenDocument {
     ExitCode exit;
     std::string text;
     uint64_t milliseconds;  // that it took
+    // It did what it could, although there may be findings, a chip that cannot tell, or no adapter.
+    bool good;
 };
-
-// A command that did what it could, although there may be findings, or a chip that cannot tell.
-bool IsGoodEnding(ExitCode exit);
 
 struct SnapshotPlan {
     bool forReport = false;     // those alone that a report shows
