@@ -24,7 +24,8 @@ HX_STATUS FetchAll(PortVisit& visit, std::vector<Fetched>* fetched) {
             continue;
         }
         visit.task.Answered(kFetchTime);
-        Fetched& dump = fetched->emplace_back(Fetched{&kind, HXMGT_SUCCESS, {}});
+        fetched->push_back({&kind, HXMGT_SUCCESS, {}});
+        Fetched& dump = fetched->back();
         dump.status = kind.fetch(visit.Handle(), size, &dump.bytes);
         visit.task.Answered();
     }
