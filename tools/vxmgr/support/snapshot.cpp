@@ -1,6 +1,7 @@
 #include "vxmgr/support/snapshot.h"
 
 #include <algorithm>
+#include <span>
 #include <thread>
 
 #include "vxmgr/app/host_name.h"
@@ -8,6 +9,13 @@
 
 namespace vxmgr {
 namespace {
+
+struct SnapshotRow {
+    const char* command;
+    const char* options = "";  // behind it
+    bool ofEachPort = false;   // it is about one port: run for each
+    bool inReport = false;
+};
 
 constexpr SnapshotRow kRows[] = {
     {.command = "version"},
@@ -148,10 +156,6 @@ std::vector<TakenDocument> TakeOfPorts(Invocation& invocation, const std::vector
 }
 
 }  // namespace
-
-std::span<const SnapshotRow> SnapshotRows() {
-    return kRows;
-}
 
 std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
     const OpenPortsMemory open(plan.traceFolder);
