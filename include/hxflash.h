@@ -20,10 +20,10 @@
 extern "C" {
 #endif
 
-#define HX_MAX_FLASH_REGIONS 255
+#define HX_MAX_FLASH_REGIONS 255    /* most regions of a flash */
 #define HX_NVRAM_CLASSIC_BYTES 256  /* block of 16-bit words */
 #define HX_NVRAM_EXTENDED_BYTES 512 /* block of 32-bit words: newer chips */
-#define HX_NVRAM_VARIABLES 188
+#define HX_NVRAM_VARIABLES 188      /* number of NVRAM variables, of any chip */
 
 /* Flash regions by their codes. */
 enum HX_FLASH_REGION_CODE {
@@ -52,7 +52,7 @@ typedef struct HX_FLASH_REGION {
 typedef struct HX_FLASH_LAYOUT {
     uint32_t size;  /* 0  size of the driver's table in bytes */
     uint32_t count; /* 4  in: regions there is room for; out: regions of the flash */
-    HX_FLASH_REGION regions[HX_MAX_FLASH_REGIONS];
+    HX_FLASH_REGION regions[HX_MAX_FLASH_REGIONS]; /* 8  as many as count says */
 } HX_FLASH_LAYOUT;
 
 /* One region as the extended table describes it, 16 bytes. */
@@ -67,10 +67,11 @@ typedef struct HX_FLASH_REGION_EX {
 
 #define HX_REGION_FLAG_SECURE 1u /* the region that secure updates go through */
 
+/* The extended table of the flash regions; it may end after any region, too. */
 typedef struct HX_FLASH_LAYOUT_EX {
     uint32_t size;  /* 0  size of the driver's table in bytes */
     uint32_t count; /* 4  in: regions there is room for; out: regions of the flash */
-    HX_FLASH_REGION_EX regions[HX_MAX_FLASH_REGIONS];
+    HX_FLASH_REGION_EX regions[HX_MAX_FLASH_REGIONS]; /* 8  as many as count says */
 } HX_FLASH_LAYOUT_EX;
 
 /* Head of the record of HXOrvoMgt, 16 bytes; the data follows it. */
@@ -89,6 +90,7 @@ typedef struct HX_VARIABLE_FIELD {
 
 #pragma pack(pop)
 
+/* What HXOrvoMgt does. */
 enum HX_COMPANION_OPERATION {
     HX_COMPANION_RESET = 1,
     HX_COMPANION_VERSION = 2,

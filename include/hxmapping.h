@@ -28,6 +28,7 @@
 extern "C" {
 #endif
 
+/* What a device of the operating system is, and how it is called. */
 enum HX_OS_DEVICE_TYPE {
     HX_OS_DEVICE_DISK = 1,   /* "\\.\PhysicalDrive%d" */
     HX_OS_DEVICE_TAPE = 2,   /* "\\.\Tape%d" */

@@ -133,6 +133,7 @@ typedef struct HX_PORT_PROPERTY {
     uint8_t reserved109[3];     /* 109 */
 } HX_PORT_PROPERTY;
 
+/* State of a port's link. */
 enum HX_PORT_STATE {
     HX_PORT_STATE_ONLINE = 1,
     HX_PORT_STATE_OFFLINE = 2,
@@ -214,6 +215,7 @@ typedef struct HX_EVENT {
                              N_Port page (FC-LS) */
 } HX_EVENT;
 
+/* Types of events; the driver may give others. */
 enum HX_EVENT_TYPE {
     HX_EVENT_LIP = 1, /* loop initialisation occurred */
     HX_EVENT_LINK_UP = 2,
@@ -381,6 +383,7 @@ HX_STATUS SendMiniPortControl(int32_t handle, uint32_t code, const void* input,
  * Every query fills the caller's record; after a failure the record may be partly written.
  * --------------------------------------------------------------------------------------------- */
 
+/* Properties of the adapter that the handle's port is on. */
 HX_STATUS HXGetHbaDeviceNodeProperty(uint32_t handle, HX_NODE_PROPERTY* record);
 
 /* The same after the driver has read the adapter anew (driver 7.05.03 on). */
@@ -395,7 +398,10 @@ HX_STATUS HXGetHbaDevicePortPropertyV1(uint32_t handle, uint16_t port, HX_PORT_P
 /* HXMGT_INVALID_SUBCODE on a driver that does not know the second version. */
 HX_STATUS HXGetHbaDevicePortPropertyV2(uint32_t handle, uint64_t port, HX_PORT_PROPERTY* record);
 
+/* PCI identity of the adapter's chip. */
 HX_STATUS HXGetHbaDeviceChipProperty(uint32_t handle, HX_CHIP_PROPERTY* record);
+
+/* Properties of the driver, and of the firmware that the port runs. */
 HX_STATUS HXGetHbaDeviceDriverProperty(uint32_t handle, HX_DRIVER_PROPERTY* record);
 HX_STATUS HXGetHbaDeviceFirmwareProperty(uint32_t handle, HX_FIRMWARE_PROPERTY* record);
 

@@ -27,6 +27,7 @@ typedef struct HX_SCSI_ADDRESS {
     uint16_t lun;       /* 10  logical unit number; drivers below 7.05.03 take its low byte */
 } HX_SCSI_ADDRESS;
 
+/* What the address of a remote port holds. */
 enum HX_ADDRESS_TYPE {
     HX_ADDRESS_NODE_NAME = 1,
     HX_ADDRESS_PORT_NAME = 2,
@@ -34,6 +35,7 @@ enum HX_ADDRESS_TYPE {
     HX_ADDRESS_BUS_TARGET = 4
 };
 
+/* How a loopback test ended. */
 enum HX_LOOPBACK_COMPLETION {
     HX_LOOPBACK_COMPLETE = 1,      /* the firmware's 0x4000 */
     HX_LOOPBACK_BAD_PARAMETER = 2, /* the firmware's 0x4006 */
@@ -57,12 +59,14 @@ typedef struct HX_LOOPBACK_EX_RESULT {
                                  iterations done (high word), iterations done (low word) */
 } HX_LOOPBACK_EX_RESULT;
 
-/* Results of a D-port test as the firmware gives them. */
+/* Results of a D-port test as the firmware gives them, 72 bytes. */
 typedef struct HX_DPORT_RESULT {
-    uint8_t bytes[72];
+    uint8_t bytes[72]; /* 0  of the firmware's format */
 } HX_DPORT_RESULT;
+
+/* The same with results of each lane, 1088 bytes. */
 typedef struct HX_DPORT_RESULT_EX2 {
-    uint8_t bytes[1088];
+    uint8_t bytes[1088]; /* 0  of the firmware's format */
 } HX_DPORT_RESULT_EX2;
 
 #pragma pack(pop)

@@ -148,6 +148,7 @@ enum HX_SCM_STATE {
     HX_SCM_ENABLED = 8           /* the setting is on */
 };
 
+/* What congestion signals announce now. */
 enum HX_SCM_SEVERITY {
     HX_SCM_SEVERITY_NONE = 0,
     HX_SCM_SEVERITY_WARNING = 1,
@@ -224,7 +225,7 @@ typedef struct HX_PRIVATE_STATISTICS {
     uint8_t reserved168[344];         /* 168 */
 } HX_PRIVATE_STATISTICS;
 
-#define HX_LATENCY_BUCKETS 24
+#define HX_LATENCY_BUCKETS 24 /* of HX_PRIVATE_STATISTICS_EX */
 
 /* How long commands took, 512 bytes. Bucket b counts commands of 2^b up to 2^(b+1) microseconds;
    bucket 0 also shorter ones, the last one also longer ones. */

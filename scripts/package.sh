@@ -107,6 +107,7 @@ build_in() {
             page "$file" "$main/${file%.md}.html"
         done
     )
+    (cd "$folder/source" && scripts/reference.sh "$main/docs/api")
     python3 packaging/make_sbom.py "$version" "$commit" "$main" "$emulator" \
         >"$dist/vxmgmt-$version.spdx.json"
     cp "$dist/vxmgmt-$version.spdx.json" "$main/licences"

@@ -18,7 +18,7 @@ case ${1:-} in
         git python3 zip unzip              # what is staged, and archives
         llvm lld                           # the import library of other compilers
         wixl msitools osslsigncode openssl # the installer, signatures
-        cmark-gfm                          # manuals as pages
+        cmark-gfm doxygen                  # manuals and the headers as pages
     )
     ;;
 esac

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Makes the reference of the public headers as pages. Fails when an export, record, field, enumeration
+# or constant has no documentation. Usage: scripts/reference.sh [FOLDER]    (build/reference)
+source "$(dirname "$0")/common.sh"
+
+folder=${1:-build/reference}
+command -v doxygen >/dev/null || scripts/setup.sh --package
+rm -rf "$folder"
+mkdir -p "$folder"
+doxygen - < <(cat packaging/reference/Doxyfile && echo "OUTPUT_DIRECTORY = \"$folder\"")
