@@ -13,6 +13,7 @@ packages=(
 )
 case ${1:-} in
 --fuzz) packages+=(clang libclang-rt-dev) ;;
+--bindings) packages+=(clang python3 nodejs npm) ;;
 --package)
     packages+=(
         git python3 zip unzip              # what is staged, and archives
