@@ -96,7 +96,7 @@ build_in() {
     fi
     python3 packaging/check_pe.py "$main"/bin/* "$emulator"/*.exe "$emulator"/*.sys
 
-    cp -r "$folder/source/docs" "$folder/source/samples" "$main"
+    cp -r "$folder/source/docs" "$folder/source/samples" "$folder/source/bindings" "$main"
     mv "$main/docs/schemas" "$main/schemas"
     [ ! -d "$folder/source/packaging/monitoring" ] || cp -r "$folder/source/packaging/monitoring" "$main"
     cp "$folder/source/README.md" "$folder/source/CHANGELOG.md" "$folder/source/LICENSE" "$main"
