@@ -7,11 +7,12 @@
  * management API (hxmgtapi.h) is needed. The rules:
  *  1. GetNumberOfAdaptersHandler and GetAdapterNameHandler find the adapters, OpenAdapterHandler
  *     gives a handle (0 = failure), CloseAdapterHandler takes it back. A handle has one port, so
- *     port indexes are accepted and not looked at.
+ *     portIndex is accepted and not looked at.
  *  2. Handlers return HBA_STATUS_... unless their line below says otherwise. A handle that is not
  *     open gives HBA_STATUS_ERROR_INVALID_HANDLE, a null record HBA_STATUS_ERROR_ARG.
- *  3. The caller owns every record and buffer. Texts of a field are zero-terminated unless they
- *     fill the field.
+ *  3. The caller owns every record and buffer: attributes, statistics, info, mapping and binding
+ *     take what the handler's name says, response takes responseSize bytes at most. Texts of a
+ * field are zero-terminated unless they fill the field.
  *  4. Records have the natural alignment of Windows x64, little-endian; their sizes are part of the
  *     interface. World wide names are eight bytes in the order in which they are written; as a
  *     handler's argument a name is passed by value.
@@ -283,15 +284,16 @@ typedef struct HBA_ENTRYPOINTS {
     HBA_STATUS (*GetPortStatisticsHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTSTATISTICS* statistics);
     /* Type and state of a discovered port are not known. OSDeviceName is the device of its lowest
-       logical unit, or empty. HBA_STATUS_ERROR_ILLEGAL_WWN: no such index. */
+       logical unit, or empty. discoveredPortIndex counts them from 0;
+       HBA_STATUS_ERROR_ILLEGAL_WWN: no such index. */
     HBA_STATUS (*GetDiscoveredPortAttributesHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_UINT32 discoveredPortIndex,
         HBA_PORTATTRIBUTES* attributes);
-    /* The same by the port name of a discovered port. */
+    /* The same of the discovered port whose port name is portWWN. */
     HBA_STATUS (*GetPortAttributesByWWNHandler)(
         HBA_HANDLE handle, HBA_WWN portWWN, HBA_PORTATTRIBUTES* attributes);
 
-    /* Sends a Common Transport request of at least 8 bytes. */
+    /* Sends a Common Transport request of at least 8 bytes and receives the response. */
     HBA_STATUS (*SendCTPassThruHandler)(
         HBA_HANDLE handle, void* request, HBA_UINT32 requestSize, void* response,
         HBA_UINT32 responseSize);
@@ -316,15 +318,16 @@ typedef struct HBA_ENTRYPOINTS {
     /* Sets IPVersion, UDPPort and IPAddress; the other members are not looked at. */
     HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
-    /* Sends RNID for general topology discovery to a node or port and receives the LS_ACC payload.
-       Zero the response first: what stands in its first bytes is sent along. *responseSize is the
-       room in bytes and is lowered to the payload's length. */
+    /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and receives
+       the LS_ACC payload. Zero the response first: what stands in its first bytes is sent along.
+       *responseSize is the room in bytes and is lowered to the payload's length. */
     HBA_STATUS (*SendRNIDHandler)(
         HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* response,
         HBA_UINT32* responseSize);
 
-    /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED for a
-       discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. */
+    /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED when portWWN
+       is that of a discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. fcLUN,
+       EVPD and PageCode are not looked at, response and sense are not written. */
     HBA_STATUS (*ScsiInquiryHandler)(
         HBA_HANDLE handle, HBA_WWN portWWN, HBA_UINT64 fcLUN, HBA_UINT8 EVPD, HBA_UINT32 PageCode,
         void* response, HBA_UINT32 responseSize, void* sense, HBA_UINT32 senseSize);
@@ -337,8 +340,10 @@ typedef struct HBA_ENTRYPOINTS {
 } HBA_ENTRYPOINTS;
 /* clang-format on */
 
-/* Stores the 24 handlers in the caller's table, which must not be null. HBA_STATUS_OK. */
+/* Stores the 24 handlers in the caller's table entryPoints, which must not be null. HBA_STATUS_OK.
+ */
 HBA_STATUS HBA_RegisterLibrary(HBA_ENTRYPOINTS* entryPoints);
+/* The type of it, for entryPoints of a library that is loaded at run time. */
 typedef HBA_STATUS (*HBA_REGISTERLIBRARY)(HBA_ENTRYPOINTS* entryPoints);
 
 #ifdef __cplusplus

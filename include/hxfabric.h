@@ -316,7 +316,7 @@ typedef struct HX_NVME_NAMESPACE {
 
 #pragma pack(pop)
 
-/* Who is where on the loop of the port; nobody outside a loop. Every driver. */
+/* Who is where on the loop of the port, in map; nobody outside a loop. Every driver. */
 HX_STATUS HXGetPositionalMap(uint32_t handle, HX_POSITIONAL_MAP* map);
 
 /* The remote ports that the port knows, those that it lost among them, with what they say of their
@@ -328,9 +328,9 @@ HX_STATUS HXGetRemotePortInfo(uint32_t handle, HX_REMOTE_PORT* ports, uint32_t* 
 HX_STATUS HXGetSecurePortInfo(uint32_t handle, HX_SECURE_PORT* ports, uint32_t* count);
 
 /*
- * The rate at which frames go to a target. A set takes an HX_SPEED_... code, or 0 for the rate that
- * was negotiated (HXMGT_INVALID_PARAMETER: none of these, or beyond the port's). It holds for this
- * port and target until the driver stops.
+ * The rate at which frames go to a target. A set takes as speed an HX_SPEED_... code, or 0 for the
+ * rate that was negotiated (HXMGT_INVALID_PARAMETER: none of these, or beyond the port's). It holds
+ * for this port and target until the driver stops.
  */
 HX_STATUS HXGetTargetIDMALinkSpeed(uint32_t handle, const DESTINATIONADDRESS* target,
                                    HX_TARGET_LINK_SPEED* record);

@@ -131,7 +131,7 @@ HX_STATUS HXGetBoardTemp(uint32_t handle, HX_BOARD_TEMPERATURE* record);
 
 /*
  * The LED that locates the port, on any chip. An update switches it on for the seconds given, or
- * off; on and seconds alone are read. HXMGT_NOT_SUPPORTED: the port has none;
+ * off; on and seconds alone are read from beacon. HXMGT_NOT_SUPPORTED: the port has none;
  * HXMGT_FEATURE_NOT_SUPPORTED_BY_DRIVER: the driver does not know of it.
  */
 HX_STATUS HXGetBeaconControl(uint32_t handle, HX_BEACON* beacon);

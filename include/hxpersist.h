@@ -155,9 +155,9 @@ typedef struct HX_DISCOVERED_TARGET {
 HX_STATUS HXGetPortDatabase(uint32_t handle, uint32_t type, void* buffer, uint32_t size);
 
 /*
- * The discoveredIndex-th (from 0) discovered port or target. port and reserved are not used.
- * A driver below 7.05.03 has no target query (HXMGT_NOT_SUPPORTED) and gives HXMGT_DEVICE_NOT_FOUND
- * for a port index beyond its list.
+ * The discoveredIndex-th (from 0) discovered port or target, in record. port and reserved are not
+ * used. A driver below 7.05.03 has no target query (HXMGT_NOT_SUPPORTED) and gives
+ * HXMGT_DEVICE_NOT_FOUND for a port index beyond its list.
  */
 HX_STATUS HXGetDiscPortProperty(uint32_t handle, uint32_t port, uint32_t discoveredIndex,
                                 uint32_t reserved, HX_DISCOVERED_PORT* record);
@@ -197,14 +197,15 @@ HX_STATUS HXGetPersistentDeviceEntryList(HX_WWN_LIST* list);
 HX_STATUS HXGetPersistentTargetEntryList(HX_WWN_LIST* list);
 
 /*
- * Delete the stored data of an adapter port (8-byte port name), or a target (8-byte key) from the
- * stored data of every port. A name that is stored nowhere is no error. Counts stay: the freed
- * entries are left as free slots. HXMGT_PERSISTENT_STORAGE_ERROR: not everything could be deleted.
+ * Delete the stored data of an adapter port (portName, 8 bytes), or a target (targetName, its key
+ * of 8 bytes) from the stored data of every port. A name that is stored nowhere is no error. Counts
+ * stay: the freed entries are left as free slots. HXMGT_PERSISTENT_STORAGE_ERROR: not everything
+ * could be deleted.
  */
 HX_STATUS HXDeletePersistentDeviceEntry(const uint8_t* portName);
 HX_STATUS HXDeletePersistentTargetEntry(const uint8_t* targetName);
 
-/* Ask the driver to add a target, or to put newDevice in the place of oldDevice. */
+/* Ask the driver to add device as a target, or to put newDevice in the place of oldDevice. */
 HX_STATUS HXAddTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* device);
 HX_STATUS HXSwapTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
                              const HX_DEVICE_RECORD* newDevice);
@@ -212,9 +213,10 @@ HX_STATUS HXSwapTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
 /* ------------------------------------------------------------------------------------------------
  * LUN masking
  *
- * mask is a bitmap: LUN n is bit (n mod 8) of byte (n div 8), set = visible, clear = masked. At
- * most 256 bytes of it are used; a driver below 7.05.03 and a stored block of version 1 have LUNs 0
- * to 255 alone. HXMGT_DEVICE_NOT_FOUND: the target or its mask is not known.
+ * address is that of the target. mask is a bitmap: LUN n is bit (n mod 8) of byte (n div 8), set =
+ * visible, clear = masked. At most 256 bytes of it are used; a driver below 7.05.03 and a stored
+ * block of version 1 have LUNs 0 to 255 alone. HXMGT_DEVICE_NOT_FOUND: the target or its mask is
+ * not known.
  * --------------------------------------------------------------------------------------------- */
 
 /*
@@ -257,7 +259,8 @@ HX_STATUS HXGetLunData(uint32_t handle, uint16_t port, HX_LUN_DATA* block, uint1
  */
 HX_STATUS HXSetLunData(uint32_t handle, uint16_t port, HX_LUN_DATA* block, uint16_t toRegistry);
 
-/* The functions above for port 0, under their older names; the two numbers are not used. */
+/* The functions above for port 0, under their older names; block, list, fromRegistry and
+   toRegistry, portName and targetName are theirs. */
 HX_STATUS IHXFoGetTargetData(uint32_t handle, uint64_t reserved1, uint64_t reserved2,
                              HX_TARGET_DATA* block, uint16_t fromRegistry);
 HX_STATUS IHXFoSetTargetData(uint32_t handle, uint64_t reserved1, uint64_t reserved2,

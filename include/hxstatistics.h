@@ -257,7 +257,7 @@ HX_STATUS HXResetStatistics(uint32_t handle);
  */
 HX_STATUS HXGetMgmtAddress(uint32_t handle, void* record, uint32_t size);
 
-/* Sets the management address of the port. Driver 7.05.03. */
+/* Sets the management address of the port to record. Driver 7.05.03. */
 HX_STATUS HXSetMgmtAddress(uint32_t handle, const HX_MGMT_ADDRESS_SETTING* record);
 
 /* ------------------------------------------------------------------------------------------------

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Makes the reference of the public headers as pages. Fails when an export, record, field, enumeration
-# or constant has no documentation. Usage: scripts/reference.sh [FOLDER]    (build/reference)
+# Makes the reference of the public headers as pages. Fails when an export, parameter, record, field,
+# enumeration or constant has no documentation; the values of an enumeration may speak for themselves. Usage: scripts/reference.sh [FOLDER]    (build/reference)
 source "$(dirname "$0")/common.sh"
 
 folder=${1:-build/reference}
+PYTHONDONTWRITEBYTECODE=1 python3 packaging/reference/parameters.py include/*.h
 command -v doxygen >/dev/null || scripts/setup.sh --package
 rm -rf "$folder"
 mkdir -p "$folder"
