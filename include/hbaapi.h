@@ -318,8 +318,8 @@ typedef struct HBA_ENTRYPOINTS {
     /* Sets IPVersion, UDPPort and IPAddress; the other members are not looked at. */
     HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
-    /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and receives
-       the LS_ACC payload. Zero the response first: what stands in its first bytes is sent along.
+    /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and
+       receives the LS_ACC payload. Zero the response first: what stands in its first bytes is sent along.
        *responseSize is the room in bytes and is lowered to the payload's length. */
     HBA_STATUS (*SendRNIDHandler)(
         HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* response,

@@ -103,7 +103,7 @@ build_in() {
     cp "$folder/source/docs/emulator.md" "$folder/source/docs/test-machine.md" "$emulator"
     (
         cd "$folder/source"
-        for file in README.md CHANGELOG.md docs/*.md; do
+        for file in README.md CHANGELOG.md docs/*.md bindings/README.md bindings/*/README.md; do
             page "$file" "$main/${file%.md}.html"
         done
     )
