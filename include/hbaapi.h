@@ -319,8 +319,8 @@ typedef struct HBA_ENTRYPOINTS {
     HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and
-       receives the LS_ACC payload. Zero the response first: what stands in its first bytes is sent along.
-       *responseSize is the room in bytes and is lowered to the payload's length. */
+       receives the LS_ACC payload. Zero the response first: what stands in its first bytes is sent
+       along. *responseSize is the room in bytes and is lowered to the payload's length. */
     HBA_STATUS (*SendRNIDHandler)(
         HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* response,
         HBA_UINT32* responseSize);
