@@ -7,11 +7,12 @@
  * management API (hxmgtapi.h) is needed. The rules:
  *  1. GetNumberOfAdaptersHandler and GetAdapterNameHandler find the adapters, OpenAdapterHandler
  *     gives a handle (0 = failure), CloseAdapterHandler takes it back. A handle has one port, so
- *     port indexes are accepted and not looked at.
+ *     portIndex is accepted and not looked at.
  *  2. Handlers return HBA_STATUS_... unless their line below says otherwise. A handle that is not
  *     open gives HBA_STATUS_ERROR_INVALID_HANDLE, a null record HBA_STATUS_ERROR_ARG.
- *  3. The caller owns every record and buffer. Texts of a field are zero-terminated unless they
- *     fill the field.
+ *  3. The caller owns every record and buffer: attributes, statistics, info, mapping and binding
+ *     take what the handler's name says, response takes responseSize bytes at most. Texts of a
+ * field are zero-terminated unless they fill the field.
  *  4. Records have the natural alignment of Windows x64, little-endian; their sizes are part of the
  *     interface. World wide names are eight bytes in the order in which they are written; as a
  *     handler's argument a name is passed by value.
@@ -29,86 +30,91 @@
 extern "C" {
 #endif
 
-#define HBA_VERSION 1
+#define HBA_VERSION 1 /* what GetVersionHandler returns */
 
-typedef uint8_t HBA_UINT8;
-typedef uint16_t HBA_UINT16;
-typedef uint32_t HBA_UINT32;
-typedef int64_t HBA_INT64;
-typedef uint64_t HBA_UINT64;
+typedef uint8_t HBA_UINT8;   /* the names that the standard gives to the usual integers */
+typedef uint16_t HBA_UINT16; /* 16 bits, unsigned */
+typedef uint32_t HBA_UINT32; /* 32 bits, unsigned */
+typedef int64_t HBA_INT64;   /* 64 bits, signed */
+typedef uint64_t HBA_UINT64; /* 64 bits, unsigned */
 
 typedef HBA_UINT32 HBA_STATUS; /* HBA_STATUS_... */
-typedef HBA_UINT32 HBA_HANDLE;
+typedef HBA_UINT32 HBA_HANDLE; /* an open adapter; 0 is none */
 
-#define HBA_STATUS_OK 0
-#define HBA_STATUS_ERROR 1
-#define HBA_STATUS_ERROR_NOT_SUPPORTED 2
-#define HBA_STATUS_ERROR_INVALID_HANDLE 3
-#define HBA_STATUS_ERROR_ARG 4
-#define HBA_STATUS_ERROR_ILLEGAL_WWN 5
-#define HBA_STATUS_ERROR_ILLEGAL_INDEX 6
-#define HBA_STATUS_ERROR_MORE_DATA 7
+#define HBA_STATUS_OK 0                   /* success */
+#define HBA_STATUS_ERROR 1                /* a failure that has no status of its own */
+#define HBA_STATUS_ERROR_NOT_SUPPORTED 2  /* the adapter or the library cannot do it */
+#define HBA_STATUS_ERROR_INVALID_HANDLE 3 /* the handle is not open */
+#define HBA_STATUS_ERROR_ARG 4            /* an argument is null or out of range */
+#define HBA_STATUS_ERROR_ILLEGAL_WWN 5    /* no such port */
+#define HBA_STATUS_ERROR_ILLEGAL_INDEX 6  /* no such index */
+#define HBA_STATUS_ERROR_MORE_DATA 7      /* not everything fitted */
 
+/* A world wide name, 8 bytes. */
 typedef struct HBA_WWN {
-    HBA_UINT8 wwn[8];
+    HBA_UINT8 wwn[8]; /* 0 */
 } HBA_WWN;
 
+/* What a world wide name names. */
 typedef enum HBA_WWNTYPE { NODE_WWN = 0, PORT_WWN = 1 } HBA_WWNTYPE;
 
 /* ------------------------------------------------------------------------------------------------
  * Adapter and port attributes
  * --------------------------------------------------------------------------------------------- */
 
-typedef struct HBA_ADAPTERATTRIBUTES { /* 2192 bytes */
-    char Manufacturer[64];             /*    0  not terminated when it fills the field */
-    char SerialNumber[64];             /*   64 */
-    char Model[256];                   /*  128 */
-    char ModelDescription[256];        /*  384 */
-    HBA_WWN NodeWWN;                   /*  640 */
-    char NodeSymbolicName[256];        /*  648  empty */
-    char HardwareVersion[256];         /*  904  empty when the adapter does not tell it */
-    char DriverVersion[256];           /* 1160 */
-    char OptionROMVersion[256];        /* 1416 */
-    char FirmwareVersion[256];         /* 1672 */
-    HBA_UINT32 VendorSpecificID;       /* 1928  zero it before the call, see the handler */
-    HBA_UINT32 NumberOfPorts;          /* 1932 */
-    char DriverName[256];              /* 1936  file name of the driver */
+/* What an adapter is, 2192 bytes. */
+typedef struct HBA_ADAPTERATTRIBUTES {
+    char Manufacturer[64];       /*    0  not terminated when it fills the field */
+    char SerialNumber[64];       /*   64 */
+    char Model[256];             /*  128 */
+    char ModelDescription[256];  /*  384 */
+    HBA_WWN NodeWWN;             /*  640 */
+    char NodeSymbolicName[256];  /*  648  empty */
+    char HardwareVersion[256];   /*  904  empty when the adapter does not tell it */
+    char DriverVersion[256];     /* 1160 */
+    char OptionROMVersion[256];  /* 1416 */
+    char FirmwareVersion[256];   /* 1672 */
+    HBA_UINT32 VendorSpecificID; /* 1928  zero it before the call, see the handler */
+    HBA_UINT32 NumberOfPorts;    /* 1932 */
+    char DriverName[256];        /* 1936  file name of the driver */
 } HBA_ADAPTERATTRIBUTES;
 
-#define HBA_PORTTYPE_UNKNOWN 1
-#define HBA_PORTTYPE_NPORT 5
-#define HBA_PORTTYPE_NLPORT 6 /* loop with a fabric */
-#define HBA_PORTTYPE_LPORT 20 /* private loop */
-#define HBA_PORTTYPE_PTP 21   /* point to point, no fabric */
-typedef HBA_UINT32 HBA_PORTTYPE;
+#define HBA_PORTTYPE_UNKNOWN 1   /* not known */
+#define HBA_PORTTYPE_NPORT 5     /* fabric */
+#define HBA_PORTTYPE_NLPORT 6    /* loop with a fabric */
+#define HBA_PORTTYPE_LPORT 20    /* private loop */
+#define HBA_PORTTYPE_PTP 21      /* point to point, no fabric */
+typedef HBA_UINT32 HBA_PORTTYPE; /* HBA_PORTTYPE_... */
 
-#define HBA_PORTSTATE_UNKNOWN 1
-#define HBA_PORTSTATE_ONLINE 2
-#define HBA_PORTSTATE_OFFLINE 3
-#define HBA_PORTSTATE_LINKDOWN 6
-typedef HBA_UINT32 HBA_PORTSTATE;
+#define HBA_PORTSTATE_UNKNOWN 1   /* not known */
+#define HBA_PORTSTATE_ONLINE 2    /* works */
+#define HBA_PORTSTATE_OFFLINE 3   /* offline */
+#define HBA_PORTSTATE_LINKDOWN 6  /* no link */
+typedef HBA_UINT32 HBA_PORTSTATE; /* HBA_PORTSTATE_... */
 
 /* Speeds: one bit each, so that a set of them is a sum. */
-#define HBA_PORTSPEED_UNKNOWN 0
-#define HBA_PORTSPEED_1GBIT 1
-#define HBA_PORTSPEED_2GBIT 2
-#define HBA_PORTSPEED_10GBIT 4
-#define HBA_PORTSPEED_4GBIT 8
-#define HBA_PORTSPEED_8GBIT 16
-#define HBA_PORTSPEED_16GBIT 32
-#define HBA_PORTSPEED_32GBIT 64
-#define HBA_PORTSPEED_64GBIT 128
+#define HBA_PORTSPEED_UNKNOWN 0                /* not known */
+#define HBA_PORTSPEED_1GBIT 1                  /* 1 Gbit/s */
+#define HBA_PORTSPEED_2GBIT 2                  /* 2 Gbit/s */
+#define HBA_PORTSPEED_10GBIT 4                 /* 10 Gbit/s */
+#define HBA_PORTSPEED_4GBIT 8                  /* 4 Gbit/s */
+#define HBA_PORTSPEED_8GBIT 16                 /* 8 Gbit/s */
+#define HBA_PORTSPEED_16GBIT 32                /* 16 Gbit/s */
+#define HBA_PORTSPEED_32GBIT 64                /* 32 Gbit/s */
+#define HBA_PORTSPEED_64GBIT 128               /* 64 Gbit/s */
 #define HBA_PORTSPEED_NOT_REPORTED 0xFFFFFFFFu /* this driver does not report speeds */
-typedef HBA_UINT32 HBA_PORTSPEED;
+typedef HBA_UINT32 HBA_PORTSPEED;              /* HBA_PORTSPEED_... */
 
-#define HBA_CLASS_OF_SERVICE_3 8
-typedef HBA_UINT32 HBA_COS;
+#define HBA_CLASS_OF_SERVICE_3 8 /* the only class of these adapters */
+typedef HBA_UINT32 HBA_COS;      /* classes of service: bits */
 
+/* The protocols of a port, 32 bytes. */
 typedef struct HBA_FC4TYPES {
-    HBA_UINT8 bits[32];
+    HBA_UINT8 bits[32]; /* 0  a bit for each FC-4 type (FC-GS) */
 } HBA_FC4TYPES;
 
-typedef struct HBA_PORTATTRIBUTES {      /* 632 bytes */
+/* What a port is, of the adapter or discovered, 632 bytes. */
+typedef struct HBA_PORTATTRIBUTES {
     HBA_WWN NodeWWN;                     /*   0 */
     HBA_WWN PortWWN;                     /*   8 */
     HBA_UINT32 PortFcId;                 /*  16  domain x 65536 + area x 256 + port */
@@ -126,70 +132,77 @@ typedef struct HBA_PORTATTRIBUTES {      /* 632 bytes */
     HBA_UINT32 NumberofDiscoveredPorts;  /* 628 */
 } HBA_PORTATTRIBUTES;
 
-/* Counters since the last reset; -1 = not available. */
-typedef struct HBA_PORTSTATISTICS { /* 120 bytes */
-    HBA_INT64 SecondsSinceLastReset;
-    HBA_INT64 TxFrames;
-    HBA_INT64 TxWords;
-    HBA_INT64 RxFrames;
-    HBA_INT64 RxWords;
-    HBA_INT64 LIPCount;
-    HBA_INT64 NOSCount;
-    HBA_INT64 ErrorFrames;
-    HBA_INT64 DumpedFrames;
-    HBA_INT64 LinkFailureCount;
-    HBA_INT64 LossOfSyncCount;
-    HBA_INT64 LossOfSignalCount;
-    HBA_INT64 PrimitiveSeqProtocolErrCount;
-    HBA_INT64 InvalidTxWordCount;
-    HBA_INT64 InvalidCRCCount;
+/* Counters since the last reset, 120 bytes; -1 = not available. */
+typedef struct HBA_PORTSTATISTICS {
+    HBA_INT64 SecondsSinceLastReset;        /*   0 */
+    HBA_INT64 TxFrames;                     /*   8 */
+    HBA_INT64 TxWords;                      /*  16  of 4 bytes */
+    HBA_INT64 RxFrames;                     /*  24 */
+    HBA_INT64 RxWords;                      /*  32  of 4 bytes */
+    HBA_INT64 LIPCount;                     /*  40  loop initialisations */
+    HBA_INT64 NOSCount;                     /*  48  NOS primitives */
+    HBA_INT64 ErrorFrames;                  /*  56 */
+    HBA_INT64 DumpedFrames;                 /*  64  lost because there was no buffer for them */
+    HBA_INT64 LinkFailureCount;             /*  72 */
+    HBA_INT64 LossOfSyncCount;              /*  80 */
+    HBA_INT64 LossOfSignalCount;            /*  88 */
+    HBA_INT64 PrimitiveSeqProtocolErrCount; /*  96 */
+    HBA_INT64 InvalidTxWordCount;           /* 104 */
+    HBA_INT64 InvalidCRCCount;              /* 112 */
 } HBA_PORTSTATISTICS;
 
 /* ------------------------------------------------------------------------------------------------
  * Targets as the operating system knows them
  * --------------------------------------------------------------------------------------------- */
 
-typedef struct HBA_SCSIID {      /* 268 bytes */
+/* A logical unit as the operating system knows it, 268 bytes. */
+typedef struct HBA_SCSIID {
     char OSDeviceName[256];      /*   0  "\\.\PhysicalDrive%d", "\\.\Tape%d" or "\\.\Changer%d" */
     HBA_UINT32 ScsiBusNumber;    /* 256 */
     HBA_UINT32 ScsiTargetNumber; /* 260 */
     HBA_UINT32 ScsiOSLun;        /* 264 */
 } HBA_SCSIID;
 
-typedef struct HBA_FCPID { /* 32 bytes */
-    HBA_UINT32 FcId;       /*  0 */
-    HBA_WWN NodeWWN;       /*  4 */
-    HBA_WWN PortWWN;       /* 12 */
-    HBA_UINT64 FcpLun;     /* 24  the eight bytes of the logical unit number as FCP sends them */
+/* A logical unit as the fabric knows it, 32 bytes. */
+typedef struct HBA_FCPID {
+    HBA_UINT32 FcId;   /*  0 */
+    HBA_WWN NodeWWN;   /*  4 */
+    HBA_WWN PortWWN;   /* 12 */
+    HBA_UINT64 FcpLun; /* 24  the eight bytes of the logical unit number as FCP sends them */
 } HBA_FCPID;
 
-typedef struct HBA_FCPSCSIENTRY { /* 304 bytes */
-    HBA_SCSIID ScsiId;            /*   0 */
-    HBA_FCPID FcpId;              /* 272 */
+/* The two of them together, 304 bytes. */
+typedef struct HBA_FCPSCSIENTRY {
+    HBA_SCSIID ScsiId; /*   0 */
+    HBA_FCPID FcpId;   /* 272 */
 } HBA_FCPSCSIENTRY;
 
-typedef struct HBA_FCPTARGETMAPPING { /* 312 bytes with one entry */
-    HBA_UINT32 NumberOfEntries;       /*   0 */
-    HBA_FCPSCSIENTRY entry[1];        /*   8  as many as the caller has room for */
+/* The logical units behind a port, 312 bytes with one entry. */
+typedef struct HBA_FCPTARGETMAPPING {
+    HBA_UINT32 NumberOfEntries; /*   0 */
+    HBA_FCPSCSIENTRY entry[1];  /*   8  as many as the caller has room for */
 } HBA_FCPTARGETMAPPING;
 
-typedef struct HBA_FCPBINDINGENTRY { /* 312 bytes */
-    HBA_UINT32 type;
-    HBA_SCSIID ScsiId;
-    HBA_FCPID FcpId;
-    HBA_UINT32 FcId;
+/* One persistent binding, 312 bytes. Nothing fills it. */
+typedef struct HBA_FCPBINDINGENTRY {
+    HBA_UINT32 type;   /*   0 */
+    HBA_SCSIID ScsiId; /*   4 */
+    HBA_FCPID FcpId;   /* 272 */
+    HBA_UINT32 FcId;   /* 304 */
 } HBA_FCPBINDINGENTRY;
 
-typedef struct HBA_FCPBINDING { /* 320 bytes with one entry */
-    HBA_UINT32 NumberOfEntries;
-    HBA_FCPBINDINGENTRY entry[1];
+/* The persistent bindings of a port, 320 bytes with one entry. Nothing fills it. */
+typedef struct HBA_FCPBINDING {
+    HBA_UINT32 NumberOfEntries;   /* 0 */
+    HBA_FCPBINDINGENTRY entry[1]; /* 8 */
 } HBA_FCPBINDING;
 
 /* ------------------------------------------------------------------------------------------------
  * Topology information and events
  * --------------------------------------------------------------------------------------------- */
 
-typedef struct HBA_MGMTINFO {          /* 44 bytes; numbers in host order */
+/* What a port answers about itself to topology discovery, 44 bytes; numbers in host order. */
+typedef struct HBA_MGMTINFO {
     HBA_WWN wwn;                       /*  0 */
     HBA_UINT32 unittype;               /*  8 */
     HBA_UINT32 PortId;                 /* 12 */
@@ -201,35 +214,39 @@ typedef struct HBA_MGMTINFO {          /* 44 bytes; numbers in host order */
     HBA_UINT16 TopologyDiscoveryFlags; /* 42 */
 } HBA_MGMTINFO;
 
-#define HBA_EVENT_LIP_OCCURRED 1
-#define HBA_EVENT_LINK_UP 2
-#define HBA_EVENT_LINK_DOWN 3
-#define HBA_EVENT_LIP_RESET_OCCURRED 4
-#define HBA_EVENT_RSCN 5
-#define HBA_EVENT_PROPRIETARY 0xFFFF
+#define HBA_EVENT_LIP_OCCURRED 1       /* loop initialisation */
+#define HBA_EVENT_LINK_UP 2            /* the link came up */
+#define HBA_EVENT_LINK_DOWN 3          /* the link went down */
+#define HBA_EVENT_LIP_RESET_OCCURRED 4 /* loop reset */
+#define HBA_EVENT_RSCN 5               /* registered state change notification */
+#define HBA_EVENT_PROPRIETARY 0xFFFF   /* any other event */
 
+/* What comes with a link event, 16 bytes. */
 typedef struct HBA_LINK_EVENTINFO {
-    HBA_UINT32 PortFcId; /* 0: not told */
-    HBA_UINT32 Reserved[3];
+    HBA_UINT32 PortFcId;    /* 0  zero: not told */
+    HBA_UINT32 Reserved[3]; /* 4 */
 } HBA_LINK_EVENTINFO;
 
+/* What comes with a state change notification, 16 bytes. */
 typedef struct HBA_RSCN_EVENTINFO {
-    HBA_UINT32 PortFcId;  /* 0: not told */
-    HBA_UINT32 NPortPage; /* the affected port page */
-    HBA_UINT32 Reserved[2];
+    HBA_UINT32 PortFcId;    /* 0  zero: not told */
+    HBA_UINT32 NPortPage;   /* 4  the affected port page */
+    HBA_UINT32 Reserved[2]; /* 8 */
 } HBA_RSCN_EVENTINFO;
 
+/* What comes with a proprietary event, 16 bytes: nothing. */
 typedef struct HBA_PTY_EVENTINFO {
-    HBA_UINT32 PtyData[4];
+    HBA_UINT32 PtyData[4]; /* 0 */
 } HBA_PTY_EVENTINFO;
 
-typedef struct HBA_EVENTINFO { /* 20 bytes */
-    HBA_UINT32 EventCode;      /* 0  HBA_EVENT_... */
+/* One event, 20 bytes. */
+typedef struct HBA_EVENTINFO {
+    HBA_UINT32 EventCode; /* 0  HBA_EVENT_... */
     union {
         HBA_LINK_EVENTINFO Link_EventInfo;
         HBA_RSCN_EVENTINFO RSCN_EventInfo;
         HBA_PTY_EVENTINFO Pty_EventInfo;
-    } Event; /* 4 */
+    } Event; /* 4  which of them, EventCode tells */
 } HBA_EVENTINFO;
 
 /* ------------------------------------------------------------------------------------------------
@@ -237,6 +254,7 @@ typedef struct HBA_EVENTINFO { /* 20 bytes */
  * --------------------------------------------------------------------------------------------- */
 
 /* clang-format off */
+/* The table of handlers, 192 bytes. */
 typedef struct HBA_ENTRYPOINTS {
     /* HBA_VERSION. */
     HBA_UINT32 (*GetVersionHandler)(void);
@@ -266,15 +284,16 @@ typedef struct HBA_ENTRYPOINTS {
     HBA_STATUS (*GetPortStatisticsHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTSTATISTICS* statistics);
     /* Type and state of a discovered port are not known. OSDeviceName is the device of its lowest
-       logical unit, or empty. HBA_STATUS_ERROR_ILLEGAL_WWN: no such index. */
+       logical unit, or empty. discoveredPortIndex counts them from 0;
+       HBA_STATUS_ERROR_ILLEGAL_WWN: no such index. */
     HBA_STATUS (*GetDiscoveredPortAttributesHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_UINT32 discoveredPortIndex,
         HBA_PORTATTRIBUTES* attributes);
-    /* The same by the port name of a discovered port. */
+    /* The same of the discovered port whose port name is portWWN. */
     HBA_STATUS (*GetPortAttributesByWWNHandler)(
         HBA_HANDLE handle, HBA_WWN portWWN, HBA_PORTATTRIBUTES* attributes);
 
-    /* Sends a Common Transport request of at least 8 bytes. */
+    /* Sends a Common Transport request of at least 8 bytes and receives the response. */
     HBA_STATUS (*SendCTPassThruHandler)(
         HBA_HANDLE handle, void* request, HBA_UINT32 requestSize, void* response,
         HBA_UINT32 responseSize);
@@ -299,15 +318,16 @@ typedef struct HBA_ENTRYPOINTS {
     /* Sets IPVersion, UDPPort and IPAddress; the other members are not looked at. */
     HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
-    /* Sends RNID for general topology discovery to a node or port and receives the LS_ACC payload.
-       Zero the response first: what stands in its first bytes is sent along. *responseSize is the
-       room in bytes and is lowered to the payload's length. */
+    /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and
+       receives the LS_ACC payload. Zero the response first: what stands in its first bytes is sent
+       along. *responseSize is the room in bytes and is lowered to the payload's length. */
     HBA_STATUS (*SendRNIDHandler)(
         HBA_HANDLE handle, HBA_WWN wwn, HBA_WWNTYPE wwnType, void* response,
         HBA_UINT32* responseSize);
 
-    /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED for a
-       discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. */
+    /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED when portWWN
+       is that of a discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. fcLUN,
+       EVPD and PageCode are not looked at, response and sense are not written. */
     HBA_STATUS (*ScsiInquiryHandler)(
         HBA_HANDLE handle, HBA_WWN portWWN, HBA_UINT64 fcLUN, HBA_UINT8 EVPD, HBA_UINT32 PageCode,
         void* response, HBA_UINT32 responseSize, void* sense, HBA_UINT32 senseSize);
@@ -320,8 +340,10 @@ typedef struct HBA_ENTRYPOINTS {
 } HBA_ENTRYPOINTS;
 /* clang-format on */
 
-/* Stores the 24 handlers in the caller's table, which must not be null. HBA_STATUS_OK. */
+/* Stores the 24 handlers in the caller's table entryPoints, which must not be null. HBA_STATUS_OK.
+ */
 HBA_STATUS HBA_RegisterLibrary(HBA_ENTRYPOINTS* entryPoints);
+/* The type of it, for entryPoints of a library that is loaded at run time. */
 typedef HBA_STATUS (*HBA_REGISTERLIBRARY)(HBA_ENTRYPOINTS* entryPoints);
 
 #ifdef __cplusplus

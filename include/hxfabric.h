@@ -43,13 +43,14 @@
 extern "C" {
 #endif
 
+/* What is known of a remote port. */
 enum HX_REMOTE_PORT_STATE {
     HX_REMOTE_PORT_ONLINE = 1,
     HX_REMOTE_PORT_LOST = 2,
     HX_REMOTE_PORT_NOT_LOGGED_IN = 3
 };
 
-/* Bits. */
+/* What a remote port is for: bits. */
 enum HX_REMOTE_PORT_ROLE {
     HX_ROLE_FCP_TARGET = 1,
     HX_ROLE_FCP_INITIATOR = 2,
@@ -58,12 +59,13 @@ enum HX_REMOTE_PORT_ROLE {
     HX_ROLE_NVME_DISCOVERY = 16
 };
 
-/* Bits. */
+/* What is known of a remote port: bits. */
 enum HX_REMOTE_PORT_FLAG {
     HX_REMOTE_PORT_DIAGNOSED = 1, /* it answered RDP: bytes 40..83 hold */
     HX_REMOTE_PORT_SECURED = 2
 };
 
+/* Where a remote port stands between plain and secured traffic. */
 enum HX_SECURE_STATE {
     HX_SECURE_PLAIN = 0,
     HX_SECURE_AUTHENTICATING = 1,
@@ -71,6 +73,7 @@ enum HX_SECURE_STATE {
     HX_SECURE_FAILED = 3
 };
 
+/* How a remote port proved who it is (FC-SP-2). */
 enum HX_SECURE_AUTHENTICATION {
     HX_AUTHENTICATION_NONE = 0,
     HX_AUTHENTICATION_DH_CHAP = 1,
@@ -79,13 +82,14 @@ enum HX_SECURE_AUTHENTICATION {
     HX_AUTHENTICATION_IKEV2 = 4
 };
 
+/* How its traffic is encrypted (FC-SP-2). */
 enum HX_SECURE_ENCRYPTION {
     HX_ENCRYPTION_NONE = 0,
     HX_ENCRYPTION_AES_GCM_128 = 1,
     HX_ENCRYPTION_AES_GCM_256 = 2
 };
 
-/* Bits. */
+/* Which way traffic is encrypted: bits. */
 enum HX_SECURE_DIRECTION { HX_SECURE_TX = 1, HX_SECURE_RX = 2 };
 
 #define HX_LINK_SPEED_SET 1u /* flag: the speed was set by management */
@@ -93,13 +97,14 @@ enum HX_SECURE_DIRECTION { HX_SECURE_TX = 1, HX_SECURE_RX = 2 };
 /* Frame priority (FC-FS CS_CTL). */
 enum HX_QOS_LEVEL { HX_QOS_NONE = 0, HX_QOS_LOW = 1, HX_QOS_MEDIUM = 2, HX_QOS_HIGH = 3 };
 
-/* Bits. */
+/* Who supports virtual ports: bits. */
 enum HX_NPIV_FLAG {
     HX_NPIV_FIRMWARE = 1, /* the firmware supports it */
     HX_NPIV_FABRIC = 2,   /* the fabric supports it */
     HX_NPIV_ENABLED = 4
 };
 
+/* State of a virtual port. */
 enum HX_VIRTUAL_PORT_STATE {
     HX_VIRTUAL_PORT_ONLINE = 1,
     HX_VIRTUAL_PORT_OFFLINE = 2,
@@ -107,13 +112,16 @@ enum HX_VIRTUAL_PORT_STATE {
     HX_VIRTUAL_PORT_LINK_DOWN = 4
 };
 
-/* Bits. */
+/* What a remote port that speaks NVMe is for: bits. */
 enum HX_NVME_ROLE { HX_NVME_SUBSYSTEM = 1, HX_NVME_DISCOVERY = 2, HX_NVME_HOST = 4 };
 
+/* State of a remote port that speaks NVMe. */
 enum HX_NVME_PORT_STATE { HX_NVME_PORT_ONLINE = 1, HX_NVME_PORT_LOST = 2 };
 
+/* Kind of an NVMe controller. */
 enum HX_NVME_KIND { HX_NVME_KIND_DISCOVERY = 1, HX_NVME_KIND_NVM = 2 };
 
+/* State of the connection to an NVMe controller. */
 enum HX_NVME_STATE {
     HX_NVME_NOT_CONNECTED = 0,
     HX_NVME_CONNECTING = 1,
@@ -132,12 +140,12 @@ enum HX_NVME_ANA_STATE {
     HX_ANA_CHANGING = 15
 };
 
-/* Bits. */
+/* Properties of a namespace: bits. */
 enum HX_NVME_NAMESPACE_FLAG { HX_NAMESPACE_SHARED = 1, HX_NAMESPACE_WRITE_PROTECTED = 2 };
 
-#define HX_QOS_LUNS 256
+#define HX_QOS_LUNS 256              /* logical units that have a priority: LUNs 0 to 255 */
 #define HX_NVME_MOST_CONTROLLER 255u /* index of the last one that tells its namespaces */
-#define HX_NVME_NQN_SIZE 256
+#define HX_NVME_NQN_SIZE 256         /* bytes of an NVMe qualified name */
 
 #pragma pack(push, 1)
 
@@ -308,7 +316,7 @@ typedef struct HX_NVME_NAMESPACE {
 
 #pragma pack(pop)
 
-/* Who is where on the loop of the port; nobody outside a loop. Every driver. */
+/* Who is where on the loop of the port, in map; nobody outside a loop. Every driver. */
 HX_STATUS HXGetPositionalMap(uint32_t handle, HX_POSITIONAL_MAP* map);
 
 /* The remote ports that the port knows, those that it lost among them, with what they say of their
@@ -320,9 +328,9 @@ HX_STATUS HXGetRemotePortInfo(uint32_t handle, HX_REMOTE_PORT* ports, uint32_t* 
 HX_STATUS HXGetSecurePortInfo(uint32_t handle, HX_SECURE_PORT* ports, uint32_t* count);
 
 /*
- * The rate at which frames go to a target. A set takes an HX_SPEED_... code, or 0 for the rate that
- * was negotiated (HXMGT_INVALID_PARAMETER: none of these, or beyond the port's). It holds for this
- * port and target until the driver stops.
+ * The rate at which frames go to a target. A set takes as speed an HX_SPEED_... code, or 0 for the
+ * rate that was negotiated (HXMGT_INVALID_PARAMETER: none of these, or beyond the port's). It holds
+ * for this port and target until the driver stops.
  */
 HX_STATUS HXGetTargetIDMALinkSpeed(uint32_t handle, const DESTINATIONADDRESS* target,
                                    HX_TARGET_LINK_SPEED* record);

@@ -20,10 +20,10 @@
 extern "C" {
 #endif
 
-#define HX_MAX_FLASH_REGIONS 255
+#define HX_MAX_FLASH_REGIONS 255    /* most regions of a flash */
 #define HX_NVRAM_CLASSIC_BYTES 256  /* block of 16-bit words */
 #define HX_NVRAM_EXTENDED_BYTES 512 /* block of 32-bit words: newer chips */
-#define HX_NVRAM_VARIABLES 188
+#define HX_NVRAM_VARIABLES 188      /* number of NVRAM variables, of any chip */
 
 /* Flash regions by their codes. */
 enum HX_FLASH_REGION_CODE {
@@ -52,7 +52,7 @@ typedef struct HX_FLASH_REGION {
 typedef struct HX_FLASH_LAYOUT {
     uint32_t size;  /* 0  size of the driver's table in bytes */
     uint32_t count; /* 4  in: regions there is room for; out: regions of the flash */
-    HX_FLASH_REGION regions[HX_MAX_FLASH_REGIONS];
+    HX_FLASH_REGION regions[HX_MAX_FLASH_REGIONS]; /* 8  as many as count says */
 } HX_FLASH_LAYOUT;
 
 /* One region as the extended table describes it, 16 bytes. */
@@ -67,10 +67,11 @@ typedef struct HX_FLASH_REGION_EX {
 
 #define HX_REGION_FLAG_SECURE 1u /* the region that secure updates go through */
 
+/* The extended table of the flash regions; it may end after any region, too. */
 typedef struct HX_FLASH_LAYOUT_EX {
     uint32_t size;  /* 0  size of the driver's table in bytes */
     uint32_t count; /* 4  in: regions there is room for; out: regions of the flash */
-    HX_FLASH_REGION_EX regions[HX_MAX_FLASH_REGIONS];
+    HX_FLASH_REGION_EX regions[HX_MAX_FLASH_REGIONS]; /* 8  as many as count says */
 } HX_FLASH_LAYOUT_EX;
 
 /* Head of the record of HXOrvoMgt, 16 bytes; the data follows it. */
@@ -89,6 +90,7 @@ typedef struct HX_VARIABLE_FIELD {
 
 #pragma pack(pop)
 
+/* What HXOrvoMgt does. */
 enum HX_COMPANION_OPERATION {
     HX_COMPANION_RESET = 1,
     HX_COMPANION_VERSION = 2,
@@ -118,8 +120,8 @@ enum HX_NVRAM_MODE {
  */
 HX_STATUS HXStartFlashUpdate(uint32_t handle, uint64_t reserved, uint32_t* lockKey);
 
-/* Gives the lock back; any process with the key may. HXMGT_INVALID_REQUEST: not held, or held with
-   another key. */
+/* Gives the lock back; lockKey is the key of its start, and any process with it may.
+   HXMGT_INVALID_REQUEST: not held, or held with another key. */
 HX_STATUS HXEndFlashUpdate(uint32_t handle, uint64_t reserved, uint32_t lockKey);
 
 /*
@@ -141,8 +143,9 @@ HX_STATUS HXGetActiveRegions(uint32_t handle, uint64_t reserved, uint8_t* region
 HX_STATUS HXGetAdapterLockdownState(uint32_t handle, uint64_t reserved, uint8_t* state);
 
 /*
- * Notes in the handle's record what an online activation expects: the firmware attribute word, and
- * the seconds that the activation of this port may take (0 = any). Always returns 0; a handle above
+ * Notes in the handle's record what an online activation expects: the firmware attribute word
+ * (firmwareAttributes), and the seconds that the activation of this port may take (timeoutSeconds,
+ * 0 = any). Always returns 0; a handle above
  * 64 notes nothing, others are not checked.
  */
 HX_STATUS HXSendFlashUpdateFWAttributes(uint32_t handle, uint64_t reserved,
@@ -173,22 +176,23 @@ HX_STATUS HXGetOptionRomLayout(uint32_t handle, uint64_t reserved, HX_FLASH_LAYO
 HX_STATUS HXGetOptionRomLayoutEx(uint32_t handle, uint64_t reserved, HX_FLASH_LAYOUT_EX* layout);
 
 /*
- * Reads the whole flash of a chip without regions (128 KiB). HXMGT_CALLER_BUFFER_TOO_SMALL;
- * HXMGT_INVALID_REQUEST: this chip is read by region.
+ * Reads the whole flash of a chip without regions (128 KiB) into buffer.
+ * HXMGT_CALLER_BUFFER_TOO_SMALL; HXMGT_INVALID_REQUEST: this chip is read by region.
  */
 HX_STATUS HXGetOptionRom(uint32_t handle, uint64_t reserved, void* buffer, uint32_t bufferSize);
 
 /*
- * Reads one region; bufferSize is at least its size. A region above 64 KiB comes in whole KiB: what
- * follows its end in the last one is written, too, as far as bufferSize goes.
- * HXMGT_OPTION_ROM_REGION_INVALID: no such region; HXMGT_OPTION_ROM_SIZE_TOO_BIG: it is larger than
- * the buffer.
+ * Reads the region with the code regionCode; bufferSize is at least its size. A region above 64 KiB
+ * comes in whole KiB: what follows its end in the last one is written, too, as far as bufferSize
+ * goes. HXMGT_OPTION_ROM_REGION_INVALID: no such region; HXMGT_OPTION_ROM_SIZE_TOO_BIG: it is
+ * larger than the buffer.
  */
 HX_STATUS HXGetOptionRomEx(uint32_t handle, uint64_t reserved, void* buffer, uint32_t bufferSize,
                            uint32_t regionCode);
 
 /*
- * Reads or writes length bytes from flashOffset on, without any check of what they are. Newer chips
+ * Reads to buffer, or writes from data, length bytes from flashOffset on, without any check of what
+ * they are. Newer chips
  * need an offset that is a multiple of 256 (HXMGT_INVALID_PARAMETER).
  */
 HX_STATUS HXGetOptionRomOffset(uint32_t handle, uint64_t reserved, void* buffer, uint32_t length,
@@ -204,17 +208,18 @@ HX_STATUS HXUpdateOptionRomOffset(uint32_t handle, uint64_t reserved, const void
 HX_STATUS HXUpdateOptionRom(uint32_t handle, uint64_t reserved, void* image, uint32_t imageSize);
 
 /*
- * Writes one region. Boot code is first prepared as by HXUpdateOptionRom (image is changed in
- * place); firmware of large-ROM chips is checked. Chips with a region layout are served by
- * HXUpdateOptionRomEx2. Nothing is written with HXMGT_OPTION_ROM_REGION_INVALID no such region,
- * HXMGT_OPTION_ROM_SIZE_TOO_BIG, HXMGT_OPTION_ROM_INCOMPATIBLE_FIRMWARE segments that do not fit,
- * HXMGT_OPTION_ROM_CHECKSUM_ERROR.
+ * Writes image to the region with the code regionCode. Boot code is first prepared as by
+ * HXUpdateOptionRom (image is changed in place); firmware of large-ROM chips is checked. Chips with
+ * a region layout are served by HXUpdateOptionRomEx2. Nothing is written with
+ * HXMGT_OPTION_ROM_REGION_INVALID no such region, HXMGT_OPTION_ROM_SIZE_TOO_BIG,
+ * HXMGT_OPTION_ROM_INCOMPATIBLE_FIRMWARE segments that do not fit, HXMGT_OPTION_ROM_CHECKSUM_ERROR.
  */
 HX_STATUS HXUpdateOptionRomEx(uint32_t handle, uint64_t reserved, void* image, uint32_t imageSize,
                               uint32_t regionCode);
 
 /*
- * Writes one region of a chip with a region layout; imageSize must be the region's size, else
+ * Writes image to the region with the code regionCode, of a chip with a region layout; imageSize
+ * must be the region's size, else
  * HXMGT_INVALID_REQUEST. HXMGT_NO_FLASH_UPDATE_TOKEN: the update lock is needed and this process
  * does not hold it. Some regions end with a reset of the adapter's ports;
  * HXMGT_FLASH_UPDATE_NOT_ACTIVATED: written, but a port could not be reset. Where the adapter
@@ -223,12 +228,14 @@ HX_STATUS HXUpdateOptionRomEx(uint32_t handle, uint64_t reserved, void* image, u
 HX_STATUS HXUpdateOptionRomEx2(uint32_t handle, uint64_t reserved, void* image, uint32_t imageSize,
                                uint32_t regionCode);
 
-/* Kept for older callers: always HXMGT_INVALID_REQUEST. */
+/* Kept for older callers: always HXMGT_INVALID_REQUEST; handle, image and regionCode are not looked
+   at. */
 HX_STATUS HXUpdateOptionRomEx3(uint32_t handle, uint64_t reserved, void* image, uint32_t imageSize,
                                uint32_t regionCode);
 
 /*
- * Writes one region with the adapter checking the image's signature before it takes effect. A
+ * Writes image to the region with the code regionCode, with the adapter checking the image's
+ * signature before it takes effect. A
  * failure leaves the old contents in force. HXMGT_OPTION_ROM_INVALID_FIRMWARE: the signature was
  * refused; HXMGT_OPTION_ROM_WRITE_ERROR; those of HXUpdateOptionRomEx2.
  */
@@ -237,14 +244,14 @@ HX_STATUS HXUpdateSecureOptionRomEx(uint32_t handle, uint64_t reserved, const vo
 
 /*
  * Called before each piece (at most 64 KiB) of a read or write by region or offset, and behind the
- * last one: done of total bytes have been moved. regionCode is 0xFFFF for transfers by offset,
- * among them the look at the flash with which an update of boot code begins, and 255 for the write
- * of a whole flash, which is one piece. Runs on the thread that transfers. 0 goes on; with any
- * other status the transfer ends and returns it, the pieces before having been moved: a region that
- * is being written is then half written. What is returned behind the last piece does not count.
- * Before the first piece of an update the caller's image is what will be written, the adapter's
- * identity carried over; what the function changes in it then is written so. It must not close the
- * handle.
+ * last one: done of total bytes have been moved. context is that of HXSetFlashProgress. regionCode
+ * is 0xFFFF for transfers by offset, among them the look at the flash with which an update of boot
+ * code begins, and 255 for the write of a whole flash, which is one piece. Runs on the thread that
+ * transfers. 0 goes on; with any other status the transfer ends and returns it, the pieces before
+ * having been moved: a region that is being written is then half written. What is returned behind
+ * the last piece does not count. Before the first piece of an update the caller's image is what
+ * will be written, the adapter's identity carried over; what the function changes in it then is
+ * written so. It must not close the handle.
  */
 typedef HX_STATUS (*HX_FLASH_PROGRESS)(void* context, uint32_t regionCode, uint32_t done,
                                        uint32_t total);
@@ -265,10 +272,9 @@ HX_STATUS HXSetFlashProgress(uint32_t handle, HX_FLASH_PROGRESS progress, void* 
  * --------------------------------------------------------------------------------------------- */
 
 /*
- * Reads the block; mode is HX_NVRAM_BLOCK or HX_NVRAM_VERIFIED (on drivers below 7.05.03 at least
- * 86 bytes). Statuses:
- * HXMGT_INVALID_PARAMETER mode or size, HXMGT_BUFFER_TOO_SMALL the region is larger,
- * HXMGT_INVALID_REQUEST the port has no NVRAM region.
+ * Reads the block into buffer; mode is HX_NVRAM_BLOCK or HX_NVRAM_VERIFIED (on drivers
+ * below 7.05.03 at least 86 bytes). Statuses: HXMGT_INVALID_PARAMETER mode or size,
+ * HXMGT_BUFFER_TOO_SMALL the region is larger, HXMGT_INVALID_REQUEST the port has no NVRAM region.
  */
 HX_STATUS HXGetNVRam(uint32_t handle, uint64_t reserved, uint32_t mode, void* buffer,
                      uint32_t size);
@@ -306,13 +312,13 @@ const char* HXGetVariableDescription(uint32_t reserved, uint32_t variable);
 uint32_t HXIsVariableReadOnly(const void* block, uint32_t variable);
 
 /*
- * Writes the variables of a classic block to a text file: 188 lines, the signature in quotation
- * marks with its characters as they are. 1, or 0 when it cannot be written.
+ * Writes the variables of a classic block to the text file path: 188 lines, the signature in
+ * quotation marks with its characters as they are. 1, or 0 when it cannot be written.
  */
 int32_t WriteNVRamFile(const void* block, const char* path);
 
 /*
- * Reads such a file into a classic block. mode 1 clears the block first. Variables that are
+ * Reads such a file, path, into a classic block. mode 1 clears the block first. Variables that are
  * read-only on the block's family keep their values unless keepFlag is not 0. A line sets the
  * first variable not yet set whose name it begins with; the number behind its last '=' is cut to
  * the variable's width; lines without a name, an '=' or a number are passed over, as are those that
@@ -327,12 +333,12 @@ int32_t ReadNVRamFile(const char* path, void* block, uint32_t mode, int32_t keep
  * --------------------------------------------------------------------------------------------- */
 
 /*
- * *size is the room in bytes, then the bytes returned, or the bytes needed with
- * HXMGT_BUFFER_TOO_SMALL. HXMGT_INVALID_REQUEST: the port has no VPD region.
+ * Reads the VPD into buffer. *size is the room in bytes, then the bytes returned, or the bytes
+ * needed with HXMGT_BUFFER_TOO_SMALL. HXMGT_INVALID_REQUEST: the port has no VPD region.
  */
 HX_STATUS HXGetVpd(uint32_t handle, uint64_t reserved, void* buffer, uint32_t* size);
 
-/* Writes the VPD; on chips with a VPD region, size must be the region's. */
+/* Writes the VPD from buffer; on chips with a VPD region, size must be the region's. */
 HX_STATUS HXUpdateVpd(uint32_t handle, uint64_t reserved, void* buffer, uint32_t size);
 
 /* ------------------------------------------------------------------------------------------------
@@ -340,9 +346,10 @@ HX_STATUS HXUpdateVpd(uint32_t handle, uint64_t reserved, void* buffer, uint32_t
  * --------------------------------------------------------------------------------------------- */
 
 /*
- * Reads or writes up to 256 bytes of a two-wire device, e.g. the pages 0xA0 and 0xA2 of a
- * transceiver (SFF-8472). options bit 0: no data phase (a write then takes no data, whatever
- * length). *deviceStatus takes the device's status word whatever the result; it may be null.
+ * Reads to buffer, or writes from data, up to 256 bytes at offset of a two-wire device, e.g. the
+ * pages 0xA0 and 0xA2 of a transceiver (SFF-8472). options bit 0: no data phase (a write then takes
+ * no data, whatever length). *deviceStatus takes the device's status word whatever the result; it
+ * may be null.
  */
 HX_STATUS HXReadSFPData(uint32_t handle, uint64_t reserved, uint16_t device, void* buffer,
                         uint16_t length, uint16_t offset, uint16_t options, uint16_t* deviceStatus);
@@ -351,8 +358,8 @@ HX_STATUS HXWriteSFPData(uint32_t handle, uint64_t reserved, uint16_t device, co
                          uint16_t* deviceStatus);
 
 /*
- * Reads the transceiver's memory (SFF-8472) in one request: the 256 bytes of device 0xA0, then
- * those of device 0xA2. *size is the room in bytes, then the bytes read. Statuses:
+ * Reads the transceiver's memory (SFF-8472) into buffer in one request: the 256 bytes of device
+ * 0xA0, then those of device 0xA2. *size is the room in bytes, then the bytes read. Statuses:
  * HXMGT_SFP_DATA_UNAVAILABLE there is no transceiver; HXMGT_SFP_TRANSFER_ERROR.
  */
 HX_STATUS HXGetSFPData(uint32_t handle, uint64_t reserved, void* buffer, uint32_t* size);

@@ -32,8 +32,10 @@
 extern "C" {
 #endif
 
+/* Whether buffer-to-buffer credit recovery is in use. */
 enum HX_BBCR_STATE { HX_BBCR_ON = 1, HX_BBCR_OFF = 2, HX_BBCR_NOT_SUPPORTED = 3 };
 
+/* Why it is off. */
 enum HX_BBCR_REASON {
     HX_BBCR_REASON_NONE = 0,
     HX_BBCR_LINK_DOWN = 1,
@@ -42,19 +44,22 @@ enum HX_BBCR_REASON {
     HX_BBCR_REFUSED = 4 /* by the attached port */
 };
 
+/* The limit that the temperature has reached. */
 enum HX_TEMPERATURE_STATE {
     HX_TEMPERATURE_NORMAL = 0,
     HX_TEMPERATURE_WARNING = 1,
     HX_TEMPERATURE_CRITICAL = 2
 };
 
+/* LEDs of a port: bits. */
 enum HX_BEACON_LED { HX_BEACON_GREEN = 1, HX_BEACON_AMBER = 2 };
 
+/* Modulation of a SerDes lane: two or four levels. */
 enum HX_SERDES_MODULATION { HX_MODULATION_NRZ = 0, HX_MODULATION_PAM4 = 1 };
 
-#define HX_BEACON_MOST_SECONDS 86400u
-#define HX_MAX_SERDES_LANES 16
-#define HX_RETIMER_DEVICE 0x18 /* I2C address of the retimer behind the cage */
+#define HX_BEACON_MOST_SECONDS 86400u /* longest time that a beacon may be set for: a day */
+#define HX_MAX_SERDES_LANES 16        /* lanes that HXReadSerdesParams may return */
+#define HX_RETIMER_DEVICE 0x18        /* I2C address of the retimer behind the cage */
 
 #pragma pack(push, 1)
 
@@ -126,7 +131,7 @@ HX_STATUS HXGetBoardTemp(uint32_t handle, HX_BOARD_TEMPERATURE* record);
 
 /*
  * The LED that locates the port, on any chip. An update switches it on for the seconds given, or
- * off; on and seconds alone are read. HXMGT_NOT_SUPPORTED: the port has none;
+ * off; on and seconds alone are read from beacon. HXMGT_NOT_SUPPORTED: the port has none;
  * HXMGT_FEATURE_NOT_SUPPORTED_BY_DRIVER: the driver does not know of it.
  */
 HX_STATUS HXGetBeaconControl(uint32_t handle, HX_BEACON* beacon);

@@ -28,6 +28,7 @@
 extern "C" {
 #endif
 
+/* What a device of the operating system is, and how it is called. */
 enum HX_OS_DEVICE_TYPE {
     HX_OS_DEVICE_DISK = 1,   /* "\\.\PhysicalDrive%d" */
     HX_OS_DEVICE_TAPE = 2,   /* "\\.\Tape%d" */
@@ -99,7 +100,8 @@ HX_STATUS HXMapScsiTargetToVolumes(uint32_t handle, const HX_SCSI_ADDRESS* targe
 HX_STATUS HXMapVolumeToScsiTarget(uint32_t handle, const char* volume, HX_OS_DEVICE* devices,
                                   uint32_t* count);
 
-/* The stretches of disk that a volume consists of, of whatever adapter. Statuses as above. */
+/* The stretches of disk (extents) that a volume consists of, of whatever adapter. Statuses as
+ * above. */
 HX_STATUS HXGetDiskExtents(const char* volume, HX_DISK_EXTENT* extents, uint32_t* count);
 
 /*

@@ -18,6 +18,9 @@
  *  6. "Driver 7.05.03" means dwDriverVersion of at least 70503. Older drivers are asked with their
  *     legacy requests where those exist; a function without one returns HXMGT_NOT_SUPPORTED.
  *  7. Records are packed and little-endian; their sizes are part of the interface.
+ *  8. Parameters mean the same everywhere: handle is a device handle; reserved parameters are not
+ *     used, give 0; a size or length (bufferSize, dataInLength) is that of what its name begins
+ *     with, in bytes.
  *
  * Copyright (c) 2026 The VXMGMT developers. MIT licence, see LICENSE.
  */
@@ -133,6 +136,7 @@ typedef struct HX_PORT_PROPERTY {
     uint8_t reserved109[3];     /* 109 */
 } HX_PORT_PROPERTY;
 
+/* State of a port's link. */
 enum HX_PORT_STATE {
     HX_PORT_STATE_ONLINE = 1,
     HX_PORT_STATE_OFFLINE = 2,
@@ -214,6 +218,7 @@ typedef struct HX_EVENT {
                              N_Port page (FC-LS) */
 } HX_EVENT;
 
+/* Types of events; the driver may give others. */
 enum HX_EVENT_TYPE {
     HX_EVENT_LIP = 1, /* loop initialisation occurred */
     HX_EVENT_LINK_UP = 2,
@@ -359,18 +364,19 @@ int HXfprintf(const char* sourceFile, uint32_t line, FILE* stream, const char* f
  * Sends one extended request (SRB_IO_CONTROL + EXT_IOCTL over IOCTL_SCSI_MINIPORT). input and
  * output may be the same buffer. *returned takes the number of reply bytes copied to output; for
  * the NVRAM write code it is read first, as that request's flag. returned may be null. With a
- * sub-code, a flash read takes its place in the flash from input and a flash write from output: two
- * 16-bit words, or two 32-bit words for sub-code 0xFFFF (a write: 0xFFFD on), also where that
- * length is 0. Statuses: HXMGT_INVALID_PARAMETER a null buffer with a length or a place cut short,
- * HXMGT_OUT_OF_MEMORY, and rule 5.
+ * sub-code (subCode; 0 is none), a flash read takes its place in the flash from input and a flash
+ * write from output: two 16-bit words, or two 32-bit words for sub-code 0xFFFF (a write: 0xFFFD
+ * on), also where that length is 0. Statuses: HXMGT_INVALID_PARAMETER a null buffer with a length
+ * or a place cut short, HXMGT_OUT_OF_MEMORY, and rule 5.
  */
 HX_STATUS SRBWithHeaderDeviceIoControl(uint32_t handle, uint32_t code, uint16_t subCode,
                                        const void* input, uint32_t inputLength, void* output,
                                        uint32_t outputLength, uint32_t* returned);
 
 /*
- * Sends one plain request (SRB_IO_CONTROL only), as drivers below 7.05.03 take them. On success
- * always outputLength bytes are written to output, zeros where the driver filled nothing.
+ * Sends one plain request (SRB_IO_CONTROL only) with the bytes of input, as drivers below 7.05.03
+ * take them. On success always outputLength bytes are written to output, zeros where the driver
+ * filled nothing.
  */
 HX_STATUS SendMiniPortControl(int32_t handle, uint32_t code, const void* input,
                               uint32_t inputLength, void* output, uint32_t outputLength);
@@ -381,6 +387,7 @@ HX_STATUS SendMiniPortControl(int32_t handle, uint32_t code, const void* input,
  * Every query fills the caller's record; after a failure the record may be partly written.
  * --------------------------------------------------------------------------------------------- */
 
+/* Properties of the adapter that the handle's port is on. */
 HX_STATUS HXGetHbaDeviceNodeProperty(uint32_t handle, HX_NODE_PROPERTY* record);
 
 /* The same after the driver has read the adapter anew (driver 7.05.03 on). */
@@ -395,7 +402,10 @@ HX_STATUS HXGetHbaDevicePortPropertyV1(uint32_t handle, uint16_t port, HX_PORT_P
 /* HXMGT_INVALID_SUBCODE on a driver that does not know the second version. */
 HX_STATUS HXGetHbaDevicePortPropertyV2(uint32_t handle, uint64_t port, HX_PORT_PROPERTY* record);
 
+/* PCI identity of the adapter's chip. */
 HX_STATUS HXGetHbaDeviceChipProperty(uint32_t handle, HX_CHIP_PROPERTY* record);
+
+/* Properties of the driver, and of the firmware that the port runs. */
 HX_STATUS HXGetHbaDeviceDriverProperty(uint32_t handle, HX_DRIVER_PROPERTY* record);
 HX_STATUS HXGetHbaDeviceFirmwareProperty(uint32_t handle, HX_FIRMWARE_PROPERTY* record);
 

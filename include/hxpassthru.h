@@ -27,6 +27,7 @@ typedef struct HX_SCSI_ADDRESS {
     uint16_t lun;       /* 10  logical unit number; drivers below 7.05.03 take its low byte */
 } HX_SCSI_ADDRESS;
 
+/* What the address of a remote port holds. */
 enum HX_ADDRESS_TYPE {
     HX_ADDRESS_NODE_NAME = 1,
     HX_ADDRESS_PORT_NAME = 2,
@@ -34,6 +35,7 @@ enum HX_ADDRESS_TYPE {
     HX_ADDRESS_BUS_TARGET = 4
 };
 
+/* How a loopback test ended. */
 enum HX_LOOPBACK_COMPLETION {
     HX_LOOPBACK_COMPLETE = 1,      /* the firmware's 0x4000 */
     HX_LOOPBACK_BAD_PARAMETER = 2, /* the firmware's 0x4006 */
@@ -57,12 +59,14 @@ typedef struct HX_LOOPBACK_EX_RESULT {
                                  iterations done (high word), iterations done (low word) */
 } HX_LOOPBACK_EX_RESULT;
 
-/* Results of a D-port test as the firmware gives them. */
+/* Results of a D-port test as the firmware gives them, 72 bytes. */
 typedef struct HX_DPORT_RESULT {
-    uint8_t bytes[72];
+    uint8_t bytes[72]; /* 0  of the firmware's format */
 } HX_DPORT_RESULT;
+
+/* The same with results of each lane, 1088 bytes. */
 typedef struct HX_DPORT_RESULT_EX2 {
-    uint8_t bytes[1088];
+    uint8_t bytes[1088]; /* 0  of the firmware's format */
 } HX_DPORT_RESULT_EX2;
 
 #pragma pack(pop)
@@ -74,7 +78,7 @@ typedef struct HX_DPORT_RESULT_EX2 {
  * (HXMGT_SCSI_...); with HXMGT_SCSI_CHECK_CONDITION the sense data (SPC) is in sense, up to 256
  * bytes. A driver below 7.05.03 finds the target in its list (HXMGT_INVALID_PARAMETER when it is
  * not there), moves at most 4096 bytes of data and gives back bytes 2, 7, 12 and 13 of the sense
- * data in a buffer of at least 14 bytes.
+ * data in a buffer of at least 14 bytes. dataIn takes what comes in.
  * --------------------------------------------------------------------------------------------- */
 
 /*
@@ -121,18 +125,19 @@ HX_STATUS HXSendCTPassThru(uint32_t handle, const void* request, uint32_t reques
                            void* response, uint32_t responseSize);
 
 /*
- * Sends an extended link service request (FC-LS) of 1 to 252 bytes to a port, by port name or
- * identifier. *responseSize is the room of response in bytes and is not changed; the length of the
- * answer is in its payload. option is handed to the driver. HXMGT_ELS_REJECTED: the port answered
- * LS_RJT. Driver 7.05.03.
+ * Sends an extended link service request (FC-LS) of 1 to 252 bytes to a port, which destination
+ * names by port name or identifier. *responseSize is the room of response in bytes and is not
+ * changed; the length of the answer is in its payload. option is handed to the driver.
+ * HXMGT_ELS_REJECTED: the port answered LS_RJT. Driver 7.05.03.
  */
 HX_STATUS HXSendElsPassThru(uint32_t handle, uint64_t reserved, const HX_SCSI_ADDRESS* destination,
                             const void* payload, int32_t payloadSize, void* response,
                             const uint32_t* responseSize, uint8_t option);
 
 /*
- * As HXSendElsPassThru, but *responseSize becomes the number of bytes of the answer, and with
- * HXMGT_ELS_REJECTED the response holds the LS_RJT payload (none, when the driver hands on none).
+ * As HXSendElsPassThru, with the same destination and option, but *responseSize becomes the number
+ * of bytes of the answer, and with HXMGT_ELS_REJECTED the response holds the LS_RJT payload (none,
+ * when the driver hands on none).
  */
 HX_STATUS HXSendElsPassThruEx(uint32_t handle, uint64_t reserved,
                               const HX_SCSI_ADDRESS* destination, const void* payload,
@@ -140,10 +145,11 @@ HX_STATUS HXSendElsPassThruEx(uint32_t handle, uint64_t reserved,
                               uint8_t option);
 
 /*
- * Sends RNID (FC-LS) to a node or port name, or (type 0) to the attached port, and receives the
- * LS_ACC payload. On entry the response may hold a port name in bytes 0..7 and a port identifier
- * (port, area, domain) in bytes 8..10 for the driver; else its first 12 bytes are zero. The last 4
- * bytes of a reply of responseSize bytes are lost. Driver 7.05.03; not on the oldest chip family.
+ * Sends RNID (FC-LS) to a node or port name, or (destination of type 0) to the attached port, and
+ * receives the LS_ACC payload; format is the node identification data format that is asked for. On
+ * entry the response may hold a port name in bytes 0..7 and a port identifier (port, area, domain)
+ * in bytes 8..10 for the driver; else its first 12 bytes are zero. The last 4 bytes of a reply of
+ * responseSize bytes are lost. Driver 7.05.03; not on the oldest chip family.
  */
 HX_STATUS HXSendElsRnid(uint32_t handle, const HX_SCSI_ADDRESS* destination, uint8_t format,
                         uint8_t* response, uint32_t responseSize);
@@ -159,15 +165,17 @@ HX_STATUS HXSendSCMMgmt(uint32_t handle, uint64_t reserved, uint8_t* settings);
  * --------------------------------------------------------------------------------------------- */
 
 /*
- * Loopback of at most 2048 bytes, as older drivers run it. After a success both buffers hold what
- * the driver returned (sendData is written too).
+ * Loopback of at most 2048 bytes, as older drivers run it, iterations times; options is handed to
+ * the driver, result takes how it ended. After a success both buffers hold what the driver
+ * returned: receiveData, and sendData, too.
  */
 HX_STATUS HXRunDiagLoopback(uint32_t handle, uint64_t reserved, uint16_t options, void* sendData,
                             uint16_t sendLength, void* receiveData, uint16_t receiveLength,
                             uint16_t iterations, HX_LOOPBACK_RESULT* result);
 
 /*
- * Loopback of any length, 64 KiB at a time; each piece's echo goes to the start of receiveData.
+ * Loopback of the length bytes of sendData, of any length, 64 KiB at a time, each piece iterations
+ * times; options is handed to the driver. Each piece's echo goes to the start of receiveData.
  * A driver below 8.01.00 returns 0 without testing and leaves result as it was.
  */
 HX_STATUS HXRunDiagLoopbackEx(uint32_t handle, uint64_t reserved, uint16_t options,
@@ -175,18 +183,19 @@ HX_STATUS HXRunDiagLoopbackEx(uint32_t handle, uint64_t reserved, uint16_t optio
                               uint32_t receiveLength, uint32_t iterations,
                               HX_LOOPBACK_EX_RESULT* result);
 
-/* Results of the D-port test (driver 7.05.03, newest chips; else HXMGT_NOT_SUPPORTED). */
+/* The result of the D-port test (driver 7.05.03, newest chips; else HXMGT_NOT_SUPPORTED). */
 HX_STATUS HXRunDportDiagEx(uint32_t handle, uint64_t reserved, HX_DPORT_RESULT* result);
 /*
- * The same with per-lane results. HXMGT_DIAGNOSTIC_TEST_RUNNING: only the first 6 bytes are
- * written. On a driver without it the shorter results stand at 2 (16 bits), 4 (32 bits) and 8..71.
+ * The same, the result of each lane among it. HXMGT_DIAGNOSTIC_TEST_RUNNING: only the first 6 bytes
+ * are written. On a driver without it the shorter results stand at 2 (16 bits), 4 (32 bits)
+ * and 8..71.
  */
 HX_STATUS HXRunDportDiagEx2(uint32_t handle, uint64_t reserved, HX_DPORT_RESULT_EX2* result);
 
 /*
- * Sends a raw firmware mailbox command: 1 to 32 registers in (the first is the command), 0 to 64
- * back, which are written whatever the status. HXMGT_INVALID_REQUEST: a command that only the
- * library's own functions may send.
+ * Sends a raw firmware mailbox command: inCount registers of inRegisters, 1 to 32 (the first is the
+ * command); outCount of them come back to outRegisters, 0 to 64, which are written whatever the
+ * status. HXMGT_INVALID_REQUEST: a command that only the library's own functions may send.
  */
 HX_STATUS HXMailboxPassthru(uint32_t handle, uint64_t reserved, const uint16_t* inRegisters,
                             int16_t inCount, uint16_t* outRegisters, int16_t outCount);

@@ -25,9 +25,9 @@
 extern "C" {
 #endif
 
-#define HX_MAX_TARGETS 256 /* entries or records of a block, names of a list */
-#define HX_MAX_LUNS 2048   /* logical units of a LUN record */
-#define HX_LUN_MASK_SIZE 256
+#define HX_MAX_TARGETS 256   /* entries or records of a block, names of a list */
+#define HX_MAX_LUNS 2048     /* logical units of a LUN record */
+#define HX_LUN_MASK_SIZE 256 /* bytes of a LUN mask: a bit for each of HX_MAX_LUNS */
 
 #define HX_LUN_MASKED 0x80u /* of a LUN byte: the LUN is hidden from the host */
 
@@ -50,38 +50,38 @@ typedef struct HX_TARGET_ENTRY {
 
 /* The bound targets of a port, 8224 bytes. */
 typedef struct HX_TARGET_DATA {
-    uint16_t header; /*  0  carried unchanged */
-    uint16_t count;  /*  2  entries in use, free slots among them */
-    uint8_t reserved4[28];
-    HX_TARGET_ENTRY entries[HX_MAX_TARGETS];
+    uint16_t header;                         /*  0  carried unchanged */
+    uint16_t count;                          /*  2  entries in use, free slots among them */
+    uint8_t reserved4[28];                   /*  4 */
+    HX_TARGET_ENTRY entries[HX_MAX_TARGETS]; /* 32 */
 } HX_TARGET_DATA;
 
 /* The LUN mask of one target, 2080 bytes. A first name of zeros marks a free record. */
 typedef struct HX_LUN_RECORD {
-    uint8_t nodeName[8]; /*  0  first name: the key of the target */
-    uint8_t portName[8]; /*  8  second name */
-    uint8_t reserved16[16];
+    uint8_t nodeName[8];       /*  0  first name: the key of the target */
+    uint8_t portName[8];       /*  8  second name */
+    uint8_t reserved16[16];    /* 16 */
     uint8_t luns[HX_MAX_LUNS]; /* 32  a byte per LUN: HX_LUN_MASKED; other bits are carried */
 } HX_LUN_RECORD;
 
 /* The LUN masks of a port, 532512 bytes. */
 typedef struct HX_LUN_DATA {
-    uint16_t version; /*  0  stored form: 1 = LUNs 0 to 255 alone, 2 = all */
-    uint16_t count;   /*  2  records in use, free ones among them */
-    uint8_t reserved4[28];
-    HX_LUN_RECORD records[HX_MAX_TARGETS];
+    uint16_t version;                      /*  0  stored form: 1 = LUNs 0 to 255 alone, 2 = all */
+    uint16_t count;                        /*  2  records in use, free ones among them */
+    uint8_t reserved4[28];                 /*  4 */
+    HX_LUN_RECORD records[HX_MAX_TARGETS]; /* 32 */
 } HX_LUN_DATA;
 
 /* Names, 2048 bytes; a slot of eight zero bytes is free. */
 typedef struct HX_WWN_LIST {
-    uint8_t names[HX_MAX_TARGETS][8];
+    uint8_t names[HX_MAX_TARGETS][8]; /* 0 */
 } HX_WWN_LIST;
 
 /* Target address of the calls without "FC", 6 bytes. */
 typedef struct HX_BUS_TARGET_LUN {
-    uint16_t bus;
-    uint16_t target;
-    uint16_t lun; /* sent to the driver, not looked up */
+    uint16_t bus;    /* 0 */
+    uint16_t target; /* 2 */
+    uint16_t lun;    /* 4  sent to the driver, not looked up */
 } HX_BUS_TARGET_LUN;
 
 /* Target address of the "FC" calls: type, then name, port identifier or bus and target. */
@@ -105,11 +105,12 @@ typedef struct HX_DEVICE_RECORD {
 
 /* Head of the port database, 8 bytes; the device records follow it. */
 typedef struct HX_PORT_DATABASE {
-    uint32_t type;
-    uint16_t count;
-    uint16_t reserved6;
+    uint32_t type;      /* 0 */
+    uint16_t count;     /* 4  of the devices */
+    uint16_t reserved6; /* 6 */
 } HX_PORT_DATABASE;
 
+/* Bytes of a port database with room for that many devices. */
 #define HX_PORT_DATABASE_SIZE(devices) \
     (sizeof(HX_PORT_DATABASE) + (devices) * sizeof(HX_DEVICE_RECORD))
 
@@ -126,16 +127,16 @@ typedef struct HX_DISCOVERED_DEVICE {
 
 /* A discovered port, 60 bytes. */
 typedef struct HX_DISCOVERED_PORT {
-    HX_DISCOVERED_DEVICE device;
-    uint8_t reserved26[34];
+    HX_DISCOVERED_DEVICE device; /*  0 */
+    uint8_t reserved26[34];      /* 26 */
 } HX_DISCOVERED_PORT;
 
 /* A discovered target, 64 bytes. */
 typedef struct HX_DISCOVERED_TARGET {
-    HX_DISCOVERED_DEVICE device;
-    uint8_t reserved26[2];
-    uint32_t numberOfLuns; /* 28 */
-    uint8_t reserved32[32];
+    HX_DISCOVERED_DEVICE device; /*  0 */
+    uint8_t reserved26[2];       /* 26 */
+    uint32_t numberOfLuns;       /* 28 */
+    uint8_t reserved32[32];      /* 32 */
 } HX_DISCOVERED_TARGET;
 
 #pragma pack(pop)
@@ -154,9 +155,9 @@ typedef struct HX_DISCOVERED_TARGET {
 HX_STATUS HXGetPortDatabase(uint32_t handle, uint32_t type, void* buffer, uint32_t size);
 
 /*
- * The discoveredIndex-th (from 0) discovered port or target. port and reserved are not used.
- * A driver below 7.05.03 has no target query (HXMGT_NOT_SUPPORTED) and gives HXMGT_DEVICE_NOT_FOUND
- * for a port index beyond its list.
+ * The discoveredIndex-th (from 0) discovered port or target, in record. port and reserved are not
+ * used. A driver below 7.05.03 has no target query (HXMGT_NOT_SUPPORTED) and gives
+ * HXMGT_DEVICE_NOT_FOUND for a port index beyond its list.
  */
 HX_STATUS HXGetDiscPortProperty(uint32_t handle, uint32_t port, uint32_t discoveredIndex,
                                 uint32_t reserved, HX_DISCOVERED_PORT* record);
@@ -196,14 +197,15 @@ HX_STATUS HXGetPersistentDeviceEntryList(HX_WWN_LIST* list);
 HX_STATUS HXGetPersistentTargetEntryList(HX_WWN_LIST* list);
 
 /*
- * Delete the stored data of an adapter port (8-byte port name), or a target (8-byte key) from the
- * stored data of every port. A name that is stored nowhere is no error. Counts stay: the freed
- * entries are left as free slots. HXMGT_PERSISTENT_STORAGE_ERROR: not everything could be deleted.
+ * Delete the stored data of an adapter port (portName, 8 bytes), or a target (targetName, its key
+ * of 8 bytes) from the stored data of every port. A name that is stored nowhere is no error. Counts
+ * stay: the freed entries are left as free slots. HXMGT_PERSISTENT_STORAGE_ERROR: not everything
+ * could be deleted.
  */
 HX_STATUS HXDeletePersistentDeviceEntry(const uint8_t* portName);
 HX_STATUS HXDeletePersistentTargetEntry(const uint8_t* targetName);
 
-/* Ask the driver to add a target, or to put newDevice in the place of oldDevice. */
+/* Ask the driver to add device as a target, or to put newDevice in the place of oldDevice. */
 HX_STATUS HXAddTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* device);
 HX_STATUS HXSwapTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
                              const HX_DEVICE_RECORD* newDevice);
@@ -211,9 +213,10 @@ HX_STATUS HXSwapTargetDevice(uint32_t handle, const HX_DEVICE_RECORD* oldDevice,
 /* ------------------------------------------------------------------------------------------------
  * LUN masking
  *
- * mask is a bitmap: LUN n is bit (n mod 8) of byte (n div 8), set = visible, clear = masked. At
- * most 256 bytes of it are used; a driver below 7.05.03 and a stored block of version 1 have LUNs 0
- * to 255 alone. HXMGT_DEVICE_NOT_FOUND: the target or its mask is not known.
+ * address is that of the target. mask is a bitmap: LUN n is bit (n mod 8) of byte (n div 8), set =
+ * visible, clear = masked. At most 256 bytes of it are used; a driver below 7.05.03 and a stored
+ * block of version 1 have LUNs 0 to 255 alone. HXMGT_DEVICE_NOT_FOUND: the target or its mask is
+ * not known.
  * --------------------------------------------------------------------------------------------- */
 
 /*
@@ -256,7 +259,8 @@ HX_STATUS HXGetLunData(uint32_t handle, uint16_t port, HX_LUN_DATA* block, uint1
  */
 HX_STATUS HXSetLunData(uint32_t handle, uint16_t port, HX_LUN_DATA* block, uint16_t toRegistry);
 
-/* The functions above for port 0, under their older names; the two numbers are not used. */
+/* The functions above for port 0, under their older names; block, list, fromRegistry and
+   toRegistry, portName and targetName are theirs. */
 HX_STATUS IHXFoGetTargetData(uint32_t handle, uint64_t reserved1, uint64_t reserved2,
                              HX_TARGET_DATA* block, uint16_t fromRegistry);
 HX_STATUS IHXFoSetTargetData(uint32_t handle, uint64_t reserved1, uint64_t reserved2,

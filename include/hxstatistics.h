@@ -148,6 +148,7 @@ enum HX_SCM_STATE {
     HX_SCM_ENABLED = 8           /* the setting is on */
 };
 
+/* What congestion signals announce now. */
 enum HX_SCM_SEVERITY {
     HX_SCM_SEVERITY_NONE = 0,
     HX_SCM_SEVERITY_WARNING = 1,
@@ -224,7 +225,7 @@ typedef struct HX_PRIVATE_STATISTICS {
     uint8_t reserved168[344];         /* 168 */
 } HX_PRIVATE_STATISTICS;
 
-#define HX_LATENCY_BUCKETS 24
+#define HX_LATENCY_BUCKETS 24 /* of HX_PRIVATE_STATISTICS_EX */
 
 /* How long commands took, 512 bytes. Bucket b counts commands of 2^b up to 2^(b+1) microseconds;
    bucket 0 also shorter ones, the last one also longer ones. */
@@ -256,7 +257,7 @@ HX_STATUS HXResetStatistics(uint32_t handle);
  */
 HX_STATUS HXGetMgmtAddress(uint32_t handle, void* record, uint32_t size);
 
-/* Sets the management address of the port. Driver 7.05.03. */
+/* Sets the management address of the port to record. Driver 7.05.03. */
 HX_STATUS HXSetMgmtAddress(uint32_t handle, const HX_MGMT_ADDRESS_SETTING* record);
 
 /* ------------------------------------------------------------------------------------------------

@@ -96,17 +96,18 @@ build_in() {
     fi
     python3 packaging/check_pe.py "$main"/bin/* "$emulator"/*.exe "$emulator"/*.sys
 
-    cp -r "$folder/source/docs" "$folder/source/samples" "$main"
+    cp -r "$folder/source/docs" "$folder/source/samples" "$folder/source/bindings" "$main"
     mv "$main/docs/schemas" "$main/schemas"
     [ ! -d "$folder/source/packaging/monitoring" ] || cp -r "$folder/source/packaging/monitoring" "$main"
     cp "$folder/source/README.md" "$folder/source/CHANGELOG.md" "$folder/source/LICENSE" "$main"
     cp "$folder/source/docs/emulator.md" "$folder/source/docs/test-machine.md" "$emulator"
     (
         cd "$folder/source"
-        for file in README.md CHANGELOG.md docs/*.md; do
+        for file in README.md CHANGELOG.md docs/*.md bindings/README.md bindings/*/README.md; do
             page "$file" "$main/${file%.md}.html"
         done
     )
+    (cd "$folder/source" && scripts/reference.sh "$main/docs/api")
     python3 packaging/make_sbom.py "$version" "$commit" "$main" "$emulator" \
         >"$dist/vxmgmt-$version.spdx.json"
     cp "$dist/vxmgmt-$version.spdx.json" "$main/licences"

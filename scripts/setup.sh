@@ -15,12 +15,13 @@ packages=(
 )
 case ${1:-} in
 --fuzz) packages+=(clang libclang-rt-dev) ;;
+--bindings) packages+=(clang python3 nodejs npm) ;;
 --package)
     packages+=(
         git zip                            # what is staged, and archives
         wixl msitools faketime             # the installer
         osslsigncode openssl               # signatures
-        cmark-gfm                          # manuals as pages
+        cmark-gfm doxygen                  # manuals and the headers as pages
     )
     ;;
 # scripts/monitoring_test.sh
