@@ -9,11 +9,11 @@
 #include "flash/flash_records.h"
 #include "flash_operations.h"
 #include "hxmgtapi.h"
+#include "machine/fake_system.h"
 #include "measure.h"
 #include "operations.h"
 #include "properties/driver_replies.h"
 #include "statistics/fabric_records.h"
-#include "support/fake_system.h"
 
 namespace bench {
 

@@ -1,4 +1,5 @@
-# What exists for the tools and tests alone: command-line parsing, JSON and the test framework.
+# What exists for the tools and tests alone: command-line parsing, JSON, deflate and the test
+# framework.
 # The library itself depends on nothing but the platform.
 #
 # A cross build takes the header-only Debian packages through a folder of links of its own, so that
@@ -28,6 +29,19 @@ else()
     target_link_libraries(vxmgmt_json_schema INTERFACE ValiJSON::valijson)
     target_link_libraries(vxmgmt_cli11 INTERFACE CLI11::CLI11)
     target_link_libraries(vxmgmt_json INTERFACE nlohmann_json::nlohmann_json)
+endif()
+
+# Into the program itself in a cross build: Wine and Windows have no such DLL.
+add_library(vxmgmt_zlib INTERFACE)
+if(CMAKE_CROSSCOMPILING)
+    find_library(VXMGMT_ZLIB libz.a)
+    if(NOT VXMGMT_ZLIB)
+        message(FATAL_ERROR "libz.a is missing: run scripts/setup.sh")
+    endif()
+    target_link_libraries(vxmgmt_zlib INTERFACE ${VXMGMT_ZLIB})
+else()
+    find_package(ZLIB REQUIRED)
+    target_link_libraries(vxmgmt_zlib INTERFACE ZLIB::ZLIB)
 endif()
 
 if(VXMGMT_TESTS)

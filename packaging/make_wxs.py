@@ -73,6 +73,18 @@ class Installer:
             else:
                 self.file(depth, name)
 
+    def digest(self) -> str:
+        """Of all contents: installers that differ need package codes that differ."""
+        whole = hashlib.sha256()
+        for place, folders, names in os.walk(self.folder):
+            folders.sort()
+            for name in sorted(names):
+                path = os.path.join(place, name)
+                whole.update(os.path.relpath(path, self.folder).encode() + b"\0")
+                with open(path, "rb") as source:
+                    whole.update(hashlib.sha256(source.read()).digest())
+        return whole.hexdigest()
+
     def feature(self, own: str, title: str, about: str, components: list) -> None:
         self.put(2, f'<Feature Id="{own}" Title="{title}" Description="{about}" Level="1">')
         for component in components:
@@ -86,9 +98,9 @@ class Installer:
         self.put(1, f'<Product Id="{product}" Name="VXMGMT" Language="1033" '
                     f'Version="{installer_version(self.version)}" UpgradeCode="{str(UPGRADE).upper()}" '
                     'Manufacturer="The VXMGMT authors">')
-        package = guid("package " + self.version)
+        package = guid("package " + self.version + " " + self.digest())
         self.put(2, f'<Package Id="{package}" InstallerVersion="500" Compressed="yes" '
-                    'InstallScope="perMachine" Platform="x64" '
+                    'InstallScope="perMachine" '
                     'Description="Management of Fibre Channel host bus adapters"/>')
         self.put(2, '<MajorUpgrade DowngradeErrorMessage='
                     '"A newer version of VXMGMT is installed. Remove it first."/>')

@@ -116,23 +116,9 @@ build_in() {
     python3 packaging/make_zip.py "$dist/vxmgmt-$version-x64.zip" "$main"
     python3 packaging/make_zip.py "$dist/vxmgmt-$version-emulator.zip" "$emulator"
     python3 packaging/make_zip.py "$dist/vxmgmt-$version-symbols.zip" "$symbols"
-    make_installer "$main" "$dist/vxmgmt-$version-x64.msi"
+    packaging/make_installer.sh "$main" "$version" "$dist/vxmgmt-$version-x64.msi"
     [ -z "$certificate" ] || sign "$dist/vxmgmt-$version-x64.msi" "VXMGMT $version"
     (cd "$dist" && sha256sum -- * >SHA256SUMS)
-}
-
-# make_installer STAGED FILE.msi. wixl knows nothing of the environment: the path comes behind it.
-make_installer() {
-    local sources on_path
-    sources=$(dirname "$1")/vxmgmt.wxs
-    (cd "$(dirname "$1")" && python3 "$root/packaging/make_wxs.py" "$(basename "$1")" "$version") >"$sources"
-    on_path=$(sed -nE '/Name="OnPath"/{x;s/.*Component Id="([^"]*)".*/\1/p;q};h' "$sources")
-    (cd "$(dirname "$1")" && wixl --arch x64 -o "$2" vxmgmt.wxs)
-    msibuild "$2" \
-        -q 'CREATE TABLE `Environment` (`Environment` CHAR(72) NOT NULL, `Name` CHAR(255) NOT NULL, `Value` CHAR(255), `Component_` CHAR(72) NOT NULL PRIMARY KEY `Environment`)' \
-        -q "INSERT INTO \`Environment\` (\`Environment\`, \`Name\`, \`Value\`, \`Component_\`) VALUES ('Path', '=-*Path', '[~];[BINDIR]', '$on_path')" \
-        -q "INSERT INTO \`InstallExecuteSequence\` (\`Action\`, \`Sequence\`) VALUES ('RemoveEnvironmentStrings', 3300)" \
-        -q "INSERT INTO \`InstallExecuteSequence\` (\`Action\`, \`Sequence\`) VALUES ('WriteEnvironmentStrings', 5200)"
 }
 
 build_in "$work/first"

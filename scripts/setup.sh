@@ -3,11 +3,13 @@
 source "$(dirname "$0")/common.sh"
 
 packages=(
-    cmake ninja-build g++ lld
+    cmake ninja-build g++ lld llvm
     g++-mingw-w64-x86-64-posix wine wine64     # the Windows build and where it runs
     libcli11-dev nlohmann-json3-dev            # command lines, JSON
+    libz-mingw-w64-dev zlib1g-dev unzip python3  # bundles for support, and their test
     googletest libvalijson-dev                 # tests, and their check of documents
     procps                                     # pkill, for a system test
+    tmux                                       # a terminal, for a system test
     pkgconf                                    # the guide's programs find the library by it
     clang-format cppcheck                      # scripts/check.sh
 )
@@ -16,12 +18,15 @@ case ${1:-} in
 --bindings) packages+=(clang python3 nodejs npm) ;;
 --package)
     packages+=(
-        git python3 zip unzip              # what is staged, and archives
-        llvm lld                           # the import library of other compilers
-        wixl msitools osslsigncode openssl # the installer, signatures
+        git zip                            # what is staged, and archives
+        wixl msitools faketime             # the installer
+        osslsigncode openssl               # signatures
         cmark-gfm doxygen                  # manuals and the headers as pages
     )
     ;;
+# scripts/monitoring_test.sh
+--monitoring) packages+=(prometheus prometheus-node-exporter python3-prometheus-client curl) ;;
+--browser) packages+=(chromium) ;; # scripts/report_test.sh
 esac
 
 missing=()

@@ -4,11 +4,11 @@
 
 #include "assignments.h"
 #include "commands.h"
-#include "common/text.h"
 #include "field_text.h"
 #include "model/bytes/bytes.h"
 #include "port_rows.h"
 #include "properties/chip_families.h"
+#include "records/text.h"
 #include "running_driver.h"
 
 namespace vxemu {

@@ -1,5 +1,5 @@
 // Flash of the emulated adapters: what it holds, what may be written where, and power that fails.
-#include "support/emulator_flash.h"
+#include "machine/emulator_flash.h"
 
 #include "flash/nvram_variables.h"
 #include "flash/region_rules.h"

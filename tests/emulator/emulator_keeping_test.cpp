@@ -1,9 +1,9 @@
 // What adapters store outlasts the driver: whatever it is that was written, wherever the host was
 // killed, and not when the file is not what was left.
+#include "machine/disk.h"
+#include "machine/emulator_flash.h"
 #include "model/storage/flash_file.h"
 #include "model/storage/nvram_content.h"
-#include "support/disk.h"
-#include "support/emulator_flash.h"
 
 namespace {
 

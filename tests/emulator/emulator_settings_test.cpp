@@ -1,10 +1,10 @@
 // NVRAM, VPD, transceiver and companion chip of the emulated adapters.
 #include "flash/nvram_variables.h"
+#include "machine/emulator_flash.h"
 #include "model/storage/nvram_content.h"
 #include "model/storage/port_eeprom.h"
 #include "model/storage/sfp_content.h"
 #include "model/storage/sfp_firmware.h"
-#include "support/emulator_flash.h"
 
 namespace {
 

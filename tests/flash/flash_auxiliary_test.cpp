@@ -1,7 +1,7 @@
 // Two-wire devices, companion chip, transceiver firmware, boot from SAN.
 #include <algorithm>
 
-#include "support/flash_driver.h"
+#include "machine/flash_driver.h"
 #include "support/scratch_file.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Queries and commands around an update.
-#include "support/flash_driver.h"
-#include "support/flash_peer.h"
+#include "machine/flash_driver.h"
+#include "machine/flash_peer.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/flash_driver.h"
+#include "machine/flash_driver.h"
 
 namespace {
 

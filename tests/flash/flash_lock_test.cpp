@@ -2,9 +2,9 @@
 #include <random>
 #include <thread>
 
-#include "support/event_peer.h"
-#include "support/flash_driver.h"
-#include "support/flash_peer.h"
+#include "machine/event_peer.h"
+#include "machine/flash_driver.h"
+#include "machine/flash_peer.h"
 
 namespace {
 

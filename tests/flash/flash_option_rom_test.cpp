@@ -1,5 +1,5 @@
 // The whole flash, and the flash by byte offset.
-#include "support/flash_driver.h"
+#include "machine/flash_driver.h"
 #include "support/rom_builder.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <array>
 
 #include "formats/crc32.h"
-#include "support/flash_driver.h"
+#include "machine/flash_driver.h"
 #include "support/rom_builder.h"
 #include "support/scratch_file.h"
 

@@ -1,7 +1,7 @@
 // NVRAM and VPD of a port on every kind of chip and driver.
 
 #include "flash/nvram_variables.h"
-#include "support/flash_driver.h"
+#include "machine/flash_driver.h"
 #include "support/scratch_file.h"
 
 namespace {

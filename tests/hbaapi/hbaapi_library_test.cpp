@@ -1,7 +1,7 @@
 // Registration, adapter names, opening and closing, trace of the standard API; bad handles.
 #include <algorithm>
 
-#include "support/event_peer.h"
+#include "machine/event_peer.h"
 #include "support/hbaapi_fixture.h"
 
 extern "C" HBA_UINT32 StandardVersionSeenFromC();

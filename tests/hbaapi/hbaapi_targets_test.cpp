@@ -1,7 +1,7 @@
 // Discovered ports, the target mapping and the SCSI handlers of the standard API.
+#include "machine/system_devices.h"
 #include "support/hbaapi_fixture.h"
 #include "support/scratch_file.h"
-#include "support/system_devices.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "hxmgtapi.h"
-#include "support/import_redirection.h"
+#include "machine/import_redirection.h"
 
 extern "C" uint32_t VersionSeenFromC();
 extern "C" const char* InvalidHandleTextSeenFromC();

@@ -3,9 +3,9 @@
 #include <thread>
 
 #include "frame/handle_table.h"
-#include "support/api_calls.h"
-#include "support/emulated_adapters.h"
-#include "support/event_peer.h"
+#include "machine/api_calls.h"
+#include "machine/emulated_adapters.h"
+#include "machine/event_peer.h"
 #include "support/library_fixture.h"
 #include "support/scratch_file.h"
 

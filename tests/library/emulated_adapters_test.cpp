@@ -1,6 +1,6 @@
 // The library over the emulated adapters: what one side asks and the other answers fits together.
 
-#include "support/emulated_adapters.h"
+#include "machine/emulated_adapters.h"
 #include "support/library_fixture.h"
 
 namespace {

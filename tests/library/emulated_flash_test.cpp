@@ -3,8 +3,8 @@
 
 #include "flash/flash_records.h"
 #include "flash/nvram_variables.h"
+#include "machine/emulated_adapters.h"
 #include "model/storage/nvram_content.h"
-#include "support/emulated_adapters.h"
 #include "support/library_fixture.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The queries over the emulated adapters: who answers, what comes, what is kept.
-#include "support/emulated_adapters.h"
+#include "machine/emulated_adapters.h"
 #include "support/library_fixture.h"
 
 namespace {

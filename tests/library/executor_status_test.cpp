@@ -1,5 +1,5 @@
 // What the executors make of the driver's answers.
-#include "support/executor_fixture.h"
+#include "machine/executor_fixture.h"
 
 namespace {
 

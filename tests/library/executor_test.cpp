@@ -1,7 +1,7 @@
 // What the executors send, and what they ask of their caller.
 #include <thread>
 
-#include "support/executor_fixture.h"
+#include "machine/executor_fixture.h"
 
 namespace {
 

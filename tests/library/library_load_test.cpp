@@ -1,8 +1,8 @@
 // Loading and unloading beside other processes, and into mappings that others made.
 #include <algorithm>
 
-#include "support/event_peer.h"
-#include "support/private_library.h"
+#include "machine/event_peer.h"
+#include "machine/private_library.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Target logical units, operating system devices and volumes.
+#include "machine/system_devices.h"
 #include "mapping/device_names.h"
 #include "mapping/unit_list.h"
 #include "support/hbaapi_fixture.h"
-#include "support/system_devices.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <sstream>
 #include <thread>
 
-#include "support/event_peer.h"
+#include "machine/event_peer.h"
+#include "machine/flash_peer.h"
+#include "machine/private_library.h"
 #include "support/events_fixture.h"
-#include "support/flash_peer.h"
-#include "support/private_library.h"
 
 namespace {
 

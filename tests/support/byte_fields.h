@@ -1,7 +1,7 @@
 // Fields in request and reply bytes.
 #pragma once
 
-#include "support/scripted_port.h"
+#include "machine/scripted_port.h"
 
 namespace support {
 

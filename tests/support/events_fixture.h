@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "support/event_peer.h"
+#include "machine/event_peer.h"
 #include "support/library_fixture.h"
 
 namespace support {

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "hxmgtapi.h"
-#include "support/fake_system.h"
+#include "machine/fake_system.h"
+#include "machine/scratch_registry.h"
+#include "machine/scripted_port.h"
 #include "support/guarded_buffer.h"
 #include "support/has.h"
-#include "support/scratch_registry.h"
-#include "support/scripted_port.h"
 
 namespace support {
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "common/flatten.h"
-#include "common/redaction.h"
-#include "common/render.h"
+#include "records/flatten.h"
+#include "records/redaction.h"
+#include "records/render.h"
 
 namespace support {
 

@@ -11,7 +11,7 @@
 #include "tools/common/confirm.h"
 #include "tools/common/help.h"
 #include "tools/common/stop.h"
-#include "tools/common/text.h"
+#include "tools/records/text.h"
 
 namespace {
 

@@ -10,15 +10,15 @@
 #include "support/has.h"
 #include "support/json_schema.h"
 #include "support/shown.h"
-#include "tools/common/csv.h"
 #include "tools/common/exit_codes.h"
-#include "tools/common/fields.h"
 #include "tools/common/json_document.h"
-#include "tools/common/redaction.h"
-#include "tools/common/render.h"
 #include "tools/common/selector.h"
 #include "tools/common/status_codes.h"
-#include "tools/common/text.h"
+#include "tools/records/csv.h"
+#include "tools/records/fields.h"
+#include "tools/records/redaction.h"
+#include "tools/records/render.h"
+#include "tools/records/text.h"
 
 namespace {
 

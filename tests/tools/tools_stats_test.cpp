@@ -5,9 +5,9 @@
 #include <cstring>
 #include <set>
 
-#include "common/csv.h"
-#include "common/redaction.h"
-#include "common/render.h"
+#include "records/csv.h"
+#include "records/redaction.h"
+#include "records/render.h"
 #include "support/has.h"
 #include "vxmgr/ports/stats_fields.h"
 

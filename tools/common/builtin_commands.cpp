@@ -2,12 +2,12 @@
 #include "builtin_commands.h"
 
 #include "completion.h"
-#include "fields.h"
 #include "help.h"
 #include "invocation.h"
+#include "records/fields.h"
+#include "records/text.h"
 #include "schema_command.h"
 #include "status_codes.h"
-#include "text.h"
 
 namespace tools {
 namespace {

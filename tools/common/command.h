@@ -89,6 +89,7 @@ struct Command {
     Shape (*result)() = nullptr;       // the fields of the result, for its schema
     std::string (*notes)() = nullptr;  // what its help says beside the options
     bool hidden = false;
+    bool wholeFile = false;  // others read what --out writes: it appears at once, when all is there
 };
 
 // The commands of one file.

@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "help.h"
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {
@@ -109,6 +109,8 @@ class Parser {
     }
 
     void AddAll(CLI::App& app, std::span<const Argument> arguments, const Command* owner) {
+        // The parser would take the name of a command below this one for the argument.
+        const bool leaf = owner == nullptr || WordsBelow(tool_, owner->path).empty();
         for (const Argument& argument : arguments) {
             slots_.push_back({&argument, owner, nullptr});
             Slot& slot = slots_.back();
@@ -117,7 +119,7 @@ class Parser {
                 continue;
             }
             slot.option = app.add_option(argument.name, slot.values, argument.help);
-            slot.option->required(argument.required)->allow_extra_args(argument.repeated);
+            slot.option->required(argument.required && leaf)->allow_extra_args(argument.repeated);
             if (argument.repeated && argument.IsPositional()) {
                 slot.option->expected(1, 64);
             } else {
@@ -202,6 +204,10 @@ class Parser {
     void Check(CommandLine& line) const {
         for (const Slot& slot : slots_) {
             if (slot.option->count() == 0) {
+                if (slot.argument->required && slot.owner == line.command) {
+                    Refuse(line, NameOf(*slot.argument) + " is required");
+                    return;
+                }
                 continue;
             }
             if (slot.owner != nullptr && slot.owner != line.command) {

@@ -1,6 +1,6 @@
 #include "completion.h"
 
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {

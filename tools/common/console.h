@@ -34,6 +34,15 @@ bool ReadLine(std::string* line);
 // A new or emptied file for writing, or null with the Windows error code in *error.
 std::FILE* CreateForWriting(const std::string& path, uint32_t* error);
 
+// Whether a file of that name can come to be, or be replaced: 0, or the Windows error code.
+uint32_t CanBeReplaced(const std::string& path);
+
+// Gives a file the name of another, which it replaces. Waits a moment for readers who keep the
+// other open. A Windows error code, or 0.
+uint32_t Replace(const std::string& from, const std::string& to);
+
+void Remove(const std::string& path);
+
 std::string ToUtf8(const std::wstring& text);
 std::wstring ToWide(const std::string& text);
 

@@ -136,6 +136,35 @@ std::FILE* CreateForWriting(const std::string& path, uint32_t* error) {
     return stream;
 }
 
+uint32_t CanBeReplaced(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    constexpr DWORD kInTheWay = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kInTheWay) != 0
+               ? ERROR_ACCESS_DENIED
+               : ERROR_SUCCESS;
+}
+
+uint32_t Replace(const std::string& from, const std::string& to) {
+    constexpr int kTries = 20;
+    constexpr DWORD kBetween = 100;
+    uint32_t error = ERROR_SUCCESS;
+    for (int i = 0; i < kTries; ++i) {
+        if (MoveFileExW(ToWide(from).c_str(), ToWide(to).c_str(), MOVEFILE_REPLACE_EXISTING)) {
+            return ERROR_SUCCESS;
+        }
+        error = GetLastError();
+        if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) {
+            break;
+        }
+        Sleep(kBetween);
+    }
+    return error;
+}
+
+void Remove(const std::string& path) {
+    DeleteFileW(ToWide(path).c_str());
+}
+
 uint32_t MakeFolder(const std::string& path) {
     std::error_code error;
     std::filesystem::create_directories(ToWide(path), error);

@@ -3,6 +3,8 @@
 namespace tools {
 namespace {
 
+constexpr char kSeeHealth[] = "`health -q` lists what it found, `explain health ID` what to do";
+
 constexpr ExitCodeRow kExitCodes[] = {
     {ExitCode::Done, "done", "done, or nothing to do", ""},
     {ExitCode::Failed, "failed", "the operation failed", "the message names the status and object"},
@@ -25,8 +27,9 @@ constexpr ExitCodeRow kExitCodes[] = {
     {ExitCode::Cancelled, "cancelled", "cancelled", ""},
     {ExitCode::Partial, "partial", "some of several objects failed",
      "the failed ones are listed with their status"},
-    {ExitCode::HealthWarning, "health_warning", "the health check found a warning", ""},
-    {ExitCode::HealthCritical, "health_critical", "the health check found a critical fault", ""},
+    {ExitCode::HealthWarning, "health_warning", "the health check found a warning", kSeeHealth},
+    {ExitCode::HealthCritical, "health_critical", "the health check found a critical fault",
+     kSeeHealth},
     {ExitCode::NothingChanged, "nothing_changed", "with --detailed-exitcode: nothing changed", ""},
     {ExitCode::ResetPending, "reset_pending",
      "with --detailed-exitcode: changed, and a reset is pending",

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "command_line.h"
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {

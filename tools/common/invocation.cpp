@@ -4,11 +4,11 @@
 
 #include "confirm.h"
 #include "console.h"
-#include "csv.h"
 #include "hxstatus.h"
 #include "json_document.h"
+#include "records/csv.h"
+#include "records/text.h"
 #include "status_codes.h"
-#include "text.h"
 
 namespace tools {
 namespace {
@@ -19,6 +19,13 @@ size_t WidthOf(const CommandLine& line, const Output& output, bool color) {
     const size_t width =
         output.IsStdout() && !line.options.Has("wide") ? console::Width(stdout) : 0;
     return width > 1 && !color ? width - 1 : width;
+}
+
+// A console that shows colours has the characters that lines are drawn with, whatever its code
+// page. What reads a file or a pipe may not: it gets nothing but what names are made of beside
+// ASCII.
+bool DrawsLines(const Output& output) {
+    return output.IsStdout() && console::IsConsole(stdout) && console::EnableColor(stdout);
 }
 
 bool WantsColor(const CommandLine& line, std::FILE* stream) {
@@ -51,16 +58,29 @@ std::string MessageText(const Tool& tool, const Message& message, Redactor& reda
 }
 
 Invocation::Invocation(const Tool& tool, const CommandLine& line, Output& output, StopControl& stop,
-                       AbandonHooks& hooks)
+                       AbandonHooks& hooks, Redactor& names)
     : tool_(tool),
       line_(line),
       output_(output),
       stop_(stop),
       hooks_(hooks),
-      redactor_(line.options.Has("redact")),
+      redactor_(names),
       color_(output.IsStdout() && WantsColor(line, stdout)),
       colorErrors_(WantsColor(line, stderr)),
-      width_(WidthOf(line, output, color_)) {}
+      width_(WidthOf(line, output, color_)),
+      lines_(DrawsLines(output)) {}
+
+Invocation::Invocation(Invocation& outer, const CommandLine& line)
+    : tool_(outer.tool_),
+      line_(line),
+      output_(outer.output_),
+      stop_(outer.stop_),
+      hooks_(outer.hooks_),
+      redactor_(outer.redactor_),
+      outer_(&outer),
+      color_(outer.color_),
+      colorErrors_(outer.colorErrors_),
+      width_(outer.width_) {}
 
 void Invocation::Add(Message message) {
     const std::lock_guard guard(lock_);
@@ -133,7 +153,9 @@ void Invocation::Require(uint32_t status, const std::string& text,
 }
 
 void Invocation::Progress(const std::string& text) {
-    if (TellsNow() && !Quiet()) {
+    if (!TellsNow() && outer_ != nullptr && !Quiet()) {
+        outer_->Progress(text);  // its user waits for this command as well
+    } else if (TellsNow() && !Quiet()) {
         const std::lock_guard guard(lock_);
         EndLine();
         console::Write(stderr, redactor_.Clean(text) + "\n");
@@ -182,7 +204,7 @@ void Invocation::AddPending(Pending pending) {
 
 Answers Invocation::GivenAnswers() const {
     return {Given().Has("yes"), Given().Has("confirm"), Given().Text("confirm"),
-            !IsJson(line_.mode) && console::IsConsole(stdin)};
+            outer_ == nullptr && !IsJson(line_.mode) && console::IsConsole(stdin)};
 }
 
 void Invocation::CheckConfirmed(const std::vector<std::string>& serials) const {
@@ -242,9 +264,19 @@ void Invocation::Stream(Record row) {
         const std::lock_guard guard(lock_);
         ++rowsSent_;
     }
+    Print(text);
+}
+
+void Invocation::Print(const std::string& text) {
     if (!output_.Write(text)) {
         CheckStop();
         Fail(ExitCode::Failed, "the result cannot be written: its reader is gone or the disk full");
+    }
+}
+
+void Invocation::RepeatHeading() {
+    if (!IsJson(line_.mode) && line_.mode != OutputMode::Csv) {
+        output_.Write("\n" + StreamHeader(result_.MainList()->prototype.front(), Style()));
     }
 }
 

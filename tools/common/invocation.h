@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,9 +14,9 @@
 #include "command_line.h"
 #include "message.h"
 #include "output.h"
-#include "record.h"
-#include "redaction.h"
-#include "render.h"
+#include "records/record.h"
+#include "records/redaction.h"
+#include "records/render.h"
 #include "stop.h"
 
 namespace tools {
@@ -33,12 +34,17 @@ struct Question {
 class Invocation {
   public:
     Invocation(const Tool& tool, const CommandLine& line, Output& output, StopControl& stop,
-               AbandonHooks& hooks);
+               AbandonHooks& hooks, Redactor& names);
+    // Of a command inside another one, of which it shares everything.
+    Invocation(Invocation& outer, const CommandLine& line);
 
     const Tool& OwnTool() const { return tool_; }
     const Command& OwnCommand() const { return *line_.command; }
+    const CommandLine& GivenLine() const { return line_; }
     const Options& Given() const { return line_.options; }
     OutputMode Mode() const { return line_.mode; }
+    // Whether the result goes to stdout as text, so that a console may be drawn on instead.
+    bool HasScreen() const { return Mode() == OutputMode::Text && output_.IsStdout(); }
     bool DryRun() const { return Given().Has("dry-run"); }
     bool Quiet() const { return Given().Has("quiet"); }
     bool Verbose() const { return Given().Has("verbose"); }
@@ -52,6 +58,8 @@ class Invocation {
     // The same, as all that there is to say behind a command: its exit code.
     ExitCode DoneWith(const std::string& note, const std::string& hint = {});
     void Detail(const std::string& text, const std::string& object);  // with --verbose alone
+    // For what a command does or says once however often it gets there: false from the second time.
+    bool IsFirst(const std::string& what) { return done_.insert(what).second; }
     // The status to show for one that a request about the object ended with: a driver that has gone
     // away makes requests fail in ways that say something else.
     uint32_t CauseOf(uint32_t status, const std::string& object) const;
@@ -73,6 +81,10 @@ class Invocation {
     // The same for programs: a line of its own in jsonl, with the schema "progress" of the tool.
     void ProgressRow(const Record& row);
 
+    // Text for the result, as it is: for commands that print what others made. Ends the command
+    // when it cannot be written.
+    void Print(const std::string& text);
+
     void Changed();
     void AddPending(Pending pending);
 
@@ -86,6 +98,8 @@ class Invocation {
     // Lists whose rows appear while the command runs. All rows have the prototype's fields.
     void BeginStream(std::string key, std::string label, Record prototype, std::string emptyText);
     void Stream(Record row);
+    // The heading once more, behind an empty line; in the modes for people alone.
+    void RepeatHeading();
 
     // Between steps: throws Stopped when the user or the time limit ends the command.
     void CheckStop();
@@ -101,7 +115,7 @@ class Invocation {
     std::vector<Pending> PendingActions();
     bool HasChanged();
     size_t RowsSent();
-    RenderStyle Style() { return {color_, &redactor_, width_}; }
+    RenderStyle Style() { return {color_, &redactor_, width_, lines_}; }
 
   private:
     Answers GivenAnswers() const;
@@ -114,11 +128,14 @@ class Invocation {
     Output& output_;
     StopControl& stop_;
     AbandonHooks& hooks_;
-    Redactor redactor_;
+    Redactor& redactor_;
+    Invocation* const outer_ = nullptr;  // of the command that this one runs inside
     bool color_ = false;
     bool colorErrors_ = false;
     size_t width_ = 0;
+    bool lines_ = false;
     Record result_;
+    std::set<std::string> done_;
 
     std::mutex lock_;  // guards what follows: the frame reads it when it gives the command up
     std::vector<Message> messages_;

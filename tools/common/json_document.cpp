@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "redaction.h"
+#include "records/redaction.h"
+#include "records/text.h"
 #include "status_codes.h"
-#include "text.h"
 
 namespace tools {
 namespace {
@@ -21,6 +21,7 @@ struct ToJson {
     Json operator()(std::monostate) const { return nullptr; }
     Json operator()(bool flag) const { return flag; }
     Json operator()(uint64_t number) const { return number; }
+    Json operator()(const JsonText& json) const { return Json::parse(json.text, nullptr, false); }
     Json operator()(const std::vector<std::string>& texts) const {
         Json array = Json::array();
         for (const std::string& text : texts) {
@@ -182,6 +183,10 @@ std::string RecordDocument(const Record& record) {
 
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor) {
     return Dump(JsonOf(envelope, true, redactor), 2);
+}
+
+std::string EnvelopeLine(const Envelope& envelope, Redactor& redactor) {
+    return Dump(JsonOf(envelope, true, redactor), -1);
 }
 
 std::string EnvelopeLine(const Envelope& envelope, size_t rows, Redactor& redactor) {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "fields.h"
 #include "message.h"
-#include "record.h"
+#include "records/fields.h"
+#include "records/record.h"
 
 namespace tools {
 
@@ -33,6 +33,9 @@ Shape EnvelopeShape();
 
 // A record by itself, with nothing masked.
 std::string RecordDocument(const Record& record);
+
+// One document on one line.
+std::string EnvelopeLine(const Envelope& envelope, Redactor& redactor);
 
 // One document, indented, with a line end.
 std::string EnvelopeDocument(const Envelope& envelope, Redactor& redactor);

@@ -5,10 +5,9 @@
 #include "builtin_commands.h"
 #include "command_line.h"
 #include "console.h"
-#include "csv.h"
+#include "ending.h"
 #include "invocation.h"
 #include "json_document.h"
-#include "render.h"
 #include "status_codes.h"
 
 namespace tools {
@@ -42,71 +41,6 @@ void NotifyInterrupt(bool closing) {
     }
 }
 
-// How a command ended.
-struct Ending {
-    ExitCode exit = ExitCode::Done;
-    bool hasResult = false;
-    std::vector<Message> messages;  // beyond those of the invocation
-};
-
-Message ErrorMessage(const std::string& text, const std::string& hint) {
-    return {Severity::Error, text, hint, {}, {}};
-}
-
-Message StopMessage(StopReason reason, bool stuck) {
-    Message message = reason == StopReason::TimedOut
-                          ? ErrorMessage("the time limit of --timeout is over", "")
-                          : ErrorMessage("cancelled", "");
-    if (stuck) {
-        message.hint = "a driver call did not return and was given up";
-    }
-    return message;
-}
-
-Ending Execute(const Command& command, Invocation& invocation) {
-    try {
-        const ExitCode exit = command.run(invocation);
-        if (invocation.DryRun() && invocation.OwnTool().dryRunNote != nullptr) {
-            invocation.Note(invocation.OwnTool().dryRunNote);
-        }
-        return {exit, true, {}};
-    } catch (const CommandError& error) {
-        return {error.exit, !invocation.Result().Empty(), {error.message}};
-    } catch (const Stopped& stopped) {
-        return {ExitCodeOf(stopped.reason),
-                !invocation.Result().Empty(),
-                {StopMessage(stopped.reason, false)}};
-    } catch (const std::exception& error) {
-        return {ExitCode::Internal,
-                false,
-                {ErrorMessage(std::string("internal error: ") + error.what(), "")}};
-    } catch (...) {
-        return {ExitCode::Internal, false, {ErrorMessage("internal error", "")}};
-    }
-}
-
-ExitCode Detailed(ExitCode exit, const Command& command, Invocation& invocation) {
-    if (exit != ExitCode::Done || command.risk == Risk::Reads ||
-        !invocation.Given().Has("detailed-exitcode")) {
-        return exit;
-    }
-    if (!invocation.HasChanged()) {
-        return ExitCode::NothingChanged;
-    }
-    return invocation.PendingActions().empty() ? exit : ExitCode::ResetPending;
-}
-
-std::string RenderResult(const Record& result, OutputMode mode, const RenderStyle& style) {
-    switch (mode) {
-        case OutputMode::Table:
-            return RenderTable(result, style);
-        case OutputMode::Csv:
-            return RenderCsv(result, *style.redactor);
-        default:
-            return RenderText(result, style);
-    }
-}
-
 // The rows of a list that did not go out while the command ran.
 std::string PendingRows(const std::string& schema, const Record* result, Redactor& redactor,
                         size_t* rows) {
@@ -121,109 +55,87 @@ std::string PendingRows(const std::string& schema, const Record* result, Redacto
     return text;
 }
 
-Envelope EmptyEnvelope(const Tool& tool, const std::vector<std::string>& words) {
-    Envelope envelope;
-    envelope.tool = tool.version;
-    envelope.library = tool.libraryVersion == nullptr ? std::string() : tool.libraryVersion();
-    envelope.argv = words;
-    return envelope;
-}
-
-// The words without the names and serial numbers that options gave, alone or behind "--port=".
-std::vector<std::string> MaskedWords(std::vector<std::string> words, const CommandLine& line,
-                                     Redactor& redactor) {
-    for (std::string& word : words) {
-        for (const std::string& secret : line.secrets) {
-            if (redactor.Enabled() && word.ends_with(secret)) {
-                word.replace(word.size() - secret.size(), std::string::npos,
-                             redactor.Mask(Secret::Serial, secret));
-                break;
-            }
-        }
-    }
-    return words;
-}
-
 class Run {
   public:
     Run(const Tool& tool, std::vector<std::string> words)
-        : tool_(tool), words_(std::move(words)), line_(ParseCommandLine(tool, words_)) {}
+        : tool_(tool),
+          words_(std::move(words)),
+          line_(ParseCommandLine(tool, words_)),
+          names_(line_.options.Has("redact")) {}
 
     int Main() {
-        if (!OpenOutput()) {
-            return Number(ReportWithoutCommand(SchemaName(tool_, "error")));
-        }
+        OpenOutput();
         if (!line_.help.empty()) {
             return Number(PrintHelp());
         }
         if (!line_.error.empty()) {
-            return Number(ReportWithoutCommand(line_.command == nullptr
-                                                   ? SchemaName(tool_, "usage")
-                                                   : SchemaName(tool_, *line_.command)));
+            return Number(ReportWithoutCommand());
         }
         return Number(RunCommand());
     }
 
   private:
-    bool OpenOutput() {
-        const uint32_t error = output_.Open(line_.out);
-        if (error == 0) {
-            return true;
+    // An output that cannot be opened becomes the line's error.
+    void OpenOutput() {
+        const bool whole = line_.command != nullptr && line_.command->wholeFile;
+        const uint32_t error =
+            output_.Open(line_.out, whole ? Output::Appears::AtOnce : Output::Appears::AsItComes);
+        outputOpen_ = error == 0;
+        if (outputOpen_) {
+            return;
         }
         exit_ = ExitCodeOf(error);
+        line_.help.clear();
         line_.error = "--out " + line_.out + ": " + console::SystemErrorText(error);
         line_.hint.clear();
-        return false;
     }
 
     // A help text is the result: on stdout, also in a document.
     ExitCode PrintHelp() {
-        Record result;
-        result.AddRaw("help", line_.help);  // as `help` has it
-        if (!IsJson(line_.mode)) {
-            return Written(output_.Close(line_.help), ExitCode::Done);
-        }
-        Envelope envelope = EmptyEnvelope(tool_, words_);
-        envelope.schema = SchemaName(tool_, "help");
-        envelope.result = &result;
-        return CloseWith(envelope, ExitCode::Done);
+        return IsJson(line_.mode) ? CloseWithoutCommand()
+                                  : Written(output_.Close(line_.help), ExitCode::Done);
     }
 
     // Ends before any command ran, with line_.error.
-    ExitCode ReportWithoutCommand(const std::string& schema) {
-        const Message message = ErrorMessage(line_.error, line_.hint);
-        Redactor redactor(line_.options.Has("redact"));
-        if (!IsJson(line_.mode)) {
-            console::Write(stderr, MessageText(tool_, message, redactor, false));
-            output_.Close("");
-            return exit_;
+    ExitCode ReportWithoutCommand() {
+        if (IsJson(line_.mode)) {
+            return CloseWithoutCommand();
         }
-        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
-        envelope.schema = schema;
-        envelope.messages = {message};
-        return CloseWith(envelope, exit_, redactor);
+        console::Write(stderr, MessageText(tool_, ErrorMessage(line_), names_, false));
+        output_.Close("");
+        return exit_;
     }
 
-    ExitCode CloseWith(Envelope& envelope, ExitCode exit) {
-        Redactor redactor(false);
-        return CloseWith(envelope, exit, redactor);
-    }
-
-    ExitCode CloseWith(Envelope& envelope, ExitCode exit, Redactor& redactor) {
-        envelope.exit = exit;
-        return Written(output_.Close(line_.mode == OutputMode::JsonLines
-                                         ? EnvelopeLine(envelope, 0, redactor)
-                                         : EnvelopeDocument(envelope, redactor)),
-                       exit);
+    ExitCode CloseWithoutCommand() {
+        Record help;
+        Envelope envelope = EnvelopeOf(tool_, words_, line_, exit_, names_, &help);
+        if (!outputOpen_) {
+            envelope.schema = SchemaName(tool_, "error");
+        }
+        return Written(
+            output_.Close(line_.mode == OutputMode::JsonLines ? EnvelopeLine(envelope, 0, names_)
+                                                              : EnvelopeDocument(envelope, names_)),
+            envelope.exit);
     }
 
     // A result that did not reach its reader is a failure, whatever the command did.
-    static ExitCode Written(bool written, ExitCode exit) {
-        return !written && exit == ExitCode::Done ? ExitCode::Failed : exit;
+    ExitCode Written(bool written, ExitCode exit) {
+        if (written) {
+            return exit;
+        }
+        if (!line_.out.empty() && line_.out != "-") {
+            const uint32_t error = output_.Error();
+            const std::string why =
+                error != 0 ? console::SystemErrorText(error) : "is the disk full?";
+            const Message message = {
+                Severity::Error, "--out " + line_.out + " was not written: " + why, "", {}, {}};
+            console::Write(stderr, MessageText(tool_, message, names_, false));
+        }
+        return exit == ExitCode::Done ? ExitCode::Failed : exit;
     }
 
     ExitCode RunCommand() {
-        Invocation invocation(tool_, line_, output_, stop_, hooks_);
+        Invocation invocation(tool_, line_, output_, stop_, hooks_, names_);
         Ending ending;
         runningStop = &stop_;
         tellsHold = !IsJson(line_.mode) && !invocation.Quiet();
@@ -234,7 +146,7 @@ class Run {
         // A driver call may take minutes: it happens on a worker, so that this thread can end the
         // program in the meantime.
         std::thread worker([&] {
-            ending = Execute(*line_.command, invocation);
+            ending = Execute(invocation);
             stop_.Finish();
         });
         if (stop_.WaitForEnd(kGrace)) {
@@ -247,15 +159,12 @@ class Run {
             return exit;
         }
         hooks_.Run(kHookTime);
-        const StopReason reason = stop_.Reason();
-        const ExitCode exit =
-            Report({ExitCodeOf(reason), false, {StopMessage(reason, true)}}, invocation);
+        const ExitCode exit = Report(StoppedEnding(stop_.Reason(), true), invocation);
         // The worker still uses this frame: nothing may be destroyed.
         console::ExitNow(Number(exit));
     }
 
     ExitCode Report(Ending ending, Invocation& invocation) {
-        const ExitCode exit = Detailed(ending.exit, *line_.command, invocation);
         const Record* result = ending.hasResult ? &invocation.Result() : nullptr;
         if (!IsJson(line_.mode)) {
             const std::string text = result == nullptr
@@ -265,31 +174,24 @@ class Run {
             for (Message& message : ending.messages) {
                 invocation.Add(std::move(message));
             }
-            return Written(written, exit);
+            return Written(written, DetailedExit(ending.exit, invocation));
         }
-        Redactor& redactor = invocation.Names();
-        Envelope envelope = EmptyEnvelope(tool_, MaskedWords(words_, line_, redactor));
-        envelope.schema = SchemaName(tool_, *line_.command);
-        envelope.result = result;
-        envelope.messages = invocation.Messages();
-        envelope.messages.insert(envelope.messages.end(), ending.messages.begin(),
-                                 ending.messages.end());
-        envelope.changed = invocation.HasChanged();
-        envelope.pending = invocation.PendingActions();
-        envelope.exit = exit;
+        const Envelope envelope = EnvelopeOf(invocation, words_, ending);
         if (line_.mode == OutputMode::Json) {
-            return Written(output_.Close(EnvelopeDocument(envelope, redactor)), exit);
+            return Written(output_.Close(EnvelopeDocument(envelope, names_)), envelope.exit);
         }
         size_t rows = invocation.RowsSent();
-        std::string text = PendingRows(envelope.schema, result, redactor, &rows);
-        text += EnvelopeLine(envelope, rows, redactor);
-        return Written(output_.Close(text), exit);
+        std::string text = PendingRows(envelope.schema, result, names_, &rows);
+        text += EnvelopeLine(envelope, rows, names_);
+        return Written(output_.Close(text), envelope.exit);
     }
 
     const Tool& tool_;
     const std::vector<std::string> words_;
     CommandLine line_;
-    ExitCode exit_ = ExitCode::Usage;
+    Redactor names_;
+    ExitCode exit_ = ExitCode::Usage;  // of a line that is wrong
+    bool outputOpen_ = false;
     Output output_;
     StopControl stop_;
     AbandonHooks hooks_;

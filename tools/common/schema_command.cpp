@@ -1,10 +1,10 @@
 #include "schema_command.h"
 
 #include "console.h"
-#include "fields.h"
 #include "invocation.h"
+#include "records/fields.h"
+#include "records/text.h"
 #include "schemas.h"
-#include "text.h"
 
 namespace tools {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
-#include "fields.h"
 #include "json_document.h"
+#include "records/fields.h"
 
 namespace tools {
 

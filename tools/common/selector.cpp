@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {

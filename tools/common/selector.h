@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "wwn.h"
+#include "records/wwn.h"
 
 namespace tools {
 

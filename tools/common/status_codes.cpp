@@ -1,7 +1,7 @@
 #include "status_codes.h"
 
 #include "hxstatus.h"
-#include "text.h"
+#include "records/text.h"
 
 namespace tools {
 namespace {

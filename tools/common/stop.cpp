@@ -41,7 +41,7 @@ void StopControl::SetLimit(std::chrono::milliseconds limit) {
 
 void StopControl::PauseLimit() {
     const std::lock_guard guard(lock_);
-    if (deadline_) {
+    if (pauses_++ == 0 && deadline_) {
         left_ = *deadline_ - Clock::now();
         deadline_.reset();
         changed_.notify_all();
@@ -50,7 +50,7 @@ void StopControl::PauseLimit() {
 
 void StopControl::ResumeLimit() {
     const std::lock_guard guard(lock_);
-    if (left_) {
+    if (--pauses_ == 0 && left_) {
         deadline_ = Clock::now() + *left_;
         left_.reset();
         changed_.notify_all();

@@ -40,7 +40,7 @@ class StopControl {
     void Finish();
 
     // How long the command may take from now on; without a limit it may for ever. While it is
-    // paused, for a wait that has a limit of its own, the time does not count.
+    // paused, for waits that have limits of their own, the time does not count.
     void SetLimit(std::chrono::milliseconds limit);
     void PauseLimit();
     void ResumeLimit();
@@ -77,6 +77,7 @@ class StopControl {
     bool threadsLeft_ = false;
     std::optional<Clock::time_point> deadline_;  // none: no limit, or paused
     std::optional<Clock::duration> left_;        // while paused
+    int pauses_ = 0;
     const char* heldBy_ = nullptr;
     std::chrono::milliseconds holdTime_{};
     Clock::time_point heldUntil_;  // or when the last hold ended

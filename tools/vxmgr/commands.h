@@ -60,4 +60,12 @@ CommandRows NvmeCommands();
 
 CommandRows HbaapiCommands();
 
+CommandRows HealthCommands();
+CommandRows MetricsCommands();
+CommandRows TreeCommands();
+CommandRows TopCommands();
+CommandRows BatchCommands();
+CommandRows CollectCommands();
+CommandRows ReportCommands();
+
 }  // namespace vxmgr

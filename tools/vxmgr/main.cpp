@@ -3,6 +3,7 @@
 #include "vxmgr/bindings/store_documents.h"
 #include "vxmgr/commands.h"
 #include "vxmgr/settings/nvram_document.h"
+#include "vxmgr/support/collect_manifest.h"
 #include "vxmgr/update/update_journal.h"
 #include "vxmgr/update/update_progress.h"
 #include "vxmgr/update/update_record.h"
@@ -81,6 +82,7 @@ constexpr Document kDocuments[] = {
     {"update", "The journal of an update", JournalShape},
     {"progress", "The rows with which `-o jsonl` tells how far an update is", ProgressShape},
     {"nvram", "The document of `nvram export` and `nvram import`", NvramDocumentShape},
+    {"manifest", "MANIFEST.json of the file that `collect` writes", CollectManifestShape},
 };
 
 // The order of the help.
@@ -130,6 +132,13 @@ constexpr CommandRows (*kFiles[])() = {
     DumpCommands,
     DriverCommands,
     HbaapiCommands,
+    HealthCommands,
+    MetricsCommands,
+    TreeCommands,
+    TopCommands,
+    ReportCommands,
+    CollectCommands,
+    BatchCommands,
 };
 
 }  // namespace

@@ -1,12 +1,23 @@
 # Encoders and decoders of protocols, stored data and documents, relative to the repository. Free of
 # platform calls: also built natively, for the tests.
 set(VXMGR_PORTABLE_SOURCES
+    tools/vxmgr/app/bytes.cpp
+    tools/vxmgr/app/document.cpp
+    tools/vxmgr/app/size_text.cpp
     tools/vxmgr/bindings/bind_document.cpp
     tools/vxmgr/bindings/bind_edit.cpp
+    tools/vxmgr/bindings/lunmask_document.cpp
+    tools/vxmgr/bindings/lunmask_luns.cpp
+    tools/vxmgr/bindings/store_blocks.cpp
+    tools/vxmgr/bindings/store_difference.cpp
     tools/vxmgr/diag/dport_results.cpp
     tools/vxmgr/diag/register_space.cpp
     tools/vxmgr/fabric/fc_ct.cpp
     tools/vxmgr/fabric/fc_els.cpp
+    tools/vxmgr/fabric/scsi_inquiry.cpp
+    tools/vxmgr/fabric/scsi_sense.cpp
+    tools/vxmgr/fabric/scsi_target.cpp
+    tools/vxmgr/fabric/scsi_units.cpp
     tools/vxmgr/flash/flash_firmware.cpp
     tools/vxmgr/flash/flash_image.cpp
     tools/vxmgr/flash/flash_image_check.cpp
@@ -15,27 +26,42 @@ set(VXMGR_PORTABLE_SOURCES
     tools/vxmgr/hbaapi/hbaapi_reader.cpp
     tools/vxmgr/hbaapi/hbaapi_records.cpp
     tools/vxmgr/hbaapi/hbaapi_texts.cpp
-    tools/vxmgr/bindings/lunmask_document.cpp
-    tools/vxmgr/bindings/lunmask_luns.cpp
-    tools/vxmgr/targets/map_rows.cpp
+    tools/vxmgr/health/health_checks.cpp
+    tools/vxmgr/health/health_fabric_checks.cpp
+    tools/vxmgr/health/health_link_checks.cpp
+    tools/vxmgr/health/health_stored_checks.cpp
+    tools/vxmgr/health/health_transceiver_checks.cpp
+    tools/vxmgr/health/metrics_counters.cpp
+    tools/vxmgr/health/metrics_states.cpp
+    tools/vxmgr/health/metrics_table.cpp
+    tools/vxmgr/health/metrics_text.cpp
+    tools/vxmgr/ports/event_kinds.cpp
+    tools/vxmgr/ports/stats_counters.cpp
+    tools/vxmgr/ports/stats_fields.cpp
     tools/vxmgr/settings/nvram_document.cpp
     tools/vxmgr/settings/nvram_fields.cpp
     tools/vxmgr/settings/nvram_text.cpp
-    tools/vxmgr/app/bytes.cpp
-    tools/vxmgr/app/size_text.cpp
-    tools/vxmgr/fabric/scsi_inquiry.cpp
-    tools/vxmgr/fabric/scsi_sense.cpp
-    tools/vxmgr/fabric/scsi_target.cpp
-    tools/vxmgr/fabric/scsi_units.cpp
+    tools/vxmgr/settings/vpd_pci.cpp
     tools/vxmgr/sfp/sfp_diagnostics.cpp
     tools/vxmgr/sfp/sfp_identity.cpp
-    tools/vxmgr/ports/stats_counters.cpp
-    tools/vxmgr/ports/stats_fields.cpp
-    tools/vxmgr/bindings/store_blocks.cpp
-    tools/vxmgr/bindings/store_difference.cpp
-    tools/vxmgr/app/document.cpp
+    tools/vxmgr/support/batch_lines.cpp
+    tools/vxmgr/support/html.cpp
+    tools/vxmgr/support/report_charts.cpp
+    tools/vxmgr/support/report_code.cpp
+    tools/vxmgr/support/report_documents.cpp
+    tools/vxmgr/support/report_events.cpp
+    tools/vxmgr/support/report_health.cpp
+    tools/vxmgr/support/report_page.cpp
+    tools/vxmgr/support/report_parts.cpp
+    tools/vxmgr/support/report_ports.cpp
+    tools/vxmgr/support/report_tree.cpp
+    tools/vxmgr/support/trace_text.cpp
+    tools/vxmgr/support/zip.cpp
+    tools/vxmgr/targets/map_rows.cpp
     tools/vxmgr/targets/qos_levels.cpp
     tools/vxmgr/targets/target_luns.cpp
-    tools/vxmgr/settings/vpd_pci.cpp
     tools/vxmgr/update/update_journal.cpp
+    tools/vxmgr/views/port_trend.cpp
+    tools/vxmgr/views/top_screen.cpp
+    tools/vxmgr/views/top_view.cpp
 )

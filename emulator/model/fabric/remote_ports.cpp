@@ -38,7 +38,7 @@ uint16_t Quantity(const formats::SfpDiagnostics& page, uint32_t at) {
 // What the remote port answers about its own link and transceiver.
 void AddDiagnostics(const Port& port, const TargetProfile& device, HX_REMOTE_PORT& record) {
     formats::SfpDiagnostics page = {};
-    Measure(static_cast<uint32_t>(port.requests) + IndexOf(*port.fabric, device), true, page);
+    Measure(static_cast<uint32_t>(port.requests) + IndexOf(*port.fabric, device), {}, page);
     record.flags |= HX_REMOTE_PORT_DIAGNOSED;
     record.temperature = static_cast<int16_t>(Quantity(page, 0));
     record.voltage = Quantity(page, 1);

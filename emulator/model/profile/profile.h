@@ -146,7 +146,9 @@ struct PortProfile {
     uint8_t qosEnabled;
     uint8_t scm;  // 0: the driver knows no congestion management
     uint8_t beaconSupported;
-    uint8_t reserved[36];
+    uint8_t transmitFault;   // 1: the transceiver's transmitter says that it fails
+    uint16_t receivedPower;  // light that arrives, in microwatts; 0 = as usual
+    uint8_t reserved[33];
 };
 static_assert(sizeof(PortProfile) == 112);
 

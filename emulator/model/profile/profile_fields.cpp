@@ -77,6 +77,7 @@ constexpr uint32_t kMaxLoopId = 0xFFFD;  // 0xFFFF is none
 constexpr uint32_t kMaxDegrees = 117;    // 10 more are the highest that records hold
 constexpr uint32_t kMaxVirtualPorts = 254;
 constexpr uint32_t kMaxCreditRecovery = 15;
+constexpr uint32_t kMaxMicrowatts = 6553;  // the most that a transceiver can say
 constexpr uint32_t kMaxDeviceType = 0x1F;
 // Offsets in bytes of every block then fit 64 bits.
 constexpr uint64_t kMaxBlocks = uint64_t{1} << 48;
@@ -177,6 +178,8 @@ constexpr Field kFields[] = {
     Row("qos_enabled",            PORT(qosEnabled),              FieldKind::Flag,   1, nullptr, true),
     Row("scm",                    PORT(scm),                     FieldKind::Flag,   1, nullptr, true),
     Row("beacon_supported",       PORT(beaconSupported),         FieldKind::Flag,   1, nullptr, true),
+    Row("transmit_fault",         PORT(transmitFault),           FieldKind::Flag,   1, nullptr, true),
+    Row("received_power",         PORT(receivedPower),           FieldKind::Number, kMaxMicrowatts, nullptr, true),
 
     Row("node_name",              TARGET(nodeName),              FieldKind::Bytes,  0, nullptr, true),
     Row("port_name",              TARGET(portName),              FieldKind::Bytes,  0, nullptr, false),

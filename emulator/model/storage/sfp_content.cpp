@@ -20,6 +20,7 @@ constexpr uint8_t kInternallyCalibrated = 0x68;  // diagnostics there, average r
 constexpr uint8_t kAlarmsAndFlags = 0xF0;
 constexpr uint8_t kComplianceVersion = 0x08;  // SFF-8472 revision 12.3
 constexpr uint8_t kRateBeyondByte = 0xFF;
+constexpr uint8_t kTransmitFault = 0x04;
 constexpr uint8_t kSignalLost = 0x02;
 constexpr uint8_t kOui[3] = {0x02, 0x45, 0x4D};
 
@@ -41,6 +42,26 @@ constexpr QuantityRow kQuantities[] = {
 };
 constexpr uint32_t kReceivedPower = std::size(kQuantities) - 1;
 constexpr uint32_t kDarkness = 1;
+constexpr uint32_t kPerMicrowatt = 10;
+constexpr uint32_t kTemperature = 0;  // the one quantity that may be negative
+
+// A high and a low bit for each quantity, the highest bits for the first one.
+struct Flags {
+    uint16_t bits = 0;
+
+    void Compare(uint32_t quantity, uint32_t value, uint16_t high, uint16_t low) {
+        const uint32_t highBit = 0x8000u >> 2 * quantity;
+        bits |=
+            static_cast<uint16_t>((Ordered(quantity, value) > Ordered(quantity, high)) * highBit);
+        bits |= static_cast<uint16_t>((Ordered(quantity, value) < Ordered(quantity, low)) *
+                                      (highBit >> 1));
+    }
+
+  private:
+    static int32_t Ordered(uint32_t quantity, uint32_t word) {
+        return quantity == kTemperature ? static_cast<int16_t>(word) : static_cast<int32_t>(word);
+    }
+};
 
 // Bits of the first byte of speeds, lowest first: 1, 2, 4, ... gigabits.
 uint8_t SpeedBits(uint32_t gigabits) {
@@ -140,22 +161,29 @@ void FillTransceiver(formats::SfpDiagnostics& diagnostics) {
         (*calibration)[0][0] = 1;
     }
     UpdateChecksum(diagnostics);
-    Measure(0, true, diagnostics);
+    Measure(0, {}, diagnostics);
 }
 
-void Measure(uint32_t turn, bool link, formats::SfpDiagnostics& diagnostics) {
+void Measure(uint32_t turn, const Signal& signal, formats::SfpDiagnostics& diagnostics) {
+    Flags alarms;
+    Flags warnings;
     for (uint32_t at = 0; at < std::size(kQuantities); ++at) {
         const QuantityRow& row = kQuantities[at];
         const uint32_t move = PatternWord(turn, at) % (2u * row.swing + 1);
-        const bool dark = at == kReceivedPower && !link;
-        formats::PutBigEndian(dark ? kDarkness : row.usual - row.swing + move,
-                              diagnostics.values[at]);
+        uint32_t value = row.usual - row.swing + move;
+        if (at == kReceivedPower) {
+            value = !signal.link                ? kDarkness
+                    : signal.receivedPower != 0 ? signal.receivedPower * kPerMicrowatt
+                                                : value;
+        }
+        formats::PutBigEndian(value, diagnostics.values[at]);
+        alarms.Compare(at, value, row.limits[0], row.limits[1]);
+        warnings.Compare(at, value, row.limits[2], row.limits[3]);
     }
-    diagnostics.status = link ? 0 : kSignalLost;
-    // The last quantity's low bits: alarm 0x40 and warning 0x40 of the second byte.
-    constexpr uint8_t kReceivedPowerLow = 0x40;
-    diagnostics.alarms[1] = link ? 0 : kReceivedPowerLow;
-    diagnostics.warnings[1] = link ? 0 : kReceivedPowerLow;
+    diagnostics.status = static_cast<uint8_t>((signal.link ? 0 : kSignalLost) |
+                                              (signal.transmitFault ? kTransmitFault : 0));
+    formats::PutBigEndian(alarms.bits, diagnostics.alarms);
+    formats::PutBigEndian(warnings.bits, diagnostics.warnings);
 }
 
 }  // namespace vxemu

@@ -90,7 +90,9 @@ DriverStatus Transfer(Exchange& exchange, Move move) {
 
 // Values move with the requests that the port has served. The port has its memory.
 void MeasureNow(Port& port) {
-    Measure(static_cast<uint32_t>(port.requests), port.LinkUp(), port.eeprom->diagnostics);
+    Measure(static_cast<uint32_t>(port.requests),
+            {port.LinkUp(), port.profile->receivedPower, port.profile->transmitFault != 0},
+            port.eeprom->diagnostics);
 }
 
 constexpr auto kAccepted = flash::TransceiverResult::Accepted;

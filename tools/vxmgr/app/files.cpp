@@ -42,10 +42,7 @@ void ReplaceFile(Invocation& invocation, const std::string& path,
     const Temporary temporary(path + ".part");
     make(temporary.Path());
     invocation.CheckStop();
-    fs::rename(PathOf(temporary.Path()), PathOf(path), error);
-    if (error) {
-        invocation.Fail(static_cast<uint32_t>(error.value()), path + " cannot be written");
-    }
+    invocation.Require(console::Replace(temporary.Path(), path), path + " cannot be written");
 }
 
 void SaveFile(Invocation& invocation, const std::string& path, Bytes bytes) {

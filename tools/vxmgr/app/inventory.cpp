@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <mutex>
 
 #include "common/console.h"
 #include "vxmgr/app/port_reader.h"
@@ -121,6 +122,43 @@ std::vector<Port> Read(Invocation& invocation, const Candidates& candidates) {
     return read;
 }
 
+// What an InventoryMemory remembers.
+struct Remembered {
+    std::recursive_mutex lock;  // reading finds out which ports are silent
+    bool active = false;
+    std::optional<std::vector<Port>> ports;
+};
+
+Remembered& Memory() {
+    static Remembered memory;
+    return memory;
+}
+
+// The ports as they were read first, where something remembers them. Two commands that run at a
+// time read them once.
+std::optional<std::vector<Port>> FromMemory(Invocation& invocation) {
+    Remembered& memory = Memory();
+    const std::lock_guard guard(memory.lock);
+    if (memory.active && !memory.ports) {
+        memory.ports = Read(invocation, ListCandidates(invocation));
+    }
+    return memory.active ? memory.ports : std::nullopt;
+}
+
+void RememberSilence(const Port& silent) {
+    Remembered& memory = Memory();
+    const std::lock_guard guard(memory.lock);
+    if (!memory.ports) {
+        return;
+    }
+    const auto known = std::ranges::find(*memory.ports, silent.index, &Port::index);
+    if (known != memory.ports->end()) {
+        known->answers = silent.answers;
+        known->failure = silent.failure;
+        known->failedQuery = silent.failedQuery;
+    }
+}
+
 void WarnWhenNothingIsVisible(Invocation& invocation, const std::vector<Port>& ports) {
     if (ports.empty() && !console::IsElevated()) {
         invocation.Warn("no adapter is visible to this user",
@@ -201,15 +239,32 @@ void DoesNotAnswer(Invocation& invocation, Port* port) {
     port->failure = HXMGT_TIMED_OUT;
     port->failedQuery =
         SilenceText(*port, " after " + std::to_string(AnswerTime(invocation).count()) + " s");
+    RememberSilence(*port);
+}
+
+InventoryMemory::InventoryMemory() {
+    const std::lock_guard guard(Memory().lock);
+    Memory().active = true;
+}
+
+InventoryMemory::~InventoryMemory() {
+    const std::lock_guard guard(Memory().lock);
+    Memory().active = false;
+    Memory().ports.reset();
 }
 
 std::vector<Port> ReadPorts(Invocation& invocation) {
-    std::vector<Port> ports = Read(invocation, ListCandidates(invocation));
+    const auto remembered = FromMemory(invocation);
+    std::vector<Port> ports =
+        remembered ? *remembered : Read(invocation, ListCandidates(invocation));
     WarnWhenNothingIsVisible(invocation, ports);
     return ports;
 }
 
 std::vector<Port> ReadSelectedPorts(Invocation& invocation) {
+    if (const auto remembered = FromMemory(invocation)) {
+        return *remembered;
+    }
     Candidates candidates = ListCandidates(invocation);
     const auto selector = GivenSelector(invocation, "port");
     if (selector && !invocation.Given().Has("adapter")) {

@@ -56,6 +56,16 @@ std::vector<Port> ReadPorts(Invocation& invocation);
 // that port alone is in the list.
 std::vector<Port> ReadSelectedPorts(Invocation& invocation);
 
+// While it lives, the ports are read once, and one that did not answer is waited for once: for a
+// command that runs others inside it, in a moment when nothing changes. One at a time.
+class InventoryMemory {
+  public:
+    InventoryMemory();
+    ~InventoryMemory();
+    InventoryMemory(const InventoryMemory&) = delete;
+    InventoryMemory& operator=(const InventoryMemory&) = delete;
+};
+
 // Marks a port that did not answer in time.
 void DoesNotAnswer(Invocation& invocation, Port* port);
 

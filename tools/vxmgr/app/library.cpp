@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "common/console.h"
 #include "vxmgr/app/vocabulary.h"
@@ -77,6 +78,67 @@ OpenedPorts& Ports() {
     return opened;
 }
 
+// Handles that an OpenPortsMemory keeps; each is used by one at a time.
+class IdleHandles {
+  public:
+    struct Kept {
+        uint32_t handle;
+        std::string tracePath;
+    };
+
+    void Begin(const std::string& traceFolder) {
+        const std::lock_guard guard(lock_);
+        active_ = true;
+        traceFolder_ = traceFolder;
+    }
+    void End() {
+        {
+            const std::lock_guard guard(lock_);
+            active_ = false;
+            traceFolder_.clear();
+        }
+        Drop();
+    }
+    // The trace of a port that was given none.
+    std::string TraceOf(uint32_t scsiPort) {
+        const std::lock_guard guard(lock_);
+        return traceFolder_.empty() ? std::string()
+                                    : traceFolder_ + "\\scsi-" + std::to_string(scsiPort) + ".txt";
+    }
+    std::optional<Kept> Take(uint32_t scsiPort) {
+        const std::lock_guard guard(lock_);
+        auto found = handles_.extract(scsiPort);
+        return found.empty() ? std::nullopt : std::optional(std::move(found.mapped()));
+    }
+    bool Keep(uint32_t scsiPort, Kept kept) {
+        const std::lock_guard guard(lock_);
+        return active_ && handles_.emplace(scsiPort, std::move(kept)).second;
+    }
+    // Makes room in the library's table of handles; false when there was nothing to close.
+    bool Drop() {
+        std::map<uint32_t, Kept> handles;
+        {
+            const std::lock_guard guard(lock_);
+            handles.swap(handles_);
+        }
+        for (const auto& [scsiPort, kept] : handles) {
+            HXCloseDevice(static_cast<int32_t>(kept.handle));
+        }
+        return !handles.empty();
+    }
+
+  private:
+    std::mutex lock_;
+    bool active_ = false;
+    std::string traceFolder_;
+    std::map<uint32_t, Kept> handles_;
+};
+
+IdleHandles& Idle() {
+    static IdleHandles idle;
+    return idle;
+}
+
 }  // namespace
 
 uint32_t CauseOf(uint32_t status, const std::string& object) {
@@ -105,30 +167,57 @@ Device& Device::operator=(Device&& other) noexcept {
     if (this != &other) {
         Close();
         handle_ = std::exchange(other.handle_, 0);
+        scsiPort_ = other.scsiPort_;
+        tracePath_ = std::move(other.tracePath_);
     }
     return *this;
 }
 
 HX_STATUS Device::Open(uint32_t scsiPort, const std::string& object, const std::string& tracePath) {
     Close();
+    scsiPort_ = scsiPort;
+    tracePath_ = tracePath.empty() ? Idle().TraceOf(scsiPort) : tracePath;
+    std::string traced;
+    HX_STATUS status = HXMGT_SUCCESS;
     uint32_t handle = 0;
-    HX_STATUS status = OpenOnceMore(scsiPort, &handle);
+    if (auto kept = Idle().Take(scsiPort)) {
+        handle = kept->handle;
+        traced = std::move(kept->tracePath);
+    } else {
+        status = OpenOnceMore(scsiPort, &handle);
+        if (status == HXMGT_INVALID_HANDLE && Idle().Drop()) {
+            status = OpenOnceMore(scsiPort, &handle);
+        }
+    }
     if (status != HXMGT_SUCCESS) {
         return status;
     }
     handle_ = handle;
     Ports().Add(object, scsiPort, handle);
-    if (!tracePath.empty()) {
-        status = HXEnableDebugTrace(&handle, tracePath.c_str(), 1);
+    if (traced != tracePath_) {
+        const bool ends = tracePath_.empty();
+        status = HXEnableDebugTrace(&handle, ends ? nullptr : tracePath_.c_str(), ends ? 0 : 1);
     }
     return status;
 }
 
 void Device::Close() {
-    if (handle_ != 0) {
-        Ports().Close(handle_);
-        HXCloseDevice(static_cast<int32_t>(std::exchange(handle_, 0)));
+    if (handle_ == 0) {
+        return;
     }
+    Ports().Close(handle_);
+    const uint32_t handle = std::exchange(handle_, 0);
+    if (!Idle().Keep(scsiPort_, {handle, std::move(tracePath_)})) {
+        HXCloseDevice(static_cast<int32_t>(handle));
+    }
+}
+
+OpenPortsMemory::OpenPortsMemory(const std::string& traceFolder) {
+    Idle().Begin(traceFolder);
+}
+
+OpenPortsMemory::~OpenPortsMemory() {
+    Idle().End();
 }
 
 }  // namespace vxmgr

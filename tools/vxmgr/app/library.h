@@ -20,11 +20,26 @@ uint32_t CauseOf(uint32_t status, const std::string& object);
 // From this driver version on, drivers answer the requests of the current generation.
 inline constexpr uint32_t kCurrentDriver = 70503;
 
+// While it lives, a port that was open stays so, for the next one who opens it: for a command that
+// runs many others inside it. One at a time.
+class OpenPortsMemory {
+  public:
+    // traceFolder: what is opened without a trace file of its own has its trace in "scsi-3.txt" and
+    // so on there, in the system's code page; empty: none. The files are whole when this is gone.
+    explicit OpenPortsMemory(const std::string& traceFolder);
+    ~OpenPortsMemory();
+    OpenPortsMemory(const OpenPortsMemory&) = delete;
+    OpenPortsMemory& operator=(const OpenPortsMemory&) = delete;
+};
+
 // An open port of an adapter.
 class Device {
   public:
     Device() = default;
-    Device(Device&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+    Device(Device&& other) noexcept
+        : handle_(std::exchange(other.handle_, 0)),
+          scsiPort_(other.scsiPort_),
+          tracePath_(std::move(other.tracePath_)) {}
     Device& operator=(Device&& other) noexcept;
     ~Device() { Close(); }
 
@@ -39,6 +54,8 @@ class Device {
 
   private:
     uint32_t handle_ = 0;
+    uint32_t scsiPort_ = 0;
+    std::string tracePath_;
 };
 
 }  // namespace vxmgr

@@ -18,7 +18,7 @@ class PortReader {
 
     void ReadAll() {
         port_.node = Query("node properties", HXGetHbaDeviceNodeProperty);
-        ReadPortProperty();
+        Succeeded(ReadPortProperty(handle_, port_), "port properties");
         port_.chip = Query("chip properties", HXGetHbaDeviceChipProperty);
         port_.driver = Query("driver properties", HXGetHbaDeviceDriverProperty);
         port_.firmware = Query("firmware properties", HXGetHbaDeviceFirmwareProperty);
@@ -53,24 +53,8 @@ class PortReader {
         return properties;
     }
 
-    void ReadPortProperty() {
-        HX_PORT_PROPERTY properties{};
-        properties.state = HX_PORT_STATE_ONLINE;  // older drivers report only a link that is down
-        HX_STATUS status = HXGetHbaDevicePortPropertyV2(handle_, 0, &properties);
-        port_.hasSecondVersion = status == HXMGT_SUCCESS && port_.IsCurrentGeneration();
-        if (status == HXMGT_INVALID_SUBCODE) {
-            status = HXGetHbaDevicePortPropertyV1(handle_, 0, &properties);
-        }
-        if (Succeeded(status, "port properties")) {
-            port_.port = properties;
-        }
-    }
-
     void ReadSwitches() {
-        const HX_STATUS status = HXGetHbaPortDisableInfo(handle_);
-        if (status == HXMGT_PORT_DISABLED || Succeeded(status, "port disable state")) {
-            port_.disabled = status == HXMGT_PORT_DISABLED;
-        }
+        Succeeded(ReadPortDisabled(handle_, port_), "port disable state");
         uint8_t enabled = 0;
         if (Succeeded(HXGetSmartSANStatusFC(handle_, &enabled), "SmartSAN switch")) {
             port_.smartSan = enabled != 0;
@@ -84,6 +68,29 @@ class PortReader {
 };
 
 }  // namespace
+
+HX_STATUS ReadPortProperty(uint32_t handle, Port& port) {
+    HX_PORT_PROPERTY properties{};
+    properties.state = HX_PORT_STATE_ONLINE;  // older drivers report only a link that is down
+    HX_STATUS status = HXGetHbaDevicePortPropertyV2(handle, 0, &properties);
+    port.hasSecondVersion = status == HXMGT_SUCCESS && port.IsCurrentGeneration();
+    if (status == HXMGT_INVALID_SUBCODE) {
+        status = HXGetHbaDevicePortPropertyV1(handle, 0, &properties);
+    }
+    if (status == HXMGT_SUCCESS) {
+        port.port = properties;
+    }
+    return status;
+}
+
+HX_STATUS ReadPortDisabled(uint32_t handle, Port& port) {
+    const HX_STATUS status = HXGetHbaPortDisableInfo(handle);
+    if (status == HXMGT_SUCCESS || status == HXMGT_PORT_DISABLED) {
+        port.disabled = status == HXMGT_PORT_DISABLED;
+        return HXMGT_SUCCESS;
+    }
+    return status;
+}
 
 bool ReadPort(PortTask& task, const ReadingOptions& options, Port& port) {
     Device device;

@@ -16,6 +16,10 @@ struct ReadingOptions {
 // the reason.
 bool ReadPort(PortTask& task, const ReadingOptions& options, Port& port);
 
+// Parts of that, of an open port: state and speed among others, and whether it is disabled.
+HX_STATUS ReadPortProperty(uint32_t handle, Port& port);
+HX_STATUS ReadPortDisabled(uint32_t handle, Port& port);
+
 // Whether a port that cannot be opened, and whose driver is not known by its name, answers as the
 // drivers of the family do.
 bool IsOneOfUs(const Port& port);

@@ -1,6 +1,5 @@
 // What -a and -p select.
 #include <algorithm>
-#include <set>
 #include <utility>
 
 #include "common/console.h"
@@ -129,11 +128,10 @@ std::vector<const Adapter*> AdaptersOfOption(Invocation& invocation,
 
 SelectionListener listener = nullptr;
 
-// A process runs one command, which may select more than once.
+// A command may select more than once.
 void TellListener(Invocation& invocation, const std::vector<std::string>& serials) {
-    static std::set<std::string> told;
     for (const std::string& serial : serials) {
-        if (listener != nullptr && !serial.empty() && told.insert(serial).second) {
+        if (listener != nullptr && !serial.empty() && invocation.IsFirst("selected " + serial)) {
             listener(invocation, serial);
         }
     }

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fields.h"
 #include "common/invocation.h"
 #include "common/status_codes.h"
+#include "records/fields.h"
 
 namespace vxmgr {
 

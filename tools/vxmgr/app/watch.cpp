@@ -34,6 +34,9 @@ class Watcher {
         invocation_.BeginStream(list.key, list.label, PrototypeOf(list.children), "");
         for (uint64_t turn = 0; turn < plan_.turns && CountLive() != 0; ++turn) {
             const bool last = (turn != 0 || plan_.waitsFirst) && Wait();
+            if (turn != 0 && plan_.repeatsHeading) {
+                invocation_.RepeatHeading();
+            }
             if (!AskAll() || last) {
                 break;
             }

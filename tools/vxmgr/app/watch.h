@@ -33,6 +33,7 @@ struct WatchPlan {
     const char* what;  // is watched, in the singular
     std::chrono::milliseconds interval;
     bool waitsFirst = false;      // there is nothing to tell before the first interval is over
+    bool repeatsHeading = false;  // of the table that people read, before each turn
     uint64_t turns = UINT64_MAX;  // to end after
     uint64_t rows = UINT64_MAX;   // of all ports together, likewise
     // The list, where its columns depend on what was asked for.

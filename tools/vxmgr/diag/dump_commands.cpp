@@ -21,35 +21,6 @@ constexpr Argument kSaveArguments[] = {
     FlagOption("--text", "the firmware's registers and memory as text (fc alone)"),
 };
 
-// A dump that is not there, or that the chip does not make, is no failure of a list.
-bool HasNone(HX_STATUS status) {
-    return status == HXMGT_NO_FIRMWARE_DUMP || ExitCodeOf(status) == ExitCode::NotSupported;
-}
-
-struct DumpSize {
-    const DumpKind* kind = nullptr;
-    HX_STATUS status = HXMGT_SUCCESS;
-    uint32_t bytes = 0;
-
-    bool IsPresent() const { return status == HXMGT_SUCCESS && bytes != 0; }
-};
-
-// The first failure among the sizes; they all are asked for.
-HX_STATUS AskSizes(PortVisit& visit, std::vector<DumpSize>* sizes) {
-    HX_STATUS failure = HXMGT_SUCCESS;
-    for (const DumpKind& kind : DumpKinds()) {
-        sizes->push_back({&kind, HXMGT_SUCCESS, 0});
-        DumpSize& size = sizes->back();
-        size.status = kind.size(visit.Handle(), &size.bytes);
-        if (size.status != HXMGT_SUCCESS && !HasNone(size.status) && failure == HXMGT_SUCCESS) {
-            failure = size.status;
-            visit.query = std::string("size of the ") + kind.name + " dump";
-        }
-        visit.task.Answered();
-    }
-    return failure;
-}
-
 struct DumpRow : DumpSize {
     const Port* port = nullptr;
 
@@ -63,7 +34,7 @@ Value DumpStateValue(const DumpRow& row) {
     if (row.status == HXMGT_NO_FIRMWARE_DUMP || row.status == HXMGT_SUCCESS) {
         return Value::Text("none");
     }
-    return Value::Text(HasNone(row.status) ? "not supported" : "failed");
+    return Value::Text(HasNoDump(row.status) ? "not supported" : "failed");
 }
 
 constexpr const char* kDumpStates[] = {"present", "none", "not supported", "failed"};
@@ -77,7 +48,7 @@ const Fields<DumpRow> kDumpFields = {
     {"size", "Size", "SIZE", kInteger.OrNull(),
      [](const DumpRow& row) { return row.IsPresent() ? SizeValue(row.bytes) : Value(); }},
     {"status", "Status", kText.OrNull(),
-     [](const DumpRow& row) { return HasNone(row.status) ? Value() : StatusValue(row.status); }},
+     [](const DumpRow& row) { return HasNoDump(row.status) ? Value() : StatusValue(row.status); }},
 };
 const auto kDumpListFields = ListOf("dumps", "Dumps", kDumpFields, "no ports");
 
@@ -180,7 +151,7 @@ ExitCode DumpList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     const std::vector<Port*> shown = SelectPorts(invocation, ports);
     std::vector<DumpRow> rows;
-    for (const auto& one : ForEachPort<std::vector<DumpSize>>(invocation, shown, AskSizes)) {
+    for (const auto& one : ForEachPort<std::vector<DumpSize>>(invocation, shown, AskDumpSizes)) {
         Port& port = *one.port;
         if (one.status != HXMGT_SUCCESS && port.failure == HXMGT_SUCCESS) {
             port.failure = one.status;

@@ -84,4 +84,19 @@ const DumpKind& DumpKindOf(const std::string& name) {
     return kKinds[0];
 }
 
+HX_STATUS AskDumpSizes(PortVisit& visit, std::vector<DumpSize>* sizes) {
+    HX_STATUS failure = HXMGT_SUCCESS;
+    for (const DumpKind& kind : DumpKinds()) {
+        sizes->push_back({&kind, HXMGT_SUCCESS, 0});
+        DumpSize& size = sizes->back();
+        size.status = kind.size(visit.Handle(), &size.bytes);
+        if (size.status != HXMGT_SUCCESS && !HasNoDump(size.status) && failure == HXMGT_SUCCESS) {
+            failure = size.status;
+            visit.query = std::string("size of the ") + kind.name + " dump";
+        }
+        visit.task.Answered();
+    }
+    return failure;
+}
+
 }  // namespace vxmgr

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "hxmgtapi.h"
+#include "vxmgr/app/port_walk.h"
 
 namespace vxmgr {
 
@@ -24,5 +24,21 @@ std::span<const DumpKind> DumpKinds();  // in the order of the names
 
 // The kind of one of the names.
 const DumpKind& DumpKindOf(const std::string& name);
+
+// A dump that is not there, or that the chip does not make, is no failure of a list.
+inline bool HasNoDump(HX_STATUS status) {
+    return status == HXMGT_NO_FIRMWARE_DUMP || ExitCodeOf(status) == ExitCode::NotSupported;
+}
+
+struct DumpSize {
+    const DumpKind* kind = nullptr;
+    HX_STATUS status = HXMGT_SUCCESS;
+    uint32_t bytes = 0;
+
+    bool IsPresent() const { return status == HXMGT_SUCCESS && bytes != 0; }
+};
+
+// The first failure among the sizes of all kinds; they all are asked for.
+HX_STATUS AskDumpSizes(PortVisit& visit, std::vector<DumpSize>* sizes);
 
 }  // namespace vxmgr

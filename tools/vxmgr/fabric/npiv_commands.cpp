@@ -3,9 +3,9 @@
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/read_list.h"
 #include "vxmgr/commands.h"
 #include "vxmgr/fabric/fc_els.h"
+#include "vxmgr/fabric/virtual_ports.h"
 #include "vxmgr/targets/qos_levels.h"
 
 namespace vxmgr {
@@ -15,11 +15,6 @@ using VirtualPort = HX_VIRTUAL_PORT;
 using NpivAttributes = HX_NPIV_ATTRIBUTES;
 
 constexpr const char* kVirtualStates[] = {"online", "offline", "rejected", "link_down"};
-
-struct VirtualPorts {
-    NpivAttributes attributes{};
-    std::vector<VirtualPort> ports{};
-};
 
 struct NpivRow {
     const Port* port = nullptr;
@@ -92,19 +87,15 @@ const Fields<NpivRow> kNpivFields = {
 };
 const auto kNpivListFields = ListOf("ports", "Ports", kNpivFields, ListLayout::Inner, "no ports");
 
-HX_STATUS ReadVirtualPorts(PortVisit& visit, VirtualPorts* known) {
+HX_STATUS AskVirtualPorts(PortVisit& visit, VirtualPorts* known) {
     visit.query = "virtual ports";
-    return ReadList(
-        [&](VirtualPort* ports, uint32_t* count) {
-            return HXGetNPIVAttributes(visit.Handle(), &known->attributes, ports, count);
-        },
-        &known->ports);
+    return ReadVirtualPorts(visit.Handle(), known);
 }
 
 ExitCode NpivList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     auto answers =
-        ForEachPort<VirtualPorts>(invocation, SelectPorts(invocation, ports), ReadVirtualPorts);
+        ForEachPort<VirtualPorts>(invocation, SelectPorts(invocation, ports), AskVirtualPorts);
     const ExitCode exit = ReportAnswers(invocation, answers);
     std::vector<NpivRow> rows;
     for (auto& one : answers) {

@@ -7,15 +7,13 @@
 #include "vxmgr/app/getters.h"
 #include "vxmgr/app/port_answers.h"
 #include "vxmgr/app/port_fields.h"
-#include "vxmgr/app/read_list.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/commands.h"
-#include "vxmgr/targets/target_known.h"
+#include "vxmgr/fabric/nvme_controllers.h"
 
 namespace vxmgr {
 namespace {
 
-using NvmePort = HX_NVME_PORT;
 using NvmeTarget = HX_NVME_TARGET;
 using NvmeNamespace = HX_NVME_NAMESPACE;
 
@@ -76,15 +74,6 @@ const Fields<NvmeNamespace> kNamespaceFields = {
     {"shared", "Shared", "SHARED", kFlag, Bit<&NvmeNamespace::flags, HX_NAMESPACE_SHARED>},
     {"write_protected", "Write protected", "PROTECTED", kFlag,
      Bit<&NvmeNamespace::flags, HX_NAMESPACE_WRITE_PROTECTED>},
-};
-
-// A controller; of one that the driver does not tell about nothing but its place and the status.
-struct FoundController {
-    Wwn remotePort{};
-    uint16_t place = 0;
-    HX_STATUS status = HXMGT_SUCCESS;
-    std::optional<NvmeTarget> record = std::nullopt;
-    std::vector<NvmeNamespace> namespaces{};
 };
 
 struct ControllerRow {
@@ -183,55 +172,13 @@ const Fields<std::vector<ControllerRow>>& ControllerList() {
     return kFields;
 }
 
-void ReadController(uint32_t handle, FoundController& found) {
-    HX_SCSI_ADDRESS address = AddressByPortName(found.remotePort);
-    address.lun = found.place;
-    NvmeTarget record{};
-    found.status = HXGetNVMeTargetInfo(handle, &address, &record);
-    if (found.status != HXMGT_SUCCESS) {
-        return;
-    }
-    found.record = record;
-    // A controller beyond these does not tell its namespaces.
-    if (found.place <= HX_NVME_MOST_CONTROLLER) {
-        found.status = ReadList(
-            [&](NvmeNamespace* namespaces, uint32_t* count) {
-                return HXGetNVMeNSInfo(handle, &address, namespaces, count);
-            },
-            &found.namespaces);
-    }
-}
-
-// The first failure, with the controllers that there are.
-HX_STATUS FindControllers(PortVisit& visit, std::vector<FoundController>* controllers) {
-    visit.query = "remote ports that speak NVMe";
-    std::vector<NvmePort> remotePorts;
-    HX_STATUS failure =
-        ReadList([&](NvmePort* ports,
-                     uint32_t* count) { return HXRGetNVMeInfo(visit.Handle(), ports, count); },
-                 &remotePorts);
-    for (const NvmePort& remote : remotePorts) {
-        const auto count = Packed<&NvmePort::controllers>(remote);
-        for (uint16_t place = 0; place < count; ++place) {
-            visit.task.Answered();
-            FoundController& found = controllers->emplace_back();
-            found.remotePort = Wwn::Of(remote.portName);
-            found.place = place;
-            ReadController(visit.Handle(), found);
-            if (found.status != HXMGT_SUCCESS && failure == HXMGT_SUCCESS) {
-                failure = found.status;
-                visit.query =
-                    "controller " + std::to_string(place) + " of " + found.remotePort.Colons();
-            }
-        }
-    }
-    return failure;
-}
-
 ExitCode NvmeList(Invocation& invocation) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
-    const auto answers = ForEachPort<std::vector<FoundController>>(
-        invocation, SelectPorts(invocation, ports), FindControllers);
+    const AskPort<std::vector<FoundController>> find =
+        [](PortVisit& visit, std::vector<FoundController>* controllers) {
+            return FindControllers(visit, Namespaces::Too, controllers);
+        };
+    const auto answers = ForEachPort(invocation, SelectPorts(invocation, ports), find);
     const ExitCode exit = ReportAnswers(invocation, answers);
     std::vector<ControllerRow> rows;
     for (const auto& one : answers) {

@@ -54,11 +54,7 @@ HX_STATUS ReadPorts(PortVisit& visit, std::vector<RemotePort>* ports) {
 HX_STATUS AddSecurity(PortVisit& visit, std::vector<RemotePort>* ports) {
     visit.query = "secured ports";
     std::vector<HX_SECURE_PORT> secured;
-    const HX_STATUS status = ReadList<HX_SECURE_PORT>(
-        [&](HX_SECURE_PORT* list, uint32_t* count) {
-            return HXGetSecurePortInfo(visit.Handle(), list, count);
-        },
-        &secured);
+    const HX_STATUS status = ReadSecuredPorts(visit.Handle(), &secured);
     for (RemotePort& port : *ports) {
         for (const HX_SECURE_PORT& one : secured) {
             if (std::memcmp(one.portName, port.record.portName, sizeof one.portName) == 0) {
@@ -91,6 +87,14 @@ HX_STATUS AddLoopPositions(PortVisit& visit, std::vector<RemotePort>* ports) {
 }
 
 }  // namespace
+
+HX_STATUS ReadSecuredPorts(uint32_t handle, std::vector<HX_SECURE_PORT>* secured) {
+    return ReadList<HX_SECURE_PORT>(
+        [handle](HX_SECURE_PORT* list, uint32_t* count) {
+            return HXGetSecurePortInfo(handle, list, count);
+        },
+        secured);
+}
 
 HX_STATUS ReadRemotePorts(PortVisit& visit, std::vector<RemotePort>* ports) {
     HX_STATUS status = ReadPorts(visit, ports);

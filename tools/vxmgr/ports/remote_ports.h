@@ -18,4 +18,7 @@ struct RemotePort {
 // What came before a failure is kept.
 HX_STATUS ReadRemotePorts(PortVisit& visit, std::vector<RemotePort>* ports);
 
+// Those whose traffic is authenticated, or should be.
+HX_STATUS ReadSecuredPorts(uint32_t handle, std::vector<HX_SECURE_PORT>* secured);
+
 }  // namespace vxmgr

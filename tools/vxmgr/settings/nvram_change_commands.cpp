@@ -157,7 +157,7 @@ ExitCode ActivateNvram(Invocation& invocation, const PortSession& session, Nvram
                                  session.port.Object());
     }
     std::vector<uint8_t> now;
-    if (const HX_STATUS read = ReadBlock(session, kind, &now); read != HXMGT_SUCCESS) {
+    if (const HX_STATUS read = ReadBlock(session.Handle(), kind, &now); read != HXMGT_SUCCESS) {
         invocation.Report(read, "written and activated, but the NVRAM cannot be read",
                           session.port.Object());
         return ExitCode::NotProven;

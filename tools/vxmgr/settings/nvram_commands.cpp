@@ -103,7 +103,7 @@ Verified Verify(Invocation& invocation, const PortSession& session) {
     Verified verified;
     verified.kind = map.kind;
     std::vector<uint8_t> block;
-    verified.status = ReadBlock(session, map.kind, &block);
+    verified.status = ReadBlock(session.Handle(), map.kind, &block);
     if (verified.status != HXMGT_SUCCESS) {
         return verified;
     }

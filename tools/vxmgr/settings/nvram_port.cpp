@@ -1,7 +1,9 @@
 #include "vxmgr/settings/nvram_port.h"
 
+#include <algorithm>
 #include <array>
 #include <set>
+
 namespace vxmgr {
 namespace {
 
@@ -33,6 +35,19 @@ HX_STATUS ReadExtended(uint32_t handle, std::vector<uint8_t>* block) {
     return status;
 }
 
+using VariableFields = std::array<HX_VARIABLE_FIELD, HX_NVRAM_VARIABLES>;
+HX_STATUS AskFields(uint32_t handle, VariableFields* fields) {
+    uint32_t count = HX_NVRAM_VARIABLES;
+    return HXGetVariableFields(handle, fields->data(), &count);
+}
+
+NvramKind KindOf(const VariableFields& fields) {
+    const bool beyond = std::ranges::any_of(fields, [](const HX_VARIABLE_FIELD& field) {
+        return field.width != 0 && field.firstBit / 8 >= HX_NVRAM_CLASSIC_BYTES;
+    });
+    return beyond ? NvramKind::Extended : NvramKind::Classic;
+}
+
 void MarkReadOnly(NvramMap& map, const std::vector<uint8_t>& block) {
     if (map.kind != NvramKind::Classic) {
         return;  // the families with read-only variables have classic blocks
@@ -46,11 +61,11 @@ void MarkReadOnly(NvramMap& map, const std::vector<uint8_t>& block) {
 
 NvramMap LearnVariables(Invocation& invocation, const PortSession& session) {
     NvramMap map;
-    std::array<HX_VARIABLE_FIELD, HX_NVRAM_VARIABLES> fields{};
-    uint32_t count = HX_NVRAM_VARIABLES;
-    invocation.Require(HXGetVariableFields(session.Handle(), fields.data(), &count),
+    VariableFields fields{};
+    invocation.Require(AskFields(session.Handle(), &fields),
                        "the chip does not tell which NVRAM variables it has",
                        session.port.Object());
+    map.kind = KindOf(fields);
     for (uint32_t number = 0; number < fields.size(); ++number) {
         auto variable = DescribedVariable(number, HXGetVariableDescription(0, number));
         if (!variable) {
@@ -62,26 +77,31 @@ NvramMap LearnVariables(Invocation& invocation, const PortSession& session) {
         if (field.width != 0) {
             variable->field = BitField{field.firstBit, field.width};
         }
-        const bool beyond = field.width != 0 && field.firstBit / 8 >= HX_NVRAM_CLASSIC_BYTES;
-        map.kind = beyond ? NvramKind::Extended : map.kind;
         map.variables.push_back(std::move(*variable));
     }
     return map;
 }
 
-HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint8_t>* block) {
+HX_STATUS ReadBlock(uint32_t handle, NvramKind kind, std::vector<uint8_t>* block) {
     if (kind == NvramKind::Extended) {
-        return ReadExtended(session.Handle(), block);
+        return ReadExtended(handle, block);
     }
     block->assign(HX_NVRAM_CLASSIC_BYTES, 0);
-    return HXGetNVRam(session.Handle(), 0, HX_NVRAM_BLOCK, block->data(), HX_NVRAM_CLASSIC_BYTES);
+    return HXGetNVRam(handle, 0, HX_NVRAM_BLOCK, block->data(), HX_NVRAM_CLASSIC_BYTES);
+}
+
+HX_STATUS AskNvramKind(uint32_t handle, NvramKind* kind) {
+    VariableFields fields{};
+    const HX_STATUS status = AskFields(handle, &fields);
+    *kind = KindOf(fields);
+    return status;
 }
 
 PortNvram ReadNvram(Invocation& invocation, const PortSession& session, bool otherBank) {
     PortNvram nvram;
     nvram.map = LearnVariables(invocation, session);
     const auto readInUse = [&session, kind = nvram.map.kind](std::vector<uint8_t>* block) {
-        return ReadBlock(session, kind, block);
+        return ReadBlock(session.Handle(), kind, block);
     };
     static_cast<PortSettings&>(nvram) =
         ReadSettings(invocation, session, Settings::Nvram, readInUse, otherBank);

@@ -19,6 +19,9 @@ struct PortNvram : PortSettings {
 // The block of the bank in use, or of the other one. Ends the command when it cannot be read. The
 // session has to live as long as the result.
 PortNvram ReadNvram(Invocation& invocation, const PortSession& session, bool otherBank);
-HX_STATUS ReadBlock(const PortSession& session, NvramKind kind, std::vector<uint8_t>* block);
+HX_STATUS ReadBlock(uint32_t handle, NvramKind kind, std::vector<uint8_t>* block);
+
+// The kind of block that the chip has.
+HX_STATUS AskNvramKind(uint32_t handle, NvramKind* kind);
 
 }  // namespace vxmgr

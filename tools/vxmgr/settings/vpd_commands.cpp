@@ -6,14 +6,12 @@
 #include "vxmgr/commands.h"
 #include "vxmgr/settings/settings_store.h"
 #include "vxmgr/settings/vpd_pci.h"
+#include "vxmgr/settings/vpd_port.h"
 #include "vxmgr/update/update_checks.h"
 
 namespace vxmgr {
 namespace {
 
-constexpr uint32_t kUsualRoom = 4096;
-constexpr uint32_t kMostRoom = 1u << 20;
-constexpr uint32_t kWholeKib = 1023;  // the library writes the last piece of a long region whole
 constexpr size_t kShownCharacters = 64;
 constexpr std::string_view kSerialKeyword = "SN";
 
@@ -26,20 +24,9 @@ constexpr Argument kVpdWriteArguments[] = {
     FlagOption("--other-identity", "also when part or serial number are not those of the adapter"),
 };
 
-HX_STATUS ReadInUse(const PortSession& session, std::vector<uint8_t>* bytes) {
-    uint32_t size = kUsualRoom;
-    HX_STATUS status = HXMGT_BUFFER_TOO_SMALL;
-    for (int i = 0; i < 2 && status == HXMGT_BUFFER_TOO_SMALL && size <= kMostRoom; ++i) {
-        bytes->assign((size + kWholeKib) & ~size_t{kWholeKib}, 0);
-        status = HXGetVpd(session.Handle(), 0, bytes->data(), &size);
-    }
-    bytes->resize(status == HXMGT_SUCCESS ? std::min<size_t>(size, bytes->size()) : 0);
-    return status;
-}
-
 PortSettings ReadPortVpd(Invocation& invocation, const PortSession& session, bool otherBank) {
     const auto readInUse = [&session](std::vector<uint8_t>* bytes) {
-        return ReadInUse(session, bytes);
+        return ReadVpd(session.Handle(), bytes);
     };
     return ReadSettings(invocation, session, Settings::Vpd, readInUse, otherBank);
 }
@@ -181,7 +168,7 @@ ExitCode PciVpdRead(Invocation& invocation) {
 
 ExitCode PciVpdWrite(Invocation& invocation) {
     const std::string path = invocation.Given().Text("FILE");
-    std::vector<uint8_t> image = LoadFile(invocation, path, kMostRoom);
+    std::vector<uint8_t> image = LoadFile(invocation, path, kMostVpdBytes);
     const PortSession session = OpenSelectedPort(invocation);
     const PortSettings current = ReadPortVpd(invocation, session, false);
     CheckVpdImage(invocation, path, image, current.bytes);

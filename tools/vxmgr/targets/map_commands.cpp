@@ -1,14 +1,13 @@
 // map target|volume|disk: from the targets to what the operating system makes of them, and back.
 #include "vxmgr/commands.h"
 
-#include <deque>
-#include <functional>
+#include <algorithm>
+#include <memory>
 
 #include "common/console.h"
 #include "vxmgr/app/port_fields.h"
 #include "vxmgr/fabric/scsi_target.h"
-#include "vxmgr/targets/map_units.h"
-#include "vxmgr/targets/target_records.h"
+#include "vxmgr/targets/map_reading.h"
 #include "vxmgr/targets/target_select.h"
 
 namespace vxmgr {
@@ -39,95 +38,82 @@ const Fields<MapRow> kMapRow = {
 const auto kMapList = ListOf("units", "Logical units", kMapRow, "no logical units",
                              "a row per volume; one for a logical unit without volumes");
 
-// Collects the units of each selected port; a port that fails has a row of its own.
+// What a port has of what is looked for.
+struct Mapped {
+    std::vector<MappedUnit> units;
+    bool known = false;  // the port knows the target
+};
+using MapPort = AskPort<Mapped>;
+
+// Collects the units of the selected ports, side by side; a port that fails has a row of its own.
 class Mapper {
   public:
-    using Collect =
-        std::function<HX_STATUS(const Port& port, uint32_t handle, std::vector<MappedUnit>* units)>;
-
     explicit Mapper(Invocation& invocation)
         : invocation_(invocation), ports_(ReadSelectedPorts(invocation)) {}
 
-    void Run(const Collect& collect) {
-        for (Port* port : SelectPorts(invocation_, ports_)) {
-            invocation_.CheckStop();
-            auto& units = units_.emplace_back();
-            Device device;
-            port->failure = port->Open(TracePath(invocation_), &device);
-            if (port->failure == HXMGT_SUCCESS) {
-                port->failure = collect(*port, device.Handle(), &units);
-            }
-            if (port->answers) {
-                port->failedQuery = device.IsOpen() ? "mapping" : "open";
-            }
-            asked_.push_back(port);
-            for (const MappedUnit& unit : units) {
-                for (const MappedPlace& place : PlacesOf(unit)) {
-                    rows_.push_back({port, place});
-                }
-            }
-            found_ = found_ || !units.empty();
-            if (port->failure != HXMGT_SUCCESS) {
-                rows_.push_back({port, {}});
-            }
+    void Run(const MapPort& collect) {
+        const MapPort map = [collect](PortVisit& visit, Mapped* mapped) {
+            visit.query = "mapping";
+            return collect(visit, mapped);
+        };
+        answers_ = ForEachPort(invocation_, SelectPorts(invocation_, ports_), map);
+        for (const PortAnswer<Mapped>& one : answers_) {
+            one.port->failure = one.status;
+            one.port->failedQuery = one.query;
         }
     }
 
     ExitCode Finish() {
-        invocation_.Result() = kMapList.Make(rows_);
-        return ReportFailures(invocation_, asked_);
+        std::vector<MapRow> rows;
+        std::vector<const Port*> asked;
+        for (const PortAnswer<Mapped>& one : answers_) {
+            asked.push_back(one.port);
+            for (const MappedUnit& unit : one.answer.units) {
+                for (const MappedPlace& place : PlacesOf(unit)) {
+                    rows.push_back({one.port, place});
+                }
+            }
+            if (one.status != HXMGT_SUCCESS) {
+                rows.push_back({one.port, {}});
+            }
+        }
+        invocation_.Result() = kMapList.Make(rows);
+        return ReportFailures(invocation_, asked);
     }
 
-    bool Found() const { return found_; }
+    bool Knows() const {
+        return std::ranges::any_of(answers_, [](const auto& one) { return one.answer.known; });
+    }
+    bool Found() const {
+        return std::ranges::any_of(answers_,
+                                   [](const auto& one) { return !one.answer.units.empty(); });
+    }
+    bool LeadsTo(uint32_t disk) const {
+        return std::ranges::any_of(answers_, [disk](const auto& one) {
+            return std::ranges::any_of(one.answer.units,
+                                       [disk](const auto& unit) { return unit.IsDisk(disk); });
+        });
+    }
 
   private:
     Invocation& invocation_;
     std::vector<Port> ports_;
-    std::vector<const Port*> asked_;
-    std::deque<std::vector<MappedUnit>> units_;  // of each port; the rows are about them
-    std::vector<MapRow> rows_;
-    bool found_ = false;
+    std::vector<PortAnswer<Mapped>> answers_;
 };
 
-SystemDevices ReadSystem(Invocation& invocation) {
-    SystemDevices system;
-    invocation.Require(system.Read(), "the system's devices cannot be listed");
+// Shared with threads that may be left behind.
+using SharedSystem = std::shared_ptr<const SystemDevices>;
+SharedSystem ReadSystem(Invocation& invocation) {
+    const auto system = std::make_shared<SystemDevices>();
+    invocation.Require(system->Read(), "the system's devices cannot be listed");
     return system;
-}
-
-void TakeNames(const KnownTarget& target, MappedUnit* unit) {
-    unit->portName = target.PortName();
-    unit->nodeName = target.NodeName();
-    unit->portId = PortIdOf(target.record.portId);
-}
-
-// The units that a target reports, in order of their LUNs.
-void AddUnits(Invocation& invocation, const Port& port, uint32_t handle, const KnownTarget& target,
-              const SystemDevices& system, std::vector<MappedUnit>* units) {
-    if (!target.present) {
-        return;
-    }
-    const LunSet luns =
-        ReportedLuns(invocation, port, handle, target.PortName()).value_or(LunSet());
-    for (uint16_t lun = 0; lun < luns.size(); ++lun) {
-        if (!luns[lun]) {
-            continue;
-        }
-        MappedUnit& unit = units->emplace_back();
-        TakeNames(target, &unit);
-        unit.bus = target.record.bus;
-        unit.target = target.record.target;
-        unit.lun = lun;
-        if (port.scsiPort) {
-            system.Complete(*port.scsiPort, &unit);
-        }
-    }
 }
 
 // Those of the disks that are behind the port, as units of its targets. A port that has none of
 // them is asked nothing.
-HX_STATUS AddDisks(const Port& port, uint32_t handle, const std::vector<uint32_t>& disks,
+HX_STATUS AddDisks(PortVisit& visit, const std::vector<uint32_t>& disks,
                    const SystemDevices& system, std::vector<MappedUnit>* units) {
+    const Port& port = visit.port;
     for (const uint32_t disk : disks) {
         for (const HX_OS_DEVICE& device : port.scsiPort ? system.DisksBehind(*port.scsiPort, disk)
                                                         : std::vector<HX_OS_DEVICE>()) {
@@ -135,8 +121,8 @@ HX_STATUS AddDisks(const Port& port, uint32_t handle, const std::vector<uint32_t
         }
     }
     std::vector<KnownTarget> targets;
-    const HX_STATUS status =
-        units->empty() ? HX_STATUS{HXMGT_SUCCESS} : ReadKnownTargets(port, handle, &targets);
+    const HX_STATUS status = units->empty() ? HX_STATUS{HXMGT_SUCCESS}
+                                            : ReadKnownTargets(port, visit.Handle(), &targets);
     for (MappedUnit& unit : *units) {
         for (const KnownTarget& target : targets) {
             if (target.present && target.record.bus == unit.bus &&
@@ -147,6 +133,13 @@ HX_STATUS AddDisks(const Port& port, uint32_t handle, const std::vector<uint32_t
         }
     }
     return status;
+}
+
+MapPort DisksAmong(std::vector<uint32_t> disks, SharedSystem system) {
+    return
+        [disks = std::move(disks), system = std::move(system)](PortVisit& visit, Mapped* mapped) {
+            return AddDisks(visit, disks, *system, &mapped->units);
+        };
 }
 
 std::string DisksText(const std::vector<uint32_t>& disks) {
@@ -166,23 +159,21 @@ ExitCode MapTarget(Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, text + ": " + error, "`target list` shows the targets");
     }
     Mapper mapper(invocation);
-    const SystemDevices system = ReadSystem(invocation);
-    bool known = false;
-    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
+    const auto wanted = all ? std::nullopt : std::optional(address);
+    mapper.Run([wanted, system = ReadSystem(invocation)](PortVisit& visit, Mapped* mapped) {
         std::vector<KnownTarget> targets;
-        const HX_STATUS status = ReadKnownTargets(port, handle, &targets);
-        const KnownTarget* only = all ? nullptr : FindKnown(targets, address);
+        const HX_STATUS status = ReadKnownTargets(visit.port, visit.Handle(), &targets);
+        const KnownTarget* only = wanted ? FindKnown(targets, *wanted) : nullptr;
         for (const KnownTarget& target : targets) {
-            if (all || only == &target) {
-                invocation.CheckStop();
-                known = true;
-                AddUnits(invocation, port, handle, target, system, units);
+            if (!wanted || only == &target) {
+                mapped->known = true;
+                AddUnits(visit, target, *system, &mapped->units);
             }
         }
         return status;
     });
     const ExitCode exit = mapper.Finish();
-    if (!all && !known && exit == ExitCode::Done) {
+    if (!all && !mapper.Knows() && exit == ExitCode::Done) {
         invocation.Fail(ExitCode::NotFound, "no selected port knows the target " + text,
                         "see `target list`");
     }
@@ -197,16 +188,10 @@ ExitCode MapVolume(Invocation& invocation) {
     if (told != HXMGT_SUCCESS) {
         invocation.Fail(told, "the disks of " + shown + " are not known");
     }
-    std::vector<uint32_t> elsewhere = disks;
     Mapper mapper(invocation);
-    const SystemDevices system = ReadSystem(invocation);
-    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
-        const HX_STATUS status = AddDisks(port, handle, disks, system, units);
-        for (const MappedUnit& unit : *units) {
-            std::erase_if(elsewhere, [&](uint32_t disk) { return unit.IsDisk(disk); });
-        }
-        return status;
-    });
+    mapper.Run(DisksAmong(disks, ReadSystem(invocation)));
+    std::vector<uint32_t> elsewhere = disks;
+    std::erase_if(elsewhere, [&](uint32_t disk) { return mapper.LeadsTo(disk); });
     const ExitCode exit = mapper.Finish();
     if (!mapper.Found() && exit == ExitCode::Done) {
         invocation.Fail(ExitCode::NotFound, "no selected port leads to " + shown,
@@ -226,10 +211,7 @@ ExitCode MapDisk(Invocation& invocation) {
         invocation.Fail(ExitCode::Usage, "\"" + text + "\" is no disk", "N or PhysicalDriveN");
     }
     Mapper mapper(invocation);
-    const SystemDevices system = ReadSystem(invocation);
-    mapper.Run([&](const Port& port, uint32_t handle, std::vector<MappedUnit>* units) {
-        return AddDisks(port, handle, {*disk}, system, units);
-    });
+    mapper.Run(DisksAmong({*disk}, ReadSystem(invocation)));
     const ExitCode exit = mapper.Finish();
     if (!mapper.Found() && exit == ExitCode::Done) {
         invocation.Fail(ExitCode::NotFound,

@@ -22,8 +22,8 @@ std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const Wwn& target
                : std::optional(MaskedOf(*record) & FirstLuns(LunLimit(targets.OwnPort())));
 }
 
-std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
-                                   const Wwn& target) {
+HX_STATUS ReadReportedLuns(const TellMessage& tell, const Port& port, uint32_t handle,
+                           const Wwn& target, LunSet* luns) {
     constexpr size_t kRoom = 4096;  // more an older driver does not move
     constexpr size_t kLargeRoom = 8 * (HX_MAX_LUNS + 1);
     const HX_SCSI_ADDRESS address = AddressByPortName(target);
@@ -32,20 +32,36 @@ std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uin
     const HX_STATUS status = HXSendScsiReportLunsCmdFC(
         handle, &address, list.data(), static_cast<uint32_t>(list.size()), sense, sizeof sense);
     const std::string object = port.Object() + " " + target.Colons();
+    luns->reset();
     if (status == HXMGT_BUILT_BY_API) {
-        invocation.Note(object + ": the target refuses REPORT LUNS: LUNs 0 to 7 were asked",
-                        "LUNs above 7 may be there and are not seen");
+        tell({Severity::Info,
+              object + ": the target refuses REPORT LUNS: LUNs 0 to 7 were asked",
+              "LUNs above 7 may be there and are not seen",
+              {},
+              {}});
     } else if (status != HXMGT_SUCCESS) {
-        invocation.Warn(object + ": the target does not report its LUNs: " + StatusMessage(status));
-        return std::nullopt;
+        tell({Severity::Warning,
+              object + ": the target does not report its LUNs: " + StatusMessage(status),
+              {},
+              {},
+              {}});
+        return status;
     }
-    LunSet luns;
     for (const LunEntry& entry : DecodeLuns(list)) {
-        if (entry.lun && *entry.lun < luns.size()) {
-            luns.set(static_cast<size_t>(*entry.lun));
+        if (entry.lun && *entry.lun < luns->size()) {
+            luns->set(static_cast<size_t>(*entry.lun));
         }
     }
-    return luns;
+    return HXMGT_SUCCESS;
+}
+
+std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
+                                   const Wwn& target) {
+    LunSet luns;
+    const TellMessage tell = [&](Message message) { invocation.Add(std::move(message)); };
+    return ReadReportedLuns(tell, port, handle, target, &luns) == HXMGT_SUCCESS
+               ? std::optional(luns)
+               : std::nullopt;
 }
 
 }  // namespace vxmgr

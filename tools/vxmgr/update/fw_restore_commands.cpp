@@ -24,7 +24,7 @@ constexpr Argument kRestoreArguments[] = {
      .help = "latest: what was there before the last update; or a folder of `fw backup`",
      .required = true},
     FlagOption("--allow-boot-from-san", "also when the host boots through the adapter"),
-    FlagOption("--no-activate", "leave what is written to be started later"),
+    FlagOption("--no-activate", "do not start what is written; some adapters do so themselves"),
 };
 
 // ---- verify

@@ -19,7 +19,7 @@ constexpr Argument kUpdateArguments[] = {
     FlagOption("--allow-older", "write an older version than there is"),
     FlagOption("--allow-same", "write a version that is stored already, where its bytes differ"),
     FlagOption("--allow-boot-from-san", "also when the host boots through the adapter"),
-    FlagOption("--no-activate", "leave what is written to be started later"),
+    FlagOption("--no-activate", "do not start what is written; some adapters do so themselves"),
     TextOption("--backup", "DIR", "where the old contents are kept (this machine's program data)"),
     FlagOption("--skip-backup", "keep no old contents: nothing can bring them back then"),
     FlagOption("--keep-going", "with several adapters, go on behind one that fails"),

@@ -14,8 +14,8 @@
 #include <memory>
 
 #include "common/console.h"
-#include "common/text.h"
 #include "frame/owned.h"
+#include "records/text.h"
 #include "vxmgr/app/files.h"
 #include "vxmgr/update/update_messages.h"
 

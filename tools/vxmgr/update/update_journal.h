@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/fields.h"
+#include "records/fields.h"
 #include "vxmgr/app/bytes.h"
 
 namespace vxmgr {

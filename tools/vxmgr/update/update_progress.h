@@ -5,8 +5,8 @@
 #include <chrono>
 #include <string>
 
-#include "common/fields.h"
 #include "common/invocation.h"
+#include "records/fields.h"
 
 namespace vxmgr {
 

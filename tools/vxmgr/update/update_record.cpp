@@ -9,9 +9,9 @@
 #include "frame/owned.h"
 #include "vxmgr/app/document.h"
 #include "vxmgr/app/library.h"
+#include "vxmgr/app/sha256.h"
 #include "vxmgr/app/values.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/update/sha256.h"
 #include "vxmgr/update/update_folder.h"
 #include "vxmgr/update/update_messages.h"
 
@@ -243,15 +243,20 @@ std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& s
     return records;
 }
 
-std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial) {
+std::optional<UpdateRecord> NewestUpdate(Invocation& invocation, const std::string& serial) {
     const std::vector<std::string> folders =
         serial.empty() ? std::vector<std::string>() : UpdateFolders(serial);
     for (size_t i = folders.size(); i-- != 0;) {
         if (auto newest = LoadOf(invocation, folders[i], serial)) {
-            return newest->IsInterrupted() ? std::move(newest) : std::nullopt;
+            return newest;
         }
     }
     return std::nullopt;
+}
+
+std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial) {
+    auto newest = NewestUpdate(invocation, serial);
+    return newest && newest->IsInterrupted() ? std::move(newest) : std::nullopt;
 }
 
 void RequireBelievable(Invocation& invocation, const std::string& serial) {
@@ -267,8 +272,10 @@ void RequireBelievable(Invocation& invocation, const std::string& serial) {
 }
 
 void WarnOfInterruption(Invocation& invocation, const std::string& serial) {
-    const std::string_view path = invocation.OwnCommand().path;
-    if (path == "fw update" || path == "fw restore" || path == "fw history") {
+    constexpr std::string_view kTellThemselves[] = {"fw update", "fw restore", "fw history",
+                                                    "health", "metrics"};
+    if (std::ranges::find(kTellThemselves, invocation.OwnCommand().path) !=
+        std::end(kTellThemselves)) {
         return;
     }
     if (const auto record = InterruptedUpdate(invocation, serial)) {

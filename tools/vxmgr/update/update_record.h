@@ -64,7 +64,8 @@ class UpdateRecord {
 // The updates of an adapter that can be believed, the newest last; warns of the others.
 std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& serial);
 
-// The newest one, when it was interrupted.
+// The newest of them, and the same when it was interrupted.
+std::optional<UpdateRecord> NewestUpdate(Invocation& invocation, const std::string& serial);
 std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial);
 
 // Ends the command when the newest one cannot be believed: what it left is not known then, and an

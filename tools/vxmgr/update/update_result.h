@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "common/fields.h"
+#include "records/fields.h"
 #include "vxmgr/update/update_plan.h"
 #include "vxmgr/update/update_record.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "common/status_codes.h"
+#include "vxmgr/app/sha256.h"
 #include "vxmgr/flash/flash_image.h"
 #include "vxmgr/flash/flash_regions.h"
-#include "vxmgr/update/sha256.h"
 #include "vxmgr/update/update_activation.h"
 #include "vxmgr/update/update_messages.h"
 #include "vxmgr/update/update_region.h"

@@ -1,0 +1,249 @@
+#include "vxmgr/support/snapshot.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "vxmgr/app/host_name.h"
+#include "vxmgr/app/side_by_side.h"
+
+namespace vxmgr {
+namespace {
+
+constexpr SnapshotRow kRows[] = {
+    {.command = "version"},
+    {.command = "health", .inReport = true},
+    {.command = "tree", .inReport = true},
+    {.command = "adapter list", .inReport = true},
+    {.command = "adapter show"},
+    {.command = "adapter locate show"},
+    {.command = "port list"},
+    {.command = "port show", .inReport = true},
+    {.command = "port stats", .options = "--kind all", .inReport = true},
+    {.command = "port database"},
+    {.command = "port lockdown"},
+    {.command = "sfp show", .inReport = true},
+    {.command = "sfp serdes"},
+    {.command = "target show"},
+    {.command = "target luns"},
+    {.command = "target speed get"},
+    {.command = "qos get"},
+    {.command = "map target", .options = "all"},
+    {.command = "bind list"},
+    {.command = "bind stores"},
+    {.command = "lunmask show"},
+    {.command = "fw show", .inReport = true},
+    {.command = "fw history", .inReport = true},
+    {.command = "flash lock show"},
+    {.command = "nvram verify", .inReport = true},
+    {.command = "driver show", .inReport = true},
+    {.command = "driver param list"},
+    {.command = "smartsan get"},
+    {.command = "npiv list"},
+    {.command = "nvme list", .options = "--namespaces"},
+    {.command = "dump list", .inReport = true},
+    {.command = "nvram show", .ofEachPort = true},
+    {.command = "vpd show", .ofEachPort = true},
+    {.command = "flash layout", .ofEachPort = true},
+};
+
+// What a command about one port may take as a whole; it asks several times.
+constexpr std::chrono::seconds kPortTime{20};
+
+std::vector<std::string> WordsOf(const SnapshotRow& row) {
+    std::vector<std::string> words = Split(row.command, ' ');
+    if (*row.options != '\0') {
+        for (std::string& word : Split(row.options, ' ')) {
+            words.push_back(std::move(word));
+        }
+    }
+    return words;
+}
+
+// The -a and -p of the outer command.
+std::vector<std::string> SelectionOf(Invocation& invocation) {
+    std::vector<std::string> words;
+    for (const char* option : {"adapter", "port"}) {
+        if (invocation.Given().Has(option)) {
+            words.push_back(std::string("--") + option + "=" + invocation.Given().Text(option));
+        }
+    }
+    return words;
+}
+
+std::string MemberName(const char* command) {
+    std::string name = command;
+    std::ranges::replace(name, ' ', '_');
+    return name;
+}
+
+// Those that this program has.
+std::vector<SnapshotRow> KnownRows(Invocation& invocation, bool forReport) {
+    std::vector<SnapshotRow> rows;
+    for (const SnapshotRow& row : kRows) {
+        if (FindCommand(invocation.OwnTool(), row.command) != nullptr &&
+            (row.inReport || !forReport)) {
+            rows.push_back(row);
+        }
+    }
+    return rows;
+}
+
+TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string member,
+                    NestedCommand& nested) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    NestedRun run = nested.Run();
+    const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+    return {row.command,
+            std::move(member),
+            invocation.Names().Clean(TextsJoined(nested.Words(), " ")),
+            run.exit,
+            std::move(run.document),
+            static_cast<uint64_t>(time.count())};
+}
+
+// More threads than these keep each other waiting.
+constexpr size_t kPortsAtATime = 4;
+
+// The documents about each port, some ports side by side.
+std::vector<TakenDocument> TakeOfPorts(Invocation& invocation, const std::vector<SnapshotRow>& rows,
+                                       std::span<Port* const> ports) {
+    using Made = std::vector<TakenDocument>;
+    std::vector<PortQuestion<Made>> questions;
+    for (const Port* port : ports) {
+        const auto take = [&invocation, rows, own = *port](PortTask& task, Made& made) {
+            for (const SnapshotRow& row : rows) {
+                task.Answered(kPortTime);
+                std::vector<std::string> words = WordsOf(row);
+                words.push_back("-p");
+                words.push_back(own.Object());
+                NestedCommand nested(invocation, std::move(words));
+                made.push_back(Taken(invocation, row,
+                                     MemberName(row.command) + "/port-" + std::to_string(own.index),
+                                     nested));
+            }
+        };
+        questions.push_back({port->Name(), take});
+    }
+    std::vector<TakenDocument> documents;
+    auto answers = AskSideBySide(invocation, std::move(questions));
+    for (size_t i = 0; i < answers.size(); ++i) {
+        if (!answers[i]) {
+            DoesNotAnswer(invocation, ports[i]);
+            invocation.Warn(ports[i]->failedQuery + ": its own documents are missing");
+            continue;
+        }
+        for (TakenDocument& document : *answers[i]) {
+            documents.push_back(std::move(document));
+        }
+    }
+    return documents;
+}
+
+}  // namespace
+
+std::span<const SnapshotRow> SnapshotRows() {
+    return kRows;
+}
+
+bool IsGoodEnding(ExitCode exit) {
+    constexpr ExitCode kGood[] = {ExitCode::Done, ExitCode::NotSupported, ExitCode::HealthWarning,
+                                  ExitCode::HealthCritical};
+    return std::ranges::find(kGood, exit) != std::end(kGood);
+}
+
+std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
+    const OpenPortsMemory open(plan.traceFolder);
+    std::vector<Port> ports = ReadPorts(invocation);
+    std::vector<Port*> selected = SelectPorts(invocation, ports);
+    std::vector<TakenDocument> documents;
+    const auto take = [&](const SnapshotRow& row) {
+        std::vector<std::string> words = WordsOf(row);
+        const std::vector<std::string> selection = SelectionOf(invocation);
+        words.insert(words.end(), selection.begin(), selection.end());
+        invocation.ProgressLine("taking " + std::string(row.command));
+        NestedCommand nested(invocation, std::move(words));
+        documents.push_back(Taken(invocation, row, MemberName(row.command), nested));
+        invocation.CheckStop();
+    };
+    std::vector<SnapshotRow> ofEachPort;
+    for (const SnapshotRow& row : KnownRows(invocation, plan.forReport)) {
+        if (row.ofEachPort) {
+            ofEachPort.push_back(row);
+        } else {
+            take(row);
+        }
+    }
+    invocation.ProgressLine("");
+    std::erase_if(selected, [](const Port* port) { return !port->answers; });
+    for (size_t i = 0; i < selected.size() && !ofEachPort.empty(); i += kPortsAtATime) {
+        const std::span some(selected.data() + i, std::min(kPortsAtATime, selected.size() - i));
+        for (TakenDocument& document : TakeOfPorts(invocation, ofEachPort, some)) {
+            documents.push_back(std::move(document));
+        }
+    }
+    return documents;
+}
+
+std::optional<Sampling> GivenSampling(Invocation& invocation) {
+    const auto interval = invocation.Given().Number("interval");
+    const auto count = invocation.Given().Number("count");
+    if (!interval && !count) {
+        return std::nullopt;
+    }
+    return Sampling{interval.value_or(2), count.value_or(10)};
+}
+
+std::vector<TakenDocument> TakeSamples(Invocation& invocation, const Sampling& sampling) {
+    const std::vector<std::string> selection = SelectionOf(invocation);
+    const auto take = [&](const char* command, std::vector<std::string> words) {
+        words.insert(words.end(), selection.begin(), selection.end());
+        words.push_back("--quiet");
+        NestedCommand nested(invocation, std::move(words));
+        return Taken(invocation, {.command = command}, MemberName(command), nested);
+    };
+    const std::string interval = std::to_string(sampling.interval);
+    const std::string count = std::to_string(sampling.count);
+    invocation.Progress("sampling the counters " + count + " times, every " + interval + " s");
+    std::vector<TakenDocument> documents(1);
+    std::thread events;
+    const std::vector<Port> ports = ReadPorts(invocation);
+    if (const auto silent = std::ranges::find(ports, false, &Port::answers);
+        silent != ports.end()) {
+        invocation.Note("events are not watched: the library would wait for " + silent->Name() +
+                        " before it listens to others");
+    } else {
+        documents.emplace_back();
+        events = std::thread([&, seconds = sampling.interval * sampling.count + 1] {
+            documents[1] =
+                take("event watch", {"event", "watch", "--for", std::to_string(seconds)});
+        });
+    }
+    documents[0] =
+        take("samples", {"port", "stats", "--delta", "--interval", interval, "--count", count});
+    if (events.joinable()) {
+        events.join();
+    }
+    invocation.CheckStop();
+    return documents;
+}
+
+std::string ShownHostName(Invocation& invocation) {
+    return invocation.Names().Mask(Secret::Host, HostName());
+}
+
+std::string ReportOf(Invocation& invocation, const std::vector<TakenDocument>& documents,
+                     const std::optional<Sampling>& sampling, const std::string& time) {
+    ReportDocuments shown;
+    for (const TakenDocument& document : documents) {
+        shown.Add(document.command, document.text);
+    }
+    const std::string sampled = sampling ? std::to_string(sampling->count) + " times, every " +
+                                               std::to_string(sampling->interval) + " s"
+                                         : "";
+    return ReportPage(
+        {ShownHostName(invocation), time, invocation.OwnTool().version, LibraryVersion(), sampled},
+        shown);
+}
+
+}  // namespace vxmgr
