@@ -76,6 +76,12 @@ TEST_F(SystemSupport, AReportShowsThePorts) {
     EXPECT_EQ(0, ExitOf("report --redact --force" + Quoted("r.html")));
     EXPECT_EQ(std::string::npos, support::TextOfFile(File("r.html")).find("EMU7740A0001"));
     EXPECT_EQ(3, ExitOf("report" + Quoted("no/such/folder/r.html")));
+
+    // A host without adapters has a page and a file, too.
+    StopDriver();
+    EXPECT_EQ(0, ExitOf("report --force" + Quoted("r.html")));
+    EXPECT_EQ(0, ExitOf("collect" + Quoted("none.zip")));
+    StartDriver();
 }
 
 TEST_F(SystemSupport, WhatDoesNotAnswerIsWaitedForOnce) {

@@ -251,13 +251,13 @@ std::string BatchNotes() {
     return "One command a line, as it is typed, with or without the tool's name in front. Blanks "
            "separate words; \"...\" and '...' keep them. \\\" stands for a quote, any other "
            "backslash for itself. A # where a word would begin starts a comment. All lines are "
-           "checked before the first one runs; --dry-run checks alone.\n"
+           "checked before the first one runs; --dry-run checks alone. "
            "Commands that ask need --yes, or --yes --confirm SERIAL, on their own lines. --redact, "
            "--trace, --timeout, -q and -v of the batch hold for all. With -o jsonl each command is "
            "a line as soon as it is done, with its own document in `document`; the last line is "
-           "the batch's own.\n"
+           "the batch's own. "
            "The exit code is that of the first command that failed; with --keep-going it is 11 "
-           "when others did not.\n";
+           "when others did not.";
 }
 
 }  // namespace

@@ -182,7 +182,7 @@ class Collector {
         for (const TakenDocument& document : documents) {
             AddMember("documents/" + document.member + ".json", BytesOf(document.text),
                       document.words, Number(document.exit), document.milliseconds);
-            if (!IsGoodEnding(document.exit)) {
+            if (!document.good) {
                 manifest_.errors.push_back(
                     {document.words, Number(document.exit), WhatItSaid(document.text)});
             }
@@ -317,13 +317,12 @@ ExitCode Collect(Invocation& invocation) {
 
 std::string CollectNotes() {
     return "The file has the documents of the commands that only read adapters, in `documents`; a "
-           "report to "
-           "look at; the library's trace of the collection; and a manifest with the SHA-256 of "
-           "each member, and what could not be had. A port that does not answer is left behind "
-           "(exit code 11).\n"
-           "With --redact serial numbers, world wide names, NVMe names and the host's name are "
+           "report to look at; the library's trace of the collection; and a manifest with the "
+           "SHA-256 of each member, and what could not be had. A port that does not answer is left "
+           "behind (exit code 11). With --redact serial numbers, world wide names, NVMe names and "
+           "the host's name are "
            "masked, each the same in all members; bytes in which names cannot be found are left "
-           "out: those in the trace, and dumps.\n";
+           "out: those in the trace, and dumps.";
 }
 
 }  // namespace

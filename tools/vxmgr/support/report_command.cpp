@@ -49,7 +49,7 @@ ExitCode WriteReport(Invocation& invocation) {
         }
         for (const TakenDocument& document : documents) {
             result.documents += 1;
-            result.failed += IsGoodEnding(document.exit) ? 0 : 1;
+            result.failed += document.good ? 0 : 1;
         }
         const std::string page = ReportOf(invocation, documents, sampling, time);
         result.size = page.size();

@@ -1,6 +1,7 @@
 #include "vxmgr/support/snapshot.h"
 
 #include <algorithm>
+#include <span>
 #include <thread>
 
 #include "vxmgr/app/host_name.h"
@@ -8,6 +9,13 @@
 
 namespace vxmgr {
 namespace {
+
+struct SnapshotRow {
+    const char* command;
+    const char* options = "";  // behind it
+    bool ofEachPort = false;   // it is about one port: run for each
+    bool inReport = false;
+};
 
 constexpr SnapshotRow kRows[] = {
     {.command = "version"},
@@ -88,6 +96,12 @@ std::vector<SnapshotRow> KnownRows(Invocation& invocation, bool forReport) {
     return rows;
 }
 
+bool IsGoodEnding(ExitCode exit) {
+    constexpr ExitCode kGood[] = {ExitCode::Done, ExitCode::NotSupported, ExitCode::HealthWarning,
+                                  ExitCode::HealthCritical};
+    return std::ranges::find(kGood, exit) != std::end(kGood);
+}
+
 TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string member,
                     NestedCommand& nested) {
     using Clock = std::chrono::steady_clock;
@@ -99,7 +113,8 @@ TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string 
             invocation.Names().Clean(TextsJoined(nested.Words(), " ")),
             run.exit,
             std::move(run.document),
-            static_cast<uint64_t>(time.count())};
+            static_cast<uint64_t>(time.count()),
+            IsGoodEnding(run.exit)};
 }
 
 // More threads than these keep each other waiting.
@@ -142,16 +157,6 @@ std::vector<TakenDocument> TakeOfPorts(Invocation& invocation, const std::vector
 
 }  // namespace
 
-std::span<const SnapshotRow> SnapshotRows() {
-    return kRows;
-}
-
-bool IsGoodEnding(ExitCode exit) {
-    constexpr ExitCode kGood[] = {ExitCode::Done, ExitCode::NotSupported, ExitCode::HealthWarning,
-                                  ExitCode::HealthCritical};
-    return std::ranges::find(kGood, exit) != std::end(kGood);
-}
-
 std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
     const OpenPortsMemory open(plan.traceFolder);
     std::vector<Port> ports = ReadPorts(invocation);
@@ -181,6 +186,9 @@ std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPl
         for (TakenDocument& document : TakeOfPorts(invocation, ofEachPort, some)) {
             documents.push_back(std::move(document));
         }
+    }
+    for (TakenDocument& document : documents) {
+        document.good |= ports.empty() && document.exit == ExitCode::NotFound;
     }
     return documents;
 }

@@ -1,23 +1,11 @@
 // The documents of commands that only read, all of one moment.
 #pragma once
 
-#include <span>
-
 #include "common/nested.h"
 #include "vxmgr/app/inventory.h"
 #include "vxmgr/support/report_page.h"
 
 namespace vxmgr {
-
-struct SnapshotRow {
-    const char* command;
-    const char* options = "";  // behind it
-    bool ofEachPort = false;   // it is about one port: run for each
-    bool inReport = false;
-};
-
-// What collect takes, in its order.
-std::span<const SnapshotRow> SnapshotRows();
 
 struct TakenDocument {
     std::string command;  // "nvram show"
@@ -26,10 +14,9 @@ struct TakenDocument {
     ExitCode exit;
     std::string text;
     uint64_t milliseconds;  // that it took
+    // It did what it could, although there may be findings, a chip that cannot tell, or no adapter.
+    bool good;
 };
-
-// A command that did what it could, although there may be findings, or a chip that cannot tell.
-bool IsGoodEnding(ExitCode exit);
 
 struct SnapshotPlan {
     bool forReport = false;     // those alone that a report shows
