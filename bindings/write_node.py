@@ -6,11 +6,10 @@ HEAD = """\
 // edited. What the library writes goes through a Buffer or a typed array, which decode() makes a record.
 'use strict';
 """
-NAMES = {"char": "char", "void": "void"}
 
 
 def name_of(base):
-    return NAMES.get(base, f"{base}_t")
+    return base if base in ("char", "void") else f"{base}_t"
 
 
 def member(one):
@@ -30,8 +29,7 @@ def argument(one):
     if "callback" in one:
         return f"koffi.pointer(types.{one['callback']})"
     if one.get("pointer"):
-        return "'const char *'" if one["base" if "base" in one else "record"] == "char" and one.get("const") \
-            else "'void *'"
+        return "'const char *'" if one.get("base") == "char" and one.get("const") else "'void *'"
     return member(one)
 
 
@@ -55,11 +53,10 @@ def text(description):
         offsets = f" {offsets} " if offsets else ""
         parts.append(f"    {one['name']}: {{ size: {one['size']}, offsets: {{{offsets}}} }},")
     parts += ["});", "", "function declareTypes(koffi) {", "    const types = {};"]
-    for one in description["callbacks"]:
-        if not one["name"].startswith("HBA_"):
-            parameters = ", ".join(argument(parameter) for parameter in one["parameters"])
-            parts.append(f"    types.{one['name']} = koffi.proto('{one['name']}', {argument(one['returns'])}, [{parameters}]);")
     parts += [record(one) for one in description["records"]]
+    for one in description["callbacks"]:
+        parameters = ", ".join(argument(parameter) for parameter in one["parameters"])
+        parts.append(f"    types.{one['name']} = koffi.proto('{one['name']}', {argument(one['returns'])}, [{parameters}]);")
     parts += ["    return types;", "}", "",
               "// Without those that take any number of arguments.",
               "function declareFunctions(koffi, library, types) {", "    return {"]

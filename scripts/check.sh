@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Formatting, static analysis, and what the programs print for the documentation: schemas and command
-# references. Changes nothing; "scripts/check.sh --fix" formats and writes what differs.
+# Formatting, static analysis, the description of the headers for bindings, and what the programs print
+# for the documentation: schemas and command references. Changes nothing; "scripts/check.sh --fix"
+# formats and writes what differs.
 source "$(dirname "$0")/common.sh"
 
 fix=
@@ -21,6 +22,11 @@ cppcheck --quiet --error-exitcode=1 --language=c++ --std=c++20 --platform=win64 
     --suppress=missingIncludeSystem --suppress=unknownMacro --suppress=syntaxError \
     --suppress=passedByValue -Isrc -Iinclude -I. -D_WIN32=1 -D_WIN64=1 -D__GNUC__=12 \
     src emulator tools
+
+PYTHONDONTWRITEBYTECODE=1 python3 packaging/reference/parameters.py include/*.h
+command -v clang >/dev/null || scripts/setup.sh --bindings
+[ -z "$fix" ] || python3 bindings/describe.py
+scripts/bindings_test.sh --without-node
 
 scripts/build.sh vxmgr vxemu
 trap wine_stop EXIT
@@ -80,4 +86,4 @@ if [ -n "$stale" ]; then
     echo "Schemas or manuals differ: run scripts/check.sh --fix"
     exit 1
 fi
-echo "Formatting, analysis, schemas and command references passed."
+echo "Formatting, analysis, bindings, schemas and command references passed."

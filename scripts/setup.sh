@@ -15,7 +15,8 @@ packages=(
 )
 case ${1:-} in
 --fuzz) packages+=(clang libclang-rt-dev) ;;
---bindings) packages+=(clang python3 nodejs npm) ;;
+--bindings) packages+=(clang python3) ;;
+--node) packages+=(nodejs npm) ;; # the rest of scripts/bindings_test.sh
 --package)
     packages+=(
         git zip                            # what is staged, and archives

@@ -566,7 +566,6 @@ const layout = Object.freeze({
 
 function declareTypes(koffi) {
     const types = {};
-    types.HX_FLASH_PROGRESS = koffi.proto('HX_FLASH_PROGRESS', 'uint32_t', ['void *', 'uint32_t', 'uint32_t', 'uint32_t']);
     types.HBA_WWN = koffi.pack('HBA_WWN', {
         wwn: koffi.array('uint8_t', 8),
     });
@@ -1347,6 +1346,8 @@ function declareTypes(koffi) {
         reserved: 'uint32_t',
         volume: types.HX_VOLUME,
     });
+    types.HBA_REGISTERLIBRARY = koffi.proto('HBA_REGISTERLIBRARY', 'uint32_t', ['void *']);
+    types.HX_FLASH_PROGRESS = koffi.proto('HX_FLASH_PROGRESS', 'uint32_t', ['void *', 'uint32_t', 'uint32_t', 'uint32_t']);
     return types;
 }
 

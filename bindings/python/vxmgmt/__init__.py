@@ -180,8 +180,13 @@ class Adapter:
         return list(room)[:count.value]
 
     def set_flash_progress(self, progress: Optional[Callable[[int, int, int], int]]) -> None:
-        """Has progress(region, done, total) called by transfers of flash; it returns a status."""
-        callback = HX_FLASH_PROGRESS(
-            (lambda _, region, done, total: progress(region, done, total)) if progress else 0)
+        """Has progress(region, done, total) called by transfers of flash; it returns a status.
+
+        An exception in it is printed and stops nothing: a transfer is ended by a status alone.
+        """
+        def call(_context: Any, region: int, done: int, total: int) -> int:
+            return progress(region, done, total) if progress else HXMGT_SUCCESS
+
+        callback: Any = HX_FLASH_PROGRESS(call) if progress else HX_FLASH_PROGRESS(0)
         self.library.check("HXSetFlashProgress", self.handle, callback, None)
         self._progress = callback  # the library calls it until the handle is closed

@@ -6,10 +6,8 @@ Importing this needs neither the library nor Windows.
 # ruff: noqa
 from __future__ import annotations
 
-import ctypes
-from ctypes import (CFUNCTYPE, POINTER, Structure, Union, c_char, c_char_p, c_int8, c_int16,
-                    c_int32, c_int64, c_uint8, c_uint16, c_uint32, c_uint64, c_void_p)
-from typing import Any, Callable, Dict
+import ctypes as _c
+import typing as _t
 
 HBA_CLASS_OF_SERVICE_3 = 8
 HBA_EVENT_LINK_DOWN = 3
@@ -343,7 +341,7 @@ HX_OS_DEVICE_TAPE = 2
 HX_OS_DEVICE_CHANGER = 3
 
 # The names of the statuses.
-STATUS_NAMES: Dict[int, str] = {
+STATUS_NAMES: _t.Dict[int, str] = {
     0x00000000: "HXMGT_SUCCESS",
     0x20000002: "HXMGT_INVALID_COMMAND_CODE",
     0x20000003: "HXMGT_INVALID_VERSION_LEVEL",
@@ -490,19 +488,16 @@ STATUS_NAMES: Dict[int, str] = {
 }
 
 
-HX_FLASH_PROGRESS = CFUNCTYPE(c_uint32, c_void_p, c_uint32, c_uint32, c_uint32)
-
-
-class HBA_WWN(Structure):
+class HBA_WWN(_c.Structure):
     """8 bytes."""
-    wwn: ctypes.Array[Any]
+    wwn: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("wwn", c_uint8 * 8),
+        ("wwn", _c.c_uint8 * 8),
     ]
 
 
-class HBA_ADAPTERATTRIBUTES(Structure):
+class HBA_ADAPTERATTRIBUTES(_c.Structure):
     """2192 bytes."""
     Manufacturer: bytes
     SerialNumber: bytes
@@ -518,32 +513,32 @@ class HBA_ADAPTERATTRIBUTES(Structure):
     NumberOfPorts: int
     DriverName: bytes
     _fields_ = [
-        ("Manufacturer", c_char * 64),
-        ("SerialNumber", c_char * 64),
-        ("Model", c_char * 256),
-        ("ModelDescription", c_char * 256),
+        ("Manufacturer", _c.c_char * 64),
+        ("SerialNumber", _c.c_char * 64),
+        ("Model", _c.c_char * 256),
+        ("ModelDescription", _c.c_char * 256),
         ("NodeWWN", HBA_WWN),
-        ("NodeSymbolicName", c_char * 256),
-        ("HardwareVersion", c_char * 256),
-        ("DriverVersion", c_char * 256),
-        ("OptionROMVersion", c_char * 256),
-        ("FirmwareVersion", c_char * 256),
-        ("VendorSpecificID", c_uint32),
-        ("NumberOfPorts", c_uint32),
-        ("DriverName", c_char * 256),
+        ("NodeSymbolicName", _c.c_char * 256),
+        ("HardwareVersion", _c.c_char * 256),
+        ("DriverVersion", _c.c_char * 256),
+        ("OptionROMVersion", _c.c_char * 256),
+        ("FirmwareVersion", _c.c_char * 256),
+        ("VendorSpecificID", _c.c_uint32),
+        ("NumberOfPorts", _c.c_uint32),
+        ("DriverName", _c.c_char * 256),
     ]
 
 
-class HBA_FC4TYPES(Structure):
+class HBA_FC4TYPES(_c.Structure):
     """32 bytes."""
-    bits: ctypes.Array[Any]
+    bits: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("bits", c_uint8 * 32),
+        ("bits", _c.c_uint8 * 32),
     ]
 
 
-class HBA_PORTATTRIBUTES(Structure):
+class HBA_PORTATTRIBUTES(_c.Structure):
     """632 bytes."""
     NodeWWN: HBA_WWN
     PortWWN: HBA_WWN
@@ -563,23 +558,23 @@ class HBA_PORTATTRIBUTES(Structure):
     _fields_ = [
         ("NodeWWN", HBA_WWN),
         ("PortWWN", HBA_WWN),
-        ("PortFcId", c_uint32),
-        ("PortType", c_uint32),
-        ("PortState", c_uint32),
-        ("PortSupportedClassofService", c_uint32),
+        ("PortFcId", _c.c_uint32),
+        ("PortType", _c.c_uint32),
+        ("PortState", _c.c_uint32),
+        ("PortSupportedClassofService", _c.c_uint32),
         ("PortSupportedFc4Types", HBA_FC4TYPES),
         ("PortActiveFc4Types", HBA_FC4TYPES),
-        ("PortSymbolicName", c_char * 256),
-        ("OSDeviceName", c_char * 256),
-        ("PortSupportedSpeed", c_uint32),
-        ("PortSpeed", c_uint32),
-        ("PortMaxFrameSize", c_uint32),
+        ("PortSymbolicName", _c.c_char * 256),
+        ("OSDeviceName", _c.c_char * 256),
+        ("PortSupportedSpeed", _c.c_uint32),
+        ("PortSpeed", _c.c_uint32),
+        ("PortMaxFrameSize", _c.c_uint32),
         ("FabricName", HBA_WWN),
-        ("NumberofDiscoveredPorts", c_uint32),
+        ("NumberofDiscoveredPorts", _c.c_uint32),
     ]
 
 
-class HBA_PORTSTATISTICS(Structure):
+class HBA_PORTSTATISTICS(_c.Structure):
     """120 bytes."""
     SecondsSinceLastReset: int
     TxFrames: int
@@ -597,53 +592,53 @@ class HBA_PORTSTATISTICS(Structure):
     InvalidTxWordCount: int
     InvalidCRCCount: int
     _fields_ = [
-        ("SecondsSinceLastReset", c_int64),
-        ("TxFrames", c_int64),
-        ("TxWords", c_int64),
-        ("RxFrames", c_int64),
-        ("RxWords", c_int64),
-        ("LIPCount", c_int64),
-        ("NOSCount", c_int64),
-        ("ErrorFrames", c_int64),
-        ("DumpedFrames", c_int64),
-        ("LinkFailureCount", c_int64),
-        ("LossOfSyncCount", c_int64),
-        ("LossOfSignalCount", c_int64),
-        ("PrimitiveSeqProtocolErrCount", c_int64),
-        ("InvalidTxWordCount", c_int64),
-        ("InvalidCRCCount", c_int64),
+        ("SecondsSinceLastReset", _c.c_int64),
+        ("TxFrames", _c.c_int64),
+        ("TxWords", _c.c_int64),
+        ("RxFrames", _c.c_int64),
+        ("RxWords", _c.c_int64),
+        ("LIPCount", _c.c_int64),
+        ("NOSCount", _c.c_int64),
+        ("ErrorFrames", _c.c_int64),
+        ("DumpedFrames", _c.c_int64),
+        ("LinkFailureCount", _c.c_int64),
+        ("LossOfSyncCount", _c.c_int64),
+        ("LossOfSignalCount", _c.c_int64),
+        ("PrimitiveSeqProtocolErrCount", _c.c_int64),
+        ("InvalidTxWordCount", _c.c_int64),
+        ("InvalidCRCCount", _c.c_int64),
     ]
 
 
-class HBA_SCSIID(Structure):
+class HBA_SCSIID(_c.Structure):
     """268 bytes."""
     OSDeviceName: bytes
     ScsiBusNumber: int
     ScsiTargetNumber: int
     ScsiOSLun: int
     _fields_ = [
-        ("OSDeviceName", c_char * 256),
-        ("ScsiBusNumber", c_uint32),
-        ("ScsiTargetNumber", c_uint32),
-        ("ScsiOSLun", c_uint32),
+        ("OSDeviceName", _c.c_char * 256),
+        ("ScsiBusNumber", _c.c_uint32),
+        ("ScsiTargetNumber", _c.c_uint32),
+        ("ScsiOSLun", _c.c_uint32),
     ]
 
 
-class HBA_FCPID(Structure):
+class HBA_FCPID(_c.Structure):
     """32 bytes."""
     FcId: int
     NodeWWN: HBA_WWN
     PortWWN: HBA_WWN
     FcpLun: int
     _fields_ = [
-        ("FcId", c_uint32),
+        ("FcId", _c.c_uint32),
         ("NodeWWN", HBA_WWN),
         ("PortWWN", HBA_WWN),
-        ("FcpLun", c_uint64),
+        ("FcpLun", _c.c_uint64),
     ]
 
 
-class HBA_FCPSCSIENTRY(Structure):
+class HBA_FCPSCSIENTRY(_c.Structure):
     """304 bytes."""
     ScsiId: HBA_SCSIID
     FcpId: HBA_FCPID
@@ -653,41 +648,41 @@ class HBA_FCPSCSIENTRY(Structure):
     ]
 
 
-class HBA_FCPTARGETMAPPING(Structure):
+class HBA_FCPTARGETMAPPING(_c.Structure):
     """312 bytes."""
     NumberOfEntries: int
-    entry: ctypes.Array[Any]
+    entry: _c.Array[_t.Any]
     _fields_ = [
-        ("NumberOfEntries", c_uint32),
+        ("NumberOfEntries", _c.c_uint32),
         ("entry", HBA_FCPSCSIENTRY * 1),
     ]
 
 
-class HBA_FCPBINDINGENTRY(Structure):
+class HBA_FCPBINDINGENTRY(_c.Structure):
     """312 bytes."""
     type: int
     ScsiId: HBA_SCSIID
     FcpId: HBA_FCPID
     FcId: int
     _fields_ = [
-        ("type", c_uint32),
+        ("type", _c.c_uint32),
         ("ScsiId", HBA_SCSIID),
         ("FcpId", HBA_FCPID),
-        ("FcId", c_uint32),
+        ("FcId", _c.c_uint32),
     ]
 
 
-class HBA_FCPBINDING(Structure):
+class HBA_FCPBINDING(_c.Structure):
     """320 bytes."""
     NumberOfEntries: int
-    entry: ctypes.Array[Any]
+    entry: _c.Array[_t.Any]
     _fields_ = [
-        ("NumberOfEntries", c_uint32),
+        ("NumberOfEntries", _c.c_uint32),
         ("entry", HBA_FCPBINDINGENTRY * 1),
     ]
 
 
-class HBA_MGMTINFO(Structure):
+class HBA_MGMTINFO(_c.Structure):
     """44 bytes."""
     wwn: HBA_WWN
     unittype: int
@@ -695,53 +690,53 @@ class HBA_MGMTINFO(Structure):
     NumberOfAttachedNodes: int
     IPVersion: int
     UDPPort: int
-    IPAddress: ctypes.Array[Any]
+    IPAddress: _c.Array[_t.Any]
     reserved: int
     TopologyDiscoveryFlags: int
     _fields_ = [
         ("wwn", HBA_WWN),
-        ("unittype", c_uint32),
-        ("PortId", c_uint32),
-        ("NumberOfAttachedNodes", c_uint32),
-        ("IPVersion", c_uint16),
-        ("UDPPort", c_uint16),
-        ("IPAddress", c_uint8 * 16),
-        ("reserved", c_uint16),
-        ("TopologyDiscoveryFlags", c_uint16),
+        ("unittype", _c.c_uint32),
+        ("PortId", _c.c_uint32),
+        ("NumberOfAttachedNodes", _c.c_uint32),
+        ("IPVersion", _c.c_uint16),
+        ("UDPPort", _c.c_uint16),
+        ("IPAddress", _c.c_uint8 * 16),
+        ("reserved", _c.c_uint16),
+        ("TopologyDiscoveryFlags", _c.c_uint16),
     ]
 
 
-class HBA_LINK_EVENTINFO(Structure):
+class HBA_LINK_EVENTINFO(_c.Structure):
     """16 bytes."""
     PortFcId: int
-    Reserved: ctypes.Array[Any]
+    Reserved: _c.Array[_t.Any]
     _fields_ = [
-        ("PortFcId", c_uint32),
-        ("Reserved", c_uint32 * 3),
+        ("PortFcId", _c.c_uint32),
+        ("Reserved", _c.c_uint32 * 3),
     ]
 
 
-class HBA_RSCN_EVENTINFO(Structure):
+class HBA_RSCN_EVENTINFO(_c.Structure):
     """16 bytes."""
     PortFcId: int
     NPortPage: int
-    Reserved: ctypes.Array[Any]
+    Reserved: _c.Array[_t.Any]
     _fields_ = [
-        ("PortFcId", c_uint32),
-        ("NPortPage", c_uint32),
-        ("Reserved", c_uint32 * 2),
+        ("PortFcId", _c.c_uint32),
+        ("NPortPage", _c.c_uint32),
+        ("Reserved", _c.c_uint32 * 2),
     ]
 
 
-class HBA_PTY_EVENTINFO(Structure):
+class HBA_PTY_EVENTINFO(_c.Structure):
     """16 bytes."""
-    PtyData: ctypes.Array[Any]
+    PtyData: _c.Array[_t.Any]
     _fields_ = [
-        ("PtyData", c_uint32 * 4),
+        ("PtyData", _c.c_uint32 * 4),
     ]
 
 
-class HBA_EVENTINFO_Event(Union):
+class HBA_EVENTINFO_Event(_c.Union):
     """16 bytes."""
     Link_EventInfo: HBA_LINK_EVENTINFO
     RSCN_EventInfo: HBA_RSCN_EVENTINFO
@@ -753,75 +748,75 @@ class HBA_EVENTINFO_Event(Union):
     ]
 
 
-class HBA_EVENTINFO(Structure):
+class HBA_EVENTINFO(_c.Structure):
     """20 bytes."""
     EventCode: int
     Event: HBA_EVENTINFO_Event
     _fields_ = [
-        ("EventCode", c_uint32),
+        ("EventCode", _c.c_uint32),
         ("Event", HBA_EVENTINFO_Event),
     ]
 
 
-class HBA_ENTRYPOINTS(Structure):
+class HBA_ENTRYPOINTS(_c.Structure):
     """192 bytes."""
-    GetVersionHandler: Any
-    LoadLibraryHandler: Any
-    FreeLibraryHandler: Any
-    GetNumberOfAdaptersHandler: Any
-    GetAdapterNameHandler: Any
-    OpenAdapterHandler: Any
-    CloseAdapterHandler: Any
-    GetAdapterAttributesHandler: Any
-    GetAdapterPortAttributesHandler: Any
-    GetPortStatisticsHandler: Any
-    GetDiscoveredPortAttributesHandler: Any
-    GetPortAttributesByWWNHandler: Any
-    SendCTPassThruHandler: Any
-    RefreshInformationHandler: Any
-    ResetStatisticsHandler: Any
-    GetFcpTargetMappingHandler: Any
-    GetFcpPersistentBindingHandler: Any
-    GetEventBufferHandler: Any
-    SetRNIDMgmtInfoHandler: Any
-    GetRNIDMgmtInfoHandler: Any
-    SendRNIDHandler: Any
-    ScsiInquiryHandler: Any
-    ReportLUNsHandler: Any
-    ReadCapacityHandler: Any
+    GetVersionHandler: _t.Any
+    LoadLibraryHandler: _t.Any
+    FreeLibraryHandler: _t.Any
+    GetNumberOfAdaptersHandler: _t.Any
+    GetAdapterNameHandler: _t.Any
+    OpenAdapterHandler: _t.Any
+    CloseAdapterHandler: _t.Any
+    GetAdapterAttributesHandler: _t.Any
+    GetAdapterPortAttributesHandler: _t.Any
+    GetPortStatisticsHandler: _t.Any
+    GetDiscoveredPortAttributesHandler: _t.Any
+    GetPortAttributesByWWNHandler: _t.Any
+    SendCTPassThruHandler: _t.Any
+    RefreshInformationHandler: _t.Any
+    ResetStatisticsHandler: _t.Any
+    GetFcpTargetMappingHandler: _t.Any
+    GetFcpPersistentBindingHandler: _t.Any
+    GetEventBufferHandler: _t.Any
+    SetRNIDMgmtInfoHandler: _t.Any
+    GetRNIDMgmtInfoHandler: _t.Any
+    SendRNIDHandler: _t.Any
+    ScsiInquiryHandler: _t.Any
+    ReportLUNsHandler: _t.Any
+    ReadCapacityHandler: _t.Any
     _fields_ = [
-        ("GetVersionHandler", CFUNCTYPE(c_uint32)),
-        ("LoadLibraryHandler", CFUNCTYPE(c_uint32)),
-        ("FreeLibraryHandler", CFUNCTYPE(c_uint32)),
-        ("GetNumberOfAdaptersHandler", CFUNCTYPE(c_uint32)),
-        ("GetAdapterNameHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(c_char))),
-        ("OpenAdapterHandler", CFUNCTYPE(c_uint32, POINTER(c_char))),
-        ("CloseAdapterHandler", CFUNCTYPE(None, c_uint32)),
-        ("GetAdapterAttributesHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_ADAPTERATTRIBUTES))),
-        ("GetAdapterPortAttributesHandler", CFUNCTYPE(c_uint32, c_uint32, c_uint32, POINTER(HBA_PORTATTRIBUTES))),
-        ("GetPortStatisticsHandler", CFUNCTYPE(c_uint32, c_uint32, c_uint32, POINTER(HBA_PORTSTATISTICS))),
-        ("GetDiscoveredPortAttributesHandler", CFUNCTYPE(c_uint32, c_uint32, c_uint32, c_uint32, POINTER(HBA_PORTATTRIBUTES))),
-        ("GetPortAttributesByWWNHandler", CFUNCTYPE(c_uint32, c_uint32, HBA_WWN, POINTER(HBA_PORTATTRIBUTES))),
-        ("SendCTPassThruHandler", CFUNCTYPE(c_uint32, c_uint32, c_void_p, c_uint32, c_void_p, c_uint32)),
-        ("RefreshInformationHandler", CFUNCTYPE(None, c_uint32)),
-        ("ResetStatisticsHandler", CFUNCTYPE(c_uint32, c_uint32, c_uint32)),
-        ("GetFcpTargetMappingHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_FCPTARGETMAPPING))),
-        ("GetFcpPersistentBindingHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_FCPBINDING))),
-        ("GetEventBufferHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_EVENTINFO), POINTER(c_uint32))),
-        ("SetRNIDMgmtInfoHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_MGMTINFO))),
-        ("GetRNIDMgmtInfoHandler", CFUNCTYPE(c_uint32, c_uint32, POINTER(HBA_MGMTINFO))),
-        ("SendRNIDHandler", CFUNCTYPE(c_uint32, c_uint32, HBA_WWN, c_int32, c_void_p, POINTER(c_uint32))),
-        ("ScsiInquiryHandler", CFUNCTYPE(c_uint32, c_uint32, HBA_WWN, c_uint64, c_uint8, c_uint32, c_void_p, c_uint32, c_void_p, c_uint32)),
-        ("ReportLUNsHandler", CFUNCTYPE(c_uint32, c_uint32, HBA_WWN, c_void_p, c_uint32, c_void_p, c_uint32)),
-        ("ReadCapacityHandler", CFUNCTYPE(c_uint32, c_uint32, HBA_WWN, c_uint64, c_void_p, c_uint32, c_void_p, c_uint32)),
+        ("GetVersionHandler", _c.CFUNCTYPE(_c.c_uint32)),
+        ("LoadLibraryHandler", _c.CFUNCTYPE(_c.c_uint32)),
+        ("FreeLibraryHandler", _c.CFUNCTYPE(_c.c_uint32)),
+        ("GetNumberOfAdaptersHandler", _c.CFUNCTYPE(_c.c_uint32)),
+        ("GetAdapterNameHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(_c.c_char))),
+        ("OpenAdapterHandler", _c.CFUNCTYPE(_c.c_uint32, _c.POINTER(_c.c_char))),
+        ("CloseAdapterHandler", _c.CFUNCTYPE(None, _c.c_uint32)),
+        ("GetAdapterAttributesHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_ADAPTERATTRIBUTES))),
+        ("GetAdapterPortAttributesHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.c_uint32, _c.POINTER(HBA_PORTATTRIBUTES))),
+        ("GetPortStatisticsHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.c_uint32, _c.POINTER(HBA_PORTSTATISTICS))),
+        ("GetDiscoveredPortAttributesHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.c_uint32, _c.c_uint32, _c.POINTER(HBA_PORTATTRIBUTES))),
+        ("GetPortAttributesByWWNHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, HBA_WWN, _c.POINTER(HBA_PORTATTRIBUTES))),
+        ("SendCTPassThruHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32)),
+        ("RefreshInformationHandler", _c.CFUNCTYPE(None, _c.c_uint32)),
+        ("ResetStatisticsHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.c_uint32)),
+        ("GetFcpTargetMappingHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_FCPTARGETMAPPING))),
+        ("GetFcpPersistentBindingHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_FCPBINDING))),
+        ("GetEventBufferHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_EVENTINFO), _c.POINTER(_c.c_uint32))),
+        ("SetRNIDMgmtInfoHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_MGMTINFO))),
+        ("GetRNIDMgmtInfoHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, _c.POINTER(HBA_MGMTINFO))),
+        ("SendRNIDHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, HBA_WWN, _c.c_int32, _c.c_void_p, _c.POINTER(_c.c_uint32))),
+        ("ScsiInquiryHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, HBA_WWN, _c.c_uint64, _c.c_uint8, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32)),
+        ("ReportLUNsHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, HBA_WWN, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32)),
+        ("ReadCapacityHandler", _c.CFUNCTYPE(_c.c_uint32, _c.c_uint32, HBA_WWN, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32)),
     ]
 
 
-class HXMGT_API_HANDLE(Structure):
+class HXMGT_API_HANDLE(_c.Structure):
     """120 bytes."""
-    hDevice: Any
+    hDevice: _t.Any
     szModel: bytes
-    pTraceFile: Any
+    pTraceFile: _t.Any
     dwTraceLevel: int
     szDeviceName: bytes
     dwDriverVersion: int
@@ -831,23 +826,23 @@ class HXMGT_API_HANDLE(Structure):
     qwExpectedFirmwareAttributes: int
     qwFlashUpdateCapabilities: int
     _fields_ = [
-        ("hDevice", c_void_p),
-        ("szModel", c_char * 32),
-        ("pTraceFile", c_void_p),
-        ("dwTraceLevel", c_uint32),
-        ("szDeviceName", c_char * 32),
-        ("dwDriverVersion", c_uint32),
-        ("dwAdapterIndex", c_uint32),
-        ("dwScsiPort", c_uint32),
-        ("dwActivationTimeout", c_uint32),
-        ("qwExpectedFirmwareAttributes", c_uint64),
-        ("qwFlashUpdateCapabilities", c_uint64),
+        ("hDevice", _c.c_void_p),
+        ("szModel", _c.c_char * 32),
+        ("pTraceFile", _c.c_void_p),
+        ("dwTraceLevel", _c.c_uint32),
+        ("szDeviceName", _c.c_char * 32),
+        ("dwDriverVersion", _c.c_uint32),
+        ("dwAdapterIndex", _c.c_uint32),
+        ("dwScsiPort", _c.c_uint32),
+        ("dwActivationTimeout", _c.c_uint32),
+        ("qwExpectedFirmwareAttributes", _c.c_uint64),
+        ("qwFlashUpdateCapabilities", _c.c_uint64),
     ]
 
 
-class HX_NODE_PROPERTY(Structure):
+class HX_NODE_PROPERTY(_c.Structure):
     """388 bytes."""
-    nodeName: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
     manufacturer: bytes
     model: bytes
     modelDescription: bytes
@@ -861,33 +856,33 @@ class HX_NODE_PROPERTY(Structure):
     vendorSpecificId: int
     firmwareAttributes: int
     flags: int
-    serialBytes: ctypes.Array[Any]
-    reserved: ctypes.Array[Any]
+    serialBytes: _c.Array[_t.Any]
+    reserved: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("nodeName", c_uint8 * 8),
-        ("manufacturer", c_char * 80),
-        ("model", c_char * 16),
-        ("modelDescription", c_char * 16),
-        ("serialPresent", c_uint8),
-        ("serialNumber", c_char * 31),
-        ("driverVersion", c_char * 32),
-        ("firmwareVersion", c_char * 32),
-        ("optionRomVersion", c_char * 32),
-        ("numberOfPorts", c_uint16),
-        ("adapterGeneration", c_uint16),
-        ("vendorSpecificId", c_uint32),
-        ("firmwareAttributes", c_uint32),
-        ("flags", c_uint32),
-        ("serialBytes", c_uint8 * 3),
-        ("reserved", c_uint8 * 121),
+        ("nodeName", _c.c_uint8 * 8),
+        ("manufacturer", _c.c_char * 80),
+        ("model", _c.c_char * 16),
+        ("modelDescription", _c.c_char * 16),
+        ("serialPresent", _c.c_uint8),
+        ("serialNumber", _c.c_char * 31),
+        ("driverVersion", _c.c_char * 32),
+        ("firmwareVersion", _c.c_char * 32),
+        ("optionRomVersion", _c.c_char * 32),
+        ("numberOfPorts", _c.c_uint16),
+        ("adapterGeneration", _c.c_uint16),
+        ("vendorSpecificId", _c.c_uint32),
+        ("firmwareAttributes", _c.c_uint32),
+        ("flags", _c.c_uint32),
+        ("serialBytes", _c.c_uint8 * 3),
+        ("reserved", _c.c_uint8 * 121),
     ]
 
 
-class HX_PORT_PROPERTY(Structure):
+class HX_PORT_PROPERTY(_c.Structure):
     """112 bytes."""
-    portName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     role: int
     state: int
     topology: int
@@ -895,13 +890,13 @@ class HX_PORT_PROPERTY(Structure):
     discoveredTargets: int
     deviceName: bytes
     currentSpeed: int
-    reserved51: ctypes.Array[Any]
+    reserved51: _c.Array[_t.Any]
     maxFrameSize: int
     bbCredits: int
     npivMaximum: int
     npivInUse: int
     supportedSpeeds: int
-    reserved63: ctypes.Array[Any]
+    reserved63: _c.Array[_t.Any]
     maxTargets: int
     maxLunsPerTarget: int
     executionThrottle: int
@@ -910,52 +905,52 @@ class HX_PORT_PROPERTY(Structure):
     linkDownTimeout: int
     portDownRetry: int
     reserved96: int
-    transceiverType: ctypes.Array[Any]
+    transceiverType: _c.Array[_t.Any]
     fecActive: int
     trunkState: int
     featureMask: int
     nvmeEnabled: int
     fcpEnabled: int
     diagnosticState: int
-    reserved109: ctypes.Array[Any]
+    reserved109: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("role", c_uint8),
-        ("state", c_uint8),
-        ("topology", c_uint8),
-        ("discoveredDevices", c_uint16),
-        ("discoveredTargets", c_uint16),
-        ("deviceName", c_char * 32),
-        ("currentSpeed", c_uint8),
-        ("reserved51", c_uint8 * 3),
-        ("maxFrameSize", c_uint16),
-        ("bbCredits", c_uint16),
-        ("npivMaximum", c_uint16),
-        ("npivInUse", c_uint16),
-        ("supportedSpeeds", c_uint8),
-        ("reserved63", c_uint8 * 19),
-        ("maxTargets", c_uint16),
-        ("maxLunsPerTarget", c_uint16),
-        ("executionThrottle", c_uint16),
-        ("reserved88", c_uint16),
-        ("loginTimeout", c_uint16),
-        ("linkDownTimeout", c_uint16),
-        ("portDownRetry", c_uint16),
-        ("reserved96", c_uint16),
-        ("transceiverType", c_uint8 * 2),
-        ("fecActive", c_uint8),
-        ("trunkState", c_uint8),
-        ("featureMask", c_uint32),
-        ("nvmeEnabled", c_uint8),
-        ("fcpEnabled", c_uint8),
-        ("diagnosticState", c_uint8),
-        ("reserved109", c_uint8 * 3),
+        ("portName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("role", _c.c_uint8),
+        ("state", _c.c_uint8),
+        ("topology", _c.c_uint8),
+        ("discoveredDevices", _c.c_uint16),
+        ("discoveredTargets", _c.c_uint16),
+        ("deviceName", _c.c_char * 32),
+        ("currentSpeed", _c.c_uint8),
+        ("reserved51", _c.c_uint8 * 3),
+        ("maxFrameSize", _c.c_uint16),
+        ("bbCredits", _c.c_uint16),
+        ("npivMaximum", _c.c_uint16),
+        ("npivInUse", _c.c_uint16),
+        ("supportedSpeeds", _c.c_uint8),
+        ("reserved63", _c.c_uint8 * 19),
+        ("maxTargets", _c.c_uint16),
+        ("maxLunsPerTarget", _c.c_uint16),
+        ("executionThrottle", _c.c_uint16),
+        ("reserved88", _c.c_uint16),
+        ("loginTimeout", _c.c_uint16),
+        ("linkDownTimeout", _c.c_uint16),
+        ("portDownRetry", _c.c_uint16),
+        ("reserved96", _c.c_uint16),
+        ("transceiverType", _c.c_uint8 * 2),
+        ("fecActive", _c.c_uint8),
+        ("trunkState", _c.c_uint8),
+        ("featureMask", _c.c_uint32),
+        ("nvmeEnabled", _c.c_uint8),
+        ("fcpEnabled", _c.c_uint8),
+        ("diagnosticState", _c.c_uint8),
+        ("reserved109", _c.c_uint8 * 3),
     ]
 
 
-class HX_CHIP_PROPERTY(Structure):
+class HX_CHIP_PROPERTY(_c.Structure):
     """80 bytes."""
     vendorId: int
     deviceId: int
@@ -963,40 +958,40 @@ class HX_CHIP_PROPERTY(Structure):
     subsystemDeviceId: int
     revision: int
     classWord: int
-    baseAddresses: ctypes.Array[Any]
+    baseAddresses: _c.Array[_t.Any]
     pciCommand: int
     pciStatus: int
-    reserved32: ctypes.Array[Any]
+    reserved32: _c.Array[_t.Any]
     linkCapabilities: int
     linkStatus: int
     busLocation: int
     functionBits: int
     flashRegionFlag: int
     flashRegionCode: int
-    reserved59: ctypes.Array[Any]
+    reserved59: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("vendorId", c_uint16),
-        ("deviceId", c_uint16),
-        ("subsystemVendorId", c_uint16),
-        ("subsystemDeviceId", c_uint16),
-        ("revision", c_uint16),
-        ("classWord", c_uint16),
-        ("baseAddresses", c_uint32 * 4),
-        ("pciCommand", c_uint16),
-        ("pciStatus", c_uint16),
-        ("reserved32", c_uint8 * 16),
-        ("linkCapabilities", c_uint16),
-        ("linkStatus", c_uint16),
-        ("busLocation", c_uint32),
-        ("functionBits", c_uint8),
-        ("flashRegionFlag", c_uint8),
-        ("flashRegionCode", c_uint8),
-        ("reserved59", c_uint8 * 21),
+        ("vendorId", _c.c_uint16),
+        ("deviceId", _c.c_uint16),
+        ("subsystemVendorId", _c.c_uint16),
+        ("subsystemDeviceId", _c.c_uint16),
+        ("revision", _c.c_uint16),
+        ("classWord", _c.c_uint16),
+        ("baseAddresses", _c.c_uint32 * 4),
+        ("pciCommand", _c.c_uint16),
+        ("pciStatus", _c.c_uint16),
+        ("reserved32", _c.c_uint8 * 16),
+        ("linkCapabilities", _c.c_uint16),
+        ("linkStatus", _c.c_uint16),
+        ("busLocation", _c.c_uint32),
+        ("functionBits", _c.c_uint8),
+        ("flashRegionFlag", _c.c_uint8),
+        ("flashRegionCode", _c.c_uint8),
+        ("reserved59", _c.c_uint8 * 21),
     ]
 
 
-class HX_DRIVER_PROPERTY(Structure):
+class HX_DRIVER_PROPERTY(_c.Structure):
     """74 bytes."""
     version: bytes
     driverModel: int
@@ -1006,307 +1001,307 @@ class HX_DRIVER_PROPERTY(Structure):
     maxQueueDepth: int
     interruptMode: int
     numberOfPorts: int
-    buildText: ctypes.Array[Any]
+    buildText: _c.Array[_t.Any]
     buildNumber: int
     _pack_ = 1
     _fields_ = [
-        ("version", c_char * 32),
-        ("driverModel", c_uint16),
-        ("driverModelRevision", c_uint16),
-        ("maxScatterGather", c_uint16),
-        ("maxTransferLength", c_uint64),
-        ("maxQueueDepth", c_uint16),
-        ("interruptMode", c_uint16),
-        ("numberOfPorts", c_uint32),
-        ("buildText", c_uint8 * 16),
-        ("buildNumber", c_uint32),
+        ("version", _c.c_char * 32),
+        ("driverModel", _c.c_uint16),
+        ("driverModelRevision", _c.c_uint16),
+        ("maxScatterGather", _c.c_uint16),
+        ("maxTransferLength", _c.c_uint64),
+        ("maxQueueDepth", _c.c_uint16),
+        ("interruptMode", _c.c_uint16),
+        ("numberOfPorts", _c.c_uint32),
+        ("buildText", _c.c_uint8 * 16),
+        ("buildNumber", _c.c_uint32),
     ]
 
 
-class HX_FIRMWARE_PROPERTY(Structure):
+class HX_FIRMWARE_PROPERTY(_c.Structure):
     """40 bytes."""
     version: bytes
     attributes: int
     activationAttributes: int
     _pack_ = 1
     _fields_ = [
-        ("version", c_char * 32),
-        ("attributes", c_uint32),
-        ("activationAttributes", c_uint32),
+        ("version", _c.c_char * 32),
+        ("attributes", _c.c_uint32),
+        ("activationAttributes", _c.c_uint32),
     ]
 
 
-class HX_SCSI_PORT(Structure):
+class HX_SCSI_PORT(_c.Structure):
     """264 bytes."""
     scsiPort: int
     familyDriver: int
     driver: bytes
     _pack_ = 1
     _fields_ = [
-        ("scsiPort", c_uint32),
-        ("familyDriver", c_uint32),
-        ("driver", c_char * 256),
+        ("scsiPort", _c.c_uint32),
+        ("familyDriver", _c.c_uint32),
+        ("driver", _c.c_char * 256),
     ]
 
 
-class HX_EVENT(Structure):
+class HX_EVENT(_c.Structure):
     """16 bytes."""
     type: int
-    data: ctypes.Array[Any]
+    data: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("type", c_uint32),
-        ("data", c_uint32 * 3),
+        ("type", _c.c_uint32),
+        ("data", _c.c_uint32 * 3),
     ]
 
 
-class HX_SCSI_ADDRESS(Structure):
+class HX_SCSI_ADDRESS(_c.Structure):
     """12 bytes."""
     type: int
-    address: ctypes.Array[Any]
+    address: _c.Array[_t.Any]
     lun: int
     _pack_ = 1
     _fields_ = [
-        ("type", c_uint16),
-        ("address", c_uint8 * 8),
-        ("lun", c_uint16),
+        ("type", _c.c_uint16),
+        ("address", _c.c_uint8 * 8),
+        ("lun", _c.c_uint16),
     ]
 
 
-class HX_LOOPBACK_RESULT(Structure):
+class HX_LOOPBACK_RESULT(_c.Structure):
     """48 bytes."""
     completion: int
-    firmware: ctypes.Array[Any]
+    firmware: _c.Array[_t.Any]
     value32: int
-    reserved: ctypes.Array[Any]
+    reserved: _c.Array[_t.Any]
     value40: int
     _pack_ = 1
     _fields_ = [
-        ("completion", c_uint16),
-        ("firmware", c_uint8 * 30),
-        ("value32", c_uint32),
-        ("reserved", c_uint8 * 4),
-        ("value40", c_uint64),
+        ("completion", _c.c_uint16),
+        ("firmware", _c.c_uint8 * 30),
+        ("value32", _c.c_uint32),
+        ("reserved", _c.c_uint8 * 4),
+        ("value40", _c.c_uint64),
     ]
 
 
-class HX_LOOPBACK_EX_RESULT(Structure):
+class HX_LOOPBACK_EX_RESULT(_c.Structure):
     """12 bytes."""
     completion: int
-    counters: ctypes.Array[Any]
+    counters: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("completion", c_uint16),
-        ("counters", c_uint16 * 5),
+        ("completion", _c.c_uint16),
+        ("counters", _c.c_uint16 * 5),
     ]
 
 
-class HX_DPORT_RESULT(Structure):
+class HX_DPORT_RESULT(_c.Structure):
     """72 bytes."""
-    bytes: ctypes.Array[Any]
+    bytes: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("bytes", c_uint8 * 72),
+        ("bytes", _c.c_uint8 * 72),
     ]
 
 
-class HX_DPORT_RESULT_EX2(Structure):
+class HX_DPORT_RESULT_EX2(_c.Structure):
     """1088 bytes."""
-    bytes: ctypes.Array[Any]
+    bytes: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("bytes", c_uint8 * 1088),
+        ("bytes", _c.c_uint8 * 1088),
     ]
 
 
-class HX_TARGET_ENTRY(Structure):
+class HX_TARGET_ENTRY(_c.Structure):
     """32 bytes."""
     targetNumber: int
     bus: int
     target: int
-    reserved4: ctypes.Array[Any]
+    reserved4: _c.Array[_t.Any]
     bindingFlags: int
     reserved9: int
     lunBase: int
-    portId: ctypes.Array[Any]
+    portId: _c.Array[_t.Any]
     reserved15: int
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("targetNumber", c_uint16),
-        ("bus", c_uint8),
-        ("target", c_uint8),
-        ("reserved4", c_uint8 * 4),
-        ("bindingFlags", c_uint8),
-        ("reserved9", c_uint8),
-        ("lunBase", c_uint16),
-        ("portId", c_uint8 * 3),
-        ("reserved15", c_uint8),
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
+        ("targetNumber", _c.c_uint16),
+        ("bus", _c.c_uint8),
+        ("target", _c.c_uint8),
+        ("reserved4", _c.c_uint8 * 4),
+        ("bindingFlags", _c.c_uint8),
+        ("reserved9", _c.c_uint8),
+        ("lunBase", _c.c_uint16),
+        ("portId", _c.c_uint8 * 3),
+        ("reserved15", _c.c_uint8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
     ]
 
 
-class HX_TARGET_DATA(Structure):
+class HX_TARGET_DATA(_c.Structure):
     """8224 bytes."""
     header: int
     count: int
-    reserved4: ctypes.Array[Any]
-    entries: ctypes.Array[Any]
+    reserved4: _c.Array[_t.Any]
+    entries: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("header", c_uint16),
-        ("count", c_uint16),
-        ("reserved4", c_uint8 * 28),
+        ("header", _c.c_uint16),
+        ("count", _c.c_uint16),
+        ("reserved4", _c.c_uint8 * 28),
         ("entries", HX_TARGET_ENTRY * 256),
     ]
 
 
-class HX_LUN_RECORD(Structure):
+class HX_LUN_RECORD(_c.Structure):
     """2080 bytes."""
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
-    reserved16: ctypes.Array[Any]
-    luns: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
+    reserved16: _c.Array[_t.Any]
+    luns: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
-        ("reserved16", c_uint8 * 16),
-        ("luns", c_uint8 * 2048),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("reserved16", _c.c_uint8 * 16),
+        ("luns", _c.c_uint8 * 2048),
     ]
 
 
-class HX_LUN_DATA(Structure):
+class HX_LUN_DATA(_c.Structure):
     """532512 bytes."""
     version: int
     count: int
-    reserved4: ctypes.Array[Any]
-    records: ctypes.Array[Any]
+    reserved4: _c.Array[_t.Any]
+    records: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("version", c_uint16),
-        ("count", c_uint16),
-        ("reserved4", c_uint8 * 28),
+        ("version", _c.c_uint16),
+        ("count", _c.c_uint16),
+        ("reserved4", _c.c_uint8 * 28),
         ("records", HX_LUN_RECORD * 256),
     ]
 
 
-class HX_WWN_LIST(Structure):
+class HX_WWN_LIST(_c.Structure):
     """2048 bytes."""
-    names: ctypes.Array[Any]
+    names: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("names", c_uint8 * 8 * 256),
+        ("names", _c.c_uint8 * 8 * 256),
     ]
 
 
-class HX_BUS_TARGET_LUN(Structure):
+class HX_BUS_TARGET_LUN(_c.Structure):
     """6 bytes."""
     bus: int
     target: int
     lun: int
     _pack_ = 1
     _fields_ = [
-        ("bus", c_uint16),
-        ("target", c_uint16),
-        ("lun", c_uint16),
+        ("bus", _c.c_uint16),
+        ("target", _c.c_uint16),
+        ("lun", _c.c_uint16),
     ]
 
 
-class HX_DEVICE_RECORD(Structure):
+class HX_DEVICE_RECORD(_c.Structure):
     """290 bytes."""
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     bindingFlags: int
     bus: int
     target: int
     lun: int
-    symbolicName: ctypes.Array[Any]
+    symbolicName: _c.Array[_t.Any]
     roleAndState: int
     targetNumber: int
     portFlags: int
-    reserved162: ctypes.Array[Any]
+    reserved162: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("bindingFlags", c_uint8),
-        ("bus", c_uint16),
-        ("target", c_uint16),
-        ("lun", c_uint16),
-        ("symbolicName", c_uint8 * 128),
-        ("roleAndState", c_uint32),
-        ("targetNumber", c_uint16),
-        ("portFlags", c_uint16),
-        ("reserved162", c_uint8 * 128),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("bindingFlags", _c.c_uint8),
+        ("bus", _c.c_uint16),
+        ("target", _c.c_uint16),
+        ("lun", _c.c_uint16),
+        ("symbolicName", _c.c_uint8 * 128),
+        ("roleAndState", _c.c_uint32),
+        ("targetNumber", _c.c_uint16),
+        ("portFlags", _c.c_uint16),
+        ("reserved162", _c.c_uint8 * 128),
     ]
 
 
-class HX_PORT_DATABASE(Structure):
+class HX_PORT_DATABASE(_c.Structure):
     """8 bytes."""
     type: int
     count: int
     reserved6: int
     _pack_ = 1
     _fields_ = [
-        ("type", c_uint32),
-        ("count", c_uint16),
-        ("reserved6", c_uint16),
+        ("type", _c.c_uint32),
+        ("count", _c.c_uint16),
+        ("reserved6", _c.c_uint16),
     ]
 
 
-class HX_DISCOVERED_DEVICE(Structure):
+class HX_DISCOVERED_DEVICE(_c.Structure):
     """26 bytes."""
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     bindingFlags: int
     bus: int
     target: int
     lun: int
     _pack_ = 1
     _fields_ = [
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("bindingFlags", c_uint8),
-        ("bus", c_uint16),
-        ("target", c_uint16),
-        ("lun", c_uint16),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("bindingFlags", _c.c_uint8),
+        ("bus", _c.c_uint16),
+        ("target", _c.c_uint16),
+        ("lun", _c.c_uint16),
     ]
 
 
-class HX_DISCOVERED_PORT(Structure):
+class HX_DISCOVERED_PORT(_c.Structure):
     """60 bytes."""
     device: HX_DISCOVERED_DEVICE
-    reserved26: ctypes.Array[Any]
+    reserved26: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
         ("device", HX_DISCOVERED_DEVICE),
-        ("reserved26", c_uint8 * 34),
+        ("reserved26", _c.c_uint8 * 34),
     ]
 
 
-class HX_DISCOVERED_TARGET(Structure):
+class HX_DISCOVERED_TARGET(_c.Structure):
     """64 bytes."""
     device: HX_DISCOVERED_DEVICE
-    reserved26: ctypes.Array[Any]
+    reserved26: _c.Array[_t.Any]
     numberOfLuns: int
-    reserved32: ctypes.Array[Any]
+    reserved32: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
         ("device", HX_DISCOVERED_DEVICE),
-        ("reserved26", c_uint8 * 2),
-        ("numberOfLuns", c_uint32),
-        ("reserved32", c_uint8 * 32),
+        ("reserved26", _c.c_uint8 * 2),
+        ("numberOfLuns", _c.c_uint32),
+        ("reserved32", _c.c_uint8 * 32),
     ]
 
 
-class HX_STATISTICS(Structure):
+class HX_STATISTICS(_c.Structure):
     """112 bytes."""
     secondsSinceReset: int
     txFrames: int
@@ -1320,66 +1315,66 @@ class HX_STATISTICS(Structure):
     primitiveSequenceErrors: int
     invalidTransmissionWords: int
     invalidCrcs: int
-    reserved: ctypes.Array[Any]
+    reserved: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("secondsSinceReset", c_uint32),
-        ("txFrames", c_uint32),
-        ("rxFrames", c_uint32),
-        ("txWords", c_uint32),
-        ("rxWords", c_uint32),
-        ("lipCount", c_uint32),
-        ("linkFailures", c_uint32),
-        ("lossesOfSync", c_uint32),
-        ("lossesOfSignal", c_uint32),
-        ("primitiveSequenceErrors", c_uint32),
-        ("invalidTransmissionWords", c_uint32),
-        ("invalidCrcs", c_uint32),
-        ("reserved", c_uint32 * 16),
+        ("secondsSinceReset", _c.c_uint32),
+        ("txFrames", _c.c_uint32),
+        ("rxFrames", _c.c_uint32),
+        ("txWords", _c.c_uint32),
+        ("rxWords", _c.c_uint32),
+        ("lipCount", _c.c_uint32),
+        ("linkFailures", _c.c_uint32),
+        ("lossesOfSync", _c.c_uint32),
+        ("lossesOfSignal", _c.c_uint32),
+        ("primitiveSequenceErrors", _c.c_uint32),
+        ("invalidTransmissionWords", _c.c_uint32),
+        ("invalidCrcs", _c.c_uint32),
+        ("reserved", _c.c_uint32 * 16),
     ]
 
 
-class HX_MGMT_ADDRESS(Structure):
+class HX_MGMT_ADDRESS(_c.Structure):
     """52 bytes."""
-    portName: ctypes.Array[Any]
-    reserved8: ctypes.Array[Any]
-    unitType: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
-    attachedNodes: ctypes.Array[Any]
-    ipVersion: ctypes.Array[Any]
-    udpPort: ctypes.Array[Any]
-    ipAddress: ctypes.Array[Any]
-    reserved48: ctypes.Array[Any]
-    topologyDiscoveryFlags: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    reserved8: _c.Array[_t.Any]
+    unitType: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
+    attachedNodes: _c.Array[_t.Any]
+    ipVersion: _c.Array[_t.Any]
+    udpPort: _c.Array[_t.Any]
+    ipAddress: _c.Array[_t.Any]
+    reserved48: _c.Array[_t.Any]
+    topologyDiscoveryFlags: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("reserved8", c_uint8 * 8),
-        ("unitType", c_uint8 * 4),
-        ("portId", c_uint8 * 4),
-        ("attachedNodes", c_uint8 * 4),
-        ("ipVersion", c_uint8 * 2),
-        ("udpPort", c_uint8 * 2),
-        ("ipAddress", c_uint8 * 16),
-        ("reserved48", c_uint8 * 2),
-        ("topologyDiscoveryFlags", c_uint8 * 2),
+        ("portName", _c.c_uint8 * 8),
+        ("reserved8", _c.c_uint8 * 8),
+        ("unitType", _c.c_uint8 * 4),
+        ("portId", _c.c_uint8 * 4),
+        ("attachedNodes", _c.c_uint8 * 4),
+        ("ipVersion", _c.c_uint8 * 2),
+        ("udpPort", _c.c_uint8 * 2),
+        ("ipAddress", _c.c_uint8 * 16),
+        ("reserved48", _c.c_uint8 * 2),
+        ("topologyDiscoveryFlags", _c.c_uint8 * 2),
     ]
 
 
-class HX_MGMT_ADDRESS_SETTING(Structure):
+class HX_MGMT_ADDRESS_SETTING(_c.Structure):
     """20 bytes."""
-    ipVersion: ctypes.Array[Any]
-    udpPort: ctypes.Array[Any]
-    ipAddress: ctypes.Array[Any]
+    ipVersion: _c.Array[_t.Any]
+    udpPort: _c.Array[_t.Any]
+    ipAddress: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("ipVersion", c_uint8 * 2),
-        ("udpPort", c_uint8 * 2),
-        ("ipAddress", c_uint8 * 16),
+        ("ipVersion", _c.c_uint8 * 2),
+        ("udpPort", _c.c_uint8 * 2),
+        ("ipAddress", _c.c_uint8 * 16),
     ]
 
 
-class HX_PORT_STATISTICS(Structure):
+class HX_PORT_STATISTICS(_c.Structure):
     """136 bytes."""
     secondsSinceReset: int
     txFrames: int
@@ -1400,27 +1395,27 @@ class HX_PORT_STATISTICS(Structure):
     uncorrectableFecBlocks: int
     _pack_ = 1
     _fields_ = [
-        ("secondsSinceReset", c_uint64),
-        ("txFrames", c_uint64),
-        ("txWords", c_uint64),
-        ("rxFrames", c_uint64),
-        ("rxWords", c_uint64),
-        ("lipCount", c_uint64),
-        ("nosCount", c_uint64),
-        ("errorFrames", c_uint64),
-        ("dumpedFrames", c_uint64),
-        ("linkFailures", c_uint64),
-        ("lossesOfSync", c_uint64),
-        ("lossesOfSignal", c_uint64),
-        ("primitiveSequenceErrors", c_uint64),
-        ("invalidTransmissionWords", c_uint64),
-        ("invalidCrcs", c_uint64),
-        ("correctedFecBlocks", c_uint64),
-        ("uncorrectableFecBlocks", c_uint64),
+        ("secondsSinceReset", _c.c_uint64),
+        ("txFrames", _c.c_uint64),
+        ("txWords", _c.c_uint64),
+        ("rxFrames", _c.c_uint64),
+        ("rxWords", _c.c_uint64),
+        ("lipCount", _c.c_uint64),
+        ("nosCount", _c.c_uint64),
+        ("errorFrames", _c.c_uint64),
+        ("dumpedFrames", _c.c_uint64),
+        ("linkFailures", _c.c_uint64),
+        ("lossesOfSync", _c.c_uint64),
+        ("lossesOfSignal", _c.c_uint64),
+        ("primitiveSequenceErrors", _c.c_uint64),
+        ("invalidTransmissionWords", _c.c_uint64),
+        ("invalidCrcs", _c.c_uint64),
+        ("correctedFecBlocks", _c.c_uint64),
+        ("uncorrectableFecBlocks", _c.c_uint64),
     ]
 
 
-class HX_PROTOCOL_STATISTICS(Structure):
+class HX_PROTOCOL_STATISTICS(_c.Structure):
     """40 bytes."""
     inputRequests: int
     outputRequests: int
@@ -1429,15 +1424,15 @@ class HX_PROTOCOL_STATISTICS(Structure):
     outputBytes: int
     _pack_ = 1
     _fields_ = [
-        ("inputRequests", c_uint64),
-        ("outputRequests", c_uint64),
-        ("controlRequests", c_uint64),
-        ("inputBytes", c_uint64),
-        ("outputBytes", c_uint64),
+        ("inputRequests", _c.c_uint64),
+        ("outputRequests", _c.c_uint64),
+        ("controlRequests", _c.c_uint64),
+        ("inputBytes", _c.c_uint64),
+        ("outputBytes", _c.c_uint64),
     ]
 
 
-class HX_PORT_STATISTICS_V2(Structure):
+class HX_PORT_STATISTICS_V2(_c.Structure):
     """496 bytes."""
     port: HX_PORT_STATISTICS
     fcp: HX_PROTOCOL_STATISTICS
@@ -1462,37 +1457,37 @@ class HX_PORT_STATISTICS_V2(Structure):
     fpinsReceived: int
     flogis: int
     plogis: int
-    reserved376: ctypes.Array[Any]
+    reserved376: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
         ("port", HX_PORT_STATISTICS),
         ("fcp", HX_PROTOCOL_STATISTICS),
         ("nvme", HX_PROTOCOL_STATISTICS),
-        ("txCreditZero", c_uint64),
-        ("txCreditZeroTime", c_uint64),
-        ("linkResetsSent", c_uint64),
-        ("linkResetsReceived", c_uint64),
-        ("txCreditsRecovered", c_uint64),
-        ("rxCreditsRecovered", c_uint64),
-        ("rxBufferFull", c_uint64),
-        ("framesTimedOut", c_uint64),
-        ("abtsSent", c_uint64),
-        ("abtsReceived", c_uint64),
-        ("exchangesTimedOut", c_uint64),
-        ("exchangesRetried", c_uint64),
-        ("taskSetFull", c_uint64),
-        ("logoutsReceived", c_uint64),
-        ("lsRejects", c_uint64),
-        ("busyReplies", c_uint64),
-        ("rscnsReceived", c_uint64),
-        ("fpinsReceived", c_uint64),
-        ("flogis", c_uint64),
-        ("plogis", c_uint64),
-        ("reserved376", c_uint8 * 120),
+        ("txCreditZero", _c.c_uint64),
+        ("txCreditZeroTime", _c.c_uint64),
+        ("linkResetsSent", _c.c_uint64),
+        ("linkResetsReceived", _c.c_uint64),
+        ("txCreditsRecovered", _c.c_uint64),
+        ("rxCreditsRecovered", _c.c_uint64),
+        ("rxBufferFull", _c.c_uint64),
+        ("framesTimedOut", _c.c_uint64),
+        ("abtsSent", _c.c_uint64),
+        ("abtsReceived", _c.c_uint64),
+        ("exchangesTimedOut", _c.c_uint64),
+        ("exchangesRetried", _c.c_uint64),
+        ("taskSetFull", _c.c_uint64),
+        ("logoutsReceived", _c.c_uint64),
+        ("lsRejects", _c.c_uint64),
+        ("busyReplies", _c.c_uint64),
+        ("rscnsReceived", _c.c_uint64),
+        ("fpinsReceived", _c.c_uint64),
+        ("flogis", _c.c_uint64),
+        ("plogis", _c.c_uint64),
+        ("reserved376", _c.c_uint8 * 120),
     ]
 
 
-class HX_FPIN_COUNTERS(Structure):
+class HX_FPIN_COUNTERS(_c.Structure):
     """120 bytes."""
     linkFailure: int
     lossOfSync: int
@@ -1511,25 +1506,25 @@ class HX_FPIN_COUNTERS(Structure):
     congestionOther: int
     _pack_ = 1
     _fields_ = [
-        ("linkFailure", c_uint64),
-        ("lossOfSync", c_uint64),
-        ("lossOfSignal", c_uint64),
-        ("primitiveSequenceError", c_uint64),
-        ("invalidTransmissionWord", c_uint64),
-        ("invalidCrc", c_uint64),
-        ("linkOther", c_uint64),
-        ("deliveryTimeout", c_uint64),
-        ("deliveryUnableToRoute", c_uint64),
-        ("deliveryOther", c_uint64),
-        ("congestionCleared", c_uint64),
-        ("lostCredit", c_uint64),
-        ("creditStall", c_uint64),
-        ("oversubscription", c_uint64),
-        ("congestionOther", c_uint64),
+        ("linkFailure", _c.c_uint64),
+        ("lossOfSync", _c.c_uint64),
+        ("lossOfSignal", _c.c_uint64),
+        ("primitiveSequenceError", _c.c_uint64),
+        ("invalidTransmissionWord", _c.c_uint64),
+        ("invalidCrc", _c.c_uint64),
+        ("linkOther", _c.c_uint64),
+        ("deliveryTimeout", _c.c_uint64),
+        ("deliveryUnableToRoute", _c.c_uint64),
+        ("deliveryOther", _c.c_uint64),
+        ("congestionCleared", _c.c_uint64),
+        ("lostCredit", _c.c_uint64),
+        ("creditStall", _c.c_uint64),
+        ("oversubscription", _c.c_uint64),
+        ("congestionOther", _c.c_uint64),
     ]
 
 
-class HX_PORT_SCM_STATISTICS(Structure):
+class HX_PORT_SCM_STATISTICS(_c.Structure):
     """136 bytes."""
     mark: int
     state: int
@@ -1537,14 +1532,14 @@ class HX_PORT_SCM_STATISTICS(Structure):
     lastEvent: int
     _pack_ = 1
     _fields_ = [
-        ("mark", c_uint32),
-        ("state", c_uint32),
+        ("mark", _c.c_uint32),
+        ("state", _c.c_uint32),
         ("fpins", HX_FPIN_COUNTERS),
-        ("lastEvent", c_uint64),
+        ("lastEvent", _c.c_uint64),
     ]
 
 
-class HX_LINK_ERRORS(Structure):
+class HX_LINK_ERRORS(_c.Structure):
     """24 bytes."""
     linkFailures: int
     lossesOfSync: int
@@ -1554,16 +1549,16 @@ class HX_LINK_ERRORS(Structure):
     invalidCrcs: int
     _pack_ = 1
     _fields_ = [
-        ("linkFailures", c_uint32),
-        ("lossesOfSync", c_uint32),
-        ("lossesOfSignal", c_uint32),
-        ("primitiveSequenceErrors", c_uint32),
-        ("invalidTransmissionWords", c_uint32),
-        ("invalidCrcs", c_uint32),
+        ("linkFailures", _c.c_uint32),
+        ("lossesOfSync", _c.c_uint32),
+        ("lossesOfSignal", _c.c_uint32),
+        ("primitiveSequenceErrors", _c.c_uint32),
+        ("invalidTransmissionWords", _c.c_uint32),
+        ("invalidCrcs", _c.c_uint32),
     ]
 
 
-class HX_SCM_STATISTICS(Structure):
+class HX_SCM_STATISTICS(_c.Structure):
     """512 bytes."""
     version: int
     state: int
@@ -1581,30 +1576,30 @@ class HX_SCM_STATISTICS(Structure):
     fpinsReceived: int
     lastEvent: int
     linkErrors: HX_LINK_ERRORS
-    reserved336: ctypes.Array[Any]
+    reserved336: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("version", c_uint32),
-        ("state", c_uint32),
-        ("secondsSinceReset", c_uint64),
+        ("version", _c.c_uint32),
+        ("state", _c.c_uint32),
+        ("secondsSinceReset", _c.c_uint64),
         ("fpins", HX_FPIN_COUNTERS),
         ("peerFpins", HX_FPIN_COUNTERS),
-        ("warningSignals", c_uint64),
-        ("alarmSignals", c_uint64),
-        ("throttledSeconds", c_uint64),
-        ("throttledRequests", c_uint64),
-        ("warningInterval", c_uint32),
-        ("alarmInterval", c_uint32),
-        ("severity", c_uint16),
-        ("allowedPercent", c_uint16),
-        ("fpinsReceived", c_uint32),
-        ("lastEvent", c_uint64),
+        ("warningSignals", _c.c_uint64),
+        ("alarmSignals", _c.c_uint64),
+        ("throttledSeconds", _c.c_uint64),
+        ("throttledRequests", _c.c_uint64),
+        ("warningInterval", _c.c_uint32),
+        ("alarmInterval", _c.c_uint32),
+        ("severity", _c.c_uint16),
+        ("allowedPercent", _c.c_uint16),
+        ("fpinsReceived", _c.c_uint32),
+        ("lastEvent", _c.c_uint64),
         ("linkErrors", HX_LINK_ERRORS),
-        ("reserved336", c_uint8 * 176),
+        ("reserved336", _c.c_uint8 * 176),
     ]
 
 
-class HX_PRIVATE_STATISTICS(Structure):
+class HX_PRIVATE_STATISTICS(_c.Structure):
     """512 bytes."""
     options: int
     counters: int
@@ -1628,78 +1623,78 @@ class HX_PRIVATE_STATISTICS(Structure):
     mailboxFailures: int
     firmwareResets: int
     linkDowns: int
-    reserved168: ctypes.Array[Any]
+    reserved168: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("options", c_uint32),
-        ("counters", c_uint32),
-        ("secondsSinceReset", c_uint64),
-        ("commandsStarted", c_uint64),
-        ("commandsCompleted", c_uint64),
-        ("commandsFailed", c_uint64),
-        ("commandsAborted", c_uint64),
-        ("commandsTimedOut", c_uint64),
-        ("commandsOutstanding", c_uint64),
-        ("commandsOutstandingMost", c_uint64),
-        ("queueFull", c_uint64),
-        ("busyRetries", c_uint64),
-        ("underruns", c_uint64),
-        ("overruns", c_uint64),
-        ("lunResets", c_uint64),
-        ("targetResets", c_uint64),
-        ("loginRetries", c_uint64),
-        ("interrupts", c_uint64),
-        ("mailboxCommands", c_uint64),
-        ("mailboxFailures", c_uint64),
-        ("firmwareResets", c_uint64),
-        ("linkDowns", c_uint64),
-        ("reserved168", c_uint8 * 344),
+        ("options", _c.c_uint32),
+        ("counters", _c.c_uint32),
+        ("secondsSinceReset", _c.c_uint64),
+        ("commandsStarted", _c.c_uint64),
+        ("commandsCompleted", _c.c_uint64),
+        ("commandsFailed", _c.c_uint64),
+        ("commandsAborted", _c.c_uint64),
+        ("commandsTimedOut", _c.c_uint64),
+        ("commandsOutstanding", _c.c_uint64),
+        ("commandsOutstandingMost", _c.c_uint64),
+        ("queueFull", _c.c_uint64),
+        ("busyRetries", _c.c_uint64),
+        ("underruns", _c.c_uint64),
+        ("overruns", _c.c_uint64),
+        ("lunResets", _c.c_uint64),
+        ("targetResets", _c.c_uint64),
+        ("loginRetries", _c.c_uint64),
+        ("interrupts", _c.c_uint64),
+        ("mailboxCommands", _c.c_uint64),
+        ("mailboxFailures", _c.c_uint64),
+        ("firmwareResets", _c.c_uint64),
+        ("linkDowns", _c.c_uint64),
+        ("reserved168", _c.c_uint8 * 344),
     ]
 
 
-class HX_PRIVATE_STATISTICS_EX(Structure):
+class HX_PRIVATE_STATISTICS_EX(_c.Structure):
     """512 bytes."""
     options: int
     buckets: int
     secondsSinceReset: int
-    reads: ctypes.Array[Any]
-    writes: ctypes.Array[Any]
+    reads: _c.Array[_t.Any]
+    writes: _c.Array[_t.Any]
     readTime: int
     writeTime: int
     longestRead: int
     longestWrite: int
-    reserved432: ctypes.Array[Any]
+    reserved432: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("options", c_uint32),
-        ("buckets", c_uint32),
-        ("secondsSinceReset", c_uint64),
-        ("reads", c_uint64 * 24),
-        ("writes", c_uint64 * 24),
-        ("readTime", c_uint64),
-        ("writeTime", c_uint64),
-        ("longestRead", c_uint64),
-        ("longestWrite", c_uint64),
-        ("reserved432", c_uint8 * 80),
+        ("options", _c.c_uint32),
+        ("buckets", _c.c_uint32),
+        ("secondsSinceReset", _c.c_uint64),
+        ("reads", _c.c_uint64 * 24),
+        ("writes", _c.c_uint64 * 24),
+        ("readTime", _c.c_uint64),
+        ("writeTime", _c.c_uint64),
+        ("longestRead", _c.c_uint64),
+        ("longestWrite", _c.c_uint64),
+        ("reserved432", _c.c_uint8 * 80),
     ]
 
 
-class HX_POSITIONAL_MAP(Structure):
+class HX_POSITIONAL_MAP(_c.Structure):
     """128 bytes."""
     count: int
-    alPa: ctypes.Array[Any]
+    alPa: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("count", c_uint8),
-        ("alPa", c_uint8 * 127),
+        ("count", _c.c_uint8),
+        ("alPa", _c.c_uint8 * 127),
     ]
 
 
-class HX_REMOTE_PORT(Structure):
+class HX_REMOTE_PORT(_c.Structure):
     """128 bytes."""
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     state: int
     roles: int
     flags: int
@@ -1711,7 +1706,7 @@ class HX_REMOTE_PORT(Structure):
     sequences: int
     speed: int
     highestSpeed: int
-    reserved38: ctypes.Array[Any]
+    reserved38: _c.Array[_t.Any]
     temperature: int
     voltage: int
     bias: int
@@ -1725,40 +1720,40 @@ class HX_REMOTE_PORT(Structure):
     symbolicName: bytes
     _pack_ = 1
     _fields_ = [
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("state", c_uint8),
-        ("roles", c_uint16),
-        ("flags", c_uint16),
-        ("bus", c_uint16),
-        ("target", c_uint16),
-        ("loopId", c_uint16),
-        ("maxFrameSize", c_uint16),
-        ("bbCredits", c_uint16),
-        ("sequences", c_uint16),
-        ("speed", c_uint8),
-        ("highestSpeed", c_uint8),
-        ("reserved38", c_uint8 * 2),
-        ("temperature", c_int16),
-        ("voltage", c_uint16),
-        ("bias", c_uint16),
-        ("txPower", c_uint16),
-        ("rxPower", c_uint16),
-        ("transceiverFlags", c_uint16),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("state", _c.c_uint8),
+        ("roles", _c.c_uint16),
+        ("flags", _c.c_uint16),
+        ("bus", _c.c_uint16),
+        ("target", _c.c_uint16),
+        ("loopId", _c.c_uint16),
+        ("maxFrameSize", _c.c_uint16),
+        ("bbCredits", _c.c_uint16),
+        ("sequences", _c.c_uint16),
+        ("speed", _c.c_uint8),
+        ("highestSpeed", _c.c_uint8),
+        ("reserved38", _c.c_uint8 * 2),
+        ("temperature", _c.c_int16),
+        ("voltage", _c.c_uint16),
+        ("bias", _c.c_uint16),
+        ("txPower", _c.c_uint16),
+        ("rxPower", _c.c_uint16),
+        ("transceiverFlags", _c.c_uint16),
         ("errors", HX_LINK_ERRORS),
-        ("correctedFecBlocks", c_uint32),
-        ("uncorrectableFecBlocks", c_uint32),
-        ("secondsOnline", c_uint32),
-        ("symbolicName", c_char * 40),
+        ("correctedFecBlocks", _c.c_uint32),
+        ("uncorrectableFecBlocks", _c.c_uint32),
+        ("secondsOnline", _c.c_uint32),
+        ("symbolicName", _c.c_char * 40),
     ]
 
 
-class HX_SECURE_PORT(Structure):
+class HX_SECURE_PORT(_c.Structure):
     """72 bytes."""
-    portName: ctypes.Array[Any]
-    nodeName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    nodeName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     state: int
     authentication: int
     encryption: int
@@ -1772,30 +1767,30 @@ class HX_SECURE_PORT(Structure):
     secondsSinceRekey: int
     failures: int
     framesRefused: int
-    reserved64: ctypes.Array[Any]
+    reserved64: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("nodeName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("state", c_uint8),
-        ("authentication", c_uint8),
-        ("encryption", c_uint8),
-        ("directions", c_uint8),
-        ("rejectReason", c_uint8),
-        ("txSpi", c_uint32),
-        ("rxSpi", c_uint32),
-        ("txBytes", c_uint64),
-        ("rxBytes", c_uint64),
-        ("rekeys", c_uint32),
-        ("secondsSinceRekey", c_uint32),
-        ("failures", c_uint32),
-        ("framesRefused", c_uint32),
-        ("reserved64", c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("state", _c.c_uint8),
+        ("authentication", _c.c_uint8),
+        ("encryption", _c.c_uint8),
+        ("directions", _c.c_uint8),
+        ("rejectReason", _c.c_uint8),
+        ("txSpi", _c.c_uint32),
+        ("rxSpi", _c.c_uint32),
+        ("txBytes", _c.c_uint64),
+        ("rxBytes", _c.c_uint64),
+        ("rekeys", _c.c_uint32),
+        ("secondsSinceRekey", _c.c_uint32),
+        ("failures", _c.c_uint32),
+        ("framesRefused", _c.c_uint32),
+        ("reserved64", _c.c_uint8 * 8),
     ]
 
 
-class HX_TARGET_LINK_SPEED(Structure):
+class HX_TARGET_LINK_SPEED(_c.Structure):
     """8 bytes."""
     speed: int
     portSpeed: int
@@ -1803,23 +1798,23 @@ class HX_TARGET_LINK_SPEED(Structure):
     flags: int
     _pack_ = 1
     _fields_ = [
-        ("speed", c_uint16),
-        ("portSpeed", c_uint16),
-        ("highest", c_uint16),
-        ("flags", c_uint16),
+        ("speed", _c.c_uint16),
+        ("portSpeed", _c.c_uint16),
+        ("highest", _c.c_uint16),
+        ("flags", _c.c_uint16),
     ]
 
 
-class HX_LUN_QOS(Structure):
+class HX_LUN_QOS(_c.Structure):
     """256 bytes."""
-    levels: ctypes.Array[Any]
+    levels: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("levels", c_uint8 * 256),
+        ("levels", _c.c_uint8 * 256),
     ]
 
 
-class HX_NPIV_ATTRIBUTES(Structure):
+class HX_NPIV_ATTRIBUTES(_c.Structure):
     """56 bytes."""
     maximum: int
     inUse: int
@@ -1827,38 +1822,38 @@ class HX_NPIV_ATTRIBUTES(Structure):
     count: int
     first: int
     version: int
-    portName: ctypes.Array[Any]
-    nodeName: ctypes.Array[Any]
-    fabricName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    nodeName: _c.Array[_t.Any]
+    fabricName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     reserved43: int
     fdiscs: int
     fdiscRejects: int
-    reserved52: ctypes.Array[Any]
+    reserved52: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("maximum", c_uint16),
-        ("inUse", c_uint16),
-        ("flags", c_uint16),
-        ("count", c_uint16),
-        ("first", c_uint32),
-        ("version", c_uint32),
-        ("portName", c_uint8 * 8),
-        ("nodeName", c_uint8 * 8),
-        ("fabricName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("reserved43", c_uint8),
-        ("fdiscs", c_uint32),
-        ("fdiscRejects", c_uint32),
-        ("reserved52", c_uint8 * 4),
+        ("maximum", _c.c_uint16),
+        ("inUse", _c.c_uint16),
+        ("flags", _c.c_uint16),
+        ("count", _c.c_uint16),
+        ("first", _c.c_uint32),
+        ("version", _c.c_uint32),
+        ("portName", _c.c_uint8 * 8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("fabricName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("reserved43", _c.c_uint8),
+        ("fdiscs", _c.c_uint32),
+        ("fdiscRejects", _c.c_uint32),
+        ("reserved52", _c.c_uint8 * 4),
     ]
 
 
-class HX_VIRTUAL_PORT(Structure):
+class HX_VIRTUAL_PORT(_c.Structure):
     """56 bytes."""
-    portName: ctypes.Array[Any]
-    nodeName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    nodeName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     state: int
     index: int
     level: int
@@ -1869,25 +1864,25 @@ class HX_VIRTUAL_PORT(Structure):
     symbolicName: bytes
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("nodeName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("state", c_uint8),
-        ("index", c_uint16),
-        ("level", c_uint16),
-        ("targets", c_uint16),
-        ("rejectReason", c_uint8),
-        ("rejectExplanation", c_uint8),
-        ("secondsOnline", c_uint32),
-        ("symbolicName", c_char * 24),
+        ("portName", _c.c_uint8 * 8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("state", _c.c_uint8),
+        ("index", _c.c_uint16),
+        ("level", _c.c_uint16),
+        ("targets", _c.c_uint16),
+        ("rejectReason", _c.c_uint8),
+        ("rejectExplanation", _c.c_uint8),
+        ("secondsOnline", _c.c_uint32),
+        ("symbolicName", _c.c_char * 24),
     ]
 
 
-class HX_NVME_PORT(Structure):
+class HX_NVME_PORT(_c.Structure):
     """64 bytes."""
-    portName: ctypes.Array[Any]
-    nodeName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    nodeName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     roles: int
     state: int
     reserved21: int
@@ -1900,27 +1895,27 @@ class HX_NVME_PORT(Structure):
     lsErrors: int
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("nodeName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("roles", c_uint8),
-        ("state", c_uint8),
-        ("reserved21", c_uint8),
-        ("controllers", c_uint16),
-        ("namespaces", c_uint32),
-        ("secondsOnline", c_uint32),
-        ("readRequests", c_uint64),
-        ("writeRequests", c_uint64),
-        ("lsRequests", c_uint64),
-        ("lsErrors", c_uint64),
+        ("portName", _c.c_uint8 * 8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("roles", _c.c_uint8),
+        ("state", _c.c_uint8),
+        ("reserved21", _c.c_uint8),
+        ("controllers", _c.c_uint16),
+        ("namespaces", _c.c_uint32),
+        ("secondsOnline", _c.c_uint32),
+        ("readRequests", _c.c_uint64),
+        ("writeRequests", _c.c_uint64),
+        ("lsRequests", _c.c_uint64),
+        ("lsErrors", _c.c_uint64),
     ]
 
 
-class HX_NVME_TARGET(Structure):
+class HX_NVME_TARGET(_c.Structure):
     """1024 bytes."""
-    portName: ctypes.Array[Any]
-    nodeName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    portName: _c.Array[_t.Any]
+    nodeName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     kind: int
     index: int
     controllers: int
@@ -1938,95 +1933,95 @@ class HX_NVME_TARGET(Structure):
     associationId: int
     subsystemNqn: bytes
     hostNqn: bytes
-    hostId: ctypes.Array[Any]
+    hostId: _c.Array[_t.Any]
     serial: bytes
     model: bytes
     firmware: bytes
-    reserved660: ctypes.Array[Any]
+    reserved660: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("portName", c_uint8 * 8),
-        ("nodeName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("kind", c_uint8),
-        ("index", c_uint16),
-        ("controllers", c_uint16),
-        ("controllerId", c_uint16),
-        ("state", c_uint8),
-        ("flags", c_uint8),
-        ("namespaces", c_uint32),
-        ("version", c_uint32),
-        ("maxTransfer", c_uint32),
-        ("ioQueues", c_uint16),
-        ("queueDepth", c_uint16),
-        ("keepAlive", c_uint32),
-        ("lossTimeout", c_uint32),
-        ("reconnects", c_uint32),
-        ("associationId", c_uint64),
-        ("subsystemNqn", c_char * 256),
-        ("hostNqn", c_char * 256),
-        ("hostId", c_uint8 * 16),
-        ("serial", c_char * 20),
-        ("model", c_char * 40),
-        ("firmware", c_char * 8),
-        ("reserved660", c_uint8 * 364),
+        ("portName", _c.c_uint8 * 8),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("kind", _c.c_uint8),
+        ("index", _c.c_uint16),
+        ("controllers", _c.c_uint16),
+        ("controllerId", _c.c_uint16),
+        ("state", _c.c_uint8),
+        ("flags", _c.c_uint8),
+        ("namespaces", _c.c_uint32),
+        ("version", _c.c_uint32),
+        ("maxTransfer", _c.c_uint32),
+        ("ioQueues", _c.c_uint16),
+        ("queueDepth", _c.c_uint16),
+        ("keepAlive", _c.c_uint32),
+        ("lossTimeout", _c.c_uint32),
+        ("reconnects", _c.c_uint32),
+        ("associationId", _c.c_uint64),
+        ("subsystemNqn", _c.c_char * 256),
+        ("hostNqn", _c.c_char * 256),
+        ("hostId", _c.c_uint8 * 16),
+        ("serial", _c.c_char * 20),
+        ("model", _c.c_char * 40),
+        ("firmware", _c.c_char * 8),
+        ("reserved660", _c.c_uint8 * 364),
     ]
 
 
-class HX_NVME_NAMESPACE(Structure):
+class HX_NVME_NAMESPACE(_c.Structure):
     """64 bytes."""
     id: int
     blockSize: int
     blocks: int
     capacity: int
     used: int
-    eui64: ctypes.Array[Any]
-    nguid: ctypes.Array[Any]
+    eui64: _c.Array[_t.Any]
+    nguid: _c.Array[_t.Any]
     anaGroup: int
     anaState: int
     flags: int
     metadata: int
     _pack_ = 1
     _fields_ = [
-        ("id", c_uint32),
-        ("blockSize", c_uint32),
-        ("blocks", c_uint64),
-        ("capacity", c_uint64),
-        ("used", c_uint64),
-        ("eui64", c_uint8 * 8),
-        ("nguid", c_uint8 * 16),
-        ("anaGroup", c_uint32),
-        ("anaState", c_uint8),
-        ("flags", c_uint8),
-        ("metadata", c_uint16),
+        ("id", _c.c_uint32),
+        ("blockSize", _c.c_uint32),
+        ("blocks", _c.c_uint64),
+        ("capacity", _c.c_uint64),
+        ("used", _c.c_uint64),
+        ("eui64", _c.c_uint8 * 8),
+        ("nguid", _c.c_uint8 * 16),
+        ("anaGroup", _c.c_uint32),
+        ("anaState", _c.c_uint8),
+        ("flags", _c.c_uint8),
+        ("metadata", _c.c_uint16),
     ]
 
 
-class HX_FLASH_REGION(Structure):
+class HX_FLASH_REGION(_c.Structure):
     """8 bytes."""
     code: int
     size: int
     _pack_ = 1
     _fields_ = [
-        ("code", c_uint32),
-        ("size", c_uint32),
+        ("code", _c.c_uint32),
+        ("size", _c.c_uint32),
     ]
 
 
-class HX_FLASH_LAYOUT(Structure):
+class HX_FLASH_LAYOUT(_c.Structure):
     """2048 bytes."""
     size: int
     count: int
-    regions: ctypes.Array[Any]
+    regions: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("size", c_uint32),
-        ("count", c_uint32),
+        ("size", _c.c_uint32),
+        ("count", _c.c_uint32),
         ("regions", HX_FLASH_REGION * 255),
     ]
 
 
-class HX_FLASH_REGION_EX(Structure):
+class HX_FLASH_REGION_EX(_c.Structure):
     """16 bytes."""
     code: int
     flags: int
@@ -2036,29 +2031,29 @@ class HX_FLASH_REGION_EX(Structure):
     end: int
     _pack_ = 1
     _fields_ = [
-        ("code", c_uint16),
-        ("flags", c_uint8),
-        ("reserved3", c_uint8),
-        ("size", c_uint32),
-        ("start", c_uint32),
-        ("end", c_uint32),
+        ("code", _c.c_uint16),
+        ("flags", _c.c_uint8),
+        ("reserved3", _c.c_uint8),
+        ("size", _c.c_uint32),
+        ("start", _c.c_uint32),
+        ("end", _c.c_uint32),
     ]
 
 
-class HX_FLASH_LAYOUT_EX(Structure):
+class HX_FLASH_LAYOUT_EX(_c.Structure):
     """4088 bytes."""
     size: int
     count: int
-    regions: ctypes.Array[Any]
+    regions: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("size", c_uint32),
-        ("count", c_uint32),
+        ("size", _c.c_uint32),
+        ("count", _c.c_uint32),
         ("regions", HX_FLASH_REGION_EX * 255),
     ]
 
 
-class HX_COMPANION_REQUEST(Structure):
+class HX_COMPANION_REQUEST(_c.Structure):
     """16 bytes."""
     flags: int
     totalSize: int
@@ -2066,25 +2061,25 @@ class HX_COMPANION_REQUEST(Structure):
     capacity: int
     _pack_ = 1
     _fields_ = [
-        ("flags", c_uint32),
-        ("totalSize", c_uint32),
-        ("version", c_uint32),
-        ("capacity", c_uint32),
+        ("flags", _c.c_uint32),
+        ("totalSize", _c.c_uint32),
+        ("version", _c.c_uint32),
+        ("capacity", _c.c_uint32),
     ]
 
 
-class HX_VARIABLE_FIELD(Structure):
+class HX_VARIABLE_FIELD(_c.Structure):
     """4 bytes."""
     firstBit: int
     width: int
     _pack_ = 1
     _fields_ = [
-        ("firstBit", c_uint16),
-        ("width", c_uint16),
+        ("firstBit", _c.c_uint16),
+        ("width", _c.c_uint16),
     ]
 
 
-class HX_BBCR_DATA(Structure):
+class HX_BBCR_DATA(_c.Structure):
     """64 bytes."""
     state: int
     reason: int
@@ -2094,7 +2089,7 @@ class HX_BBCR_DATA(Structure):
     reserved5: int
     attachedCredit: int
     ownCredit: int
-    reserved10: ctypes.Array[Any]
+    reserved10: _c.Array[_t.Any]
     scsSent: int
     scrSent: int
     scsReceived: int
@@ -2103,25 +2098,25 @@ class HX_BBCR_DATA(Structure):
     framesLost: int
     _pack_ = 1
     _fields_ = [
-        ("state", c_uint8),
-        ("reason", c_uint8),
-        ("configured", c_uint8),
-        ("attached", c_uint8),
-        ("negotiated", c_uint8),
-        ("reserved5", c_uint8),
-        ("attachedCredit", c_uint16),
-        ("ownCredit", c_uint16),
-        ("reserved10", c_uint8 * 6),
-        ("scsSent", c_uint64),
-        ("scrSent", c_uint64),
-        ("scsReceived", c_uint64),
-        ("scrReceived", c_uint64),
-        ("creditsRecovered", c_uint64),
-        ("framesLost", c_uint64),
+        ("state", _c.c_uint8),
+        ("reason", _c.c_uint8),
+        ("configured", _c.c_uint8),
+        ("attached", _c.c_uint8),
+        ("negotiated", _c.c_uint8),
+        ("reserved5", _c.c_uint8),
+        ("attachedCredit", _c.c_uint16),
+        ("ownCredit", _c.c_uint16),
+        ("reserved10", _c.c_uint8 * 6),
+        ("scsSent", _c.c_uint64),
+        ("scrSent", _c.c_uint64),
+        ("scsReceived", _c.c_uint64),
+        ("scrReceived", _c.c_uint64),
+        ("creditsRecovered", _c.c_uint64),
+        ("framesLost", _c.c_uint64),
     ]
 
 
-class HX_BOARD_TEMPERATURE(Structure):
+class HX_BOARD_TEMPERATURE(_c.Structure):
     """16 bytes."""
     now: int
     warning: int
@@ -2132,17 +2127,17 @@ class HX_BOARD_TEMPERATURE(Structure):
     secondsAbove: int
     _pack_ = 1
     _fields_ = [
-        ("now", c_int16),
-        ("warning", c_int16),
-        ("critical", c_int16),
-        ("shutdown", c_int16),
-        ("highest", c_int16),
-        ("state", c_uint16),
-        ("secondsAbove", c_uint32),
+        ("now", _c.c_int16),
+        ("warning", _c.c_int16),
+        ("critical", _c.c_int16),
+        ("shutdown", _c.c_int16),
+        ("highest", _c.c_int16),
+        ("state", _c.c_uint16),
+        ("secondsAbove", _c.c_uint32),
     ]
 
 
-class HX_BEACON(Structure):
+class HX_BEACON(_c.Structure):
     """16 bytes."""
     on: int
     seconds: int
@@ -2150,14 +2145,14 @@ class HX_BEACON(Structure):
     supported: int
     _pack_ = 1
     _fields_ = [
-        ("on", c_uint32),
-        ("seconds", c_uint32),
-        ("leds", c_uint32),
-        ("supported", c_uint32),
+        ("on", _c.c_uint32),
+        ("seconds", _c.c_uint32),
+        ("leds", _c.c_uint32),
+        ("supported", _c.c_uint32),
     ]
 
 
-class HX_SERDES_LANE(Structure):
+class HX_SERDES_LANE(_c.Structure):
     """32 bytes."""
     lane: int
     speed: int
@@ -2171,28 +2166,28 @@ class HX_SERDES_LANE(Structure):
     eyeHeight: int
     eyeWidth: int
     ctle: int
-    dfe: ctypes.Array[Any]
-    reserved24: ctypes.Array[Any]
+    dfe: _c.Array[_t.Any]
+    reserved24: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("lane", c_uint8),
-        ("speed", c_uint8),
-        ("locked", c_uint8),
-        ("modulation", c_uint8),
-        ("txPre", c_int8),
-        ("txMain", c_int8),
-        ("txPost", c_int8),
-        ("reserved7", c_uint8),
-        ("txAmplitude", c_uint16),
-        ("eyeHeight", c_uint16),
-        ("eyeWidth", c_uint16),
-        ("ctle", c_int16),
-        ("dfe", c_int16 * 4),
-        ("reserved24", c_uint8 * 8),
+        ("lane", _c.c_uint8),
+        ("speed", _c.c_uint8),
+        ("locked", _c.c_uint8),
+        ("modulation", _c.c_uint8),
+        ("txPre", _c.c_int8),
+        ("txMain", _c.c_int8),
+        ("txPost", _c.c_int8),
+        ("reserved7", _c.c_uint8),
+        ("txAmplitude", _c.c_uint16),
+        ("eyeHeight", _c.c_uint16),
+        ("eyeWidth", _c.c_uint16),
+        ("ctle", _c.c_int16),
+        ("dfe", _c.c_int16 * 4),
+        ("reserved24", _c.c_uint8 * 8),
     ]
 
 
-class HX_OS_DEVICE(Structure):
+class HX_OS_DEVICE(_c.Structure):
     """72 bytes."""
     name: bytes
     type: int
@@ -2201,29 +2196,29 @@ class HX_OS_DEVICE(Structure):
     bus: int
     target: int
     lun: int
-    nodeName: ctypes.Array[Any]
-    portName: ctypes.Array[Any]
-    portId: ctypes.Array[Any]
+    nodeName: _c.Array[_t.Any]
+    portName: _c.Array[_t.Any]
+    portId: _c.Array[_t.Any]
     discovered: int
-    reserved: ctypes.Array[Any]
+    reserved: _c.Array[_t.Any]
     _pack_ = 1
     _fields_ = [
-        ("name", c_char * 32),
-        ("type", c_uint32),
-        ("number", c_uint32),
-        ("scsiPort", c_uint16),
-        ("bus", c_uint16),
-        ("target", c_uint16),
-        ("lun", c_uint16),
-        ("nodeName", c_uint8 * 8),
-        ("portName", c_uint8 * 8),
-        ("portId", c_uint8 * 3),
-        ("discovered", c_uint8),
-        ("reserved", c_uint8 * 4),
+        ("name", _c.c_char * 32),
+        ("type", _c.c_uint32),
+        ("number", _c.c_uint32),
+        ("scsiPort", _c.c_uint16),
+        ("bus", _c.c_uint16),
+        ("target", _c.c_uint16),
+        ("lun", _c.c_uint16),
+        ("nodeName", _c.c_uint8 * 8),
+        ("portName", _c.c_uint8 * 8),
+        ("portId", _c.c_uint8 * 3),
+        ("discovered", _c.c_uint8),
+        ("reserved", _c.c_uint8 * 4),
     ]
 
 
-class HX_VOLUME(Structure):
+class HX_VOLUME(_c.Structure):
     """344 bytes."""
     name: bytes
     path: bytes
@@ -2233,16 +2228,16 @@ class HX_VOLUME(Structure):
     bytesOnDisk: int
     _pack_ = 1
     _fields_ = [
-        ("name", c_char * 64),
-        ("path", c_char * 260),
-        ("extents", c_uint32),
-        ("extentsOnDisk", c_uint32),
-        ("reserved", c_uint32),
-        ("bytesOnDisk", c_uint64),
+        ("name", _c.c_char * 64),
+        ("path", _c.c_char * 260),
+        ("extents", _c.c_uint32),
+        ("extentsOnDisk", _c.c_uint32),
+        ("reserved", _c.c_uint32),
+        ("bytesOnDisk", _c.c_uint64),
     ]
 
 
-class HX_DISK_EXTENT(Structure):
+class HX_DISK_EXTENT(_c.Structure):
     """24 bytes."""
     disk: int
     reserved: int
@@ -2250,202 +2245,203 @@ class HX_DISK_EXTENT(Structure):
     length: int
     _pack_ = 1
     _fields_ = [
-        ("disk", c_uint32),
-        ("reserved", c_uint32),
-        ("offset", c_uint64),
-        ("length", c_uint64),
+        ("disk", _c.c_uint32),
+        ("reserved", _c.c_uint32),
+        ("offset", _c.c_uint64),
+        ("length", _c.c_uint64),
     ]
 
 
-class HX_DISK_VOLUME(Structure):
+class HX_DISK_VOLUME(_c.Structure):
     """352 bytes."""
     disk: int
     reserved: int
     volume: HX_VOLUME
     _pack_ = 1
     _fields_ = [
-        ("disk", c_uint32),
-        ("reserved", c_uint32),
+        ("disk", _c.c_uint32),
+        ("reserved", _c.c_uint32),
         ("volume", HX_VOLUME),
     ]
 
 
-HBA_REGISTERLIBRARY = CFUNCTYPE(c_uint32, POINTER(HBA_ENTRYPOINTS))
+HBA_REGISTERLIBRARY = _c.CFUNCTYPE(_c.c_uint32, _c.POINTER(HBA_ENTRYPOINTS))
+HX_FLASH_PROGRESS = _c.CFUNCTYPE(_c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_uint32, _c.c_uint32)
 
 
 class Functions:
     """The exports of a loaded library, each with its prototype from its first use on."""
 
-    GetDriverType: Callable[..., int]
-    HBA_RegisterLibrary: Callable[..., int]
-    HXAddTargetDevice: Callable[..., int]
-    HXCloseDevice: Callable[..., int]
-    HXDeletePersistentDeviceEntry: Callable[..., int]
-    HXDeletePersistentTargetEntry: Callable[..., int]
-    HXDisableAen: Callable[..., int]
-    HXDisableSmartSANFC: Callable[..., int]
-    HXEnableAen: Callable[..., int]
-    HXEnableDebugTrace: Callable[..., int]
-    HXEnableSmartSANFC: Callable[..., int]
-    HXEndFlashUpdate: Callable[..., int]
-    HXForceFcMctpDump: Callable[..., int]
-    HXForceFwDump: Callable[..., int]
-    HXForceZetaAEN: Callable[..., int]
-    HXGetActiveRegions: Callable[..., int]
-    HXGetAdapterLockdownState: Callable[..., int]
-    HXGetAen: Callable[..., int]
-    HXGetBBCRData: Callable[..., int]
-    HXGetBFSInfo: Callable[..., int]
-    HXGetBeaconControl: Callable[..., int]
-    HXGetBoardTemp: Callable[..., int]
-    HXGetDeviceNumber: Callable[..., int]
-    HXGetDiscPortProperty: Callable[..., int]
-    HXGetDiscTargetProperty: Callable[..., int]
-    HXGetDiskExtents: Callable[..., int]
-    HXGetDriverParameter: Callable[..., int]
-    HXGetErrorString: Callable[..., Any]
-    HXGetFCSerDesRegister: Callable[..., int]
-    HXGetFCSerDesRegisterEx: Callable[..., int]
-    HXGetFcDump: Callable[..., int]
-    HXGetFcDumpRaw: Callable[..., int]
-    HXGetFcMctpDump: Callable[..., int]
-    HXGetFlashUpdateCapabilities: Callable[..., int]
-    HXGetGlobalDevice: Callable[..., Any]
-    HXGetHbaDeviceChipProperty: Callable[..., int]
-    HXGetHbaDeviceDriverProperty: Callable[..., int]
-    HXGetHbaDeviceFirmwareProperty: Callable[..., int]
-    HXGetHbaDeviceNodeProperty: Callable[..., int]
-    HXGetHbaDeviceNodePropertyResync: Callable[..., int]
-    HXGetHbaDevicePortProperty: Callable[..., int]
-    HXGetHbaDevicePortPropertyV1: Callable[..., int]
-    HXGetHbaDevicePortPropertyV2: Callable[..., int]
-    HXGetHbaPortDisableInfo: Callable[..., int]
-    HXGetHbaTargetLunMask: Callable[..., int]
-    HXGetHbaTargetLunMaskFC: Callable[..., int]
-    HXGetLunData: Callable[..., int]
-    HXGetLunQos: Callable[..., int]
-    HXGetLunQosEnable: Callable[..., int]
-    HXGetMgmtAddress: Callable[..., int]
-    HXGetMiniDump: Callable[..., int]
-    HXGetMpiDumpRaw: Callable[..., int]
-    HXGetNPIVAttributes: Callable[..., int]
-    HXGetNVMeNSInfo: Callable[..., int]
-    HXGetNVMeTargetInfo: Callable[..., int]
-    HXGetNVRam: Callable[..., int]
-    HXGetOptionRom: Callable[..., int]
-    HXGetOptionRomEx: Callable[..., int]
-    HXGetOptionRomLayout: Callable[..., int]
-    HXGetOptionRomLayoutEx: Callable[..., int]
-    HXGetOptionRomOffset: Callable[..., int]
-    HXGetPersistentDeviceEntryList: Callable[..., int]
-    HXGetPersistentTargetEntryList: Callable[..., int]
-    HXGetPortDatabase: Callable[..., int]
-    HXGetPortSCMStatsFC: Callable[..., int]
-    HXGetPortStatisticsFC: Callable[..., int]
-    HXGetPortStatisticsFCV1: Callable[..., int]
-    HXGetPortStatisticsFCV2: Callable[..., int]
-    HXGetPositionalMap: Callable[..., int]
-    HXGetPrivStats: Callable[..., int]
-    HXGetPrivStatsEx: Callable[..., int]
-    HXGetQuarnI2CRegister: Callable[..., int]
-    HXGetRemotePortInfo: Callable[..., int]
-    HXGetSCMStatistics: Callable[..., int]
-    HXGetSFPData: Callable[..., int]
-    HXGetSecurePortInfo: Callable[..., int]
-    HXGetSmartSANStatusFC: Callable[..., int]
-    HXGetStatistics: Callable[..., int]
-    HXGetTargetData: Callable[..., int]
-    HXGetTargetIDMALinkSpeed: Callable[..., int]
-    HXGetVariableDescription: Callable[..., Any]
-    HXGetVariableFields: Callable[..., int]
-    HXGetVariableValue: Callable[..., int]
-    HXGetVersion: Callable[..., int]
-    HXGetVpd: Callable[..., int]
-    HXIsVariableReadOnly: Callable[..., int]
-    HXListDiskVolumes: Callable[..., int]
-    HXListOsDevices: Callable[..., int]
-    HXListScsiPorts: Callable[..., int]
-    HXLoadSFPFirmware: Callable[..., int]
-    HXMailboxPassthru: Callable[..., int]
-    HXMapScsiTargetToVolumes: Callable[..., int]
-    HXMapVolumeToScsiTarget: Callable[..., int]
-    HXOnlineActivateFlashUpdate: Callable[..., int]
-    HXOpenDevice: Callable[..., int]
-    HXOpenScsiPort: Callable[..., int]
-    HXOrvoMgt: Callable[..., int]
-    HXRGetNVMeInfo: Callable[..., int]
-    HXReadSFPData: Callable[..., int]
-    HXReadSerdesParams: Callable[..., int]
-    HXReloadNvramAndInitFw: Callable[..., int]
-    HXRemoveDevice: Callable[..., int]
-    HXResetStatistics: Callable[..., int]
-    HXRunDiagLoopback: Callable[..., int]
-    HXRunDiagLoopbackEx: Callable[..., int]
-    HXRunDportDiag: Callable[..., int]
-    HXRunDportDiagEx: Callable[..., int]
-    HXRunDportDiagEx2: Callable[..., int]
-    HXSendCTPassThru: Callable[..., int]
-    HXSendElsEcho: Callable[..., int]
-    HXSendElsPassThru: Callable[..., int]
-    HXSendElsPassThruEx: Callable[..., int]
-    HXSendElsRnid: Callable[..., int]
-    HXSendFlashUpdateFWAttributes: Callable[..., int]
-    HXSendSCMMgmt: Callable[..., int]
-    HXSendScsiInquiryCmd: Callable[..., int]
-    HXSendScsiInquiryCmdFC: Callable[..., int]
-    HXSendScsiPassThru: Callable[..., int]
-    HXSendScsiPassThruFC: Callable[..., int]
-    HXSendScsiReadCapacityCmd: Callable[..., int]
-    HXSendScsiReadCapacityCmdFC: Callable[..., int]
-    HXSendScsiReportLunsCmd: Callable[..., int]
-    HXSendScsiReportLunsCmdFC: Callable[..., int]
-    HXSetDriverParameter: Callable[..., int]
-    HXSetFCSerDesRegister: Callable[..., int]
-    HXSetFCSerDesRegisterEx: Callable[..., int]
-    HXSetFlashProgress: Callable[..., int]
-    HXSetLunData: Callable[..., int]
-    HXSetLunQos: Callable[..., int]
-    HXSetMgmtAddress: Callable[..., int]
-    HXSetQuarnI2CRegister: Callable[..., int]
-    HXSetTargetData: Callable[..., int]
-    HXSetTargetIDMALinkSpeed: Callable[..., int]
-    HXSetVariableValue: Callable[..., int]
-    HXStartFlashUpdate: Callable[..., int]
-    HXSwapTargetDevice: Callable[..., int]
-    HXUpdateBeaconControl: Callable[..., int]
-    HXUpdateHbaTargetLunMask: Callable[..., int]
-    HXUpdateHbaTargetLunMaskFC: Callable[..., int]
-    HXUpdateNVRam: Callable[..., int]
-    HXUpdateOptionRom: Callable[..., int]
-    HXUpdateOptionRomEx: Callable[..., int]
-    HXUpdateOptionRomEx2: Callable[..., int]
-    HXUpdateOptionRomEx3: Callable[..., int]
-    HXUpdateOptionRomOffset: Callable[..., int]
-    HXUpdateSecureOptionRomEx: Callable[..., int]
-    HXUpdateVpd: Callable[..., int]
-    HXVerifyHbaNVRam: Callable[..., int]
-    HXVerifyHbaState: Callable[..., int]
-    HXWriteSFPData: Callable[..., int]
-    HXfprintf: Callable[..., int]
-    IHXFoDeletePersistentDeviceEntry: Callable[..., int]
-    IHXFoDeletePersistentTargetEntry: Callable[..., int]
-    IHXFoGetLunData: Callable[..., int]
-    IHXFoGetPersistentDeviceEntryList: Callable[..., int]
-    IHXFoGetPersistentTargetEntryList: Callable[..., int]
-    IHXFoGetTargetData: Callable[..., int]
-    IHXFoSetLunData: Callable[..., int]
-    IHXFoSetTargetData: Callable[..., int]
-    IsKorvexAdapter: Callable[..., Any]
-    ReadNVRamFile: Callable[..., int]
-    SRBWithHeaderDeviceIoControl: Callable[..., int]
-    SendMiniPortControl: Callable[..., int]
-    VXUpdateAdapterModelInBios: Callable[..., int]
-    WriteNVRamFile: Callable[..., int]
+    GetDriverType: _t.Callable[..., int]
+    HBA_RegisterLibrary: _t.Callable[..., int]
+    HXAddTargetDevice: _t.Callable[..., int]
+    HXCloseDevice: _t.Callable[..., int]
+    HXDeletePersistentDeviceEntry: _t.Callable[..., int]
+    HXDeletePersistentTargetEntry: _t.Callable[..., int]
+    HXDisableAen: _t.Callable[..., int]
+    HXDisableSmartSANFC: _t.Callable[..., int]
+    HXEnableAen: _t.Callable[..., int]
+    HXEnableDebugTrace: _t.Callable[..., int]
+    HXEnableSmartSANFC: _t.Callable[..., int]
+    HXEndFlashUpdate: _t.Callable[..., int]
+    HXForceFcMctpDump: _t.Callable[..., int]
+    HXForceFwDump: _t.Callable[..., int]
+    HXForceZetaAEN: _t.Callable[..., int]
+    HXGetActiveRegions: _t.Callable[..., int]
+    HXGetAdapterLockdownState: _t.Callable[..., int]
+    HXGetAen: _t.Callable[..., int]
+    HXGetBBCRData: _t.Callable[..., int]
+    HXGetBFSInfo: _t.Callable[..., int]
+    HXGetBeaconControl: _t.Callable[..., int]
+    HXGetBoardTemp: _t.Callable[..., int]
+    HXGetDeviceNumber: _t.Callable[..., int]
+    HXGetDiscPortProperty: _t.Callable[..., int]
+    HXGetDiscTargetProperty: _t.Callable[..., int]
+    HXGetDiskExtents: _t.Callable[..., int]
+    HXGetDriverParameter: _t.Callable[..., int]
+    HXGetErrorString: _t.Callable[..., _t.Any]
+    HXGetFCSerDesRegister: _t.Callable[..., int]
+    HXGetFCSerDesRegisterEx: _t.Callable[..., int]
+    HXGetFcDump: _t.Callable[..., int]
+    HXGetFcDumpRaw: _t.Callable[..., int]
+    HXGetFcMctpDump: _t.Callable[..., int]
+    HXGetFlashUpdateCapabilities: _t.Callable[..., int]
+    HXGetGlobalDevice: _t.Callable[..., _t.Any]
+    HXGetHbaDeviceChipProperty: _t.Callable[..., int]
+    HXGetHbaDeviceDriverProperty: _t.Callable[..., int]
+    HXGetHbaDeviceFirmwareProperty: _t.Callable[..., int]
+    HXGetHbaDeviceNodeProperty: _t.Callable[..., int]
+    HXGetHbaDeviceNodePropertyResync: _t.Callable[..., int]
+    HXGetHbaDevicePortProperty: _t.Callable[..., int]
+    HXGetHbaDevicePortPropertyV1: _t.Callable[..., int]
+    HXGetHbaDevicePortPropertyV2: _t.Callable[..., int]
+    HXGetHbaPortDisableInfo: _t.Callable[..., int]
+    HXGetHbaTargetLunMask: _t.Callable[..., int]
+    HXGetHbaTargetLunMaskFC: _t.Callable[..., int]
+    HXGetLunData: _t.Callable[..., int]
+    HXGetLunQos: _t.Callable[..., int]
+    HXGetLunQosEnable: _t.Callable[..., int]
+    HXGetMgmtAddress: _t.Callable[..., int]
+    HXGetMiniDump: _t.Callable[..., int]
+    HXGetMpiDumpRaw: _t.Callable[..., int]
+    HXGetNPIVAttributes: _t.Callable[..., int]
+    HXGetNVMeNSInfo: _t.Callable[..., int]
+    HXGetNVMeTargetInfo: _t.Callable[..., int]
+    HXGetNVRam: _t.Callable[..., int]
+    HXGetOptionRom: _t.Callable[..., int]
+    HXGetOptionRomEx: _t.Callable[..., int]
+    HXGetOptionRomLayout: _t.Callable[..., int]
+    HXGetOptionRomLayoutEx: _t.Callable[..., int]
+    HXGetOptionRomOffset: _t.Callable[..., int]
+    HXGetPersistentDeviceEntryList: _t.Callable[..., int]
+    HXGetPersistentTargetEntryList: _t.Callable[..., int]
+    HXGetPortDatabase: _t.Callable[..., int]
+    HXGetPortSCMStatsFC: _t.Callable[..., int]
+    HXGetPortStatisticsFC: _t.Callable[..., int]
+    HXGetPortStatisticsFCV1: _t.Callable[..., int]
+    HXGetPortStatisticsFCV2: _t.Callable[..., int]
+    HXGetPositionalMap: _t.Callable[..., int]
+    HXGetPrivStats: _t.Callable[..., int]
+    HXGetPrivStatsEx: _t.Callable[..., int]
+    HXGetQuarnI2CRegister: _t.Callable[..., int]
+    HXGetRemotePortInfo: _t.Callable[..., int]
+    HXGetSCMStatistics: _t.Callable[..., int]
+    HXGetSFPData: _t.Callable[..., int]
+    HXGetSecurePortInfo: _t.Callable[..., int]
+    HXGetSmartSANStatusFC: _t.Callable[..., int]
+    HXGetStatistics: _t.Callable[..., int]
+    HXGetTargetData: _t.Callable[..., int]
+    HXGetTargetIDMALinkSpeed: _t.Callable[..., int]
+    HXGetVariableDescription: _t.Callable[..., _t.Any]
+    HXGetVariableFields: _t.Callable[..., int]
+    HXGetVariableValue: _t.Callable[..., int]
+    HXGetVersion: _t.Callable[..., int]
+    HXGetVpd: _t.Callable[..., int]
+    HXIsVariableReadOnly: _t.Callable[..., int]
+    HXListDiskVolumes: _t.Callable[..., int]
+    HXListOsDevices: _t.Callable[..., int]
+    HXListScsiPorts: _t.Callable[..., int]
+    HXLoadSFPFirmware: _t.Callable[..., int]
+    HXMailboxPassthru: _t.Callable[..., int]
+    HXMapScsiTargetToVolumes: _t.Callable[..., int]
+    HXMapVolumeToScsiTarget: _t.Callable[..., int]
+    HXOnlineActivateFlashUpdate: _t.Callable[..., int]
+    HXOpenDevice: _t.Callable[..., int]
+    HXOpenScsiPort: _t.Callable[..., int]
+    HXOrvoMgt: _t.Callable[..., int]
+    HXRGetNVMeInfo: _t.Callable[..., int]
+    HXReadSFPData: _t.Callable[..., int]
+    HXReadSerdesParams: _t.Callable[..., int]
+    HXReloadNvramAndInitFw: _t.Callable[..., int]
+    HXRemoveDevice: _t.Callable[..., int]
+    HXResetStatistics: _t.Callable[..., int]
+    HXRunDiagLoopback: _t.Callable[..., int]
+    HXRunDiagLoopbackEx: _t.Callable[..., int]
+    HXRunDportDiag: _t.Callable[..., int]
+    HXRunDportDiagEx: _t.Callable[..., int]
+    HXRunDportDiagEx2: _t.Callable[..., int]
+    HXSendCTPassThru: _t.Callable[..., int]
+    HXSendElsEcho: _t.Callable[..., int]
+    HXSendElsPassThru: _t.Callable[..., int]
+    HXSendElsPassThruEx: _t.Callable[..., int]
+    HXSendElsRnid: _t.Callable[..., int]
+    HXSendFlashUpdateFWAttributes: _t.Callable[..., int]
+    HXSendSCMMgmt: _t.Callable[..., int]
+    HXSendScsiInquiryCmd: _t.Callable[..., int]
+    HXSendScsiInquiryCmdFC: _t.Callable[..., int]
+    HXSendScsiPassThru: _t.Callable[..., int]
+    HXSendScsiPassThruFC: _t.Callable[..., int]
+    HXSendScsiReadCapacityCmd: _t.Callable[..., int]
+    HXSendScsiReadCapacityCmdFC: _t.Callable[..., int]
+    HXSendScsiReportLunsCmd: _t.Callable[..., int]
+    HXSendScsiReportLunsCmdFC: _t.Callable[..., int]
+    HXSetDriverParameter: _t.Callable[..., int]
+    HXSetFCSerDesRegister: _t.Callable[..., int]
+    HXSetFCSerDesRegisterEx: _t.Callable[..., int]
+    HXSetFlashProgress: _t.Callable[..., int]
+    HXSetLunData: _t.Callable[..., int]
+    HXSetLunQos: _t.Callable[..., int]
+    HXSetMgmtAddress: _t.Callable[..., int]
+    HXSetQuarnI2CRegister: _t.Callable[..., int]
+    HXSetTargetData: _t.Callable[..., int]
+    HXSetTargetIDMALinkSpeed: _t.Callable[..., int]
+    HXSetVariableValue: _t.Callable[..., int]
+    HXStartFlashUpdate: _t.Callable[..., int]
+    HXSwapTargetDevice: _t.Callable[..., int]
+    HXUpdateBeaconControl: _t.Callable[..., int]
+    HXUpdateHbaTargetLunMask: _t.Callable[..., int]
+    HXUpdateHbaTargetLunMaskFC: _t.Callable[..., int]
+    HXUpdateNVRam: _t.Callable[..., int]
+    HXUpdateOptionRom: _t.Callable[..., int]
+    HXUpdateOptionRomEx: _t.Callable[..., int]
+    HXUpdateOptionRomEx2: _t.Callable[..., int]
+    HXUpdateOptionRomEx3: _t.Callable[..., int]
+    HXUpdateOptionRomOffset: _t.Callable[..., int]
+    HXUpdateSecureOptionRomEx: _t.Callable[..., int]
+    HXUpdateVpd: _t.Callable[..., int]
+    HXVerifyHbaNVRam: _t.Callable[..., int]
+    HXVerifyHbaState: _t.Callable[..., int]
+    HXWriteSFPData: _t.Callable[..., int]
+    HXfprintf: _t.Callable[..., int]
+    IHXFoDeletePersistentDeviceEntry: _t.Callable[..., int]
+    IHXFoDeletePersistentTargetEntry: _t.Callable[..., int]
+    IHXFoGetLunData: _t.Callable[..., int]
+    IHXFoGetPersistentDeviceEntryList: _t.Callable[..., int]
+    IHXFoGetPersistentTargetEntryList: _t.Callable[..., int]
+    IHXFoGetTargetData: _t.Callable[..., int]
+    IHXFoSetLunData: _t.Callable[..., int]
+    IHXFoSetTargetData: _t.Callable[..., int]
+    IsKorvexAdapter: _t.Callable[..., _t.Any]
+    ReadNVRamFile: _t.Callable[..., int]
+    SRBWithHeaderDeviceIoControl: _t.Callable[..., int]
+    SendMiniPortControl: _t.Callable[..., int]
+    VXUpdateAdapterModelInBios: _t.Callable[..., int]
+    WriteNVRamFile: _t.Callable[..., int]
 
-    def __init__(self, library: Any) -> None:
+    def __init__(self, library: _t.Any) -> None:
         self._library = library
 
-    def __getattr__(self, name: str) -> Any:
+    def __getattr__(self, name: str) -> _t.Any:
         if name not in PROTOTYPES:
             raise AttributeError(f"{name} is no export of the library")
         function = getattr(self._library, name)
@@ -2455,170 +2451,170 @@ class Functions:
 
 
 # Of a function with further arguments, those before them.
-PROTOTYPES: Dict[str, Any] = {
-    "GetDriverType": (c_uint8, [c_uint32]),
-    "HBA_RegisterLibrary": (c_uint32, [POINTER(HBA_ENTRYPOINTS)]),
-    "HXAddTargetDevice": (c_uint32, [c_uint32, POINTER(HX_DEVICE_RECORD)]),
-    "HXCloseDevice": (c_uint32, [c_int32]),
-    "HXDeletePersistentDeviceEntry": (c_uint32, [POINTER(c_uint8)]),
-    "HXDeletePersistentTargetEntry": (c_uint32, [POINTER(c_uint8)]),
-    "HXDisableAen": (c_uint32, [c_uint32]),
-    "HXDisableSmartSANFC": (c_uint32, [c_uint32]),
-    "HXEnableAen": (c_uint32, [c_uint32]),
-    "HXEnableDebugTrace": (c_uint32, [POINTER(c_uint32), c_char_p, c_uint32]),
-    "HXEnableSmartSANFC": (c_uint32, [c_uint32]),
-    "HXEndFlashUpdate": (c_uint32, [c_uint32, c_uint64, c_uint32]),
-    "HXForceFcMctpDump": (c_uint32, []),
-    "HXForceFwDump": (c_uint32, [c_uint32]),
-    "HXForceZetaAEN": (c_uint32, [c_int32]),
-    "HXGetActiveRegions": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint8)]),
-    "HXGetAdapterLockdownState": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint8)]),
-    "HXGetAen": (c_uint32, [c_uint32, POINTER(c_uint8), c_uint32, POINTER(c_uint32)]),
-    "HXGetBBCRData": (c_uint32, [c_uint32, POINTER(HX_BBCR_DATA)]),
-    "HXGetBFSInfo": (c_uint32, [c_uint32]),
-    "HXGetBeaconControl": (c_uint32, [c_uint32, POINTER(HX_BEACON)]),
-    "HXGetBoardTemp": (c_uint32, [c_uint32, POINTER(HX_BOARD_TEMPERATURE)]),
-    "HXGetDeviceNumber": (c_uint32, [c_char_p, c_void_p, c_uint32]),
-    "HXGetDiscPortProperty": (c_uint32, [c_uint32, c_uint32, c_uint32, c_uint32, POINTER(HX_DISCOVERED_PORT)]),
-    "HXGetDiscTargetProperty": (c_uint32, [c_uint32, c_uint32, c_uint32, c_uint32, POINTER(HX_DISCOVERED_TARGET)]),
-    "HXGetDiskExtents": (c_uint32, [c_char_p, POINTER(HX_DISK_EXTENT), POINTER(c_uint32)]),
-    "HXGetDriverParameter": (c_uint32, [c_uint32, c_char_p, POINTER(c_char), c_uint32]),
-    "HXGetErrorString": (c_char_p, [c_uint32]),
-    "HXGetFCSerDesRegister": (c_uint32, [c_uint32, c_uint16, POINTER(c_uint16)]),
-    "HXGetFCSerDesRegisterEx": (c_uint32, [c_uint32, c_uint16, c_uint32, POINTER(c_uint32)]),
-    "HXGetFcDump": (c_uint32, [c_uint32, c_uint16, c_char_p]),
-    "HXGetFcDumpRaw": (c_uint32, [c_uint32, c_uint64, c_void_p]),
-    "HXGetFcMctpDump": (c_uint32, [c_uint32, c_uint64, c_void_p, POINTER(c_uint32)]),
-    "HXGetFlashUpdateCapabilities": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint64)]),
-    "HXGetGlobalDevice": (POINTER(HXMGT_API_HANDLE), []),
-    "HXGetHbaDeviceChipProperty": (c_uint32, [c_uint32, POINTER(HX_CHIP_PROPERTY)]),
-    "HXGetHbaDeviceDriverProperty": (c_uint32, [c_uint32, POINTER(HX_DRIVER_PROPERTY)]),
-    "HXGetHbaDeviceFirmwareProperty": (c_uint32, [c_uint32, POINTER(HX_FIRMWARE_PROPERTY)]),
-    "HXGetHbaDeviceNodeProperty": (c_uint32, [c_uint32, POINTER(HX_NODE_PROPERTY)]),
-    "HXGetHbaDeviceNodePropertyResync": (c_uint32, [c_uint32, POINTER(HX_NODE_PROPERTY)]),
-    "HXGetHbaDevicePortProperty": (c_uint32, [c_uint32, c_uint64, POINTER(HX_PORT_PROPERTY)]),
-    "HXGetHbaDevicePortPropertyV1": (c_uint32, [c_uint32, c_uint16, POINTER(HX_PORT_PROPERTY)]),
-    "HXGetHbaDevicePortPropertyV2": (c_uint32, [c_uint32, c_uint64, POINTER(HX_PORT_PROPERTY)]),
-    "HXGetHbaPortDisableInfo": (c_uint32, [c_uint32]),
-    "HXGetHbaTargetLunMask": (c_uint32, [c_uint32, c_uint64, POINTER(HX_BUS_TARGET_LUN), c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXGetHbaTargetLunMaskFC": (c_uint32, [c_uint32, c_uint64, POINTER(HX_SCSI_ADDRESS), c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXGetLunData": (c_uint32, [c_uint32, c_uint16, POINTER(HX_LUN_DATA), c_uint16]),
-    "HXGetLunQos": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_LUN_QOS)]),
-    "HXGetLunQosEnable": (c_uint32, [c_uint32, POINTER(c_uint8)]),
-    "HXGetMgmtAddress": (c_uint32, [c_uint32, c_void_p, c_uint32]),
-    "HXGetMiniDump": (c_uint32, [c_uint32, c_uint64, c_void_p, POINTER(c_uint32)]),
-    "HXGetMpiDumpRaw": (c_uint32, [c_uint32, c_uint64, c_void_p]),
-    "HXGetNPIVAttributes": (c_uint32, [c_uint32, POINTER(HX_NPIV_ATTRIBUTES), POINTER(HX_VIRTUAL_PORT), POINTER(c_uint32)]),
-    "HXGetNVMeNSInfo": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_NVME_NAMESPACE), POINTER(c_uint32)]),
-    "HXGetNVMeTargetInfo": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_NVME_TARGET)]),
-    "HXGetNVRam": (c_uint32, [c_uint32, c_uint64, c_uint32, c_void_p, c_uint32]),
-    "HXGetOptionRom": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32]),
-    "HXGetOptionRomEx": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXGetOptionRomLayout": (c_uint32, [c_uint32, c_uint64, POINTER(HX_FLASH_LAYOUT)]),
-    "HXGetOptionRomLayoutEx": (c_uint32, [c_uint32, c_uint64, POINTER(HX_FLASH_LAYOUT_EX)]),
-    "HXGetOptionRomOffset": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXGetPersistentDeviceEntryList": (c_uint32, [POINTER(HX_WWN_LIST)]),
-    "HXGetPersistentTargetEntryList": (c_uint32, [POINTER(HX_WWN_LIST)]),
-    "HXGetPortDatabase": (c_uint32, [c_uint32, c_uint32, c_void_p, c_uint32]),
-    "HXGetPortSCMStatsFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_PORT_SCM_STATISTICS)]),
-    "HXGetPortStatisticsFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_PORT_STATISTICS)]),
-    "HXGetPortStatisticsFCV1": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_PORT_STATISTICS)]),
-    "HXGetPortStatisticsFCV2": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_PORT_STATISTICS_V2)]),
-    "HXGetPositionalMap": (c_uint32, [c_uint32, POINTER(HX_POSITIONAL_MAP)]),
-    "HXGetPrivStats": (c_uint32, [c_uint32, POINTER(HX_PRIVATE_STATISTICS)]),
-    "HXGetPrivStatsEx": (c_uint32, [c_uint32, POINTER(HX_PRIVATE_STATISTICS_EX)]),
-    "HXGetQuarnI2CRegister": (c_uint32, [c_uint32, c_uint16, c_uint16, POINTER(c_uint16)]),
-    "HXGetRemotePortInfo": (c_uint32, [c_uint32, POINTER(HX_REMOTE_PORT), POINTER(c_uint32)]),
-    "HXGetSCMStatistics": (c_uint32, [c_uint32, POINTER(HX_SCM_STATISTICS)]),
-    "HXGetSFPData": (c_uint32, [c_uint32, c_uint64, c_void_p, POINTER(c_uint32)]),
-    "HXGetSecurePortInfo": (c_uint32, [c_uint32, POINTER(HX_SECURE_PORT), POINTER(c_uint32)]),
-    "HXGetSmartSANStatusFC": (c_uint32, [c_uint32, POINTER(c_uint8)]),
-    "HXGetStatistics": (c_uint32, [c_uint32, c_uint32, POINTER(HX_STATISTICS)]),
-    "HXGetTargetData": (c_uint32, [c_uint32, c_uint16, POINTER(HX_TARGET_DATA), c_uint16]),
-    "HXGetTargetIDMALinkSpeed": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_TARGET_LINK_SPEED)]),
-    "HXGetVariableDescription": (c_char_p, [c_uint32, c_uint32]),
-    "HXGetVariableFields": (c_uint32, [c_uint32, POINTER(HX_VARIABLE_FIELD), POINTER(c_uint32)]),
-    "HXGetVariableValue": (c_uint32, [c_uint32, c_void_p, c_uint32]),
-    "HXGetVersion": (c_uint32, [POINTER(c_char), c_uint32]),
-    "HXGetVpd": (c_uint32, [c_uint32, c_uint64, c_void_p, POINTER(c_uint32)]),
-    "HXIsVariableReadOnly": (c_uint32, [c_void_p, c_uint32]),
-    "HXListDiskVolumes": (c_uint32, [POINTER(HX_DISK_VOLUME), POINTER(c_uint32)]),
-    "HXListOsDevices": (c_uint32, [POINTER(HX_OS_DEVICE), POINTER(c_uint32)]),
-    "HXListScsiPorts": (c_uint32, [POINTER(HX_SCSI_PORT), POINTER(c_uint32)]),
-    "HXLoadSFPFirmware": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32]),
-    "HXMailboxPassthru": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint16), c_int16, POINTER(c_uint16), c_int16]),
-    "HXMapScsiTargetToVolumes": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_OS_DEVICE), POINTER(HX_VOLUME), POINTER(c_uint32)]),
-    "HXMapVolumeToScsiTarget": (c_uint32, [c_uint32, c_char_p, POINTER(HX_OS_DEVICE), POINTER(c_uint32)]),
-    "HXOnlineActivateFlashUpdate": (c_uint32, [c_uint32]),
-    "HXOpenDevice": (c_uint32, [c_uint32, POINTER(c_uint32)]),
-    "HXOpenScsiPort": (c_uint32, [c_uint32, POINTER(c_uint32)]),
-    "HXOrvoMgt": (c_uint32, [c_uint32, c_uint32, c_void_p]),
-    "HXRGetNVMeInfo": (c_uint32, [c_uint32, POINTER(HX_NVME_PORT), POINTER(c_uint32)]),
-    "HXReadSFPData": (c_uint32, [c_uint32, c_uint64, c_uint16, c_void_p, c_uint16, c_uint16, c_uint16, POINTER(c_uint16)]),
-    "HXReadSerdesParams": (c_uint32, [c_uint32, POINTER(HX_SERDES_LANE), POINTER(c_uint32)]),
-    "HXReloadNvramAndInitFw": (c_uint32, [c_uint32]),
-    "HXRemoveDevice": (c_uint32, [c_uint32, POINTER(c_uint8), c_char_p, c_int32]),
-    "HXResetStatistics": (c_uint32, [c_uint32]),
-    "HXRunDiagLoopback": (c_uint32, [c_uint32, c_uint64, c_uint16, c_void_p, c_uint16, c_void_p, c_uint16, c_uint16, POINTER(HX_LOOPBACK_RESULT)]),
-    "HXRunDiagLoopbackEx": (c_uint32, [c_uint32, c_uint64, c_uint16, c_void_p, c_uint32, c_void_p, c_uint32, c_uint32, POINTER(HX_LOOPBACK_EX_RESULT)]),
-    "HXRunDportDiag": (c_uint32, []),
-    "HXRunDportDiagEx": (c_uint32, [c_uint32, c_uint64, POINTER(HX_DPORT_RESULT)]),
-    "HXRunDportDiagEx2": (c_uint32, [c_uint32, c_uint64, POINTER(HX_DPORT_RESULT_EX2)]),
-    "HXSendCTPassThru": (c_uint32, [c_uint32, c_void_p, c_uint32, c_void_p, c_uint32]),
-    "HXSendElsEcho": (c_uint32, []),
-    "HXSendElsPassThru": (c_uint32, [c_uint32, c_uint64, POINTER(HX_SCSI_ADDRESS), c_void_p, c_int32, c_void_p, POINTER(c_uint32), c_uint8]),
-    "HXSendElsPassThruEx": (c_uint32, [c_uint32, c_uint64, POINTER(HX_SCSI_ADDRESS), c_void_p, c_int32, c_void_p, POINTER(c_uint32), c_uint8]),
-    "HXSendElsRnid": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), c_uint8, POINTER(c_uint8), c_uint32]),
-    "HXSendFlashUpdateFWAttributes": (c_uint32, [c_uint32, c_uint64, c_uint64, c_uint32]),
-    "HXSendSCMMgmt": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint8)]),
-    "HXSendScsiInquiryCmd": (c_uint32, []),
-    "HXSendScsiInquiryCmdFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), c_void_p, c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXSendScsiPassThru": (c_uint32, []),
-    "HXSendScsiPassThruFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(c_uint8), c_uint32, c_void_p, c_uint32, c_void_p, c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXSendScsiReadCapacityCmd": (c_uint32, []),
-    "HXSendScsiReadCapacityCmdFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), c_void_p, c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXSendScsiReportLunsCmd": (c_uint32, []),
-    "HXSendScsiReportLunsCmdFC": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), c_void_p, c_uint32, POINTER(c_uint8), c_uint32]),
-    "HXSetDriverParameter": (c_uint32, [c_uint32, c_char_p, c_char_p]),
-    "HXSetFCSerDesRegister": (c_uint32, [c_uint32, c_uint16, c_uint16]),
-    "HXSetFCSerDesRegisterEx": (c_uint32, [c_uint32, c_uint16, c_uint32, c_uint32]),
-    "HXSetFlashProgress": (c_uint32, [c_uint32, HX_FLASH_PROGRESS, c_void_p]),
-    "HXSetLunData": (c_uint32, [c_uint32, c_uint16, POINTER(HX_LUN_DATA), c_uint16]),
-    "HXSetLunQos": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), POINTER(HX_LUN_QOS)]),
-    "HXSetMgmtAddress": (c_uint32, [c_uint32, POINTER(HX_MGMT_ADDRESS_SETTING)]),
-    "HXSetQuarnI2CRegister": (c_uint32, [c_uint32, c_uint16, c_uint16, c_uint16]),
-    "HXSetTargetData": (c_uint32, [c_uint32, c_uint16, POINTER(HX_TARGET_DATA), c_uint16]),
-    "HXSetTargetIDMALinkSpeed": (c_uint32, [c_uint32, POINTER(HX_SCSI_ADDRESS), c_uint16]),
-    "HXSetVariableValue": (c_uint32, [c_uint32, c_void_p, c_uint32, c_uint32]),
-    "HXStartFlashUpdate": (c_uint32, [c_uint32, c_uint64, POINTER(c_uint32)]),
-    "HXSwapTargetDevice": (c_uint32, [c_uint32, POINTER(HX_DEVICE_RECORD), POINTER(HX_DEVICE_RECORD)]),
-    "HXUpdateBeaconControl": (c_uint32, [c_uint32, POINTER(HX_BEACON)]),
-    "HXUpdateHbaTargetLunMask": (c_uint32, [c_uint32, c_uint64, POINTER(HX_BUS_TARGET_LUN), c_int32, POINTER(c_uint8), c_uint32]),
-    "HXUpdateHbaTargetLunMaskFC": (c_uint32, [c_uint32, c_uint64, POINTER(HX_SCSI_ADDRESS), c_int32, POINTER(c_uint8), c_uint32]),
-    "HXUpdateNVRam": (c_uint32, [c_uint32, c_uint64, c_uint32, c_void_p, c_uint32]),
-    "HXUpdateOptionRom": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32]),
-    "HXUpdateOptionRomEx": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXUpdateOptionRomEx2": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXUpdateOptionRomEx3": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXUpdateOptionRomOffset": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXUpdateSecureOptionRomEx": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32, c_uint32]),
-    "HXUpdateVpd": (c_uint32, [c_uint32, c_uint64, c_void_p, c_uint32]),
-    "HXVerifyHbaNVRam": (c_uint32, [c_uint32, c_uint64]),
-    "HXVerifyHbaState": (c_uint32, [c_uint32]),
-    "HXWriteSFPData": (c_uint32, [c_uint32, c_uint64, c_uint16, c_void_p, c_uint16, c_uint16, c_uint16, POINTER(c_uint16)]),
-    "HXfprintf": (c_int32, [c_char_p, c_uint32, c_void_p, c_char_p]),
-    "IHXFoDeletePersistentDeviceEntry": (c_uint32, [POINTER(c_uint8)]),
-    "IHXFoDeletePersistentTargetEntry": (c_uint32, [POINTER(c_uint8)]),
-    "IHXFoGetLunData": (c_uint32, [c_uint32, c_uint64, c_uint64, POINTER(HX_LUN_DATA), c_uint16]),
-    "IHXFoGetPersistentDeviceEntryList": (c_uint32, [POINTER(HX_WWN_LIST)]),
-    "IHXFoGetPersistentTargetEntryList": (c_uint32, [POINTER(HX_WWN_LIST)]),
-    "IHXFoGetTargetData": (c_uint32, [c_uint32, c_uint64, c_uint64, POINTER(HX_TARGET_DATA), c_uint16]),
-    "IHXFoSetLunData": (c_uint32, [c_uint32, c_uint64, c_uint64, POINTER(HX_LUN_DATA), c_uint16]),
-    "IHXFoSetTargetData": (c_uint32, [c_uint32, c_uint64, c_uint64, POINTER(HX_TARGET_DATA), c_uint16]),
-    "IsKorvexAdapter": (c_char_p, [c_uint32, c_uint32]),
-    "ReadNVRamFile": (c_int32, [c_char_p, c_void_p, c_uint32, c_int32]),
-    "SRBWithHeaderDeviceIoControl": (c_uint32, [c_uint32, c_uint32, c_uint16, c_void_p, c_uint32, c_void_p, c_uint32, POINTER(c_uint32)]),
-    "SendMiniPortControl": (c_uint32, [c_int32, c_uint32, c_void_p, c_uint32, c_void_p, c_uint32]),
-    "VXUpdateAdapterModelInBios": (c_uint32, [c_uint32, POINTER(c_uint8)]),
-    "WriteNVRamFile": (c_int32, [c_void_p, c_char_p]),
+PROTOTYPES: _t.Dict[str, _t.Any] = {
+    "GetDriverType": (_c.c_uint8, [_c.c_uint32]),
+    "HBA_RegisterLibrary": (_c.c_uint32, [_c.POINTER(HBA_ENTRYPOINTS)]),
+    "HXAddTargetDevice": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_DEVICE_RECORD)]),
+    "HXCloseDevice": (_c.c_uint32, [_c.c_int32]),
+    "HXDeletePersistentDeviceEntry": (_c.c_uint32, [_c.POINTER(_c.c_uint8)]),
+    "HXDeletePersistentTargetEntry": (_c.c_uint32, [_c.POINTER(_c.c_uint8)]),
+    "HXDisableAen": (_c.c_uint32, [_c.c_uint32]),
+    "HXDisableSmartSANFC": (_c.c_uint32, [_c.c_uint32]),
+    "HXEnableAen": (_c.c_uint32, [_c.c_uint32]),
+    "HXEnableDebugTrace": (_c.c_uint32, [_c.POINTER(_c.c_uint32), _c.c_char_p, _c.c_uint32]),
+    "HXEnableSmartSANFC": (_c.c_uint32, [_c.c_uint32]),
+    "HXEndFlashUpdate": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint32]),
+    "HXForceFcMctpDump": (_c.c_uint32, []),
+    "HXForceFwDump": (_c.c_uint32, [_c.c_uint32]),
+    "HXForceZetaAEN": (_c.c_uint32, [_c.c_int32]),
+    "HXGetActiveRegions": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint8)]),
+    "HXGetAdapterLockdownState": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint8)]),
+    "HXGetAen": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32, _c.POINTER(_c.c_uint32)]),
+    "HXGetBBCRData": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_BBCR_DATA)]),
+    "HXGetBFSInfo": (_c.c_uint32, [_c.c_uint32]),
+    "HXGetBeaconControl": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_BEACON)]),
+    "HXGetBoardTemp": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_BOARD_TEMPERATURE)]),
+    "HXGetDeviceNumber": (_c.c_uint32, [_c.c_char_p, _c.c_void_p, _c.c_uint32]),
+    "HXGetDiscPortProperty": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.c_uint32, _c.c_uint32, _c.POINTER(HX_DISCOVERED_PORT)]),
+    "HXGetDiscTargetProperty": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.c_uint32, _c.c_uint32, _c.POINTER(HX_DISCOVERED_TARGET)]),
+    "HXGetDiskExtents": (_c.c_uint32, [_c.c_char_p, _c.POINTER(HX_DISK_EXTENT), _c.POINTER(_c.c_uint32)]),
+    "HXGetDriverParameter": (_c.c_uint32, [_c.c_uint32, _c.c_char_p, _c.POINTER(_c.c_char), _c.c_uint32]),
+    "HXGetErrorString": (_c.c_char_p, [_c.c_uint32]),
+    "HXGetFCSerDesRegister": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(_c.c_uint16)]),
+    "HXGetFCSerDesRegisterEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_uint32, _c.POINTER(_c.c_uint32)]),
+    "HXGetFcDump": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_char_p]),
+    "HXGetFcDumpRaw": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p]),
+    "HXGetFcMctpDump": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.POINTER(_c.c_uint32)]),
+    "HXGetFlashUpdateCapabilities": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint64)]),
+    "HXGetGlobalDevice": (_c.POINTER(HXMGT_API_HANDLE), []),
+    "HXGetHbaDeviceChipProperty": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_CHIP_PROPERTY)]),
+    "HXGetHbaDeviceDriverProperty": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_DRIVER_PROPERTY)]),
+    "HXGetHbaDeviceFirmwareProperty": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_FIRMWARE_PROPERTY)]),
+    "HXGetHbaDeviceNodeProperty": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_NODE_PROPERTY)]),
+    "HXGetHbaDeviceNodePropertyResync": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_NODE_PROPERTY)]),
+    "HXGetHbaDevicePortProperty": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_PORT_PROPERTY)]),
+    "HXGetHbaDevicePortPropertyV1": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(HX_PORT_PROPERTY)]),
+    "HXGetHbaDevicePortPropertyV2": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_PORT_PROPERTY)]),
+    "HXGetHbaPortDisableInfo": (_c.c_uint32, [_c.c_uint32]),
+    "HXGetHbaTargetLunMask": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_BUS_TARGET_LUN), _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXGetHbaTargetLunMaskFC": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_SCSI_ADDRESS), _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXGetLunData": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(HX_LUN_DATA), _c.c_uint16]),
+    "HXGetLunQos": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_LUN_QOS)]),
+    "HXGetLunQosEnable": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint8)]),
+    "HXGetMgmtAddress": (_c.c_uint32, [_c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXGetMiniDump": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.POINTER(_c.c_uint32)]),
+    "HXGetMpiDumpRaw": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p]),
+    "HXGetNPIVAttributes": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_NPIV_ATTRIBUTES), _c.POINTER(HX_VIRTUAL_PORT), _c.POINTER(_c.c_uint32)]),
+    "HXGetNVMeNSInfo": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_NVME_NAMESPACE), _c.POINTER(_c.c_uint32)]),
+    "HXGetNVMeTargetInfo": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_NVME_TARGET)]),
+    "HXGetNVRam": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXGetOptionRom": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32]),
+    "HXGetOptionRomEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXGetOptionRomLayout": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_FLASH_LAYOUT)]),
+    "HXGetOptionRomLayoutEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_FLASH_LAYOUT_EX)]),
+    "HXGetOptionRomOffset": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXGetPersistentDeviceEntryList": (_c.c_uint32, [_c.POINTER(HX_WWN_LIST)]),
+    "HXGetPersistentTargetEntryList": (_c.c_uint32, [_c.POINTER(HX_WWN_LIST)]),
+    "HXGetPortDatabase": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXGetPortSCMStatsFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_PORT_SCM_STATISTICS)]),
+    "HXGetPortStatisticsFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_PORT_STATISTICS)]),
+    "HXGetPortStatisticsFCV1": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_PORT_STATISTICS)]),
+    "HXGetPortStatisticsFCV2": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_PORT_STATISTICS_V2)]),
+    "HXGetPositionalMap": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_POSITIONAL_MAP)]),
+    "HXGetPrivStats": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_PRIVATE_STATISTICS)]),
+    "HXGetPrivStatsEx": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_PRIVATE_STATISTICS_EX)]),
+    "HXGetQuarnI2CRegister": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_uint16, _c.POINTER(_c.c_uint16)]),
+    "HXGetRemotePortInfo": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_REMOTE_PORT), _c.POINTER(_c.c_uint32)]),
+    "HXGetSCMStatistics": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCM_STATISTICS)]),
+    "HXGetSFPData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.POINTER(_c.c_uint32)]),
+    "HXGetSecurePortInfo": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SECURE_PORT), _c.POINTER(_c.c_uint32)]),
+    "HXGetSmartSANStatusFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint8)]),
+    "HXGetStatistics": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.POINTER(HX_STATISTICS)]),
+    "HXGetTargetData": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(HX_TARGET_DATA), _c.c_uint16]),
+    "HXGetTargetIDMALinkSpeed": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_TARGET_LINK_SPEED)]),
+    "HXGetVariableDescription": (_c.c_char_p, [_c.c_uint32, _c.c_uint32]),
+    "HXGetVariableFields": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_VARIABLE_FIELD), _c.POINTER(_c.c_uint32)]),
+    "HXGetVariableValue": (_c.c_uint32, [_c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXGetVersion": (_c.c_uint32, [_c.POINTER(_c.c_char), _c.c_uint32]),
+    "HXGetVpd": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.POINTER(_c.c_uint32)]),
+    "HXIsVariableReadOnly": (_c.c_uint32, [_c.c_void_p, _c.c_uint32]),
+    "HXListDiskVolumes": (_c.c_uint32, [_c.POINTER(HX_DISK_VOLUME), _c.POINTER(_c.c_uint32)]),
+    "HXListOsDevices": (_c.c_uint32, [_c.POINTER(HX_OS_DEVICE), _c.POINTER(_c.c_uint32)]),
+    "HXListScsiPorts": (_c.c_uint32, [_c.POINTER(HX_SCSI_PORT), _c.POINTER(_c.c_uint32)]),
+    "HXLoadSFPFirmware": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32]),
+    "HXMailboxPassthru": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint16), _c.c_int16, _c.POINTER(_c.c_uint16), _c.c_int16]),
+    "HXMapScsiTargetToVolumes": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_OS_DEVICE), _c.POINTER(HX_VOLUME), _c.POINTER(_c.c_uint32)]),
+    "HXMapVolumeToScsiTarget": (_c.c_uint32, [_c.c_uint32, _c.c_char_p, _c.POINTER(HX_OS_DEVICE), _c.POINTER(_c.c_uint32)]),
+    "HXOnlineActivateFlashUpdate": (_c.c_uint32, [_c.c_uint32]),
+    "HXOpenDevice": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint32)]),
+    "HXOpenScsiPort": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint32)]),
+    "HXOrvoMgt": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.c_void_p]),
+    "HXRGetNVMeInfo": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_NVME_PORT), _c.POINTER(_c.c_uint32)]),
+    "HXReadSFPData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint16, _c.c_void_p, _c.c_uint16, _c.c_uint16, _c.c_uint16, _c.POINTER(_c.c_uint16)]),
+    "HXReadSerdesParams": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SERDES_LANE), _c.POINTER(_c.c_uint32)]),
+    "HXReloadNvramAndInitFw": (_c.c_uint32, [_c.c_uint32]),
+    "HXRemoveDevice": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_char_p, _c.c_int32]),
+    "HXResetStatistics": (_c.c_uint32, [_c.c_uint32]),
+    "HXRunDiagLoopback": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint16, _c.c_void_p, _c.c_uint16, _c.c_void_p, _c.c_uint16, _c.c_uint16, _c.POINTER(HX_LOOPBACK_RESULT)]),
+    "HXRunDiagLoopbackEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint16, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_uint32, _c.POINTER(HX_LOOPBACK_EX_RESULT)]),
+    "HXRunDportDiag": (_c.c_uint32, []),
+    "HXRunDportDiagEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_DPORT_RESULT)]),
+    "HXRunDportDiagEx2": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_DPORT_RESULT_EX2)]),
+    "HXSendCTPassThru": (_c.c_uint32, [_c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXSendElsEcho": (_c.c_uint32, []),
+    "HXSendElsPassThru": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_SCSI_ADDRESS), _c.c_void_p, _c.c_int32, _c.c_void_p, _c.POINTER(_c.c_uint32), _c.c_uint8]),
+    "HXSendElsPassThruEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_SCSI_ADDRESS), _c.c_void_p, _c.c_int32, _c.c_void_p, _c.POINTER(_c.c_uint32), _c.c_uint8]),
+    "HXSendElsRnid": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.c_uint8, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXSendFlashUpdateFWAttributes": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint64, _c.c_uint32]),
+    "HXSendSCMMgmt": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint8)]),
+    "HXSendScsiInquiryCmd": (_c.c_uint32, []),
+    "HXSendScsiInquiryCmdFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.c_void_p, _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXSendScsiPassThru": (_c.c_uint32, []),
+    "HXSendScsiPassThruFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(_c.c_uint8), _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXSendScsiReadCapacityCmd": (_c.c_uint32, []),
+    "HXSendScsiReadCapacityCmdFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.c_void_p, _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXSendScsiReportLunsCmd": (_c.c_uint32, []),
+    "HXSendScsiReportLunsCmdFC": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.c_void_p, _c.c_uint32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXSetDriverParameter": (_c.c_uint32, [_c.c_uint32, _c.c_char_p, _c.c_char_p]),
+    "HXSetFCSerDesRegister": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_uint16]),
+    "HXSetFCSerDesRegisterEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_uint32, _c.c_uint32]),
+    "HXSetFlashProgress": (_c.c_uint32, [_c.c_uint32, HX_FLASH_PROGRESS, _c.c_void_p]),
+    "HXSetLunData": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(HX_LUN_DATA), _c.c_uint16]),
+    "HXSetLunQos": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.POINTER(HX_LUN_QOS)]),
+    "HXSetMgmtAddress": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_MGMT_ADDRESS_SETTING)]),
+    "HXSetQuarnI2CRegister": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.c_uint16, _c.c_uint16]),
+    "HXSetTargetData": (_c.c_uint32, [_c.c_uint32, _c.c_uint16, _c.POINTER(HX_TARGET_DATA), _c.c_uint16]),
+    "HXSetTargetIDMALinkSpeed": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_SCSI_ADDRESS), _c.c_uint16]),
+    "HXSetVariableValue": (_c.c_uint32, [_c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXStartFlashUpdate": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(_c.c_uint32)]),
+    "HXSwapTargetDevice": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_DEVICE_RECORD), _c.POINTER(HX_DEVICE_RECORD)]),
+    "HXUpdateBeaconControl": (_c.c_uint32, [_c.c_uint32, _c.POINTER(HX_BEACON)]),
+    "HXUpdateHbaTargetLunMask": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_BUS_TARGET_LUN), _c.c_int32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXUpdateHbaTargetLunMaskFC": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.POINTER(HX_SCSI_ADDRESS), _c.c_int32, _c.POINTER(_c.c_uint8), _c.c_uint32]),
+    "HXUpdateNVRam": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "HXUpdateOptionRom": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32]),
+    "HXUpdateOptionRomEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXUpdateOptionRomEx2": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXUpdateOptionRomEx3": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXUpdateOptionRomOffset": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXUpdateSecureOptionRomEx": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32, _c.c_uint32]),
+    "HXUpdateVpd": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_void_p, _c.c_uint32]),
+    "HXVerifyHbaNVRam": (_c.c_uint32, [_c.c_uint32, _c.c_uint64]),
+    "HXVerifyHbaState": (_c.c_uint32, [_c.c_uint32]),
+    "HXWriteSFPData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint16, _c.c_void_p, _c.c_uint16, _c.c_uint16, _c.c_uint16, _c.POINTER(_c.c_uint16)]),
+    "HXfprintf": (_c.c_int32, [_c.c_char_p, _c.c_uint32, _c.c_void_p, _c.c_char_p]),
+    "IHXFoDeletePersistentDeviceEntry": (_c.c_uint32, [_c.POINTER(_c.c_uint8)]),
+    "IHXFoDeletePersistentTargetEntry": (_c.c_uint32, [_c.POINTER(_c.c_uint8)]),
+    "IHXFoGetLunData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint64, _c.POINTER(HX_LUN_DATA), _c.c_uint16]),
+    "IHXFoGetPersistentDeviceEntryList": (_c.c_uint32, [_c.POINTER(HX_WWN_LIST)]),
+    "IHXFoGetPersistentTargetEntryList": (_c.c_uint32, [_c.POINTER(HX_WWN_LIST)]),
+    "IHXFoGetTargetData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint64, _c.POINTER(HX_TARGET_DATA), _c.c_uint16]),
+    "IHXFoSetLunData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint64, _c.POINTER(HX_LUN_DATA), _c.c_uint16]),
+    "IHXFoSetTargetData": (_c.c_uint32, [_c.c_uint32, _c.c_uint64, _c.c_uint64, _c.POINTER(HX_TARGET_DATA), _c.c_uint16]),
+    "IsKorvexAdapter": (_c.c_char_p, [_c.c_uint32, _c.c_uint32]),
+    "ReadNVRamFile": (_c.c_int32, [_c.c_char_p, _c.c_void_p, _c.c_uint32, _c.c_int32]),
+    "SRBWithHeaderDeviceIoControl": (_c.c_uint32, [_c.c_uint32, _c.c_uint32, _c.c_uint16, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.POINTER(_c.c_uint32)]),
+    "SendMiniPortControl": (_c.c_uint32, [_c.c_int32, _c.c_uint32, _c.c_void_p, _c.c_uint32, _c.c_void_p, _c.c_uint32]),
+    "VXUpdateAdapterModelInBios": (_c.c_uint32, [_c.c_uint32, _c.POINTER(_c.c_uint8)]),
+    "WriteNVRamFile": (_c.c_int32, [_c.c_void_p, _c.c_char_p]),
 }
