@@ -16,6 +16,7 @@ IS_DLL = 0x2000
 NATIVE = 1  # subsystem
 EXPORTS, IMPORTS, RESOURCES, RELOCATIONS, DEBUG = 0, 1, 2, 5, 6
 VERSION, MANIFEST = 16, 24
+DEBUG_ENTRY, CODE_VIEW, SYMBOL = 28, 2, 18
 SYSTEM = {
     "advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll",
     "user32.dll", "hal.dll", "ntoskrnl.exe", "vxmgmt.dll",
@@ -28,8 +29,9 @@ class Image:
         (start,) = struct.unpack_from("<I", data, 0x3C)
         if data[start:start + 4] != b"PE\0\0":
             raise ValueError("is no PE file")
-        (self.machine, sections, self.stamp, _, _, optional, self.flags) = struct.unpack_from(
+        (self.machine, sections, self.stamp, symbols, count, optional, self.flags) = struct.unpack_from(
             "<HHIIIHH", data, start + 4)
+        self.long_names = symbols + SYMBOL * count
         head = start + 24
         (self.subsystem, self.characteristics) = struct.unpack_from("<HH", data, head + 68)
         (count,) = struct.unpack_from("<I", data, head + 108)
@@ -58,6 +60,24 @@ class Image:
             address += 20
         return names
 
+    def section_name(self, name: bytes) -> bytes:
+        if not name.startswith(b"/"):
+            return name.rstrip(b"\0")
+        start = self.long_names + int(name[1:].rstrip(b"\0"))
+        return self.data[start:self.data.index(b"\0", start)]
+
+    def has_debug_information(self) -> bool:
+        """More than the number that tells which symbols belong to the file."""
+        if any(self.section_name(section[0]).startswith(b".debug") for section in self.sections):
+            return True
+        (address, size) = self.directories[DEBUG]
+        for entry in range(size // DEBUG_ENTRY):
+            place = self.offset(address) + DEBUG_ENTRY * entry
+            (kind, length, _, raw) = struct.unpack_from("<IIII", self.data, place + 12)
+            if kind != CODE_VIEW or self.data[raw + 24:raw + length].strip(b"\0"):
+                return True  # a path would stand there
+        return False
+
     def resource_types(self) -> set:
         (address, size) = self.directories[RESOURCES]
         if size == 0:
@@ -76,7 +96,7 @@ def faults(image: Image) -> list:
     found += [f"lacks {what}" for bit, what in WANTED.items() if not image.characteristics & bit]
     if image.stamp != 0:
         found.append("has a time stamp")
-    if image.directories[DEBUG][1] or any(s[0].startswith(b".debug") for s in image.sections):
+    if image.has_debug_information():
         found.append("has debug information")
     if image.directories[RELOCATIONS][1] == 0:
         found.append("cannot be relocated")

@@ -23,7 +23,6 @@ commit=$(git rev-parse HEAD)
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
 work=$root/build/package
-cross=x86_64-w64-mingw32
 mkdir -p "$work"
 
 # A certificate for test machines, made once.
@@ -50,9 +49,8 @@ sign() {
 strip_into() {
     local name
     name=$(basename "$2").debug
-    $cross-objcopy --only-keep-debug "$2" "$1/$name"
-    $cross-strip --strip-all "$2"
-    (cd "$1" && $cross-objcopy --add-gnu-debuglink="$name" "$2")
+    llvm-objcopy --only-keep-debug "$2" "$1/$name"
+    (cd "$1" && llvm-objcopy --strip-all --add-gnu-debuglink="$name" "$2")
 }
 
 # page MARKDOWN HTML: a manual for a browser.
