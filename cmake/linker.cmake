@@ -5,7 +5,7 @@ if(VXMGMT_LLD_PROGRAM)
     option(VXMGMT_LLD "Link with lld" ON)
 endif()
 if(VXMGMT_LLD AND CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    add_link_options("SHELL:-wrapper ${CMAKE_CURRENT_LIST_DIR}/link-with-lld.sh")
+    add_link_options("SHELL:-wrapper \"${CMAKE_CURRENT_LIST_DIR}/link-with-lld.sh\"")
 endif()
 # What a smashed stack ends in; the driver brings its own.
 if(MINGW)

@@ -126,6 +126,7 @@ std::vector<Port> Read(Invocation& invocation, const Candidates& candidates) {
 struct Remembered {
     std::recursive_mutex lock;  // reading finds out which ports are silent
     bool active = false;
+    uint64_t generation = 0;
     std::optional<std::vector<Port>> ports;
 };
 
@@ -245,12 +246,18 @@ void DoesNotAnswer(Invocation& invocation, Port* port) {
 InventoryMemory::InventoryMemory() {
     const std::lock_guard guard(Memory().lock);
     Memory().active = true;
+    ++Memory().generation;
 }
 
 InventoryMemory::~InventoryMemory() {
     const std::lock_guard guard(Memory().lock);
     Memory().active = false;
     Memory().ports.reset();
+}
+
+uint64_t InventoryGeneration() {
+    const std::lock_guard guard(Memory().lock);
+    return Memory().active ? Memory().generation : 0;
 }
 
 std::vector<Port> ReadPorts(Invocation& invocation) {

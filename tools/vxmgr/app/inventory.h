@@ -66,6 +66,9 @@ class InventoryMemory {
     InventoryMemory& operator=(const InventoryMemory&) = delete;
 };
 
+// Tells an InventoryMemory that lives from others; 0: none does.
+uint64_t InventoryGeneration();
+
 // Marks a port that did not answer in time.
 void DoesNotAnswer(Invocation& invocation, Port* port);
 

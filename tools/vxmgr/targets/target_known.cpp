@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vxmgr/app/answer_memory.h"
+
 namespace vxmgr {
 namespace {
 
@@ -28,6 +30,40 @@ void AddDiscovered(uint32_t handle, std::vector<KnownTarget>* targets) {
             }
         }
     }
+}
+
+struct KnownAnswer {
+    HX_STATUS status = HXMGT_SUCCESS;
+    std::vector<KnownTarget> targets;
+};
+
+KnownAnswer AskKnownTargets(bool currentGeneration, uint32_t handle) {
+    KnownAnswer answer;
+    std::vector<HX_DEVICE_RECORD> devices;
+    answer.status = ReadPortDatabase(handle, &devices);
+    for (const HX_DEVICE_RECORD& device : devices) {
+        if ((device.roleAndState & kRoleMask) != kInitiatorAlone) {
+            answer.targets.push_back({device, !currentGeneration, std::nullopt});
+        }
+    }
+    if (currentGeneration) {
+        AddDiscovered(handle, &answer.targets);
+    }
+    return answer;
+}
+
+struct MaskAnswer {
+    HX_STATUS status = HXMGT_SUCCESS;
+    LunSet masked;
+};
+
+MaskAnswer AskLiveMask(uint32_t limit, uint32_t handle, const Wwn& target) {
+    const HX_SCSI_ADDRESS address = AddressByPortName(target);
+    // A driver may answer with less than the whole mask: what it says nothing of is visible.
+    uint8_t mask[HX_LUN_MASK_SIZE];
+    std::memset(mask, 0xFF, sizeof mask);
+    const HX_STATUS status = HXGetHbaTargetLunMaskFC(handle, 0, &address, 0, mask, sizeof mask);
+    return {status, MaskedOf(mask) & FirstLuns(limit)};
 }
 
 }  // namespace
@@ -56,21 +92,11 @@ HX_STATUS ReadPortDatabase(uint32_t handle, std::vector<HX_DEVICE_RECORD>* devic
 }
 
 HX_STATUS ReadKnownTargets(const Port& port, uint32_t handle, std::vector<KnownTarget>* targets) {
-    targets->clear();
-    std::vector<HX_DEVICE_RECORD> devices;
-    if (const HX_STATUS status = ReadPortDatabase(handle, &devices); status != HXMGT_SUCCESS) {
-        return status;
-    }
-    const bool current = port.IsCurrentGeneration();
-    for (const HX_DEVICE_RECORD& device : devices) {
-        if ((device.roleAndState & kRoleMask) != kInitiatorAlone) {
-            targets->push_back({device, !current, std::nullopt});
-        }
-    }
-    if (current) {
-        AddDiscovered(handle, targets);
-    }
-    return HXMGT_SUCCESS;
+    static AnswerMemory<uint32_t, KnownAnswer> memory;
+    KnownAnswer answer =
+        memory.Get(port.index, [&] { return AskKnownTargets(port.IsCurrentGeneration(), handle); });
+    *targets = std::move(answer.targets);
+    return answer.status;
 }
 
 std::optional<bool> IsBound(const Port& port, const KnownTarget& target) {
@@ -95,13 +121,11 @@ HX_SCSI_ADDRESS AddressByPortName(const Wwn& target) {
 }
 
 HX_STATUS ReadLiveMask(const Port& port, uint32_t handle, const Wwn& target, LunSet* masked) {
-    const HX_SCSI_ADDRESS address = AddressByPortName(target);
-    // A driver may answer with less than the whole mask: what it says nothing of is visible.
-    uint8_t mask[HX_LUN_MASK_SIZE];
-    std::memset(mask, 0xFF, sizeof mask);
-    const HX_STATUS status = HXGetHbaTargetLunMaskFC(handle, 0, &address, 0, mask, sizeof mask);
-    *masked = MaskedOf(mask) & FirstLuns(LunLimit(port));
-    return status;
+    static AnswerMemory<std::pair<uint32_t, std::string>, MaskAnswer> memory;
+    const MaskAnswer answer = memory.Get(
+        {port.index, target.Digits()}, [&] { return AskLiveMask(LunLimit(port), handle, target); });
+    *masked = answer.masked;
+    return answer.status;
 }
 
 HX_STATUS WriteLiveMask(uint32_t handle, const Wwn& target, const LunSet& masked) {

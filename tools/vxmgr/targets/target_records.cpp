@@ -1,5 +1,6 @@
 #include "vxmgr/targets/target_records.h"
 
+#include "vxmgr/app/answer_memory.h"
 #include "vxmgr/fabric/scsi_units.h"
 
 namespace vxmgr {
@@ -22,37 +23,57 @@ std::optional<LunSet> StoredMaskOf(const PortTargets& targets, const Wwn& target
                : std::optional(MaskedOf(*record) & FirstLuns(LunLimit(targets.OwnPort())));
 }
 
-HX_STATUS ReadReportedLuns(const TellMessage& tell, const Port& port, uint32_t handle,
-                           const Wwn& target, LunSet* luns) {
+namespace {
+
+struct LunsAnswer {
+    HX_STATUS status = HXMGT_SUCCESS;
+    LunSet luns;
+};
+
+LunsAnswer AskReportedLuns(const Port& port, uint32_t handle, const Wwn& target) {
     constexpr size_t kRoom = 4096;  // more an older driver does not move
     constexpr size_t kLargeRoom = 8 * (HX_MAX_LUNS + 1);
     const HX_SCSI_ADDRESS address = AddressByPortName(target);
     std::vector<uint8_t> list(port.IsCurrentGeneration() ? kLargeRoom : kRoom);
     uint8_t sense[256] = {};
-    const HX_STATUS status = HXSendScsiReportLunsCmdFC(
+    LunsAnswer answer;
+    answer.status = HXSendScsiReportLunsCmdFC(
         handle, &address, list.data(), static_cast<uint32_t>(list.size()), sense, sizeof sense);
+    if (answer.status == HXMGT_SUCCESS || answer.status == HXMGT_BUILT_BY_API) {
+        for (const LunEntry& entry : DecodeLuns(list)) {
+            if (entry.lun && *entry.lun < answer.luns.size()) {
+                answer.luns.set(static_cast<size_t>(*entry.lun));
+            }
+        }
+    }
+    return answer;
+}
+
+}  // namespace
+
+HX_STATUS ReadReportedLuns(const TellMessage& tell, const Port& port, uint32_t handle,
+                           const Wwn& target, LunSet* luns) {
+    static AnswerMemory<std::pair<uint32_t, std::string>, LunsAnswer> memory;
+    const LunsAnswer answer = memory.Get({port.index, target.Digits()},
+                                         [&] { return AskReportedLuns(port, handle, target); });
     const std::string object = port.Object() + " " + target.Colons();
-    luns->reset();
-    if (status == HXMGT_BUILT_BY_API) {
+    *luns = answer.luns;
+    if (answer.status == HXMGT_BUILT_BY_API) {
         tell({Severity::Info,
               object + ": the target refuses REPORT LUNS: LUNs 0 to 7 were asked",
               "LUNs above 7 may be there and are not seen",
               {},
               {}});
-    } else if (status != HXMGT_SUCCESS) {
+        return HXMGT_SUCCESS;
+    }
+    if (answer.status != HXMGT_SUCCESS) {
         tell({Severity::Warning,
-              object + ": the target does not report its LUNs: " + StatusMessage(status),
+              object + ": the target does not report its LUNs: " + StatusMessage(answer.status),
               {},
               {},
               {}});
-        return status;
     }
-    for (const LunEntry& entry : DecodeLuns(list)) {
-        if (entry.lun && *entry.lun < luns->size()) {
-            luns->set(static_cast<size_t>(*entry.lun));
-        }
-    }
-    return HXMGT_SUCCESS;
+    return answer.status;
 }
 
 std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
