@@ -9,7 +9,7 @@ as_root() {
 }
 
 # A private Wine prefix inside the build folder, without a display. Its name may have a suffix:
-# another machine (tests/on_machine.sh), which begins as a copy of the first.
+# another machine. One with a number (tests/on_machine.sh) begins as a copy of the first.
 wine_start() {
     export WINEPREFIX=$root/build/wine${1:-}
     export WINEDEBUG=-all
@@ -20,7 +20,7 @@ wine_start() {
     wineserver=$(command -v wineserver || ls /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver 2>/dev/null | head -n 1)
     if [ -e "$WINEPREFIX/system.reg" ]; then
         :
-    elif [ -e "$root/build/wine/system.reg" ]; then
+    elif [[ ${1:-} = -[0-9] ]] && [ -e "$root/build/wine/system.reg" ]; then
         cp -a "$root/build/wine/." "$WINEPREFIX"
     else
         echo "Making a Wine prefix (once, about ten seconds)"

@@ -47,7 +47,8 @@ state() {
     for key in 'HKLM\Software\SNIA' 'HKLM\Software\VXMGMT' \
         'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' \
         'HKLM\System\CurrentControlSet\Control\Session Manager\Environment'; do
-        wine reg query "$key" /s 2>/dev/null </dev/null | tr -d '\r' >>"$1" || true
+        # Wine leaves the separator of what it takes from the path.
+        wine reg query "$key" /s 2>/dev/null </dev/null | tr -d '\r' | sed 's/;*$//' >>"$1" || true
     done
 }
 # installer EXIT ARGUMENTS...: msiexec, without questions.
@@ -96,7 +97,8 @@ diff "$work/before" "$work/after" >"$work/log" || fail "something is left: $(hea
 
 # Without the features that touch other things.
 installer 0 /i "$installer" ADDLOCAL=Main
-! wine cmd /c vxmgr version >/dev/null 2>&1 </dev/null || fail "on the path without being asked"
+wine cmd /c vxmgr version >"$work/log" 2>&1 </dev/null || true
+! grep -q "$version" "$work/log" || fail "on the path without being asked"
 ! wine reg query 'HKLM\Software\SNIA\HBA\VXCORE' >/dev/null 2>&1 </dev/null ||
     fail "registered without being asked"
 installer 0 /x "$installer"

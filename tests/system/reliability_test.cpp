@@ -298,7 +298,7 @@ TEST_F(SystemReliability, KilledProgramsAreUndoneAndFinished) {
         Use(*kind);
         std::set<std::string> phases;
         Cases cases(*kind, "killed at a request");
-        const int step = !IsLong() ? 37 : kind == kFew[0] ? 1 : 4;
+        const int step = !IsLong() ? 55 : kind == kFew[0] ? 1 : 4;
         bool alive = true;
         for (int request = 0; alive; request += step) {
             Count(cases, "request " + std::to_string(request), [&] {
