@@ -19,6 +19,10 @@ endif()
 if(VXMGMT_ANYWHERE)
     add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build
                         -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        # What these views look like hangs on where the compiler's own memory lies.
+        add_compile_options(-gno-variable-location-views)
+    endif()
 endif()
 # Wine maps what lies on pages of a file and copies everything else, debug information too, at every
 # start of a program.
