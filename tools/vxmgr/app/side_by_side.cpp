@@ -1,10 +1,12 @@
 #include "vxmgr/app/side_by_side.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <system_error>
-#include <thread>
+
+#include "vxmgr/app/worker_threads.h"
 
 namespace vxmgr {
 
@@ -25,8 +27,13 @@ struct TaskBoard {
     const bool given;  // by the user: holds for every answer
     std::mutex lock;   // guards what follows
     std::condition_variable changed;
+    std::vector<PortWork> works;  // empty when none is to be begun any more
     std::vector<Place> places;
-    size_t threads = 0;
+    size_t next = 0;      // the first one that was not begun
+    size_t starting = 0;  // threads that have not looked here yet
+    size_t threads = 0;   // at work
+
+    bool HasNext() const { return next < works.size(); }
 };
 
 namespace {
@@ -40,24 +47,46 @@ constexpr milliseconds kAnnounceAfter{1000};
 constexpr milliseconds kPoll{100};  // a stop request is seen as late as this
 constexpr milliseconds kGrace{1000};
 
+// So many are asked at a time: more threads keep each other waiting. A port that takes longer than
+// usual for an answer does not count: no number of them holds up the others.
+constexpr size_t kAtATime = 8;
+constexpr milliseconds kUsualAnswer{20};
+
 // Ends the work on a port that nobody waits for.
 struct Unwanted {};
 
-// On the port's own thread. What the work owns is gone before it counts as done.
-void RunOnBoard(const std::shared_ptr<TaskBoard>& board, size_t place, PortWork work) {
-    std::exception_ptr error;
+// What the work owns is gone before it counts as done.
+std::exception_ptr RunOne(const std::shared_ptr<TaskBoard>& board, size_t place, PortWork work) {
     try {
         PortTask task(board, place);
         work.run(task);
     } catch (const Unwanted&) {
     } catch (...) {
-        error = std::current_exception();
+        return std::current_exception();
     }
-    work = {};
-    const std::lock_guard guard(board->lock);
-    Place& own = board->places[place];
-    own.error = error;
-    own.state = own.state == State::GivenUp ? State::GivenUp : State::Done;
+    return nullptr;
+}
+
+// On a thread of its own: one port after the other, up to one that was given up.
+void WorkOnBoard(const std::shared_ptr<TaskBoard>& board) {
+    std::unique_lock guard(board->lock);
+    --board->starting;
+    ++board->threads;
+    bool wanted = true;
+    while (wanted && board->HasNext()) {
+        const size_t place = board->next++;
+        board->places[place].state = State::Running;
+        board->places[place].asked = Clock::now();
+        board->places[place].patience = board->usual;
+        PortWork work = std::move(board->works[place]);
+        guard.unlock();
+        const std::exception_ptr error = RunOne(board, place, std::move(work));
+        guard.lock();
+        Place& own = board->places[place];
+        own.error = error;
+        wanted = own.state == State::Running;
+        own.state = wanted ? State::Done : own.state;
+    }
     --board->threads;
     board->changed.notify_all();
 }
@@ -65,19 +94,22 @@ void RunOnBoard(const std::shared_ptr<TaskBoard>& board, size_t place, PortWork 
 class Supervisor {
   public:
     Supervisor(Invocation& invocation, std::vector<PortWork> works)
-        : invocation_(invocation),
-          works_(std::move(works)),
-          width_(invocation.Given().Has("trace") ? 1 : works_.size()),
-          board_(new TaskBoard{
-              AnswerTime(invocation), invocation.Given().Has("timeout"), {}, {}, {}, 0}) {
-        board_->places.resize(works_.size());
-        for (const PortWork& work : works_) {
+        : invocation_(invocation), oneByOne_(invocation.Given().Has("trace")) {
+        for (const PortWork& work : works) {
             names_.push_back(work.name);
         }
+        board_.reset(new TaskBoard{AnswerTime(invocation),
+                                   invocation.Given().Has("timeout"),
+                                   {},
+                                   {},
+                                   std::move(works),
+                                   {}});
+        board_->places.resize(names_.size());
     }
 
     ~Supervisor() {
         std::unique_lock guard(board_->lock);
+        board_->works.clear();
         bool stopped = false;
         for (Place& place : board_->places) {
             if (place.state == State::Running) {
@@ -97,8 +129,8 @@ class Supervisor {
     std::vector<bool> Run() {
         const LimitPause pause(invocation_.Stop());
         std::unique_lock guard(board_->lock);
-        while (StartAndCount() != 0) {
-            board_->changed.wait_for(guard, kPoll);
+        while (StartThreads()) {
+            board_->changed.wait_for(guard, board_->HasNext() ? kUsualAnswer : kPoll);
             const std::string waited = LookAtTheTime();
             guard.unlock();
             if (!waited.empty()) {
@@ -111,27 +143,34 @@ class Supervisor {
     }
 
   private:
-    // Starts what there is room for; how many run.
-    size_t StartAndCount() {
-        size_t running = 0;
+    // As many as are missing; false when all is done.
+    bool StartThreads() {
+        const Clock::time_point now = Clock::now();
+        size_t running = board_->starting;
+        size_t quick = board_->starting;
         for (const Place& place : board_->places) {
-            running += place.state == State::Running ? 1 : 0;
-        }
-        for (; next_ < works_.size() && running < width_; ++next_) {
-            Place& place = board_->places[next_];
-            place.state = State::Running;
-            place.asked = Clock::now();
-            place.patience = board_->usual;
-            try {
-                std::thread(RunOnBoard, board_, next_, std::move(works_[next_])).detach();
-                ++board_->threads;
+            if (place.state == State::Running) {
                 ++running;
-            } catch (const std::system_error&) {
-                place.error = std::current_exception();
-                place.state = State::Done;
+                quick += now - place.asked < kUsualAnswer ? 1 : 0;
             }
         }
-        return running;
+        const size_t most = oneByOne_ ? 1 : kAtATime;
+        const size_t busy = oneByOne_ ? running : quick;
+        const size_t left = board_->works.size() - board_->next;
+        for (size_t missing = std::min(left, most - std::min(most, busy)); missing > 0; --missing) {
+            try {
+                RunOnWorker([board = board_] { WorkOnBoard(board); });
+                ++board_->starting;
+                ++running;
+            } catch (const std::system_error&) {
+                if (running != 0) {
+                    break;  // those at work go on with the rest
+                }
+                board_->places[board_->next].error = std::current_exception();
+                board_->places[board_->next++].state = State::Done;
+            }
+        }
+        return running != 0 || board_->HasNext();
     }
 
     // Gives up those whose time is over; those to announce, as a list.
@@ -173,11 +212,9 @@ class Supervisor {
     }
 
     Invocation& invocation_;
-    std::vector<PortWork> works_;
     std::vector<std::string> names_;
-    const size_t width_;
-    const std::shared_ptr<TaskBoard> board_;
-    size_t next_ = 0;
+    const bool oneByOne_;
+    std::shared_ptr<TaskBoard> board_;
 };
 
 }  // namespace

@@ -1,5 +1,4 @@
-// Work on several ports at a time, each on a thread of its own: a port whose driver hangs holds up
-// nobody else.
+// Work on several ports at a time: a port whose driver hangs holds up nobody else.
 #pragma once
 
 #include <chrono>

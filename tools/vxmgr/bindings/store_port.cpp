@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "vxmgr/app/answer_memory.h"
+
 namespace vxmgr {
 namespace {
 
@@ -48,17 +50,25 @@ bool IsAbsent(const HX_TARGET_DATA&) {
 }
 
 template <class Block>
-void ReadStored(const Port& port, uint32_t handle, StoredBlock<Block>* stored) {
-    const HX_STATUS status = Load(handle, *stored->block);
+StoredBlock<Block> AskStored(const Port& port, uint32_t handle) {
+    StoredBlock<Block> stored;
+    const HX_STATUS status = Load(handle, *stored.block);
     if (status == HXMGT_SUCCESS) {
-        stored->state = StoreState::Stored;
-        stored->block->count = std::min<uint16_t>(stored->block->count, HX_MAX_TARGETS);
+        stored.state = StoreState::Stored;
+        stored.block->count = std::min<uint16_t>(stored.block->count, HX_MAX_TARGETS);
     } else {
-        stored->block = std::make_unique<Block>();  // a failed read may have touched it
-        stored->state = HasNothing(port) || IsAbsent(*stored->block) ? StoreState::Nothing
-                                                                     : StoreState::Unusable;
-        stored->status = status == HXMGT_REGISTRY_INVALID ? HX_STATUS{HXMGT_SUCCESS} : status;
+        stored.block = std::make_unique<Block>();  // a failed read may have touched it
+        stored.state = HasNothing(port) || IsAbsent(*stored.block) ? StoreState::Nothing
+                                                                   : StoreState::Unusable;
+        stored.status = status == HXMGT_REGISTRY_INVALID ? HX_STATUS{HXMGT_SUCCESS} : status;
     }
+    return stored;
+}
+
+template <class Block>
+void ReadStored(const Port& port, uint32_t handle, StoredBlock<Block>* stored) {
+    static AnswerMemory<uint32_t, StoredBlock<Block>> memory;
+    *stored = memory.Get(port.index, [&] { return AskStored<Block>(port, handle); });
 }
 
 // The first failure, with what it was about in *query.

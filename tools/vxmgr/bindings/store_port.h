@@ -23,6 +23,12 @@ struct StoredBlock {
     StoreState state = StoreState::Nothing;
     std::unique_ptr<Block> block = std::make_unique<Block>();  // of zeros unless stored
 
+    StoredBlock() = default;
+    StoredBlock(const StoredBlock& other)
+        : status(other.status), state(other.state), block(std::make_unique<Block>(*other.block)) {}
+    StoredBlock(StoredBlock&&) = default;
+    StoredBlock& operator=(StoredBlock&&) = default;
+
     bool IsStored() const { return state == StoreState::Stored; }
 };
 

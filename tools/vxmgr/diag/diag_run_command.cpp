@@ -75,14 +75,14 @@ Finding CheckStoredCode(const Subject& subject) {
     if (subject.sibling) {
         return {CheckOutcome::Skipped, "as of port " + std::to_string(*subject.sibling)};
     }
-    FlashLayout layout;
-    const HX_STATUS status = QueryFlashLayout(subject.handle, &layout);
+    std::vector<StoredCode> stored;
+    const HX_STATUS status = ReadStoredCode(
+        subject.port, subject.handle, [&subject] { subject.task.Answered(kCheckTime); }, &stored);
     if (status != HXMGT_SUCCESS) {
         return OfStatus(status);
     }
     Finding finding;
-    for (const StoredCode& code : ReadStoredCode(
-             subject.handle, layout, [&subject] { subject.task.Answered(kCheckTime); })) {
+    for (const StoredCode& code : stored) {
         const std::string running = RunningVersion(subject.port, code.region.code);
         const std::string damage = DamageOf(code, running);
         if (code.status != HXMGT_SUCCESS) {

@@ -131,13 +131,10 @@ CodeReading ReadingOf(const Port& port, const StoredCode& code) {
 
 // The first region that cannot be read gives the status.
 HX_STATUS AskCode(PortVisit& visit, HealthReading& reading) {
-    FlashLayout layout;
-    HX_STATUS status = QueryFlashLayout(visit.Handle(), &layout);
-    if (status != HXMGT_SUCCESS) {
-        return status;
-    }
-    for (const StoredCode& code :
-         ReadStoredCode(visit.Handle(), layout, [&visit] { visit.task.Answered(kWholeRegion); })) {
+    std::vector<StoredCode> stored;
+    HX_STATUS status = ReadStoredCode(
+        visit.port, visit.Handle(), [&visit] { visit.task.Answered(kWholeRegion); }, &stored);
+    for (const StoredCode& code : stored) {
         status = status == HXMGT_SUCCESS ? code.status : status;
         reading.adapter->code.push_back(ReadingOf(visit.port, code));
     }

@@ -1,11 +1,9 @@
 #include "vxmgr/support/snapshot.h"
 
 #include <algorithm>
-#include <span>
 #include <thread>
 
 #include "vxmgr/app/host_name.h"
-#include "vxmgr/app/side_by_side.h"
 
 namespace vxmgr {
 namespace {
@@ -53,9 +51,6 @@ constexpr SnapshotRow kRows[] = {
     {.command = "vpd show", .ofEachPort = true},
     {.command = "flash layout", .ofEachPort = true},
 };
-
-// What a command about one port may take as a whole; it asks several times.
-constexpr std::chrono::seconds kPortTime{20};
 
 std::vector<std::string> WordsOf(const SnapshotRow& row) {
     std::vector<std::string> words = Split(row.command, ' ');
@@ -117,76 +112,35 @@ TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string 
             IsGoodEnding(run.exit)};
 }
 
-// More threads than these keep each other waiting.
-constexpr size_t kPortsAtATime = 4;
-
-// The documents about each port, some ports side by side.
-std::vector<TakenDocument> TakeOfPorts(Invocation& invocation, const std::vector<SnapshotRow>& rows,
-                                       std::span<Port* const> ports) {
-    using Made = std::vector<TakenDocument>;
-    std::vector<PortQuestion<Made>> questions;
-    for (const Port* port : ports) {
-        const auto take = [&invocation, rows, own = *port](PortTask& task, Made& made) {
-            for (const SnapshotRow& row : rows) {
-                task.Answered(kPortTime);
-                std::vector<std::string> words = WordsOf(row);
-                words.push_back("-p");
-                words.push_back(own.Object());
-                NestedCommand nested(invocation, std::move(words));
-                made.push_back(Taken(invocation, row,
-                                     MemberName(row.command) + "/port-" + std::to_string(own.index),
-                                     nested));
-            }
-        };
-        questions.push_back({port->Name(), take});
-    }
-    std::vector<TakenDocument> documents;
-    auto answers = AskSideBySide(invocation, std::move(questions));
-    for (size_t i = 0; i < answers.size(); ++i) {
-        if (!answers[i]) {
-            DoesNotAnswer(invocation, ports[i]);
-            invocation.Warn(ports[i]->failedQuery + ": its own documents are missing");
-            continue;
-        }
-        for (TakenDocument& document : *answers[i]) {
-            documents.push_back(std::move(document));
-        }
-    }
-    return documents;
-}
-
 }  // namespace
 
 std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
     const OpenPortsMemory open(plan.traceFolder);
     std::vector<Port> ports = ReadPorts(invocation);
-    std::vector<Port*> selected = SelectPorts(invocation, ports);
     std::vector<TakenDocument> documents;
-    const auto take = [&](const SnapshotRow& row) {
+    const auto take = [&](const SnapshotRow& row, const std::string& member,
+                          const std::vector<std::string>& selection) {
         std::vector<std::string> words = WordsOf(row);
-        const std::vector<std::string> selection = SelectionOf(invocation);
         words.insert(words.end(), selection.begin(), selection.end());
-        invocation.ProgressLine("taking " + std::string(row.command));
         NestedCommand nested(invocation, std::move(words));
-        documents.push_back(Taken(invocation, row, MemberName(row.command), nested));
+        documents.push_back(Taken(invocation, row, member, nested));
         invocation.CheckStop();
     };
-    std::vector<SnapshotRow> ofEachPort;
+    const std::vector<Port*> selected = SelectPorts(invocation, ports);
     for (const SnapshotRow& row : KnownRows(invocation, plan.forReport)) {
-        if (row.ofEachPort) {
-            ofEachPort.push_back(row);
-        } else {
-            take(row);
+        invocation.ProgressLine("taking " + std::string(row.command));
+        if (!row.ofEachPort) {
+            take(row, MemberName(row.command), SelectionOf(invocation));
+            continue;
+        }
+        for (const Port* port : selected) {
+            if (port->answers) {
+                take(row, MemberName(row.command) + "/port-" + std::to_string(port->index),
+                     {"-p", port->Object()});
+            }
         }
     }
     invocation.ProgressLine("");
-    std::erase_if(selected, [](const Port* port) { return !port->answers; });
-    for (size_t i = 0; i < selected.size() && !ofEachPort.empty(); i += kPortsAtATime) {
-        const std::span some(selected.data() + i, std::min(kPortsAtATime, selected.size() - i));
-        for (TakenDocument& document : TakeOfPorts(invocation, ofEachPort, some)) {
-            documents.push_back(std::move(document));
-        }
-    }
     for (TakenDocument& document : documents) {
         document.good |= ports.empty() && document.exit == ExitCode::NotFound;
     }

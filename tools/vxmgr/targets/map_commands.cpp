@@ -101,11 +101,9 @@ class Mapper {
     std::vector<PortAnswer<Mapped>> answers_;
 };
 
-// Shared with threads that may be left behind.
-using SharedSystem = std::shared_ptr<const SystemDevices>;
-SharedSystem ReadSystem(Invocation& invocation) {
-    const auto system = std::make_shared<SystemDevices>();
-    invocation.Require(system->Read(), "the system's devices cannot be listed");
+SharedDevices ReadSystem(Invocation& invocation) {
+    SharedDevices system;
+    invocation.Require(ReadSystemDevices(&system), "the system's devices cannot be listed");
     return system;
 }
 
@@ -135,7 +133,7 @@ HX_STATUS AddDisks(PortVisit& visit, const std::vector<uint32_t>& disks,
     return status;
 }
 
-MapPort DisksAmong(std::vector<uint32_t> disks, SharedSystem system) {
+MapPort DisksAmong(std::vector<uint32_t> disks, SharedDevices system) {
     return
         [disks = std::move(disks), system = std::move(system)](PortVisit& visit, Mapped* mapped) {
             return AddDisks(visit, disks, *system, &mapped->units);

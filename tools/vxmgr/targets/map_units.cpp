@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "vxmgr/app/answer_memory.h"
+
 namespace vxmgr {
 namespace {
 
@@ -85,6 +87,21 @@ void SystemDevices::Complete(uint32_t scsiPort, MappedUnit* unit) const {
         unit->device = *device;
         unit->volumes = VolumesOn(*device);
     }
+}
+
+HX_STATUS ReadSystemDevices(SharedDevices* devices) {
+    struct Answer {
+        HX_STATUS status = HXMGT_SUCCESS;
+        SharedDevices devices;
+    };
+    static AnswerMemory<int, Answer> memory;
+    const Answer answer = memory.Get(0, [] {
+        const auto read = std::make_shared<SystemDevices>();
+        const HX_STATUS status = read->Read();
+        return Answer{status, read};
+    });
+    *devices = answer.devices;
+    return answer.status;
 }
 
 HX_STATUS ReadDisksOfVolume(const std::string& volume, std::vector<uint32_t>* disks) {

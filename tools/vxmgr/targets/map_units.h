@@ -2,6 +2,8 @@
 // as much room as it takes.
 #pragma once
 
+#include <memory>
+
 #include "vxmgr/targets/map_rows.h"
 
 namespace vxmgr {
@@ -28,6 +30,11 @@ class SystemDevices {
     std::vector<HX_OS_DEVICE> devices_;
     std::vector<HX_DISK_VOLUME> volumes_;
 };
+
+// Shared with threads that may be left behind.
+using SharedDevices = std::shared_ptr<const SystemDevices>;
+
+HX_STATUS ReadSystemDevices(SharedDevices* devices);
 
 // Numbers of the disks that a volume lives on, each once.
 HX_STATUS ReadDisksOfVolume(const std::string& volume, std::vector<uint32_t>* disks);

@@ -55,13 +55,8 @@ constexpr std::chrono::seconds kRegionTime{60};
 
 HX_STATUS AskStoredCode(PortVisit& visit, std::vector<StoredCode>* stored) {
     visit.query = "the flash cannot be read";
-    FlashLayout layout;
-    const HX_STATUS status = QueryFlashLayout(visit.Handle(), &layout);
-    if (status == HXMGT_SUCCESS) {
-        *stored =
-            ReadStoredCode(visit.Handle(), layout, [&visit] { visit.task.Answered(kRegionTime); });
-    }
-    return status;
+    return ReadStoredCode(
+        visit.port, visit.Handle(), [&visit] { visit.task.Answered(kRegionTime); }, stored);
 }
 
 struct FoundCode {

@@ -7,6 +7,7 @@
 
 #include "common/console.h"
 #include "frame/owned.h"
+#include "vxmgr/app/answer_memory.h"
 #include "vxmgr/app/document.h"
 #include "vxmgr/app/library.h"
 #include "vxmgr/app/sha256.h"
@@ -220,15 +221,27 @@ std::optional<UpdateRecord> LoadOf(const std::string& folder, const std::string&
     return record;
 }
 
-// The same; warns.
-std::optional<UpdateRecord> LoadOf(Invocation& invocation, const std::string& folder,
-                                   const std::string& serial) {
-    std::string why;
-    auto record = LoadOf(folder, serial, &why);
-    if (!record) {
-        invocation.Warn("the update in " + folder + " is passed over: " + why);
+std::string PassedOver(const std::string& folder, const std::string& why) {
+    return "the update in " + folder + " is passed over: " + why;
+}
+
+struct NewestAnswer {
+    std::optional<UpdateRecord> newest;
+    std::vector<std::string> passedOver;  // warnings
+};
+
+NewestAnswer FindNewest(const std::string& serial) {
+    const std::vector<std::string> folders =
+        serial.empty() ? std::vector<std::string>() : UpdateFolders(serial);
+    NewestAnswer answer;
+    for (size_t i = folders.size(); i-- != 0 && !answer.newest;) {
+        std::string why;
+        answer.newest = LoadOf(folders[i], serial, &why);
+        if (!answer.newest) {
+            answer.passedOver.push_back(PassedOver(folders[i], why));
+        }
     }
-    return record;
+    return answer;
 }
 
 }  // namespace
@@ -236,22 +249,23 @@ std::optional<UpdateRecord> LoadOf(Invocation& invocation, const std::string& fo
 std::vector<UpdateRecord> UpdatesOf(Invocation& invocation, const std::string& serial) {
     std::vector<UpdateRecord> records;
     for (const std::string& folder : UpdateFolders(serial)) {
-        if (auto record = LoadOf(invocation, folder, serial)) {
+        std::string why;
+        if (auto record = LoadOf(folder, serial, &why)) {
             records.push_back(std::move(*record));
+        } else {
+            invocation.Warn(PassedOver(folder, why));
         }
     }
     return records;
 }
 
 std::optional<UpdateRecord> NewestUpdate(Invocation& invocation, const std::string& serial) {
-    const std::vector<std::string> folders =
-        serial.empty() ? std::vector<std::string>() : UpdateFolders(serial);
-    for (size_t i = folders.size(); i-- != 0;) {
-        if (auto newest = LoadOf(invocation, folders[i], serial)) {
-            return newest;
-        }
+    static AnswerMemory<std::string, NewestAnswer> memory;
+    NewestAnswer answer = memory.Get(serial, [&] { return FindNewest(serial); });
+    for (const std::string& text : answer.passedOver) {
+        invocation.Warn(text);
     }
-    return std::nullopt;
+    return std::move(answer.newest);
 }
 
 std::optional<UpdateRecord> InterruptedUpdate(Invocation& invocation, const std::string& serial) {

@@ -1,5 +1,7 @@
 #include "vxmgr/update/update_stored.h"
 
+#include "vxmgr/app/answer_memory.h"
+
 namespace vxmgr {
 namespace {
 
@@ -18,6 +20,24 @@ constexpr RunningRow kRunning[] = {
     {kWholeFlash, RunningBootCode},
 };
 
+struct CodeAnswer {
+    HX_STATUS status = HXMGT_SUCCESS;
+    std::vector<StoredCode> stored;
+};
+
+CodeAnswer AskStoredCode(uint32_t handle, const std::function<void()>& beforeEach) {
+    FlashLayout layout;
+    CodeAnswer answer;
+    answer.status = QueryFlashLayout(handle, &layout);
+    for (const FlashRegion& region : layout.regions) {
+        if (answer.status == HXMGT_SUCCESS && IsCode(region.code)) {
+            beforeEach();
+            answer.stored.push_back(ReadStored(handle, layout, region));
+        }
+    }
+    return answer;
+}
+
 }  // namespace
 
 StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashRegion& region) {
@@ -30,16 +50,12 @@ StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashReg
     return code;
 }
 
-std::vector<StoredCode> ReadStoredCode(uint32_t handle, const FlashLayout& layout,
-                                       const std::function<void()>& beforeEach) {
-    std::vector<StoredCode> found;
-    for (const FlashRegion& region : layout.regions) {
-        if (IsCode(region.code)) {
-            beforeEach();
-            found.push_back(ReadStored(handle, layout, region));
-        }
-    }
-    return found;
+HX_STATUS ReadStoredCode(const Port& port, uint32_t handle, const std::function<void()>& beforeEach,
+                         std::vector<StoredCode>* stored) {
+    static AnswerMemory<uint32_t, CodeAnswer> memory;
+    CodeAnswer answer = memory.Get(port.index, [&] { return AskStoredCode(handle, beforeEach); });
+    *stored = std::move(answer.stored);
+    return answer.status;
 }
 
 std::string RunningVersion(const Port& port, uint32_t region) {

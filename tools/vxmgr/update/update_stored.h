@@ -23,9 +23,10 @@ constexpr uint32_t BootRegionOf(const FlashLayout& layout) {
 
 StoredCode ReadStored(uint32_t handle, const FlashLayout& layout, const FlashRegion& region);
 
-// All regions with firmware or boot code; beforeEach is called before each is read.
-std::vector<StoredCode> ReadStoredCode(uint32_t handle, const FlashLayout& layout,
-                                       const std::function<void()>& beforeEach);
+// All regions with firmware or boot code; beforeEach is called before each is read. The status: of
+// the flash's layout.
+HX_STATUS ReadStoredCode(const Port& port, uint32_t handle, const std::function<void()>& beforeEach,
+                         std::vector<StoredCode>* stored);
 
 // The version that runs of what a region holds; empty: nothing is started from there.
 std::string RunningVersion(const Port& port, uint32_t region);

@@ -13,17 +13,17 @@ namespace {
 
 constexpr Argument kTreeArguments[] = {kSelectTargetArgument};
 
-// Shared with threads that may be left behind.
-using SharedDevices = std::shared_ptr<const SystemDevices>;
-
 // A system that does not list its devices leaves a tree without disks and volumes.
 SharedDevices DevicesOfSystem(Invocation& invocation) {
-    const auto devices = std::make_shared<SystemDevices>();
-    std::vector<PortQuestion<HX_STATUS>> questions{
+    struct Listed {
+        HX_STATUS status = HXMGT_TIMED_OUT;
+        SharedDevices devices;
+    };
+    std::vector<PortQuestion<Listed>> questions{
         {"the system's list of devices",
-         [devices](PortTask&, HX_STATUS& status) { status = devices->Read(); }}};
-    const auto answers = AskSideBySide(invocation, std::move(questions));
-    const HX_STATUS status = answers.front().value_or(HXMGT_TIMED_OUT);
+         [](PortTask&, Listed& listed) { listed.status = ReadSystemDevices(&listed.devices); }}};
+    const auto [status, devices] =
+        AskSideBySide(invocation, std::move(questions)).front().value_or(Listed());
     if (status != HXMGT_SUCCESS) {
         invocation.Add({Severity::Warning,
                         "disks and volumes are left out, as the system's devices cannot be "
