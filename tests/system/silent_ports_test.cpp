@@ -1,5 +1,6 @@
 // Ports that do not answer: they keep their rows, and hold up nobody else.
 #include <chrono>
+#include <set>
 
 #include "emulated_driver.h"
 
@@ -82,6 +83,34 @@ TEST_F(SystemSilentPorts, KeepTheirIndexAndHoldUpNobodyElse) {
     EXPECT_EQ(1, Document("--timeout 2 diag run")["exit"]);
     // The standard API would wait for it at each of its own counts.
     EXPECT_EQ(7, Document("--timeout 2 hbaapi list")["exit"]);
+}
+
+// A port that answers at first, and not when it is asked about one of its targets.
+TEST_F(SystemSilentPorts, FallSilentInTheMiddleOfAList) {
+    struct Case {
+        const char* request;
+        const char* command;
+        const char* rows;
+    };
+    for (const Case& one : {Case{"TargetLunMaskFc", "target list", "targets"},
+                            Case{"TargetLunMaskFc", "lunmask show", "masks"},
+                            Case{"ScsiPassThrough", "target luns", "luns"}}) {
+        Fault(std::string("scsi:4 --do hang 4000 --times 1 --code ") + one.request);
+        const json document = Document(std::string("--timeout 2 ") + one.command);
+        EXPECT_EQ(11, document["exit"]) << one.command;
+        std::set<std::string> silent;
+        std::set<int> others;
+        for (const json& row : document["result"][one.rows]) {
+            const int index = row["port"].number();
+            if (index == 1) {
+                silent.insert(row["status"].text());
+            } else {
+                others.insert(index);
+            }
+        }
+        EXPECT_EQ(std::set<std::string>{"0x20000091"}, silent) << one.command;
+        EXPECT_EQ((std::set<int>{0, 2, 3}), others) << one.command;
+    }
 }
 
 // The silent port has no serial number, so it counts as an adapter of its own: a number behind it

@@ -113,7 +113,7 @@ ExitCode BindList(Invocation& invocation) {
         }
         AddBindings(targets, stores, rows);
     };
-    return ListPortTargets(invocation, kBindListFields, add);
+    return ListPortTargets(invocation, kBindListFields, {}, add);
 }
 
 }  // namespace

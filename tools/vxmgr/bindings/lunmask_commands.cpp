@@ -6,7 +6,7 @@
 #include "vxmgr/commands.h"
 #include "vxmgr/fabric/scsi_unit.h"
 #include "vxmgr/targets/target_records.h"
-#include "vxmgr/targets/target_select.h"
+#include "vxmgr/targets/target_walk.h"
 
 namespace vxmgr {
 namespace {
@@ -70,8 +70,7 @@ void AddMasks(Invocation& invocation, const PortTargets& targets, const StoreCho
     };
     for (const KnownTarget& known : targets.known) {
         const Wwn name = known.PortName();
-        const MaskRow row{&port, name, known.NodeName(),
-                          stores.live ? LiveMaskOf(targets, known) : std::nullopt,
+        const MaskRow row{&port, name, known.NodeName(), known.masked,
                           stores.registry ? StoredMaskOf(targets, name) : std::nullopt};
         if (row.live || row.stored || stores.live) {
             addWanted(row);
@@ -191,13 +190,14 @@ ExitCode ChangeMask(Invocation& invocation) {
 ExitCode LunMaskShow(Invocation& invocation) {
     CheckTargetOption(invocation);
     const StoreChoice stores = GivenStores(invocation);
+    const TargetQuestions questions{.masks = stores.live, .only = WantedTarget(invocation)};
     const auto add = [&](const PortTargets& targets, std::vector<MaskRow>* rows) {
         if (stores.registry) {
             TellState(invocation, targets.OwnPort(), targets.masks.state, "LUN masks");
         }
         AddMasks(invocation, targets, stores, rows);
     };
-    const ExitCode exit = ListPortTargets(invocation, kMaskListFields, add);
+    const ExitCode exit = ListPortTargets(invocation, kMaskListFields, questions, add);
     if (invocation.Result().MainList()->records.empty() && invocation.Given().Has("target")) {
         invocation.Fail(
             ExitCode::NotFound,

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "vxmgr/app/answer_memory.h"
+#include "vxmgr/targets/target_records.h"
+#include "vxmgr/targets/target_select.h"
 
 namespace vxmgr {
 namespace {
@@ -84,12 +86,42 @@ HX_STATUS ReadAll(PortTargets* targets, const char** query) {
                                                      : targets->masks.status;
 }
 
-HX_STATUS ReadPortTargets(PortVisit& visit, PortTargets* targets) {
+void AskAboutTargets(PortTask& task, const TargetQuestions& questions, PortTargets* targets) {
+    const Port& port = targets->OwnPort();
+    const KnownTarget* const only =
+        questions.only ? FindKnown(targets->known, *questions.only) : nullptr;
+    const TellMessage tell = [&task](Message message) { task.Tell(std::move(message)); };
+    for (KnownTarget& target : targets->known) {
+        if (questions.only && only != &target) {
+            continue;
+        }
+        LunSet luns;
+        if (questions.masks) {
+            task.Answered();
+            if (ReadLiveMask(port, targets->Handle(), target.PortName(), &luns) == HXMGT_SUCCESS) {
+                target.masked = luns;
+            }
+        }
+        if (questions.luns) {
+            task.Answered();
+            if (ReadReportedLuns(tell, port, targets->Handle(), target.PortName(), &luns) ==
+                HXMGT_SUCCESS) {
+                target.reported = luns;
+            }
+        }
+    }
+}
+
+HX_STATUS ReadPortTargets(PortVisit& visit, const TargetQuestions& questions,
+                          PortTargets* targets) {
     targets->session.port = visit.port;
     targets->session.device = std::move(visit.device);
     const char* query = "";
     const HX_STATUS status = ReadAll(targets, &query);
     visit.query = query;
+    if (status == HXMGT_SUCCESS) {
+        AskAboutTargets(visit.task, questions, targets);
+    }
     return status;
 }
 
@@ -133,9 +165,12 @@ PortTargets OpenPortTargets(Invocation& invocation) {
 }
 
 std::vector<PortAnswer<PortTargets>> AskPortTargets(Invocation& invocation,
-                                                    std::vector<Port>& ports) {
-    auto answers =
-        ForEachPort<PortTargets>(invocation, SelectPorts(invocation, ports), ReadPortTargets);
+                                                    std::vector<Port>& ports,
+                                                    const TargetQuestions& questions) {
+    const AskPort<PortTargets> ask = [questions](PortVisit& visit, PortTargets* targets) {
+        return ReadPortTargets(visit, questions, targets);
+    };
+    auto answers = ForEachPort<PortTargets>(invocation, SelectPorts(invocation, ports), ask);
     for (const auto& one : answers) {
         // A property that could not be read does not keep the targets from being shown.
         one.port->failure = one.status;

@@ -48,9 +48,17 @@ struct PortTargets {
 // The one selected port; ends the command when something cannot be read.
 PortTargets OpenPortTargets(Invocation& invocation);
 
+// What is asked about each known target besides; for KnownTarget.
+struct TargetQuestions {
+    bool masks = false;
+    bool luns = false;
+    std::optional<HX_SCSI_ADDRESS> only = {};  // about this target alone
+};
+
 // The targets of every selected port, as far as they can be read.
 std::vector<PortAnswer<PortTargets>> AskPortTargets(Invocation& invocation,
-                                                    std::vector<Port>& ports);
+                                                    std::vector<Port>& ports,
+                                                    const TargetQuestions& questions);
 
 // Says so where a port knows no target because its link is down.
 void TellLinkDown(Invocation& invocation, const PortTargets& targets);
@@ -58,11 +66,12 @@ void TellLinkDown(Invocation& invocation, const PortTargets& targets);
 // The list that add(targets, rows) makes of them as the command's result; a port that cannot be
 // read has a row with nothing but the port. The exit code of the whole.
 template <class Row, class Add>
-ExitCode ListPortTargets(Invocation& invocation, const Fields<std::vector<Row>>& list, Add add) {
+ExitCode ListPortTargets(Invocation& invocation, const Fields<std::vector<Row>>& list,
+                         const TargetQuestions& questions, Add add) {
     std::vector<Port> ports = ReadSelectedPorts(invocation);
     std::vector<Row> rows;
     std::vector<const Port*> asked;
-    const auto answers = AskPortTargets(invocation, ports);
+    const auto answers = AskPortTargets(invocation, ports, questions);
     for (const auto& one : answers) {
         invocation.CheckStop();
         asked.push_back(one.port);

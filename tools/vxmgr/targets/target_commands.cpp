@@ -155,8 +155,10 @@ const auto kLunList = ListOf("luns", "LUNs", kLunFields, "no LUNs",
 
 // add(targets, target, rows) of every known target; with -t for those ports that know the target.
 template <class Row, class Add>
-ExitCode ListTargets(Invocation& invocation, const Fields<std::vector<Row>>& list, Add add) {
+ExitCode ListTargets(Invocation& invocation, const Fields<std::vector<Row>>& list,
+                     TargetQuestions questions, Add add) {
     CheckTargetOption(invocation);
+    questions.only = WantedTarget(invocation);
     bool found = false;
     const auto addKnown = [&](const PortTargets& targets, std::vector<Row>* rows) {
         for (const KnownTarget* target : ChooseKnown(invocation, targets)) {
@@ -165,7 +167,7 @@ ExitCode ListTargets(Invocation& invocation, const Fields<std::vector<Row>>& lis
             add(targets, *target, rows);
         }
     };
-    return CheckFound(invocation, ListPortTargets(invocation, list, addKnown), found);
+    return CheckFound(invocation, ListPortTargets(invocation, list, questions, addKnown), found);
 }
 
 template <const auto& fields, ListLayout layout>
@@ -174,22 +176,22 @@ ExitCode ShowTargets(Invocation& invocation) {
                         std::vector<TargetRow>* rows) {
         const Wwn name = target.PortName();
         rows->push_back({&targets.OwnPort(), &target, FindRow(*targets.bindings.block, name),
-                         LiveMaskOf(targets, target), StoredMaskOf(targets, name)});
+                         target.masked, StoredMaskOf(targets, name)});
     };
-    return ListTargets(invocation, TargetList<fields, layout>(), add);
+    return ListTargets(invocation, TargetList<fields, layout>(), {.masks = true}, add);
 }
 
 ExitCode TargetLuns(Invocation& invocation) {
     const auto add = [&](const PortTargets& targets, const KnownTarget& target,
                          std::vector<LunRow>* rows) {
         const Port& port = targets.OwnPort();
-        const LunViews views{ReportedLuns(invocation, port, targets.Handle(), target.PortName()),
-                             LiveMaskOf(targets, target), StoredMaskOf(targets, target.PortName())};
+        const LunViews views{target.reported, target.masked,
+                             StoredMaskOf(targets, target.PortName())};
         for (const LunRun& run : LunRuns(views)) {
             rows->push_back({&port, &target, run});
         }
     };
-    return ListTargets(invocation, kLunList, add);
+    return ListTargets(invocation, kLunList, {.masks = true, .luns = true}, add);
 }
 
 }  // namespace

@@ -13,6 +13,9 @@ struct KnownTarget {
     HX_DEVICE_RECORD record{};
     bool present = false;          // the driver reaches it now
     std::optional<uint32_t> luns;  // as the driver counts them
+    // Where they were asked for, and told:
+    std::optional<LunSet> masked = {};    // by the driver
+    std::optional<LunSet> reported = {};  // by the target, to this host
 
     Wwn PortName() const { return Wwn::Of(record.portName); }
     Wwn NodeName() const { return Wwn::Of(record.nodeName); }

@@ -76,13 +76,4 @@ HX_STATUS ReadReportedLuns(const TellMessage& tell, const Port& port, uint32_t h
     return answer.status;
 }
 
-std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
-                                   const Wwn& target) {
-    LunSet luns;
-    const TellMessage tell = [&](Message message) { invocation.Add(std::move(message)); };
-    return ReadReportedLuns(tell, port, handle, target, &luns) == HXMGT_SUCCESS
-               ? std::optional(luns)
-               : std::nullopt;
-}
-
 }  // namespace vxmgr

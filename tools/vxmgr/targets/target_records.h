@@ -19,8 +19,4 @@ using TellMessage = std::function<void(Message message)>;
 HX_STATUS ReadReportedLuns(const TellMessage& tell, const Port& port, uint32_t handle,
                            const Wwn& target, LunSet* luns);
 
-// The same for a command's own thread; nothing when the target does not answer.
-std::optional<LunSet> ReportedLuns(Invocation& invocation, const Port& port, uint32_t handle,
-                                   const Wwn& target);
-
 }  // namespace vxmgr
