@@ -112,6 +112,15 @@ TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string 
             IsGoodEnding(run.exit)};
 }
 
+// Those of the selected ports that have not fallen silent by now.
+std::vector<Port> AnsweringOf(std::vector<Port> now, const std::vector<Port*>& selected) {
+    std::erase_if(now, [&](const Port& port) {
+        return !port.answers ||
+               std::ranges::find(selected, port.index, &Port::index) == selected.end();
+    });
+    return now;
+}
+
 }  // namespace
 
 std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPlan& plan) {
@@ -133,11 +142,9 @@ std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPl
             take(row, MemberName(row.command), SelectionOf(invocation));
             continue;
         }
-        for (const Port* port : selected) {
-            if (port->answers) {
-                take(row, MemberName(row.command) + "/port-" + std::to_string(port->index),
-                     {"-p", port->Object()});
-            }
+        for (const Port& port : AnsweringOf(ReadPorts(invocation), selected)) {
+            take(row, MemberName(row.command) + "/port-" + std::to_string(port.index),
+                 {"-p", port.Object()});
         }
     }
     invocation.ProgressLine("");
