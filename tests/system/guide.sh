@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Compiles every program of the guide for developers as it stands there, against an installation, runs
-# them on the emulated adapters in their order and compares what they print with the guide. Then links
-# the library of Visual Studio's conventions with lld. Usage: guide.sh SOURCE BUILD COMPILER
+# them on the emulated adapters in their order and compares what they print with the guide. Then the
+# program of README, by its line, and one of Visual Studio's conventions with lld. Usage: guide.sh SOURCE BUILD COMPILER
 set -euo pipefail
 source=$1
 build=$2
@@ -39,6 +39,15 @@ while read -r name <&3; do
     tr -d '\r' <"$work/printed" | diff "$work/$name.expected" - >"$work/log" ||
         fail "$name prints something else"
 done 3<"$work/names"
+
+awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' "$source/README.md" >"$work/app.c"
+line=$(sed -nE 's/^    x86_64-w64-mingw32-gcc (.*app\.exe)$/\1/p' "$source/README.md")
+read -ra line <<<"$line"
+(cd "$work/installed" && cp "$work/app.c" . && "$compiler" "${line[@]}") >"$work/log" 2>&1 ||
+    fail "compile the program of README"
+cp "$work/installed/app.exe" "$work"
+wine "$work/app.exe" >"$work/printed" 2>"$work/log" </dev/null || fail "run the program of README"
+[ "$(grep -c firmware "$work/printed")" -eq 4 ] || fail "the program of README"
 
 # Without Visual Studio's headers, of which stdio.h is the only one needed. Objects of GCC have the
 # same format; clang, where it is installed, also reads the headers as Visual Studio does.
