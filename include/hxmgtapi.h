@@ -98,7 +98,7 @@ typedef struct HX_NODE_PROPERTY {
 /*
  * Port properties, 112 bytes; the library writes at most the first 109. Fields marked V2 are
  * written by the second version only, fields marked F only with firmware 8.1.2 or newer; whatever
- * is not written stays as the caller had it.
+ * is not written stays as the caller had it. A driver below 7.05.03 has bytes 0..49 alone.
  */
 typedef struct HX_PORT_PROPERTY {
     uint8_t portName[8];        /*   0  world wide port name */
@@ -106,8 +106,8 @@ typedef struct HX_PORT_PROPERTY {
     uint8_t role;               /*  11  1 = initiator, 2 = any other, 0 = not known (legacy) */
     uint8_t state;              /*  12  HX_PORT_STATE_...; on a driver below 7.05.03 written only
                                         when the link is down: preset it before the call */
-    uint8_t topology;           /*  13  1 = point to point or fabric, 2 = loop; on a driver below
-                                        7.05.03 the three-bit port type of the driver */
+    uint8_t topology;           /*  13  1 = point to point or fabric, 2 = loop or not known; on a
+                                        driver below 7.05.03 its three-bit port type */
     uint16_t discoveredDevices; /*  14  remote ports that the driver knows, of any role */
     uint16_t discoveredTargets; /*  16  equal to discoveredDevices on a driver below 7.05.03 */
     char deviceName[32];        /*  18  "\Device\ScsiPort%d", terminated */
