@@ -12,7 +12,7 @@
  *     open gives HBA_STATUS_ERROR_INVALID_HANDLE, a null record HBA_STATUS_ERROR_ARG.
  *  3. The caller owns every record and buffer: attributes, statistics, info, mapping and binding
  *     take what the handler's name says, response takes responseSize bytes at most. Texts of a
- * field are zero-terminated unless they fill the field.
+ *     field are zero-terminated unless they fill the field.
  *  4. Records have the natural alignment of Windows x64, little-endian; their sizes are part of the
  *     interface. World wide names are eight bytes in the order in which they are written; as a
  *     handler's argument a name is passed by value.
@@ -52,11 +52,14 @@ typedef HBA_UINT32 HBA_HANDLE; /* an open adapter; 0 is none */
 
 /* A world wide name, 8 bytes. */
 typedef struct HBA_WWN {
-    HBA_UINT8 wwn[8]; /* 0 */
+    HBA_UINT8 wwn[8]; /* 0  the name, its first byte first */
 } HBA_WWN;
 
 /* What a world wide name names. */
-typedef enum HBA_WWNTYPE { NODE_WWN = 0, PORT_WWN = 1 } HBA_WWNTYPE;
+typedef enum HBA_WWNTYPE {
+    NODE_WWN = 0, /* a node */
+    PORT_WWN = 1  /* a port */
+} HBA_WWNTYPE;
 
 /* ------------------------------------------------------------------------------------------------
  * Adapter and port attributes
@@ -65,17 +68,18 @@ typedef enum HBA_WWNTYPE { NODE_WWN = 0, PORT_WWN = 1 } HBA_WWNTYPE;
 /* What an adapter is, 2192 bytes. */
 typedef struct HBA_ADAPTERATTRIBUTES {
     char Manufacturer[64];       /*    0  not terminated when it fills the field */
-    char SerialNumber[64];       /*   64 */
-    char Model[256];             /*  128 */
-    char ModelDescription[256];  /*  384 */
-    HBA_WWN NodeWWN;             /*  640 */
+    char SerialNumber[64];       /*   64  terminated; empty when the adapter has none */
+    char Model[256];             /*  128  terminated; name of the board or chip, at most 32
+                                          characters */
+    char ModelDescription[256];  /*  384  terminated; a title made with Model */
+    HBA_WWN NodeWWN;             /*  640  of the node that the handle's port belongs to */
     char NodeSymbolicName[256];  /*  648  empty */
     char HardwareVersion[256];   /*  904  empty when the adapter does not tell it */
-    char DriverVersion[256];     /* 1160 */
-    char OptionROMVersion[256];  /* 1416 */
-    char FirmwareVersion[256];   /* 1672 */
+    char DriverVersion[256];     /* 1160  at most 32 characters, terminated */
+    char OptionROMVersion[256];  /* 1416  at most four characters, terminated */
+    char FirmwareVersion[256];   /* 1672  dotted decimal, terminated */
     HBA_UINT32 VendorSpecificID; /* 1928  zero it before the call, see the handler */
-    HBA_UINT32 NumberOfPorts;    /* 1932 */
+    HBA_UINT32 NumberOfPorts;    /* 1932  ports that the handle's driver speaks for */
     char DriverName[256];        /* 1936  file name of the driver */
 } HBA_ADAPTERATTRIBUTES;
 
@@ -115,40 +119,49 @@ typedef struct HBA_FC4TYPES {
 
 /* What a port is, of the adapter or discovered, 632 bytes. */
 typedef struct HBA_PORTATTRIBUTES {
-    HBA_WWN NodeWWN;                     /*   0 */
-    HBA_WWN PortWWN;                     /*   8 */
+    HBA_WWN NodeWWN;                     /*   0  of the node; a driver below 7.05.03 gives the
+                                                 same name twice */
+    HBA_WWN PortWWN;                     /*   8  of the port */
     HBA_UINT32 PortFcId;                 /*  16  domain x 65536 + area x 256 + port */
-    HBA_PORTTYPE PortType;               /*  20 */
-    HBA_PORTSTATE PortState;             /*  24 */
-    HBA_COS PortSupportedClassofService; /*  28 */
-    HBA_FC4TYPES PortSupportedFc4Types;  /*  32 */
-    HBA_FC4TYPES PortActiveFc4Types;     /*  64 */
+    HBA_PORTTYPE PortType;               /*  20  HBA_PORTTYPE_...; 0 on a driver below 7.05.03 */
+    HBA_PORTSTATE PortState;             /*  24  HBA_PORTSTATE_... */
+    HBA_COS PortSupportedClassofService; /*  28  HBA_CLASS_OF_SERVICE_3; 0 of a discovered port
+                                                 or below 7.05.03 */
+    HBA_FC4TYPES PortSupportedFc4Types;  /*  32  bit 0 of byte 1: FCP, bit 5 of byte 0: IP; zero
+                                                 of a discovered port and on a driver below
+                                                 8.01.02 */
+    HBA_FC4TYPES PortActiveFc4Types;     /*  64  those of them that are in use now */
     char PortSymbolicName[256];          /*  96  empty */
-    char OSDeviceName[256];              /* 352 */
-    HBA_PORTSPEED PortSupportedSpeed;    /* 608 */
-    HBA_PORTSPEED PortSpeed;             /* 612 */
-    HBA_UINT32 PortMaxFrameSize;         /* 616  bytes */
+    char OSDeviceName[256];              /* 352  "\\.\Scsi%d:" with the SCSI port, or the device
+                                                 of a discovered one; terminated */
+    HBA_PORTSPEED PortSupportedSpeed;    /* 608  sum of HBA_PORTSPEED_...; 0 of a discovered port */
+    HBA_PORTSPEED PortSpeed;             /* 612  HBA_PORTSPEED_...; 0 of a discovered port */
+    HBA_UINT32 PortMaxFrameSize;         /* 616  bytes; 0 of a discovered port or below 7.05.03 */
     HBA_WWN FabricName;                  /* 620  zero */
-    HBA_UINT32 NumberofDiscoveredPorts;  /* 628 */
+    HBA_UINT32 NumberofDiscoveredPorts;  /* 628  that GetDiscoveredPortAttributesHandler tells
+                                                 of; 0 of a discovered port */
 } HBA_PORTATTRIBUTES;
 
-/* Counters since the last reset, 120 bytes; -1 = not available. */
+/* Counters since the last reset, 120 bytes; -1 = not available, as the first nine are at all times.
+   The others wrap at 32 bits. */
 typedef struct HBA_PORTSTATISTICS {
-    HBA_INT64 SecondsSinceLastReset;        /*   0 */
-    HBA_INT64 TxFrames;                     /*   8 */
-    HBA_INT64 TxWords;                      /*  16  of 4 bytes */
-    HBA_INT64 RxFrames;                     /*  24 */
-    HBA_INT64 RxWords;                      /*  32  of 4 bytes */
-    HBA_INT64 LIPCount;                     /*  40  loop initialisations */
-    HBA_INT64 NOSCount;                     /*  48  NOS primitives */
-    HBA_INT64 ErrorFrames;                  /*  56 */
-    HBA_INT64 DumpedFrames;                 /*  64  lost because there was no buffer for them */
-    HBA_INT64 LinkFailureCount;             /*  72 */
-    HBA_INT64 LossOfSyncCount;              /*  80 */
-    HBA_INT64 LossOfSignalCount;            /*  88 */
-    HBA_INT64 PrimitiveSeqProtocolErrCount; /*  96 */
-    HBA_INT64 InvalidTxWordCount;           /* 104 */
-    HBA_INT64 InvalidCRCCount;              /* 112 */
+    HBA_INT64 SecondsSinceLastReset;        /*   0  seconds; not available */
+    HBA_INT64 TxFrames;                     /*   8  frames sent; not available */
+    HBA_INT64 TxWords;                      /*  16  words of 4 bytes sent; not available */
+    HBA_INT64 RxFrames;                     /*  24  frames received; not available */
+    HBA_INT64 RxWords;                      /*  32  words of 4 bytes received; not available */
+    HBA_INT64 LIPCount;                     /*  40  loop initialisations; not available */
+    HBA_INT64 NOSCount;                     /*  48  NOS primitives; not available */
+    HBA_INT64 ErrorFrames;                  /*  56  frames received with an error; not available */
+    HBA_INT64 DumpedFrames;                 /*  64  frames lost because there was no buffer for
+                                                    them; not available */
+    HBA_INT64 LinkFailureCount;             /*  72  times the link failed (FC-FS) */
+    HBA_INT64 LossOfSyncCount;              /*  80  times the receiver lost the word boundaries */
+    HBA_INT64 LossOfSignalCount;            /*  88  times the signal broke off */
+    HBA_INT64 PrimitiveSeqProtocolErrCount; /*  96  primitive sequences that the state of the
+                                                    link does not allow */
+    HBA_INT64 InvalidTxWordCount;           /* 104  words that the line code does not have */
+    HBA_INT64 InvalidCRCCount;              /* 112  frames received with a wrong CRC */
 } HBA_PORTSTATISTICS;
 
 /* ------------------------------------------------------------------------------------------------
@@ -157,44 +170,45 @@ typedef struct HBA_PORTSTATISTICS {
 
 /* A logical unit as the operating system knows it, 268 bytes. */
 typedef struct HBA_SCSIID {
-    char OSDeviceName[256];      /*   0  "\\.\PhysicalDrive%d", "\\.\Tape%d" or "\\.\Changer%d" */
-    HBA_UINT32 ScsiBusNumber;    /* 256 */
-    HBA_UINT32 ScsiTargetNumber; /* 260 */
-    HBA_UINT32 ScsiOSLun;        /* 264 */
+    char OSDeviceName[256];      /*   0  "\\.\PhysicalDrive%d", "\\.\Tape%d" or "\\.\Changer%d";
+                                         terminated */
+    HBA_UINT32 ScsiBusNumber;    /* 256  at the handle's SCSI port */
+    HBA_UINT32 ScsiTargetNumber; /* 260  on that bus */
+    HBA_UINT32 ScsiOSLun;        /* 264  0 to 255 */
 } HBA_SCSIID;
 
 /* A logical unit as the fabric knows it, 32 bytes. */
 typedef struct HBA_FCPID {
-    HBA_UINT32 FcId;   /*  0 */
-    HBA_WWN NodeWWN;   /*  4 */
-    HBA_WWN PortWWN;   /* 12 */
+    HBA_UINT32 FcId;   /*  0  of the port: domain x 65536 + area x 256 + port */
+    HBA_WWN NodeWWN;   /*  4  of the port's node */
+    HBA_WWN PortWWN;   /* 12  of the port */
     HBA_UINT64 FcpLun; /* 24  the eight bytes of the logical unit number as FCP sends them */
 } HBA_FCPID;
 
 /* The two of them together, 304 bytes. */
 typedef struct HBA_FCPSCSIENTRY {
-    HBA_SCSIID ScsiId; /*   0 */
-    HBA_FCPID FcpId;   /* 272 */
+    HBA_SCSIID ScsiId; /*   0  how the operating system reaches it */
+    HBA_FCPID FcpId;   /* 272  where it is on the fabric */
 } HBA_FCPSCSIENTRY;
 
 /* The logical units behind a port, 312 bytes with one entry. */
 typedef struct HBA_FCPTARGETMAPPING {
-    HBA_UINT32 NumberOfEntries; /*   0 */
+    HBA_UINT32 NumberOfEntries; /*   0  room on entry, true number on return */
     HBA_FCPSCSIENTRY entry[1];  /*   8  as many as the caller has room for */
 } HBA_FCPTARGETMAPPING;
 
 /* One persistent binding, 312 bytes. Nothing fills it. */
 typedef struct HBA_FCPBINDINGENTRY {
-    HBA_UINT32 type;   /*   0 */
-    HBA_SCSIID ScsiId; /*   4 */
-    HBA_FCPID FcpId;   /* 272 */
-    HBA_UINT32 FcId;   /* 304 */
+    HBA_UINT32 type;   /*   0  what the binding is to: an identifier or a name */
+    HBA_SCSIID ScsiId; /*   4  as in HBA_FCPSCSIENTRY */
+    HBA_FCPID FcpId;   /* 272  as in HBA_FCPSCSIENTRY */
+    HBA_UINT32 FcId;   /* 304  the identifier, of a binding to one */
 } HBA_FCPBINDINGENTRY;
 
 /* The persistent bindings of a port, 320 bytes with one entry. Nothing fills it. */
 typedef struct HBA_FCPBINDING {
-    HBA_UINT32 NumberOfEntries;   /* 0 */
-    HBA_FCPBINDINGENTRY entry[1]; /* 8 */
+    HBA_UINT32 NumberOfEntries;   /* 0  of entry */
+    HBA_FCPBINDINGENTRY entry[1]; /* 8  as many as NumberOfEntries says */
 } HBA_FCPBINDING;
 
 /* ------------------------------------------------------------------------------------------------
@@ -203,15 +217,17 @@ typedef struct HBA_FCPBINDING {
 
 /* What a port answers about itself to topology discovery, 44 bytes; numbers in host order. */
 typedef struct HBA_MGMTINFO {
-    HBA_WWN wwn;                       /*  0 */
-    HBA_UINT32 unittype;               /*  8 */
-    HBA_UINT32 PortId;                 /* 12 */
-    HBA_UINT32 NumberOfAttachedNodes;  /* 16 */
-    HBA_UINT16 IPVersion;              /* 20 */
-    HBA_UINT16 UDPPort;                /* 22 */
-    HBA_UINT8 IPAddress[16];           /* 24 */
-    HBA_UINT16 reserved;               /* 40 */
-    HBA_UINT16 TopologyDiscoveryFlags; /* 42 */
+    HBA_WWN wwn;                       /*  0  port name */
+    HBA_UINT32 unittype;               /*  8  what the node is: 10 = host (FC-LS, RNID) */
+    HBA_UINT32 PortId;                 /* 12  which of the adapter's ports it is: the physical
+                                              port number, no identifier */
+    HBA_UINT32 NumberOfAttachedNodes;  /* 16  nodes attached at the port */
+    HBA_UINT16 IPVersion;              /* 20  1 = IPv4, 2 = IPv6 */
+    HBA_UINT16 UDPPort;                /* 22  at which its management is reached */
+    HBA_UINT8 IPAddress[16];           /* 24  in network order; an IPv4 address stands in the
+                                              last four bytes */
+    HBA_UINT16 reserved;               /* 40  as the driver gives it */
+    HBA_UINT16 TopologyDiscoveryFlags; /* 42  bits of FC-LS (RNID), as the driver gives them */
 } HBA_MGMTINFO;
 
 #define HBA_EVENT_LIP_OCCURRED 1       /* loop initialisation */
@@ -224,29 +240,29 @@ typedef struct HBA_MGMTINFO {
 /* What comes with a link event, 16 bytes. */
 typedef struct HBA_LINK_EVENTINFO {
     HBA_UINT32 PortFcId;    /* 0  zero: not told */
-    HBA_UINT32 Reserved[3]; /* 4 */
+    HBA_UINT32 Reserved[3]; /* 4  zero */
 } HBA_LINK_EVENTINFO;
 
 /* What comes with a state change notification, 16 bytes. */
 typedef struct HBA_RSCN_EVENTINFO {
     HBA_UINT32 PortFcId;    /* 0  zero: not told */
-    HBA_UINT32 NPortPage;   /* 4  the affected port page */
-    HBA_UINT32 Reserved[2]; /* 8 */
+    HBA_UINT32 NPortPage;   /* 4  the affected port page (FC-LS), as the driver gives it */
+    HBA_UINT32 Reserved[2]; /* 8  zero */
 } HBA_RSCN_EVENTINFO;
 
 /* What comes with a proprietary event, 16 bytes: nothing. */
 typedef struct HBA_PTY_EVENTINFO {
-    HBA_UINT32 PtyData[4]; /* 0 */
+    HBA_UINT32 PtyData[4]; /* 0  zero */
 } HBA_PTY_EVENTINFO;
 
 /* One event, 20 bytes. */
 typedef struct HBA_EVENTINFO {
     HBA_UINT32 EventCode; /* 0  HBA_EVENT_... */
     union {
-        HBA_LINK_EVENTINFO Link_EventInfo;
-        HBA_RSCN_EVENTINFO RSCN_EventInfo;
-        HBA_PTY_EVENTINFO Pty_EventInfo;
-    } Event; /* 4  which of them, EventCode tells */
+        HBA_LINK_EVENTINFO Link_EventInfo; /* 4  of the link and loop events */
+        HBA_RSCN_EVENTINFO RSCN_EventInfo; /* 4  of HBA_EVENT_RSCN */
+        HBA_PTY_EVENTINFO Pty_EventInfo;   /* 4  of HBA_EVENT_PROPRIETARY */
+    } Event;                               /* 4  which of them, EventCode tells */
 } HBA_EVENTINFO;
 
 /* ------------------------------------------------------------------------------------------------
@@ -260,6 +276,7 @@ typedef struct HBA_ENTRYPOINTS {
     HBA_UINT32 (*GetVersionHandler)(void);
     /* Call it once before the others: empties the trace files of an earlier run. */
     HBA_STATUS (*LoadLibraryHandler)(void);
+    /* Does nothing; handles that are open stay so. HBA_STATUS_OK. */
     HBA_STATUS (*FreeLibraryHandler)(void);
 
     /* Number of adapters, not a status. Each call looks anew. */
@@ -279,8 +296,10 @@ typedef struct HBA_ENTRYPOINTS {
        value all members are. A request that the driver fails gives its own status, which is none
        of HBA_STATUS_...; so does every failure of the first three, also of a bad handle. */
     HBA_STATUS (*GetAdapterAttributesHandler)(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES* attributes);
+    /* The adapter's own port. A request that a driver below 7.05.03 fails gives its own status. */
     HBA_STATUS (*GetAdapterPortAttributesHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTATTRIBUTES* attributes);
+    /* Counters of that port. */
     HBA_STATUS (*GetPortStatisticsHandler)(
         HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTSTATISTICS* statistics);
     /* Type and state of a discovered port are not known. OSDeviceName is the device of its lowest
@@ -317,6 +336,7 @@ typedef struct HBA_ENTRYPOINTS {
 
     /* Sets IPVersion, UDPPort and IPAddress; the other members are not looked at. */
     HBA_STATUS (*SetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
+    /* Fills every member. As above, HBA_STATUS_ERROR_NOT_SUPPORTED on a driver below 7.05.03. */
     HBA_STATUS (*GetRNIDMgmtInfoHandler)(HBA_HANDLE handle, HBA_MGMTINFO* info);
     /* Sends RNID for general topology discovery to the node or port (wwnType) named wwn and
        receives the LS_ACC payload. Zero the response first: what stands in its first bytes is sent

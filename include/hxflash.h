@@ -25,19 +25,20 @@ extern "C" {
 #define HX_NVRAM_EXTENDED_BYTES 512 /* block of 32-bit words: newer chips */
 #define HX_NVRAM_VARIABLES 188      /* number of NVRAM variables, of any chip */
 
-/* Flash regions by their codes. */
+/* Flash regions by their codes. Older chips, and second banks, have VPD and NVRAM under other
+   codes, too. */
 enum HX_FLASH_REGION_CODE {
-    HX_REGION_FIRMWARE = 1,
-    HX_REGION_BOOT_CODE = 7,
+    HX_REGION_FIRMWARE = 1,          /* firmware of the adapter */
+    HX_REGION_BOOT_CODE = 7,         /* PCI expansion ROM images */
     HX_REGION_BOOT_CODE_SECOND = 17, /* copy of the boot code on some chips */
-    HX_REGION_VPD_0 = 20,
-    HX_REGION_NVRAM_0 = 21,
-    HX_REGION_VPD_1 = 22,
-    HX_REGION_NVRAM_1 = 23,
-    HX_REGION_VPD_2 = 212,
-    HX_REGION_NVRAM_2 = 213,
-    HX_REGION_VPD_3 = 214,
-    HX_REGION_NVRAM_3 = 215
+    HX_REGION_VPD_0 = 20,            /* VPD of PCI function 0 */
+    HX_REGION_NVRAM_0 = 21,          /* NVRAM of PCI function 0 */
+    HX_REGION_VPD_1 = 22,            /* VPD of PCI function 1 */
+    HX_REGION_NVRAM_1 = 23,          /* NVRAM of PCI function 1 */
+    HX_REGION_VPD_2 = 212,           /* VPD of PCI function 2 */
+    HX_REGION_NVRAM_2 = 213,         /* NVRAM of PCI function 2 */
+    HX_REGION_VPD_3 = 214,           /* VPD of PCI function 3 */
+    HX_REGION_NVRAM_3 = 215          /* NVRAM of PCI function 3 */
 };
 
 #pragma pack(push, 1)
@@ -92,10 +93,10 @@ typedef struct HX_VARIABLE_FIELD {
 
 /* What HXOrvoMgt does. */
 enum HX_COMPANION_OPERATION {
-    HX_COMPANION_RESET = 1,
-    HX_COMPANION_VERSION = 2,
-    HX_COMPANION_UPDATE = 3,
-    HX_COMPANION_INFORMATION = 4
+    HX_COMPANION_RESET = 1,      /* starts the companion chip anew */
+    HX_COMPANION_VERSION = 2,    /* reads its version */
+    HX_COMPANION_UPDATE = 3,     /* writes its firmware */
+    HX_COMPANION_INFORMATION = 4 /* reads its management information */
 };
 
 /* Parts of the NVRAM that HXGetNVRam and HXUpdateNVRam work on. */

@@ -33,29 +33,39 @@ extern "C" {
 #endif
 
 /* Whether buffer-to-buffer credit recovery is in use. */
-enum HX_BBCR_STATE { HX_BBCR_ON = 1, HX_BBCR_OFF = 2, HX_BBCR_NOT_SUPPORTED = 3 };
+enum HX_BBCR_STATE {
+    HX_BBCR_ON = 1,           /* agreed with the attached port */
+    HX_BBCR_OFF = 2,          /* HX_BBCR_REASON says why */
+    HX_BBCR_NOT_SUPPORTED = 3 /* the port has no such thing */
+};
 
 /* Why it is off. */
 enum HX_BBCR_REASON {
-    HX_BBCR_REASON_NONE = 0,
-    HX_BBCR_LINK_DOWN = 1,
-    HX_BBCR_LOOP = 2,
-    HX_BBCR_NOT_CONFIGURED = 3,
-    HX_BBCR_REFUSED = 4 /* by the attached port */
+    HX_BBCR_REASON_NONE = 0,    /* it is not off */
+    HX_BBCR_LINK_DOWN = 1,      /* the link is down */
+    HX_BBCR_LOOP = 2,           /* a loop has none */
+    HX_BBCR_NOT_CONFIGURED = 3, /* this port's BB_SC_N is 0 */
+    HX_BBCR_REFUSED = 4         /* by the attached port */
 };
 
 /* The limit that the temperature has reached. */
 enum HX_TEMPERATURE_STATE {
-    HX_TEMPERATURE_NORMAL = 0,
-    HX_TEMPERATURE_WARNING = 1,
-    HX_TEMPERATURE_CRITICAL = 2
+    HX_TEMPERATURE_NORMAL = 0,  /* none of its limits */
+    HX_TEMPERATURE_WARNING = 1, /* its warning limit */
+    HX_TEMPERATURE_CRITICAL = 2 /* its critical limit */
 };
 
 /* LEDs of a port: bits. */
-enum HX_BEACON_LED { HX_BEACON_GREEN = 1, HX_BEACON_AMBER = 2 };
+enum HX_BEACON_LED {
+    HX_BEACON_GREEN = 1, /* the green one */
+    HX_BEACON_AMBER = 2  /* the amber one */
+};
 
 /* Modulation of a SerDes lane: two or four levels. */
-enum HX_SERDES_MODULATION { HX_MODULATION_NRZ = 0, HX_MODULATION_PAM4 = 1 };
+enum HX_SERDES_MODULATION {
+    HX_MODULATION_NRZ = 0, /* two levels */
+    HX_MODULATION_PAM4 = 1 /* four levels */
+};
 
 #define HX_BEACON_MOST_SECONDS 86400u /* longest time that a beacon may be set for: a day */
 #define HX_MAX_SERDES_LANES 16        /* lanes that HXReadSerdesParams may return */
@@ -70,25 +80,25 @@ typedef struct HX_BBCR_DATA {
     uint8_t configured;        /*  2  BB_SC_N of this port */
     uint8_t attached;          /*  3  BB_SC_N of the attached port */
     uint8_t negotiated;        /*  4  a BB_SC every 2^N frames: the larger one, 0 when either is */
-    uint8_t reserved5;         /*  5 */
-    uint16_t attachedCredit;   /*  6  buffers */
-    uint16_t ownCredit;        /*  8 */
-    uint8_t reserved10[6];     /* 10 */
+    uint8_t reserved5;         /*  5  has no meaning */
+    uint16_t attachedCredit;   /*  6  buffers that the attached port has for this one */
+    uint16_t ownCredit;        /*  8  buffers that this port has */
+    uint8_t reserved10[6];     /* 10  has no meaning */
     uint64_t scsSent;          /* 16  BB_SCs primitives */
     uint64_t scrSent;          /* 24  BB_SCr primitives */
-    uint64_t scsReceived;      /* 32 */
-    uint64_t scrReceived;      /* 40 */
+    uint64_t scsReceived;      /* 32  BB_SCs primitives */
+    uint64_t scrReceived;      /* 40  BB_SCr primitives */
     uint64_t creditsRecovered; /* 48  R_RDY primitives that were lost */
-    uint64_t framesLost;       /* 56 */
+    uint64_t framesLost;       /* 56  frames that were found lost */
 } HX_BBCR_DATA;
 
 /* Temperature of the board, 16 bytes: in 1/256 degree Celsius (as SFF-8472 has temperatures). A
    limit of 0 is none. */
 typedef struct HX_BOARD_TEMPERATURE {
-    int16_t now;           /*  0 */
-    int16_t warning;       /*  2  limits */
-    int16_t critical;      /*  4 */
-    int16_t shutdown;      /*  6 */
+    int16_t now;           /*  0  at the time of the call */
+    int16_t warning;       /*  2  limit of HX_TEMPERATURE_WARNING */
+    int16_t critical;      /*  4  limit of HX_TEMPERATURE_CRITICAL */
+    int16_t shutdown;      /*  6  limit of the hardware's own shutdown */
     int16_t highest;       /*  8  since the adapter started */
     uint16_t state;        /* 10  HX_TEMPERATURE_...; at a limit it counts as reached */
     uint32_t secondsAbove; /* 12  seconds above the warning limit */
@@ -109,16 +119,16 @@ typedef struct HX_SERDES_LANE {
     uint8_t speed;         /*  1  HX_SPEED_... */
     uint8_t locked;        /*  2  1 = the receiver follows the signal */
     uint8_t modulation;    /*  3  HX_MODULATION_... */
-    int8_t txPre;          /*  4  steps of the transmit equaliser's taps */
-    int8_t txMain;         /*  5 */
-    int8_t txPost;         /*  6 */
-    uint8_t reserved7;     /*  7 */
+    int8_t txPre;          /*  4  tap of the transmit equaliser before the main one, steps */
+    int8_t txMain;         /*  5  its main tap, steps */
+    int8_t txPost;         /*  6  its tap behind the main one, steps */
+    uint8_t reserved7;     /*  7  has no meaning */
     uint16_t txAmplitude;  /*  8  millivolts */
     uint16_t eyeHeight;    /* 10  millivolts */
     uint16_t eyeWidth;     /* 12  1/1000 unit interval */
     int16_t ctle;          /* 14  receive equaliser, 1/10 decibel */
     int16_t dfe[4];        /* 16  decision feedback equaliser, steps */
-    uint8_t reserved24[8]; /* 24 */
+    uint8_t reserved24[8]; /* 24  has no meaning */
 } HX_SERDES_LANE;
 
 #pragma pack(pop)

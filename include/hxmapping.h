@@ -42,15 +42,15 @@ typedef struct HX_OS_DEVICE {
     char name[32];       /*  0  opens the device; terminated */
     uint32_t type;       /* 32  HX_OS_DEVICE_... */
     uint32_t number;     /* 36  device number: of a disk the one that HX_DISK_EXTENT names */
-    uint16_t scsiPort;   /* 40 */
-    uint16_t bus;        /* 42 */
-    uint16_t target;     /* 44 */
-    uint16_t lun;        /* 46 */
+    uint16_t scsiPort;   /* 40  number of the SCSI port (HX_SCSI_PORT) that it is behind */
+    uint16_t bus;        /* 42  of its SCSI address, at most 255 */
+    uint16_t target;     /* 44  of its SCSI address, at most 255 */
+    uint16_t lun;        /* 46  of its SCSI address, at most 255 */
     uint8_t nodeName[8]; /* 48  of the discovered port at bus and target; zero when there is none */
-    uint8_t portName[8]; /* 56 */
-    uint8_t portId[3];   /* 64  domain, area, port */
+    uint8_t portName[8]; /* 56  of the same port; zero when there is none */
+    uint8_t portId[3];   /* 64  domain, area, port; zero when there is none */
     uint8_t discovered;  /* 67  1: the adapter knows a port at bus and target; else 0 */
-    uint8_t reserved[4]; /* 68 */
+    uint8_t reserved[4]; /* 68  zero */
 } HX_OS_DEVICE;
 
 /* A volume that lives, in part or whole, on a disk, 344 bytes. */
@@ -60,14 +60,14 @@ typedef struct HX_VOLUME {
                                     empty when there is none or it is longer */
     uint32_t extents;       /* 324  stretches of disk that the volume consists of */
     uint32_t extentsOnDisk; /* 328  those of them on this disk */
-    uint32_t reserved;      /* 332 */
-    uint64_t bytesOnDisk;   /* 336 */
+    uint32_t reserved;      /* 332  zero */
+    uint64_t bytesOnDisk;   /* 336  length of these stretches together */
 } HX_VOLUME;
 
 /* A stretch of disk, 24 bytes. */
 typedef struct HX_DISK_EXTENT {
     uint32_t disk;     /*  0  device number: N of "\\.\PhysicalDriveN" */
-    uint32_t reserved; /*  4 */
+    uint32_t reserved; /*  4  zero */
     uint64_t offset;   /*  8  first byte on the disk */
     uint64_t length;   /* 16  bytes */
 } HX_DISK_EXTENT;
@@ -75,7 +75,7 @@ typedef struct HX_DISK_EXTENT {
 /* A disk that a volume lives on, 352 bytes. */
 typedef struct HX_DISK_VOLUME {
     uint32_t disk;     /*  0  device number: N of "\\.\PhysicalDriveN" */
-    uint32_t reserved; /*  4 */
+    uint32_t reserved; /*  4  zero */
     HX_VOLUME volume;  /*  8  with what of it is on this disk */
 } HX_DISK_VOLUME;
 

@@ -78,17 +78,18 @@ typedef struct HX_NODE_PROPERTY {
     char model[16];              /*  88  text, not terminated when 16 characters long */
     char modelDescription[16];   /* 104  text block */
     uint8_t serialPresent;       /* 120  1 when serialNumber holds a text, 0 when there is none */
-    char serialNumber[31];       /* 121  text, always terminated */
+    char serialNumber[31];       /* 121  text, terminated; means nothing when serialPresent is 0 */
     char driverVersion[32];      /* 152  text */
     char firmwareVersion[32];    /* 184  text, dotted decimal */
     char optionRomVersion[32];   /* 216  at most four characters and a terminator are meaningful */
-    uint16_t numberOfPorts;      /* 248 */
+    uint16_t numberOfPorts;      /* 248  that the handle's driver speaks for: 1 where each port
+                                         has one of its own */
     uint16_t adapterGeneration;  /* 250  2 = oldest chip family, 1 = any other (older drivers) */
     uint32_t vendorSpecificId;   /* 252  vendor-specific attribute value */
     uint32_t firmwareAttributes; /* 256  firmware attribute word */
     uint32_t flags;              /* 260  HX_NODE_FLAG_..., driver 7.05.03 on */
     uint8_t serialBytes[3];      /* 264  b0, b1, b2 of the numeric serial */
-    uint8_t reserved[121];       /* 267 */
+    uint8_t reserved[121];       /* 267  not written */
 } HX_NODE_PROPERTY;
 
 #define HX_NODE_FLAGS_CARRIED 0x7Fu  /* the flag bits that the driver's reply hands on */
@@ -97,7 +98,7 @@ typedef struct HX_NODE_PROPERTY {
 /*
  * Port properties, 112 bytes; the library writes at most the first 109. Fields marked V2 are
  * written by the second version only, fields marked F only with firmware 8.1.2 or newer; whatever
- * is not written stays as the caller had it.
+ * is not written stays as the caller had it. A driver below 7.05.03 has bytes 0..49 alone.
  */
 typedef struct HX_PORT_PROPERTY {
     uint8_t portName[8];        /*   0  world wide port name */
@@ -105,55 +106,56 @@ typedef struct HX_PORT_PROPERTY {
     uint8_t role;               /*  11  1 = initiator, 2 = any other, 0 = not known (legacy) */
     uint8_t state;              /*  12  HX_PORT_STATE_...; on a driver below 7.05.03 written only
                                         when the link is down: preset it before the call */
-    uint8_t topology;           /*  13  1 = point to point or fabric, 2 = loop; on a driver below
-                                        7.05.03 the three-bit port type of the driver */
-    uint16_t discoveredDevices; /*  14 */
+    uint8_t topology;           /*  13  1 = point to point or fabric, 2 = loop or not known; on a
+                                        driver below 7.05.03 its three-bit port type */
+    uint16_t discoveredDevices; /*  14  remote ports that the driver knows, of any role */
     uint16_t discoveredTargets; /*  16  equal to discoveredDevices on a driver below 7.05.03 */
     char deviceName[32];        /*  18  "\Device\ScsiPort%d", terminated */
     uint8_t currentSpeed;       /*  50  F  speed code, HX_SPEED_... */
-    uint8_t reserved51[3];      /*  51 */
+    uint8_t reserved51[3];      /*  51  not written */
     uint16_t maxFrameSize;      /*  54  bytes */
     uint16_t bbCredits;         /*  56  buffer-to-buffer credits */
     uint16_t npivMaximum;       /*  58  virtual ports supported */
     uint16_t npivInUse;         /*  60  virtual ports in use */
     uint8_t supportedSpeeds;    /*  62  F  supported-speed code: the highest speed's code */
-    uint8_t reserved63[19];     /*  63 */
-    uint16_t maxTargets;        /*  82  V2 */
-    uint16_t maxLunsPerTarget;  /*  84  V2 */
-    uint16_t executionThrottle; /*  86  V2 */
-    uint16_t reserved88;        /*  88 */
+    uint8_t reserved63[19];     /*  63  not written */
+    uint16_t maxTargets;        /*  82  V2  most targets that it can have */
+    uint16_t maxLunsPerTarget;  /*  84  V2  most logical units of each */
+    uint16_t executionThrottle; /*  86  V2  as the driver gives it; the NVRAM has a variable of
+                                        that name */
+    uint16_t reserved88;        /*  88  not written */
     uint16_t loginTimeout;      /*  90  V2  seconds */
     uint16_t linkDownTimeout;   /*  92  V2  seconds */
     uint16_t portDownRetry;     /*  94  V2  seconds */
-    uint16_t reserved96;        /*  96 */
+    uint16_t reserved96;        /*  96  not written */
     uint8_t transceiverType[2]; /*  98  V2  SFF-8472 identifier and connector codes */
-    uint8_t fecActive;          /* 100  V2  forward error correction in use */
-    uint8_t trunkState;         /* 101  V2 */
-    uint32_t featureMask;       /* 102  V2 */
+    uint8_t fecActive;          /* 100  V2  not 0: forward error correction in use */
+    uint8_t trunkState;         /* 101  V2  as the driver gives it */
+    uint32_t featureMask;       /* 102  V2  as the driver gives it */
     uint8_t nvmeEnabled;        /* 106  V2  0 or 1 */
     uint8_t fcpEnabled;         /* 107  V2  0 or 1 */
     uint8_t diagnosticState;    /* 108  V2  0 = none */
-    uint8_t reserved109[3];     /* 109 */
+    uint8_t reserved109[3];     /* 109  not written */
 } HX_PORT_PROPERTY;
 
 /* State of a port's link. */
 enum HX_PORT_STATE {
-    HX_PORT_STATE_ONLINE = 1,
-    HX_PORT_STATE_OFFLINE = 2,
-    HX_PORT_STATE_LINK_DOWN = 3
+    HX_PORT_STATE_ONLINE = 1,   /* it works, or the driver says neither of the others */
+    HX_PORT_STATE_OFFLINE = 2,  /* the port is offline */
+    HX_PORT_STATE_LINK_DOWN = 3 /* there is no link */
 };
 
-/* Speed codes of currentSpeed: gigabits per second, as the driver reports them. */
+/* Speed codes of links, as the driver gives them: above 8 not the gigabits per second. */
 enum HX_SPEED {
-    HX_SPEED_UNKNOWN = 0,
-    HX_SPEED_1GBIT = 1,
-    HX_SPEED_2GBIT = 2,
-    HX_SPEED_4GBIT = 4,
-    HX_SPEED_8GBIT = 8,
+    HX_SPEED_UNKNOWN = 0, /* not known, or no link */
+    HX_SPEED_1GBIT = 1,   /* 1 Gbit/s */
+    HX_SPEED_2GBIT = 2,   /* 2 Gbit/s */
+    HX_SPEED_4GBIT = 4,   /* 4 Gbit/s */
+    HX_SPEED_8GBIT = 8,   /* 8 Gbit/s */
     HX_SPEED_10GBIT = 16, /* 10GFC (FCoE) */
-    HX_SPEED_16GBIT = 22,
-    HX_SPEED_32GBIT = 50,
-    HX_SPEED_64GBIT = 100
+    HX_SPEED_16GBIT = 22, /* 16 Gbit/s */
+    HX_SPEED_32GBIT = 50, /* 32 Gbit/s */
+    HX_SPEED_64GBIT = 100 /* 64 Gbit/s */
 };
 
 /*
@@ -161,23 +163,23 @@ enum HX_SPEED {
  * below 7.05.03: 0..31). Fields follow the PCI configuration space (PCI Local Bus / PCI Express).
  */
 typedef struct HX_CHIP_PROPERTY {
-    uint16_t vendorId;          /*  0 */
-    uint16_t deviceId;          /*  2 */
-    uint16_t subsystemVendorId; /*  4 */
+    uint16_t vendorId;          /*  0  0x1ED0 for adapters of the family */
+    uint16_t deviceId;          /*  2  tells the chip, and so what it can */
+    uint16_t subsystemVendorId; /*  4  of the board's maker */
     uint16_t subsystemDeviceId; /*  6  board ID */
-    uint16_t revision;          /*  8 */
+    uint16_t revision;          /*  8  of the chip */
     uint16_t classWord;         /* 10  base class and sub-class */
     uint32_t baseAddresses[4];  /* 12  zero on a driver below 7.05.03 */
-    uint16_t pciCommand;        /* 28  zero on a driver below 7.05.03 */
-    uint16_t pciStatus;         /* 30 */
-    uint8_t reserved32[16];     /* 32 */
+    uint16_t pciCommand;        /* 28  command register; zero on a driver below 7.05.03 */
+    uint16_t pciStatus;         /* 30  status register */
+    uint8_t reserved32[16];     /* 32  not written */
     uint16_t linkCapabilities;  /* 48  bits 0..3 highest speed, 4..9 highest width */
     uint16_t linkStatus;        /* 50  bits 0..3 current speed, 4..9 current width */
     uint32_t busLocation;       /* 52  bus number x 256 + device number */
     uint8_t functionBits;       /* 56  PCI function number in the top three bits */
     uint8_t flashRegionFlag;    /* 57  not 0: flashRegionCode holds */
     uint8_t flashRegionCode;    /* 58  the port's own NVRAM or VPD flash region */
-    uint8_t reserved59[21];     /* 59 */
+    uint8_t reserved59[21];     /* 59  not written */
 } HX_CHIP_PROPERTY;
 
 /* Driver properties, 74 bytes. A driver below 7.05.03 gives fixed values from byte 32 on; its
@@ -185,20 +187,22 @@ typedef struct HX_CHIP_PROPERTY {
 typedef struct HX_DRIVER_PROPERTY {
     char version[32];             /*  0  text */
     uint16_t driverModel;         /* 32  1 = miniport of a current system, 8 = of an older one */
-    uint16_t driverModelRevision; /* 34 */
+    uint16_t driverModelRevision; /* 34  as the driver gives it; 0 below 7.05.03 */
     uint16_t maxScatterGather;    /* 36  elements of one request */
     uint64_t maxTransferLength;   /* 38  bytes of one request */
-    uint16_t maxQueueDepth;       /* 46 */
+    uint16_t maxQueueDepth;       /* 46  as the driver gives it; 0 below 7.05.03 */
     uint16_t interruptMode;       /* 48  0 = line, 1 = MSI, 2 = MSI-X */
-    uint32_t numberOfPorts;       /* 50 */
-    uint8_t buildText[16];        /* 54 */
-    uint32_t buildNumber;         /* 70 */
+    uint32_t numberOfPorts;       /* 50  as in HX_NODE_PROPERTY */
+    uint8_t buildText[16];        /* 54  text, not terminated when 16 characters long; empty
+                                         below 7.05.03 */
+    uint32_t buildNumber;         /* 70  as the driver gives it */
 } HX_DRIVER_PROPERTY;
 
 /* Firmware properties, 40 bytes. */
 typedef struct HX_FIRMWARE_PROPERTY {
     char version[32];              /*  0  text, dotted decimal */
-    uint32_t attributes;           /* 32 */
+    uint32_t attributes;           /* 32  attribute word of the firmware; 0 on a driver below
+                                          7.05.03 */
     uint32_t activationAttributes; /* 36  the word an online activation compares; left as the caller
                                           had it on a driver below 7.05.03 */
 } HX_FIRMWARE_PROPERTY;
@@ -220,10 +224,10 @@ typedef struct HX_EVENT {
 
 /* Types of events; the driver may give others. */
 enum HX_EVENT_TYPE {
-    HX_EVENT_LIP = 1, /* loop initialisation occurred */
-    HX_EVENT_LINK_UP = 2,
-    HX_EVENT_LINK_DOWN = 3,
-    HX_EVENT_LIP_RESET = 4,
+    HX_EVENT_LIP = 1,         /* loop initialisation occurred */
+    HX_EVENT_LINK_UP = 2,     /* the link came up */
+    HX_EVENT_LINK_DOWN = 3,   /* the link went down */
+    HX_EVENT_LIP_RESET = 4,   /* loop reset occurred */
     HX_EVENT_RSCN = 5,        /* registered state change notification */
     HX_EVENT_PORT_UPDATE = 6, /* the list of discovered ports changed */
     HX_EVENT_TEST = 8         /* raised by HXForceZetaAEN */

@@ -29,10 +29,10 @@ typedef struct HX_SCSI_ADDRESS {
 
 /* What the address of a remote port holds. */
 enum HX_ADDRESS_TYPE {
-    HX_ADDRESS_NODE_NAME = 1,
-    HX_ADDRESS_PORT_NAME = 2,
-    HX_ADDRESS_PORT_ID = 3,
-    HX_ADDRESS_BUS_TARGET = 4
+    HX_ADDRESS_NODE_NAME = 1, /* world wide name of a node, 8 bytes */
+    HX_ADDRESS_PORT_NAME = 2, /* world wide name of a port, 8 bytes */
+    HX_ADDRESS_PORT_ID = 3,   /* domain, area, port */
+    HX_ADDRESS_BUS_TARGET = 4 /* two 16-bit numbers: SCSI bus, target */
 };
 
 /* How a loopback test ended. */
@@ -40,7 +40,7 @@ enum HX_LOOPBACK_COMPLETION {
     HX_LOOPBACK_COMPLETE = 1,      /* the firmware's 0x4000 */
     HX_LOOPBACK_BAD_PARAMETER = 2, /* the firmware's 0x4006 */
     HX_LOOPBACK_COMMAND_ERROR = 3, /* the firmware's 0x400B */
-    HX_LOOPBACK_OTHER = 4
+    HX_LOOPBACK_OTHER = 4          /* any other completion of the firmware */
 };
 
 /* Result of HXRunDiagLoopback, 48 bytes. */

@@ -35,15 +35,15 @@ extern "C" {
 
 /* One bound target, 32 bytes. A first name of zeros marks a free slot. */
 typedef struct HX_TARGET_ENTRY {
-    uint16_t targetNumber; /*  0 */
+    uint16_t targetNumber; /*  0  as in HX_DEVICE_RECORD */
     uint8_t bus;           /*  2  not written by a live read */
     uint8_t target;        /*  3  target ID */
-    uint8_t reserved4[4];  /*  4 */
-    uint8_t bindingFlags;  /*  8  handed to the driver when the binding is applied */
-    uint8_t reserved9;     /*  9 */
+    uint8_t reserved4[4];  /*  4  give 0; stored as it is */
+    uint8_t bindingFlags;  /*  8  the driver's; handed to it when the binding is applied */
+    uint8_t reserved9;     /*  9  give 0; stored as it is */
     uint16_t lunBase;      /* 10  the target's LUN 0 is this LUN byte of its LUN record */
     uint8_t portId[3];     /* 12  domain, area, port */
-    uint8_t reserved15;    /* 15 */
+    uint8_t reserved15;    /* 15  give 0; stored as it is */
     uint8_t nodeName[8];   /* 16  first name: the key of the target */
     uint8_t portName[8];   /* 24  second name */
 } HX_TARGET_ENTRY;
@@ -52,15 +52,15 @@ typedef struct HX_TARGET_ENTRY {
 typedef struct HX_TARGET_DATA {
     uint16_t header;                         /*  0  carried unchanged */
     uint16_t count;                          /*  2  entries in use, free slots among them */
-    uint8_t reserved4[28];                   /*  4 */
-    HX_TARGET_ENTRY entries[HX_MAX_TARGETS]; /* 32 */
+    uint8_t reserved4[28];                   /*  4  give 0; stored as it is */
+    HX_TARGET_ENTRY entries[HX_MAX_TARGETS]; /* 32  the first count of them are looked at */
 } HX_TARGET_DATA;
 
 /* The LUN mask of one target, 2080 bytes. A first name of zeros marks a free record. */
 typedef struct HX_LUN_RECORD {
     uint8_t nodeName[8];       /*  0  first name: the key of the target */
     uint8_t portName[8];       /*  8  second name */
-    uint8_t reserved16[16];    /* 16 */
+    uint8_t reserved16[16];    /* 16  give 0; not stored in version 1 */
     uint8_t luns[HX_MAX_LUNS]; /* 32  a byte per LUN: HX_LUN_MASKED; other bits are carried */
 } HX_LUN_RECORD;
 
@@ -68,19 +68,19 @@ typedef struct HX_LUN_RECORD {
 typedef struct HX_LUN_DATA {
     uint16_t version;                      /*  0  stored form: 1 = LUNs 0 to 255 alone, 2 = all */
     uint16_t count;                        /*  2  records in use, free ones among them */
-    uint8_t reserved4[28];                 /*  4 */
-    HX_LUN_RECORD records[HX_MAX_TARGETS]; /* 32 */
+    uint8_t reserved4[28];                 /*  4  give 0; not stored in version 1 */
+    HX_LUN_RECORD records[HX_MAX_TARGETS]; /* 32  the first count of them are looked at */
 } HX_LUN_DATA;
 
 /* Names, 2048 bytes; a slot of eight zero bytes is free. */
 typedef struct HX_WWN_LIST {
-    uint8_t names[HX_MAX_TARGETS][8]; /* 0 */
+    uint8_t names[HX_MAX_TARGETS][8]; /* 0  each name once, in the order they were found */
 } HX_WWN_LIST;
 
 /* Target address of the calls without "FC", 6 bytes. */
 typedef struct HX_BUS_TARGET_LUN {
-    uint16_t bus;    /* 0 */
-    uint16_t target; /* 2 */
+    uint16_t bus;    /* 0  SCSI bus number */
+    uint16_t target; /* 2  target ID */
     uint16_t lun;    /* 4  sent to the driver, not looked up */
 } HX_BUS_TARGET_LUN;
 
@@ -92,22 +92,26 @@ typedef struct HX_DEVICE_RECORD {
     uint8_t nodeName[8];       /*   0  first name */
     uint8_t portName[8];       /*   8  second name */
     uint8_t portId[3];         /*  16  domain, area, port */
-    uint8_t bindingFlags;      /*  19 */
-    uint16_t bus;              /*  20 */
-    uint16_t target;           /*  22 */
-    uint16_t lun;              /*  24 */
-    uint8_t symbolicName[128]; /*  26  symbolic port name */
-    uint32_t roleAndState;     /* 154 */
-    uint16_t targetNumber;     /* 158  loop identifier */
-    uint16_t portFlags;        /* 160 */
-    uint8_t reserved162[128];  /* 162 */
+    uint8_t bindingFlags;      /*  19  the driver's; 0 = not bound, or not told */
+    uint16_t bus;              /*  20  SCSI bus number; of one to add or swap, at most 255 */
+    uint16_t target;           /*  22  target ID; of one to add or swap, at most 255 */
+    uint16_t lun;              /*  24  as the driver gives it; no part of a device to add or swap */
+    uint8_t symbolicName[128]; /*  26  symbolic port name, not terminated when 128 characters
+                                       long */
+    uint32_t roleAndState;     /* 154  bits 0 and 1 its role: 1 = target, 2 = initiator, 3 =
+                                       both, 0 = not told; the other bits as the driver gives
+                                       them */
+    uint16_t targetNumber;     /* 158  loop identifier as the driver gives it; below 7.05.03 it
+                                       is odd */
+    uint16_t portFlags;        /* 160  as the driver gives them */
+    uint8_t reserved162[128];  /* 162  zero */
 } HX_DEVICE_RECORD;
 
 /* Head of the port database, 8 bytes; the device records follow it. */
 typedef struct HX_PORT_DATABASE {
-    uint32_t type;      /* 0 */
+    uint32_t type;      /* 0  as the driver gives it; below 7.05.03 that of the call */
     uint16_t count;     /* 4  of the devices */
-    uint16_t reserved6; /* 6 */
+    uint16_t reserved6; /* 6  zero */
 } HX_PORT_DATABASE;
 
 /* Bytes of a port database with room for that many devices. */
@@ -116,27 +120,27 @@ typedef struct HX_PORT_DATABASE {
 
 /* What a discovered port and a discovered target have in common, 26 bytes. */
 typedef struct HX_DISCOVERED_DEVICE {
-    uint8_t nodeName[8];  /*  0 */
-    uint8_t portName[8];  /*  8 */
+    uint8_t nodeName[8];  /*  0  first name */
+    uint8_t portName[8];  /*  8  second name */
     uint8_t portId[3];    /* 16  domain, area, port */
-    uint8_t bindingFlags; /* 19 */
-    uint16_t bus;         /* 20 */
-    uint16_t target;      /* 22 */
-    uint16_t lun;         /* 24 */
+    uint8_t bindingFlags; /* 19  the driver's; 0 = not bound, or not told */
+    uint16_t bus;         /* 20  SCSI bus number */
+    uint16_t target;      /* 22  target ID */
+    uint16_t lun;         /* 24  as the driver gives it */
 } HX_DISCOVERED_DEVICE;
 
 /* A discovered port, 60 bytes. */
 typedef struct HX_DISCOVERED_PORT {
-    HX_DISCOVERED_DEVICE device; /*  0 */
-    uint8_t reserved26[34];      /* 26 */
+    HX_DISCOVERED_DEVICE device; /*  0  its names and addresses */
+    uint8_t reserved26[34];      /* 26  has no meaning */
 } HX_DISCOVERED_PORT;
 
 /* A discovered target, 64 bytes. */
 typedef struct HX_DISCOVERED_TARGET {
-    HX_DISCOVERED_DEVICE device; /*  0 */
-    uint8_t reserved26[2];       /* 26 */
-    uint32_t numberOfLuns;       /* 28 */
-    uint8_t reserved32[32];      /* 32 */
+    HX_DISCOVERED_DEVICE device; /*  0  its names and addresses */
+    uint8_t reserved26[2];       /* 26  has no meaning */
+    uint32_t numberOfLuns;       /* 28  logical units, as the driver counts them */
+    uint8_t reserved32[32];      /* 32  has no meaning */
 } HX_DISCOVERED_TARGET;
 
 #pragma pack(pop)

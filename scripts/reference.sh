@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes the reference of the public headers as pages. Fails when an export, parameter, record, field,
-# enumeration or constant has no documentation; the values of an enumeration may speak for themselves. Usage: scripts/reference.sh [FOLDER]    (build/reference)
+# enumeration, value or constant has no documentation; a field's offset is none.
+# Usage: scripts/reference.sh [FOLDER]    (build/reference)
 source "$(dirname "$0")/common.sh"
 
 folder=${1:-build/reference}

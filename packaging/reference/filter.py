@@ -16,7 +16,8 @@ def text_of(comment):
     """The words of a comment, without its frame."""
     lines = [re.sub(r"^\s*\*? ?", "", line) for line in comment[2:-2].split("\n")]
     text = "\n".join(line.rstrip() for line in lines).strip()
-    return text.replace("\\", "\\\\").replace("@", "\\@").replace("<", "\\<").replace("#", "\\#")
+    # Quotation marks, too: Doxygen would take what stands between them as it is.
+    return re.sub(r'[\\@<#%"]', r"\\\g<0>", text)
 
 
 def field_text(comment):

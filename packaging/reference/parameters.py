@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Fails when a parameter of a public header is named nowhere in what is said about its function: in the
 function's comment, in that of its section, or in that of its header. What the rules of the whole
-interface say about parameters of any function counts, too.
+interface say about parameters of any function counts, too. Fails also when a field of a record or a
+value of an enumeration has no words of its own; a field's offset is none.
 
 Usage: parameters.py HEADER...
 """
@@ -14,6 +15,13 @@ from filter import documented
 DECLARATION = re.compile(r"/\*\*(.*?)\*/\s*((?:typedef )?[^/;{}#]*?\([^;{}]*\);)?", re.S)
 # Rule 8 of hxmgtapi.h.
 EVERYWHERE = re.compile(r"handle|reserved\d?")
+
+GROUP = re.compile(r"^(?:typedef )?(struct|enum) (\w+) \{(?: ([^\n]*) \}|\n(.*?)\n\})", re.S | re.M)
+NAME = {"struct": r"(\w+)(?:\[[^\]]*\])*;", "enum": r"(\w+)(?: = [^,/\n]+?)?(?:,|(?=\s*(?:/|\Z)))"}
+# A comment before a member is passed over: the handlers have theirs there.
+MEMBER = {kind: re.compile(rf"/\*.*?\*/|{name} *(?:/\*\*<(.*?)\*/)?", re.S)
+          for kind, name in NAME.items()}
+SILENT = re.compile(r"\s*(?:Offset \d+\.\s*)?")
 
 
 def parameters(declaration):
@@ -30,10 +38,19 @@ def explained(name, others, words):
                             for other in others)
 
 
+def silent(text):
+    for kind, group, line, lines in GROUP.findall(text):
+        for member, words in MEMBER[kind].findall(line or lines):
+            if member and SILENT.fullmatch(words):
+                yield group, member
+
+
 def missing(path):
     name = os.path.basename(path)
     with open(path, encoding="utf-8") as file:
         text = documented(file.read(), name)
+    for group, member in silent(text):
+        yield f"{path}: {group}: {member} is explained nowhere"
     header, section = "", ""
     for comment, declaration in DECLARATION.findall(text):
         if "@file" in comment:
