@@ -346,8 +346,9 @@ typedef struct HBA_ENTRYPOINTS {
         HBA_UINT32* responseSize);
 
     /* No SCSI command is sent through this interface: HBA_STATUS_ERROR_NOT_SUPPORTED when portWWN
-       is that of a discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. fcLUN,
-       EVPD and PageCode are not looked at, response and sense are not written. */
+       is that of a discovered port, HBA_STATUS_ERROR_ILLEGAL_WWN for any other. A driver below
+       7.05.03 that cannot list its discovered ports: what that failed with. fcLUN, EVPD and
+       PageCode are not looked at, response and sense are not written. */
     HBA_STATUS (*ScsiInquiryHandler)(
         HBA_HANDLE handle, HBA_WWN portWWN, HBA_UINT64 fcLUN, HBA_UINT8 EVPD, HBA_UINT32 PageCode,
         void* response, HBA_UINT32 responseSize, void* sense, HBA_UINT32 senseSize);
