@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # What scripts/package.sh made, as those meet it who get it: archives, signatures and the installer: in,
 # from an older version, not to an older one, and out again with nothing left.
-# Usage: scripts/package_test.sh     behind scripts/package.sh
+# Usage: scripts/package_test.sh [CERTIFICATE.pem]     behind scripts/package.sh
+#   CERTIFICATE.pem   what --sign signed everything with; without it vxemu.sys alone is looked at
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh --package
@@ -26,11 +27,18 @@ done
 python3 -m json.tool "dist/vxmgmt-$version.spdx.json" >/dev/null || fail "the bill of materials"
 unzip -q "dist/vxmgmt-$version-emulator.zip" -d "$work"
 emulator=$work/vxmgmt-$version-emulator
-if [ -e "$emulator/vxemu-test.cer" ]; then
-    openssl x509 -inform der -in "$emulator/vxemu-test.cer" -out "$work/test.pem"
-    osslsigncode verify -CAfile "$work/test.pem" -in "$emulator/vxemu.sys" >"$work/log" 2>&1 ||
-        fail "the signature of vxemu.sys: $(tail -n 5 "$work/log")"
+certificate=${1:-$work/test.pem}
+signed=("$emulator/vxemu.sys")
+if [ $# -eq 0 ]; then
+    openssl x509 -inform der -in "$emulator/vxemu-test.cer" -out "$certificate"
+else
+    [ ! -e "$emulator/vxemu-test.cer" ] || fail "the certificate for testing is packed, too"
+    signed=("$folder/vxmgmt-$version"/bin/* "$emulator"/*.exe "$emulator"/*.sys "$installer")
 fi
+for file in "${signed[@]}"; do
+    osslsigncode verify -CAfile "$certificate" -in "$file" >"$work/log" 2>&1 ||
+        fail "the signature of $file: $(tail -n 5 "$work/log")"
+done
 
 # From an older version, and one that is newer than this.
 packaging/make_installer.sh "$folder/vxmgmt-$version" 1.27.0.9 "$work/older.msi" 2>/dev/null
