@@ -4,6 +4,7 @@
 #   --twice   builds all of it in two folders and fails unless every byte is the same
 #   --sign    signs programs, library and installer; without it the driver alone is signed, with a
 #             certificate made for testing
+caller=$PWD
 source "$(dirname "$0")/common.sh"
 
 twice=
@@ -11,7 +12,8 @@ certificate=
 while [ $# -gt 0 ]; do
     case $1 in
     --twice) twice=1 ;;
-    --sign) certificate=$2 password_file=$3 && shift 2 ;;
+    --sign) certificate=$(cd "$caller" && realpath "$2") &&
+        password_file=$(cd "$caller" && realpath "$3") && shift 2 ;;
     *) sed -n '2,6s/^# //p' "$0" >&2 && exit 2 ;;
     esac
     shift

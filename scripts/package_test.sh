@@ -3,6 +3,7 @@
 # from an older version, not to an older one, and out again with nothing left.
 # Usage: scripts/package_test.sh [CERTIFICATE.pem]     behind scripts/package.sh
 #   CERTIFICATE.pem   what --sign signed everything with; without it vxemu.sys alone is looked at
+[ $# -eq 0 ] || set -- "$(realpath "$1")"
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh --package

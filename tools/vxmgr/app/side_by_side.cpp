@@ -147,7 +147,7 @@ class Supervisor {
     bool StartThreads() {
         const Clock::time_point now = Clock::now();
         size_t running = board_->starting;
-        size_t quick = board_->starting;
+        size_t quick = running;
         for (const Place& place : board_->places) {
             if (place.state == State::Running) {
                 ++running;

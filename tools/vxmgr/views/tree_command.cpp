@@ -22,8 +22,8 @@ SharedDevices DevicesOfSystem(Invocation& invocation) {
     std::vector<PortQuestion<Listed>> questions{
         {"the system's list of devices",
          [](PortTask&, Listed& listed) { listed.status = ReadSystemDevices(&listed.devices); }}};
-    const auto [status, devices] =
-        AskSideBySide(invocation, std::move(questions)).front().value_or(Listed());
+    const auto answers = AskSideBySide(invocation, std::move(questions));
+    const auto [status, devices] = answers.front().value_or(Listed());
     if (status != HXMGT_SUCCESS) {
         invocation.Add({Severity::Warning,
                         "disks and volumes are left out, as the system's devices cannot be "
