@@ -23,6 +23,13 @@ cppcheck --quiet --error-exitcode=1 --language=c++ --std=c++20 --platform=win64 
     --suppress=passedByValue -Isrc -Iinclude -I. -D_WIN32=1 -D_WIN64=1 -D__GNUC__=12 \
     src emulator tools
 
+version=$(sed -nE 's/^project\(vxmgmt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
+grep -qx "## $version" CHANGELOG.md || {
+    echo "CHANGELOG.md has no section about version $version"
+    exit 1
+}
+
+git ls-files -z '*.md' | xargs -0 python3 packaging/check_links.py
 PYTHONDONTWRITEBYTECODE=1 python3 packaging/reference/parameters.py include/*.h
 command -v clang >/dev/null || scripts/setup.sh --bindings
 [ -z "$fix" ] || python3 bindings/describe.py

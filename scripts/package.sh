@@ -96,6 +96,7 @@ build_in() {
     fi
     python3 packaging/check_pe.py "$main"/bin/* "$emulator"/*.exe "$emulator"/*.sys
 
+    sed -i 's|](schemas|](../schemas|g' "$folder/source/docs/"*.md # they stand beside docs
     cp -r "$folder/source/docs" "$folder/source/samples" "$folder/source/bindings" "$main"
     mv "$main/docs/schemas" "$main/schemas"
     [ ! -d "$folder/source/packaging/monitoring" ] || cp -r "$folder/source/packaging/monitoring" "$main"

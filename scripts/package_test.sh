@@ -25,6 +25,8 @@ fail() {
 for archive in dist/*.zip; do
     unzip -tq "$archive" >/dev/null || fail "$archive"
 done
+find "$folder/vxmgmt-$version" \( -name '*.md' -o -name '*.html' \) ! -path '*/docs/api/*' -print0 |
+    xargs -0 python3 packaging/check_links.py || fail "links"
 python3 -m json.tool "dist/vxmgmt-$version.spdx.json" >/dev/null || fail "the bill of materials"
 unzip -q "dist/vxmgmt-$version-emulator.zip" -d "$work"
 emulator=$work/vxmgmt-$version-emulator
