@@ -96,6 +96,9 @@ print(installer_version('$version'))")" ] || fail "the upgrade left version $(sh
 (cd "$folder/vxmgmt-$version" && find . -type f | sort) >"$work/packed"
 (cd "$place" && find . -type f | sort) | diff "$work/packed" - >"$work/log" ||
     fail "not what is packed: $(head -n 5 "$work/log")"
+# The task of the monitoring starts what is installed.
+task=$(sed -nE 's|.*<Command>"C:(.*)"</Command>.*|\1|p' "$place/monitoring/vxmgr-metrics.xml")
+[ -e "$disk${task//\\//}" ] || fail "there is no C:$task for the scheduled task"
 
 got=0
 wine msiexec /i "$work/older.msi" /qn >"$work/log" 2>&1 </dev/null || got=$?
