@@ -145,6 +145,11 @@ TEST(ToolsHealth, TransceiversHaveTheLimitsOfTheirSide) {
     finding = Found(reading, "received_power");
     EXPECT_EQ(Warning, finding.state);
     EXPECT_EQ("1.00", finding.warning);
+    readings.quantities[static_cast<size_t>(SfpQuantity::Voltage)] = {3.3, 3.6, 3.0,
+                                                                      3.5, 3.1, SfpState::Normal};
+    finding = Found(reading, "transceiver_voltage");
+    EXPECT_EQ("3.30 of 3.50, 3.60",
+              finding.value + " of " + finding.warning + ", " + finding.critical);
     power.value = 0;
     power.highWarning.reset();
     EXPECT_EQ("no light", Found(reading, "received_power").value);
@@ -168,17 +173,29 @@ TEST(ToolsHealth, FabricTellsOfCongestionAndOfWhatItRefuses) {
         scm.severity = severity;
         EXPECT_EQ(severities[severity], Found(reading, "congestion").state) << severity;
     }
+    scm.allowedPercent = 70;
+    const HealthFinding congestion = Found(reading, "congestion");
+    EXPECT_EQ("3 of 1, 2",
+              congestion.value + " of " + congestion.warning + ", " + congestion.critical);
+    EXPECT_EQ("70 % of the bandwidth allowed", congestion.detail);
     scm.fpins.creditStall = scm.fpins.deliveryTimeout = scm.peerFpins.invalidCrc = 9;
     EXPECT_EQ(Normal, Found(reading, "fpin").state) << "not about the integrity of its own link";
     scm.fpins.linkOther = 1;
     EXPECT_EQ(Warning, Found(reading, "fpin").state);
+    scm.fpins.linkFailure = 2;
+    EXPECT_EQ("3", Found(reading, "fpin").value);
+    EXPECT_EQ("2 link_failure, 1 link_other", Found(reading, "fpin").detail);
 
     HX_BBCR_DATA& recovery = reading.creditRecovery.emplace();
     recovery.state = HX_BBCR_OFF;
     recovery.reason = HX_BBCR_NOT_CONFIGURED;
     EXPECT_EQ(Normal, Found(reading, "credit_recovery").state);
+    EXPECT_EQ("off", Found(reading, "credit_recovery").value);
     recovery.reason = HX_BBCR_REFUSED;
     EXPECT_EQ(Warning, Found(reading, "credit_recovery").state);
+    EXPECT_EQ("refused", Found(reading, "credit_recovery").value);
+    recovery.state = HX_BBCR_ON;
+    EXPECT_EQ("on", Found(reading, "credit_recovery").value);
     recovery.state = HX_BBCR_NOT_SUPPORTED;
     EXPECT_EQ(nullptr, Found(reading, "credit_recovery").check);
 
@@ -188,6 +205,9 @@ TEST(ToolsHealth, FabricTellsOfCongestionAndOfWhatItRefuses) {
     EXPECT_EQ(Normal, Found(reading, "npiv").state) << "that was before";
     reading.virtualPorts.emplace_back().state = HX_VIRTUAL_PORT_REJECTED;
     EXPECT_EQ(Warning, Found(reading, "npiv").state);
+    EXPECT_EQ("1 virtual port is rejected by the fabric", Found(reading, "npiv").detail);
+    reading.virtualPorts.push_back(reading.virtualPorts.front());
+    EXPECT_EQ("2 virtual ports are rejected by the fabric", Found(reading, "npiv").detail);
 
     reading.nvme = {{Wwn{}, 0, HX_NVME_LIVE}};
     reading.secured.emplace_back().state = HX_SECURE_SECURED;
@@ -199,6 +219,12 @@ TEST(ToolsHealth, FabricTellsOfCongestionAndOfWhatItRefuses) {
     EXPECT_EQ(Warning, Found(reading, "security").state);
     reading.dumps = {"fc", "mini"};
     EXPECT_EQ("fc, mini", Found(reading, "dump").detail);
+    // Each port tells its own, not one of the adapter for all.
+    reading.adapter.reset();
+    for (const char* id :
+         {"congestion", "fpin", "npiv", "nvme", "security", "dump", "driver", "link"}) {
+        EXPECT_NE(nullptr, Found(reading, id).check) << id;
+    }
 }
 
 TEST(ToolsHealth, StoredCodeIsSoundActiveAndWhole) {
@@ -341,7 +367,23 @@ std::map<std::string, std::string> SamplesIn(const std::string& text) {
 }
 
 TEST(ToolsMetrics, EveryPortHasItsSamples) {
-    HealthReading reading = Answering({Q::VirtualPorts, Q::Temperature, Q::Latency});
+    HealthReading reading = Answering(
+        {Q::VirtualPorts, Q::Temperature, Q::Latency, Q::Transceiver, Q::Security, Q::Dumps});
+    reading.creditRecovery.emplace().state = HX_BBCR_ON;
+    HX_SCM_STATISTICS& scm = reading.counters.scm.emplace().record;
+    scm.severity = HX_SCM_SEVERITY_ALARM;
+    scm.allowedPercent = 70;
+    scm.fpins.invalidCrc = 3;
+    scm.peerFpins.invalidCrc = 4;
+    reading.link->state = "link_down";
+    reading.secured.emplace_back().state = HX_SECURE_FAILED;
+    reading.dumps = {"fc"};
+    reading.transceiver.present = true;
+    reading.transceiver.readings.emplace()
+        .quantities[static_cast<size_t>(SfpQuantity::ReceivedPower)] = {0.5, 1.5,  {},
+                                                                        1.0, 0.25, {}};
+    reading.adapter->code = {{"firmware", "9.12.01", "9.13.00", true, ""}};
+    reading.adapter->interrupted = "cut off";
     reading.counters.traffic = Traffic();
     reading.counters.traffic->port.rxFrames = uint64_t{1} << 40;
     reading.counters.traffic->port.dumpedFrames = HX_NOT_COUNTED;
@@ -392,6 +434,26 @@ TEST(ToolsMetrics, EveryPortHasItsSamples) {
     EXPECT_EQ("7", of("read_latency_seconds_count"));
     EXPECT_EQ("2", of("read_latency_seconds_sum"));
     EXPECT_EQ("0", of("virtual_ports", ",state=\"rejected\""));
+    EXPECT_EQ("1", of("credit_recovery_on"));
+    EXPECT_EQ("2", of("congestion_severity"));
+    EXPECT_EQ("0.7", of("allowed_bandwidth_ratio"));
+    EXPECT_EQ("3", of("fpins_total", ",about=\"port\",event=\"invalid_crc\""));
+    EXPECT_EQ("4", of("fpins_total", ",about=\"peers\",event=\"invalid_crc\""));
+    EXPECT_EQ("0", of("port_state", ",state=\"online\""));
+    EXPECT_EQ("1", of("port_state", ",state=\"link_down\""));
+    EXPECT_EQ("1", of("secured_ports", ",state=\"failed\""));
+    EXPECT_EQ("0", of("secured_ports", ",state=\"plain\""));
+    EXPECT_EQ("1", of("dumps_waiting"));
+    EXPECT_EQ("1", of("transceiver_present"));
+    EXPECT_EQ("0", of("transceiver_fault"));
+    EXPECT_EQ("0.0005", of("transceiver_received_power_watts"));
+    EXPECT_EQ("0.00025", of("transceiver_received_power_limit_watts", ",limit=\"low_warning\""));
+    EXPECT_EQ("none", of("transceiver_received_power_limit_watts", ",limit=\"low_alarm\""));
+    EXPECT_EQ("1", of("code_info", ",region=\"firmware\",running=\"9.12.01\",stored=\"9.13.00\""));
+    EXPECT_EQ("1", of("update_pending"));
+    EXPECT_EQ("1", of("update_interrupted"));
+    EXPECT_EQ("2", of("health_state"));
+    EXPECT_EQ("0", of("failed_questions"));
     EXPECT_EQ("none", of("nvme_controllers", ",state=\"live\""));
     EXPECT_EQ("1800000000.25", samples.at("fibrechannel_collection_timestamp_seconds"));
     EXPECT_EQ("2", samples.at("fibrechannel_ports"));
