@@ -73,6 +73,13 @@ TEST(ToolsTop, CountersBecomeRates) {
         trend.Take(Counted(1, 1, 500, 900), milliseconds(90000 + i));
     }
     EXPECT_EQ(trend.BytesBefore().size(), PortTrend::kHistory);
+
+    // A driver that counts nothing has no errors.
+    PortTrend silent;
+    silent.Take({}, milliseconds(0));
+    silent.Take({}, milliseconds(1000));
+    EXPECT_EQ(0u, silent.NewErrors());
+    EXPECT_FALSE(silent.Rates().txFrames);
 }
 
 TEST(ToolsTop, SparklinesShowWhatIsNotZero) {
@@ -268,6 +275,11 @@ TEST_F(ToolsTopScreen, LongListsScroll) {
     Press(Home);
     Press(Up);
     EXPECT_EQ(first(), "   0");
+    picture_.ports.resize(63);
+    Press(End);
+    Lines(80, 13);
+    Press(Home);
+    EXPECT_TRUE(support::Has(Lines(80, 13)[0], "63 ports, 1 to 6"));
 }
 
 }  // namespace
