@@ -164,6 +164,8 @@ TEST(SupportReport, ChartsShowRates) {
         {"port":1,"time":"2026-01-31T23:59:52.500Z","tx_frames":0,"rx_frames":100,
          "tx_words":2500000,"rx_words":1000},
         {"port":1,"time":"2026-01-31T23:59:53.500Z","tx_frames":5,"rx_frames":0,"tx_words":1250000},
+        {"port":3,"time":"2026-01-31T23:59:56.000Z","tx_frames":0},
+        {"port":3,"time":"2026-01-31T23:59:57.000Z","tx_frames":0},
         {"port":1,"time":"now","tx_frames":3},{"port":1,"time":"2026-01-31T23:59:54.000Z"}]})"}});
     EXPECT_EQ(
         "|Port 1: the samples|Time (UTC)|Sent MB/s|Received MB/s|Sent frames/s|Received frames/s|"
@@ -178,7 +180,10 @@ TEST(SupportReport, ChartsShowRates) {
                     "<circle class=\"dot first\" cx=\"277.7\" cy=\"37.2\" r=\"2.5\"><title>"
                     "sent 23:59:52: 4 MB/s</title>"));
     EXPECT_EQ("|0|2.5|5|23:59:50|23:59:53|", Reads(page, "<line class=\"axis\"", "<polyline"));
+    EXPECT_TRUE(Has(page, "<td class=\"number\">0.002</td>"));
     EXPECT_TRUE(Has(page, "Port 1: errors"));
+    EXPECT_TRUE(
+        Has(Reads(page, "Port 3: frames</figcaption>", "<polyline"), "|23:59:56|23:59:57|"));
     EXPECT_EQ("|{good} No errors while it was sampled|The numbers|",
               Reads(page.substr(page.find("Port 2: frames")), "</figure>", "<div"));
     // A single sample stands in the middle.
@@ -245,6 +250,7 @@ TEST(SupportReport, TheOtherSections) {
         "update|9 to 10|{good} done|\u2013|",
         Reads(page, "Firmware and settings</h2>", "</section>"));
     EXPECT_TRUE(Has(page, "<meta charset=\"utf-8\">"));
+    EXPECT_TRUE(Has(page, "<a class=\"skip\" href=\"#main\">"));
     const std::string quiet = PageOf(
         {{"health", R"({"state":"normal","checks":[]})"}, {"event watch", R"({"events":[]})"}});
     EXPECT_EQ(

@@ -190,6 +190,10 @@ TEST_F(ToolsTopScreen, FitsEverySize) {
         }
         EXPECT_EQ(any, colors);
     }
+    EXPECT_TRUE(support::Has(Lines(80, 12)[8], "12:34:50"));
+    EXPECT_FALSE(support::Has(Lines(80, 11)[10], "EVENTS"));
+    EXPECT_EQ("vxmgr top  12:34:56 UTC  3 ports", Lines(80, 6)[0]) << "all of them fit";
+    EXPECT_EQ("vxmgr top  12:34:56 UTC  3 ports, 1 to 2", Lines(80, 5)[0]);
     const auto narrow = Lines(40, 12);
     EXPECT_EQ(narrow[1], "PORT STATE      TX MB/S  RX MB/S  ERRORS");
     EXPECT_TRUE(support::Has(narrow[3], "   1 link down      200      400       6")) << narrow[3];
@@ -280,6 +284,13 @@ TEST_F(ToolsTopScreen, LongListsScroll) {
     Lines(80, 13);
     Press(Home);
     EXPECT_TRUE(support::Has(Lines(80, 13)[0], "63 ports, 1 to 6"));
+    for (const char* anew : {"c", "/"}) {
+        Press(End);
+        Lines(80, 13);
+        Type(anew);
+        Press(Enter);
+        EXPECT_TRUE(support::Has(Lines(80, 13)[0], "63 ports, 1 to 6")) << anew;
+    }
 }
 
 }  // namespace
