@@ -166,6 +166,7 @@ TEST(ToolsHealth, TransceiversHaveTheLimitsOfTheirSide) {
     EXPECT_EQ("off", Found(reading, "transceiver").value);
     readings.transmitFault = true;
     EXPECT_EQ(Critical, Found(reading, "transceiver").state);
+    EXPECT_EQ("fault", Found(reading, "transceiver").value);
 }
 
 TEST(ToolsHealth, FabricTellsOfCongestionAndOfWhatItRefuses) {

@@ -62,6 +62,7 @@ TEST(SupportReport, ACardHasWhatIsKnownOfThePort) {
     EXPECT_EQ("|Ports|Sources|", Reads(page, "<nav", "</nav>"));
     EXPECT_EQ("|0|adapters|1 of 1|ports online|3|paths to targets|", Reads(page, "<ul", "</ul>"));
     EXPECT_EQ(std::string::npos, page.find("at a glance"));
+    EXPECT_TRUE(Has(page, "<div class=\"long\"><dt>Port name"));
     EXPECT_TRUE(
         Has(PageOf({{"port show", R"({"ports":[{"index":0},{"index":1}]})"}}), "at a glance"));
 }
@@ -149,6 +150,7 @@ TEST(SupportReport, CountersAreErrorsOrNot) {
         Reads(card(R"("tx_frames":9,"losses_of_sync":2,"invalid_crcs":null,
                             "traffic":{"frames_timed_out":1,"rx":0})"),
               "Counters</h4>", "</article>"));
+    EXPECT_TRUE(Has(card(R"("tx_frames":9)"), "<details class=\"wide\">")) << "of a few ports";
     EXPECT_EQ("Counters|{good} No errors counted|All 2 counters|",
               Reads(card(R"("tx_frames":9,"link_failures":0)"), "Counters</h4>", "<div"));
     EXPECT_EQ(std::string::npos,

@@ -78,6 +78,19 @@ TEST(SupportZip, BytesAreThoseOfTheFormat) {
     EXPECT_EQ(expected, file);
     EXPECT_EQ(expected.size(), zip.Size());
 
+    std::string two;
+    ZipWriter pair({}, [&](std::span<const uint8_t> bytes) {
+        two.append(bytes.begin(), bytes.end());
+        return true;
+    });
+    ASSERT_EQ(ZipOutcome::Good, pair.Add("a", content));
+    const size_t second = two.size();
+    ASSERT_EQ(ZipOutcome::Good, pair.Add("b", content));
+    ASSERT_EQ(ZipOutcome::Good, pair.Finish());
+    EXPECT_EQ("PK\x03\x04", two.substr(second, 4));
+    EXPECT_EQ(std::string({static_cast<char>(second), '\0', '\0', '\0', 'b'}),
+              two.substr(two.rfind("PK\x01\x02") + 42, 5));
+
     ZipWriter full({}, [](std::span<const uint8_t>) { return false; });
     EXPECT_EQ(ZipOutcome::NotWritten, full.Add("a", content));
     EXPECT_EQ(ZipOutcome::TooLarge, zip.Add(std::string(0x10000, 'n'), content));
