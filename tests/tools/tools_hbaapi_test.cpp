@@ -194,6 +194,8 @@ TEST(ToolsHbaApi, FailingHandlersAreTold) {
 TEST(ToolsHbaApi, ListsThatMoveWhileTheyAreRead) {
     EXPECT_EQ(ReadFake({.reached = 1}).discovered.size(), 1u) << "one has gone";
     EXPECT_EQ(ReadFake({.reached = 1}).discoveredEnd, 0u);
+    const HbaAdapter claims = ReadFake({.discovered = 0xFFFFFFFF, .reached = 0xFFFFFFFF});
+    EXPECT_EQ(claims.discovered.size(), 4096u) << "nobody waits for four thousand million ports";
     const HbaAdapter broken = ReadFake({.reached = 0, .behind = HBA_STATUS_ERROR});
     EXPECT_EQ(broken.discoveredEnd, static_cast<HBA_STATUS>(HBA_STATUS_ERROR));
 

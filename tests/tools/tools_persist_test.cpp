@@ -147,7 +147,10 @@ TEST(ToolsBindings, HolesAreFilledAndFullIsFull) {
     EXPECT_FALSE(PutBinding(block, one, std::nullopt));
     one = Device(7, 200, 3);  // a known one is changed in its place
     EXPECT_EQ(AddressHolder(block, one), NameOf(200));
+    one.bus = 5;
+    EXPECT_EQ(AddressHolder(block, one), std::nullopt) << "on another bus";
     EXPECT_TRUE(PutBinding(block, one, uint16_t{2}));
+    EXPECT_EQ(block.entries[7].bus, 5);
     EXPECT_EQ(block.entries[7].target, 200);
     EXPECT_EQ(block.entries[7].lunBase, 2);
 

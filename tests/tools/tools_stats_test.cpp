@@ -80,6 +80,29 @@ TEST(ToolsStats, GroupsAreCountedEachForItself) {
     EXPECT_EQ(between.scm->record.fpins.creditStall, 1u);
     EXPECT_TRUE(WasReset(after, before)) << "what concerns a remote port only grows";
 
+    // Without a reset every part is a difference.
+    PortCounters first, second;
+    for (PortCounters* counters : {&first, &second}) {
+        const uint64_t value = counters == &first ? 10 : 13;
+        HX_PORT_STATISTICS_V2& traffic = counters->traffic.emplace();
+        traffic.fcp.inputRequests = traffic.nvme.outputBytes = value;
+        traffic.abtsSent = traffic.port.rxWords = value;
+        HX_PRIVATE_STATISTICS_EX& latency = counters->latency.emplace();
+        latency.reads[0] = latency.reads[23] = latency.writes[23] = latency.writeTime = value;
+        HX_SCM_STATISTICS& scm = counters->scm.emplace().record;
+        scm.fpins.linkFailure = scm.peerFpins.linkFailure = scm.alarmSignals = value;
+    }
+    const PortCounters grown = CountedBetween(first, second);
+    EXPECT_FALSE(WasReset(first, second));
+    for (const uint64_t value :
+         {grown.traffic->fcp.inputRequests, grown.traffic->nvme.outputBytes,
+          grown.traffic->abtsSent, grown.traffic->port.rxWords, grown.latency->reads[0],
+          grown.latency->reads[23], grown.latency->writes[23], grown.latency->writeTime,
+          grown.scm->record.fpins.linkFailure, grown.scm->record.peerFpins.linkFailure,
+          grown.scm->record.alarmSignals}) {
+        EXPECT_EQ(3u, value);
+    }
+
     const tools::Record record = CounterFields(kLatencyKind | kScmKind).Make(between);
     tools::Redactor redactor(false);
     const std::string text = tools::RenderText(record, {false, &redactor});
