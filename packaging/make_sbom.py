@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the bill of materials of a release: SPDX 2.3 as JSON.
+"""Writes the bill of materials of what is packed in a folder: SPDX 2.3 as JSON.
 
-Usage: make_sbom.py VERSION COMMIT FOLDER... > FILE
+Usage: make_sbom.py VERSION COMMIT FOLDER > FILE
 
-Names what is in the binaries of the folders beside our own code, with versions as Debian has them, and
-every packed file with its SHA-256. Copies the licences of what it names into each FOLDER/licences.
+Names what is in the binaries beside our own code, with versions as Debian has them, and every packed
+file with its SHA-256. Copies the licences of what it names into FOLDER/licences.
 """
 import hashlib
 import json
@@ -50,12 +50,9 @@ def part(package: str, name: str, licence: str, about: str) -> dict:
     }
 
 
-def files_of(folders: list) -> list:
-    found = []
-    for folder in folders:
-        for place, _, names in os.walk(folder):
-            found += [os.path.join(place, name) for name in names]
-    return sorted(found)
+def files_of(folder: str) -> list:
+    return sorted(os.path.join(place, name)
+                  for place, _, names in os.walk(folder) for name in names)
 
 
 def file_entry(number: int, path: str, above: str) -> dict:
@@ -68,12 +65,12 @@ def file_entry(number: int, path: str, above: str) -> dict:
     }
 
 
-def main(version: str, commit: str, folders: list) -> None:
-    for folder in folders:
-        keep_licences(folder)
+def main(version: str, commit: str, folder: str) -> None:
+    keep_licences(folder)
+    name = os.path.basename(folder)
     created = time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(int(os.environ["SOURCE_DATE_EPOCH"])))
-    above = os.path.dirname(os.path.abspath(folders[0]))
-    files = [file_entry(number, path, above) for number, path in enumerate(files_of(folders))]
+    above = os.path.dirname(os.path.abspath(folder))
+    files = [file_entry(number, path, above) for number, path in enumerate(files_of(folder))]
     ours = {
         "SPDXID": "SPDXRef-VXMGMT", "name": "VXMGMT", "versionInfo": version,
         "licenseConcluded": "MIT", "licenseDeclared": "MIT", "downloadLocation": "NOASSERTION",
@@ -85,8 +82,8 @@ def main(version: str, commit: str, folders: list) -> None:
     relations += [(ours["SPDXID"], "CONTAINS", each["SPDXID"]) for each in files]
     document = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
-        "name": f"vxmgmt-{version}",
-        "documentNamespace": f"https://spdx.org/spdxdocs/vxmgmt-{version}-{commit}",
+        "name": name,
+        "documentNamespace": f"https://spdx.org/spdxdocs/{name}-{commit}",
         "creationInfo": {"created": created, "creators": ["Organization: The VXMGMT authors"]},
         "packages": [ours, *parts],
         "files": files,
@@ -100,6 +97,6 @@ def main(version: str, commit: str, folders: list) -> None:
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 4:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
-    main(sys.argv[1], sys.argv[2], sys.argv[3:])
+    main(*sys.argv[1:])

@@ -109,9 +109,11 @@ build_in() {
         done
     )
     (cd "$folder/source" && scripts/reference.sh "$main/docs/api")
-    python3 packaging/make_sbom.py "$version" "$commit" "$main" "$emulator" \
-        >"$dist/vxmgmt-$version.spdx.json"
-    cp "$dist/vxmgmt-$version.spdx.json" "$main/licences"
+    # One each: that of the driver's signature differs where another certificate is made.
+    for file in "$main" "$emulator"; do
+        python3 packaging/make_sbom.py "$version" "$commit" "$file" >"$dist/$(basename "$file").spdx.json"
+        cp "$dist/$(basename "$file").spdx.json" "$file/licences"
+    done
     find "$main" "$emulator" "$symbols" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 
     python3 packaging/make_zip.py "$dist/vxmgmt-$version-x64.zip" "$main"

@@ -27,7 +27,9 @@ for archive in dist/*.zip; do
 done
 find "$folder/vxmgmt-$version" \( -name '*.md' -o -name '*.html' \) ! -path '*/docs/api/*' -print0 |
     xargs -0 python3 packaging/check_links.py || fail "links"
-python3 -m json.tool "dist/vxmgmt-$version.spdx.json" >/dev/null || fail "the bill of materials"
+for bill in dist/*.spdx.json; do
+    python3 -m json.tool "$bill" >/dev/null || fail "$bill"
+done
 unzip -q "dist/vxmgmt-$version-emulator.zip" -d "$work"
 emulator=$work/vxmgmt-$version-emulator
 certificate=${1:-$work/test.pem}
