@@ -1,6 +1,7 @@
 #include "vxmgr/support/snapshot.h"
 
 #include <algorithm>
+#include <set>
 #include <thread>
 
 #include "vxmgr/app/host_name.h"
@@ -113,12 +114,18 @@ TakenDocument Taken(Invocation& invocation, const SnapshotRow& row, std::string 
 }
 
 // Those of the selected ports that have not fallen silent by now.
-std::vector<Port> AnsweringOf(std::vector<Port> now, const std::vector<Port*>& selected) {
-    std::erase_if(now, [&](const Port& port) {
-        return !port.answers ||
-               std::ranges::find(selected, port.index, &Port::index) == selected.end();
-    });
-    return now;
+std::vector<Port> StillAnswering(Invocation& invocation, const std::vector<Port*>& selected) {
+    if (selected.empty()) {
+        return {};  // that there are none was said when they were read
+    }
+    std::set<uint32_t> indexes;
+    for (const Port* port : selected) {
+        indexes.insert(port->index);
+    }
+    std::vector<Port> ports = ReadPorts(invocation);
+    std::erase_if(ports,
+                  [&](const Port& port) { return !port.answers || !indexes.contains(port.index); });
+    return ports;
 }
 
 }  // namespace
@@ -142,7 +149,7 @@ std::vector<TakenDocument> TakeSnapshot(Invocation& invocation, const SnapshotPl
             take(row, MemberName(row.command), SelectionOf(invocation));
             continue;
         }
-        for (const Port& port : AnsweringOf(ReadPorts(invocation), selected)) {
+        for (const Port& port : StillAnswering(invocation, selected)) {
             take(row, MemberName(row.command) + "/port-" + std::to_string(port.index),
                  {"-p", port.Object()});
         }

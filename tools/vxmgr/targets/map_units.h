@@ -34,6 +34,7 @@ class SystemDevices {
 // Shared with threads that may be left behind.
 using SharedDevices = std::shared_ptr<const SystemDevices>;
 
+// What the system has now; the same for all commands that run inside a collection or report.
 HX_STATUS ReadSystemDevices(SharedDevices* devices);
 
 // Numbers of the disks that a volume lives on, each once.
